@@ -1,0 +1,41 @@
+// The seam through which everything below the front ends asks and tells the user. The terminal answers with its
+// options and lines, the windows with dialogs, tests with a script. All calls are made on the one thread of the run.
+#pragma once
+
+#include <string>
+
+#include "platform/file_operation.h"
+
+namespace quendle {
+
+class UserInterface {
+ public:
+  virtual ~UserInterface() = default;
+
+  enum class OverwriteAnswer { kYes, kNo, kYesToAll, kNoToAll, kCancel };
+
+  // May `existing` be replaced by `incoming`? With nobody to ask the answer is kNoToAll.
+  virtual OverwriteAnswer AskOverwrite(const platform::FileVersion& existing,
+                                       const platform::FileVersion& incoming) = 0;
+
+  // May this missing destination folder be made? With nobody to ask: no.
+  virtual bool AskMakeFolder(const std::string& folder) = 0;
+
+  // May this be deleted for good? With nobody to ask: no.
+  virtual bool AskDelete(const std::string& path) = 0;
+
+  // Called at least ten times a second during a long operation. False cancels it. `simple` asks for a display without
+  // names.
+  virtual bool ShowProgress(const platform::FileProgress& progress, bool simple) = 0;
+
+  // The operation whose progress was shown is over.
+  virtual void EndProgress() = 0;
+
+  // Work that keeps the user waiting begins or ends.
+  virtual void SetBusy(bool busy) = 0;
+
+  // Shows the folder in the user's file manager. A failure is shown, not returned: the work is done by then.
+  virtual void OpenFolder(const std::string& folder) = 0;
+};
+
+}  // namespace quendle
