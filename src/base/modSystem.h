@@ -11,9 +11,9 @@
 
 namespace quendle {
 
-// Makes a folder with all its missing parents. Success when the folder exists afterwards; a failure names the first
-// folder that could not be made.
-platform::Result MakeDirNested(const std::string& path, PathStyle style = kHostStyle);
+// Makes a folder with all its missing parents. True when the folder exists afterwards; otherwise `*why`, when given,
+// says which folder could not be made and why.
+bool MakeDirNested(const std::string& path, platform::Result* why = nullptr);
 
 // Sorts elements `lowest` to `highest` (both included) ascending by their upper-cased text. Elements that are equal
 // but for case keep their order. O(n log n) comparisons and no recursion to speak of, whatever the input; indices
