@@ -32,23 +32,26 @@ class ProgressMeter {
 
   bool AddBytes(std::uint64_t bytes) {
     progress_.bytes_done += bytes;
-    return Tick();
+    return progress_.bytes_done - bytes_reported_ < kStep ? Tick() : Report();
   }
 
   bool Tick() { return std::chrono::steady_clock::now() - last_ < kInterval || Report(); }
 
  private:
   static constexpr std::chrono::milliseconds kInterval{50};
+  static constexpr std::uint64_t kStep = 16 << 20;  // a fast disk is not so far ahead of a cancel then
 
   bool Report() {
     const bool go_on = observer_->OnProgress(progress_);
     last_ = std::chrono::steady_clock::now();
+    bytes_reported_ = progress_.bytes_done;
     return go_on;
   }
 
   FileOperationObserver* observer_;
   FileProgress progress_;
   bool is_total_known_ = false;
+  std::uint64_t bytes_reported_ = 0;
   std::chrono::steady_clock::time_point last_;
 };
 
