@@ -9,7 +9,7 @@ namespace quendle {
 namespace {
 
 // Far above what a sensible pattern needs on a file name of 255 characters, and some milliseconds at most.
-constexpr std::uint32_t kMatchLimit = 50'000;
+constexpr std::uint32_t kMatchLimit = 300'000;
 constexpr std::uint32_t kDepthLimit = 5'000;
 
 constexpr std::uint32_t kOptions = PCRE2_UTF | PCRE2_CASELESS | PCRE2_DOLLAR_ENDONLY | PCRE2_ALLOW_EMPTY_CLASS |
