@@ -36,6 +36,10 @@ class UserInterface {
 
   // Shows the folder in the user's file manager. A failure is shown, not returned: the work is done by then.
   virtual void OpenFolder(const std::string& folder) = 0;
+
+  // Opens a file with the program that the desktop has for it, which is never one from `untrusted_folder`. A failure
+  // is shown, not returned.
+  virtual void OpenFile(const std::string& path, const std::string& untrusted_folder) = 0;
 };
 
 }  // namespace quendle

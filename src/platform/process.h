@@ -1,8 +1,5 @@
-// The process itself: its command line, the user's wish to stop it, the terminal it writes to.
+// The process itself: the user's wish to stop it, the terminal it writes to.
 #pragma once
-
-#include <string>
-#include <vector>
 
 namespace quendle::platform {
 

@@ -1,0 +1,119 @@
+#include "cli/report.h"
+
+#include <nlohmann/json.hpp>
+
+#include "base/modSystem.h"
+#include "cli/display.h"
+#include "platform/unicode.h"
+
+namespace quendle {
+namespace {
+
+const char* StepWord(StepKind kind) {
+  switch (kind) {
+    case StepKind::kExtract:
+      return "extract";
+    case StepKind::kMove:
+      return "move";
+    case StepKind::kCopy:
+      return "copy";
+  }
+  ProgrammingError("unknown step");
+}
+
+const char* ResultWord(StepResult result) {
+  switch (result) {
+    case StepResult::kPlanned:
+      return "planned";
+    case StepResult::kDone:
+      return "done";
+    case StepResult::kFailed:
+      return "failed";
+    case StepResult::kSkipped:
+      return "skipped";
+  }
+  ProgrammingError("unknown result");
+}
+
+bool IsUndone(const ActionStep& step) {
+  return step.result == StepResult::kFailed || step.result == StepResult::kSkipped;
+}
+
+std::string Describe(const ActionStep& step) {
+  return std::string(StepWord(step.kind)) + " to " + ForDisplay(step.to);
+}
+
+// An error may quote a path, whose bytes are anything.
+std::string ErrorText(const std::string& error) { return platform::WithReplacementCharacters(error); }
+
+}  // namespace
+
+const char* OutcomeWord(Outcome outcome) {
+  switch (outcome) {
+    case Outcome::kPlanned:
+      return "planned";
+    case Outcome::kDone:
+      return "done";
+    case Outcome::kFailed:
+      return "failed";
+    case Outcome::kAmbiguous:
+      return "ambiguous";
+    case Outcome::kUnmatched:
+      return "unmatched";
+    case Outcome::kMissing:
+      return "missing";
+  }
+  ProgrammingError("unknown outcome");
+}
+
+std::string TextLine(const DispatchReport& report) {
+  std::string line = OutcomeWord(report.outcome);
+  line.resize(11, ' ');
+  line += ForDisplay(report.path);
+  if (report.profile) line += " [" + ForDisplay(*report.profile) + "]";
+  std::string separator = " ";
+  for (const ActionStep& step : report.steps) {
+    line += separator + Describe(step);
+    if (IsUndone(step)) line += std::string(" (") + ResultWord(step.result) + ")";
+    separator = "; ";
+  }
+  if (report.profile && report.steps.empty()) line += " nothing to do";
+  return line;
+}
+
+std::vector<std::string> ProblemLines(const DispatchReport& report) {
+  std::vector<std::string> lines;
+  const std::string path = ForDisplay(report.path);
+  for (const ActionStep& step : report.steps) {
+    if (IsUndone(step)) lines.push_back(path + ": " + Describe(step) + ": " + ForDisplay(step.error));
+  }
+  if (lines.empty() && !report.error.empty()) lines.push_back(path + ": " + ForDisplay(report.error));
+  return lines;
+}
+
+std::string JsonLine(const DispatchReport& report) {
+  bool escaped = false;
+  nlohmann::ordered_json object;
+  object["path"] = WithEscapedBytes(report.path, &escaped);
+  object["name"] = WithEscapedBytes(report.name, &escaped);
+  object["archive"] = nullptr;
+  if (report.archive_type != 0) object["archive"] = ArchiveTypeName(report.archive_type);
+  object["matches"] = report.matches;
+  object["profile"] = nullptr;
+  if (report.profile) object["profile"] = *report.profile;
+  object["steps"] = nlohmann::ordered_json::array();
+  for (const ActionStep& step : report.steps) {
+    nlohmann::ordered_json entry;
+    entry["step"] = StepWord(step.kind);
+    entry["to"] = WithEscapedBytes(step.to, &escaped);
+    entry["result"] = ResultWord(step.result);
+    if (!step.error.empty()) entry["error"] = ErrorText(step.error);
+    object["steps"].push_back(std::move(entry));
+  }
+  object["result"] = OutcomeWord(report.outcome);
+  if (!report.error.empty()) object["error"] = ErrorText(report.error);
+  if (escaped) object["escaped"] = true;
+  return object.dump();
+}
+
+}  // namespace quendle

@@ -1,0 +1,39 @@
+// The user interface of an unattended run: nobody answers, progress is a line on the terminal, an interrupt cancels.
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "base/user_interface.h"
+
+namespace quendle {
+
+class TerminalUser : public UserInterface {
+ public:
+  // `show_progress`: the error stream is a terminal on which a line can be rewritten.
+  explicit TerminalUser(bool show_progress) : show_progress_(show_progress) {}
+
+  OverwriteAnswer AskOverwrite(const platform::FileVersion& existing,
+                               const platform::FileVersion& incoming) override;
+  bool AskMakeFolder(const std::string& folder) override;
+  bool AskDelete(const std::string& path) override;
+  bool ShowProgress(const platform::FileProgress& progress, bool simple) override;
+  void EndProgress() override;
+  void SetBusy(bool busy) override;
+  void OpenFolder(const std::string& folder) override;
+  void OpenFile(const std::string& path, const std::string& untrusted_folder) override;
+
+  // A line on the error stream, after anything printed so far.
+  static void Warn(const std::string& text);
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  bool show_progress_;
+  bool running_ = false;      // an operation reports progress
+  bool line_shown_ = false;
+  Clock::time_point begin_;   // of the operation
+  Clock::time_point shown_;   // when the line was written last
+};
+
+}  // namespace quendle

@@ -1,0 +1,97 @@
+#include "cli/unattended.h"
+
+#include <cstdio>
+#include <memory>
+
+#include "cli/display.h"
+#include "cli/report.h"
+#include "cli/terminal_user.h"
+#include "core/modMain.h"
+#include "platform/known_folders.h"
+#include "platform/process.h"
+#include "settings/application_folder.h"
+
+namespace quendle {
+namespace {
+
+bool IsWindowed(const Options& options) { return !options.batch && !options.dry_run; }
+
+// A run with windows takes ten paths; the others are named so that nobody believes them done.
+std::vector<std::string> TakenPaths(const Options& options) {
+  std::vector<std::string> paths = options.paths;
+  if (!IsWindowed(options) || paths.size() <= kMostPaths) return paths;
+  for (std::size_t i = kMostPaths; i < paths.size(); ++i) {
+    TerminalUser::Warn(ForDisplay(paths[i]) + ": left out, since only ten paths are taken without --batch");
+  }
+  paths.resize(kMostPaths);
+  return paths;
+}
+
+// What a run with windows would do that this one does not.
+void ExplainMissingWindows(const Options& options, Globals* globals) {
+  if (platform::HasDisplay()) {
+    TerminalUser::Warn("the windows come with a later version; acting as with --batch");
+  }
+  const auto ctrl_is_down = [] { return false; };  // only a window system can tell
+  globals->g_Mover->SHOWUSERFORM =
+      options.confirm || WantsConfirmation(*globals->g_PropDefault, ctrl_is_down);
+  if (globals->g_Mover->SHOWUSERFORM) {
+    TerminalUser::Warn("confirmation is asked for, but there is no window for it; see --dry-run");
+  }
+}
+
+void Print(const Options& options, const DispatchReport& report) {
+  const std::string line = options.json ? JsonLine(report) : TextLine(report);
+  std::printf("%s\n", line.c_str());
+  std::fflush(stdout);  // a reader sees each line when its file is done
+  for (const std::string& problem : ProblemLines(report)) TerminalUser::Warn(problem);
+}
+
+void WarnOfPatterns(const clsMover& mover) {
+  for (const ProfileIndexEntry& profile : mover.Profiles()) {
+    if (profile.expression.Error().empty()) continue;
+    TerminalUser::Warn("profile " + ForDisplay(profile.Title) +
+                       ": its pattern cannot be used: " + profile.expression.Error());
+  }
+}
+
+// The title to use for every path; false when the one asked for does not exist.
+bool ResolveProfile(const Options& options, const clsMover& mover, DispatchOptions* dispatch) {
+  if (!options.profile) return true;
+  dispatch->profile = mover.FindTitle(*options.profile);
+  if (!dispatch->profile) TerminalUser::Warn("no profile is called " + ForDisplay(*options.profile));
+  return dispatch->profile.has_value();
+}
+
+}  // namespace
+
+int RunUnattended(const Options& options) {
+  platform::CatchInterrupts();
+  TerminalUser user(platform::IsErrorStreamTerminal());
+  const std::vector<std::string> paths = TakenPaths(options);
+  Globals globals(FindSettingsFolders(options.settings), !options.dry_run, user,
+                  std::make_unique<clsArchiver>(), paths);
+  if (IsWindowed(options)) ExplainMissingWindows(options, &globals);
+  for (const std::string& warning : SettingsWarnings(globals)) TerminalUser::Warn(ForDisplay(warning));
+
+  clsMover& mover = *globals.g_Mover;
+  DispatchOptions dispatch{options.dry_run, std::nullopt};
+  if (!ResolveProfile(options, mover, &dispatch)) return kExitUsage;
+
+  int status = paths.size() == options.paths.size() ? kExitDone : kExitUndone;
+  for (mover.CMDLINECURRENT = 1; mover.CMDLINECURRENT <= mover.CMDLINEMAX; ++mover.CMDLINECURRENT) {
+    if (platform::InterruptRequested()) {
+      TerminalUser::Warn("stopped; " + std::to_string(mover.CMDLINEMAX - mover.CMDLINECURRENT + 1) +
+                         " paths were not begun");
+      return kExitUndone;
+    }
+    const DispatchReport report =
+        DispatchCurrent(&mover, *globals.g_FileInfo, *globals.g_PropDefault, dispatch);
+    Print(options, report);
+    if (report.outcome != Outcome::kDone && report.outcome != Outcome::kPlanned) status = kExitUndone;
+  }
+  if (options.dry_run) WarnOfPatterns(mover);
+  return status;
+}
+
+}  // namespace quendle

@@ -1,0 +1,157 @@
+// The dispatcher: the paths of the run, the profiles that match the current one, what is to be done with it, and
+// doing it.
+//
+// For each path the caller sets CMDLINECURRENT, calls SetTarget and GetAccordantTitles, fills the state with one of
+// the Fill functions or from what the user chose, and calls ActionMain (or PlanSteps, to be told what it would do).
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "archive/clsArchiver.h"
+#include "base/regex.h"
+#include "base/user_interface.h"
+#include "files/clsFileInfo.h"
+#include "files/clsFileOperation.h"
+#include "settings/clsPropDefault.h"
+#include "settings/clsPropItem.h"
+
+namespace quendle {
+
+struct ProfileIndexEntry {
+  std::string Title;
+  std::string Pattern;
+  Regex expression;  // Pattern, compiled once
+};
+
+// The kinds are the bits of an action code.
+enum class StepKind : std::int16_t { kExtract = 1, kMove = 2, kCopy = 4 };
+
+enum class StepResult {
+  kPlanned,  // would be done
+  kDone,
+  kFailed,   // tried, or known to be impossible
+  kSkipped,  // not tried, because of an earlier step or because there is nothing to do
+};
+
+struct ActionStep {
+  StepKind kind;
+  std::string to;  // the folder extracted into; the final path of a copy or move
+  StepResult result;
+  std::string error;      // why it failed or was skipped
+  bool collides = false;  // planned, but something of the name `to` is there already
+};
+
+class clsMover {
+ public:
+  // What the dispatcher works with; all of it outlives the dispatcher.
+  struct Environment {
+    clsFileInfo& file_info;
+    clsPropItem& items;
+    const clsPropDefault& standard;
+    const clsPropDefault& test;
+    UserInterface& user;
+  };
+
+  // `arguments` as SplitCommandLine gives them: element 0 is empty, paths count from 1. Relative ones are made
+  // absolute against the current folder now. Reads the profiles.
+  clsMover(const Environment& environment, std::unique_ptr<clsArchiver> archiver,
+           std::vector<std::string> arguments);
+
+  // State of the run and of the current path.
+  bool SHOWUSERFORM = false;      // confirm each file
+  std::int32_t CMDLINEMAX = 0;    // number of paths
+  std::int32_t CMDLINECURRENT = 0;  // the current one, from 1
+  bool DOESFOLDER = false;        // the current path is a folder
+  std::int16_t ARCHIVETYPE = 0;   // 0: not an archive, else as in clsArchiver
+  std::string ORIGINALPATH;       // full path of the current file or folder
+  std::string MOVETO;             // full path to move a file to; the folder to move a folder into
+  std::string COPYTO;             // the same for copying
+  std::string EXTRACTTO;          // folder to extract into
+  std::int16_t ACTION = 2;        // bits: 1 extract, 2 move, 4 copy
+  std::int16_t SMARTRENAME = 1;   // 1 keep names, 2 always append the date, 3 append it on a collision
+  std::int16_t EXTRACTTYPE = 2;   // 1 overwrite, 2 update
+  bool SMARTMAKEDIR = false;      // no second folder level for an archive with a single root folder
+  bool OPENDIR = false;           // open the extraction folder afterwards
+
+  // The path at CMDLINECURRENT, absolute.
+  const std::string& CurrentCmdLineString() const;
+
+  // Makes the current path the target. False when it does not exist (or a planned move has taken it away).
+  bool SetTarget();
+
+  // Reads titles and patterns anew; to be called after profiles were edited.
+  void SetItemDataToArray();
+
+  // Matches the target's name against every profile; sets PATTERNMATCHCOUNT and ARCHIVETYPE. Element 0 is empty, 1 is
+  // "（なし）", from 2 on come the titles of the profiles that match or, when none does, of all profiles.
+  std::vector<std::string> GetAccordantTitles();
+  std::int32_t PATTERNMATCHCOUNT() const { return pattern_match_count_; }
+
+  // The profile's title as it is written in the store, without regard to the case of `title`.
+  std::optional<std::string> FindTitle(const std::string& title) const;
+  bool CheckDupTitle(const std::string& title) const { return FindTitle(title).has_value(); }
+
+  const std::vector<ProfileIndexEntry>& Profiles() const { return ProfileIndex; }
+
+  // Fill the state of the current target: from a profile; from the test settings, for an archive that matches none;
+  // from the standard settings, which leave SMARTMAKEDIR and OPENDIR as they are and compute no destinations.
+  void FillFromProfile(const std::string& title);
+  void FillFromTestSettings();
+  void SetDefaultItemData();
+
+  // The path that a folder chosen for one kind of action (1 extraction, 2 move, 4 copy) leads to: the folder itself for
+  // an extraction and for a folder as target, else the file's path in it after smart rename. Empty for another kind.
+  std::string GetTargetPathByFolder(std::int16_t kind, const std::string& folder) const;
+
+  // `folder`/`name`, or by SMARTRENAME with the target's date: "/d", "a.txt" => "/d/a.txt", "/d/a_20031107.txt",
+  // "/d/a_20031107_1.txt". Only looks; the name can be gone by the time it is used.
+  std::string GetFilenameBySmartRename(const std::string& folder, const std::string& name) const;
+
+  // What ActionMain would do now, step by step; touches nothing. A step that would ask whether to overwrite is planned
+  // when somebody `can_be_asked`, and fails otherwise.
+  std::vector<ActionStep> PlanSteps(bool can_be_asked);
+
+  // Does it. True when the run succeeded: every step of ACTION was done, but that a failed copy before a move that
+  // follows an extraction does not count.
+  bool ActionMain();
+
+  // What became of each step of the last ActionMain.
+  const std::vector<ActionStep>& Steps() const { return steps_; }
+
+  // From now on names count as taken and free as if the last planned steps had been done, so that a plan for several
+  // paths is the one that a run would make.
+  void AssumeDone(const std::vector<ActionStep>& steps);
+
+ private:
+  std::int16_t DetectArchiveType();
+  enum class Walk { kRun, kPlan, kPlanUnattended };
+  std::vector<ActionStep> WalkSteps(Walk walk);
+  ActionStep MakeStep(StepKind kind) const;
+  std::string FinalPath(StepKind kind) const;
+  std::string KnownProblem(const ActionStep& step) const;
+  bool IsMoveIntoOwnFolder(StepKind kind) const;
+  void TakeStep(Walk walk, ActionStep* step);
+  bool RunStep(ActionStep* step);
+  bool ExtractStep();
+  bool CopyStep();
+  bool MoveStep();
+  void OpenFiles();
+  bool NameIsTaken(const std::string& path) const;
+
+  Environment environment_;
+  std::unique_ptr<clsArchiver> archiver_;
+  clsFileOperation operation_;
+  std::vector<std::string> CommandLineArgs;
+  std::vector<ProfileIndexEntry> ProfileIndex;
+  std::int32_t pattern_match_count_ = 0;
+  std::vector<ActionStep> steps_;
+  std::unordered_set<std::string> assumed_taken_;
+  std::unordered_set<std::string> assumed_free_;
+};
+
+}  // namespace quendle

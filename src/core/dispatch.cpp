@@ -1,0 +1,72 @@
+#include "core/dispatch.h"
+
+namespace quendle {
+namespace {
+
+std::string JoinTitles(const std::vector<std::string>& titles) {
+  std::string joined;
+  for (const std::string& title : titles) joined += (joined.empty() ? "" : ", ") + title;
+  return joined;
+}
+
+// Fills the dispatcher's state from the one profile that is to act. False, with the report's outcome set, when there
+// is no such profile.
+bool ChooseProfile(clsMover* mover, const clsPropDefault& settings, const DispatchOptions& options,
+                   DispatchReport* report) {
+  if (options.profile) {
+    report->profile = *options.profile;
+  } else if (report->matches.size() == 1) {
+    report->profile = report->matches.front();
+  } else if (report->matches.size() > 1) {
+    report->outcome = Outcome::kAmbiguous;
+    report->error = std::to_string(report->matches.size()) +
+                    " profiles match, name one with --profile: " + JoinTitles(report->matches);
+    return false;
+  } else if (mover->ARCHIVETYPE != 0 && settings.TEST()) {
+    mover->FillFromTestSettings();
+    return true;
+  } else {
+    report->outcome = Outcome::kUnmatched;
+    report->error = "no profile matches the name";
+    return false;
+  }
+  mover->FillFromProfile(*report->profile);
+  return true;
+}
+
+}  // namespace
+
+DispatchReport DispatchCurrent(clsMover* mover, const clsFileInfo& file_info, const clsPropDefault& settings,
+                               const DispatchOptions& options) {
+  DispatchReport report;
+  const bool found = mover->SetTarget();
+  report.path = mover->ORIGINALPATH;
+  report.name = file_info.pFileNameLong();
+  if (!found) {
+    report.outcome = Outcome::kMissing;
+    report.error = "no such file or folder";
+    return report;
+  }
+  const std::vector<std::string> titles = mover->GetAccordantTitles();
+  report.archive_type = mover->ARCHIVETYPE;
+  if (mover->PATTERNMATCHCOUNT() > 0) report.matches.assign(titles.begin() + 2, titles.end());
+  if (!ChooseProfile(mover, settings, options, &report)) return report;
+
+  if (options.dry_run) {
+    report.steps = mover->PlanSteps(false);
+    mover->AssumeDone(report.steps);
+  } else {
+    mover->ActionMain();
+    report.steps = mover->Steps();
+  }
+  report.outcome = options.dry_run ? Outcome::kPlanned : Outcome::kDone;
+  for (const ActionStep& step : report.steps) {
+    if (step.result == StepResult::kFailed || step.result == StepResult::kSkipped) {
+      report.outcome = Outcome::kFailed;
+      if (report.error.empty()) report.error = step.error;
+    }
+  }
+  return report;
+}
+
+}  // namespace quendle

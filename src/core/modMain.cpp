@@ -1,0 +1,69 @@
+#include "core/modMain.h"
+
+#include <utility>
+
+#include "platform/durable_file.h"
+#include "resources/version.h"
+
+namespace quendle {
+namespace {
+
+std::vector<std::string> Arguments(const std::vector<std::string>& paths) {
+  std::vector<std::string> arguments = {""};
+  arguments.insert(arguments.end(), paths.begin(), paths.end());
+  return arguments;
+}
+
+std::string Describe(const platform::Result& failure) { return failure.path + ": " + failure.reason; }
+
+}  // namespace
+
+std::string GetVersionString() {
+  return std::to_string(kVersionMajor) + "." + std::to_string(kVersionMinor) + "." +
+         std::to_string(kVersionRevision);
+}
+
+bool WantsConfirmation(const clsPropDefault& standard, const std::function<bool()>& is_ctrl_down) {
+  if (standard.CONFIRMALWAYS()) return true;
+  return standard.KEYCHECK() && is_ctrl_down();
+}
+
+Globals::Globals(const SettingsFolders& folders, bool create_files, UserInterface& user,
+                 std::unique_ptr<clsArchiver> archiver, const std::vector<std::string>& paths) {
+  g_FileInfo = std::make_unique<clsFileInfo>();
+  g_PropItem = std::make_unique<clsPropItem>(
+      folders.application,
+      clsPropItem::Fallbacks{[this]() -> const clsPropDefault& { return *g_PropDefault; },
+                             [this]() -> const clsPropDefault& { return *g_PropTest; },
+                             [this] { return g_FileInfo->pFileNameNoExt(); }});
+  g_PropDefault = std::make_unique<clsPropDefault>(folders, create_files);
+  g_PropDefault->SetMode(clsPropDefault::kStandard);
+  g_PropTest = std::make_unique<clsPropDefault>(folders, false);  // its file was made with the other
+  g_PropTest->SetMode(clsPropDefault::kTestMode);
+  g_Mover = std::make_unique<clsMover>(
+      clsMover::Environment{*g_FileInfo, *g_PropItem, *g_PropDefault, *g_PropTest, user}, std::move(archiver),
+      Arguments(paths));
+}
+
+void Globals::EndProgram() {
+  g_FileInfo.reset();
+  g_PropItem.reset();
+  g_PropDefault.reset();
+  g_PropTest.reset();
+  g_Mover.reset();
+}
+
+std::vector<std::string> SettingsWarnings(const Globals& globals) {
+  std::vector<std::string> warnings;
+  const platform::Result& creation = globals.g_PropDefault->CreationFailure();
+  if (!creation.ok()) warnings.push_back("the settings files could not be made: " + Describe(creation));
+  if (globals.g_Mover->Profiles().empty()) {
+    std::string ignored;
+    const platform::Result read = platform::ReadWholeFile(globals.g_PropItem->FileName(), &ignored);
+    warnings.push_back(read.ok() ? globals.g_PropItem->FileName() + ": there are no profiles in it"
+                                 : "there are no profiles: " + Describe(read));
+  }
+  return warnings;
+}
+
+}  // namespace quendle

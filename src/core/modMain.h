@@ -1,0 +1,47 @@
+// The objects of a run: who makes them, in which order, and what they start with.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/user_interface.h"
+#include "core/clsMover.h"
+
+namespace quendle {
+
+// How many paths a run with windows takes.
+inline constexpr int kMostPaths = 10;
+
+// Major, minor and revision joined by ".".
+std::string GetVersionString();
+
+// Must each file be confirmed? Always when CONFIRMALWAYS is on; else, when KEYCHECK is on, if the Ctrl key is down,
+// which is only asked then.
+bool WantsConfirmation(const clsPropDefault& standard, const std::function<bool()>& is_ctrl_down);
+
+// The process-wide objects, made and released in the order in which they are declared.
+class Globals {
+ public:
+  // `paths` as the user gave them. `create_files`: make missing settings files (a dry run does not).
+  Globals(const SettingsFolders& folders, bool create_files, UserInterface& user,
+          std::unique_ptr<clsArchiver> archiver, const std::vector<std::string>& paths);
+  ~Globals() { EndProgram(); }
+  Globals(const Globals&) = delete;
+  Globals& operator=(const Globals&) = delete;
+
+  void EndProgram();
+
+  std::unique_ptr<clsFileInfo> g_FileInfo;
+  std::unique_ptr<clsPropItem> g_PropItem;        // items.ini
+  std::unique_ptr<clsPropDefault> g_PropDefault;  // mover.ini
+  std::unique_ptr<clsPropDefault> g_PropTest;     // test.ini
+  std::unique_ptr<clsMover> g_Mover;
+};
+
+// Anything about the settings that the user should know before the run: files that could not be made, or an
+// items.ini that cannot be read or holds no profiles. One line each.
+std::vector<std::string> SettingsWarnings(const Globals& globals);
+
+}  // namespace quendle

@@ -1,0 +1,27 @@
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "cli/options.h"
+#include "cli/unattended.h"
+#include "core/modMain.h"
+#include "resources/version.h"
+
+int main(int argc, char** argv) {
+  using namespace quendle;
+  std::string problem;
+  const auto options = ParseOptions(std::vector<std::string>(argv, argv + argc), &problem);
+  if (!options) {
+    std::fprintf(stderr, "quendle: %s\n%s", problem.c_str(), UsageText().c_str());
+    return kExitUsage;
+  }
+  if (options->help) {
+    std::fputs(UsageText().c_str(), stdout);
+    return kExitDone;
+  }
+  if (options->version) {
+    std::printf("%s %s\n", kProductName, GetVersionString().c_str());
+    return kExitDone;
+  }
+  return RunUnattended(*options);
+}

@@ -1,0 +1,80 @@
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+
+#include "platform/known_folders.h"
+#include "platform/paths.h"
+
+namespace quendle::platform {
+namespace {
+
+std::string HomeFolder() {
+  if (auto home = EnvironmentVariable("HOME"); home && home->front() == '/') return *home;
+  const passwd* user = getpwuid(getuid());
+  return user == nullptr ? "/" : user->pw_dir;
+}
+
+std::string RealPath(const char* path) {
+  const std::unique_ptr<char, void (*)(void*)> real(realpath(path, nullptr), std::free);
+  return real == nullptr ? "" : real.get();
+}
+
+// The value of XDG_DOWNLOAD_DIR="..." in user-dirs.dirs, which is either absolute or begins with $HOME/.
+std::string ConfiguredDownloadFolder(const std::string& home) {
+  constexpr std::string_view kKey = "XDG_DOWNLOAD_DIR=\"";
+  constexpr std::string_view kHome = "$HOME";
+  std::ifstream file(SettingsRoot() + "/user-dirs.dirs");
+  std::string folder;
+  for (std::string line; std::getline(file, line);) {
+    if (!line.starts_with(kKey)) continue;
+    const std::size_t end = line.find('"', kKey.size());
+    if (end == std::string::npos) continue;
+    folder = line.substr(kKey.size(), end - kKey.size());
+    if (folder.starts_with(kHome)) folder.replace(0, kHome.size(), home);
+  }
+  while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
+  return folder.starts_with('/') ? folder : "";
+}
+
+}  // namespace
+
+std::string CurrentFolder() {
+  const std::unique_ptr<char, void (*)(void*)> folder(getcwd(nullptr, 0), std::free);
+  return folder == nullptr ? "" : folder.get();
+}
+
+std::string ExecutableFolder() {
+  const std::string path = RealPath("/proc/self/exe");
+  return path.substr(0, path.rfind('/'));
+}
+
+std::string TemporaryFolder() {
+  const std::string folder = EnvironmentVariable("TMPDIR").value_or("/tmp");
+  return IsFolder(folder) ? folder : "/tmp";
+}
+
+std::string SettingsRoot() {
+  if (auto root = EnvironmentVariable("XDG_CONFIG_HOME"); root && root->front() == '/') return *root;
+  const std::string home = HomeFolder();
+  return home == "/" ? "/.config" : home + "/.config";
+}
+
+std::string DownloadFolder() {
+  const std::string home = HomeFolder();
+  if (std::string folder = ConfiguredDownloadFolder(home); !folder.empty()) return folder;
+  const std::string usual = home + "/Downloads";
+  return IsFolder(usual) ? usual : home;
+}
+
+std::optional<std::string> EnvironmentVariable(const char* name) {
+  const char* value = std::getenv(name);
+  if (value == nullptr || *value == '\0') return std::nullopt;
+  return value;
+}
+
+bool HasDisplay() { return EnvironmentVariable("DISPLAY") || EnvironmentVariable("WAYLAND_DISPLAY"); }
+
+}  // namespace quendle::platform

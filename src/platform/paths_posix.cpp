@@ -1,0 +1,144 @@
+#include "platform/paths.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <ctime>
+#include <memory>
+#include <string_view>
+
+#include "platform/known_folders.h"
+#include "platform/unicode.h"
+
+namespace quendle::platform {
+namespace {
+
+bool SameEntry(const struct stat& a, const struct stat& b) {
+  return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+std::string SwappedCase(const std::string& name) {
+  std::string swapped = UpperCase(name);
+  if (swapped == name) {
+    for (char& c : swapped) {
+      if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    }
+  }
+  return swapped;
+}
+
+// The spelling under which `folder` lists the entry `name`. Reading a folder of a million entries costs seconds, so
+// it is only read where the same entry also answers to the name in other case.
+std::string ListedName(const std::string& folder, const std::string& name, const struct stat& entry) {
+  const std::string swapped = SwappedCase(name);
+  struct stat other;
+  if (swapped == name || lstat((folder + "/" + swapped).c_str(), &other) != 0 || !SameEntry(entry, other)) {
+    return name;
+  }
+  const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(folder.empty() ? "/" : folder.c_str()), closedir);
+  if (listing == nullptr) return name;
+  const std::string wanted = UpperCase(name);
+  std::string found = name;
+  while (const dirent* listed = readdir(listing.get())) {
+    if (name == listed->d_name) return name;
+    if (UpperCase(listed->d_name) == wanted) found = listed->d_name;
+  }
+  return found;
+}
+
+// "." and ".." mean what the system makes of them, which through links is not what the text says.
+std::string WithoutDots(const std::string& path) {
+  const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
+  return real == nullptr ? "" : real.get();
+}
+
+bool IsDots(std::string_view component) { return component == "." || component == ".."; }
+
+bool IsExecutableFile(const std::string& path) {
+  struct stat entry;
+  return stat(path.c_str(), &entry) == 0 && S_ISREG(entry.st_mode) && access(path.c_str(), X_OK) == 0;
+}
+
+}  // namespace
+
+bool IsFolder(const std::string& path) {
+  struct stat entry;
+  return stat(path.c_str(), &entry) == 0 && S_ISDIR(entry.st_mode);
+}
+
+bool IsTaken(const std::string& path) {
+  struct stat entry;
+  return lstat(path.c_str(), &entry) == 0;
+}
+
+std::string FindOnSearchPath(const std::string& name) {
+  const std::string folders = EnvironmentVariable("PATH").value_or("/usr/local/bin:/usr/bin:/bin") + ":";
+  for (std::size_t begin = 0, end; (end = folders.find(':', begin)) != std::string::npos; begin = end + 1) {
+    if (end == begin || folders[begin] != '/') continue;
+    const std::string candidate = folders.substr(begin, end - begin) + "/" + name;
+    if (IsExecutableFile(candidate)) return candidate;
+  }
+  return "";
+}
+
+Result MakeFolder(const std::string& path) {
+  return mkdir(path.c_str(), 0777) == 0 ? Success() : LastSystemFailure(path);
+}
+
+bool IsWritableFolder(const std::string& path) {
+  return IsFolder(path) && access(path.c_str(), W_OK | X_OK) == 0;
+}
+
+Result MakeTemporaryFile(const std::string& folder, std::string* path) {
+  std::string name = folder + "/tmpXXXXXX";
+  const int file = mkostemp(name.data(), O_CLOEXEC);
+  if (file < 0) return LastSystemFailure(folder);
+  close(file);
+  *path = name;
+  return Success();
+}
+
+Result RemoveFile(const std::string& path) {
+  return unlink(path.c_str()) == 0 || errno == ENOENT ? Success() : LastSystemFailure(path);
+}
+
+bool ReadTimes(const std::string& path, EntryTimes* times) {
+  struct stat entry;
+  if (lstat(path.c_str(), &entry) != 0) return false;
+  struct tm local;
+  times->write_seconds = entry.st_mtim.tv_sec;
+  times->local_write_seconds = entry.st_mtim.tv_sec;
+  if (localtime_r(&entry.st_mtim.tv_sec, &local) != nullptr) times->local_write_seconds += local.tm_gmtoff;
+  return true;
+}
+
+std::string LongPath(const std::string& path) {
+  if (path.empty()) return "";
+  std::string rest = path.front() == '/' ? path : CurrentFolder() + "/" + path;
+  const std::size_t last = rest.find_last_not_of('/');
+  if (last == std::string::npos) return "/";
+  rest.resize(last + 1);
+  std::string result;
+  for (std::size_t begin = 0, end; begin < rest.size(); begin = end) {
+    begin = rest.find_first_not_of('/', begin);
+    end = std::min(rest.find('/', begin), rest.size());
+    const std::string name = rest.substr(begin, end - begin);
+    if (IsDots(name)) {
+      result = WithoutDots(result + "/" + name);
+      if (result.empty()) return "";
+      if (result == "/") result.clear();
+      continue;
+    }
+    struct stat entry;
+    if (lstat((result + "/" + name).c_str(), &entry) != 0) return "";
+    result += "/" + ListedName(result, name, entry);
+  }
+  return result.empty() ? "/" : result;
+}
+
+}  // namespace quendle::platform

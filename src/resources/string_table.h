@@ -1,0 +1,50 @@
+// Every text that the windows show and every name in the settings files, by identifier.
+#pragma once
+
+#include <cstddef>
+
+namespace quendle {
+
+namespace text_id {
+inline constexpr int kAskExtractFolder = 1801;
+inline constexpr int kAskMoveFolder = 1802;
+inline constexpr int kAskCopyFolder = 1803;
+inline constexpr int kNoProfile = 1861;
+inline constexpr int kGeneral = 5001;
+inline constexpr int kPattern = 5002;
+inline constexpr int kExtractTo = 5003;
+inline constexpr int kMoveTo = 5004;
+inline constexpr int kCopyTo = 5005;
+inline constexpr int kId = 5006;
+inline constexpr int kAction = 5008;
+inline constexpr int kSmartRename = 5009;
+inline constexpr int kExtractType = 5010;
+inline constexpr int kSmartMakeDir = 5011;
+inline constexpr int kOpenDir = 5012;
+inline constexpr int kInclude = 5013;
+inline constexpr int kExclude = 5014;
+inline constexpr int kOpenFile = 5015;
+inline constexpr int kConfirmAlways = 5051;
+inline constexpr int kCheckArchive = 5052;
+inline constexpr int kConfirmOverwrite = 5053;
+inline constexpr int kShowResult = 5054;
+inline constexpr int kKeyCheck = 5055;
+inline constexpr int kTest = 5059;
+inline constexpr int kAutoCompDir = 5060;
+inline constexpr int kFiler = 5061;
+inline constexpr int kFilerParm = 5062;
+inline constexpr int kStandardFile = 5101;
+inline constexpr int kItemsFile = 5102;
+inline constexpr int kTestFile = 5103;
+}  // namespace text_id
+
+struct StringTableEntry {
+  int id;
+  const char* text;  // UTF-8
+};
+
+// In ascending order of `id`.
+extern const StringTableEntry kStringTable[];
+extern const std::size_t kStringTableSize;
+
+}  // namespace quendle

@@ -1,0 +1,28 @@
+#include "settings/application_folder.h"
+
+#include "base/modString.h"
+#include "base/text.h"
+#include "platform/known_folders.h"
+#include "resources/string_table.h"
+
+namespace quendle {
+namespace {
+
+SettingsFolders Together(const std::string& folder) {
+  const std::string whole = RemoveBackslash(MakeAbsolute(folder, platform::CurrentFolder()));
+  return {whole, whole};
+}
+
+}  // namespace
+
+SettingsFolders FindSettingsFolders(const std::string& chosen) {
+  if (!chosen.empty()) return Together(chosen);
+  if (const auto home = platform::EnvironmentVariable("QUENDLE_HOME")) return Together(*home);
+  const std::string executable_folder = platform::ExecutableFolder();
+  if (FileExists(AddBackslash(executable_folder) + LoadText(text_id::kStandardFile))) {
+    return Together(executable_folder);
+  }
+  return {AddBackslash(platform::SettingsRoot()) + "quendle", platform::DownloadFolder()};
+}
+
+}  // namespace quendle

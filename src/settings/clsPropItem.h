@@ -1,0 +1,90 @@
+// The user's profiles: one section each in items.ini, named by the profile's title.
+//
+// The object stands on one profile at a time, the one named by Title; every property reads from or writes to its
+// section at once. For its behaviour (action, rename mode, extraction mode, smart make dir, open folder) a profile
+// has values of its own or, while its ID flag is off, those of the standard settings; empty folders always fall back
+// to the standard settings.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "settings/clsIniFile.h"
+#include "settings/clsPropDefault.h"
+
+namespace quendle {
+
+class clsPropItem {
+ public:
+  // What reading falls back on, asked for at each read, since the profile store is made before the settings.
+  struct Fallbacks {
+    std::function<const clsPropDefault&()> standard;
+    std::function<const clsPropDefault&()> test;
+    std::function<std::string()> target_base_name;  // the current target's name without its extension
+  };
+
+  clsPropItem(const std::string& application_folder, Fallbacks fallbacks);
+
+  void DelSection(const std::string& title);
+
+  // All titles in ascending order (SortStrings), which is the order of profiles everywhere, and their number.
+  std::int32_t EnumSection(std::vector<std::string>* titles) const;
+
+  // Renames a profile in place; the caller has made sure that no profile has the new name.
+  void RenameSection(const std::string& old_title, const std::string& new_title);
+
+  // Rewrites items.ini with its sections in sorted order and without blank or stray lines.
+  void OptimizeFile();
+
+  std::string Title;          // the profile that the properties below read and write; empty: none
+  std::string NEWTITLE;       // the title that the editor is to give
+  std::int16_t EDITMODE = 0;  // which use of the store is going on
+
+  //                                             key            missing or empty reads as
+  std::string pattern() const;                // "Pattern"      ""
+  void pattern(const std::string& value);
+  std::string EXTRACTTO() const;              // "ExtractTo"    the standard settings'; see below
+  void EXTRACTTO(const std::string& value);
+  std::string MOVETO() const;                 // "MoveTo"       the standard settings'
+  void MOVETO(const std::string& value);
+  std::string COPYTO() const;                 // "CopyTo"       the standard settings'
+  void COPYTO(const std::string& value);
+  std::string INCLUDE() const;                // "Include"      ""; patterns separated by ";"
+  void INCLUDE(const std::string& value);
+  std::string EXCLUDE() const;                // "Exclude"      ""; patterns separated by ";"
+  void EXCLUDE(const std::string& value);
+  std::string OPENFILE() const;               // "OpenFile"     ""; names separated by ";"
+  void OPENFILE(const std::string& value);
+  bool ID() const;                            // "ID"           off
+  void ID(std::int16_t value);
+  // With ID on, values out of their range read as the standard settings'; with ID off all of them do.
+  std::int16_t ACTION() const;                // "Action"       0; range 0 to 7
+  void ACTION(std::int16_t value);
+  std::int16_t SMARTRENAME() const;           // "SmartRename"  1; range 1 to 3
+  void SMARTRENAME(std::int16_t value);
+  std::int16_t EXTRACTTYPE() const;           // "ExtractType"  1; range 1 to 2
+  void EXTRACTTYPE(std::int16_t value);
+  bool SMARTMAKEDIR() const;                  // "SmartMakeDir" off
+  void SMARTMAKEDIR(std::int16_t value);
+  bool OPENDIR() const;                       // "OpenDir"      off
+  void OPENDIR(std::int16_t value);
+
+  // EXTRACTTO of the pseudo-profile "（なし）", which stands for a file without a profile, is the folder named like
+  // the target below the test settings' folder: test folder /t and target data.zip => "/t/data".
+
+  const std::string& FileName() const { return ini_.pFileName; }
+
+ private:
+  std::string Read(int key, const char* fallback) const;
+  void Write(int key, const std::string& value);
+  std::int16_t ReadOwn(int key, const char* fallback, std::int16_t lowest, std::int16_t highest,
+                       std::int16_t (clsPropDefault::*standard)() const) const;
+  bool ReadOwnFlag(int key, bool (clsPropDefault::*standard)() const) const;
+
+  clsIniFile ini_;
+  Fallbacks fallbacks_;
+};
+
+}  // namespace quendle

@@ -1,0 +1,149 @@
+#include "base/modString.h"
+
+#include "support/temp_folder.h"
+
+namespace quendle {
+namespace {
+
+constexpr PathStyle kWindows = PathStyle::kWindows;
+constexpr PathStyle kPosix = PathStyle::kPosix;
+
+TEST(ModString, SeparatorsAtTheEnd) {
+  const struct {
+    PathStyle style;
+    const char* path;
+    const char* added;
+    const char* removed;
+  } rows[] = {
+      {kWindows, "", "\\", ""},  // adding is checked apart: the empty path stays empty
+      {kWindows, "C:\\data", "C:\\data\\", "C:\\data"},
+      {kWindows, "C:\\data\\", "C:\\data\\", "C:\\data"},
+      {kWindows, "C:\\", "C:\\", "C:\\"},
+      {kWindows, "\\\\", "\\\\", "\\\\"},
+      {kWindows, "a\\", "a\\", "a\\"},
+      {kWindows, "C:/x/", "C:/x/\\", "C:/x/"},
+      {kPosix, "/data", "/data/", "/data"},
+      {kPosix, "/", "/", "/"},
+      {kPosix, "/a/", "/a/", "/a"},
+      {kPosix, "a//", "a//", "a/"},
+      {kPosix, "a\\", "a\\/", "a\\"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.path);
+    EXPECT_EQ(AddBackslash(row.path, row.style), *row.path == '\0' ? "" : row.added);
+    EXPECT_EQ(RemoveBackslash(row.path, row.style), row.removed);
+  }
+}
+
+TEST(ModString, AbsolutePaths) {
+  const struct {
+    PathStyle style;
+    const char* path;
+    const char* made;  // against the folder below; the path itself when it is absolute
+  } rows[] = {
+      {kWindows, "y.txt", "C:\\in\\y.txt"}, {kWindows, "C:\\a b\\x", "C:\\a b\\x"},
+      {kWindows, "D:x", "D:x"},              {kWindows, "\\\\server\\share\\x", "\\\\server\\share\\x"},
+      {kWindows, "", "C:\\in\\"},            {kPosix, "x:y", "/in/x:y"},
+      {kPosix, "/x", "/x"},                  {kPosix, "", "/in/"},
+      {kPosix, "-x", "/in/-x"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.path);
+    EXPECT_EQ(MakeAbsolute(row.path, row.style == kWindows ? "C:\\in" : "/in", row.style), row.made);
+    EXPECT_EQ(IsAbsolutePath(row.path, row.style), std::string(row.path) == row.made);
+  }
+}
+
+TEST(ModString, Splitting) {
+  const struct {
+    const char* path;
+    const char* folder;
+    const char* name;
+    const char* base;
+    const char* extension;
+  } rows[] = {
+      {"/a/b.txt", "/a", "b.txt", "b", "txt"}, {"/b", "", "b", "", "b"},
+      {"/a/", "/a", "", "", ""},               {"A.B.C", "", "A.B.C", "A.B", "C"},
+      {"README", "", "README", "", "README"},  {".profile", "", ".profile", "", "profile"},
+      {"/x.y/a.", "/x.y", "a.", "a", ""},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.path);
+    const PathParts path = SplitPath(row.path, kPosix);
+    EXPECT_EQ(path.folder, row.folder);
+    EXPECT_EQ(path.name, row.name);
+    const NameParts name = SplitName(path.name);
+    EXPECT_EQ(name.base, row.base);
+    EXPECT_EQ(name.extension, row.extension);
+  }
+  EXPECT_EQ(SplitPath("C:\\a/b\\c", kWindows).folder, "C:\\a/b");
+}
+
+TEST(ModString, Quotes) {
+  const struct {
+    const char* text;
+    const char* quoted;
+  } rows[] = {{"", ""}, {"a b", "\"a b\""}, {"\"a", "\"a\""}, {"a\"", "\"a\""}, {"\"a\"", "\"a\""}, {"\"", "\""}};
+  for (const auto& row : rows) EXPECT_EQ(AddQuotes(row.text), row.quoted);
+}
+
+TEST(ModString, Blanks) {
+  const struct {
+    std::string text;
+    const char* trimmed;
+    const char* left;
+    const char* right;
+  } rows[] = {
+      {"　a　b\t", "a　b", "a　b\t", "　a　b"},
+      {" \r\n　", "", "", ""},
+      {"", "", "", ""},
+      {std::string("\0x\x1f", 3), "x", "x\x1f", nullptr},
+      {"、a、", "、a、", "、a、", "、a、"},  // U+3001 shares its first bytes with the ideographic blank
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(TrimBlanks(row.text), row.trimmed);
+    EXPECT_EQ(TrimBlanksLeft(row.text), row.left);
+    if (row.right != nullptr) {
+      EXPECT_EQ(TrimBlanksRight(row.text), row.right);
+    }
+  }
+}
+
+TEST(ModString, Newlines) {
+  const struct {
+    const char* text;
+    const char* normal;
+    bool without_pair;
+  } rows[] = {
+      {"a\nb\n", "a\r\nb\r\n", false}, {"a\rb", "a\r\nb", false}, {"a\r\nb\nc", "a\r\nb\nc", false},
+      {"a\rb\nc", "a\rb\nc", true},    {"a", "a", true},          {"", "", true},
+  };
+  for (const auto& row : rows) {
+    std::string text = row.text;
+    EXPECT_EQ(NormalizeNewlines(&text), row.without_pair) << row.text;
+    EXPECT_EQ(text, row.normal);
+  }
+}
+
+TEST(ModString, Existence) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "file", "x");
+  std::filesystem::create_symlink("nowhere", folder / "dangling");
+  std::filesystem::create_directory_symlink(folder.path(), folder / "link");
+  const struct {
+    std::string path;
+    bool file;
+    bool is_folder;
+  } rows[] = {
+      {folder / "file", true, false}, {folder.path(), false, true},        {folder / "none", false, false},
+      {folder / "link", false, true}, {folder / "dangling", true, false},  {"sh", true, false},
+      {"", false, false},             {folder / "file/below", false, false},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(FileExists(row.path), row.file) << row.path;
+    EXPECT_EQ(FolderExists(row.path), row.is_folder) << row.path;
+  }
+}
+
+}  // namespace
+}  // namespace quendle

@@ -1,0 +1,103 @@
+#include "base/modSystem.h"
+
+#include <algorithm>
+
+#include "support/temp_folder.h"
+
+namespace quendle {
+namespace {
+
+using Strings = std::vector<std::string>;
+
+TEST(ModSystem, Sorting) {
+  const struct {
+    Strings input;
+    std::int32_t lowest;
+    std::int32_t highest;
+    Strings sorted;
+  } rows[] = {
+      {{"b", "A", "c"}, 0, 2, {"A", "b", "c"}},
+      {{"z", "b", "A", "a"}, 1, 3, {"z", "A", "a", "b"}},
+      {{"б", "А", "ｂ", "Ａ"}, 0, 3, {"А", "б", "Ａ", "ｂ"}},
+      {{"b", "a"}, 0, 0, {"b", "a"}},
+      {{"b", "a"}, 1, 0, {"b", "a"}},
+      {{"b", "a"}, 0, 2, {"b", "a"}},
+      {{}, 0, -1, {}},
+  };
+  for (const auto& row : rows) {
+    Strings strings = row.input;
+    SortStrings(&strings, row.lowest, row.highest);
+    EXPECT_EQ(strings, row.sorted);
+  }
+}
+
+// Names chosen so that a quicksort around the middle element degrades, and its recursion with it.
+TEST(ModSystem, SortingHostileInputStaysShallow) {
+  constexpr std::int32_t kCount = 200'000;
+  Strings organ_pipe;
+  for (std::int32_t i = 0; i < kCount; ++i) organ_pipe.push_back(std::to_string(std::min(i, kCount - i)));
+  Strings equal(kCount, "same");
+  for (Strings* strings : {&organ_pipe, &equal}) {
+    SortStrings(strings, 0, kCount - 1);
+    EXPECT_TRUE(std::is_sorted(strings->begin(), strings->end()));
+  }
+}
+
+TEST(ModSystem, Conversions) {
+  const struct {
+    const char* text;
+    bool flag;
+    bool is_number;
+    double number;
+  } rows[] = {
+      {"1", true, true, 1},     {"-1", true, true, -1}, {"0", false, true, 0},      {"0.5", true, true, 0.5},
+      {" 3 ", true, true, 3},   {"+2", true, true, 2},  {"1e2", true, true, 100},   {"True", true, false, 0},
+      {"FALSE", false, false, 0}, {"yes", false, false, 0}, {"", false, false, 0}, {"1x", false, false, 0},
+      {"nan", false, false, 0},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.text);
+    EXPECT_EQ(ToBoolean(row.text), row.flag);
+    double number = 0;
+    EXPECT_EQ(ToNumber(row.text, &number), row.is_number);
+    EXPECT_EQ(number, row.number);
+  }
+}
+
+TEST(ModSystem, CommandLines) {
+  const struct {
+    const char* text;
+    Strings arguments;  // from 1 on
+  } rows[] = {
+      {"", {}},
+      {" ", {"", ""}},
+      {"\"C:\\a b\\x.zip\" y.txt", {"C:\\a b\\x.zip", "y.txt"}},
+      {"a  b", {"a", "", "b"}},
+      {"a\tb ", {"a", "b", ""}},
+      {"a\" \"b", {"a b"}},
+      {"\"\"", {}},
+      {"1 2 3 4 5 6 7 8 9 10 11", {"1", "2", "3", "4", "5", "6", "7", "8", "9", "10"}},
+  };
+  for (const auto& row : rows) {
+    Strings expected = {""};
+    expected.insert(expected.end(), row.arguments.begin(), row.arguments.end());
+    EXPECT_EQ(SplitCommandLine(row.text, 10), expected) << row.text;
+  }
+}
+
+TEST(ModSystem, NestedFolders) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "file", "x");
+  platform::Result why;
+  EXPECT_TRUE(MakeDirNested(folder / "a/b/c"));
+  EXPECT_TRUE(std::filesystem::is_directory(folder / "a/b/c"));
+  EXPECT_TRUE(MakeDirNested(folder / "a/d/"));
+  EXPECT_TRUE(MakeDirNested(folder / "a"));
+  EXPECT_FALSE(MakeDirNested(folder / "file/below", &why));
+  EXPECT_TRUE(why.path.starts_with(folder / "file")) << why.path;
+  EXPECT_FALSE(why.reason.empty());
+  EXPECT_FALSE(MakeDirNested(""));
+}
+
+}  // namespace
+}  // namespace quendle

@@ -1,0 +1,61 @@
+#include "base/regex.h"
+
+#include <chrono>
+
+namespace quendle {
+namespace {
+
+TEST(Regex, WholeNames) {
+  constexpr RegexAnswer kWhole = RegexAnswer::kWhole;
+  constexpr RegexAnswer kNotWhole = RegexAnswer::kNotWhole;
+  constexpr RegexAnswer kError = RegexAnswer::kError;
+  const struct {
+    const char* pattern;
+    const char* subject;
+    RegexAnswer answer;
+  } rows[] = {
+      {".*\\.ZIP", "A.ZIP", kWhole},
+      {"\\.ZIP$", "A.ZIP", kNotWhole},
+      {"A|AB", "AB", kNotWhole},  // the first alternative wins and leaves a rest
+      {"AB|A", "AB", kWhole},
+      {".*\\.txt", "README.TXT", kWhole},
+      {"", "", kWhole},
+      {"", "A", kNotWhole},
+      {"表.*ｚ", "表能Ｚ", kWhole},
+      {"ж+", "ЖЖ", kWhole},
+      {".*", "A\xEF\xBF\xBDZ", kWhole},
+      {".*", "A\nB", kNotWhole},
+      {"A$", "A\n", kNotWhole},  // "$" is the very end
+      {"[^]+", "A\nB", kWhole},
+      {"A[]", "A", kNotWhole},
+      {"\\u0041\\x42", "AB", kWhole},
+      {"(?:(X)|A)\\1", "A", kWhole},  // a group that took no part matches empty
+      {"\\d+", "１２", kNotWhole},   // digits and word characters are those of ASCII
+      {"(?<=A)B", "B", kNotWhole},
+      {"(", "A", kError},
+      {"[z-a]", "A", kError},
+      {"A\xFF", "A", kError},
+      {"A", "A\xFF", kError},
+  };
+  for (const auto& row : rows) {
+    const Regex regex(row.pattern);
+    EXPECT_EQ(regex.MatchWhole(row.subject), row.answer) << row.pattern << " against " << row.subject;
+    EXPECT_EQ(regex.Error().empty(), row.answer != kError) << row.pattern;
+  }
+}
+
+TEST(Regex, RunawayPatternsEndSoon) {
+  const std::string as(255, 'A');
+  for (const char* pattern : {"(a+)+\\d", "(a|aa)+!", "(.*.*.*.*.*.*)*!", "(a*)*b", "((a+)+)+$!"}) {
+    const Regex regex(pattern);
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_NE(regex.MatchWhole(as), RegexAnswer::kWhole);
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
+    EXPECT_LT(time.count(), 0.2) << pattern;  // some milliseconds, with room for a busy or sanitized machine
+  }
+  EXPECT_EQ(Regex("(a+)+$").MatchWhole(as), RegexAnswer::kWhole);
+  EXPECT_EQ(Regex("(?:a|b)*(?:x?y?A)+").MatchWhole(as), RegexAnswer::kWhole);
+}
+
+}  // namespace
+}  // namespace quendle

@@ -1,0 +1,104 @@
+#include "platform/paths.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include "platform/known_folders.h"
+#include "platform/launch.h"
+#include "support/temp_folder.h"
+
+namespace quendle::platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Sets an environment variable for the time of a test.
+class ScopedVariable {
+ public:
+  ScopedVariable(const char* name, const std::string& value) : name_(name) {
+    if (const char* old = std::getenv(name)) old_ = old;
+    setenv(name, value.c_str(), 1);
+  }
+  ~ScopedVariable() { old_.empty() ? unsetenv(name_) : setenv(name_, old_.c_str(), 1); }
+  ScopedVariable(const ScopedVariable&) = delete;
+  ScopedVariable& operator=(const ScopedVariable&) = delete;
+
+ private:
+  const char* name_;
+  std::string old_;
+};
+
+TEST(LongPath, ResolvesDotsAndKeepsLinks) {
+  const test::TempFolder folder;
+  const std::string root = fs::canonical(folder.path()).string();
+  test::WriteFile(root + "/Docs/ Report.txt ", "x");
+  fs::create_directory_symlink(root + "/Docs", root + "/link");
+  const struct {
+    std::string path;
+    std::string expected;
+  } rows[] = {
+      {root + "/Docs/ Report.txt ", root + "/Docs/ Report.txt "},
+      {root + "//Docs///", root + "/Docs"},
+      {root + "/Docs/./../Docs/ Report.txt ", root + "/Docs/ Report.txt "},
+      {root + "/link", root + "/link"},
+      {root + "/link/ Report.txt ", root + "/link/ Report.txt "},
+      {root + "/link/..", root},  // the parent of what the link names
+      {root + "/docs/none", ""},
+      {"/", "/"},
+      {"/..", "/"},
+      {"", ""},
+  };
+  for (const auto& row : rows) EXPECT_EQ(LongPath(row.path), row.expected) << row.path;
+  fs::create_hard_link(root + "/Docs/ Report.txt ", root + "/Docs/ REPORT.TXT ");
+  EXPECT_EQ(LongPath(root + "/Docs/ Report.txt "), root + "/Docs/ Report.txt ") << "two names of one file";
+  EXPECT_EQ(LongPath("."), fs::current_path().string());
+}
+
+TEST(SearchPath, SkipsTheCurrentFolderAndWhatCannotRun) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "plain/tool", "x");
+  test::WriteFile(folder / "good/tool", "x");
+  fs::permissions(folder / "good/tool", fs::perms::owner_all);
+  fs::create_directories(folder / "folder/tool");
+  const ScopedVariable path("PATH", ".::relative:" + folder / "folder" + ":" + folder / "plain" + ":" + folder / "good");
+  EXPECT_EQ(FindOnSearchPath("tool"), folder / "good/tool");
+  EXPECT_EQ(FindOnSearchPath("other"), "");
+}
+
+TEST(KnownFolders, FollowTheUsersSession) {
+  const test::TempFolder home;
+  const ScopedVariable home_variable("HOME", home.path());
+  const ScopedVariable config("XDG_CONFIG_HOME", "relative");
+  EXPECT_EQ(SettingsRoot(), home / ".config");
+  EXPECT_EQ(DownloadFolder(), home.path());
+  fs::create_directory(home / "Downloads");
+  EXPECT_EQ(DownloadFolder(), home / "Downloads");
+  test::WriteFile(home / ".config/user-dirs.dirs", "# comment\nXDG_DOWNLOAD_DIR=\"$HOME/ダウンロード\"\n");
+  EXPECT_EQ(DownloadFolder(), home / "ダウンロード");
+  const ScopedVariable absolute("XDG_CONFIG_HOME", "/etc/xdg");
+  EXPECT_EQ(SettingsRoot(), "/etc/xdg");
+}
+
+TEST(Launch, StartsTheOpenerWithTheFileAsOneArgument) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "bin/xdg-open", "#!/bin/sh\nprintf '%s|%s' \"$#\" \"$1\" >'" + folder / "log.part" +
+                                               "' && mv '" + folder / "log.part" + "' '" + folder / "log" + "'\n");
+  fs::permissions(folder / "bin/xdg-open", fs::perms::owner_all);
+  const std::string file = folder / "a b; $(touch x).txt";
+  test::WriteFile(file, "x");
+  const ScopedVariable path("PATH", folder / "bin" + ":/bin:/usr/bin");
+
+  EXPECT_FALSE(OpenWithDesktop(file, folder.path()).ok()) << "an opener in the untrusted folder";
+  EXPECT_FALSE(OpenWithDesktop(folder / "none", "/nowhere").ok());
+  ASSERT_TRUE(OpenWithDesktop(file, "/nowhere").ok());
+  for (int i = 0; i < 500 && !fs::exists(folder / "log"); ++i) usleep(10'000);
+  EXPECT_EQ(test::ReadFile(folder / "log"), "1|" + file);
+
+  const Result failed = StartProgram({folder / "bin"});
+  EXPECT_EQ(failed.code, Code::kDenied);
+  EXPECT_EQ(failed.path, folder / "bin");
+}
+
+}  // namespace
+}  // namespace quendle::platform
