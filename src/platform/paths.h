@@ -31,6 +31,9 @@ Result MakeTemporaryFile(const std::string& folder, std::string* path);
 // Does nothing when the file is missing.
 Result RemoveFile(const std::string& path);
 
+// kExists when the folder is not empty.
+Result RemoveEmptyFolder(const std::string& path);
+
 struct EntryTimes {
   std::int64_t write_seconds = 0;        // since 1970, UTC
   std::int64_t local_write_seconds = 0;  // the same moment read off the local clock, counted as if that were UTC

@@ -107,6 +107,10 @@ Result RemoveFile(const std::string& path) {
   return unlink(path.c_str()) == 0 || errno == ENOENT ? Success() : LastSystemFailure(path);
 }
 
+Result RemoveEmptyFolder(const std::string& path) {
+  return rmdir(path.c_str()) == 0 ? Success() : LastSystemFailure(path);
+}
+
 bool ReadTimes(const std::string& path, EntryTimes* times) {
   struct stat entry;
   if (lstat(path.c_str(), &entry) != 0) return false;
