@@ -1,5 +1,5 @@
-// How the text of an INI file falls into lines and headers. The profile functions and the code that works on whole
-// sections share these rules, so that both see the same sections.
+// How the text of an INI file falls into lines and headers. The profile functions and the code that works on
+// whole sections share these rules, so that both see the same sections.
 #pragma once
 
 #include <string_view>
@@ -7,8 +7,8 @@
 
 namespace quendle::platform {
 
-// The separator that the whole text is split at: "\r\n" when the text contains it, else "\r" when it contains that,
-// else "\n". Only one is used: in a text with "\r\n" a lone "\n" is part of its line.
+// The separator that the whole text is split at: "\r\n" when the text contains it, else "\r" when it contains
+// that, else "\n". Only one is used: in a text with "\r\n" a lone "\n" is part of its line.
 std::string_view LineSeparatorOf(std::string_view text);
 
 // The lines between separators. Text that ends in a separator has an empty last line.

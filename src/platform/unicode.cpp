@@ -9,7 +9,9 @@ const utf8proc_uint8_t* Bytes(std::string_view text) {
   return reinterpret_cast<const utf8proc_uint8_t*>(text.data());
 }
 
-bool IsSurrogate(char32_t unit, char32_t first) { return unit >= first && unit < first + 0x400; }
+bool IsSurrogate(char32_t unit, char32_t first) {
+  return unit >= first && unit < first + 0x400;
+}
 
 void AppendUnit(char32_t unit, std::string* bytes) {
   bytes->push_back(static_cast<char>(unit & 0xFF));

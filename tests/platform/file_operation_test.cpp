@@ -234,7 +234,7 @@ TEST_P(FileOperation, DevicesAndPipesAreNotCopied) {
   }
 }
 
-TEST(DeleteEntry, RemovesATreeButNotWhatItsLinksLeadTo) {
+GTEST_TEST(DeleteEntry, RemovesATreeButNotWhatItsLinksLeadTo) {
   const TempFolder folder;
   WriteFile(folder / "kept/f", "f");
   WriteFile(folder / "gone/deep/er/f", "f");
