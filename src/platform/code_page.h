@@ -1,5 +1,6 @@
-// The ANSI code page: the encoding of the settings files and of the archiver libraries' strings. On systems that
-// have none of their own it is Windows-31J (CP932, the Microsoft form of Shift_JIS, in which 0x5C is the backslash).
+// The ANSI code page: the encoding of the settings files and of the archiver libraries' strings. On systems
+// that have none of their own it is Windows-31J (CP932, the Microsoft form of Shift_JIS, in which 0x5C is the
+// backslash).
 #pragma once
 
 #include <cstddef>
@@ -9,18 +10,26 @@
 
 namespace quendle::platform {
 
-// Bytes of the code page as UTF-8. A byte that belongs to no character becomes U+EF80 + (byte - 0x80), a private-use
-// character that AnsiFromText turns back into the same byte, so that text which is only passed through keeps every
-// byte. Decode before looking for "[", "\", "]" or "|": those values are also second bytes of characters.
+// The private-use character that stands for byte 0x80 where it belongs to no character of the code page; the
+// 127 characters after it stand for the bytes after it.
+inline constexpr char32_t kFirstUndecodableByte = 0xEF80;
+bool IsUndecodableByte(char32_t code_point);
+
+// Bytes of the code page as UTF-8. A byte that belongs to no character becomes U+EF80 + (byte - 0x80), a
+// private-use character that AnsiFromText turns back into the same byte, so that text which is only passed
+// through keeps every byte. Where the system cannot decode the code page at all, that is every byte from 0x80
+// up. Decode before looking for "[", "\", "]" or "|": those values are also second bytes of characters.
 //   "\x95\x5C" => "表"    "\xFF" => "\uEFFF"
 std::string TextFromAnsi(std::string_view bytes);
 
-// Nothing when the text does not come back the same after being encoded and decoded; characters are never replaced.
+// Nothing when the text does not come back the same after being encoded and decoded; characters are never
+// replaced. Some bytes are two spellings of one character, so decoding and encoding again may change bytes,
+// never text.
 //   "表" => "\x95\x5C"    "é" => nothing    "\uEFFF" => "\xFF"
 std::optional<std::string> AnsiFromText(std::string_view text);
 
-// The longest beginning of `text` that takes at most `limit` bytes in the code page, without cutting a character.
-// Characters outside the code page count as two bytes.
+// The longest beginning of `text` that takes at most `limit` bytes in the code page, without cutting a
+// character. Characters outside the code page count as two bytes.
 //   ("aソb", 2) => "a"    ("aソb", 3) => "aソ"
 std::string_view CutToAnsiBytes(std::string_view text, std::size_t limit);
 

@@ -113,4 +113,8 @@ std::string ToUtf16Le(std::string_view text) {
   return bytes;
 }
 
+bool IsTakenForUtf16(std::string_view bytes) {
+  return bytes.starts_with('\xFF') || bytes.starts_with('\xFE');
+}
+
 }  // namespace quendle::platform
