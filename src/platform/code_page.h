@@ -10,15 +10,21 @@
 
 namespace quendle::platform {
 
+// The private-use character that stands for byte 0x80 where it belongs to no character of the code page; the
+// 127 characters after it stand for the bytes after it.
+inline constexpr char32_t kFirstUndecodableByte = 0xEF80;
+bool IsUndecodableByte(char32_t code_point);
+
 // Bytes of the code page as UTF-8. A byte that belongs to no character becomes U+EF80 + (byte - 0x80), a
 // private-use character that AnsiFromText turns back into the same byte, so that text which is only passed
-// through keeps every byte. Decode before looking for "[", "\", "]" or "|": those values are also second
-// bytes of characters.
+// through keeps every byte. Where the system cannot decode the code page at all, that is every byte from 0x80
+// up. Decode before looking for "[", "\", "]" or "|": those values are also second bytes of characters.
 //   "\x95\x5C" => "表"    "\xFF" => "\uEFFF"
 std::string TextFromAnsi(std::string_view bytes);
 
 // Nothing when the text does not come back the same after being encoded and decoded; characters are never
-// replaced.
+// replaced. Some bytes are two spellings of one character, so decoding and encoding again may change bytes,
+// never text.
 //   "表" => "\x95\x5C"    "é" => nothing    "\uEFFF" => "\xFF"
 std::optional<std::string> AnsiFromText(std::string_view text);
 

@@ -10,13 +10,15 @@
 
 namespace quendle::platform {
 
-// Reads the whole file into `*bytes`, which is empty after a failure. A folder is kIsFolder.
+// Reads the whole file into `*bytes`, which is empty after a failure. A folder is kIsFolder; pipes, devices
+// and files above 256 MiB are kRefused.
 Result ReadWholeFile(const std::string& path, std::string* bytes);
 
 // Replaces the file's content: a new hidden file beside it, written whole, synced, given the old file's mode,
 // renamed over it, folder synced. After a failure the old file has its old bytes and no temporary file is
 // left, unless only syncing the folder failed: then the new bytes are in place and the reason says so. A path
-// that is a symbolic link keeps the link; the file it names is replaced. A missing file is made.
+// that is a symbolic link keeps the link; the file it names is replaced. A missing file is made. A file that
+// must not be written is kDenied.
 Result ReplaceFile(const std::string& path, std::string_view bytes);
 
 // An exclusive lock over the folder in which `path` really lies, held until the object goes; other holders,

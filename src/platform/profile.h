@@ -11,9 +11,9 @@
 //
 // Writes replace the file as a whole (platform/durable_file.h) under the lock that every copy of this program
 // takes, so two processes that write different keys at the same time lose nothing, and a failed write leaves
-// the old bytes. Lines that a write does not concern keep their bytes. Text that the code page cannot hold
-// turns the file into UTF-16 little-endian with its mark followed by a line break, so that the first header
-// starts a line of its own.
+// the old bytes. Lines that a write does not concern keep their bytes, and new lines end like the others of
+// the file. Text that the code page cannot hold turns the file into UTF-16 little-endian with its mark
+// followed by a line break, so that the first header starts a line of its own.
 #pragma once
 
 #include <cstddef>
@@ -25,8 +25,8 @@
 
 namespace quendle::platform {
 
-// The value of a key, cut to `buffer_bytes` - 1 bytes of the ANSI code page; `fallback` when section or key
-// are missing. An empty value is an empty string.
+// The value of a key, or `fallback` when section or key are missing; either is cut to `buffer_bytes` - 1
+// bytes of the ANSI code page and at its first NUL. An empty value is an empty string.
 std::string ReadProfileString(const std::string& file, const std::string& section, const std::string& key,
                               const std::string& fallback, std::size_t buffer_bytes);
 
@@ -35,8 +35,9 @@ std::string ReadProfileString(const std::string& file, const std::string& sectio
 // strip (blanks at an end, or a pair of enclosing quotes) is written in double quotes.
 //
 // Refused (kRefused, file untouched), since it would come back as something else: a line break or NUL in
-// section, key or value; an empty section or key; a section that ends in "]"; a key with "=", with blanks at
-// an end, or that begins with ";"; a key and value that together read as a header line.
+// section, key or value; text that is not UTF-8; an empty section or key; a section that ends in "]"; a key
+// with "=", with blanks at an end, or that begins with ";"; a key and value that together read as a header
+// line. Every write to a file is refused that begins with FF or FE but not with the mark FF FE.
 Result WriteProfileString(const std::string& file, const std::string& section, const std::string& key,
                           const std::string& value);
 
@@ -45,7 +46,9 @@ Result DeleteProfileSection(const std::string& file, const std::string& section)
 
 // Replaces the whole body of the first section of that name, or appends the section. `body` is lines joined
 // by
-// "\r\n", written as they are. Refused: a bad section name as above, a body line that is a header line.
+// "\r\n", written as they are, each ended by the file's separator; a "\r\n" at its end adds no blank line.
+// Refused: a bad section name as above, text that is not UTF-8, a body line that is a header line, and a lone
+// line break in a file whose lines are separated by such.
 Result WriteProfileSection(const std::string& file, const std::string& section, const std::string& body);
 
 }  // namespace quendle::platform

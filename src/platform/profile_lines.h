@@ -2,6 +2,7 @@
 // whole sections share these rules, so that both see the same sections.
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 #include <vector>
 
@@ -14,6 +15,20 @@ std::string_view LineSeparatorOf(std::string_view text);
 // The lines between separators. Text that ends in a separator has an empty last line.
 //   "a\r\nb\r\n" => "a", "b", ""    "a\nb\r\nc" => "a\nb", "c"    "" => ""
 std::vector<std::string_view> SplitProfileLines(std::string_view text);
+
+// The same lines one by one, for texts that may have more of them than should be in memory at once.
+class ProfileLineReader {
+ public:
+  ProfileLineReader(std::string_view text, std::string_view separator) : text_(text), separator_(separator) {}
+
+  // False when there are no more lines.
+  bool Next(std::string_view* line);
+
+ private:
+  std::string_view text_;
+  std::string_view separator_;
+  std::size_t next_ = 0;
+};
 
 // A header is a line whose first character is "[" and whose last is "]"; nothing is trimmed.
 //   "[a]" => true    " [a]" => false    "[a] " => false    "[]" => true    "[" => false

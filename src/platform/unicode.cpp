@@ -13,6 +13,11 @@ bool IsSurrogate(char32_t unit, char32_t first) {
   return unit >= first && unit < first + 0x400;
 }
 
+char32_t UpperCaseOf(char32_t code_point) {
+  if (code_point == U'ß') return code_point;  // has no simple mapping; utf8proc gives the capital sharp s
+  return static_cast<char32_t>(utf8proc_toupper(static_cast<utf8proc_int32_t>(code_point)));
+}
+
 void AppendUnit(char32_t unit, std::string* bytes) {
   bytes->push_back(static_cast<char>(unit & 0xFF));
   bytes->push_back(static_cast<char>(unit >> 8));
@@ -70,8 +75,7 @@ std::string UpperCase(std::string_view text) {
     }
     char32_t code_point = 0;
     if (TakeCodePoint(&text, &code_point)) {
-      AppendCodePoint(static_cast<char32_t>(utf8proc_toupper(static_cast<utf8proc_int32_t>(code_point))),
-                      &upper);
+      AppendCodePoint(UpperCaseOf(code_point), &upper);
     } else {
       upper.push_back(first);
     }
@@ -113,6 +117,10 @@ std::string ToUtf16Le(std::string_view text) {
     }
   }
   return bytes;
+}
+
+bool IsTakenForUtf16(std::string_view bytes) {
+  return bytes.starts_with('\xFF') || bytes.starts_with('\xFE');
 }
 
 }  // namespace quendle::platform

@@ -34,4 +34,11 @@ std::string UpperCase(std::string_view text);
 std::string FromUtf16Le(std::string_view bytes);
 std::string ToUtf16Le(std::string_view text);
 
+inline constexpr std::string_view kMark = "\uFEFF";
+inline constexpr std::string_view kUtf16LeMark = "\xFF\xFE";
+
+// Is a file with these bytes taken for UTF-16? Its first byte alone decides, so that the big-endian mark
+// counts too; everything is read as little-endian all the same.
+bool IsTakenForUtf16(std::string_view bytes);
+
 }  // namespace quendle::platform

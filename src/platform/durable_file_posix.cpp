@@ -1,0 +1,233 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <optional>
+#include <random>
+#include <utility>
+
+#include "platform/durable_file.h"
+
+namespace quendle::platform {
+namespace {
+
+// Far above any settings file, far below what would exhaust memory once it is decoded and parsed.
+constexpr off_t kGreatestSize = off_t{256} << 20;
+
+constexpr int kMostLinks = 40;
+
+// Repeats a system call for as long as signals interrupt it.
+template <typename Call>
+auto Uninterrupted(Call call) {
+  decltype(call()) result = call();
+  while (result == -1 && errno == EINTR) result = call();
+  return result;
+}
+
+class Descriptor {
+ public:
+  Descriptor() = default;
+  explicit Descriptor(int handle) : handle_(handle) {}
+  ~Descriptor() { Close(); }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  bool is_open() const { return handle_ >= 0; }
+  int get() const { return handle_; }
+  int Release() { return std::exchange(handle_, -1); }
+
+  // False when closing reports that what was written earlier is lost.
+  bool Close() { return !is_open() || close(Release()) == 0 || errno == EINTR; }
+
+ private:
+  int handle_ = -1;
+};
+
+struct Place {
+  std::string folder;  // "." for the current one
+  std::string name;
+};
+
+Place PlaceOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  if (slash == std::string::npos) return {".", path};
+  return {slash == 0 ? "/" : path.substr(0, slash), path.substr(slash + 1)};
+}
+
+// Follows links in the last component, so that the answer is where the file is or, when it is missing, would
+// be.
+Result FollowLinks(const std::string& path, std::string* real) {
+  *real = path;
+  for (int links = 0; links < kMostLinks; ++links) {
+    char target[PATH_MAX];
+    const ssize_t length = readlink(real->c_str(), target, sizeof target);
+    if (length < 0) return errno == EINVAL || errno == ENOENT ? Success() : LastSystemFailure(path);
+    const std::string_view text(target, static_cast<std::size_t>(length));
+    *real = text.starts_with('/') ? std::string(text) : PlaceOf(*real).folder + "/" + std::string(text);
+  }
+  return SystemFailure(ELOOP, path);
+}
+
+Result ReadUpTo(const Descriptor& file, off_t expected, const std::string& path, std::string* bytes) {
+  bytes->resize(static_cast<std::size_t>(expected) + 1);  // one more, to see the end without reading twice
+  std::size_t filled = 0;
+  while (true) {
+    if (filled == bytes->size()) bytes->resize(filled * 2);
+    if (filled > kGreatestSize) return Failure(Code::kRefused, path, "the file is too large");
+    const ssize_t got =
+        Uninterrupted([&] { return read(file.get(), bytes->data() + filled, bytes->size() - filled); });
+    if (got < 0) return LastSystemFailure(path);
+    if (got == 0) break;
+    filled += static_cast<std::size_t>(got);
+  }
+  bytes->resize(filled);
+  return Success();
+}
+
+Result ReadRegularFile(const std::string& path, std::string* bytes) {
+  // Without O_NONBLOCK a pipe in the file's place would wait for a writer.
+  const Descriptor file(
+      Uninterrupted([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
+  struct stat entry;
+  if (!file.is_open() || fstat(file.get(), &entry) != 0) return LastSystemFailure(path);
+  if (S_ISDIR(entry.st_mode)) return SystemFailure(EISDIR, path);
+  if (!S_ISREG(entry.st_mode)) return Failure(Code::kRefused, path, "not a regular file");
+  if (entry.st_size > kGreatestSize) return Failure(Code::kRefused, path, "the file is too large");
+  return ReadUpTo(file, entry.st_size, path, bytes);
+}
+
+// Says whether the file at `real`, if there is one, may be replaced. `*exists` tells whether there is.
+Result CheckReplaceable(const std::string& real, struct stat* old, bool* exists) {
+  *exists = lstat(real.c_str(), old) == 0;
+  if (!*exists) return errno == ENOENT ? Success() : LastSystemFailure(real);
+  if (S_ISDIR(old->st_mode)) return SystemFailure(EISDIR, real);
+  if (!S_ISREG(old->st_mode)) return Failure(Code::kRefused, real, "not a regular file");
+  // Renaming over it would succeed, but its owner has said that it is not to be written.
+  if (faccessat(AT_FDCWD, real.c_str(), W_OK, AT_EACCESS) != 0) return LastSystemFailure(real);
+  return Success();
+}
+
+// A new file beside the one it will replace, removed again unless it has taken that one's place.
+class Replacement {
+ public:
+  Replacement(int folder, const Place& place) : folder_(folder), place_(place) {}
+  ~Replacement() {
+    if (!name_.empty()) unlinkat(folder_, name_.c_str(), 0);
+  }
+  Replacement(const Replacement&) = delete;
+  Replacement& operator=(const Replacement&) = delete;
+
+  Result Create(mode_t mode) {
+    std::random_device random;
+    do {
+      char name[sizeof ".quendle-00000000.tmp"];
+      std::snprintf(name, sizeof name, ".quendle-%08x.tmp", random());
+      const int handle = Uninterrupted(
+          [&] { return openat(folder_, name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode); });
+      if (handle >= 0) {
+        name_ = name;
+        file_.emplace(handle);
+        return Success();
+      }
+    } while (errno == EEXIST);
+    return LastSystemFailure(place_.folder);
+  }
+
+  Result TakeOver(const struct stat& old) {
+    struct stat mine;
+    if (fstat(file_->get(), &mine) != 0) return LastSystemFailure(path());
+    if ((mine.st_uid != old.st_uid || mine.st_gid != old.st_gid) &&
+        fchown(file_->get(), old.st_uid, old.st_gid) != 0 && errno != EPERM) {
+      return LastSystemFailure(path());
+    }
+    return fchmod(file_->get(), old.st_mode & 07777) == 0 ? Success() : LastSystemFailure(path());
+  }
+
+  Result Fill(std::string_view bytes) {
+    while (!bytes.empty()) {
+      const ssize_t written = Uninterrupted([&] { return write(file_->get(), bytes.data(), bytes.size()); });
+      if (written < 0) return LastSystemFailure(path());
+      bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    const bool synced = Uninterrupted([&] { return fsync(file_->get()); }) == 0;
+    return synced && file_->Close() ? Success() : LastSystemFailure(path());
+  }
+
+  Result Install() {
+    if (renameat(folder_, name_.c_str(), folder_, place_.name.c_str()) != 0) return LastSystemFailure(path());
+    name_.clear();
+    return Success();
+  }
+
+ private:
+  // Failures name the file that was to be replaced; nobody knows the temporary one.
+  std::string path() const { return place_.folder + "/" + place_.name; }
+
+  int folder_;
+  const Place& place_;
+  std::string name_;
+  std::optional<Descriptor> file_;
+};
+
+Result OpenFolder(const std::string& folder, int* handle) {
+  *handle = Uninterrupted([&] { return open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+  return *handle >= 0 ? Success() : LastSystemFailure(folder);
+}
+
+// Makes the new name itself survive a crash.
+Result SyncFolder(int folder, const std::string& path) {
+  if (Uninterrupted([&] { return fsync(folder); }) == 0) return Success();
+  if (errno == EINVAL) return Success();  // this file system does not sync folders
+  Result failure = LastSystemFailure(path);
+  failure.reason += "; the new content is in place but might not survive a crash";
+  return failure;
+}
+
+}  // namespace
+
+Result ReadWholeFile(const std::string& path, std::string* bytes) {
+  Result result = ReadRegularFile(path, bytes);
+  if (!result.ok()) bytes->clear();
+  return result;
+}
+
+Result ReplaceFile(const std::string& path, std::string_view bytes) {
+  std::string real;
+  struct stat old;
+  bool exists = false;
+  int handle = -1;
+  Result result = FollowLinks(path, &real);
+  if (result.ok()) result = CheckReplaceable(real, &old, &exists);
+  const Place place = PlaceOf(real);
+  if (result.ok()) result = OpenFolder(place.folder, &handle);
+  const Descriptor folder(handle);
+  if (!result.ok()) return result;
+  Replacement replacement(handle, place);
+  result = replacement.Create(exists ? 0600 : 0666);
+  if (result.ok() && exists) result = replacement.TakeOver(old);
+  if (result.ok()) result = replacement.Fill(bytes);
+  if (result.ok()) result = replacement.Install();
+  return result.ok() ? SyncFolder(handle, real) : result;
+}
+
+Result FolderLock::Take(const std::string& path, std::unique_ptr<FolderLock>* lock) {
+  std::string real;
+  if (Result followed = FollowLinks(path, &real); !followed.ok()) return followed;
+  const std::string folder = PlaceOf(real).folder;
+  int handle = -1;
+  if (Result opened = OpenFolder(folder, &handle); !opened.ok()) return opened;
+  Descriptor descriptor(handle);
+  if (Uninterrupted([&] { return flock(handle, LOCK_EX); }) != 0) return LastSystemFailure(folder);
+  lock->reset(new FolderLock(descriptor.Release()));
+  return Success();
+}
+
+FolderLock::~FolderLock() {
+  close(handle_);
+}
+
+}  // namespace quendle::platform

@@ -1,0 +1,16 @@
+// Changes to the bytes of an INI file, in memory. What is refused, and where new lines go, stands in
+// platform/profile.h; bytes of lines that a change does not concern stay as they are.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/result.h"
+
+namespace quendle::platform {
+
+Result SetKey(std::string_view section, std::string_view key, std::string_view value, std::string* bytes);
+Result RemoveSections(std::string_view section, std::string* bytes);
+Result SetBody(std::string_view section, std::string_view body, std::string* bytes);
+
+}  // namespace quendle::platform

@@ -1,0 +1,39 @@
+// Whole text files, in the ANSI code page or UTF-16 little-endian, and names for temporary files. Text is
+// UTF-8.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/result.h"
+
+namespace quendle {
+
+// Is the file's first byte that of a UTF-16 mark (FF or FE)? The second is not looked at. Any error is false.
+bool IsUnicodeFile(const std::string& path);
+
+// The whole text, empty after an error. The mark of a UTF-16 file stays at its start, except that a file of
+// nothing but the mark is empty; a file of a single byte FF or FE is an error.
+std::string ReadTextFile(const std::string& path, bool* is_unicode);
+
+inline constexpr std::int16_t kReplaceText = 0;  // the text alone is the file's new content
+inline constexpr std::int16_t kPrintText = 1;  // the same with a line break behind it, in the ANSI code page
+inline constexpr std::int16_t kAppendText =
+    2;  // behind what is there: as it is to UTF-16, else with a line break
+
+// True only when there was nothing to write in mode 0, which leaves an empty file. The mark is written at the
+// start of a new UTF-16 file, once also when the text begins with it.
+//
+// Text that the ANSI code page cannot hold is never written with other characters in its place: the whole
+// file becomes UTF-16. The file is replaced as a whole, so that after a failure, which `*why` tells when
+// given, it is as it was. Mode 2 takes the platform::FolderLock itself; in the other modes callers that read
+// first hold it.
+bool WriteTextFile(const std::string& path, const std::string& text, std::int16_t mode, bool as_unicode,
+                   platform::Result* why = nullptr);
+
+// The path of a temporary file in `folder`, or in the system's folder for them when that is empty. With
+// `create`, a new empty file, or an empty path when none can be made; otherwise a free name such as
+// "/tmp/3f2a.tmp".
+std::string GetTempFilePath(bool create, const std::string& folder);
+
+}  // namespace quendle
