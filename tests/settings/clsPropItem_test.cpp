@@ -42,7 +42,6 @@ GTEST_TEST(ClsPropItem, OwnAndInheritedBehaviour) {
 GTEST_TEST(ClsPropItem, FoldersFallBack) {
   test::Settings settings("[own]\nMoveTo=/m\nCopyTo=/c\nExtractTo=/e\n[empty]\nMoveTo=\n", kStandard,
                           "[General]\nExtractTo=/t\n");
-  settings.target_base_name = "data";
   const struct {
     const char* title;
     const char* folders;

@@ -41,6 +41,7 @@ class Run {
         clsMover::Environment{file_info, settings.profiles, settings.standard, settings.test, user},
         std::move(owned), std::move(paths));
     mover->CMDLINECURRENT = 1;
+    settings.target_base_name = [this] { return file_info.pFileNameNoExt(); };
   }
 
   Settings settings;
