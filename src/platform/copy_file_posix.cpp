@@ -16,7 +16,8 @@ namespace {
 
 constexpr off_t kChunk = 2 << 20;     // small enough to cancel within a tenth of a second on slow disks
 constexpr off_t kBuffer = 256 << 10;  // for reading and writing; more only costs cache
-constexpr off_t kWriteBackStep = 8 << 20;
+constexpr off_t kWriteBackStep = 4 << 20;
+constexpr off_t kWriteBackAhead = 64 << 20;  // enough to keep any disk busy
 
 class DataCopy {
  public:
@@ -62,7 +63,7 @@ class DataCopy {
       if (result.ok()) result = Count(copied);
       if (!result.ok()) return result;
       position += copied;
-      StartWriteBack(position);
+      WriteBack(position);
     }
     return Success();
   }
@@ -103,18 +104,24 @@ class DataCopy {
     return Success();
   }
 
-  // The final sync would otherwise wait for the whole file with the disk idle until then.
-  void StartWriteBack(off_t position) {
-    if (!sync_ || position - write_back_ < kWriteBackStep) return;
-    sync_file_range(to_.fd, write_back_, position - write_back_, SYNC_FILE_RANGE_WRITE);
-    write_back_ = position;
+  // The final sync would otherwise write the whole file, with the disk idle until then and nobody able to
+  // cancel.
+  void WriteBack(off_t position) {
+    if (!sync_ || position - started_ < kWriteBackStep) return;
+    sync_file_range(to_.fd, started_, position - started_, SYNC_FILE_RANGE_WRITE);
+    started_ = position;
+    const off_t due = position - kWriteBackAhead;
+    if (due <= finished_) return;
+    sync_file_range(to_.fd, finished_, due - finished_, SYNC_FILE_RANGE_WAIT_BEFORE);
+    finished_ = due;
   }
 
   Transfer& transfer_;
   OpenEntry from_;
   OpenEntry to_;
   bool sync_;
-  off_t write_back_ = 0;
+  off_t started_ = 0;   // up to where data is on its way to the disk
+  off_t finished_ = 0;  // up to where it has arrived
 };
 
 // Files of the kernel have a size of 0 and content nevertheless.

@@ -2,9 +2,10 @@
 //
 // What holds for every operation here: nothing is overwritten unless the observer says yes; a new file or
 // folder has its final name only when it is complete, and until then a hidden temporary name beside it; after
-// a failure or a cancel, source and destination are as they were and no temporary file is left (the merge of
-// two folders is the one exception: entries already settled stay settled, and the Result says how many were
-// not).
+// a failure or a cancel, source and destination are as they were and no temporary file is left. The
+// exceptions are the merge of two folders (entries already settled stay settled, and the Result says how many
+// were not), a deletion that ends early, and the source of a moved folder when something in it cannot be
+// removed any more: then the copy is complete and the rest of the source stays. The observer is never null.
 #pragma once
 
 #include <cstdint>
@@ -34,7 +35,9 @@ class FileOperationObserver {
 
   enum class Answer { kYes, kNo, kCancel };
 
-  // Called at least ten times a second while data is copied, and once for each entry. False cancels.
+  // Called at least ten times a second while data is copied, and once for each entry. False cancels. Nothing
+  // is reported, and nothing can be cancelled, while the last of the data is synced and once a copy has its
+  // final name.
   virtual bool OnProgress(const FileProgress& progress) = 0;
 
   // May `existing` be replaced by `incoming`? "To all" answers are the observer's to remember.
@@ -54,10 +57,12 @@ struct FileOperationOptions {
 // only if it did not change. Symbolic links are moved as links.
 //
 // A file onto an existing file asks; a folder onto an existing folder merges, and asks for each file that
-// exists on both sides; answering no leaves that file in the source and makes the result kExists. Failures
-// besides the system's own: kRefused for a source and destination that are the same file (hard links too) or
-// a folder into itself, kIsFolder or kNotFolder when one is a file and the other a folder, kExists for a no,
-// kCancelled for a cancel, kFailed when the source changed meanwhile.
+// exists on both sides; answering no leaves that file in the source and makes the result kExists. So does an
+// entry that cannot go where it would have to: a file where a folder is, or the reverse. Failures besides the
+// system's own: kRefused for a source and destination that are the same file (hard links too) or a folder
+// into itself, kIsFolder or kNotFolder when one is a file and the other a folder, kExists for a no,
+// kCancelled for a cancel, kFailed when the source changed meanwhile, kRefused for what would have to be
+// copied and cannot be: devices, sockets and pipes, and folders with another file system mounted in them.
 Result MoveEntry(const std::string& source, const std::string& destination,
                  const FileOperationOptions& options, FileOperationObserver* observer);
 

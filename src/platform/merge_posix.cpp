@@ -56,11 +56,13 @@ Result MergeFolders(Transfer& transfer, const std::string& source, const struct 
   Result listed = ListNames(source, &names);
   if (!listed.ok()) return listed;
 
+  const std::string below_source = source + "/";
+  const std::string below_destination = destination + "/";
   const unsigned left_before = transfer.leftovers.count();
   for (const std::string& name : names) {
-    const std::string from = source + "/" + name;
+    const std::string from = below_source + name;
     if (!transfer.meter.StartEntry(from)) return Cancelled(from);
-    Result result = PlaceEntry(transfer, from, destination + "/" + name);
+    Result result = PlaceEntry(transfer, from, below_destination + name);
     if (!MayGoOn(result)) return result;
     if (!result.ok()) CountLeftover(&transfer.leftovers, std::move(result));
   }

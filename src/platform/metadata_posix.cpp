@@ -13,13 +13,13 @@ namespace {
 
 constexpr std::size_t kLongest = 64 << 10;  // of a value, and of the list of names
 
-// Every entry is moved by one who may set all this on a new file, so these only mean that there is no place
+// Whoever made a new file may set all this on it, so these only mean that there is no place
 // for it.
 bool CannotBeHeld(int error) {
   return error == ENOTSUP || error == EPERM || error == ENOSYS;
 }
 
-Result Optional(int outcome, const std::string& path) {
+Result UnlessItCannotBeHeld(int outcome, const std::string& path) {
   return outcome == 0 || CannotBeHeld(errno) ? Success() : LastSystemFailure(path);
 }
 
@@ -36,7 +36,8 @@ Result CopyAttribute(OpenEntry from, OpenEntry to, const char* name) {
     size = fgetxattr(from.fd, name, value.data(), value.size());
   }
   if (size < 0) return CannotBeHeld(errno) || errno == ENODATA ? Success() : LastSystemFailure(from.path);
-  return Optional(fsetxattr(to.fd, name, value.data(), static_cast<std::size_t>(size), 0), to.path);
+  return UnlessItCannotBeHeld(fsetxattr(to.fd, name, value.data(), static_cast<std::size_t>(size), 0),
+                              to.path);
 }
 
 Result CopyAttributes(OpenEntry from, OpenEntry to, bool with_privileges) {
@@ -74,21 +75,21 @@ Result CopyMetadata(const Transfer& transfer, OpenEntry from, const struct stat&
   Result result = CopyAttributes(from, to, owner_kept);
   if (!result.ok()) return result;
   const mode_t mode = recorded.st_mode & (owner_kept ? 07777U : 01777U);
-  result = Optional(fchmod(to.fd, mode), to.path);
+  result = UnlessItCannotBeHeld(fchmod(to.fd, mode), to.path);
   if (!result.ok()) return result;
   const timespec times[] = {recorded.st_atim, recorded.st_mtim};
-  return Optional(futimens(to.fd, times), to.path);
+  return UnlessItCannotBeHeld(futimens(to.fd, times), to.path);
 }
 
 Result CopyLinkMetadata(const Transfer& transfer, const struct stat& recorded, int folder, const char* name,
                         const std::string& shown) {
   if (transfer.moving) {
-    Result result =
-        Optional(fchownat(folder, name, recorded.st_uid, recorded.st_gid, AT_SYMLINK_NOFOLLOW), shown);
+    Result result = UnlessItCannotBeHeld(
+        fchownat(folder, name, recorded.st_uid, recorded.st_gid, AT_SYMLINK_NOFOLLOW), shown);
     if (!result.ok()) return result;
   }
   const timespec times[] = {recorded.st_atim, recorded.st_mtim};
-  return Optional(utimensat(folder, name, times, AT_SYMLINK_NOFOLLOW), shown);
+  return UnlessItCannotBeHeld(utimensat(folder, name, times, AT_SYMLINK_NOFOLLOW), shown);
 }
 
 }  // namespace quendle::platform

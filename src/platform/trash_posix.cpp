@@ -143,8 +143,10 @@ Result TrashEntry(const std::string& path, TrashedEntry* trashed) {
   const std::string parent = RealPath(FolderOf(path));
   if (parent.empty()) return LastSystemFailure(FolderOf(path));
   const std::string name = NameOf(path);
+  struct stat folder;  // not the entry itself, which could be the top of another file system
+  if (stat(parent.c_str(), &folder) != 0) return LastSystemFailure(parent);
   Trash trash;
-  Result ready = ReadyTrash(parent, status.st_dev, &trash);
+  Result ready = ReadyTrash(parent, folder.st_dev, &trash);
   if (!ready.ok())
     return Failure(ready.code, ready.path, "there is no trash to move this to: " + ready.reason);
 

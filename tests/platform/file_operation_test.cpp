@@ -193,7 +193,7 @@ TEST_P(FileOperation, AReadOnlyFolderIsFoundBeforeAnythingIsWritten) {
   const test::WithoutPrivileges unprivileged;
   const TempFolder from;
   const TempFolder to(fs::path(At("D")).parent_path().string());
-  WriteFile(from / "top/d/f", "f");
+  WriteFile(from / "top/d/f", std::string(20 << 20, 'f'));  // enough for a report in the middle
   const auto before = Picture(from.path());
   struct Row {
     std::string locked, source, destination;
@@ -208,9 +208,11 @@ TEST_P(FileOperation, AReadOnlyFolderIsFoundBeforeAnythingIsWritten) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.locked + " " + row.source);
     fs::permissions(row.locked, fs::perms(0555));
+    observer_.reports = 0;
     const Result result = GetParam().operation(row.source, row.destination, options_, &observer_);
     EXPECT_EQ(result.code, row.fails ? Code::kDenied : Code::kOk) << result.path << ": " << result.reason;
     if (row.fails) {
+      EXPECT_EQ(observer_.reports, 1U);
       EXPECT_EQ(Picture(from.path()), before);
       EXPECT_FALSE(fs::exists(row.destination));
     } else if (moves) {

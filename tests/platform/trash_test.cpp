@@ -95,7 +95,7 @@ TEST_F(Trash, AnotherFileSystemHasItsOwn) {
   const TempFolder folder(top);
   const std::string below_top = folder.path().substr(top.size() + 1);
 
-  fs::create_directory_symlink(home_.path(), trash);  // a trap of somebody else's
+  fs::create_directory_symlink(folder.path(), trash);  // a trap of somebody else's
   WriteFile(folder / "f", "f");
   EXPECT_FALSE(Throw(folder / "f").ok());
   EXPECT_EQ(ReadFile(folder / "f"), "f");
