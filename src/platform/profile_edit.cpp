@@ -117,7 +117,8 @@ Result CheckSection(std::string_view section) {
 Result CheckKeyAndValue(std::string_view key, std::string_view value) {
   if (key.empty()) return Refusal("the key is empty");
   if (HasBreak(key)) return Refusal("the key contains a line break or NUL");
-  const std::optional<KeyLine> parsed = ParseKeyLine(std::string(key) + "=");
+  const std::string line = std::string(key) + "=";
+  const std::optional<KeyLine> parsed = ParseKeyLine(line);
   if (!parsed || parsed->key != key) {
     return Refusal("the key contains \"=\", begins with \";\" or has blanks at an end");
   }
