@@ -44,8 +44,7 @@ class Converter {
       error = iconv(handle_, &from, &left, &to, &space) == std::size_t(-1) ? errno : 0;
       output->append(room, static_cast<std::size_t>(to - room));
     }
-    input->remove_prefix(input->size() - left);
-    iconv(handle_, nullptr, nullptr, nullptr, nullptr);
+    input->remove_prefix(input->size() - left);  // the code page has no shift states that would need a reset
   }
 
  private:
