@@ -50,7 +50,7 @@ paths=("$home/inbox/notes.txt" "$home/inbox/cat.JPG" "$home/inbox/Holiday 2025" 
        "$home/inbox/unknown.xyz" "$home/inbox/gone.txt")
 # The temporary folder's name would only be noise.
 show() { echo; echo "\$ quendle $*"; "$program" "$@" "${paths[@]}" 2>&1 | sed "s#$home##g" || true; }
-files() { (cd "$home" && find inbox texts photos backup albums -type f 2>/dev/null | sort | sed 's/^/  /'); }
+files() { (cd "$home" && find . -path ./settings -prune -o -type f -print | sort | sed 's#^\./#  #'); }
 
 echo "Files before:"
 files

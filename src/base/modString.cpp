@@ -9,9 +9,13 @@ namespace {
 constexpr std::string_view kIdeographicBlank = "\u3000";
 
 // The part of a path that RemoveBackslash never shortens.
-std::size_t RootLength(PathStyle style) { return style == PathStyle::kWindows ? 3 : 1; }
+std::size_t RootLength(PathStyle style) {
+  return style == PathStyle::kWindows ? 3 : 1;
+}
 
-bool IsBlankByte(char c) { return static_cast<unsigned char>(c) <= 0x20; }
+bool IsBlankByte(char c) {
+  return static_cast<unsigned char>(c) <= 0x20;
+}
 
 }  // namespace
 
@@ -81,7 +85,9 @@ std::string TrimBlanksRight(std::string_view text) {
   return std::string(text);
 }
 
-std::string TrimBlanks(std::string_view text) { return TrimBlanksRight(TrimBlanksLeft(text)); }
+std::string TrimBlanks(std::string_view text) {
+  return TrimBlanksRight(TrimBlanksLeft(text));
+}
 
 bool NormalizeNewlines(std::string* text) {
   if (text->find("\r\n") != std::string::npos) return false;
@@ -105,7 +111,9 @@ bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
   return platform::UpperCase(a) == platform::UpperCase(b);
 }
 
-bool FolderExists(const std::string& path) { return platform::IsFolder(path); }
+bool FolderExists(const std::string& path) {
+  return platform::IsFolder(path);
+}
 
 bool FileExists(const std::string& path) {
   if (FolderExists(path)) return false;

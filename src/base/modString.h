@@ -1,5 +1,5 @@
-// Paths and strings. Functions that depend on how a system writes paths take a PathStyle, so that both styles work
-// and are tested everywhere.
+// Paths and strings. Functions that depend on how a system writes paths take a PathStyle, so that both styles
+// work and are tested everywhere.
 #pragma once
 
 #include <string>
@@ -18,7 +18,9 @@ inline constexpr PathStyle kHostStyle = PathStyle::kWindows;
 inline constexpr PathStyle kHostStyle = PathStyle::kPosix;
 #endif
 
-constexpr char Separator(PathStyle style) { return style == PathStyle::kWindows ? '\\' : '/'; }
+constexpr char Separator(PathStyle style) {
+  return style == PathStyle::kWindows ? '\\' : '/';
+}
 
 // The path with a separator at its end.
 //   Windows: "" => ""    "C:\data" => "C:\data\"    "C:\" => "C:\"    "C:/x/" => "C:/x/\"
@@ -26,13 +28,13 @@ constexpr char Separator(PathStyle style) { return style == PathStyle::kWindows 
 std::string AddBackslash(std::string_view path, PathStyle style = kHostStyle);
 
 // The path without one separator at its end, unless only a root would be left.
-//   Windows: "C:\data\" => "C:\data"    "C:\" => "C:\"    "\\" => "\\"    "a\" => "a\" (three characters stay)
-//   Posix:   "/data/" => "/data"        "/" => "/"        "/a/" => "/a"   "a//" => "a/"
+//   Windows: "C:\data\" => "C:\data"    "C:\" => "C:\"    "\\" => "\\"    "a\" => "a\" (three characters
+//   stay) Posix:   "/data/" => "/data"        "/" => "/"        "/a/" => "/a"   "a//" => "a/"
 std::string RemoveBackslash(std::string_view path, PathStyle style = kHostStyle);
 
 // Does the path stand for itself whatever the current folder is?
-//   Windows: "C:\x" => true    "C:x" => true (any colon)    "\\server\share\x" => true    "x" => false    "\x" => false
-//   Posix:   "/x" => true      "x:y" => false                "" => false
+//   Windows: "C:\x" => true    "C:x" => true (any colon)    "\\server\share\x" => true    "x" => false "\x"
+//   => false Posix:   "/x" => true      "x:y" => false                "" => false
 bool IsAbsolutePath(std::string_view path, PathStyle style = kHostStyle);
 
 // An absolute path as it is, any other after `folder` and a separator.
@@ -59,14 +61,15 @@ NameParts SplitName(std::string_view name);
 //   "" => ""    a b => "a b"    "a => "a"    " => "
 std::string AddQuotes(std::string_view text);
 
-// Without blanks at the front, at the end, or both. Blanks are the characters up to U+0020 and the ideographic blank.
+// Without blanks at the front, at the end, or both. Blanks are the characters up to U+0020 and the
+// ideographic blank.
 //   "　a　b\t" => "a　b"    "　 " => ""
 std::string TrimBlanksLeft(std::string_view text);
 std::string TrimBlanksRight(std::string_view text);
 std::string TrimBlanks(std::string_view text);
 
-// Turns lone CR or lone LF into CR LF, in place. Text that has a CR LF anywhere, or both lone CR and lone LF, is left
-// as it is. True when the text has no CR LF afterwards.
+// Turns lone CR or lone LF into CR LF, in place. Text that has a CR LF anywhere, or both lone CR and lone LF,
+// is left as it is. True when the text has no CR LF afterwards.
 //   "a\nb" => "a\r\nb", false    "a\r\nb\n" => same, false    "a\rb\nc" => same, true    "a" => same, true
 bool NormalizeNewlines(std::string* text);
 
@@ -76,8 +79,8 @@ bool EqualsIgnoringCase(std::string_view a, std::string_view b);
 // Is there a folder of that path? Any error is false.
 bool FolderExists(const std::string& path);
 
-// Is there something other than a folder of that path? A dangling link counts, since its name is taken. A bare name
-// is also looked for along the executable search path.
+// Is there something other than a folder of that path? A dangling link counts, since its name is taken. A
+// bare name is also looked for along the executable search path.
 bool FileExists(const std::string& path);
 
 }  // namespace quendle

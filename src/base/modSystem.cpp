@@ -17,7 +17,8 @@ bool MakeDirNested(const std::string& path, platform::Result* why) {
   const char separator = Separator(kHostStyle);
   const std::string whole = AddBackslash(path);
   platform::Result first_failure;
-  for (std::size_t cut = whole.find(separator); cut != std::string::npos; cut = whole.find(separator, cut + 1)) {
+  for (std::size_t cut = whole.find(separator); cut != std::string::npos;
+       cut = whole.find(separator, cut + 1)) {
     const std::string part = whole.substr(0, cut + 1);
     if (FolderExists(part)) continue;
     platform::Result made = platform::MakeFolder(part);

@@ -9,11 +9,12 @@ namespace quendle {
 namespace {
 
 // Far above what a sensible pattern needs on a file name of 255 characters, and some milliseconds at most.
-constexpr std::uint32_t kMatchLimit = 50'000;
+constexpr std::uint32_t kMatchLimit = 300'000;
 constexpr std::uint32_t kDepthLimit = 5'000;
 
-constexpr std::uint32_t kOptions = PCRE2_UTF | PCRE2_CASELESS | PCRE2_DOLLAR_ENDONLY | PCRE2_ALLOW_EMPTY_CLASS |
-                                   PCRE2_MATCH_UNSET_BACKREF | PCRE2_ALT_BSUX | PCRE2_NEVER_BACKSLASH_C;
+constexpr std::uint32_t kOptions = PCRE2_UTF | PCRE2_CASELESS | PCRE2_DOLLAR_ENDONLY |
+                                   PCRE2_ALLOW_EMPTY_CLASS | PCRE2_MATCH_UNSET_BACKREF | PCRE2_ALT_BSUX |
+                                   PCRE2_NEVER_BACKSLASH_C;
 
 // What compiling and matching share. Made on first use and kept: the settings never differ.
 struct Engine {
@@ -50,24 +51,29 @@ std::string ErrorText(int code) {
   return reinterpret_cast<const char*>(text);
 }
 
-PCRE2_SPTR Units(std::string_view text) { return reinterpret_cast<PCRE2_SPTR>(text.data()); }
+PCRE2_SPTR Units(std::string_view text) {
+  return reinterpret_cast<PCRE2_SPTR>(text.data());
+}
 
 }  // namespace
 
-void Regex::FreeCode::operator()(void* code) const { pcre2_code_free(static_cast<pcre2_code*>(code)); }
+void Regex::FreeCode::operator()(void* code) const {
+  pcre2_code_free(static_cast<pcre2_code*>(code));
+}
 
 Regex::Regex(std::string_view pattern) {
   int error = 0;
   PCRE2_SIZE offset = 0;
-  code_.reset(pcre2_compile(Units(pattern), pattern.size(), kOptions, &error, &offset, SharedEngine().compile));
+  code_.reset(
+      pcre2_compile(Units(pattern), pattern.size(), kOptions, &error, &offset, SharedEngine().compile));
   if (code_ == nullptr) error_ = ErrorText(error) + " at offset " + std::to_string(offset);
 }
 
 RegexAnswer Regex::MatchWhole(std::string_view subject) const {
   if (code_ == nullptr) return RegexAnswer::kError;
   Engine& engine = SharedEngine();
-  const int found = pcre2_match(static_cast<const pcre2_code*>(code_.get()), Units(subject), subject.size(), 0,
-                                0, engine.data, engine.match);
+  const int found = pcre2_match(static_cast<const pcre2_code*>(code_.get()), Units(subject), subject.size(),
+                                0, 0, engine.data, engine.match);
   if (found == PCRE2_ERROR_NOMATCH) return RegexAnswer::kNotWhole;
   if (found < 0) {
     error_ = ErrorText(found);

@@ -1,5 +1,6 @@
-// The seam through which everything below the front ends asks and tells the user. The terminal answers with its
-// options and lines, the windows with dialogs, tests with a script. All calls are made on the one thread of the run.
+// The seam through which everything below the front ends asks and tells the user. The terminal answers with
+// its options and lines, the windows with dialogs, tests with a script. All calls are made on the one thread
+// of the run.
 #pragma once
 
 #include <string>
@@ -24,8 +25,8 @@ class UserInterface {
   // May this be deleted for good? With nobody to ask: no.
   virtual bool AskDelete(const std::string& path) = 0;
 
-  // Called at least ten times a second during a long operation. False cancels it. `simple` asks for a display without
-  // names.
+  // Called at least ten times a second during a long operation. False cancels it. `simple` asks for a display
+  // without names.
   virtual bool ShowProgress(const platform::FileProgress& progress, bool simple) = 0;
 
   // The operation whose progress was shown is over.
@@ -37,8 +38,8 @@ class UserInterface {
   // Shows the folder in the user's file manager. A failure is shown, not returned: the work is done by then.
   virtual void OpenFolder(const std::string& folder) = 0;
 
-  // Opens a file with the program that the desktop has for it, which is never one from `untrusted_folder`. A failure
-  // is shown, not returned.
+  // Opens a file with the program that the desktop has for it, which is never one from `untrusted_folder`. A
+  // failure is shown, not returned.
   virtual void OpenFile(const std::string& path, const std::string& untrusted_folder) = 0;
 };
 

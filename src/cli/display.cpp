@@ -9,8 +9,8 @@ namespace {
 
 // Line and paragraph separators, and everything that reorders the text around it.
 bool IsDeceptive(char32_t c) {
-  return (c >= 0x7F && c < 0xA0) || c == 0x061C || c == 0x200E || c == 0x200F || (c >= 0x2028 && c <= 0x202E) ||
-         (c >= 0x2066 && c <= 0x2069);
+  return (c >= 0x7F && c < 0xA0) || c == 0x061C || c == 0x200E || c == 0x200F ||
+         (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
 }
 
 std::string Escape(char32_t code_point) {
@@ -55,8 +55,12 @@ std::string EscapeNames(std::string_view name, bool characters_too, bool* escape
 
 }  // namespace
 
-std::string ForDisplay(std::string_view name, bool* escaped) { return EscapeNames(name, true, escaped); }
+std::string ForDisplay(std::string_view name, bool* escaped) {
+  return EscapeNames(name, true, escaped);
+}
 
-std::string WithEscapedBytes(std::string_view name, bool* escaped) { return EscapeNames(name, false, escaped); }
+std::string WithEscapedBytes(std::string_view name, bool* escaped) {
+  return EscapeNames(name, false, escaped);
+}
 
 }  // namespace quendle

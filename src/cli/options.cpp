@@ -52,7 +52,8 @@ std::string PathArgument(std::string path) {
   return path;
 }
 
-// Reads the option at `*index` and moves it to the last argument that belongs to the option. Empty when it is right.
+// Reads the option at `*index` and moves it to the last argument that belongs to the option. Empty when it is
+// right.
 std::string ReadOption(const std::vector<std::string>& arguments, std::size_t* index, Options* options) {
   const std::string& argument = arguments[*index];
   const std::size_t equals = argument.find('=');

@@ -19,7 +19,8 @@ struct Options {
   std::vector<std::string> paths;      // a trailing separator of a folder's name is taken off
 };
 
-// Reads the arguments, the program's own name first. An argument after "--" is a path. Wrong usage gives nothing, and
+// Reads the arguments, the program's own name first. An argument after "--" is a path. Wrong usage gives
+// nothing, and
 // `*problem` says what is wrong in one line.
 std::optional<Options> ParseOptions(const std::vector<std::string>& arguments, std::string* problem);
 

@@ -44,7 +44,9 @@ std::string Describe(const ActionStep& step) {
 }
 
 // An error may quote a path, whose bytes are anything.
-std::string ErrorText(const std::string& error) { return platform::WithReplacementCharacters(error); }
+std::string ErrorText(const std::string& error) {
+  return platform::WithReplacementCharacters(error);
+}
 
 }  // namespace
 

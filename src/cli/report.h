@@ -16,13 +16,13 @@ const char* OutcomeWord(Outcome outcome);
 // A step that was not done carries its result in brackets. Names are shown as by ForDisplay.
 std::string TextLine(const DispatchReport& report);
 
-// Why each step that was not done was not, one line each with the path and the step; empty when there is nothing to
-// say.
+// Why each step that was not done was not, one line each with the path and the step; empty when there is
+// nothing to say.
 std::vector<std::string> ProblemLines(const DispatchReport& report);
 
-// One JSON object without a line break. Keys: path, name, archive, matches, profile, steps (step, to, result and,
-// when there is one, error), result, error (when there is one); "escaped": true when bytes of a path that are not
-// UTF-8 are written as \xNN and backslashes as \\ in path, name and to.
+// One JSON object without a line break. Keys: path, name, archive, matches, profile, steps (step, to, result
+// and, when there is one, error), result, error (when there is one); "escaped": true when bytes of a path
+// that are not UTF-8 are written as \xNN and backslashes as \\ in path, name and to.
 std::string JsonLine(const DispatchReport& report);
 
 }  // namespace quendle

@@ -38,9 +38,13 @@ UserInterface::OverwriteAnswer TerminalUser::AskOverwrite(const platform::FileVe
   return OverwriteAnswer::kNoToAll;
 }
 
-bool TerminalUser::AskMakeFolder(const std::string&) { return false; }
+bool TerminalUser::AskMakeFolder(const std::string&) {
+  return false;
+}
 
-bool TerminalUser::AskDelete(const std::string&) { return false; }
+bool TerminalUser::AskDelete(const std::string&) {
+  return false;
+}
 
 bool TerminalUser::ShowProgress(const platform::FileProgress& progress, bool simple) {
   if (platform::InterruptRequested()) return false;
@@ -67,7 +71,9 @@ void TerminalUser::EndProgress() {
 
 void TerminalUser::SetBusy(bool) {}  // the terminal shows by itself that the program has not ended
 
-void TerminalUser::OpenFolder(const std::string& folder) { WarnOf(platform::OpenWithDesktop(folder, folder)); }
+void TerminalUser::OpenFolder(const std::string& folder) {
+  WarnOf(platform::OpenWithDesktop(folder, folder));
+}
 
 void TerminalUser::OpenFile(const std::string& path, const std::string& untrusted_folder) {
   WarnOf(platform::OpenWithDesktop(path, untrusted_folder));

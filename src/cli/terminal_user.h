@@ -1,4 +1,5 @@
-// The user interface of an unattended run: nobody answers, progress is a line on the terminal, an interrupt cancels.
+// The user interface of an unattended run: nobody answers, progress is a line on the terminal, an interrupt
+// cancels.
 #pragma once
 
 #include <chrono>
@@ -30,10 +31,10 @@ class TerminalUser : public UserInterface {
   using Clock = std::chrono::steady_clock;
 
   bool show_progress_;
-  bool running_ = false;      // an operation reports progress
+  bool running_ = false;  // an operation reports progress
   bool line_shown_ = false;
-  Clock::time_point begin_;   // of the operation
-  Clock::time_point shown_;   // when the line was written last
+  Clock::time_point begin_;  // of the operation
+  Clock::time_point shown_;  // when the line was written last
 };
 
 }  // namespace quendle

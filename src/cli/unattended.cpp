@@ -14,7 +14,9 @@
 namespace quendle {
 namespace {
 
-bool IsWindowed(const Options& options) { return !options.batch && !options.dry_run; }
+bool IsWindowed(const Options& options) {
+  return !options.batch && !options.dry_run;
+}
 
 // A run with windows takes ten paths; the others are named so that nobody believes them done.
 std::vector<std::string> TakenPaths(const Options& options) {

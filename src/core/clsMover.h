@@ -1,8 +1,9 @@
-// The dispatcher: the paths of the run, the profiles that match the current one, what is to be done with it, and
-// doing it.
+// The dispatcher: the paths of the run, the profiles that match the current one, what is to be done with it,
+// and doing it.
 //
-// For each path the caller sets CMDLINECURRENT, calls SetTarget and GetAccordantTitles, fills the state with one of
-// the Fill functions or from what the user chose, and calls ActionMain (or PlanSteps, to be told what it would do).
+// For each path the caller sets CMDLINECURRENT, calls SetTarget and GetAccordantTitles, fills the state with
+// one of the Fill functions or from what the user chose, and calls ActionMain (or PlanSteps, to be told what
+// it would do).
 #pragma once
 
 #include <cstdint>
@@ -57,26 +58,26 @@ class clsMover {
     UserInterface& user;
   };
 
-  // `arguments` as SplitCommandLine gives them: element 0 is empty, paths count from 1. Relative ones are made
-  // absolute against the current folder now. Reads the profiles.
+  // `arguments` as SplitCommandLine gives them: element 0 is empty, paths count from 1. Relative ones are
+  // made absolute against the current folder now. Reads the profiles.
   clsMover(const Environment& environment, std::unique_ptr<clsArchiver> archiver,
            std::vector<std::string> arguments);
 
   // State of the run and of the current path.
-  bool SHOWUSERFORM = false;      // confirm each file
-  std::int32_t CMDLINEMAX = 0;    // number of paths
+  bool SHOWUSERFORM = false;        // confirm each file
+  std::int32_t CMDLINEMAX = 0;      // number of paths
   std::int32_t CMDLINECURRENT = 0;  // the current one, from 1
-  bool DOESFOLDER = false;        // the current path is a folder
-  std::int16_t ARCHIVETYPE = 0;   // 0: not an archive, else as in clsArchiver
-  std::string ORIGINALPATH;       // full path of the current file or folder
-  std::string MOVETO;             // full path to move a file to; the folder to move a folder into
-  std::string COPYTO;             // the same for copying
-  std::string EXTRACTTO;          // folder to extract into
-  std::int16_t ACTION = 2;        // bits: 1 extract, 2 move, 4 copy
-  std::int16_t SMARTRENAME = 1;   // 1 keep names, 2 always append the date, 3 append it on a collision
-  std::int16_t EXTRACTTYPE = 2;   // 1 overwrite, 2 update
-  bool SMARTMAKEDIR = false;      // no second folder level for an archive with a single root folder
-  bool OPENDIR = false;           // open the extraction folder afterwards
+  bool DOESFOLDER = false;          // the current path is a folder
+  std::int16_t ARCHIVETYPE = 0;     // 0: not an archive, else as in clsArchiver
+  std::string ORIGINALPATH;         // full path of the current file or folder
+  std::string MOVETO;               // full path to move a file to; the folder to move a folder into
+  std::string COPYTO;               // the same for copying
+  std::string EXTRACTTO;            // folder to extract into
+  std::int16_t ACTION = 2;          // bits: 1 extract, 2 move, 4 copy
+  std::int16_t SMARTRENAME = 1;     // 1 keep names, 2 always append the date, 3 append it on a collision
+  std::int16_t EXTRACTTYPE = 2;     // 1 overwrite, 2 update
+  bool SMARTMAKEDIR = false;        // no second folder level for an archive with a single root folder
+  bool OPENDIR = false;             // open the extraction folder afterwards
 
   // The path at CMDLINECURRENT, absolute.
   const std::string& CurrentCmdLineString() const;
@@ -87,8 +88,9 @@ class clsMover {
   // Reads titles and patterns anew; to be called after profiles were edited.
   void SetItemDataToArray();
 
-  // Matches the target's name against every profile; sets PATTERNMATCHCOUNT and ARCHIVETYPE. Element 0 is empty, 1 is
-  // "（なし）", from 2 on come the titles of the profiles that match or, when none does, of all profiles.
+  // Matches the target's name against every profile; sets PATTERNMATCHCOUNT and ARCHIVETYPE. Element 0 is
+  // empty, 1 is "（なし）", from 2 on come the titles of the profiles that match or, when none does, of all
+  // profiles.
   std::vector<std::string> GetAccordantTitles();
   std::int32_t PATTERNMATCHCOUNT() const { return pattern_match_count_; }
 
@@ -98,33 +100,36 @@ class clsMover {
 
   const std::vector<ProfileIndexEntry>& Profiles() const { return ProfileIndex; }
 
-  // Fill the state of the current target: from a profile; from the test settings, for an archive that matches none;
-  // from the standard settings, which leave SMARTMAKEDIR and OPENDIR as they are and compute no destinations.
+  // Fill the state of the current target: from a profile; from the test settings, for an archive that matches
+  // none; from the standard settings, which leave SMARTMAKEDIR and OPENDIR as they are and compute no
+  // destinations.
   void FillFromProfile(const std::string& title);
   void FillFromTestSettings();
   void SetDefaultItemData();
 
-  // The path that a folder chosen for one kind of action (1 extraction, 2 move, 4 copy) leads to: the folder itself for
-  // an extraction and for a folder as target, else the file's path in it after smart rename. Empty for another kind.
+  // The path that a folder chosen for one kind of action (1 extraction, 2 move, 4 copy) leads to: the folder
+  // itself for an extraction and for a folder as target, else the file's path in it after smart rename. Empty
+  // for another kind.
   std::string GetTargetPathByFolder(std::int16_t kind, const std::string& folder) const;
 
-  // `folder`/`name`, or by SMARTRENAME with the target's date: "/d", "a.txt" => "/d/a.txt", "/d/a_20031107.txt",
+  // `folder`/`name`, or by SMARTRENAME with the target's date: "/d", "a.txt" => "/d/a.txt",
+  // "/d/a_20031107.txt",
   // "/d/a_20031107_1.txt". Only looks; the name can be gone by the time it is used.
   std::string GetFilenameBySmartRename(const std::string& folder, const std::string& name) const;
 
-  // What ActionMain would do now, step by step; touches nothing. A step that would ask whether to overwrite is planned
-  // when somebody `can_be_asked`, and fails otherwise.
+  // What ActionMain would do now, step by step; touches nothing. A step that would ask whether to overwrite
+  // is planned when somebody `can_be_asked`, and fails otherwise.
   std::vector<ActionStep> PlanSteps(bool can_be_asked);
 
-  // Does it. True when the run succeeded: every step of ACTION was done, but that a failed copy before a move that
-  // follows an extraction does not count.
+  // Does it. True when the run succeeded: every step of ACTION was done, but that a failed copy before a move
+  // that follows an extraction does not count.
   bool ActionMain();
 
   // What became of each step of the last ActionMain.
   const std::vector<ActionStep>& Steps() const { return steps_; }
 
-  // From now on names count as taken and free as if the last planned steps had been done, so that a plan for several
-  // paths is the one that a run would make.
+  // From now on names count as taken and free as if the last planned steps had been done, so that a plan for
+  // several paths is the one that a run would make.
   void AssumeDone(const std::vector<ActionStep>& steps);
 
  private:

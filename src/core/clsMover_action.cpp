@@ -11,7 +11,9 @@ namespace {
 // Extraction first; the move last, since the file is gone from its place after it.
 constexpr StepKind kStepOrder[] = {StepKind::kExtract, StepKind::kCopy, StepKind::kMove};
 
-bool Includes(std::int16_t action, StepKind kind) { return (action & static_cast<std::int16_t>(kind)) != 0; }
+bool Includes(std::int16_t action, StepKind kind) {
+  return (action & static_cast<std::int16_t>(kind)) != 0;
+}
 
 class BusyScope {
  public:

@@ -28,8 +28,7 @@ std::string clsMover::GetFilenameBySmartRename(const std::string& folder, const 
   if (SMARTRENAME == 1 || (SMARTRENAME == 3 && !NameIsTaken(plain))) return plain;
 
   const clsFileInfo& target = environment_.file_info;
-  const std::string extension =
-      target.pFileNameExtension().empty() ? "" : "." + target.pFileNameExtension();
+  const std::string extension = target.pFileNameExtension().empty() ? "" : "." + target.pFileNameExtension();
   const CalendarDay day = target.WriteDay();
   char date[32];
   std::snprintf(date, sizeof date, "_%04d%02u%02u", day.year, day.month, day.day);

@@ -14,7 +14,9 @@ std::vector<std::string> Arguments(const std::vector<std::string>& paths) {
   return arguments;
 }
 
-std::string Describe(const platform::Result& failure) { return failure.path + ": " + failure.reason; }
+std::string Describe(const platform::Result& failure) {
+  return failure.path + ": " + failure.reason;
+}
 
 }  // namespace
 
@@ -56,12 +58,18 @@ void Globals::EndProgram() {
 std::vector<std::string> SettingsWarnings(const Globals& globals) {
   std::vector<std::string> warnings;
   const platform::Result& creation = globals.g_PropDefault->CreationFailure();
-  if (!creation.ok()) warnings.push_back("the settings files could not be made: " + Describe(creation));
-  if (globals.g_Mover->Profiles().empty()) {
+  if (!creation.ok()) warnings.push_back(Describe(creation) + ": the settings files could not be made");
+  const std::string& items = globals.g_PropItem->FileName();
+  bool items_readable = true;
+  for (const std::string& file : {globals.g_PropDefault->FileName(), items, globals.g_PropTest->FileName()}) {
     std::string ignored;
-    const platform::Result read = platform::ReadWholeFile(globals.g_PropItem->FileName(), &ignored);
-    warnings.push_back(read.ok() ? globals.g_PropItem->FileName() + ": there are no profiles in it"
-                                 : "there are no profiles: " + Describe(read));
+    const platform::Result read = platform::ReadWholeFile(file, &ignored);
+    if (read.ok() || (read.code == platform::Code::kNotFound && file != items)) continue;
+    if (file == items) items_readable = false;
+    if (read.path != creation.path) warnings.push_back(Describe(read));
+  }
+  if (items_readable && globals.g_Mover->Profiles().empty()) {
+    warnings.push_back(items + ": there are no profiles in it");
   }
   return warnings;
 }

@@ -17,8 +17,8 @@ inline constexpr int kMostPaths = 10;
 // Major, minor and revision joined by ".".
 std::string GetVersionString();
 
-// Must each file be confirmed? Always when CONFIRMALWAYS is on; else, when KEYCHECK is on, if the Ctrl key is down,
-// which is only asked then.
+// Must each file be confirmed? Always when CONFIRMALWAYS is on; else, when KEYCHECK is on, if the Ctrl key is
+// down, which is only asked then.
 bool WantsConfirmation(const clsPropDefault& standard, const std::function<bool()>& is_ctrl_down);
 
 // The process-wide objects, made and released in the order in which they are declared.
@@ -40,8 +40,8 @@ class Globals {
   std::unique_ptr<clsMover> g_Mover;
 };
 
-// Anything about the settings that the user should know before the run: files that could not be made, or an
-// items.ini that cannot be read or holds no profiles. One line each.
+// What the user should know about the settings before the run: files that could not be made or read, and that
+// there are no profiles. One line each.
 std::vector<std::string> SettingsWarnings(const Globals& globals);
 
 }  // namespace quendle

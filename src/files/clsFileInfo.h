@@ -1,5 +1,5 @@
-// What is known of one existing file or folder: its path with every component spelled as the file system lists it,
-// the parts of that path, and the time of its last change.
+// What is known of one existing file or folder: its path with every component spelled as the file system
+// lists it, the parts of that path, and the time of its last change.
 #pragma once
 
 #include <cstdint>
@@ -21,9 +21,9 @@ class clsFileInfo {
   // Empties the five strings.
   void Class_Initialize();
 
-  // Reads the entry at `path`, which may be relative. False, with all strings empty, when there is none; a path that
-  // ends in a separator is never found. When the entry exists but a folder above it cannot be read, the answer is
-  // true and the strings are empty.
+  // Reads the entry at `path`, which may be relative. False, with all strings empty, when there is none; a
+  // path that ends in a separator is never found. When the entry exists but a folder above it cannot be read,
+  // the answer is true and the strings are empty.
   bool SetFilename(const std::string& path);
 
   // Of /docs/A.B.C:

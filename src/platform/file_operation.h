@@ -1,9 +1,10 @@
 // Moving, copying, renaming and deleting files and folders without losing anything.
 //
-// What holds for every operation here: nothing is overwritten unless the observer says yes; a new file or folder has
-// its final name only when it is complete, and until then a hidden temporary name beside it; after a failure or a
-// cancel, source and destination are as they were and no temporary file is left (the merge of two folders is the
-// one exception: entries already settled stay settled, and the Result says how many were not).
+// What holds for every operation here: nothing is overwritten unless the observer says yes; a new file or
+// folder has its final name only when it is complete, and until then a hidden temporary name beside it; after
+// a failure or a cancel, source and destination are as they were and no temporary file is left (the merge of
+// two folders is the one exception: entries already settled stay settled, and the Result says how many were
+// not).
 #pragma once
 
 #include <cstdint>
@@ -21,8 +22,8 @@ struct FileVersion {
 };
 
 struct FileProgress {
-  std::string path;               // the file being worked on
-  std::uint64_t bytes_done = 0;   // of the whole operation
+  std::string path;              // the file being worked on
+  std::uint64_t bytes_done = 0;  // of the whole operation
   std::uint64_t bytes_total = 0;
 };
 
@@ -47,26 +48,28 @@ struct FileOperationOptions {
 
 // Moves `source` to the exact path `destination`, whose folder must exist.
 //
-// Within a file system this is a rename that replaces nothing. Across file systems it is a copy with mode, times to
-// the nanosecond, extended attributes, owner as far as permitted, holes and hard links inside a folder kept, which is
-// synced and compared before it gets its name; only then is the source removed, and only if it did not change.
-// Symbolic links are moved as links.
+// Within a file system this is a rename that replaces nothing. Across file systems it is a copy with mode,
+// times to the nanosecond, extended attributes, owner as far as permitted, holes and hard links inside a
+// folder kept, which is synced and compared before it gets its name; only then is the source removed, and
+// only if it did not change. Symbolic links are moved as links.
 //
-// A file onto an existing file asks; a folder onto an existing folder merges, and asks for each file that exists on
-// both sides; answering no leaves that file in the source and makes the result kExists.
-// Failures besides the system's own: kRefused for a source and destination that are the same file (hard links too) or
+// A file onto an existing file asks; a folder onto an existing folder merges, and asks for each file that
+// exists on both sides; answering no leaves that file in the source and makes the result kExists. Failures
+// besides the system's own: kRefused for a source and destination that are the same file (hard links too) or
 // a folder into itself, kIsFolder or kNotFolder when one is a file and the other a folder, kExists for a no,
 // kCancelled for a cancel, kFailed when the source changed meanwhile.
-Result MoveEntry(const std::string& source, const std::string& destination, const FileOperationOptions& options,
-                 FileOperationObserver* observer);
+Result MoveEntry(const std::string& source, const std::string& destination,
+                 const FileOperationOptions& options, FileOperationObserver* observer);
 
-// Copies under the same rules; the source stays and the copy is not synced. Devices, sockets and pipes are kRefused
-// before anything is written.
-Result CopyEntry(const std::string& source, const std::string& destination, const FileOperationOptions& options,
-                 FileOperationObserver* observer);
+// Copies under the same rules; the source stays and the copy is not synced. Devices, sockets and pipes are
+// kRefused before anything is written.
+Result CopyEntry(const std::string& source, const std::string& destination,
+                 const FileOperationOptions& options, FileOperationObserver* observer);
 
 // Removes a file or a folder with all it holds; with allow_undo it goes to the trash of its file system
-// (freedesktop.org trash on POSIX) and the result is a failure when there is none. Links are removed, not followed.
-Result DeleteEntry(const std::string& path, const FileOperationOptions& options, FileOperationObserver* observer);
+// (freedesktop.org trash on POSIX) and the result is a failure when there is none. Links are removed, not
+// followed.
+Result DeleteEntry(const std::string& path, const FileOperationOptions& options,
+                   FileOperationObserver* observer);
 
 }  // namespace quendle::platform

@@ -1,5 +1,5 @@
-// Folders and facts that the system or the user's session provides. Paths are absolute, without a trailing separator
-// (except a root), empty when the system has none.
+// Folders and facts that the system or the user's session provides. Paths are absolute, without a trailing
+// separator (except a root), empty when the system has none.
 #pragma once
 
 #include <optional>
@@ -11,7 +11,8 @@ std::string CurrentFolder();
 std::string ExecutableFolder();
 std::string TemporaryFolder();
 
-// Where a user's programs keep their settings: $XDG_CONFIG_HOME, else ~/.config. A relative value counts as none.
+// Where a user's programs keep their settings: $XDG_CONFIG_HOME, else ~/.config. A relative value counts as
+// none.
 std::string SettingsRoot();
 
 // The user's download folder: XDG_DOWNLOAD_DIR of user-dirs.dirs, else ~/Downloads, else the home folder.

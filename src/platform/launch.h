@@ -8,13 +8,13 @@
 
 namespace quendle::platform {
 
-// Starts `arguments` (the first is the program's full path) detached from this process, in the root folder, with
-// nothing on its standard streams, never through a shell. A program that cannot be started is a failure; what it does
-// afterwards is not known.
+// Starts `arguments` (the first is the program's full path) detached from this process, in the root folder,
+// with nothing on its standard streams, never through a shell. A program that cannot be started is a failure;
+// what it does afterwards is not known.
 Result StartProgram(const std::vector<std::string>& arguments);
 
-// Opens a file or folder with the desktop's handler for it. The handler's starter is looked for on the executable
-// search path, never in `untrusted_folder` or below it, nor in the current folder.
+// Opens a file or folder with the desktop's handler for it. The handler's starter is looked for on the
+// executable search path, never in `untrusted_folder` or below it, nor in the current folder.
 Result OpenWithDesktop(const std::string& path, const std::string& untrusted_folder);
 
 }  // namespace quendle::platform

@@ -11,7 +11,8 @@
 namespace quendle::platform {
 namespace {
 
-// Runs in the second child: only calls that are safe after a fork. Returns when the program could not be started.
+// Runs in the second child: only calls that are safe after a fork. Returns when the program could not be
+// started.
 void BecomeProgram(char* const* arguments) {
   const int null = open("/dev/null", O_RDWR);
   if (null < 0 || dup2(null, STDIN_FILENO) < 0 || dup2(null, STDOUT_FILENO) < 0 ||
@@ -21,7 +22,8 @@ void BecomeProgram(char* const* arguments) {
   execv(arguments[0], arguments);
 }
 
-// Runs in the first child, which ends at once so that the program belongs to nobody and leaves no zombie here.
+// Runs in the first child, which ends at once so that the program belongs to nobody and leaves no zombie
+// here.
 [[noreturn]] void StartDetached(char* const* arguments, int report) {
   setsid();
   const pid_t second = fork();

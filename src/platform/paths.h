@@ -15,8 +15,8 @@ bool IsFolder(const std::string& path);
 // True when the name is taken by anything at all, a dangling link included. Any error is false.
 bool IsTaken(const std::string& path);
 
-// Full path of an executable file of that bare name on the executable search path, or empty. Entries of the path
-// that are empty or relative are skipped: they would mean the current folder.
+// Full path of an executable file of that bare name on the executable search path, or empty. Entries of the
+// path that are empty or relative are skipped: they would mean the current folder.
 std::string FindOnSearchPath(const std::string& name);
 
 // Makes one folder; its parent must exist. kExists when the name is taken.
@@ -31,16 +31,21 @@ Result MakeTemporaryFile(const std::string& folder, std::string* path);
 // Does nothing when the file is missing.
 Result RemoveFile(const std::string& path);
 
+// kExists when the folder is not empty.
+Result RemoveEmptyFolder(const std::string& path);
+
 struct EntryTimes {
-  std::int64_t write_seconds = 0;        // since 1970, UTC
-  std::int64_t local_write_seconds = 0;  // the same moment read off the local clock, counted as if that were UTC
+  std::int64_t write_seconds = 0;  // since 1970, UTC
+  std::int64_t local_write_seconds =
+      0;  // the same moment read off the local clock, counted as if that were UTC
 };
 
 // The last-write time of the entry itself (a link is not followed); false when it does not exist.
 bool ReadTimes(const std::string& path, EntryTimes* times);
 
-// The path made absolute against the current folder, "." and ".." resolved, each component spelled as its folder
-// lists it. A link that is the last component is kept as it is. Empty when a component cannot be found.
+// The path made absolute against the current folder, "." and ".." resolved, each component spelled as its
+// folder lists it. A link that is the last component is kept as it is. Empty when a component cannot be
+// found.
 std::string LongPath(const std::string& path);
 
 }  // namespace quendle::platform

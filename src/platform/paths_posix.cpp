@@ -32,8 +32,8 @@ std::string SwappedCase(const std::string& name) {
   return swapped;
 }
 
-// The spelling under which `folder` lists the entry `name`. Reading a folder of a million entries costs seconds, so
-// it is only read where the same entry also answers to the name in other case.
+// The spelling under which `folder` lists the entry `name`. Reading a folder of a million entries costs
+// seconds, so it is only read where the same entry also answers to the name in other case.
 std::string ListedName(const std::string& folder, const std::string& name, const struct stat& entry) {
   const std::string swapped = SwappedCase(name);
   struct stat other;
@@ -57,7 +57,9 @@ std::string WithoutDots(const std::string& path) {
   return real == nullptr ? "" : real.get();
 }
 
-bool IsDots(std::string_view component) { return component == "." || component == ".."; }
+bool IsDots(std::string_view component) {
+  return component == "." || component == "..";
+}
 
 bool IsExecutableFile(const std::string& path) {
   struct stat entry;
@@ -105,6 +107,10 @@ Result MakeTemporaryFile(const std::string& folder, std::string* path) {
 
 Result RemoveFile(const std::string& path) {
   return unlink(path.c_str()) == 0 || errno == ENOENT ? Success() : LastSystemFailure(path);
+}
+
+Result RemoveEmptyFolder(const std::string& path) {
+  return rmdir(path.c_str()) == 0 ? Success() : LastSystemFailure(path);
 }
 
 bool ReadTimes(const std::string& path, EntryTimes* times) {

@@ -3,8 +3,8 @@
 
 namespace quendle::platform {
 
-// From now on an interrupt, hang-up or termination request only sets a flag, so that the file operation in progress
-// can be undone or finished first.
+// From now on an interrupt, hang-up or termination request only sets a flag, so that the file operation in
+// progress can be undone or finished first.
 void CatchInterrupts();
 bool InterruptRequested();
 

@@ -10,7 +10,9 @@ namespace {
 
 volatile sig_atomic_t interrupted = 0;
 
-extern "C" void NoteInterrupt(int) { interrupted = 1; }
+extern "C" void NoteInterrupt(int) {
+  interrupted = 1;
+}
 
 }  // namespace
 
@@ -28,8 +30,12 @@ void CatchInterrupts() {
   signal(SIGXFSZ, SIG_IGN);  // a file-size limit is an error like a full disk
 }
 
-bool InterruptRequested() { return interrupted != 0; }
+bool InterruptRequested() {
+  return interrupted != 0;
+}
 
-bool IsErrorStreamTerminal() { return isatty(STDERR_FILENO) == 1; }
+bool IsErrorStreamTerminal() {
+  return isatty(STDERR_FILENO) == 1;
+}
 
 }  // namespace quendle::platform

@@ -31,15 +31,17 @@ struct [[nodiscard]] Result {
   bool ok() const { return code == Code::kOk; }
 };
 
-inline Result Success() { return {}; }
+inline Result Success() {
+  return {};
+}
 
 // A failure that this program decides on, with its own words.
 inline Result Failure(Code code, std::string path, std::string reason) {
   return {code, std::move(path), std::move(reason)};
 }
 
-// A failure that the system reported: `error` is errno on POSIX and GetLastError on Windows. The reason is the
-// system's own text for it. This is the only place that turns system codes into Codes.
+// A failure that the system reported: `error` is errno on POSIX and GetLastError on Windows. The reason is
+// the system's own text for it. This is the only place that turns system codes into Codes.
 Result SystemFailure(int error, std::string path);
 
 // The same for the error that the calling thread met last.

@@ -37,6 +37,8 @@ Result SystemFailure(int error, std::string path) {
   return {CodeOf(error), std::move(path), std::strerror(error)};
 }
 
-Result LastSystemFailure(std::string path) { return SystemFailure(errno, std::move(path)); }
+Result LastSystemFailure(std::string path) {
+  return SystemFailure(errno, std::move(path));
+}
 
 }  // namespace quendle::platform

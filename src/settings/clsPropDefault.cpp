@@ -10,7 +10,9 @@
 namespace quendle {
 namespace {
 
-std::string KeyLine(int key, const std::string& value) { return LoadText(key) + "=" + value; }
+std::string KeyLine(int key, const std::string& value) {
+  return LoadText(key) + "=" + value;
+}
 
 std::string JoinLines(const std::vector<std::string>& lines) {
   std::string text;
@@ -27,20 +29,21 @@ clsPropDefault::clsPropDefault(const SettingsFolders& folders, bool create_files
 
 void clsPropDefault::SetMode(std::int16_t mode) {
   if (mode != kStandard && mode != kTestMode) ProgrammingError("settings mode other than 0 or 6");
-  ini_.pFileName =
-      AddBackslash(folders_.application) + LoadText(mode == kStandard ? text_id::kStandardFile : text_id::kTestFile);
+  ini_.pFileName = AddBackslash(folders_.application) +
+                   LoadText(mode == kStandard ? text_id::kStandardFile : text_id::kTestFile);
 }
 
 void clsPropDefault::CreateDefaultFiles() {
   const std::string& destination = folders_.default_destination;
   SetMode(kStandard);
-  CreateFile(JoinLines(
-      {KeyLine(text_id::kExtractTo, destination), KeyLine(text_id::kCopyTo, destination),
-       KeyLine(text_id::kMoveTo, destination), KeyLine(text_id::kAction, "1"), KeyLine(text_id::kAutoCompDir, "1"),
-       KeyLine(text_id::kCheckArchive, "0"), KeyLine(text_id::kConfirmAlways, "1"),
-       KeyLine(text_id::kConfirmOverwrite, "0"), KeyLine(text_id::kExtractType, "1"),
-       KeyLine(text_id::kSmartRename, "3"), KeyLine(text_id::kSmartMakeDir, "0"), KeyLine(text_id::kOpenDir, "1"),
-       KeyLine(text_id::kShowResult, "1"), KeyLine(text_id::kKeyCheck, "0"), KeyLine(text_id::kTest, "0")}));
+  CreateFile(JoinLines({KeyLine(text_id::kExtractTo, destination), KeyLine(text_id::kCopyTo, destination),
+                        KeyLine(text_id::kMoveTo, destination), KeyLine(text_id::kAction, "1"),
+                        KeyLine(text_id::kAutoCompDir, "1"), KeyLine(text_id::kCheckArchive, "0"),
+                        KeyLine(text_id::kConfirmAlways, "1"), KeyLine(text_id::kConfirmOverwrite, "0"),
+                        KeyLine(text_id::kExtractType, "1"), KeyLine(text_id::kSmartRename, "3"),
+                        KeyLine(text_id::kSmartMakeDir, "0"), KeyLine(text_id::kOpenDir, "1"),
+                        KeyLine(text_id::kShowResult, "1"), KeyLine(text_id::kKeyCheck, "0"),
+                        KeyLine(text_id::kTest, "0")}));
   SetMode(kTestMode);
   CreateFile(JoinLines({KeyLine(text_id::kExtractTo, destination), KeyLine(text_id::kExtractType, "1"),
                         KeyLine(text_id::kSmartRename, "3"), KeyLine(text_id::kOpenDir, "1"),
@@ -59,7 +62,9 @@ std::string clsPropDefault::Read(int key, const std::string& fallback) const {
   return ini_.GetStr(LoadText(text_id::kGeneral), LoadText(key), fallback);
 }
 
-bool clsPropDefault::ReadFlag(int key, const char* fallback) const { return ToBoolean(Read(key, fallback)); }
+bool clsPropDefault::ReadFlag(int key, const char* fallback) const {
+  return ToBoolean(Read(key, fallback));
+}
 
 double clsPropDefault::ReadNumber(int key, const char* fallback) const {
   double number = 0;
@@ -70,27 +75,65 @@ void clsPropDefault::Write(int key, const std::string& value) {
   ini_.SetStr(LoadText(text_id::kGeneral), LoadText(key), value);
 }
 
-void clsPropDefault::WriteNumber(int key, std::int16_t value) { Write(key, std::to_string(value)); }
+void clsPropDefault::WriteNumber(int key, std::int16_t value) {
+  Write(key, std::to_string(value));
+}
 
-bool clsPropDefault::CONFIRMALWAYS() const { return ReadFlag(text_id::kConfirmAlways, "0"); }
-void clsPropDefault::CONFIRMALWAYS(std::int16_t value) { WriteNumber(text_id::kConfirmAlways, value); }
-bool clsPropDefault::CHECKARCHIVE() const { return ReadFlag(text_id::kCheckArchive, "0"); }
-void clsPropDefault::CHECKARCHIVE(std::int16_t value) { WriteNumber(text_id::kCheckArchive, value); }
-bool clsPropDefault::CONFIRMOVERWRITE() const { return ReadFlag(text_id::kConfirmOverwrite, "0"); }
-void clsPropDefault::CONFIRMOVERWRITE(std::int16_t value) { WriteNumber(text_id::kConfirmOverwrite, value); }
-bool clsPropDefault::SHOWRESULT() const { return ReadFlag(text_id::kShowResult, "0"); }
-void clsPropDefault::SHOWRESULT(std::int16_t value) { WriteNumber(text_id::kShowResult, value); }
-bool clsPropDefault::KEYCHECK() const { return ReadFlag(text_id::kKeyCheck, "0"); }
-void clsPropDefault::KEYCHECK(std::int16_t value) { WriteNumber(text_id::kKeyCheck, value); }
-bool clsPropDefault::TEST() const { return ReadFlag(text_id::kTest, "0"); }
-void clsPropDefault::TEST(std::int16_t value) { WriteNumber(text_id::kTest, value); }
-bool clsPropDefault::AUTOCOMPDIR() const { return ReadFlag(text_id::kAutoCompDir, "1"); }
-void clsPropDefault::AUTOCOMPDIR(std::int16_t value) { WriteNumber(text_id::kAutoCompDir, value); }
+bool clsPropDefault::CONFIRMALWAYS() const {
+  return ReadFlag(text_id::kConfirmAlways, "0");
+}
+void clsPropDefault::CONFIRMALWAYS(std::int16_t value) {
+  WriteNumber(text_id::kConfirmAlways, value);
+}
+bool clsPropDefault::CHECKARCHIVE() const {
+  return ReadFlag(text_id::kCheckArchive, "0");
+}
+void clsPropDefault::CHECKARCHIVE(std::int16_t value) {
+  WriteNumber(text_id::kCheckArchive, value);
+}
+bool clsPropDefault::CONFIRMOVERWRITE() const {
+  return ReadFlag(text_id::kConfirmOverwrite, "0");
+}
+void clsPropDefault::CONFIRMOVERWRITE(std::int16_t value) {
+  WriteNumber(text_id::kConfirmOverwrite, value);
+}
+bool clsPropDefault::SHOWRESULT() const {
+  return ReadFlag(text_id::kShowResult, "0");
+}
+void clsPropDefault::SHOWRESULT(std::int16_t value) {
+  WriteNumber(text_id::kShowResult, value);
+}
+bool clsPropDefault::KEYCHECK() const {
+  return ReadFlag(text_id::kKeyCheck, "0");
+}
+void clsPropDefault::KEYCHECK(std::int16_t value) {
+  WriteNumber(text_id::kKeyCheck, value);
+}
+bool clsPropDefault::TEST() const {
+  return ReadFlag(text_id::kTest, "0");
+}
+void clsPropDefault::TEST(std::int16_t value) {
+  WriteNumber(text_id::kTest, value);
+}
+bool clsPropDefault::AUTOCOMPDIR() const {
+  return ReadFlag(text_id::kAutoCompDir, "1");
+}
+void clsPropDefault::AUTOCOMPDIR(std::int16_t value) {
+  WriteNumber(text_id::kAutoCompDir, value);
+}
 
-std::string clsPropDefault::FILER() const { return Read(text_id::kFiler, ""); }
-void clsPropDefault::FILER(const std::string& value) { Write(text_id::kFiler, value); }
-std::string clsPropDefault::FILERPARM() const { return Read(text_id::kFilerParm, ""); }
-void clsPropDefault::FILERPARM(const std::string& value) { Write(text_id::kFilerParm, value); }
+std::string clsPropDefault::FILER() const {
+  return Read(text_id::kFiler, "");
+}
+void clsPropDefault::FILER(const std::string& value) {
+  Write(text_id::kFiler, value);
+}
+std::string clsPropDefault::FILERPARM() const {
+  return Read(text_id::kFilerParm, "");
+}
+void clsPropDefault::FILERPARM(const std::string& value) {
+  Write(text_id::kFilerParm, value);
+}
 
 std::int16_t clsPropDefault::ACTION() const {
   const double number = ReadNumber(text_id::kAction, "1");
@@ -99,28 +142,56 @@ std::int16_t clsPropDefault::ACTION() const {
   }
   return 1;
 }
-void clsPropDefault::ACTION(std::int16_t value) { WriteNumber(text_id::kAction, value); }
+void clsPropDefault::ACTION(std::int16_t value) {
+  WriteNumber(text_id::kAction, value);
+}
 
-std::string clsPropDefault::EXTRACTTO() const { return Read(text_id::kExtractTo, folders_.default_destination); }
-void clsPropDefault::EXTRACTTO(const std::string& value) { Write(text_id::kExtractTo, value); }
-std::string clsPropDefault::MOVETO() const { return Read(text_id::kMoveTo, folders_.default_destination); }
-void clsPropDefault::MOVETO(const std::string& value) { Write(text_id::kMoveTo, value); }
-std::string clsPropDefault::COPYTO() const { return Read(text_id::kCopyTo, folders_.default_destination); }
-void clsPropDefault::COPYTO(const std::string& value) { Write(text_id::kCopyTo, value); }
+std::string clsPropDefault::EXTRACTTO() const {
+  return Read(text_id::kExtractTo, folders_.default_destination);
+}
+void clsPropDefault::EXTRACTTO(const std::string& value) {
+  Write(text_id::kExtractTo, value);
+}
+std::string clsPropDefault::MOVETO() const {
+  return Read(text_id::kMoveTo, folders_.default_destination);
+}
+void clsPropDefault::MOVETO(const std::string& value) {
+  Write(text_id::kMoveTo, value);
+}
+std::string clsPropDefault::COPYTO() const {
+  return Read(text_id::kCopyTo, folders_.default_destination);
+}
+void clsPropDefault::COPYTO(const std::string& value) {
+  Write(text_id::kCopyTo, value);
+}
 
 std::int16_t clsPropDefault::SMARTRENAME() const {
   const double number = ReadNumber(text_id::kSmartRename, "3");
   if (number == 1) return 1;
   return number == 2 ? 2 : 3;
 }
-void clsPropDefault::SMARTRENAME(std::int16_t value) { WriteNumber(text_id::kSmartRename, value); }
+void clsPropDefault::SMARTRENAME(std::int16_t value) {
+  WriteNumber(text_id::kSmartRename, value);
+}
 
-std::int16_t clsPropDefault::EXTRACTTYPE() const { return ReadNumber(text_id::kExtractType, "1") == 2 ? 2 : 1; }
-void clsPropDefault::EXTRACTTYPE(std::int16_t value) { WriteNumber(text_id::kExtractType, value); }
+std::int16_t clsPropDefault::EXTRACTTYPE() const {
+  return ReadNumber(text_id::kExtractType, "1") == 2 ? 2 : 1;
+}
+void clsPropDefault::EXTRACTTYPE(std::int16_t value) {
+  WriteNumber(text_id::kExtractType, value);
+}
 
-bool clsPropDefault::SMARTMAKEDIR() const { return ReadFlag(text_id::kSmartMakeDir, "0"); }
-void clsPropDefault::SMARTMAKEDIR(std::int16_t value) { WriteNumber(text_id::kSmartMakeDir, value); }
-bool clsPropDefault::OPENDIR() const { return ReadFlag(text_id::kOpenDir, "0"); }
-void clsPropDefault::OPENDIR(std::int16_t value) { WriteNumber(text_id::kOpenDir, value); }
+bool clsPropDefault::SMARTMAKEDIR() const {
+  return ReadFlag(text_id::kSmartMakeDir, "0");
+}
+void clsPropDefault::SMARTMAKEDIR(std::int16_t value) {
+  WriteNumber(text_id::kSmartMakeDir, value);
+}
+bool clsPropDefault::OPENDIR() const {
+  return ReadFlag(text_id::kOpenDir, "0");
+}
+void clsPropDefault::OPENDIR(std::int16_t value) {
+  WriteNumber(text_id::kOpenDir, value);
+}
 
 }  // namespace quendle

@@ -11,7 +11,9 @@
 namespace quendle {
 namespace {
 
-std::string OrElse(std::string text, const std::string& fallback) { return text.empty() ? fallback : text; }
+std::string OrElse(std::string text, const std::string& fallback) {
+  return text.empty() ? fallback : text;
+}
 
 }  // namespace
 
@@ -20,7 +22,9 @@ clsPropItem::clsPropItem(const std::string& application_folder, Fallbacks fallba
   ini_.pFileName = AddBackslash(application_folder) + LoadText(text_id::kItemsFile);
 }
 
-void clsPropItem::DelSection(const std::string& title) { ini_.DeleteSection(title); }
+void clsPropItem::DelSection(const std::string& title) {
+  ini_.DeleteSection(title);
+}
 
 std::int32_t clsPropItem::EnumSection(std::vector<std::string>* titles) const {
   const std::int32_t count = ini_.EnumSection(titles);
@@ -32,13 +36,17 @@ void clsPropItem::RenameSection(const std::string& old_title, const std::string&
   ini_.RenameSection(old_title, new_title);
 }
 
-void clsPropItem::OptimizeFile() { ini_.OptimizeFile(true); }
+void clsPropItem::OptimizeFile() {
+  ini_.OptimizeFile(true);
+}
 
 std::string clsPropItem::Read(int key, const char* fallback) const {
   return ini_.GetStr(Title, LoadText(key), fallback);
 }
 
-void clsPropItem::Write(int key, const std::string& value) { ini_.SetStr(Title, LoadText(key), value); }
+void clsPropItem::Write(int key, const std::string& value) {
+  ini_.SetStr(Title, LoadText(key), value);
+}
 
 std::int16_t clsPropItem::ReadOwn(int key, const char* fallback, std::int16_t lowest, std::int16_t highest,
                                   std::int16_t (clsPropDefault::*standard)() const) const {
@@ -54,48 +62,93 @@ bool clsPropItem::ReadOwnFlag(int key, bool (clsPropDefault::*standard)() const)
   return ID() ? ToBoolean(Read(key, "0")) : (fallbacks_.standard().*standard)();
 }
 
-std::string clsPropItem::pattern() const { return Read(text_id::kPattern, ""); }
-void clsPropItem::pattern(const std::string& value) { Write(text_id::kPattern, value); }
+std::string clsPropItem::pattern() const {
+  return Read(text_id::kPattern, "");
+}
+void clsPropItem::pattern(const std::string& value) {
+  Write(text_id::kPattern, value);
+}
 
 std::string clsPropItem::EXTRACTTO() const {
   if (Title == LoadText(text_id::kNoProfile)) {
-    return OrElse(AddBackslash(fallbacks_.test().EXTRACTTO()) + fallbacks_.target_base_name(), fallbacks_.standard().EXTRACTTO());
+    return OrElse(AddBackslash(fallbacks_.test().EXTRACTTO()) + fallbacks_.target_base_name(),
+                  fallbacks_.standard().EXTRACTTO());
   }
   return OrElse(Read(text_id::kExtractTo, ""), fallbacks_.standard().EXTRACTTO());
 }
-void clsPropItem::EXTRACTTO(const std::string& value) { Write(text_id::kExtractTo, value); }
+void clsPropItem::EXTRACTTO(const std::string& value) {
+  Write(text_id::kExtractTo, value);
+}
 
-std::string clsPropItem::MOVETO() const { return OrElse(Read(text_id::kMoveTo, ""), fallbacks_.standard().MOVETO()); }
-void clsPropItem::MOVETO(const std::string& value) { Write(text_id::kMoveTo, value); }
-std::string clsPropItem::COPYTO() const { return OrElse(Read(text_id::kCopyTo, ""), fallbacks_.standard().COPYTO()); }
-void clsPropItem::COPYTO(const std::string& value) { Write(text_id::kCopyTo, value); }
+std::string clsPropItem::MOVETO() const {
+  return OrElse(Read(text_id::kMoveTo, ""), fallbacks_.standard().MOVETO());
+}
+void clsPropItem::MOVETO(const std::string& value) {
+  Write(text_id::kMoveTo, value);
+}
+std::string clsPropItem::COPYTO() const {
+  return OrElse(Read(text_id::kCopyTo, ""), fallbacks_.standard().COPYTO());
+}
+void clsPropItem::COPYTO(const std::string& value) {
+  Write(text_id::kCopyTo, value);
+}
 
-std::string clsPropItem::INCLUDE() const { return Read(text_id::kInclude, ""); }
-void clsPropItem::INCLUDE(const std::string& value) { Write(text_id::kInclude, value); }
-std::string clsPropItem::EXCLUDE() const { return Read(text_id::kExclude, ""); }
-void clsPropItem::EXCLUDE(const std::string& value) { Write(text_id::kExclude, value); }
-std::string clsPropItem::OPENFILE() const { return Read(text_id::kOpenFile, ""); }
-void clsPropItem::OPENFILE(const std::string& value) { Write(text_id::kOpenFile, value); }
+std::string clsPropItem::INCLUDE() const {
+  return Read(text_id::kInclude, "");
+}
+void clsPropItem::INCLUDE(const std::string& value) {
+  Write(text_id::kInclude, value);
+}
+std::string clsPropItem::EXCLUDE() const {
+  return Read(text_id::kExclude, "");
+}
+void clsPropItem::EXCLUDE(const std::string& value) {
+  Write(text_id::kExclude, value);
+}
+std::string clsPropItem::OPENFILE() const {
+  return Read(text_id::kOpenFile, "");
+}
+void clsPropItem::OPENFILE(const std::string& value) {
+  Write(text_id::kOpenFile, value);
+}
 
-bool clsPropItem::ID() const { return ToBoolean(Read(text_id::kId, "0")); }
-void clsPropItem::ID(std::int16_t value) { Write(text_id::kId, std::to_string(value)); }
+bool clsPropItem::ID() const {
+  return ToBoolean(Read(text_id::kId, "0"));
+}
+void clsPropItem::ID(std::int16_t value) {
+  Write(text_id::kId, std::to_string(value));
+}
 
-std::int16_t clsPropItem::ACTION() const { return ReadOwn(text_id::kAction, "0", 0, 7, &clsPropDefault::ACTION); }
-void clsPropItem::ACTION(std::int16_t value) { Write(text_id::kAction, std::to_string(value)); }
+std::int16_t clsPropItem::ACTION() const {
+  return ReadOwn(text_id::kAction, "0", 0, 7, &clsPropDefault::ACTION);
+}
+void clsPropItem::ACTION(std::int16_t value) {
+  Write(text_id::kAction, std::to_string(value));
+}
 std::int16_t clsPropItem::SMARTRENAME() const {
   return ReadOwn(text_id::kSmartRename, "1", 1, 3, &clsPropDefault::SMARTRENAME);
 }
-void clsPropItem::SMARTRENAME(std::int16_t value) { Write(text_id::kSmartRename, std::to_string(value)); }
+void clsPropItem::SMARTRENAME(std::int16_t value) {
+  Write(text_id::kSmartRename, std::to_string(value));
+}
 std::int16_t clsPropItem::EXTRACTTYPE() const {
   return ReadOwn(text_id::kExtractType, "1", 1, 2, &clsPropDefault::EXTRACTTYPE);
 }
-void clsPropItem::EXTRACTTYPE(std::int16_t value) { Write(text_id::kExtractType, std::to_string(value)); }
+void clsPropItem::EXTRACTTYPE(std::int16_t value) {
+  Write(text_id::kExtractType, std::to_string(value));
+}
 
 bool clsPropItem::SMARTMAKEDIR() const {
   return ReadOwnFlag(text_id::kSmartMakeDir, &clsPropDefault::SMARTMAKEDIR);
 }
-void clsPropItem::SMARTMAKEDIR(std::int16_t value) { Write(text_id::kSmartMakeDir, std::to_string(value)); }
-bool clsPropItem::OPENDIR() const { return ReadOwnFlag(text_id::kOpenDir, &clsPropDefault::OPENDIR); }
-void clsPropItem::OPENDIR(std::int16_t value) { Write(text_id::kOpenDir, std::to_string(value)); }
+void clsPropItem::SMARTMAKEDIR(std::int16_t value) {
+  Write(text_id::kSmartMakeDir, std::to_string(value));
+}
+bool clsPropItem::OPENDIR() const {
+  return ReadOwnFlag(text_id::kOpenDir, &clsPropDefault::OPENDIR);
+}
+void clsPropItem::OPENDIR(std::int16_t value) {
+  Write(text_id::kOpenDir, std::to_string(value));
+}
 
 }  // namespace quendle

@@ -1,9 +1,9 @@
 // The user's profiles: one section each in items.ini, named by the profile's title.
 //
-// The object stands on one profile at a time, the one named by Title; every property reads from or writes to its
-// section at once. For its behaviour (action, rename mode, extraction mode, smart make dir, open folder) a profile
-// has values of its own or, while its ID flag is off, those of the standard settings; empty folders always fall back
-// to the standard settings.
+// The object stands on one profile at a time, the one named by Title; every property reads from or writes to
+// its section at once. For its behaviour (action, rename mode, extraction mode, smart make dir, open folder)
+// a profile has values of its own or, while its ID flag is off, those of the standard settings; empty folders
+// always fall back to the standard settings.
 #pragma once
 
 #include <cstdint>
@@ -42,37 +42,51 @@ class clsPropItem {
   std::string NEWTITLE;       // the title that the editor is to give
   std::int16_t EDITMODE = 0;  // which use of the store is going on
 
-  //                                             key            missing or empty reads as
-  std::string pattern() const;                // "Pattern"      ""
+  // Each pair of overloads below reads and writes one key of the section Title. The columns are the key and
+  // what a missing or empty key reads as ("std": the standard settings' value).
+  //
+  //   pattern       Pattern       ""   regular expression for the whole file name
+  //   EXTRACTTO     ExtractTo     std  see below
+  //   MOVETO        MoveTo        std
+  //   COPYTO        CopyTo        std
+  //   INCLUDE       Include       ""   patterns separated by ";"
+  //   EXCLUDE       Exclude       ""   patterns separated by ";"
+  //   OPENFILE      OpenFile      ""   names separated by ";"
+  //   ID            ID            0    1: the keys below count; 0: they all read as std
+  //   ACTION        Action        0    outside 0 to 7 reads as std
+  //   SMARTRENAME   SmartRename   1    outside 1 to 3 reads as std
+  //   EXTRACTTYPE   ExtractType   1    outside 1 to 2 reads as std
+  //   SMARTMAKEDIR  SmartMakeDir  0
+  //   OPENDIR       OpenDir       0
+  //
+  // EXTRACTTO of the pseudo-profile "（なし）", which stands for a file without a profile, is the folder
+  // named like the target below the test settings' folder: test folder /t and target data.zip => "/t/data".
+  std::string pattern() const;
   void pattern(const std::string& value);
-  std::string EXTRACTTO() const;              // "ExtractTo"    the standard settings'; see below
+  std::string EXTRACTTO() const;
   void EXTRACTTO(const std::string& value);
-  std::string MOVETO() const;                 // "MoveTo"       the standard settings'
+  std::string MOVETO() const;
   void MOVETO(const std::string& value);
-  std::string COPYTO() const;                 // "CopyTo"       the standard settings'
+  std::string COPYTO() const;
   void COPYTO(const std::string& value);
-  std::string INCLUDE() const;                // "Include"      ""; patterns separated by ";"
+  std::string INCLUDE() const;
   void INCLUDE(const std::string& value);
-  std::string EXCLUDE() const;                // "Exclude"      ""; patterns separated by ";"
+  std::string EXCLUDE() const;
   void EXCLUDE(const std::string& value);
-  std::string OPENFILE() const;               // "OpenFile"     ""; names separated by ";"
+  std::string OPENFILE() const;
   void OPENFILE(const std::string& value);
-  bool ID() const;                            // "ID"           off
+  bool ID() const;
   void ID(std::int16_t value);
-  // With ID on, values out of their range read as the standard settings'; with ID off all of them do.
-  std::int16_t ACTION() const;                // "Action"       0; range 0 to 7
+  std::int16_t ACTION() const;
   void ACTION(std::int16_t value);
-  std::int16_t SMARTRENAME() const;           // "SmartRename"  1; range 1 to 3
+  std::int16_t SMARTRENAME() const;
   void SMARTRENAME(std::int16_t value);
-  std::int16_t EXTRACTTYPE() const;           // "ExtractType"  1; range 1 to 2
+  std::int16_t EXTRACTTYPE() const;
   void EXTRACTTYPE(std::int16_t value);
-  bool SMARTMAKEDIR() const;                  // "SmartMakeDir" off
+  bool SMARTMAKEDIR() const;
   void SMARTMAKEDIR(std::int16_t value);
-  bool OPENDIR() const;                       // "OpenDir"      off
+  bool OPENDIR() const;
   void OPENDIR(std::int16_t value);
-
-  // EXTRACTTO of the pseudo-profile "（なし）", which stands for a file without a profile, is the folder named like
-  // the target below the test settings' folder: test folder /t and target data.zip => "/t/data".
 
   const std::string& FileName() const { return ini_.pFileName; }
 

@@ -8,7 +8,7 @@ namespace {
 constexpr PathStyle kWindows = PathStyle::kWindows;
 constexpr PathStyle kPosix = PathStyle::kPosix;
 
-TEST(ModString, SeparatorsAtTheEnd) {
+GTEST_TEST(ModString, SeparatorsAtTheEnd) {
   const struct {
     PathStyle style;
     const char* path;
@@ -35,16 +35,20 @@ TEST(ModString, SeparatorsAtTheEnd) {
   }
 }
 
-TEST(ModString, AbsolutePaths) {
+GTEST_TEST(ModString, AbsolutePaths) {
   const struct {
     PathStyle style;
     const char* path;
     const char* made;  // against the folder below; the path itself when it is absolute
   } rows[] = {
-      {kWindows, "y.txt", "C:\\in\\y.txt"}, {kWindows, "C:\\a b\\x", "C:\\a b\\x"},
-      {kWindows, "D:x", "D:x"},              {kWindows, "\\\\server\\share\\x", "\\\\server\\share\\x"},
-      {kWindows, "", "C:\\in\\"},            {kPosix, "x:y", "/in/x:y"},
-      {kPosix, "/x", "/x"},                  {kPosix, "", "/in/"},
+      {kWindows, "y.txt", "C:\\in\\y.txt"},
+      {kWindows, "C:\\a b\\x", "C:\\a b\\x"},
+      {kWindows, "D:x", "D:x"},
+      {kWindows, "\\\\server\\share\\x", "\\\\server\\share\\x"},
+      {kWindows, "", "C:\\in\\"},
+      {kPosix, "x:y", "/in/x:y"},
+      {kPosix, "/x", "/x"},
+      {kPosix, "", "/in/"},
       {kPosix, "-x", "/in/-x"},
   };
   for (const auto& row : rows) {
@@ -54,7 +58,7 @@ TEST(ModString, AbsolutePaths) {
   }
 }
 
-TEST(ModString, Splitting) {
+GTEST_TEST(ModString, Splitting) {
   const struct {
     const char* path;
     const char* folder;
@@ -62,9 +66,12 @@ TEST(ModString, Splitting) {
     const char* base;
     const char* extension;
   } rows[] = {
-      {"/a/b.txt", "/a", "b.txt", "b", "txt"}, {"/b", "", "b", "", "b"},
-      {"/a/", "/a", "", "", ""},               {"A.B.C", "", "A.B.C", "A.B", "C"},
-      {"README", "", "README", "", "README"},  {".profile", "", ".profile", "", "profile"},
+      {"/a/b.txt", "/a", "b.txt", "b", "txt"},
+      {"/b", "", "b", "", "b"},
+      {"/a/", "/a", "", "", ""},
+      {"A.B.C", "", "A.B.C", "A.B", "C"},
+      {"README", "", "README", "", "README"},
+      {".profile", "", ".profile", "", "profile"},
       {"/x.y/a.", "/x.y", "a.", "a", ""},
   };
   for (const auto& row : rows) {
@@ -79,15 +86,16 @@ TEST(ModString, Splitting) {
   EXPECT_EQ(SplitPath("C:\\a/b\\c", kWindows).folder, "C:\\a/b");
 }
 
-TEST(ModString, Quotes) {
+GTEST_TEST(ModString, Quotes) {
   const struct {
     const char* text;
     const char* quoted;
-  } rows[] = {{"", ""}, {"a b", "\"a b\""}, {"\"a", "\"a\""}, {"a\"", "\"a\""}, {"\"a\"", "\"a\""}, {"\"", "\""}};
+  } rows[] = {{"", ""},         {"a b", "\"a b\""}, {"\"a", "\"a\""},
+              {"a\"", "\"a\""}, {"\"a\"", "\"a\""}, {"\"", "\""}};
   for (const auto& row : rows) EXPECT_EQ(AddQuotes(row.text), row.quoted);
 }
 
-TEST(ModString, Blanks) {
+GTEST_TEST(ModString, Blanks) {
   const struct {
     std::string text;
     const char* trimmed;
@@ -109,7 +117,7 @@ TEST(ModString, Blanks) {
   }
 }
 
-TEST(ModString, Newlines) {
+GTEST_TEST(ModString, Newlines) {
   const struct {
     const char* text;
     const char* normal;
@@ -125,7 +133,7 @@ TEST(ModString, Newlines) {
   }
 }
 
-TEST(ModString, Existence) {
+GTEST_TEST(ModString, Existence) {
   const test::TempFolder folder;
   test::WriteFile(folder / "file", "x");
   std::filesystem::create_symlink("nowhere", folder / "dangling");
@@ -135,9 +143,14 @@ TEST(ModString, Existence) {
     bool file;
     bool is_folder;
   } rows[] = {
-      {folder / "file", true, false}, {folder.path(), false, true},        {folder / "none", false, false},
-      {folder / "link", false, true}, {folder / "dangling", true, false},  {"sh", true, false},
-      {"", false, false},             {folder / "file/below", false, false},
+      {folder / "file", true, false},
+      {folder.path(), false, true},
+      {folder / "none", false, false},
+      {folder / "link", false, true},
+      {folder / "dangling", true, false},
+      {"sh", true, false},
+      {"", false, false},
+      {folder / "file/below", false, false},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(FileExists(row.path), row.file) << row.path;

@@ -9,7 +9,7 @@ namespace {
 
 using Strings = std::vector<std::string>;
 
-TEST(ModSystem, Sorting) {
+GTEST_TEST(ModSystem, Sorting) {
   const struct {
     Strings input;
     std::int32_t lowest;
@@ -32,7 +32,7 @@ TEST(ModSystem, Sorting) {
 }
 
 // Names chosen so that a quicksort around the middle element degrades, and its recursion with it.
-TEST(ModSystem, SortingHostileInputStaysShallow) {
+GTEST_TEST(ModSystem, SortingHostileInputStaysShallow) {
   constexpr std::int32_t kCount = 200'000;
   Strings organ_pipe;
   for (std::int32_t i = 0; i < kCount; ++i) organ_pipe.push_back(std::to_string(std::min(i, kCount - i)));
@@ -43,16 +43,17 @@ TEST(ModSystem, SortingHostileInputStaysShallow) {
   }
 }
 
-TEST(ModSystem, Conversions) {
+GTEST_TEST(ModSystem, Conversions) {
   const struct {
     const char* text;
     bool flag;
     bool is_number;
     double number;
   } rows[] = {
-      {"1", true, true, 1},     {"-1", true, true, -1}, {"0", false, true, 0},      {"0.5", true, true, 0.5},
-      {" 3 ", true, true, 3},   {"+2", true, true, 2},  {"1e2", true, true, 100},   {"True", true, false, 0},
-      {"FALSE", false, false, 0}, {"yes", false, false, 0}, {"", false, false, 0}, {"1x", false, false, 0},
+      {"1", true, true, 1},     {"-1", true, true, -1},   {"0", false, true, 0},
+      {"0.5", true, true, 0.5}, {" 3 ", true, true, 3},   {"+2", true, true, 2},
+      {"1e2", true, true, 100}, {"True", true, false, 0}, {"FALSE", false, false, 0},
+      {"yes", false, false, 0}, {"", false, false, 0},    {"1x", false, false, 0},
       {"nan", false, false, 0},
   };
   for (const auto& row : rows) {
@@ -64,7 +65,7 @@ TEST(ModSystem, Conversions) {
   }
 }
 
-TEST(ModSystem, CommandLines) {
+GTEST_TEST(ModSystem, CommandLines) {
   const struct {
     const char* text;
     Strings arguments;  // from 1 on
@@ -85,7 +86,7 @@ TEST(ModSystem, CommandLines) {
   }
 }
 
-TEST(ModSystem, NestedFolders) {
+GTEST_TEST(ModSystem, NestedFolders) {
   const test::TempFolder folder;
   test::WriteFile(folder / "file", "x");
   platform::Result why;

@@ -5,7 +5,7 @@
 namespace quendle {
 namespace {
 
-TEST(Regex, WholeNames) {
+GTEST_TEST(Regex, WholeNames) {
   constexpr RegexAnswer kWhole = RegexAnswer::kWhole;
   constexpr RegexAnswer kNotWhole = RegexAnswer::kNotWhole;
   constexpr RegexAnswer kError = RegexAnswer::kError;
@@ -30,7 +30,7 @@ TEST(Regex, WholeNames) {
       {"A[]", "A", kNotWhole},
       {"\\u0041\\x42", "AB", kWhole},
       {"(?:(X)|A)\\1", "A", kWhole},  // a group that took no part matches empty
-      {"\\d+", "１２", kNotWhole},   // digits and word characters are those of ASCII
+      {"\\d+", "１２", kNotWhole},    // digits and word characters are those of ASCII
       {"(?<=A)B", "B", kNotWhole},
       {"(", "A", kError},
       {"[z-a]", "A", kError},
@@ -44,7 +44,7 @@ TEST(Regex, WholeNames) {
   }
 }
 
-TEST(Regex, RunawayPatternsEndSoon) {
+GTEST_TEST(Regex, RunawayPatternsEndSoon) {
   const std::string as(255, 'A');
   for (const char* pattern : {"(a+)+\\d", "(a|aa)+!", "(.*.*.*.*.*.*)*!", "(a*)*b", "((a+)+)+$!"}) {
     const Regex regex(pattern);

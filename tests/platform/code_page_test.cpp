@@ -7,7 +7,7 @@
 namespace quendle::platform {
 namespace {
 
-TEST(CodePage, DecodesAndEncodes) {
+GTEST_TEST(CodePage, DecodesAndEncodes) {
   const struct {
     std::string bytes;
     std::string text;
@@ -32,13 +32,13 @@ TEST(CodePage, DecodesAndEncodes) {
   }
 }
 
-TEST(CodePage, RefusesWhatWouldComeBackDifferent) {
+GTEST_TEST(CodePage, RefusesWhatWouldComeBackDifferent) {
   for (const char* text : {"é", "a\u00A5", "\u203E", "\u301C", "😀", "한", "\uFEFF", "表\xFF", "\uEF95\\"}) {
     EXPECT_EQ(AnsiFromText(text), std::nullopt) << text;
   }
 }
 
-TEST(CodePage, EveryPairOfBytesComesBackAsTheSameText) {
+GTEST_TEST(CodePage, EveryPairOfBytesComesBackAsTheSameText) {
   for (int first = 0; first < 0x100; ++first) {
     for (int second = 0; second < 0x100; ++second) {
       const std::string bytes = {static_cast<char>(first), static_cast<char>(second)};
@@ -51,7 +51,7 @@ TEST(CodePage, EveryPairOfBytesComesBackAsTheSameText) {
   }
 }
 
-TEST(CodePage, LongTextOutgrowsTheConversionBuffer) {
+GTEST_TEST(CodePage, LongTextOutgrowsTheConversionBuffer) {
   std::string text;
   for (int i = 0; i < 5000; ++i) text += "x表\uEFFF";
   const std::optional<std::string> bytes = AnsiFromText(text);
@@ -60,7 +60,7 @@ TEST(CodePage, LongTextOutgrowsTheConversionBuffer) {
   EXPECT_EQ(TextFromAnsi(*bytes), text);
 }
 
-TEST(CodePage, CutsBetweenCharacters) {
+GTEST_TEST(CodePage, CutsBetweenCharacters) {
   const struct {
     std::string text;
     std::size_t limit;

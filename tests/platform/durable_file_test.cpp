@@ -23,7 +23,7 @@ mode_t ModeOf(const std::string& path) {
   return stat(path.c_str(), &entry) == 0 ? entry.st_mode & 07777 : 0;
 }
 
-TEST(ReplaceFile, KeepsTheModeAndLeavesNothingElse) {
+GTEST_TEST(ReplaceFile, KeepsTheModeAndLeavesNothingElse) {
   const test::TempFolder folder;
   const mode_t mask = umask(027);
   EXPECT_TRUE(ReplaceFile(folder / "new", "one").ok());
@@ -39,7 +39,7 @@ TEST(ReplaceFile, KeepsTheModeAndLeavesNothingElse) {
   EXPECT_EQ(EntriesIn(folder.path()), 1U);
 }
 
-TEST(ReplaceFile, KeepsLinks) {
+GTEST_TEST(ReplaceFile, KeepsLinks) {
   const test::TempFolder folder;
   test::WriteFile(folder / "real/a.ini", "old");
   fs::create_symlink("real/a.ini", folder / "first");
@@ -55,7 +55,7 @@ TEST(ReplaceFile, KeepsLinks) {
   EXPECT_EQ(EntriesIn(folder / "real"), 2U);
 }
 
-TEST(ReplaceFile, RefusesWhatIsNoFile) {
+GTEST_TEST(ReplaceFile, RefusesWhatIsNoFile) {
   const test::TempFolder folder;
   fs::create_directory(folder / "folder");
   ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
@@ -84,7 +84,7 @@ TEST(ReplaceFile, RefusesWhatIsNoFile) {
 }
 
 // Rights do not bind the superuser, so a child that is nobody tries.
-TEST(ReplaceFile, RespectsRights) {
+GTEST_TEST(ReplaceFile, RespectsRights) {
   const test::TempFolder folder;
   test::WriteFile(folder / "open/locked", "old");
   test::WriteFile(folder / "closed/file", "old");
@@ -109,7 +109,7 @@ TEST(ReplaceFile, RespectsRights) {
   chmod((folder / "closed").c_str(), 0755);
 }
 
-TEST(ReadWholeFile, RefusesFilesThatWouldFillTheMemory) {
+GTEST_TEST(ReadWholeFile, RefusesFilesThatWouldFillTheMemory) {
   const test::TempFolder folder;
   test::WriteFile(folder / "sparse", "");
   fs::resize_file(folder / "sparse", std::uintmax_t{1} << 40);
@@ -117,7 +117,7 @@ TEST(ReadWholeFile, RefusesFilesThatWouldFillTheMemory) {
   EXPECT_EQ(ReadWholeFile(folder / "sparse", &bytes).code, Code::kRefused);
 }
 
-TEST(FolderLock, HoldersWaitForEachOther) {
+GTEST_TEST(FolderLock, HoldersWaitForEachOther) {
   const test::TempFolder folder;
   fs::create_directory(folder / "real");
   fs::create_symlink("real/a.ini", folder / "link");

@@ -29,7 +29,7 @@ class ScopedVariable {
   std::string old_;
 };
 
-TEST(LongPath, ResolvesDotsAndKeepsLinks) {
+GTEST_TEST(LongPath, ResolvesDotsAndKeepsLinks) {
   const test::TempFolder folder;
   const std::string root = fs::canonical(folder.path()).string();
   test::WriteFile(root + "/Docs/ Report.txt ", "x");
@@ -55,18 +55,19 @@ TEST(LongPath, ResolvesDotsAndKeepsLinks) {
   EXPECT_EQ(LongPath("."), fs::current_path().string());
 }
 
-TEST(SearchPath, SkipsTheCurrentFolderAndWhatCannotRun) {
+GTEST_TEST(SearchPath, SkipsTheCurrentFolderAndWhatCannotRun) {
   const test::TempFolder folder;
   test::WriteFile(folder / "plain/tool", "x");
   test::WriteFile(folder / "good/tool", "x");
   fs::permissions(folder / "good/tool", fs::perms::owner_all);
   fs::create_directories(folder / "folder/tool");
-  const ScopedVariable path("PATH", ".::relative:" + folder / "folder" + ":" + folder / "plain" + ":" + folder / "good");
+  const ScopedVariable path(
+      "PATH", ".::relative:" + folder / "folder" + ":" + folder / "plain" + ":" + folder / "good");
   EXPECT_EQ(FindOnSearchPath("tool"), folder / "good/tool");
   EXPECT_EQ(FindOnSearchPath("other"), "");
 }
 
-TEST(KnownFolders, FollowTheUsersSession) {
+GTEST_TEST(KnownFolders, FollowTheUsersSession) {
   const test::TempFolder home;
   const ScopedVariable home_variable("HOME", home.path());
   const ScopedVariable config("XDG_CONFIG_HOME", "relative");
@@ -80,10 +81,11 @@ TEST(KnownFolders, FollowTheUsersSession) {
   EXPECT_EQ(SettingsRoot(), "/etc/xdg");
 }
 
-TEST(Launch, StartsTheOpenerWithTheFileAsOneArgument) {
+GTEST_TEST(Launch, StartsTheOpenerWithTheFileAsOneArgument) {
   const test::TempFolder folder;
-  test::WriteFile(folder / "bin/xdg-open", "#!/bin/sh\nprintf '%s|%s' \"$#\" \"$1\" >'" + folder / "log.part" +
-                                               "' && mv '" + folder / "log.part" + "' '" + folder / "log" + "'\n");
+  test::WriteFile(folder / "bin/xdg-open", "#!/bin/sh\nprintf '%s|%s' \"$#\" \"$1\" >'" +
+                                               folder / "log.part" + "' && mv '" + folder / "log.part" +
+                                               "' '" + folder / "log" + "'\n");
   fs::permissions(folder / "bin/xdg-open", fs::perms::owner_all);
   const std::string file = folder / "a b; $(touch x).txt";
   test::WriteFile(file, "x");

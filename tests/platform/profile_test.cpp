@@ -26,7 +26,7 @@ void LetItSettle() {
   usleep(40'000);
 }
 
-TEST(ProfileLines, SplitsAtOneSeparator) {
+GTEST_TEST(ProfileLines, SplitsAtOneSeparator) {
   const struct {
     std::string text;
     std::vector<std::string_view> lines;
@@ -37,7 +37,7 @@ TEST(ProfileLines, SplitsAtOneSeparator) {
   for (const auto& row : rows) EXPECT_EQ(SplitProfileLines(row.text), row.lines) << row.text;
 }
 
-TEST(ProfileLines, HeadersAreNotTrimmed) {
+GTEST_TEST(ProfileLines, HeadersAreNotTrimmed) {
   for (const char* header : {"[a]", "[]", "[a]]", "[ソ]", "[[a]"})
     EXPECT_TRUE(IsHeaderLine(header)) << header;
   for (const char* other : {" [a]", "[a] ", "[", "]", "", "[a", ";[a]"})
@@ -46,7 +46,7 @@ TEST(ProfileLines, HeadersAreNotTrimmed) {
   EXPECT_EQ(HeaderName("[]"), "");
 }
 
-TEST(ReadProfile, FindsKeys) {
+GTEST_TEST(ReadProfile, FindsKeys) {
   const test::TempFolder folder;
   const struct {
     std::string bytes;
@@ -96,7 +96,7 @@ TEST(ReadProfile, FindsKeys) {
   EXPECT_EQ(Read(folder / "missing", "a", "k"), "<none>");
 }
 
-TEST(ReadProfile, CutsValuesBetweenCharacters) {
+GTEST_TEST(ReadProfile, CutsValuesBetweenCharacters) {
   const test::TempFolder folder;
   const std::string file = folder / "a.ini";
   std::string wide;
@@ -110,7 +110,7 @@ TEST(ReadProfile, CutsValuesBetweenCharacters) {
   EXPECT_EQ(Read(file, "a", "wide", 0), "");
 }
 
-TEST(ReadProfile, SeesWhatOthersWriteAtOnce) {
+GTEST_TEST(ReadProfile, SeesWhatOthersWriteAtOnce) {
   const test::TempFolder folder;
   const std::string file = folder / "a.ini";
   const auto write_in_place = [&file](const std::string& bytes) {
@@ -137,7 +137,7 @@ TEST(ReadProfile, SeesWhatOthersWriteAtOnce) {
   EXPECT_EQ(Read(file, "a", "k"), "<none>");
 }
 
-TEST(WriteProfile, ValuesComeBack) {
+GTEST_TEST(WriteProfile, ValuesComeBack) {
   const test::TempFolder folder;
   const std::string values[] = {"",        "plain",   " a",     "a\t",        "  ",     "\"a\"",  "'a'",
                                 "\"",      "a=b;c",   "[a]",    "C:\\表\\能", "ソ[ー]", "ｱｲｳ",    "é",
@@ -159,7 +159,7 @@ TEST(WriteProfile, ValuesComeBack) {
 }
 
 // What a write leaves behind. "Set" is section, key, value; bodies and deletions name no key.
-TEST(WriteProfile, ChangesOnlyItsLines) {
+GTEST_TEST(WriteProfile, ChangesOnlyItsLines) {
   const test::TempFolder folder;
   const char* const kDelete = "<delete>";
   const char* const kBody = "<body>";
@@ -219,7 +219,7 @@ TEST(WriteProfile, ChangesOnlyItsLines) {
   }
 }
 
-TEST(WriteProfile, RefusesWhatWouldComeBackDifferent) {
+GTEST_TEST(WriteProfile, RefusesWhatWouldComeBackDifferent) {
   const test::TempFolder folder;
   const std::string ansi = "[a]\nk=1\n";
   const std::string big_endian = "\xFE\xFF\0[\0a\0]"s;
@@ -259,7 +259,7 @@ TEST(WriteProfile, RefusesWhatWouldComeBackDifferent) {
   EXPECT_TRUE(DeleteProfileSection(folder / "none/a.ini", "a").ok());
 }
 
-TEST(WriteProfile, LeavesTheFileAloneWhenNothingChanges) {
+GTEST_TEST(WriteProfile, LeavesTheFileAloneWhenNothingChanges) {
   const test::TempFolder folder;
   const std::string file = folder / "a.ini";
   const auto inode = [&file] {
@@ -277,7 +277,7 @@ TEST(WriteProfile, LeavesTheFileAloneWhenNothingChanges) {
   EXPECT_NE(inode(), before);
 }
 
-TEST(WriteProfile, TwoProcessesLoseNothing) {
+GTEST_TEST(WriteProfile, TwoProcessesLoseNothing) {
   const test::TempFolder folder;
   test::WriteFile(folder / "real/a.ini", "");
   fs::create_symlink("real/a.ini", folder / "link.ini");
@@ -306,7 +306,7 @@ TEST(WriteProfile, TwoProcessesLoseNothing) {
   EXPECT_TRUE(fs::is_symlink(folder / "link.ini"));
 }
 
-TEST(Profile, SurvivesRandomBytes) {
+GTEST_TEST(Profile, SurvivesRandomBytes) {
   const test::TempFolder folder;
   const std::string file = folder / "a.ini";
   std::mt19937 random(20240229);

@@ -5,7 +5,7 @@ namespace {
 
 using namespace std::string_literals;
 
-TEST(Unicode, TakesValidSequencesAndSingleBytesOtherwise) {
+GTEST_TEST(Unicode, TakesValidSequencesAndSingleBytesOtherwise) {
   const struct {
     std::string text;
     bool valid;
@@ -35,12 +35,12 @@ TEST(Unicode, TakesValidSequencesAndSingleBytesOtherwise) {
   EXPECT_TRUE(IsUtf8(""));
 }
 
-TEST(Unicode, ReplacesInvalidBytesForShowing) {
+GTEST_TEST(Unicode, ReplacesInvalidBytesForShowing) {
   EXPECT_EQ(WithReplacementCharacters("a\xFF.txt"), "a\uFFFD.txt");
   EXPECT_EQ(WithReplacementCharacters("\xE8\xA1表"), "\uFFFD\uFFFD表");
 }
 
-TEST(Unicode, UpperCaseIsSimpleAndKeepsInvalidBytes) {
+GTEST_TEST(Unicode, UpperCaseIsSimpleAndKeepsInvalidBytes) {
   const struct {
     std::string text;
     std::string upper;
@@ -51,7 +51,7 @@ TEST(Unicode, UpperCaseIsSimpleAndKeepsInvalidBytes) {
   for (const auto& row : rows) EXPECT_EQ(UpperCase(row.text), row.upper);
 }
 
-TEST(Unicode, Utf16GoesBothWays) {
+GTEST_TEST(Unicode, Utf16GoesBothWays) {
   const struct {
     std::string text;
     std::string bytes;

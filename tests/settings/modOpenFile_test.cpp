@@ -12,7 +12,7 @@ namespace {
 using namespace std::string_literals;
 namespace fs = std::filesystem;
 
-TEST(ReadTextFile, DetectsUtf16ByTheFirstByte) {
+GTEST_TEST(ReadTextFile, DetectsUtf16ByTheFirstByte) {
   const test::TempFolder folder;
   const struct {
     std::string bytes;
@@ -50,7 +50,7 @@ TEST(ReadTextFile, DetectsUtf16ByTheFirstByte) {
   }
 }
 
-TEST(WriteTextFile, ReplacesPrintsAndAppends) {
+GTEST_TEST(WriteTextFile, ReplacesPrintsAndAppends) {
   const test::TempFolder folder;
   const std::string path = folder / "a.txt";
   const char* const kMissing = "<missing>";
@@ -103,7 +103,7 @@ TEST(WriteTextFile, ReplacesPrintsAndAppends) {
   }
 }
 
-TEST(WriteTextFile, TellsWhyItFailed) {
+GTEST_TEST(WriteTextFile, TellsWhyItFailed) {
   const test::TempFolder folder;
   const struct {
     std::string path;
@@ -121,7 +121,7 @@ TEST(WriteTextFile, TellsWhyItFailed) {
   }
 }
 
-TEST(GetTempFilePath, MakesOrNamesAFreeFile) {
+GTEST_TEST(GetTempFilePath, MakesOrNamesAFreeFile) {
   const test::TempFolder folder;
   std::set<std::string> made;
   for (int i = 0; i < 20; ++i) made.insert(GetTempFilePath(true, folder.path()));
@@ -141,7 +141,7 @@ TEST(GetTempFilePath, MakesOrNamesAFreeFile) {
 }
 
 // One name in 32 is taken, so that drawing is bound to meet some.
-TEST(GetTempFilePath, SkipsTakenNames) {
+GTEST_TEST(GetTempFilePath, SkipsTakenNames) {
   const test::TempFolder folder;
   for (int number = 1; number <= 1024; ++number) {
     char name[sizeof "400.tmp"];

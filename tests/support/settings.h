@@ -1,6 +1,7 @@
 // Settings files for a test, and the settings objects over them.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "settings/clsPropDefault.h"
@@ -16,14 +17,15 @@ class Settings {
                     const std::string& test_text = "")
       : standard(Write("mover.ini", standard_text), false),
         test(Write("test.ini", test_text), false),
-        profiles(Write("items.ini", items).application,
-                 {[this]() -> const clsPropDefault& { return standard; },
-                  [this]() -> const clsPropDefault& { return test; }, [this] { return target_base_name; }}) {
+        profiles(
+            Write("items.ini", items).application,
+            {[this]() -> const clsPropDefault& { return standard; },
+             [this]() -> const clsPropDefault& { return test; }, [this] { return target_base_name(); }}) {
     test.SetMode(clsPropDefault::kTestMode);
   }
 
   TempFolder folder;
-  std::string target_base_name;
+  std::function<std::string()> target_base_name = [] { return std::string("data"); };
   clsPropDefault standard;
   clsPropDefault test;
   clsPropItem profiles;

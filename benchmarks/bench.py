@@ -1,0 +1,150 @@
+"""Runs of Quendle and of the system's tools in turn, on the same data: bench.py PROGRAM."""
+
+import os
+import shutil
+import statistics
+import sys
+import tempfile
+import time
+
+PROGRAM = sys.argv[1]
+DISK = os.environ.get("BENCH_DISK", "/var/tmp")
+MEMORY = os.environ.get("BENCH_MEMORY", "/dev/shm")
+SILENT = [(os.POSIX_SPAWN_OPEN, fd, "/dev/null", os.O_RDWR, 0) for fd in (0, 1, 2)]
+
+
+def run(*command):
+    """Wall and processor seconds of one command, which must succeed."""
+    begin = time.perf_counter()
+    pid = os.posix_spawnp(command[0], command, os.environ, file_actions=SILENT)
+    _, status, usage = os.wait4(pid, 0)
+    wall = time.perf_counter() - begin
+    if status != 0:
+        sys.exit(f"{' '.join(command)} failed")
+    return wall, usage.ru_utime + usage.ru_stime
+
+
+def settings(folder, profiles):
+    os.makedirs(folder, exist_ok=True)
+    with open(os.path.join(folder, "mover.ini"), "w", newline="\r\n") as file:
+        file.write("[General]\nSmartRename=3\n")
+    shutil.copy(os.path.join(folder, "mover.ini"), os.path.join(folder, "test.ini"))
+    with open(os.path.join(folder, "items.ini"), "w", newline="\r\n") as file:
+        for title, keys in profiles.items():
+            file.write(f"[{title}]\n" + "".join(f"{key}={value}\n" for key, value in keys.items()))
+    return folder
+
+
+def profile(pattern, action, to):
+    return {"Pattern": pattern, "MoveTo": to, "CopyTo": to, "ID": 1, "Action": action, "SmartRename": 1}
+
+
+def row(what, ours, theirs, aim):
+    a, b = statistics.median(ours), statistics.median(theirs)
+    print(f"{what:<58} {a * 1000:10.1f} ms {b * 1000:10.1f} ms {a / b:6.2f}  {aim}", flush=True)
+
+
+def small_move(home):
+    inbox, out = os.path.join(home, "in"), os.path.join(home, "out")
+    os.makedirs(inbox), os.makedirs(out)
+    folder = settings(os.path.join(home, "s"), {"all": profile(".*", 2, out)})
+    file, moved = os.path.join(inbox, "f.txt"), os.path.join(out, "f.txt")
+    ours, theirs = [], []
+    for i in range(620):
+        for times, command in ((ours, (PROGRAM, "--batch", "--settings", folder, file)), (theirs, ("mv", file, out))):
+            with open(file, "w") as stream:
+                stream.write("x")
+            wall, _ = run(*command)
+            os.unlink(moved)
+            if i >= 20:
+                times.append(wall)
+    row("one small file moved / mv", ours, theirs, "at most 2")
+
+
+def make_big(path):
+    block = os.urandom(1 << 20)
+    with open(path, "wb") as file:
+        for i in range(1024):
+            file.write(i.to_bytes(8, "little") + block[8:])
+        os.fsync(file.fileno())
+
+
+def make_tree(path):
+    for i in range(10_000):
+        folder = os.path.join(path, f"d{i // 100:03}")
+        os.makedirs(folder, exist_ok=True)
+        with open(os.path.join(folder, f"file{i:05}.txt"), "w") as file:
+            file.write("small file " * (i % 200))
+    os.sync()
+
+
+def remove(path):
+    if os.path.isdir(path):
+        shutil.rmtree(path)
+    elif os.path.exists(path):
+        os.unlink(path)
+
+
+def transfers(name, make, copy_tool, rounds, aim, disk, memory):
+    """Copies and moves of one thing from each file system to the other, and moves with the tool made to sync too."""
+    for origin, target, way in ((disk, memory, "disk to memory"), (memory, disk, "memory to disk")):
+        source, out = os.path.join(origin, name), os.path.join(target, "out")
+        moved = os.path.join(out, name)
+        os.makedirs(out, exist_ok=True)
+        folder = settings(os.path.join(origin, "s"), {"c": profile(".*", 4, out)})
+        mover = settings(os.path.join(origin, "t"), {"m": profile(".*", 2, out)})
+        synced = ["sh", "-c", 'mv "$1" "$2" && sync -f "$2"', "sh", source, out]
+        cases = {
+            "copied / " + " ".join(copy_tool): ((PROGRAM, "--batch", "--settings", folder, source), (*copy_tool, source, out)),
+            "moved / mv": ((PROGRAM, "--batch", "--settings", mover, source), ("mv", source, out)),
+            "moved / mv and sync": ((PROGRAM, "--batch", "--settings", mover, source), tuple(synced)),
+        }
+        for what, commands in cases.items():
+            times = ([], [])
+            for _ in range(rounds):
+                for index, command in enumerate(commands):
+                    if not os.path.exists(source):
+                        make(source)
+                    os.sync()
+                    wall, _ = run(*command)
+                    times[index].append(wall)
+                    remove(moved)
+            row(f"{name}, {way}, {what}", *times, aim)
+        remove(source)
+
+
+def many_profiles(home):
+    file = os.path.join(home, "name12345.txt")
+    open(file, "w").close()
+    print()
+    for count in (1, 1000, 10_000, 20_000):
+        profiles = {f"profile {i:05}": profile(rf"name{i:05}.*\.(txt|pdf)", 4, "/nowhere") for i in range(count - 1)}
+        profiles["the one"] = profile(r"n.*12345.*\.txt", 4, "/nowhere")
+        if count > 12345:
+            del profiles["profile 12345"]
+        folder = settings(os.path.join(home, f"s{count}"), profiles)
+        times = [run(PROGRAM, "--dry-run", "--settings", folder, file)[1] for _ in range(11)]
+        print(f"--dry-run of one name against {count:>6} profiles: {statistics.median(times) * 1000:7.1f} ms of processor time")
+    profiles = {f"p{i:04}": profile(rf"(report|scan){i:04}_.*\.(pdf|txt)", 4, "/nowhere") for i in range(1000)}
+    folder = settings(os.path.join(home, "sq"), profiles)
+    names = os.path.join(home, "names")
+    os.makedirs(names)
+    files = [os.path.join(names, f"scan{i:04}_page.pdf") for i in range(1000)]
+    for name in files:
+        open(name, "w").close()
+    times = [run(PROGRAM, "--dry-run", "--settings", folder, *files)[0] for _ in range(5)]
+    print(f"--dry-run of 1,000 names against 1,000 profiles: {statistics.median(times) * 1000:7.1f} ms")
+
+
+def main():
+    with tempfile.TemporaryDirectory(dir=DISK) as disk, tempfile.TemporaryDirectory(dir=MEMORY) as memory:
+        if os.stat(disk).st_dev == os.stat(memory).st_dev:
+            sys.exit(f"{DISK} and {MEMORY} are one file system; set BENCH_DISK and BENCH_MEMORY")
+        print(f"{'':<58} {'Quendle':>13} {'the tool':>13} {'ratio':>6}  aim")
+        small_move(os.path.join(disk, "small"))
+        transfers("1GiB", make_big, ("cp",), 3, "at most 1.1", disk, memory)
+        transfers("10000files", make_tree, ("cp", "-a"), 5, "at most 1.2", disk, memory)
+        many_profiles(disk)
+
+
+main()

@@ -1,0 +1,166 @@
+#include "platform/copy_file_posix.h"
+
+#include <algorithm>
+#include <cerrno>
+
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include "platform/descriptor_posix.h"
+#include "platform/entry_names_posix.h"
+
+namespace quendle::platform {
+namespace {
+
+constexpr off_t kChunk = 2 << 20;     // small enough to cancel within a tenth of a second on slow disks
+constexpr off_t kBuffer = 256 << 10;  // for reading and writing; more only costs cache
+constexpr off_t kWriteBackStep = 8 << 20;
+
+class DataCopy {
+ public:
+  DataCopy(Transfer& transfer, OpenEntry from, OpenEntry to, bool sync)
+      : transfer_(transfer), from_(from), to_(to), sync_(sync) {}
+
+  Result Run(const struct stat& source) {
+    if (source.st_size > 0 && transfer_.can_clone) {
+      if (ioctl(to_.fd, FICLONE, from_.fd) == 0) return Count(source.st_size);
+      transfer_.can_clone = false;
+    }
+    constexpr off_t kBlock = 512;  // the unit of st_blocks on every Linux file system
+    return source.st_blocks * kBlock < source.st_size ? CopySparse(source.st_size)
+                                                      : CopyRange(0, source.st_size);
+  }
+
+ private:
+  Result Count(off_t bytes) {
+    return transfer_.meter.AddBytes(static_cast<std::uint64_t>(bytes)) ? Success() : Cancelled(from_.path);
+  }
+
+  // Only what is not a hole. A file system without that knowledge calls everything data.
+  Result CopySparse(off_t size) {
+    for (off_t position = 0; position < size;) {
+      off_t begin = lseek(from_.fd, position, SEEK_DATA);
+      if (begin < 0) begin = errno == ENXIO ? size : position;
+      off_t end = begin < size ? lseek(from_.fd, begin, SEEK_HOLE) : size;
+      if (end < 0) end = size;
+      begin = std::min(begin, size);
+      end = std::min(end, size);
+      Result result = Count(begin - position);
+      if (result.ok()) result = CopyRange(begin, end);
+      if (!result.ok()) return result;
+      position = end;
+    }
+    return ftruncate(to_.fd, size) == 0 ? Success() : LastSystemFailure(to_.path);
+  }
+
+  Result CopyRange(off_t position, off_t end) {
+    while (position < end) {
+      off_t copied = 0;
+      Result result = CopyChunk(position, std::min(kChunk, end - position), &copied);
+      if (result.ok()) result = Count(copied);
+      if (!result.ok()) return result;
+      position += copied;
+      StartWriteBack(position);
+    }
+    return Success();
+  }
+
+  Result CopyChunk(off_t position, off_t bytes, off_t* copied) {
+    if (transfer_.can_copy_range) {
+      off_t in = position;
+      off_t out = position;
+      const ssize_t n = Retried(
+          [&] { return copy_file_range(from_.fd, &in, to_.fd, &out, static_cast<std::size_t>(bytes), 0); });
+      if (n > 0) {
+        *copied = n;
+        return Success();
+      }
+      // It fails, or claims the end of the file, for many reasons of its own; reading and writing tell the
+      // real one.
+      transfer_.can_copy_range = false;
+    }
+    return ReadAndWrite(position, std::min(bytes, kBuffer), copied);
+  }
+
+  Result ReadAndWrite(off_t position, off_t bytes, off_t* copied) {
+    transfer_.buffer.resize(kBuffer);
+    char* data = transfer_.buffer.data();
+    const ssize_t got =
+        Retried([&] { return pread(from_.fd, data, static_cast<std::size_t>(bytes), position); });
+    if (got < 0) return LastSystemFailure(from_.path);
+    if (got == 0) return SourceChanged(from_.path);  // it became shorter
+    for (ssize_t written = 0; written < got;) {
+      const ssize_t n = Retried([&] {
+        return pwrite(to_.fd, data + written, static_cast<std::size_t>(got - written), position + written);
+      });
+      if (n < 0) return LastSystemFailure(to_.path);
+      if (n == 0) return SystemFailure(EIO, to_.path);
+      written += n;
+    }
+    *copied = got;
+    return Success();
+  }
+
+  // The final sync would otherwise wait for the whole file with the disk idle until then.
+  void StartWriteBack(off_t position) {
+    if (!sync_ || position - write_back_ < kWriteBackStep) return;
+    sync_file_range(to_.fd, write_back_, position - write_back_, SYNC_FILE_RANGE_WRITE);
+    write_back_ = position;
+  }
+
+  Transfer& transfer_;
+  OpenEntry from_;
+  OpenEntry to_;
+  bool sync_;
+  off_t write_back_ = 0;
+};
+
+// Files of the kernel have a size of 0 and content nevertheless.
+Result CheckEmpty(OpenEntry from) {
+  char byte;
+  const ssize_t n = Retried([&] { return pread(from.fd, &byte, 1, 0); });
+  if (n < 0) return LastSystemFailure(from.path);
+  return n == 0 ? Success()
+                : Failure(Code::kFailed, from.path, "the file system does not know the file's size");
+}
+
+Result CheckUnchanged(OpenEntry from, const struct stat& recorded) {
+  struct stat now;
+  if (fstat(from.fd, &now) != 0) return LastSystemFailure(from.path);
+  return IsUnchanged(recorded, now) ? Success() : SourceChanged(from.path);
+}
+
+Result CheckSize(OpenEntry to, off_t size) {
+  struct stat copy;
+  if (fstat(to.fd, &copy) != 0) return LastSystemFailure(to.path);
+  if (copy.st_size == size) return Success();
+  return Failure(Code::kFailed, to.path, "the copy has another size than the source");
+}
+
+}  // namespace
+
+Result CopyFileContent(Transfer& transfer, OpenEntry from, const struct stat& recorded, OpenEntry to,
+                       bool sync) {
+  Result result = CheckUnchanged(from, recorded);
+  if (result.ok())
+    result = recorded.st_size == 0 ? CheckEmpty(from) : DataCopy(transfer, from, to, sync).Run(recorded);
+  if (result.ok()) result = CheckSize(to, recorded.st_size);
+  if (result.ok()) result = CopyMetadata(transfer, from, recorded, to);
+  if (!result.ok()) return result;
+  if (sync && Retried([&] { return fsync(to.fd); }) != 0) return LastSystemFailure(to.path);
+  return CheckUnchanged(from, recorded);
+}
+
+Result ReadLink(int folder, const char* name, const std::string& shown, const struct stat& recorded,
+                std::string* target) {
+  target->resize(static_cast<std::size_t>(recorded.st_size) + 1);
+  const ssize_t size = readlinkat(folder, name, target->data(), target->size());
+  if (size < 0) return LastSystemFailure(shown);
+  if (size != recorded.st_size) return SourceChanged(shown);
+  target->resize(static_cast<std::size_t>(size));
+  return Success();
+}
+
+}  // namespace quendle::platform

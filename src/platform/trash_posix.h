@@ -1,0 +1,23 @@
+// The freedesktop.org trash.
+#pragma once
+
+#include <string>
+
+#include "platform/result.h"
+
+namespace quendle::platform {
+
+// Where an entry went, and what has to be undone to bring it back.
+struct TrashedEntry {
+  std::string original;
+  std::string file;
+  std::string info;
+};
+
+// Puts the entry into the trash of its own file system. On failure it is where it was.
+Result TrashEntry(const std::string& path, TrashedEntry* trashed);
+
+// Brings it back to where it was, unless that name has been taken meanwhile.
+Result RestoreTrashed(const TrashedEntry& trashed);
+
+}  // namespace quendle::platform

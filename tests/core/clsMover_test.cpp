@@ -1,0 +1,291 @@
+#include "core/clsMover.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <ctime>
+
+#include "support/run.h"
+
+namespace quendle {
+namespace {
+
+namespace fs = std::filesystem;
+using Titles = std::vector<std::string>;
+
+// Sets a file's last write to 7 November 2003, noon local time.
+void Date(const std::string& path) {
+  std::tm local = {};
+  local.tm_year = 103, local.tm_mon = 10, local.tm_mday = 7, local.tm_hour = 12, local.tm_isdst = -1;
+  const timespec times[2] = {{std::mktime(&local), 0}, {std::mktime(&local), 0}};
+  ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+}
+
+GTEST_TEST(ClsMover, CommandLinePathsAreMadeAbsolute) {
+  const test::Run run("", "", {"/a b/x.zip", "y.txt", "-z", ""});
+  const std::string here = fs::current_path().string() + "/";
+  EXPECT_EQ(run.mover->CMDLINEMAX, 4);
+  const Titles expected = {"/a b/x.zip", here + "y.txt", here + "-z", here};
+  for (std::int32_t i = 1; i <= 4; ++i) {
+    run.mover->CMDLINECURRENT = i;
+    EXPECT_EQ(run.mover->CurrentCmdLineString(), expected[static_cast<std::size_t>(i - 1)]);
+  }
+}
+
+GTEST_TEST(ClsMover, MatchesProfilesInSortedOrder) {
+  const std::string items =
+      "[z]\nPattern=.*\\.lzh\n[a]\nPattern=X\\.LZH\n[m]\nPattern=x\n[Bad]\nPattern=(\n[j]\nPattern=ﾊﾟ表.*\n";
+  const Titles all = {"", "（なし）", "a", "Bad", "j", "m", "z"};
+  const struct {
+    const char* name;
+    std::int32_t count;
+    Titles titles;
+  } rows[] = {
+      {"x.lzh", 2, {"", "（なし）", "a", "z"}}, {"X.LZH", 2, {"", "（なし）", "a", "z"}},
+      {"ax.lzh", 1, {"", "（なし）", "z"}},     {"x.txt", 0, all},
+      {"b\xFF.lzh", 1, {"", "（なし）", "z"}},  {"(", 0, all},
+  };
+  const test::TempFolder folder;
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    // "ﾊﾟ表" is not CP932 in this file, so it only shows that a strange pattern harms no other.
+    test::WriteFile(folder / row.name, "x");
+    test::Run run(items, "", {folder / row.name});
+    ASSERT_TRUE(run.mover->SetTarget());
+    EXPECT_EQ(run.mover->GetAccordantTitles(), row.titles);
+    EXPECT_EQ(run.mover->PATTERNMATCHCOUNT(), row.count);
+    EXPECT_TRUE(run.mover->CheckDupTitle("BAD"));
+    EXPECT_FALSE(run.mover->CheckDupTitle(""));
+  }
+  test::Run none("", "", {folder.path()});
+  ASSERT_TRUE(none.mover->SetTarget());
+  EXPECT_EQ(none.mover->GetAccordantTitles(), (Titles{"", "（なし）"}));
+}
+
+GTEST_TEST(ClsMover, AsksForArchiveTypesByExtensionOrSetting) {
+  const struct {
+    const char* name;
+    bool is_folder;
+    const char* check;
+    std::int16_t type;
+    int asked;
+  } rows[] = {
+      {"a.Zip", false, "0", 3, 1},  {"a.7z", false, "0", 3, 1},  {"a.tar", false, "0", 0, 0},
+      {"zip", false, "0", 3, 1},    {"a.tar", false, "1", 3, 1}, {"a.zip", true, "1", 0, 0},
+      {"a.zipx", false, "0", 0, 0}, {"a.exe", false, "0", 3, 1},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const test::TempFolder folder;
+    if (row.is_folder) {
+      fs::create_directory(folder / row.name);
+    } else {
+      test::WriteFile(folder / row.name, "x");
+    }
+    test::Run run("", std::string("[General]\nCheckArchive=") + row.check, {folder / row.name});
+    run.archiver->type = 3;
+    ASSERT_TRUE(run.mover->SetTarget());
+    run.mover->GetAccordantTitles();
+    EXPECT_EQ(run.mover->ARCHIVETYPE, row.type);
+    EXPECT_EQ(run.archiver->asked_type, row.asked);
+  }
+}
+
+GTEST_TEST(ClsMover, SmartRename) {
+  const struct {
+    const char* name;
+    std::int16_t action;
+    std::int16_t mode;
+    Titles taken;
+    const char* result;
+  } rows[] = {
+      {"report.txt", 2, 1, {"report.txt"}, "report.txt"},
+      {"report.txt", 2, 2, {}, "report_20031107.txt"},
+      {"report.txt", 4, 3, {}, "report.txt"},
+      {"report.txt", 4, 3, {"report.txt"}, "report_20031107.txt"},
+      {"report.txt", 6, 3, {"report.txt", "report_20031107.txt"}, "report_20031107_1.txt"},
+      {"report.txt", 2, 2, {"report_20031107.txt", "report_20031107_1.txt"}, "report_20031107_2.txt"},
+      {"report.txt", 2, 3, {"report.txt/"}, "report.txt"},  // a folder of the name does not count
+      {"readme", 2, 2, {}, "_20031107.readme"},
+      {"a.", 2, 2, {}, "a_20031107"},
+      {"A.B.C", 2, 2, {}, "A.B_20031107.C"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.result);
+    const test::TempFolder folder;
+    test::WriteFile(folder / row.name, "x");
+    Date(folder / row.name);
+    for (const std::string& taken : row.taken) {
+      if (taken.back() == '/') {
+        fs::create_directories(folder / "to/" + taken);
+      } else {
+        test::WriteFile(folder / "to/" + taken, "old");
+      }
+    }
+    test::Run run("", "", {folder / row.name});
+    ASSERT_TRUE(run.mover->SetTarget());
+    run.mover->ACTION = row.action;
+    run.mover->SMARTRENAME = row.mode;
+    for (const std::int16_t kind : {std::int16_t{2}, std::int16_t{4}}) {
+      EXPECT_EQ(run.mover->GetTargetPathByFolder(kind, folder / "to"), folder / "to/" + row.result);
+      EXPECT_EQ(run.mover->GetTargetPathByFolder(kind, folder / "to/"), folder / "to/" + row.result);
+    }
+    EXPECT_EQ(run.mover->GetTargetPathByFolder(1, folder / "to"), folder / "to");
+    EXPECT_EQ(run.mover->GetTargetPathByFolder(3, folder / "to"), "");
+  }
+}
+
+// A plain move into the file's own folder renames it in place; with an extraction it stays.
+GTEST_TEST(ClsMover, SmartRenameInTheOwnFolder) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "x.zip", "x");
+  Date(folder / "x.zip");
+  test::Run run("", "", {folder / "x.zip"});
+  ASSERT_TRUE(run.mover->SetTarget());
+  run.mover->SMARTRENAME = 3;
+  const char* names[] = {"x_20031107.zip", "x.zip", "x_20031107.zip", "x.zip",
+                         "x_20031107.zip", "x.zip", "x.zip",          "x.zip"};
+  for (std::int16_t action = 0; action <= 7; ++action) {
+    run.mover->ACTION = action;
+    EXPECT_EQ(run.mover->GetTargetPathByFolder(2, folder.path()), folder / names[action]) << action;
+  }
+  run.mover->DOESFOLDER = true;
+  EXPECT_EQ(run.mover->GetTargetPathByFolder(2, folder.path()), folder.path());
+}
+
+GTEST_TEST(ClsMover, ActionsRunTheirStepsInOrder) {
+  const struct {
+    std::int16_t action;
+    std::int16_t archive;
+    bool extracts;
+    bool copy_works;
+    bool result;
+    bool extract_called;
+    bool copied;
+    bool moved;
+  } rows[] = {
+      {0, 1, true, true, true, false, false, false},   {1, 1, true, true, true, true, false, false},
+      {1, 0, true, true, false, false, false, false},  {1, 1, false, true, false, true, false, false},
+      {2, 1, true, true, true, false, false, true},    {3, 1, true, true, true, true, false, true},
+      {3, 1, false, true, false, true, false, false},  {3, 0, true, true, false, false, false, false},
+      {4, 1, true, true, true, false, true, false},    {5, 1, true, true, true, true, true, false},
+      {5, 1, false, true, false, true, false, false},  {6, 1, true, true, true, false, true, true},
+      {6, 1, true, false, false, false, false, false}, {7, 1, true, true, true, true, true, true},
+      {7, 1, true, false, true, true, false, true},    {7, 1, false, true, false, true, false, false},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(std::to_string(row.action) + (row.copy_works ? "" : " with a failing copy"));
+    const test::TempFolder folder;
+    test::WriteFile(folder / "in/x.zip", "x");
+    test::WriteFile(folder / "blocked", "not a folder");
+    test::Run run("[p]\nID=1\n", "", {folder / "in/x.zip"});
+    ASSERT_TRUE(run.mover->SetTarget());
+    run.archiver->succeeds = row.extracts;
+    clsMover& mover = *run.mover;
+    mover.ACTION = row.action;
+    mover.ARCHIVETYPE = row.archive;
+    mover.EXTRACTTO = folder / "e";
+    mover.COPYTO = folder / (row.copy_works ? "c/x.zip" : "blocked/x.zip");
+    mover.MOVETO = folder / "m/x.zip";
+    const std::vector<ActionStep> plan = mover.PlanSteps(false);
+    EXPECT_TRUE(run.archiver->extracted.empty());
+    EXPECT_EQ(mover.ActionMain(), row.result);
+    EXPECT_EQ(!run.archiver->extracted.empty(), row.extract_called);
+    EXPECT_EQ(fs::exists(folder / "c/x.zip"), row.copied);
+    EXPECT_EQ(fs::exists(folder / "m/x.zip"), row.moved);
+    EXPECT_EQ(fs::exists(folder / "in/x.zip"), !row.moved);
+    ASSERT_EQ(plan.size(), mover.Steps().size());
+    for (std::size_t i = 0; i < plan.size(); ++i) {
+      EXPECT_EQ(plan[i].to, mover.Steps()[i].to);
+      EXPECT_EQ(mover.Steps()[i].error.empty(), mover.Steps()[i].result == StepResult::kDone);
+    }
+  }
+}
+
+GTEST_TEST(ClsMover, RefusesWhatCannotBeMeant) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "in/x.txt", "new");
+  test::WriteFile(folder / "in/d/y", "y");
+  test::WriteFile(folder / "taken/x.txt", "old");
+  fs::create_directories(folder / "deep/x.txt");
+  const struct {
+    const char* target;
+    std::int16_t action;
+    std::string to;
+  } rows[] = {
+      {"in/x.txt", 2, folder / "in/X.TXT"},
+      {"in/x.txt", 2, folder / "taken/x.txt"},
+      {"in/x.txt", 4, folder / "taken/x.txt"},
+      {"in/x.txt", 2, folder / "deep/x.txt"},
+      {"in/x.txt", 2, ""},
+      {"in/x.txt", 4, "relative/x.txt"},
+      {"in/x.txt", 4, folder / "in/x.txt"},
+      {"in/d", 2, folder / "in/d"},
+      {"in/d", 4, folder / "in/d/e"},
+      {"in/d", 2, folder / "taken/x.txt"},
+      {"in/d", 2, folder / "in"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(std::string(row.target) + " to " + row.to);
+    test::Run run("", "", {folder / row.target});
+    ASSERT_TRUE(run.mover->SetTarget());
+    run.mover->ACTION = row.action;
+    run.mover->MOVETO = run.mover->COPYTO = row.to;
+    EXPECT_FALSE(run.mover->ActionMain());
+    EXPECT_FALSE(run.mover->Steps().at(0).error.empty());
+    EXPECT_EQ(test::ReadFile(folder / "in/x.txt") + test::ReadFile(folder / "taken/x.txt"), "newold");
+    EXPECT_TRUE(fs::exists(folder / "in/d/y"));
+    EXPECT_TRUE(fs::is_empty(folder / "deep/x.txt"));
+  }
+}
+
+GTEST_TEST(ClsMover, FoldersGoBelowTheirDestinationWhetherItExistsOrNot) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "d/y", "y");
+  test::Run run("", "", {folder / "d"});
+  ASSERT_TRUE(run.mover->SetTarget());
+  run.mover->ACTION = 6;
+  run.mover->COPYTO = folder / "new/copies";
+  run.mover->MOVETO = folder / "moved";
+  fs::create_directory(folder / "moved");
+  EXPECT_TRUE(run.mover->ActionMain());
+  EXPECT_EQ(run.mover->Steps().at(1).to, folder / "moved/d");
+  EXPECT_TRUE(fs::exists(folder / "new/copies/d/y"));
+  EXPECT_TRUE(fs::exists(folder / "moved/d/y"));
+  EXPECT_FALSE(fs::exists(folder / "d"));
+}
+
+GTEST_TEST(ClsMover, OpensWhatWasExtracted) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "x.zip", "x");
+  test::Run run("[p]\nID=1\nAction=1\nOpenDir=1\nExtractTo=/e\nOpenFile=readme.txt; sub/b.html;;\n", "",
+                {folder / "x.zip"});
+  run.archiver->type = 1;
+  ASSERT_TRUE(run.mover->SetTarget());
+  run.mover->GetAccordantTitles();
+  run.mover->FillFromProfile("p");
+  EXPECT_TRUE(run.mover->ActionMain());
+  EXPECT_EQ(run.archiver->extracted, (Titles{folder / "x.zip" + " to /e"}));
+  EXPECT_EQ(run.user.opened_folders, (Titles{"/e"}));
+  EXPECT_EQ(run.user.opened_files, (Titles{"/e/readme.txt", "/e/sub/b.html"}));
+}
+
+GTEST_TEST(ClsMover, StandardSettingsFillTheState) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "x", "x");
+  test::Run run("", "[General]\nAction=7\nExtractTo=/e\nMoveTo=/m\nCopyTo=/c\nExtractType=1\nSmartRename=2\n",
+                {folder / "x"});
+  clsMover& mover = *run.mover;
+  ASSERT_TRUE(mover.SetTarget());
+  for (const bool is_folder : {false, true}) {
+    mover.DOESFOLDER = is_folder;
+    mover.SMARTMAKEDIR = mover.OPENDIR = true;
+    mover.SetDefaultItemData();
+    EXPECT_EQ(mover.EXTRACTTO + mover.MOVETO + mover.COPYTO, "/e/m/c");
+    EXPECT_EQ(mover.ACTION * 100 + mover.EXTRACTTYPE * 10 + mover.SMARTRENAME, is_folder ? 711 : 712);
+    EXPECT_TRUE(mover.SMARTMAKEDIR && mover.OPENDIR);
+  }
+}
+
+}  // namespace
+}  // namespace quendle

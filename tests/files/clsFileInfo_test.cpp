@@ -1,0 +1,81 @@
+#include "files/clsFileInfo.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <ctime>
+
+#include "support/temp_folder.h"
+
+namespace quendle {
+namespace {
+
+namespace fs = std::filesystem;
+
+GTEST_TEST(ClsFileInfo, PartsOfNames) {
+  const test::TempFolder folder;
+  const std::string root = fs::canonical(folder.path()).string();
+  const struct {
+    const char* name;
+    const char* base;
+    const char* extension;
+  } rows[] = {
+      {"report.txt", "report", "txt"},   {"A.B.C", "A.B", "C"}, {"README", "", "README"},
+      {".profile", "", "profile"},       {"a. ", "a", " "},     {"表.ｔxt", "表", "ｔxt"},
+      {"raw\xFF.bin", "raw\xFF", "bin"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    test::WriteFile(root + "/" + row.name, "x");
+    clsFileInfo info;
+    ASSERT_TRUE(info.SetFilename(root + "/./" + row.name));
+    EXPECT_EQ(info.pFilePathLong(), root + "/" + row.name);
+    EXPECT_EQ(info.pFolderPathLong(), root);
+    EXPECT_EQ(info.pFileNameLong(), row.name);
+    EXPECT_EQ(info.pFileNameNoExt(), row.base);
+    EXPECT_EQ(info.pFileNameExtension(), row.extension);
+  }
+}
+
+GTEST_TEST(ClsFileInfo, WhatIsNotFoundLeavesNothing) {
+  const test::TempFolder folder;
+  fs::create_directory(folder / "sub");
+  clsFileInfo info;
+  ASSERT_TRUE(info.SetFilename(folder / "sub"));
+  EXPECT_EQ(info.pFileNameLong(), "sub");
+  for (const std::string& path : {folder / "none", folder / "sub/", std::string()}) {
+    EXPECT_FALSE(info.SetFilename(path)) << path;
+    EXPECT_EQ(info.pFilePathLong() + info.pFileNameLong() + info.pFolderPathLong(), "");
+  }
+  ASSERT_TRUE(info.SetFilename("/"));
+  EXPECT_EQ(info.pFilePathLong(), "/");
+}
+
+GTEST_TEST(ClsFileInfo, TimesAreLocal) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "x", "x");
+  std::tm local = {};
+  local.tm_year = 2003 - 1900;
+  local.tm_mon = 10;
+  local.tm_mday = 7;
+  local.tm_hour = 23;
+  local.tm_min = 30;
+  local.tm_isdst = -1;
+  for (const char* zone : {"UTC0", "JST-9", "EST5"}) {
+    setenv("TZ", zone, 1);
+    tzset();
+    const timespec moment[2] = {{std::mktime(&local), 0}, {std::mktime(&local), 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, (folder / "x").c_str(), moment, 0), 0);
+    clsFileInfo info;
+    ASSERT_TRUE(info.SetFilename(folder / "x"));
+    EXPECT_EQ(info.WriteDay().year, 2003);
+    EXPECT_EQ(info.WriteDay().month, 11U);
+    EXPECT_EQ(info.WriteDay().day, 7U);
+    EXPECT_NEAR(info.pTimeWrite(), 37932 + 23.5 / 24, 1e-6) << zone;
+  }
+  unsetenv("TZ");
+  tzset();
+}
+
+}  // namespace
+}  // namespace quendle

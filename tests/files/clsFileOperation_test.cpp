@@ -1,0 +1,202 @@
+#include "files/clsFileOperation.h"
+
+#include <filesystem>
+
+#include "support/file_systems.h"
+#include "support/scripted_user.h"
+#include "support/temp_folder.h"
+
+namespace quendle {
+namespace {
+
+namespace fs = std::filesystem;
+using platform::Code;
+using test::Picture;
+using test::ReadFile;
+using test::WriteFile;
+using Answer = UserInterface::OverwriteAnswer;
+using Files = std::map<std::string, std::string>;
+
+class FileOperationClass : public testing::Test {
+ protected:
+  test::TempFolder folder_;
+  test::ScriptedUser user_;
+  clsFileOperation operation_{user_};
+};
+
+TEST_F(FileOperationClass, SettingAFlagTouchesNoOther) {
+  struct Property {
+    const char* name;
+    bool (clsFileOperation::*get)() const;
+    void (clsFileOperation::*set)(bool);
+    bool initially;
+  };
+  using Class = clsFileOperation;
+  const Property properties[] = {
+      {"RespondDialog", &Class::pRespondDialog, &Class::pRespondDialog, false},
+      {"RenameOnCollision", &Class::pRenameOnCollision, &Class::pRenameOnCollision, false},
+      {"SimpleProgress", &Class::pSimpleProgress, &Class::pSimpleProgress, false},
+      {"ConfirmMakeDir", &Class::pConfirmMakeDir, &Class::pConfirmMakeDir, true},
+      {"ShowDialog", &Class::pShowDialog, &Class::pShowProgress, true},
+      {"AllowUndo", &Class::pAllowUndo, &Class::pAllowUndo, false},
+  };
+  const auto expect_all_but = [&](const Property* changed, bool flipped) {
+    for (const Property& property : properties) {
+      const bool expected = property.initially != (flipped && &property == changed);
+      EXPECT_EQ((operation_.*property.get)(), expected) << property.name << " after " << changed->name;
+    }
+  };
+  for (const Property& property : properties) {
+    (operation_.*property.set)(!property.initially);
+    expect_all_but(&property, true);
+    (operation_.*property.set)(property.initially);
+    expect_all_but(&property, false);
+  }
+  operation_.pTarget(&operation_);
+  EXPECT_EQ(operation_.pTarget(), nullptr);
+}
+
+TEST_F(FileOperationClass, DestinationsAndMissingFolders) {
+  struct Row {
+    const char* source;
+    const char* destination;
+    const char* expected;  // where it is afterwards; empty when the folder may not be made
+    bool asks;
+  };
+  const Row rows[] = {
+      {"f", "there", "there/f", false},      {"f", "there/", "there/f", false},
+      {"f", "there/g", "there/g", false},    {"f", "new/", "new/f", true},
+      {"f", "new/er/", "new/er/f", true},    {"f", "new/er/g", "new/er/g", true},
+      {"f", "new//er//g", "new/er/g", true}, {"f", "new/", "", true},
+      {"d", "there", "there/d/x", false},    {"d/", "new/er/", "new/er/d/x", true},
+      {"d", "there/e", "there/e/x", false},
+  };
+  for (const bool is_move : {false, true}) {
+    for (const bool confirms : {true, false}) {
+      for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.source) + " to " + row.destination);
+        const bool makes = *row.expected != 0 || !confirms;
+        const std::string expected = folder_ / (*row.expected == 0 ? "new/f" : row.expected);
+        for (const char* name : {"there", "new"}) fs::remove_all(folder_ / name);
+        fs::create_directory(folder_ / "there");
+        WriteFile(folder_ / "f", "content");
+        WriteFile(folder_ / "d/x", "content");
+        operation_.pConfirmMakeDir(confirms);
+        user_.make_folder_answer = makes;
+        user_.asked_make_folder.clear();
+        const auto operation = is_move ? &clsFileOperation::mMove : &clsFileOperation::mCopy;
+        EXPECT_EQ((operation_.*operation)(folder_ / row.source, folder_ / row.destination), makes)
+            << operation_.LastFailure().reason;
+        EXPECT_EQ(operation_.LastFailure().code, makes ? Code::kOk : Code::kCancelled);
+        EXPECT_EQ(user_.asked_make_folder.size(), row.asks && confirms ? 1U : 0U);
+        EXPECT_EQ(fs::exists(expected), makes);
+        EXPECT_EQ(fs::exists(folder_ / row.source), !is_move || !makes);
+      }
+    }
+  }
+}
+
+TEST_F(FileOperationClass, FoldersMadeForNothingGoAgain) {
+  operation_.pConfirmMakeDir(false);
+  WriteFile(folder_ / "d/x", "x");
+  WriteFile(folder_ / "f", "f");
+  const Files before = Picture(folder_.path());
+  struct Row {
+    const char* source;
+    const char* destination;
+    Code code;
+  };
+  user_.on_progress = [](const platform::FileProgress&) { return false; };
+  for (const Row& row : {Row{"f", "new/er/", Code::kCancelled}, Row{"none", "new/er/", Code::kNotFound},
+                         Row{"f", "f/er/", Code::kExists}, Row{"d", "d/e/r/", Code::kCancelled}}) {
+    EXPECT_FALSE(operation_.mMove(folder_ / row.source, folder_ / row.destination));
+    EXPECT_EQ(operation_.LastFailure().code, row.code) << operation_.LastFailure().reason;
+    EXPECT_EQ(Picture(folder_.path()), before) << row.destination;
+  }
+}
+
+TEST_F(FileOperationClass, RenamesMakeNoFolders) {
+  WriteFile(folder_ / "f", "f");
+  operation_.pConfirmMakeDir(false);
+  EXPECT_FALSE(operation_.mRename(folder_ / "f", folder_ / "new/g"));
+  EXPECT_EQ(operation_.LastFailure().path, folder_ / "new");
+  fs::create_directory(folder_ / "d");
+  EXPECT_FALSE(operation_.mRename(folder_ / "f", folder_ / "d"));
+  EXPECT_EQ(operation_.LastFailure().code, Code::kIsFolder);
+  EXPECT_TRUE(operation_.mRename(folder_ / "f", folder_ / "d/g"));
+  EXPECT_TRUE(operation_.LastFailure().ok());
+  EXPECT_EQ(Picture(folder_.path()), (Files{{"d", "folder"}, {"d/g", "file f"}}));
+}
+
+TEST_F(FileOperationClass, AnswersToAllHoldForOneOperation) {
+  struct Row {
+    std::vector<Answer> answers;
+    bool responds;
+    std::size_t questions;
+    std::size_t replaced;
+  };
+  const Row rows[] = {
+      {{Answer::kYesToAll}, false, 1, 3},         {{Answer::kNoToAll}, false, 1, 0},
+      {{Answer::kYes, Answer::kNo}, false, 3, 1}, {{Answer::kNo, Answer::kYesToAll}, false, 2, 2},
+      {{Answer::kCancel}, false, 1, 0},           {{Answer::kNo}, true, 0, 3},
+  };
+  for (const Row& row : rows) {
+    operation_.pRespondDialog(row.responds);
+    user_.overwrite_answers = row.answers;
+    for (int round = 0; round < 2; ++round) {
+      for (const char* name : {"a", "b", "c"}) {
+        WriteFile(folder_ / "from/d/" + name, "new");
+        WriteFile(folder_ / "to/d/" + name, "old");
+      }
+      user_.asked_overwrite.clear();
+      EXPECT_EQ(operation_.mCopy(folder_ / "from/d", folder_ / "to"), row.replaced == 3);
+      EXPECT_EQ(user_.asked_overwrite.size(), row.questions);
+      std::size_t replaced = 0;
+      for (const char* name : {"a", "b", "c"})
+        replaced += ReadFile(folder_ / "to/d/" + name) == "new" ? 1U : 0U;
+      EXPECT_EQ(replaced, row.replaced);
+    }
+  }
+}
+
+TEST_F(FileOperationClass, DeletingAsksUnlessItCanBeUndone) {
+  struct Row {
+    bool responds, undo, answer, asks, deleted;
+  };
+  setenv("XDG_DATA_HOME", (folder_ / "data").c_str(), 1);
+  for (const Row& row : {Row{false, false, false, true, false}, Row{false, false, true, true, true},
+                         Row{true, false, false, false, true}, Row{false, true, false, false, true}}) {
+    WriteFile(folder_ / "f", "f");
+    operation_.pRespondDialog(row.responds);
+    operation_.pAllowUndo(row.undo);
+    user_.delete_answer = row.answer;
+    user_.asked_delete.clear();
+    EXPECT_EQ(operation_.mDelete(folder_ / "f"), row.deleted);
+    EXPECT_EQ(operation_.LastFailure().code, row.deleted ? Code::kOk : Code::kCancelled);
+    EXPECT_EQ(user_.asked_delete.size(), row.asks ? 1U : 0U);
+    EXPECT_EQ(fs::exists(folder_ / "f"), !row.deleted);
+    EXPECT_EQ(fs::exists(folder_ / "data/Trash/files/f"), row.undo);
+  }
+  unsetenv("XDG_DATA_HOME");
+}
+
+TEST_F(FileOperationClass, ProgressIsShownAsAskedAndEndsOnce) {
+  struct Row {
+    bool shows, simple;
+    int shown, shown_simple, ended;
+  };
+  for (const Row& row : {Row{true, false, 1, 0, 1}, Row{true, true, 0, 1, 1}, Row{false, false, 0, 0, 0}}) {
+    user_.shown_progress = user_.shown_simple_progress = user_.ended_progress = 0;
+    operation_.pShowProgress(row.shows);
+    operation_.pSimpleProgress(row.simple);
+    WriteFile(folder_ / "f", "f");
+    EXPECT_TRUE(operation_.mRename(folder_ / "f", folder_ / "g"));
+    EXPECT_EQ(user_.shown_progress, row.shown);
+    EXPECT_EQ(user_.shown_simple_progress, row.shown_simple);
+    EXPECT_EQ(user_.ended_progress, row.ended);
+    fs::remove(folder_ / "g");
+  }
+}
+
+}  // namespace
+}  // namespace quendle

@@ -1,0 +1,96 @@
+#include "settings/clsPropDefault.h"
+
+#include "support/settings.h"
+
+namespace quendle {
+namespace {
+
+GTEST_TEST(ClsPropDefault, MakesBothFilesWithTheirInitialValues) {
+  const test::TempFolder folder;
+  const clsPropDefault settings({folder / "new/app", "/dl"}, true);
+  EXPECT_TRUE(settings.CreationFailure().ok());
+  EXPECT_EQ(test::ReadFile(folder / "new/app/mover.ini"),
+            "[General]\r\nExtractTo=/dl\r\nCopyTo=/dl\r\nMoveTo=/dl\r\nAction=1\r\nAutoCompDir=1\r\n"
+            "CheckArchive=0\r\nConfirmAlways=1\r\nConfirmOverwrite=0\r\nExtractType=1\r\nSmartRename=3\r\n"
+            "SmartMakeDir=0\r\nOpenDir=1\r\nShowResult=1\r\nKeyCheck=0\r\nTest=0\r\n");
+  EXPECT_EQ(
+      test::ReadFile(folder / "new/app/test.ini"),
+      "[General]\r\nExtractTo=/dl\r\nExtractType=1\r\nSmartRename=3\r\nOpenDir=1\r\nSmartMakeDir=0\r\n");
+}
+
+GTEST_TEST(ClsPropDefault, NeverCompletesExistingFiles) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "mover.ini", "[General]\r\n");
+  const clsPropDefault settings({folder.path(), folder.path()}, true);
+  EXPECT_EQ(test::ReadFile(folder / "mover.ini"), "[General]\r\n");
+  EXPECT_TRUE(std::filesystem::exists(folder / "test.ini"));
+  EXPECT_FALSE(settings.CONFIRMALWAYS());
+  EXPECT_FALSE(settings.SHOWRESULT());
+  EXPECT_FALSE(settings.OPENDIR());
+  EXPECT_TRUE(settings.AUTOCOMPDIR());
+  EXPECT_EQ(settings.ACTION(), 1);
+  EXPECT_EQ(settings.SMARTRENAME(), 3);
+  EXPECT_EQ(settings.EXTRACTTYPE(), 1);
+  for (const std::string& destination : {settings.EXTRACTTO(), settings.MOVETO(), settings.COPYTO()}) {
+    EXPECT_EQ(destination, folder.path());
+  }
+}
+
+GTEST_TEST(ClsPropDefault, SaysWhyFilesCannotBeMade) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "file", "x");
+  const clsPropDefault settings({folder / "file/app", "/dl"}, true);
+  EXPECT_FALSE(settings.CreationFailure().ok());
+  EXPECT_NE(settings.CreationFailure().path.find(folder / "file"), std::string::npos);
+  EXPECT_EQ(settings.MOVETO(), "/dl");
+}
+
+GTEST_TEST(ClsPropDefault, ReadsOddValuesAsTheirFallbacks) {
+  const struct {
+    const char* line;
+    std::int16_t action;
+    std::int16_t rename;
+    std::int16_t type;
+    bool confirm;
+  } rows[] = {
+      {"Action=8", 1, 3, 1, false},          {"Action=6", 6, 3, 1, false},
+      {"Action=2.5", 1, 3, 1, false},        {"Action=0", 0, 3, 1, false},
+      {"Action=-1", 1, 3, 1, false},         {"action = 7 ", 7, 3, 1, false},
+      {"SmartRename=0", 1, 3, 1, false},     {"SmartRename=2", 1, 2, 1, false},
+      {"SmartRename=1.0", 1, 1, 1, false},   {"ExtractType=3", 1, 3, 1, false},
+      {"ExtractType=2", 1, 3, 2, false},     {"ConfirmAlways=-1", 1, 3, 1, true},
+      {"ConfirmAlways=yes", 1, 3, 1, false}, {"ExtractTo=", 1, 3, 1, false},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.line);
+    const test::Settings settings("", std::string("[General]\n") + row.line + "\n");
+    EXPECT_EQ(settings.standard.ACTION(), row.action);
+    EXPECT_EQ(settings.standard.SMARTRENAME(), row.rename);
+    EXPECT_EQ(settings.standard.EXTRACTTYPE(), row.type);
+    EXPECT_EQ(settings.standard.CONFIRMALWAYS(), row.confirm);
+    EXPECT_EQ(settings.standard.EXTRACTTO(), "/standard");
+  }
+}
+
+// Each property under its own key: a mix-up of two would show as a wrong neighbour.
+GTEST_TEST(ClsPropDefault, WritesEveryKey) {
+  test::Settings settings("");
+  clsPropDefault& s = settings.standard;
+  s.CONFIRMALWAYS(1), s.CHECKARCHIVE(0), s.CONFIRMOVERWRITE(1), s.SHOWRESULT(0), s.KEYCHECK(1), s.TEST(0);
+  s.AUTOCOMPDIR(0), s.FILER("/usr/bin/thunar"), s.FILERPARM("-d %1"), s.ACTION(5), s.EXTRACTTO("/e");
+  s.MOVETO("/m"), s.COPYTO("/c"), s.SMARTRENAME(2), s.EXTRACTTYPE(2), s.SMARTMAKEDIR(1), s.OPENDIR(0);
+  EXPECT_EQ(
+      test::ReadFile(settings.folder / "mover.ini"),
+      "[General]\r\nConfirmAlways=1\r\nCheckArchive=0\r\nConfirmOverwrite=1\r\nShowResult=0\r\n"
+      "KeyCheck=1\r\nTest=0\r\nAutoCompDir=0\r\nFILER=/usr/bin/thunar\r\nFILERPARM=-d %1\r\nAction=5\r\n"
+      "ExtractTo=/e\r\nMoveTo=/m\r\nCopyTo=/c\r\nSmartRename=2\r\nExtractType=2\r\nSmartMakeDir=1\r\n"
+      "OpenDir=0\r\n");
+  EXPECT_TRUE(s.CONFIRMALWAYS() && s.CONFIRMOVERWRITE() && s.KEYCHECK() && s.SMARTMAKEDIR());
+  EXPECT_FALSE(s.CHECKARCHIVE() || s.SHOWRESULT() || s.TEST() || s.AUTOCOMPDIR() || s.OPENDIR());
+  EXPECT_EQ(s.FILER() + s.FILERPARM() + s.EXTRACTTO() + s.MOVETO() + s.COPYTO(),
+            "/usr/bin/thunar-d %1/e/m/c");
+  EXPECT_DEATH(s.SetMode(3), "mode");
+}
+
+}  // namespace
+}  // namespace quendle

@@ -1,0 +1,86 @@
+#include "settings/clsPropItem.h"
+
+#include "support/settings.h"
+
+namespace quendle {
+namespace {
+
+constexpr const char* kStandard =
+    "[General]\nAction=5\nSmartRename=2\nExtractType=2\nSmartMakeDir=1\nOpenDir=1\n"
+    "MoveTo=/sm\nCopyTo=/sc\nExtractTo=/se\n";
+
+GTEST_TEST(ClsPropItem, OwnAndInheritedBehaviour) {
+  const struct {
+    const char* keys;
+    std::int16_t action;
+    std::int16_t rename;
+    std::int16_t type;
+    bool make_dir;
+  } rows[] = {
+      {"ID=0\nAction=4\nSmartRename=3\nExtractType=1\nSmartMakeDir=0", 5, 2, 2, true},
+      {"Action=4", 5, 2, 2, true},
+      {"ID=1", 0, 1, 1, false},
+      {"ID=1\nAction=4\nSmartRename=3\nExtractType=2\nSmartMakeDir=1", 4, 3, 2, true},
+      {"ID=1\nAction=9\nSmartRename=0\nExtractType=3\nSmartMakeDir=x", 5, 2, 2, false},
+      {"ID=1\nAction=0\nSmartRename=4\nExtractType=0", 0, 2, 2, false},
+      {"ID=1\nAction=x\nSmartRename=-1", 5, 2, 1, false},
+      {"ID=1\nAction=2.5\nSmartRename=1.5", 2, 2, 1, false},  // halves go to the even neighbour
+      {"ID=-1\nAction=6", 6, 1, 1, false},
+      {"ID=yes\nAction=6", 5, 2, 2, true},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.keys);
+    test::Settings settings(std::string("[p]\n") + row.keys + "\n", kStandard);
+    settings.profiles.Title = "P";
+    EXPECT_EQ(settings.profiles.ACTION(), row.action);
+    EXPECT_EQ(settings.profiles.SMARTRENAME(), row.rename);
+    EXPECT_EQ(settings.profiles.EXTRACTTYPE(), row.type);
+    EXPECT_EQ(settings.profiles.SMARTMAKEDIR(), row.make_dir);
+  }
+}
+
+GTEST_TEST(ClsPropItem, FoldersFallBack) {
+  test::Settings settings("[own]\nMoveTo=/m\nCopyTo=/c\nExtractTo=/e\n[empty]\nMoveTo=\n", kStandard,
+                          "[General]\nExtractTo=/t\n");
+  const struct {
+    const char* title;
+    const char* folders;
+  } rows[] = {
+      {"own", "/m /c /e"}, {"empty", "/sm /sc /se"}, {"", "/sm /sc /se"}, {"（なし）", "/sm /sc /t/data"}};
+  for (const auto& row : rows) {
+    settings.profiles.Title = row.title;
+    const clsPropItem& profile = settings.profiles;
+    EXPECT_EQ(profile.MOVETO() + " " + profile.COPYTO() + " " + profile.EXTRACTTO(), row.folders)
+        << row.title;
+  }
+}
+
+GTEST_TEST(ClsPropItem, ProfilesAreSortedMadeRenamedAndRemoved) {
+  test::Settings settings("stray\n[b]\nPattern=B\n\n[A]\nPattern=A\n[c]\nPattern=C");
+  clsPropItem& profiles = settings.profiles;
+  std::vector<std::string> titles;
+  EXPECT_EQ(profiles.EnumSection(&titles), 3);
+  EXPECT_EQ(titles, (std::vector<std::string>{"A", "b", "c"}));
+
+  profiles.Title = "表[1]";
+  EXPECT_EQ(profiles.pattern(), "");
+  profiles.Title = "表1";
+  profiles.pattern("能.*"), profiles.INCLUDE("i;j"), profiles.EXCLUDE("x"), profiles.OPENFILE("o.txt;p"),
+      profiles.ID(1);
+  profiles.ACTION(3), profiles.SMARTRENAME(3), profiles.EXTRACTTYPE(2), profiles.SMARTMAKEDIR(1),
+      profiles.OPENDIR(0);
+  profiles.MOVETO("/m"), profiles.COPYTO("/c"), profiles.EXTRACTTO("/e");
+  profiles.RenameSection("B", "d");
+  profiles.DelSection("a");
+  profiles.OptimizeFile();
+  EXPECT_EQ(test::ReadFile(settings.folder / "items.ini"),
+            "[c]\r\nPattern=C\r\n[d]\r\nPattern=B\r\n[\x95\x5C"
+            "1]\r\nPattern=\x94\x5C.*\r\nInclude=i;j\r\n"
+            "Exclude=x\r\nOpenFile=o.txt;p\r\nID=1\r\nAction=3\r\nSmartRename=3\r\nExtractType=2\r\n"
+            "SmartMakeDir=1\r\nOpenDir=0\r\nMoveTo=/m\r\nCopyTo=/c\r\nExtractTo=/e\r\n");
+  EXPECT_EQ(profiles.pattern() + profiles.INCLUDE() + profiles.EXCLUDE() + profiles.OPENFILE(),
+            "能.*i;jxo.txt;p");
+}
+
+}  // namespace
+}  // namespace quendle

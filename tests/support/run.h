@@ -1,0 +1,54 @@
+// A dispatcher over settings and files of a test.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/clsMover.h"
+#include "support/scripted_user.h"
+#include "support/settings.h"
+
+namespace quendle::test {
+
+// Answers for the archiver libraries, and records what it was asked to do.
+class ScriptedArchiver : public clsArchiver {
+ public:
+  std::int16_t GetArcType() override {
+    ++asked_type;
+    return type;
+  }
+  bool mExtractArchive(const std::string& destination) override {
+    extracted.push_back(pFileName + " to " + destination);
+    return succeeds;
+  }
+
+  std::int16_t type = 0;
+  bool succeeds = true;
+  int asked_type = 0;
+  std::vector<std::string> extracted;
+};
+
+class Run {
+ public:
+  Run(const std::string& items, const std::string& standard_text, std::vector<std::string> paths)
+      : settings(items, standard_text, "[General]\nExtractTo=/test\n") {
+    paths.insert(paths.begin(), "");
+    auto owned = std::make_unique<ScriptedArchiver>();
+    archiver = owned.get();
+    mover = std::make_unique<clsMover>(
+        clsMover::Environment{file_info, settings.profiles, settings.standard, settings.test, user},
+        std::move(owned), std::move(paths));
+    mover->CMDLINECURRENT = 1;
+    settings.target_base_name = [this] { return file_info.pFileNameNoExt(); };
+  }
+
+  Settings settings;
+  clsFileInfo file_info;
+  ScriptedUser user;
+  ScriptedArchiver* archiver;  // the dispatcher's
+  std::unique_ptr<clsMover> mover;
+};
+
+}  // namespace quendle::test

@@ -1,0 +1,56 @@
+// A user whose answers are preset and who records what was asked and shown.
+#pragma once
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "base/user_interface.h"
+
+namespace quendle::test {
+
+class ScriptedUser : public UserInterface {
+ public:
+  // Given in turn; the last one holds on. Without any the answer is that of nobody.
+  std::vector<OverwriteAnswer> overwrite_answers;
+  bool make_folder_answer = false;
+  bool delete_answer = false;
+  // Called with each report, when set; false cancels.
+  std::function<bool(const platform::FileProgress&)> on_progress;
+
+  std::vector<std::string> asked_overwrite;  // the existing files
+  std::vector<std::string> asked_make_folder;
+  std::vector<std::string> asked_delete;
+  std::vector<std::string> opened_folders;
+  std::vector<std::string> opened_files;
+  std::vector<bool> busy;  // each change
+  int shown_progress = 0;
+  int shown_simple_progress = 0;
+  int ended_progress = 0;
+
+  OverwriteAnswer AskOverwrite(const platform::FileVersion& existing, const platform::FileVersion&) override {
+    asked_overwrite.push_back(existing.path);
+    if (overwrite_answers.empty()) return OverwriteAnswer::kNoToAll;
+    const std::size_t turn = std::min(asked_overwrite.size(), overwrite_answers.size());
+    return overwrite_answers[turn - 1];
+  }
+  bool AskMakeFolder(const std::string& folder) override {
+    asked_make_folder.push_back(folder);
+    return make_folder_answer;
+  }
+  bool AskDelete(const std::string& path) override {
+    asked_delete.push_back(path);
+    return delete_answer;
+  }
+  bool ShowProgress(const platform::FileProgress& progress, bool simple) override {
+    ++(simple ? shown_simple_progress : shown_progress);
+    return !on_progress || on_progress(progress);
+  }
+  void EndProgress() override { ++ended_progress; }
+  void SetBusy(bool is_busy) override { busy.push_back(is_busy); }
+  void OpenFolder(const std::string& folder) override { opened_folders.push_back(folder); }
+  void OpenFile(const std::string& path, const std::string&) override { opened_files.push_back(path); }
+};
+
+}  // namespace quendle::test
