@@ -199,8 +199,9 @@ GTEST_TEST(WriteProfile, ChangesOnlyItsLines) {
       {"\xFF\xFE[\0a\0]\0\n\0\x00\xDC\n\0k\0=\0\x31"s, "a", "k", "2",
        "\xFF\xFE[\0a\0]\0\n\0\x00\xDC\n\0k\0=\0\x32\0\n\0"s},
       {"\xFF\xFE"s, "a", "k", "", "\xFF\xFE[\0a\0]\0\r\0\n\0k\0=\0\r\0\n\0"s},
-      {"\xFF\xFE\x0D\x0A[\0a\0]\0"s, "a", "k", "",
-       "\xFF\xFE\x0D\x0A[\0a\0]\0\r\0\n\0[\0a\0]\0\r\0\n\0k\0=\0\r\0\n\0"s},
+      // the bytes of a line feed across two units are none
+      {"\xFF\xFE[\0a\0]\0\n\0\x41\x0A\0\x42\n\0"s, "a", "k", "",
+       "\xFF\xFE[\0a\0]\0\n\0\x41\x0A\0\x42\n\0k\0=\0\n\0"s},
       {"x\r\n[a]\r\nk=1\r\n[b]\r\n\xFF\r\n[A]\r\n", "a", kDelete, "", "x\r\n[b]\r\n\xFF\r\n"},
       {"\xFF\xFE[\0a\0]\0"s, "A", kDelete, "", "\xFF\xFE"s},
       {"[a]\r\nk=1", "b", kDelete, "", "[a]\r\nk=1"},
