@@ -287,14 +287,14 @@ GTEST_TEST(WriteProfile, TwoProcessesLoseNothing) {
   test::WriteFile(folder / "real/a.ini", "");
   fs::create_symlink("real/a.ini", folder / "link.ini");
   const std::string names[] = {folder / "real/a.ini", folder / "link.ini"};
+  const char* const sections[] = {"s0", "s1", "s2"};
   pid_t children[2];
   for (int who = 0; who < 2; ++who) {
     children[who] = fork();
     if (children[who] != 0) continue;
     bool all = true;
     for (int i = 0; i < 200; ++i) {
-      all &= WriteProfileString(names[who], "s" + std::to_string(i % 3), std::to_string(who * 1000 + i), "v")
-                 .ok();
+      all &= WriteProfileString(names[who], sections[i % 3], std::to_string(who * 1000 + i), "v").ok();
     }
     _exit(all ? 0 : 1);
   }
@@ -305,7 +305,7 @@ GTEST_TEST(WriteProfile, TwoProcessesLoseNothing) {
   }
   for (int i = 0; i < 200; ++i) {
     for (const int key : {i, 1000 + i}) {
-      ASSERT_EQ(Read(names[0], "s" + std::to_string(i % 3), std::to_string(key)), "v") << key;
+      ASSERT_EQ(Read(names[0], sections[i % 3], std::to_string(key)), "v") << key;
     }
   }
   EXPECT_TRUE(fs::is_symlink(folder / "link.ini"));
