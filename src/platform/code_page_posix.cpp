@@ -1,6 +1,7 @@
 #include <iconv.h>
 
 #include <cerrno>
+#include <cstdint>
 
 #include "platform/code_page.h"
 #include "platform/unicode.h"
@@ -30,7 +31,7 @@ class Converter {
   Converter& operator=(const Converter&) = delete;
 
   // False on systems that keep the module in a package of its own which is not installed.
-  bool is_open() const { return handle_ != iconv_t(-1); }
+  bool is_open() const { return reinterpret_cast<std::intptr_t>(handle_) != -1; }
 
   // Appends the conversion of as much of `*input` as can be converted and takes that off it.
   void Convert(std::string_view* input, std::string* output) {
@@ -44,8 +45,7 @@ class Converter {
       error = iconv(handle_, &from, &left, &to, &space) == std::size_t(-1) ? errno : 0;
       output->append(room, static_cast<std::size_t>(to - room));
     }
-    input->remove_prefix(input->size() - left);
-    iconv(handle_, nullptr, nullptr, nullptr, nullptr);
+    input->remove_prefix(input->size() - left);  // the code page has no shift states that would need a reset
   }
 
  private:

@@ -23,15 +23,12 @@ std::string_view WithoutQuotes(std::string_view value) {
   return quoted ? value.substr(1, value.size() - 2) : value;
 }
 
-std::string DecodeFile(std::string_view bytes) {
-  if (!IsTakenForUtf16(bytes)) return TextFromAnsi(bytes);
-  if (bytes.starts_with(kUtf16LeMark)) bytes.remove_prefix(kUtf16LeMark.size());
-  return FromUtf16Le(bytes);
+// The upper half of an element of the index.
+std::uint64_t HashOf(const std::string& upper_name) {
+  return static_cast<std::uint64_t>(std::hash<std::string>()(upper_name)) << 32;
 }
 
-std::size_t HashOf(const std::string& upper_name) {
-  return std::hash<std::string>()(upper_name);
-}
+constexpr std::uint64_t kOffsetMask = 0xFFFFFFFF;
 
 }  // namespace
 
@@ -42,76 +39,42 @@ std::optional<KeyLine> ParseKeyLine(std::string_view line) {
                  WithoutQuotes(TrimBlanks(line.substr(equals_sign + 1)))};
 }
 
+std::string DecodeProfile(std::string_view bytes) {
+  if (!IsTakenForUtf16(bytes)) return TextFromAnsi(bytes);
+  if (bytes.starts_with(kUtf16LeMark)) bytes.remove_prefix(kUtf16LeMark.size());
+  return FromUtf16Le(bytes);
+}
+
 ProfileDocument::ProfileDocument(std::string_view bytes)
-    : text_(DecodeFile(bytes)), separator_(LineSeparatorOf(text_)) {
-  IndexSections();
-  std::stable_sort(sections_.begin(), sections_.end(),
-                   [](const Section& a, const Section& b) { return a.name_hash < b.name_hash; });
-}
-
-void ProfileDocument::IndexSections() {
-  const auto close_last = [this](std::size_t offset) {
-    if (sections_.empty()) return;
-    sections_.back().body_end = offset;
-    sections_.back().end_line = line_count_;
-  };
+    : text_(DecodeProfile(bytes)), separator_(LineSeparatorOf(text_)) {
   ProfileLineReader reader(text_, separator_);
-  for (std::string_view line; reader.Next(&line); ++line_count_) {
+  for (std::string_view line; reader.Next(&line);) {
     if (!IsHeaderLine(line)) continue;
-    const auto begin = static_cast<std::size_t>(line.data() - text_.data());
-    close_last(begin);
-    Section section;
-    section.name_hash = HashOf(UpperCase(HeaderName(line)));
-    section.header_begin = begin;
-    section.body_begin = std::min(begin + line.size() + separator_.size(), text_.size());
-    section.header_line = line_count_;
-    sections_.push_back(section);
+    const auto begin = static_cast<std::uint64_t>(line.data() - text_.data());
+    headers_.push_back(HashOf(UpperCase(HeaderName(line))) | begin);
   }
-  close_last(text_.size());
+  std::sort(headers_.begin(), headers_.end());
 }
 
-template <typename Visitor>
-void ProfileDocument::VisitSections(std::string_view name, Visitor visit) const {
-  const std::string upper_name = UpperCase(name);
-  const std::size_t hash = HashOf(upper_name);
-  auto section = std::lower_bound(sections_.begin(), sections_.end(), hash,
-                                  [](const Section& a, std::size_t b) { return a.name_hash < b; });
-  for (; section != sections_.end() && section->name_hash == hash; ++section) {
-    const std::string_view header = std::string_view(text_).substr(section->header_begin);
-    const std::string_view line = header.substr(0, header.find(separator_));
-    if (UpperCase(HeaderName(line)) == upper_name && !visit(*section)) return;
+std::optional<std::string_view> ProfileDocument::TextBehindHeader(std::string_view section) const {
+  const std::string upper_name = UpperCase(section);
+  const std::uint64_t hash = HashOf(upper_name);
+  auto header = std::lower_bound(headers_.begin(), headers_.end(), hash);
+  for (; header != headers_.end() && (*header & ~kOffsetMask) == hash; ++header) {
+    const std::string_view rest = std::string_view(text_).substr(*header & kOffsetMask);
+    const std::string_view line = rest.substr(0, rest.find(separator_));
+    if (UpperCase(HeaderName(line)) == upper_name) return rest.substr(line.size());
   }
-}
-
-std::vector<const ProfileDocument::Section*> ProfileDocument::FindSections(std::string_view name) const {
-  std::vector<const Section*> found;
-  VisitSections(name, [&found](const Section& section) {
-    found.push_back(&section);
-    return true;
-  });
-  return found;
-}
-
-const ProfileDocument::Section* ProfileDocument::FindSection(std::string_view name) const {
-  const Section* found = nullptr;
-  VisitSections(name, [&found](const Section& section) {
-    found = &section;
-    return false;
-  });
-  return found;
-}
-
-std::string_view ProfileDocument::BodyOf(const Section& section) const {
-  return std::string_view(text_).substr(section.body_begin, section.body_end - section.body_begin);
+  return std::nullopt;
 }
 
 std::optional<std::string_view> ProfileDocument::FindValue(std::string_view section,
                                                            std::string_view key) const {
-  const Section* found = FindSection(section);
-  if (found == nullptr) return std::nullopt;
+  const std::optional<std::string_view> text = TextBehindHeader(section);
+  if (!text) return std::nullopt;
   const std::string upper_key = UpperCase(key);
-  ProfileLineReader reader(BodyOf(*found), separator_);
-  for (std::string_view line; reader.Next(&line);) {
+  ProfileLineReader reader(*text, separator_);
+  for (std::string_view line; reader.Next(&line) && !IsHeaderLine(line);) {
     const std::optional<KeyLine> parsed = ParseKeyLine(line);
     if (parsed && UpperCase(parsed->key) == upper_key) return parsed->value;
   }

@@ -14,23 +14,30 @@ namespace {
 
 constexpr std::string_view kNewSeparator = "\r\n";
 
-// A file's bytes beside their parse: lines are found in the parse and replaced in the bytes.
+struct LineRange {
+  std::size_t first;
+  std::size_t last;  // the one behind it
+};
+
+// A file's bytes beside their text: lines are found in the text and replaced in the bytes.
 class Editor {
  public:
   explicit Editor(std::string_view bytes)
-      : bytes_(bytes), document_(bytes), is_utf16_(IsTakenForUtf16(bytes)) {
+      : bytes_(bytes), text_(DecodeProfile(bytes)), is_utf16_(IsTakenForUtf16(bytes)) {
     // Half a unit at the end reads as nothing, and would shift everything written after it by one byte.
     if (is_utf16_) bytes_.resize(bytes_.size() / 2 * 2);
-    separator_ = document_.line_count() > 1 ? document_.separator() : kNewSeparator;
+    separator_ = LineSeparatorOf(text_);
+    if (text_.find(separator_) == std::string::npos) separator_ = kNewSeparator;
     FindLines();
   }
 
-  const ProfileDocument& document() const { return document_; }
+  const std::string& text() const { return text_; }
   std::string_view separator() const { return separator_; }
+  std::size_t line_count() const { return line_begins_.size() - 1; }
 
   // Puts new lines, each with a separator at its end, in place of the lines from `first` to before `last`.
   void ReplaceLines(std::size_t first, std::size_t last, const std::vector<std::string>& lines) {
-    const bool continues_open_line = first == document_.line_count() && !EndsWithSeparator();
+    const bool continues_open_line = first == line_count() && !text_.empty() && !text_.ends_with(separator_);
     std::string text(continues_open_line ? separator_ : "");
     for (const std::string& line : lines) text.append(line).append(separator_);
     std::optional<std::string> encoded = is_utf16_ ? ToUtf16Le(text) : AnsiFromText(text);
@@ -43,12 +50,12 @@ class Editor {
     bytes_.replace(line_begins_[first], line_begins_[last] - line_begins_[first], *encoded);
   }
 
-  void RemoveSections(const std::vector<const ProfileDocument::Section*>& sections) {
+  void RemoveLines(const std::vector<LineRange>& ranges) {
     std::string kept;
     std::size_t next = 0;
-    for (const ProfileDocument::Section* section : sections) {
-      kept.append(bytes_, next, line_begins_[section->header_line] - next);
-      next = line_begins_[section->end_line];
+    for (const LineRange& range : ranges) {
+      kept.append(bytes_, next, line_begins_[range.first] - next);
+      next = line_begins_[range.last];
     }
     bytes_ = kept.append(bytes_, next);
   }
@@ -56,10 +63,6 @@ class Editor {
   std::string TakeBytes() { return std::move(bytes_); }
 
  private:
-  bool EndsWithSeparator() const {
-    return document_.text().empty() || document_.text().ends_with(document_.separator());
-  }
-
   // The code page's second bytes of characters are all above those of line breaks, so that separators can be
   // looked for in its bytes as they are.
   void FindLines() {
@@ -81,13 +84,13 @@ class Editor {
 
   // Adds an empty line in front of all others.
   void TurnIntoUtf16() {
-    bytes_ = std::string(kUtf16LeMark) + ToUtf16Le(separator_) + ToUtf16Le(document_.text());
+    bytes_ = std::string(kUtf16LeMark) + ToUtf16Le(separator_) + ToUtf16Le(text_);
     is_utf16_ = true;
     FindLines();
   }
 
   std::string bytes_;
-  ProfileDocument document_;
+  std::string text_;
   bool is_utf16_;
   std::string_view separator_;
   std::vector<std::size_t> line_begins_;
@@ -135,26 +138,36 @@ std::string KeyLineText(std::string_view key, std::string_view value) {
 }
 
 std::string HeaderText(std::string_view section) {
-  return "[" + std::string(section) + "]";
+  return std::string("[").append(section).append("]");
 }
 
-struct LineRange {
-  std::size_t first;
-  std::size_t last;
-};
+// All sections of that name, headers included.
+std::vector<LineRange> FindSections(const Editor& editor, std::string_view name) {
+  const std::string upper_name = UpperCase(name);
+  std::vector<LineRange> sections;
+  bool is_inside = false;
+  ProfileLineReader reader(editor.text(), editor.separator());
+  std::size_t number = 0;
+  for (std::string_view line; reader.Next(&line); ++number) {
+    if (!IsHeaderLine(line)) continue;
+    if (is_inside) sections.back().last = number;
+    is_inside = UpperCase(HeaderName(line)) == upper_name;
+    if (is_inside) sections.push_back({number, editor.line_count()});
+  }
+  return sections;
+}
 
 // The line of the key, or the empty range behind the last line of the section that is not blank.
-LineRange PlaceOfKey(const ProfileDocument& document, const ProfileDocument::Section& section,
-                     std::string_view key) {
+LineRange PlaceOfKey(const Editor& editor, const LineRange& section, std::string_view key) {
   const std::string upper_key = UpperCase(key);
-  std::size_t line_number = section.header_line;
-  std::size_t behind_last = line_number + 1;
-  ProfileLineReader reader(document.BodyOf(section), document.separator());
-  for (std::string_view line; reader.Next(&line);) {
-    ++line_number;
+  std::size_t behind_last = section.first + 1;
+  ProfileLineReader reader(editor.text(), editor.separator());
+  std::size_t number = 0;
+  for (std::string_view line; number < section.last && reader.Next(&line); ++number) {
+    if (number <= section.first) continue;
     const std::optional<KeyLine> parsed = ParseKeyLine(line);
-    if (parsed && UpperCase(parsed->key) == upper_key) return {line_number, line_number + 1};
-    if (line.find_first_not_of(" \t") != std::string_view::npos) behind_last = line_number + 1;
+    if (parsed && UpperCase(parsed->key) == upper_key) return {number, number + 1};
+    if (line.find_first_not_of(" \t") != std::string_view::npos) behind_last = number + 1;
   }
   return {behind_last, behind_last};
 }
@@ -182,12 +195,11 @@ Result SetKey(std::string_view section, std::string_view key, std::string_view v
   const std::string line = KeyLineText(key, value);
   if (IsHeaderLine(line)) return Refusal("the key and the value together read as a section header");
   Editor editor(*bytes);
-  const ProfileDocument& document = editor.document();
-  if (const ProfileDocument::Section* found = document.FindSection(section)) {
-    const LineRange place = PlaceOfKey(document, *found, key);
+  if (const std::vector<LineRange> found = FindSections(editor, section); !found.empty()) {
+    const LineRange place = PlaceOfKey(editor, found.front(), key);
     editor.ReplaceLines(place.first, place.last, {line});
   } else {
-    editor.ReplaceLines(document.line_count(), document.line_count(), {HeaderText(section), line});
+    editor.ReplaceLines(editor.line_count(), editor.line_count(), {HeaderText(section), line});
   }
   *bytes = editor.TakeBytes();
   return Success();
@@ -195,10 +207,10 @@ Result SetKey(std::string_view section, std::string_view key, std::string_view v
 
 Result RemoveSections(std::string_view section, std::string* bytes) {
   Editor editor(*bytes);
-  const std::vector<const ProfileDocument::Section*> found = editor.document().FindSections(section);
+  const std::vector<LineRange> found = FindSections(editor, section);
   if (found.empty()) return Success();
   if (Result check = CheckFile(*bytes); !check.ok()) return check;
-  editor.RemoveSections(found);
+  editor.RemoveLines(found);
   *bytes = editor.TakeBytes();
   return Success();
 }
@@ -210,12 +222,11 @@ Result SetBody(std::string_view section, std::string_view body, std::string* byt
   Editor editor(*bytes);
   std::vector<std::string> lines;
   if (Result split = SplitBody(body, editor.separator(), &lines); !split.ok()) return split;
-  const ProfileDocument& document = editor.document();
-  if (const ProfileDocument::Section* found = document.FindSection(section)) {
-    editor.ReplaceLines(found->header_line + 1, found->end_line, lines);
+  if (const std::vector<LineRange> found = FindSections(editor, section); !found.empty()) {
+    editor.ReplaceLines(found.front().first + 1, found.front().last, lines);
   } else {
     lines.insert(lines.begin(), HeaderText(section));
-    editor.ReplaceLines(document.line_count(), document.line_count(), lines);
+    editor.ReplaceLines(editor.line_count(), editor.line_count(), lines);
   }
   *bytes = editor.TakeBytes();
   return Success();

@@ -79,7 +79,7 @@ class ParseCache {
     clock_gettime(CLOCK_REALTIME, &now);
     std::string bytes;
     if (!ReadWholeFile(file, &bytes).ok()) return nullptr;
-    const Parse parse = std::make_shared<const ProfileDocument>(bytes);
+    Parse parse = std::make_shared<const ProfileDocument>(bytes);
     Looks after;
     const bool is_settled = before.change_time < Nanoseconds(now) - kClockStep;
     if (is_settled && LookAt(file, &after) && before == after) {
@@ -97,7 +97,7 @@ Result ChangeProfile(const std::string& file, const std::function<Result(std::st
   std::unique_ptr<FolderLock> lock;
   if (Result taken = FolderLock::Take(file, &lock); !taken.ok()) return taken;
   std::string old_bytes;
-  const Result read = ReadWholeFile(file, &old_bytes);
+  Result read = ReadWholeFile(file, &old_bytes);
   if (!read.ok() && read.code != Code::kNotFound) return read;
   std::string bytes = old_bytes;
   if (Result edited = edit(&bytes); !edited.ok()) {

@@ -97,9 +97,7 @@ std::string Assemble(const std::vector<std::string>& names, const Lines& lines) 
 }  // namespace
 
 void clsIniFile::pBUFFER(std::int32_t size) {
-  if (size == 0) {
-    buffer_ = kDefaultBuffer;
-  } else if (size < kSmallestBuffer) {
+  if (size != 0 && size < kSmallestBuffer) {
     buffer_ = kSmallestBuffer;
   } else if (size > kGreatestBuffer) {
     buffer_ = kGreatestBuffer;

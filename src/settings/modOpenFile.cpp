@@ -43,7 +43,7 @@ platform::Result AppendText(const std::string& path, const std::string& text, bo
   std::unique_ptr<platform::FolderLock> lock;
   if (platform::Result taken = platform::FolderLock::Take(path, &lock); !taken.ok()) return taken;
   std::string old;
-  const platform::Result read = platform::ReadWholeFile(path, &old);
+  platform::Result read = platform::ReadWholeFile(path, &old);
   if (!read.ok() && read.code != platform::Code::kNotFound) return read;
   return platform::ReplaceFile(path, AppendedTo(old, text, as_unicode));
 }

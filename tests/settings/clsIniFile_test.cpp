@@ -1,0 +1,232 @@
+#include "settings/clsIniFile.h"
+
+#include <filesystem>
+
+#include "support/temp_folder.h"
+
+namespace quendle {
+namespace {
+
+using namespace std::string_literals;
+
+using Texts = std::vector<std::string>;
+
+std::string Utf16(const std::string& ascii) {
+  std::string bytes = "\xFF\xFE";
+  for (const char c : ascii) bytes.append({c, '\0'});
+  return bytes;
+}
+
+class IniFile : public testing::Test {
+ protected:
+  IniFile() { ini_.pFileName = folder_ / "a.ini"; }
+
+  void Write(const std::string& bytes) { test::WriteFile(ini_.pFileName, bytes); }
+  std::string Bytes() const { return test::ReadFile(ini_.pFileName); }
+
+  test::TempFolder folder_;
+  clsIniFile ini_;
+};
+
+TEST_F(IniFile, BufferClampsAsItAlwaysDid) {
+  EXPECT_EQ(ini_.pBUFFER(), 1024);
+  const struct {
+    std::int32_t set;
+    std::int32_t read;
+  } rows[] = {{0, 1024},   {100, 256},   {-5, 256},      {1, 256},         {255, 256},      {256, 1024},
+              {300, 1024}, {5000, 1024}, {131072, 1024}, {131073, 131072}, {200000, 131072}};
+  for (const auto& row : rows) {
+    ini_.pBUFFER(row.set);
+    EXPECT_EQ(ini_.pBUFFER(), row.read) << row.set;
+  }
+}
+
+TEST_F(IniFile, BufferLimitsValues) {
+  const std::string value(2000, 'x');
+  ASSERT_TRUE(ini_.SetStr("a", "k", value));
+  EXPECT_EQ(ini_.GetStr("a", "k", "").size(), 1023U);
+  ini_.pBUFFER(1);
+  EXPECT_EQ(ini_.GetStr("a", "k", "").size(), 255U);
+  ini_.pBUFFER(200000);
+  EXPECT_EQ(ini_.GetStr("a", "k", ""), value);
+}
+
+TEST_F(IniFile, EmptyValueReadsAsTheDefault) {
+  Write("[a]\r\nk=\r\nquoted=\"\"\r\nfull=v\r\n");
+  EXPECT_EQ(ini_.GetStr("a", "k", "d"), "d");
+  EXPECT_EQ(ini_.GetStr("a", "quoted", "d"), "d");
+  EXPECT_EQ(ini_.GetStr("a", "missing", "d"), "d");
+  EXPECT_EQ(ini_.GetStr("A", "FULL", "d"), "v");
+}
+
+TEST_F(IniFile, KeepsTheLastFailure) {
+  EXPECT_FALSE(ini_.SetStr("a]", "k", "v"));
+  EXPECT_EQ(ini_.LastFailure().code, platform::Code::kRefused);
+  EXPECT_TRUE(ini_.SetStr("a", "k", "v"));
+  EXPECT_TRUE(ini_.LastFailure().ok());
+  ini_.SetSectionData("a", "[b]");
+  EXPECT_EQ(ini_.LastFailure().code, platform::Code::kRefused);
+  ini_.DeleteSection("a");
+  EXPECT_TRUE(ini_.LastFailure().ok());
+  ini_.pFileName = folder_ / "none/a.ini";
+  ini_.OptimizeFile(true);
+  EXPECT_EQ(ini_.LastFailure().code, platform::Code::kNotFound);
+}
+
+TEST_F(IniFile, EnumSectionListsHeadersInOrder) {
+  const struct {
+    std::string bytes;
+    std::int32_t count;
+    Texts names;
+  } rows[] = {
+      {"x\r\n[b]\r\n[A]\r\nk=1\r\n[b]\r\n", 3, {"b", "A", "b"}},
+      {"[a]\n[b]\n", 2, {"a", "b"}},
+      {"[a]\r[b]", 2, {"a", "b"}},
+      {"[a]\r\nk=1\n[b]\n[c]\r\n", 1, {"a"}},  // lone line feeds end no line here
+      {"[a]\r\n [b]\r\n[ c]\r\n[d] \r\n", 2, {"a", " c"}},
+      {"[\x83\x5C]\r\n[\x81\x5D\r\n[\x94\x5C]\r\n", 2, {"ソ", "能"}},
+      {Utf16("[a]\r\n[b]\r\n"), 2, {"a", "b"}},
+      {"[a]\r\n[]\r\n[b]\r\n", 3, {"a", "", "b"}},
+      {"[]\r\n[b]\r\n", 0, {""}},
+      {"[General]", 0, {""}},
+      {"k=1\r\n", 0, {""}},
+      {"", 0, {""}},
+      {"\xFE\xFF\0[\0a\0]\0\r\0\n"s, 0, {""}},
+  };
+  for (const auto& row : rows) {
+    Write(row.bytes);
+    Texts names = {"left", "over"};
+    EXPECT_EQ(ini_.EnumSection(&names), row.count) << row.bytes;
+    EXPECT_EQ(names, row.names) << row.bytes;
+  }
+}
+
+TEST_F(IniFile, ItemsAndDataOfASection) {
+  const struct {
+    std::string bytes;
+    std::string section;
+    std::int32_t count;
+    Texts items;
+    std::string data;
+  } rows[] = {
+      {"[a]\r\nk=1\r\n\r\nj=2\r\n[b]\r\nx\r\n", "a", 3, {"k=1", "", "j=2"}, "k=1\r\nj=2"},
+      {"[General]\r\nk=1\r\n", "general", 0, {""}, "k=1"},
+      {"[x]\r\ny\r\n[\x83\x86]\r\nk=1\r\n", "ユ", 2, {"k=1", ""}, "k=1"},
+      {"[a]\r\nk=1\r\nj=2\r\n", "a", 3, {"k=1", "j=2", ""}, "k=1\r\nj=2"},
+      {"[a]\r\nk=1\r\nj=2", "a", 2, {"k=1", "j=2"}, "k=1"},  // the data leave the last line out
+      {"[a]\r\nk=1\r\n[b]", "a", 2, {"k=1", "[b]"}, "k=1"},  // the items take a header that comes last
+      {"[a]\r\nk=1\r\n[b]\r\n", "a", 1, {"k=1"}, "k=1"},
+      {"[a]\r\n[b]", "a", 1, {"[b]"}, ""},
+      {"[a]\r\n[b]\r\n", "a", 0, {""}, ""},
+      {"[a]\r\n[b]", "b", 0, {""}, ""},
+      {"[a]\r\n\r\nk=1\r\n[b]\r\n", "a", 0, {""}, "k=1"},
+      {"[a]\r\nk=1\r\n[a]\r\nk=2\r\n", "a", 1, {"k=1"}, "k=1"},
+      {"[A]\r\nk=1\r\n[a]\r\nk=2\r\n", "a", 2, {"k=2", ""}, "k=1"},
+      {"[a]\r\nk=1\nj=2\r\n", "a", 2, {"k=1\nj=2", ""}, "k=1\nj=2"},
+      {"[a]\nk=1\n", "a", 2, {"k=1", ""}, "k=1"},
+      {Utf16("[a]\nk=1\n"), "a", 2, {"k=1", ""}, "k=1"},
+      {"[a]\r\nk=1\r\n", "missing", 0, {""}, ""},
+      {"[a]", "a", 0, {""}, ""},
+      {"", "", 0, {""}, ""},
+  };
+  for (const auto& row : rows) {
+    Write(row.bytes);
+    Texts items = {"left", "over"};
+    EXPECT_EQ(ini_.EnumSectionItem(row.section, &items), row.count) << row.bytes;
+    EXPECT_EQ(items, row.items) << row.bytes;
+    EXPECT_EQ(ini_.GetSectionData(row.section), row.data) << row.bytes;
+  }
+}
+
+TEST_F(IniFile, AllData) {
+  const struct {
+    std::string bytes;
+    Texts lines;
+  } rows[] = {{"", {""}},
+              {"[a]", {""}},
+              {"[a]\r\n", {"[a]", ""}},
+              {"a\rb\nc", {"a", "b\nc"}},
+              {Utf16("a\nb"), {"a", "b"}}};
+  for (const auto& row : rows) {
+    Write(row.bytes);
+    Texts lines = {"left", "over"};
+    EXPECT_EQ(ini_.GetAllDataByArray(&lines), static_cast<std::int32_t>(row.lines.size()) - 1) << row.bytes;
+    EXPECT_EQ(lines, row.lines) << row.bytes;
+  }
+  ini_.pFileName = folder_ / "missing";
+  Texts lines;
+  EXPECT_EQ(ini_.GetAllDataByArray(&lines), 0);
+  EXPECT_EQ(lines, Texts{""});
+}
+
+TEST_F(IniFile, RenameSection) {
+  const struct {
+    std::string before;
+    std::string old_name;
+    std::string new_name;
+    std::string after;
+  } rows[] = {
+      {"x\r\n[a]\r\nk = 1\r\n[A]\r\n", "A", "New", "x\r\n[New]\r\nk = 1\r\n[A]\r\n"},
+      {"[a]\n\xFFk=1\n", "a", "表", "[\x95\x5C]\r\n\xFFk=1\r\n"},
+      {"[a]\nk=1", "missing", "b", "[a]\nk=1"},
+      {"[a]", "a", "b", "[a]"},
+      {" [a]\r\n[ a]\r\n", "a", "b", " [a]\r\n[ a]\r\n"},
+      {"[\x84\x71]\r\n", "б", "x", "[x]\r\n"},
+      {Utf16("[a]\r\nk=1\r\n"), "a", "b", Utf16("[b]\r\nk=1\r\n")},
+      {"[a]\r\n", "a", "\xC3\xA9", "\xFF\xFE[\0\xE9\0]\0\r\0\n\0"s},
+      {"[a]\r\n[b]\r\n", "a", "x\r\n[y", "[a]\r\n[b]\r\n"},
+  };
+  for (const auto& row : rows) {
+    Write(row.before);
+    ini_.RenameSection(row.old_name, row.new_name);
+    EXPECT_EQ(Bytes(), row.after) << row.before;
+  }
+  EXPECT_EQ(ini_.LastFailure().code, platform::Code::kRefused) << "the last row would have made two lines";
+}
+
+TEST_F(IniFile, OptimizeFile) {
+  const struct {
+    std::string before;
+    bool sort;
+    std::string after;
+  } rows[] = {
+      {"x\r\n[b]\r\nk=1\r\n\r\n[A]\r\n\r\n;y\r\n[c]\r\n", true, "[A]\r\n;y\r\n[b]\r\nk=1\r\n[c]\r\n"},
+      {"[b]\r\nk=1\r\n\r\n[A]\r\n\xFF\r\n", false, "[b]\r\nk=1\r\n[A]\r\n\xFF\r\n"},
+      {"[b]\nk=1\n[a]\nlast=1", true, "[a]\r\nlast=1\r\n[b]\r\nk=1\r\n"},  // the open line is kept
+      {"[b]\r\n[a]", true, "[a]\r\n[b]\r\n"},
+      {"[B]\r\nk=1\r\n[a]\r\n[b]\r\nk=2\r\n", true, "[a]\r\n[B]\r\nk=1\r\n"},
+      {"[b]\r\nk=1\r\n[a]\r\n[B]\r\nk=2\r\n", false, "[b]\r\nk=1\r\n[a]\r\n"},
+      {"[b]\r\n[]\r\nk=1\r\n[a]\r\n", true, "[a]\r\n[b]\r\n[]\r\nk=1\r\n"},
+      {Utf16("[b]\r\n\r\n[a]\r\nk=1\r\n"), true, "[a]\r\nk=1\r\n[b]\r\n"},
+      {"\xFF\xFE[\0\xE9\0]\0\n\0\n\0k\0\n\0"s, true, "\xFF\xFE[\0\xE9\0]\0\r\0\n\0k\0\r\0\n\0"s},
+      {"x\r\n\r\ny\r\n", true, "x\r\n\r\ny\r\n"},
+      {"[]\r\n\r\n[a]\r\n", true, "[]\r\n\r\n[a]\r\n"},
+      {"[a]", true, "[a]"},
+      {"", true, ""},
+  };
+  for (const auto& row : rows) {
+    Write(row.before);
+    ini_.OptimizeFile(row.sort);
+    EXPECT_EQ(Bytes(), row.after) << row.before;
+    EXPECT_TRUE(ini_.LastFailure().ok());
+  }
+}
+
+TEST_F(IniFile, BothViewsSeeTheSameSections) {
+  ASSERT_TRUE(ini_.SetStr("設定ソ", "表", "C:\\能\\"));
+  ASSERT_TRUE(ini_.SetStr("b", "k", "1"));
+  ini_.SetSectionData("c", ini_.GetSectionData("設定ソ"));
+  EXPECT_EQ(ini_.GetStr("c", "表", ""), "C:\\能\\");
+  ini_.RenameSection("c", "Été");  // now the file is UTF-16
+  ini_.DeleteSection("B");
+  EXPECT_EQ(ini_.GetStr("été", "表", ""), "C:\\能\\");
+  Texts names;
+  EXPECT_EQ(ini_.EnumSection(&names), 2);
+  EXPECT_EQ(names, (Texts{"設定ソ", "Été"}));
+  ini_.DeleteSection("Été");
+  ini_.OptimizeFile(true);
+  EXPECT_EQ(Bytes(), "[\x90\xDD\x92\xE8\x83\x5C]\r\n\x95\x5C=C:\\\x94\x5C\\\r\n");
+}
+
+}  // namespace
+}  // namespace quendle
