@@ -4,5 +4,5 @@
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 install_missing python3
-build release
+build release quendle
 exec python3 "$root/benchmarks/bench.py" "$root/build/release/src/quendle"

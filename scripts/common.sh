@@ -41,12 +41,12 @@ install_missing() {
   rm -f "$log"
 }
 
-# Configures and builds a preset; silent when nothing changed, everything on a failure.
+# Configures a preset and builds a target of it, silently; prints everything on a failure.
 build() {
-  local preset=$1 log
+  local preset=$1 target=$2 log
   log=$(mktemp)
   if ! { { [ -f "$root/build/$preset/build.ninja" ] || (cd "$root" && cmake --preset "$preset"); } \
-         && cmake --build "$root/build/$preset"; } >"$log" 2>&1; then
+         && cmake --build "$root/build/$preset" --target "$target"; } >"$log" 2>&1; then
     cat "$log" >&2
     rm -f "$log"
     exit 1

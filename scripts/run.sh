@@ -4,7 +4,7 @@
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 install_missing
-build release
+build release quendle
 program=$root/build/release/src/quendle
 if [ "${1:-}" = --demo ]; then
   exec "$root/scripts/demo.sh" "$program"

@@ -9,6 +9,6 @@ if [ "${1:-}" = --sanitize ]; then
   shift
 fi
 install_missing
-build "$preset"
+build "$preset" all
 cd "$root"
 exec ctest --preset "$preset" --parallel "$(nproc)" "$@"

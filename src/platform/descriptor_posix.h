@@ -22,9 +22,12 @@ class Descriptor {
   bool ok() const { return fd_ >= 0; }
   int get() const { return fd_; }
 
+  // The file stays open, and somebody else closes it.
+  int Release() { return std::exchange(fd_, -1); }
+
   // False, with errno set, when the file system reports a late write error. Linux has closed the file all the
   // same.
-  bool Close() { return fd_ < 0 || close(std::exchange(fd_, -1)) == 0 || errno == EINTR; }
+  bool Close() { return fd_ < 0 || close(Release()) == 0 || errno == EINTR; }
 
  private:
   int fd_ = -1;

@@ -6,11 +6,11 @@
 #include <cerrno>
 #include <climits>
 #include <cstdio>
-#include <optional>
 #include <random>
-#include <utility>
 
+#include "platform/descriptor_posix.h"
 #include "platform/durable_file.h"
+#include "platform/entry_names_posix.h"
 
 namespace quendle::platform {
 namespace {
@@ -19,44 +19,6 @@ namespace {
 constexpr off_t kGreatestSize = off_t{256} << 20;
 
 constexpr int kMostLinks = 40;
-
-// Repeats a system call for as long as signals interrupt it.
-template <typename Call>
-auto Uninterrupted(Call call) {
-  decltype(call()) result = call();
-  while (result == -1 && errno == EINTR) result = call();
-  return result;
-}
-
-class Descriptor {
- public:
-  Descriptor() = default;
-  explicit Descriptor(int handle) : handle_(handle) {}
-  ~Descriptor() { Close(); }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  bool is_open() const { return handle_ >= 0; }
-  int get() const { return handle_; }
-  int Release() { return std::exchange(handle_, -1); }
-
-  // False when closing reports that what was written earlier is lost.
-  bool Close() { return !is_open() || close(Release()) == 0 || errno == EINTR; }
-
- private:
-  int handle_ = -1;
-};
-
-struct Place {
-  std::string folder;  // "." for the current one
-  std::string name;
-};
-
-Place PlaceOf(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  if (slash == std::string::npos) return {".", path};
-  return {slash == 0 ? "/" : path.substr(0, slash), path.substr(slash + 1)};
-}
 
 // Follows links in the last component, so that the answer is where the file is or, when it is missing, would
 // be.
@@ -67,7 +29,7 @@ Result FollowLinks(const std::string& path, std::string* real) {
     const ssize_t length = readlink(real->c_str(), target, sizeof target);
     if (length < 0) return errno == EINVAL || errno == ENOENT ? Success() : LastSystemFailure(path);
     const std::string_view text(target, static_cast<std::size_t>(length));
-    *real = text.starts_with('/') ? std::string(text) : PlaceOf(*real).folder + "/" + std::string(text);
+    *real = text.starts_with('/') ? std::string(text) : FolderOf(*real) + "/" + std::string(text);
   }
   return SystemFailure(ELOOP, path);
 }
@@ -79,7 +41,7 @@ Result ReadUpTo(const Descriptor& file, off_t expected, const std::string& path,
     if (filled == bytes->size()) bytes->resize(filled * 2);
     if (filled > kGreatestSize) return Failure(Code::kRefused, path, "the file is too large");
     const ssize_t got =
-        Uninterrupted([&] { return read(file.get(), bytes->data() + filled, bytes->size() - filled); });
+        Retried([&] { return read(file.get(), bytes->data() + filled, bytes->size() - filled); });
     if (got < 0) return LastSystemFailure(path);
     if (got == 0) break;
     filled += static_cast<std::size_t>(got);
@@ -91,9 +53,9 @@ Result ReadUpTo(const Descriptor& file, off_t expected, const std::string& path,
 Result ReadRegularFile(const std::string& path, std::string* bytes) {
   // Without O_NONBLOCK a pipe in the file's place would wait for a writer.
   const Descriptor file(
-      Uninterrupted([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
+      Retried([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
   struct stat entry;
-  if (!file.is_open() || fstat(file.get(), &entry) != 0) return LastSystemFailure(path);
+  if (!file.ok() || fstat(file.get(), &entry) != 0) return LastSystemFailure(path);
   if (S_ISDIR(entry.st_mode)) return SystemFailure(EISDIR, path);
   if (!S_ISREG(entry.st_mode)) return Failure(Code::kRefused, path, "not a regular file");
   if (entry.st_size > kGreatestSize) return Failure(Code::kRefused, path, "the file is too large");
@@ -114,7 +76,7 @@ Result CheckReplaceable(const std::string& real, struct stat* old, bool* exists)
 // A new file beside the one it will replace, removed again unless it has taken that one's place.
 class Replacement {
  public:
-  Replacement(int folder, const Place& place) : folder_(folder), place_(place) {}
+  Replacement(int folder, const std::string& path) : folder_(folder), path_(path) {}
   ~Replacement() {
     if (!name_.empty()) unlinkat(folder_, name_.c_str(), 0);
   }
@@ -126,61 +88,60 @@ class Replacement {
     do {
       char name[sizeof ".quendle-00000000.tmp"];
       std::snprintf(name, sizeof name, ".quendle-%08x.tmp", random());
-      const int handle = Uninterrupted(
+      const int handle = Retried(
           [&] { return openat(folder_, name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode); });
       if (handle >= 0) {
         name_ = name;
-        file_.emplace(handle);
+        file_ = Descriptor(handle);
         return Success();
       }
     } while (errno == EEXIST);
-    return LastSystemFailure(place_.folder);
+    return LastSystemFailure(FolderOf(path_));
   }
 
   Result TakeOver(const struct stat& old) {
     struct stat mine;
-    if (fstat(file_->get(), &mine) != 0) return LastSystemFailure(path());
+    if (fstat(file_.get(), &mine) != 0) return LastSystemFailure(path_);
     if ((mine.st_uid != old.st_uid || mine.st_gid != old.st_gid) &&
-        fchown(file_->get(), old.st_uid, old.st_gid) != 0 && errno != EPERM) {
-      return LastSystemFailure(path());
+        fchown(file_.get(), old.st_uid, old.st_gid) != 0 && errno != EPERM) {
+      return LastSystemFailure(path_);
     }
-    return fchmod(file_->get(), old.st_mode & 07777) == 0 ? Success() : LastSystemFailure(path());
+    return fchmod(file_.get(), old.st_mode & 07777) == 0 ? Success() : LastSystemFailure(path_);
   }
 
   Result Fill(std::string_view bytes) {
     while (!bytes.empty()) {
-      const ssize_t written = Uninterrupted([&] { return write(file_->get(), bytes.data(), bytes.size()); });
-      if (written < 0) return LastSystemFailure(path());
+      const ssize_t written = Retried([&] { return write(file_.get(), bytes.data(), bytes.size()); });
+      if (written < 0) return LastSystemFailure(path_);
       bytes.remove_prefix(static_cast<std::size_t>(written));
     }
-    const bool synced = Uninterrupted([&] { return fsync(file_->get()); }) == 0;
-    return synced && file_->Close() ? Success() : LastSystemFailure(path());
+    const bool synced = Retried([&] { return fsync(file_.get()); }) == 0;
+    return synced && file_.Close() ? Success() : LastSystemFailure(path_);
   }
 
   Result Install() {
-    if (renameat(folder_, name_.c_str(), folder_, place_.name.c_str()) != 0) return LastSystemFailure(path());
+    if (renameat(folder_, name_.c_str(), folder_, NameOf(path_).c_str()) != 0)
+      return LastSystemFailure(path_);
     name_.clear();
     return Success();
   }
 
  private:
-  // Failures name the file that was to be replaced; nobody knows the temporary one.
-  std::string path() const { return place_.folder + "/" + place_.name; }
-
   int folder_;
-  const Place& place_;
+  const std::string&
+      path_;  // of the file to be replaced; failures name it, since nobody knows the temporary one
   std::string name_;
-  std::optional<Descriptor> file_;
+  Descriptor file_;
 };
 
-Result OpenFolder(const std::string& folder, int* handle) {
-  *handle = Uninterrupted([&] { return open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
-  return *handle >= 0 ? Success() : LastSystemFailure(folder);
+Result OpenFolder(const std::string& folder, Descriptor* handle) {
+  *handle = Descriptor(Retried([&] { return open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+  return handle->ok() ? Success() : LastSystemFailure(folder);
 }
 
 // Makes the new name itself survive a crash.
 Result SyncFolder(int folder, const std::string& path) {
-  if (Uninterrupted([&] { return fsync(folder); }) == 0) return Success();
+  if (Retried([&] { return fsync(folder); }) == 0) return Success();
   if (errno == EINVAL) return Success();  // this file system does not sync folders
   Result failure = LastSystemFailure(path);
   failure.reason += "; the new content is in place but might not survive a crash";
@@ -199,30 +160,27 @@ Result ReplaceFile(const std::string& path, std::string_view bytes) {
   std::string real;
   struct stat old;
   bool exists = false;
-  int handle = -1;
+  Descriptor folder;
   Result result = FollowLinks(path, &real);
   if (result.ok()) result = CheckReplaceable(real, &old, &exists);
-  const Place place = PlaceOf(real);
-  if (result.ok()) result = OpenFolder(place.folder, &handle);
-  const Descriptor folder(handle);
+  if (result.ok()) result = OpenFolder(FolderOf(real), &folder);
   if (!result.ok()) return result;
-  Replacement replacement(handle, place);
+  Replacement replacement(folder.get(), real);
   result = replacement.Create(exists ? 0600 : 0666);
   if (result.ok() && exists) result = replacement.TakeOver(old);
   if (result.ok()) result = replacement.Fill(bytes);
   if (result.ok()) result = replacement.Install();
-  return result.ok() ? SyncFolder(handle, real) : result;
+  return result.ok() ? SyncFolder(folder.get(), real) : result;
 }
 
 Result FolderLock::Take(const std::string& path, std::unique_ptr<FolderLock>* lock) {
   std::string real;
   if (Result followed = FollowLinks(path, &real); !followed.ok()) return followed;
-  const std::string folder = PlaceOf(real).folder;
-  int handle = -1;
+  const std::string folder = FolderOf(real);
+  Descriptor handle;
   if (Result opened = OpenFolder(folder, &handle); !opened.ok()) return opened;
-  Descriptor descriptor(handle);
-  if (Uninterrupted([&] { return flock(handle, LOCK_EX); }) != 0) return LastSystemFailure(folder);
-  lock->reset(new FolderLock(descriptor.Release()));
+  if (Retried([&] { return flock(handle.get(), LOCK_EX); }) != 0) return LastSystemFailure(folder);
+  lock->reset(new FolderLock(handle.Release()));
   return Success();
 }
 

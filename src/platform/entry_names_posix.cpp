@@ -50,6 +50,11 @@ std::string NameOf(const std::string& path) {
   return path.substr(path.rfind('/') + 1);
 }
 
+std::string RealPath(const std::string& path) {
+  const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
+  return real ? real.get() : "";
+}
+
 std::string NumberedPath(const std::string& path, unsigned number, bool is_folder) {
   const std::size_t name = path.rfind('/') + 1;
   const std::size_t dot = path.rfind('.');
@@ -64,9 +69,9 @@ bool IsUnchanged(const struct stat& before, const struct stat& now) {
 }
 
 bool IsAtOrBelow(const std::string& path, const struct stat& top) {
-  const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
-  if (!real) return false;
-  for (std::string folder = real.get();; folder = FolderOf(folder)) {
+  std::string folder = RealPath(path);
+  if (folder.empty()) return false;
+  for (;; folder = FolderOf(folder)) {
     struct stat status;
     if (stat(folder.c_str(), &status) == 0 && IsSameEntry(status, top)) return true;
     if (folder == "/") return false;

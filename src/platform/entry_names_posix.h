@@ -16,6 +16,9 @@ std::string WithoutTrailingSlashes(std::string path);
 std::string FolderOf(const std::string& path);
 std::string NameOf(const std::string& path);
 
+// The path without links, "." and ".."; empty, with errno set, when it does not exist.
+std::string RealPath(const std::string& path);
+
 // "name.ext" => "name (2).ext"; folders and hidden files without another dot have no extension.
 std::string NumberedPath(const std::string& path, unsigned number, bool is_folder);
 

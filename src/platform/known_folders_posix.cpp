@@ -5,6 +5,7 @@
 #include <fstream>
 #include <memory>
 
+#include "platform/entry_names_posix.h"
 #include "platform/known_folders.h"
 #include "platform/paths.h"
 
@@ -15,11 +16,6 @@ std::string HomeFolder() {
   if (auto home = EnvironmentVariable("HOME"); home && home->front() == '/') return *home;
   const passwd* user = getpwuid(getuid());
   return user == nullptr ? "/" : user->pw_dir;
-}
-
-std::string RealPath(const char* path) {
-  const std::unique_ptr<char, void (*)(void*)> real(realpath(path, nullptr), std::free);
-  return real == nullptr ? "" : real.get();
 }
 
 // The value of XDG_DOWNLOAD_DIR="..." in user-dirs.dirs, which is either absolute or begins with $HOME/.
@@ -47,8 +43,7 @@ std::string CurrentFolder() {
 }
 
 std::string ExecutableFolder() {
-  const std::string path = RealPath("/proc/self/exe");
-  return path.substr(0, path.rfind('/'));
+  return FolderOf(RealPath("/proc/self/exe"));
 }
 
 std::string TemporaryFolder() {

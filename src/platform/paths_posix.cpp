@@ -12,15 +12,12 @@
 #include <memory>
 #include <string_view>
 
+#include "platform/entry_names_posix.h"
 #include "platform/known_folders.h"
 #include "platform/unicode.h"
 
 namespace quendle::platform {
 namespace {
-
-bool SameEntry(const struct stat& a, const struct stat& b) {
-  return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
-}
 
 std::string SwappedCase(const std::string& name) {
   std::string swapped = UpperCase(name);
@@ -37,7 +34,7 @@ std::string SwappedCase(const std::string& name) {
 std::string ListedName(const std::string& folder, const std::string& name, const struct stat& entry) {
   const std::string swapped = SwappedCase(name);
   struct stat other;
-  if (swapped == name || lstat((folder + "/" + swapped).c_str(), &other) != 0 || !SameEntry(entry, other)) {
+  if (swapped == name || lstat((folder + "/" + swapped).c_str(), &other) != 0 || !IsSameEntry(entry, other)) {
     return name;
   }
   const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(folder.empty() ? "/" : folder.c_str()), closedir);
@@ -49,12 +46,6 @@ std::string ListedName(const std::string& folder, const std::string& name, const
     if (UpperCase(listed->d_name) == wanted) found = listed->d_name;
   }
   return found;
-}
-
-// "." and ".." mean what the system makes of them, which through links is not what the text says.
-std::string WithoutDots(const std::string& path) {
-  const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
-  return real == nullptr ? "" : real.get();
 }
 
 bool IsDots(std::string_view component) {
@@ -135,14 +126,15 @@ std::string LongPath(const std::string& path) {
     end = std::min(rest.find('/', begin), rest.size());
     const std::string name = rest.substr(begin, end - begin);
     if (IsDots(name)) {
-      result = WithoutDots(result + "/" + name);
+      // They mean what the system makes of them, which through links is not what the text says.
+      result = RealPath(result + "/" + name);
       if (result.empty()) return "";
       if (result == "/") result.clear();
       continue;
     }
     struct stat entry;
     if (lstat((result + "/" + name).c_str(), &entry) != 0) return "";
-    result += "/" + ListedName(result, name, entry);
+    result.append("/").append(ListedName(result, name, entry));
   }
   return result.empty() ? "/" : result;
 }

@@ -4,7 +4,6 @@
 #include <climits>
 #include <cstdlib>
 #include <ctime>
-#include <memory>
 #include <string_view>
 
 #include <fcntl.h>
@@ -21,11 +20,6 @@ struct Trash {
   std::string folder;
   std::string top;  // where the paths in it count from; empty for absolute paths
 };
-
-std::string RealPath(const std::string& path) {
-  const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
-  return real ? real.get() : "";
-}
 
 std::string HomeTrash() {
   const char* data = std::getenv("XDG_DATA_HOME");

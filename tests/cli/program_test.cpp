@@ -113,8 +113,9 @@ GTEST_TEST(Program, OnlyTenPathsWithoutBatch) {
   WriteSettings(folder, "[T]\r\nPattern=f.*\r\nID=1\r\nAction=2\r\n");
   std::string paths;
   for (int i = 10; i <= 21; ++i) {
-    paths += " f" + std::to_string(i);
-    test::WriteFile(folder / ("f" + std::to_string(i)), "x");
+    const std::string name = std::string("f").append(std::to_string(i));
+    paths.append(" ").append(name);
+    test::WriteFile(folder / name, "x");
   }
   const Ended ended = RunProgram(folder, paths);
   EXPECT_EQ(ended.status, 1);

@@ -31,7 +31,7 @@ GTEST_TEST(ClsPropItem, OwnAndInheritedBehaviour) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.keys);
     test::Settings settings(std::string("[p]\n") + row.keys + "\n", kStandard);
-    settings.profiles.Title = "P";
+    settings.profiles.Title = std::string("P");
     EXPECT_EQ(settings.profiles.ACTION(), row.action);
     EXPECT_EQ(settings.profiles.SMARTRENAME(), row.rename);
     EXPECT_EQ(settings.profiles.EXTRACTTYPE(), row.type);
