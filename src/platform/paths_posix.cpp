@@ -134,7 +134,8 @@ std::string LongPath(const std::string& path) {
     }
     struct stat entry;
     if (lstat((result + "/" + name).c_str(), &entry) != 0) return "";
-    result.append("/").append(ListedName(result, name, entry));
+    const std::string listed = ListedName(result, name, entry);
+    result.append("/").append(listed);
   }
   return result.empty() ? "/" : result;
 }
