@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <ostream>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -28,6 +29,11 @@ struct Way {
   bool across;
   bool moves() const { return operation == &MoveEntry; }
 };
+
+// Otherwise the test's name shows the bytes of the structure.
+void PrintTo(const Way& way, std::ostream* out) {
+  *out << way.name;
+}
 
 // Every rule holds for each of these.
 class FileOperation : public testing::TestWithParam<Way> {

@@ -20,11 +20,15 @@ inline struct stat StatusOf(const std::string& path) {
   return status;
 }
 
-// A writable folder on another file system than the temporary folder's, or empty when this machine has none.
+// The top folder of another file system than the temporary folder's, in which everybody may write (some tests
+// are somebody else for a while), or empty when this machine has none.
 inline std::string OtherFileSystem() {
   const dev_t usual = StatusOf(std::filesystem::temp_directory_path().string()).st_dev;
-  for (const char* folder : {"/dev/shm", "/run", "/tmp"}) {
-    if (access(folder, W_OK) == 0 && StatusOf(folder).st_dev != usual) return folder;
+  for (const char* folder : {"/dev/shm", "/tmp", "/run"}) {
+    const struct stat status = StatusOf(folder);
+    const struct stat above = StatusOf(std::string(folder) + "/..");
+    if ((status.st_mode & S_IWOTH) != 0 && status.st_dev != usual && status.st_dev != above.st_dev)
+      return folder;
   }
   return "";
 }
