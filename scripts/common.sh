@@ -23,8 +23,8 @@ install_missing() {
   local as_root=()
   if [ "$(id -u)" -ne 0 ]; then
     if ! command -v sudo >/dev/null || ! sudo -n true 2>/dev/null; then
-      echo "packages are missing; run this line and start again:" >&2
-      echo "  sudo apt-get update && sudo apt-get install -y ${missing[*]}" >&2
+      echo "packages are missing; run this line as root and start again:" >&2
+      echo "  apt-get update && apt-get install -y ${missing[*]}" >&2
       exit 1
     fi
     as_root=(sudo)

@@ -49,7 +49,15 @@ touch -d '2003-11-07 12:00' "$home/inbox/notes.txt"
 paths=("$home/inbox/notes.txt" "$home/inbox/cat.JPG" "$home/inbox/Holiday 2025" "$home/inbox/report 2025.txt"
        "$home/inbox/unknown.xyz" "$home/inbox/gone.txt")
 # The temporary folder's name would only be noise.
-show() { echo; echo "\$ quendle $*"; "$program" "$@" "${paths[@]}" 2>&1 | sed "s#$home##g" || true; }
+show() {
+  local status=0
+  echo
+  echo "\$ quendle $*"
+  "$program" "$@" "${paths[@]}" >"$home/said" 2>&1 || status=$?
+  sed "s#$home##g" "$home/said"
+  rm "$home/said"
+  [ "$status" -eq 1 ]  # some of the files are there to show what is left undone
+}
 files() { (cd "$home" && find . -path ./settings -prune -o -type f -print | sort | sed 's#^\./#  #'); }
 
 echo "Files before:"

@@ -5,10 +5,12 @@
 #include "cli/options.h"
 #include "cli/unattended.h"
 #include "core/modMain.h"
+#include "platform/process.h"
 #include "resources/version.h"
 
 int main(int argc, char** argv) {
   using namespace quendle;
+  platform::OpenStandardStreams();
   std::string problem;
   const auto options = ParseOptions(std::vector<std::string>(argv, argv + argc), &problem);
   if (!options) {

@@ -30,6 +30,11 @@ std::string RemoveBackslash(std::string_view path, PathStyle style) {
   return std::string(path);
 }
 
+std::string RemoveBackslashes(std::string_view path, PathStyle style) {
+  while (path.size() > RootLength(style) && path.back() == Separator(style)) path.remove_suffix(1);
+  return std::string(path);
+}
+
 bool IsAbsolutePath(std::string_view path, PathStyle style) {
   if (style == PathStyle::kPosix) return path.substr(0, 1) == "/";
   return path.find(':') != std::string_view::npos || path.substr(0, 2) == "\\\\";

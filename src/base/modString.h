@@ -28,13 +28,17 @@ constexpr char Separator(PathStyle style) {
 std::string AddBackslash(std::string_view path, PathStyle style = kHostStyle);
 
 // The path without one separator at its end, unless only a root would be left.
-//   Windows: "C:\data\" => "C:\data"    "C:\" => "C:\"    "\\" => "\\"    "a\" => "a\" (three characters
-//   stay) Posix:   "/data/" => "/data"        "/" => "/"        "/a/" => "/a"   "a//" => "a/"
+//   Windows: "C:\data\" => "C:\data"    "C:\" => "C:\"    "\\" => "\\"    "a\" => "a\" (three characters stay)
+//   Posix:   "/data/" => "/data"        "/" => "/"        "/a/" => "/a"   "a//" => "a/"
 std::string RemoveBackslash(std::string_view path, PathStyle style = kHostStyle);
 
+// The path without any separators at its end, unless only a root would be left.
+//   Posix: "/a//" => "/a"    "//" => "/"
+std::string RemoveBackslashes(std::string_view path, PathStyle style = kHostStyle);
+
 // Does the path stand for itself whatever the current folder is?
-//   Windows: "C:\x" => true    "C:x" => true (any colon)    "\\server\share\x" => true    "x" => false "\x"
-//   => false Posix:   "/x" => true      "x:y" => false                "" => false
+//   Windows: "C:\x" => true    "C:x" => true (any colon)    "\\server\x" => true    "x" => false    "\x" => false
+//   Posix:   "/x" => true      "x:y" => false               "" => false
 bool IsAbsolutePath(std::string_view path, PathStyle style = kHostStyle);
 
 // An absolute path as it is, any other after `folder` and a separator.

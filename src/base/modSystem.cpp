@@ -22,10 +22,16 @@ bool MakeDirNested(const std::string& path, platform::Result* why) {
     const std::string part = whole.substr(0, cut + 1);
     if (FolderExists(part)) continue;
     platform::Result made = platform::MakeFolder(part);
+    if (made.code == platform::Code::kExists) {
+      made =
+          Failure(platform::Code::kNotFolder, RemoveBackslash(part), "a file is where the folder should be");
+    }
     // A root or a network share cannot be made and need not be: only the last answer counts.
     if (!made.ok() && first_failure.ok()) first_failure = std::move(made);
   }
   if (FolderExists(whole)) return true;
+  if (first_failure.ok())
+    first_failure = Failure(platform::Code::kRefused, path, "this is not the path of a folder");
   if (why != nullptr) *why = std::move(first_failure);
   return false;
 }
@@ -48,11 +54,14 @@ void SortStrings(std::vector<std::string>* strings, std::int32_t lowest, std::in
 bool ToNumber(std::string_view text, double* number) {
   const std::string trimmed = TrimBlanks(text);
   const char* begin = trimmed.c_str();
+  const char* end = begin + trimmed.size();
+  const char* digits = *begin == '+' || *begin == '-' ? begin + 1 : begin;
+  // The library would also take "inf" and "nan".
+  if ((*digits < '0' || *digits > '9') && *digits != '.') return false;
   if (*begin == '+') ++begin;
-  const char* end = trimmed.c_str() + trimmed.size();
   double value = 0;
   const auto [stop, error] = std::from_chars(begin, end, value);
-  if (error != std::errc() || stop != end || value != value) return false;
+  if (error != std::errc() || stop != end) return false;
   *number = value;
   return true;
 }

@@ -23,8 +23,7 @@ void SortStrings(std::vector<std::string>* strings, std::int32_t lowest, std::in
 
 // Settings text to a flag: a number other than 0, or the word true in any case. What cannot be converted is
 // false.
-//   "1" => true    "-1" => true    "0.5" => true    "0" => false    "True" => true    "yes" => false    "" =>
-//   false
+//   "1" => true    "-1" => true    "0.5" => true    "0" => false    "True" => true    "yes" => false
 bool ToBoolean(std::string_view text);
 
 // Settings text to a number, blanks around it allowed; false when it is no number.
@@ -32,10 +31,12 @@ bool ToBoolean(std::string_view text);
 bool ToNumber(std::string_view text, double* number);
 
 // The arguments in a command line without the program's own path: element 0 is always empty, arguments count
-// from 1, at most `greatest` of them are kept. Blanks and tabs outside double quotes separate, each one of
+// from 1, at most `greatest` of them (itself at least 1) are kept. Blanks and tabs outside double quotes separate, each one of
 // them, so two in a row have an empty argument between them; quotes only switch quoting and are not kept.
-//   "\"C:\\a b\\x.zip\" y.txt" => "", "C:\a b\x.zip", "y.txt"    "a  b" => "", "a", "", "b"    "" => ""    "
-//   " => "", "", ""
+//   "C:\a b\x.zip" y.txt => "", "C:\a b\x.zip", "y.txt" (the quotes are part of the input)
+//   a  b                  => "", "a", "", "b"
+//   one blank             => "", "", ""
+//   nothing               => ""
 std::vector<std::string> SplitCommandLine(std::string_view text, std::int16_t greatest);
 
 // A value outside its documented set reached code that cannot go on: says where and aborts.

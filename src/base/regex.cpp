@@ -4,17 +4,20 @@
 #include <pcre2.h>
 
 #include <cstdint>
+#include <utility>
 
 namespace quendle {
 namespace {
 
 // Far above what a sensible pattern needs on a file name of 255 characters, and some milliseconds at most.
-constexpr std::uint32_t kMatchLimit = 300'000;
+constexpr std::uint32_t kMatchLimit = 120'000;
 constexpr std::uint32_t kDepthLimit = 5'000;
 
+// Anchored, since only a match that begins at the beginning can be whole; otherwise the limit would count anew from
+// each character of the name.
 constexpr std::uint32_t kOptions = PCRE2_UTF | PCRE2_CASELESS | PCRE2_DOLLAR_ENDONLY |
                                    PCRE2_ALLOW_EMPTY_CLASS | PCRE2_MATCH_UNSET_BACKREF | PCRE2_ALT_BSUX |
-                                   PCRE2_NEVER_BACKSLASH_C;
+                                   PCRE2_ANCHORED | PCRE2_NEVER_BACKSLASH_C;
 
 // What compiling and matching share. Made on first use and kept: the settings never differ.
 struct Engine {
@@ -67,6 +70,12 @@ Regex::Regex(std::string_view pattern) {
   code_.reset(
       pcre2_compile(Units(pattern), pattern.size(), kOptions, &error, &offset, SharedEngine().compile));
   if (code_ == nullptr) error_ = ErrorText(error) + " at offset " + std::to_string(offset);
+}
+
+Regex Regex::Unusable(std::string reason) {
+  Regex regex;
+  regex.error_ = std::move(reason);
+  return regex;
 }
 
 RegexAnswer Regex::MatchWhole(std::string_view subject) const {

@@ -29,38 +29,33 @@ std::string Escape(char32_t code_point) {
   return text;
 }
 
-std::string EscapeNames(std::string_view name, bool characters_too, bool* escaped) {
-  std::string plain;
-  std::string shown;  // with doubled backslashes
-  bool any = false;
+std::string Escaped(std::string_view name, bool characters_too) {
+  std::string shown;
   while (!name.empty()) {
     char32_t code_point = 0;
-    const bool valid = platform::TakeCodePoint(&name, &code_point);
-    std::string piece;
-    if (!valid) {
+    if (!platform::TakeCodePoint(&name, &code_point)) {
       char text[8];
       std::snprintf(text, sizeof text, "\\x%02X", static_cast<unsigned>(code_point));
-      piece = text;
+      shown += text;
+    } else if (code_point == '\\') {
+      shown += "\\\\";
     } else if (characters_too && (code_point < 0x20 || IsDeceptive(code_point))) {
-      piece = Escape(code_point);
+      shown += Escape(code_point);
+    } else {
+      platform::AppendCodePoint(code_point, &shown);
     }
-    any |= !piece.empty();
-    if (piece.empty()) platform::AppendCodePoint(code_point, &piece);
-    plain += piece;
-    shown += piece == "\\" ? "\\\\" : piece;
   }
-  if (escaped != nullptr) *escaped |= any;
-  return any ? shown : plain;
+  return shown;
 }
 
 }  // namespace
 
-std::string ForDisplay(std::string_view name, bool* escaped) {
-  return EscapeNames(name, true, escaped);
+std::string ForDisplay(std::string_view name) {
+  return Escaped(name, true);
 }
 
-std::string WithEscapedBytes(std::string_view name, bool* escaped) {
-  return EscapeNames(name, false, escaped);
+std::string WithEscapedBytes(std::string_view name) {
+  return Escaped(name, false);
 }
 
 }  // namespace quendle

@@ -1,5 +1,5 @@
-// Paths and names as they are shown: on a terminal nobody may be fooled by what a file is called, and one
-// line stays one line.
+// Paths and names as they are shown: on a terminal nobody may be fooled by what a file is called, and one line stays
+// one line.
 #pragma once
 
 #include <string>
@@ -7,14 +7,15 @@
 
 namespace quendle {
 
-// For a line of text. Bytes that are not UTF-8 become \xNN, control characters, line separators and marks
-// that change the direction of text become \n, \t, \r or \u{NNNN}, a backslash \\. `*escaped`, when given, is
-// set when anything but a backslash had to be escaped, and only then are backslashes doubled.
-//   "a.txt" => "a.txt"    "a\xFF" => "a\\xFF"    "a\nb" => "a\\nb"    "a\b" (backslash) => "a\b"
-std::string ForDisplay(std::string_view name, bool* escaped = nullptr);
+// For a line of text, in which different names look different. Bytes that are not UTF-8 become \xNN, control
+// characters, line separators and marks that change the direction of text \n, \t, \r or \u{NNNN}, a backslash \\.
+//   a.txt             => a.txt
+//   a, byte FF        => a\xFF
+//   a, line break, b  => a\nb
+//   a\b               => a\\b
+std::string ForDisplay(std::string_view name);
 
-// For a string that may hold any character of UTF-8, as in JSON: only bytes that are not UTF-8 are escaped,
-// as \xNN, and when there are any, backslashes as \\. `*escaped` is set then.
-std::string WithEscapedBytes(std::string_view name, bool* escaped);
+// For a string that may hold any character of UTF-8, as in JSON: bytes that are not UTF-8 become \xNN, a backslash \\.
+std::string WithEscapedBytes(std::string_view name);
 
 }  // namespace quendle

@@ -3,8 +3,6 @@
 #include <functional>
 #include <string_view>
 
-#include "base/modString.h"
-
 namespace quendle {
 namespace {
 
@@ -42,16 +40,6 @@ const OptionRule* FindRule(std::string_view name) {
   return nullptr;
 }
 
-// A shell completes the name of a folder with a separator, which is no part of the name.
-std::string PathArgument(std::string path) {
-  std::string shorter = RemoveBackslash(path);
-  while (shorter.size() < path.size()) {
-    path = shorter;
-    shorter = RemoveBackslash(path);
-  }
-  return path;
-}
-
 // Reads the option at `*index` and moves it to the last argument that belongs to the option. Empty when it is
 // right.
 std::string ReadOption(const std::vector<std::string>& arguments, std::size_t* index, Options* options) {
@@ -84,7 +72,7 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& arguments, s
   for (std::size_t i = 1; i < arguments.size(); ++i) {
     const std::string& argument = arguments[i];
     if (only_paths || argument.size() < 2 || argument.front() != '-') {
-      options.paths.push_back(PathArgument(argument));
+      options.paths.push_back(argument);
     } else if (argument == "--") {
       only_paths = true;
     } else if (*problem = ReadOption(arguments, &i, &options); !problem->empty()) {

@@ -16,7 +16,7 @@ struct Options {
   bool version = false;
   std::string settings;                // folder of the settings files; empty: the usual one
   std::optional<std::string> profile;  // the profile for every path
-  std::vector<std::string> paths;      // a trailing separator of a folder's name is taken off
+  std::vector<std::string> paths;
 };
 
 // Reads the arguments, the program's own name first. An argument after "--" is a path. Wrong usage gives

@@ -35,21 +35,6 @@ const char* ResultWord(StepResult result) {
   ProgrammingError("unknown result");
 }
 
-bool IsUndone(const ActionStep& step) {
-  return step.result == StepResult::kFailed || step.result == StepResult::kSkipped;
-}
-
-std::string Describe(const ActionStep& step) {
-  return std::string(StepWord(step.kind)) + " to " + ForDisplay(step.to);
-}
-
-// An error may quote a path, whose bytes are anything.
-std::string ErrorText(const std::string& error) {
-  return platform::WithReplacementCharacters(error);
-}
-
-}  // namespace
-
 const char* OutcomeWord(Outcome outcome) {
   switch (outcome) {
     case Outcome::kPlanned:
@@ -67,6 +52,27 @@ const char* OutcomeWord(Outcome outcome) {
   }
   ProgrammingError("unknown outcome");
 }
+
+bool IsUndone(const ActionStep& step) {
+  return step.result == StepResult::kFailed || step.result == StepResult::kSkipped;
+}
+
+std::string Describe(const ActionStep& step) {
+  return std::string(StepWord(step.kind)) + " to " + ForDisplay(step.to);
+}
+
+// An error may quote a path, whose bytes are anything.
+std::string ErrorText(const std::string& error) {
+  return platform::WithReplacementCharacters(error);
+}
+
+bool HasRawBytes(const DispatchReport& report) {
+  bool valid = platform::IsUtf8(report.path) && platform::IsUtf8(report.name);
+  for (const ActionStep& step : report.steps) valid = valid && platform::IsUtf8(step.to);
+  return !valid;
+}
+
+}  // namespace
 
 std::string TextLine(const DispatchReport& report) {
   std::string line = OutcomeWord(report.outcome);
@@ -94,10 +100,12 @@ std::vector<std::string> ProblemLines(const DispatchReport& report) {
 }
 
 std::string JsonLine(const DispatchReport& report) {
-  bool escaped = false;
+  // One rule for the whole object, so that a reader can undo it.
+  const bool escaped = HasRawBytes(report);
+  const auto shown = [escaped](const std::string& path) { return escaped ? WithEscapedBytes(path) : path; };
   nlohmann::ordered_json object;
-  object["path"] = WithEscapedBytes(report.path, &escaped);
-  object["name"] = WithEscapedBytes(report.name, &escaped);
+  object["path"] = shown(report.path);
+  object["name"] = shown(report.name);
   object["archive"] = nullptr;
   if (report.archive_type != 0) object["archive"] = ArchiveTypeName(report.archive_type);
   object["matches"] = report.matches;
@@ -107,7 +115,7 @@ std::string JsonLine(const DispatchReport& report) {
   for (const ActionStep& step : report.steps) {
     nlohmann::ordered_json entry;
     entry["step"] = StepWord(step.kind);
-    entry["to"] = WithEscapedBytes(step.to, &escaped);
+    entry["to"] = shown(step.to);
     entry["result"] = ResultWord(step.result);
     if (!step.error.empty()) entry["error"] = ErrorText(step.error);
     object["steps"].push_back(std::move(entry));

@@ -8,10 +8,7 @@
 
 namespace quendle {
 
-// One word: "planned", "done", "failed", "ambiguous", "unmatched" or "missing".
-const char* OutcomeWord(Outcome outcome);
-
-// One line without its line break:
+// One line without its line break, beginning with planned, done, failed, ambiguous, unmatched or missing:
 //   done       /in/report.txt [Texts] copy to /backup/report.txt; move to /texts/report_20031107.txt
 // A step that was not done carries its result in brackets. Names are shown as by ForDisplay.
 std::string TextLine(const DispatchReport& report);

@@ -1,5 +1,6 @@
 #include "cli/terminal_user.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -7,6 +8,7 @@
 #include "cli/display.h"
 #include "platform/launch.h"
 #include "platform/process.h"
+#include "platform/unicode.h"
 
 namespace quendle {
 namespace {
@@ -25,6 +27,14 @@ std::string SizeText(double bytes) {
   char text[32];
   std::snprintf(text, sizeof text, unit == 0 ? "%.0f %s" : "%.1f %s", bytes, kUnits[unit]);
   return text;
+}
+
+//   => "1.2 MiB of 4.0 GiB, 300.0 MiB/s", without the total where it is not known
+std::string AmountText(const platform::FileProgress& progress, double seconds) {
+  const double done = static_cast<double>(progress.bytes_done);
+  std::string text = SizeText(done);
+  if (progress.bytes_total > 0) text += " of " + SizeText(static_cast<double>(progress.bytes_total));
+  return text + ", " + SizeText(done / seconds) + "/s";
 }
 
 void WarnOf(const platform::Result& result) {
@@ -48,18 +58,19 @@ bool TerminalUser::AskDelete(const std::string&) {
 
 bool TerminalUser::ShowProgress(const platform::FileProgress& progress, bool simple) {
   if (platform::InterruptRequested()) return false;
-  if (!show_progress_) return true;
+  if (columns_ == 0) return true;
   const Clock::time_point now = Clock::now();
   if (!running_) begin_ = now;
   running_ = true;
   if (now - begin_ < kQuietTime || now - shown_ < kBetweenLines) return true;
   shown_ = now;
   line_shown_ = true;
-  const double seconds = std::chrono::duration<double>(now - begin_).count();
-  const double done = static_cast<double>(progress.bytes_done);
-  const std::string name = simple ? "" : ForDisplay(SplitPath(progress.path).name) + "  ";
-  std::fprintf(stderr, "\r\x1b[K%s%s of %s, %s/s", name.c_str(), SizeText(done).c_str(),
-               SizeText(static_cast<double>(progress.bytes_total)).c_str(), SizeText(done / seconds).c_str());
+  std::string line = AmountText(progress, std::chrono::duration<double>(now - begin_).count());
+  // A line that wraps could not be taken back.
+  const int left = columns_ - 1 - static_cast<int>(line.size());
+  const std::string name = simple ? "" : "  " + ForDisplay(SplitPath(progress.path).name);
+  line += platform::EndOfColumns(name, std::max(left, 0));
+  std::fprintf(stderr, "\r\x1b[K%s", line.c_str());
   std::fflush(stderr);
   return true;
 }

@@ -11,8 +11,8 @@ namespace quendle {
 
 class TerminalUser : public UserInterface {
  public:
-  // `show_progress`: the error stream is a terminal on which a line can be rewritten.
-  explicit TerminalUser(bool show_progress) : show_progress_(show_progress) {}
+  // `columns` of the terminal on which progress is shown; 0: none.
+  explicit TerminalUser(int columns) : columns_(columns) {}
 
   OverwriteAnswer AskOverwrite(const platform::FileVersion& existing,
                                const platform::FileVersion& incoming) override;
@@ -30,7 +30,7 @@ class TerminalUser : public UserInterface {
  private:
   using Clock = std::chrono::steady_clock;
 
-  bool show_progress_;
+  int columns_;
   bool running_ = false;  // an operation reports progress
   bool line_shown_ = false;
   Clock::time_point begin_;  // of the operation

@@ -3,12 +3,14 @@
 #include <cstdio>
 #include <memory>
 
+#include "base/modString.h"
 #include "cli/display.h"
 #include "cli/report.h"
 #include "cli/terminal_user.h"
 #include "core/modMain.h"
 #include "platform/known_folders.h"
 #include "platform/process.h"
+#include "platform/result.h"
 #include "settings/application_folder.h"
 
 namespace quendle {
@@ -21,6 +23,10 @@ bool IsWindowed(const Options& options) {
 // A run with windows takes ten paths; the others are named so that nobody believes them done.
 std::vector<std::string> TakenPaths(const Options& options) {
   std::vector<std::string> paths = options.paths;
+  for (std::string& path : paths) {
+    // A shell completes the name of a folder with a separator, which is no part of the name.
+    if (FolderExists(path)) path = RemoveBackslashes(path);
+  }
   if (!IsWindowed(options) || paths.size() <= kMostPaths) return paths;
   for (std::size_t i = kMostPaths; i < paths.size(); ++i) {
     TerminalUser::Warn(ForDisplay(paths[i]) + ": left out, since only ten paths are taken without --batch");
@@ -42,19 +48,21 @@ void ExplainMissingWindows(const Options& options, Globals* globals) {
   }
 }
 
-void Print(const Options& options, const DispatchReport& report) {
+// False when nobody can be told any more.
+bool Print(const Options& options, const DispatchReport& report) {
   const std::string line = options.json ? JsonLine(report) : TextLine(report);
   std::printf("%s\n", line.c_str());
-  std::fflush(stdout);  // a reader sees each line when its file is done
+  const bool is_written = std::fflush(stdout) == 0;  // a reader sees each line when its file is done
+  const std::string reason = is_written ? "" : platform::LastSystemFailure("").reason;
   for (const std::string& problem : ProblemLines(report)) TerminalUser::Warn(problem);
+  if (!is_written) TerminalUser::Warn("the results cannot be written: " + reason);
+  return is_written;
 }
 
-void WarnOfPatterns(const clsMover& mover) {
-  for (const ProfileIndexEntry& profile : mover.Profiles()) {
-    if (profile.expression.Error().empty()) continue;
-    TerminalUser::Warn("profile " + ForDisplay(profile.Title) +
-                       ": its pattern cannot be used: " + profile.expression.Error());
-  }
+int Left(const clsMover& mover, const std::string& why) {
+  const int left = mover.CMDLINEMAX - mover.CMDLINECURRENT;
+  if (left > 0) TerminalUser::Warn(why + "; paths that were not begun: " + std::to_string(left));
+  return kExitUndone;
 }
 
 // The title to use for every path; false when the one asked for does not exist.
@@ -69,7 +77,7 @@ bool ResolveProfile(const Options& options, const clsMover& mover, DispatchOptio
 
 int RunUnattended(const Options& options) {
   platform::CatchInterrupts();
-  TerminalUser user(platform::IsErrorStreamTerminal());
+  TerminalUser user(platform::ErrorStreamColumns());
   const std::vector<std::string> paths = TakenPaths(options);
   Globals globals(FindSettingsFolders(options.settings), !options.dry_run, user,
                   std::make_unique<clsArchiver>(), paths);
@@ -82,17 +90,17 @@ int RunUnattended(const Options& options) {
 
   int status = paths.size() == options.paths.size() ? kExitDone : kExitUndone;
   for (mover.CMDLINECURRENT = 1; mover.CMDLINECURRENT <= mover.CMDLINEMAX; ++mover.CMDLINECURRENT) {
-    if (platform::InterruptRequested()) {
-      TerminalUser::Warn("stopped; " + std::to_string(mover.CMDLINEMAX - mover.CMDLINECURRENT + 1) +
-                         " paths were not begun");
-      return kExitUndone;
-    }
     const DispatchReport report =
         DispatchCurrent(&mover, *globals.g_FileInfo, *globals.g_PropDefault, dispatch);
-    Print(options, report);
+    if (!Print(options, report)) return Left(mover, "stopped");
     if (report.outcome != Outcome::kDone && report.outcome != Outcome::kPlanned) status = kExitUndone;
+    if (platform::InterruptRequested() && mover.CMDLINECURRENT < mover.CMDLINEMAX) {
+      return Left(mover, "interrupted");
+    }
   }
-  if (options.dry_run) WarnOfPatterns(mover);
+  if (options.dry_run) {
+    for (const std::string& problem : mover.ProfileProblems()) TerminalUser::Warn(ForDisplay(problem));
+  }
   return status;
 }
 

@@ -6,7 +6,9 @@
 #include "base/modString.h"
 #include "base/modSystem.h"
 #include "base/text.h"
+#include "platform/code_page.h"
 #include "platform/known_folders.h"
+#include "platform/paths.h"
 #include "platform/unicode.h"
 #include "resources/string_table.h"
 
@@ -14,6 +16,13 @@ namespace quendle {
 namespace {
 
 constexpr const char* kArchiveExtensions[] = {"LZH", "ZIP", "CAB", "RAR", "EXE", "7Z"};
+
+// The settings give no more than 1,023 bytes of a value, so one of that length may have been longer.
+constexpr std::size_t kLongestValue = 1023;
+
+bool MayBeCut(const std::string& value) {
+  return platform::CutToAnsiBytes(value, kLongestValue - 2).size() < value.size();
+}
 
 bool HasArchiveExtension(const std::string& extension) {
   const std::string upper = platform::UpperCase(extension);
@@ -47,30 +56,38 @@ const std::string& clsMover::CurrentCmdLineString() const {
   return CommandLineArgs.at(static_cast<std::size_t>(CMDLINECURRENT));
 }
 
-bool clsMover::SetTarget() {
+platform::Result clsMover::SetTarget() {
   const std::string& path = CurrentCmdLineString();
   ORIGINALPATH = path;
-  if (!environment_.file_info.SetFilename(path)) return false;
+  if (!environment_.file_info.SetFilename(path)) return environment_.file_info.LastFailure();
   // Without "." and ".." in it, so that comparing it with a destination means something.
   if (const std::string& real = environment_.file_info.pFilePathLong(); !real.empty()) ORIGINALPATH = real;
   DOESFOLDER = FolderExists(ORIGINALPATH);
-  return !assumed_free_.contains(ORIGINALPATH);
+  if (!IsAssumedGone(ORIGINALPATH)) return platform::Success();
+  return Failure(platform::Code::kNotFound, ORIGINALPATH, "an earlier path of this run takes it away");
 }
 
 void clsMover::SetItemDataToArray() {
   clsPropItem& items = environment_.items;
   std::vector<std::string> titles;
   ProfileIndex.clear();
+  repeated_titles_.clear();
   if (items.EnumSection(&titles) == 0) return;
   ProfileIndex.reserve(titles.size());
-  items.EDITMODE = 5;
+  items.EDITMODE = clsPropItem::kReadingAll;
   for (std::string& title : titles) {
+    // Sorted without regard to case, and of several sections only the first is ever read.
+    if (!ProfileIndex.empty() && EqualsIgnoringCase(ProfileIndex.back().Title, title)) {
+      repeated_titles_.push_back(title);
+      continue;
+    }
     items.Title = title;
     std::string pattern = items.pattern();
-    Regex expression(pattern);
+    Regex expression =
+        MayBeCut(pattern) ? Regex::Unusable("it is too long to be read whole") : Regex(pattern);
     ProfileIndex.push_back({std::move(title), std::move(pattern), std::move(expression)});
   }
-  items.EDITMODE = 0;
+  items.EDITMODE = clsPropItem::kNotEditing;
 }
 
 std::vector<std::string> clsMover::GetAccordantTitles() {
@@ -106,17 +123,64 @@ std::optional<std::string> clsMover::FindTitle(const std::string& title) const {
   return std::nullopt;
 }
 
-void clsMover::FillFromProfile(const std::string& title) {
+std::vector<std::string> clsMover::ProfileProblems() const {
+  std::vector<std::string> problems;
+  for (const ProfileIndexEntry& profile : ProfileIndex) {
+    const std::string& error = profile.expression.Error();
+    if (!error.empty())
+      problems.push_back("profile " + profile.Title + ": its pattern cannot be used: " + error);
+  }
+  for (const std::string& title : repeated_titles_) {
+    problems.push_back("profile " + title + ": there are several of that name, and only the first is used");
+  }
+  return problems;
+}
+
+// Each property is read from the file as it is at that moment. An editor that saves in the midst of it, or a file that
+// has gone, would mix this profile with the standard settings, whose folders are not meant for this target.
+bool clsMover::FillFromProfile(const std::string& title, std::string* why) {
+  if (!ProfileIsAsRead(title)) {
+    *why = "the profile has been changed or removed, or cannot be read any more";
+    return false;
+  }
+  if (!FillFromItems()) {
+    *why = "a folder of the profile is too long to be read whole";
+    return false;
+  }
+  if (ProfileIsAsRead(title)) return true;
+  *why = "the profile is being changed";
+  return false;
+}
+
+bool clsMover::ProfileIsAsRead(const std::string& title) const {
   clsPropItem& items = environment_.items;
+  const auto profile =
+      std::find_if(ProfileIndex.begin(), ProfileIndex.end(),
+                   [&title](const ProfileIndexEntry& entry) { return entry.Title == title; });
   items.Title = title;
+  if (profile == ProfileIndex.end() || items.pattern() != profile->Pattern) return false;
+  if (!profile->Pattern.empty()) return true;
+  // No pattern at all is what a missing section has too.
+  std::vector<std::string> titles;
+  items.EnumSection(&titles);
+  return std::find(titles.begin(), titles.end(), title) != titles.end();
+}
+
+bool clsMover::FillFromItems() {
+  const clsPropItem& items = environment_.items;
   ACTION = items.ACTION();
   SMARTRENAME = DOESFOLDER ? std::int16_t{1} : items.SMARTRENAME();
   EXTRACTTYPE = items.EXTRACTTYPE();
   SMARTMAKEDIR = items.SMARTMAKEDIR();
   OPENDIR = items.OPENDIR();
-  EXTRACTTO = GetTargetPathByFolder(1, items.EXTRACTTO());
-  MOVETO = GetTargetPathByFolder(2, items.MOVETO());
-  COPYTO = GetTargetPathByFolder(4, items.COPYTO());
+  EXTRACTTO = items.EXTRACTTO();
+  MOVETO = items.MOVETO();
+  COPYTO = items.COPYTO();
+  if (MayBeCut(EXTRACTTO) || MayBeCut(MOVETO) || MayBeCut(COPYTO)) return false;
+  EXTRACTTO = GetTargetPathByFolder(1, EXTRACTTO);
+  MOVETO = GetTargetPathByFolder(2, MOVETO);
+  COPYTO = GetTargetPathByFolder(4, COPYTO);
+  return true;
 }
 
 void clsMover::FillFromTestSettings() {
@@ -146,17 +210,30 @@ void clsMover::SetDefaultItemData() {
 void clsMover::AssumeDone(const std::vector<ActionStep>& steps) {
   for (const ActionStep& step : steps) {
     if (step.result != StepResult::kPlanned || step.kind == StepKind::kExtract) continue;
-    assumed_taken_.insert(step.to);
-    assumed_free_.erase(step.to);
+    const std::string to = platform::WithRealFolder(step.to);
+    assumed_taken_[to] = ORIGINALPATH;
+    assumed_free_.erase(to);
     if (step.kind != StepKind::kMove) continue;
-    assumed_free_.insert(ORIGINALPATH);
-    assumed_taken_.erase(ORIGINALPATH);
+    const std::string from = platform::WithRealFolder(ORIGINALPATH);
+    assumed_free_.insert(from);
+    assumed_taken_.erase(from);
   }
 }
 
 bool clsMover::NameIsTaken(const std::string& path) const {
-  if (assumed_taken_.contains(path)) return true;
-  return !assumed_free_.contains(path) && FileExists(path);
+  if (assumed_taken_.empty() && assumed_free_.empty()) return FileExists(path);  // not in a plan
+  if (assumed_taken_.contains(platform::WithRealFolder(path))) return true;
+  return !IsAssumedGone(path) && FileExists(path);
+}
+
+// With a folder goes all that is below it.
+bool clsMover::IsAssumedGone(std::string path) const {
+  if (assumed_free_.empty()) return false;
+  path = platform::WithRealFolder(path);
+  for (; !path.empty(); path = SplitPath(path).folder) {
+    if (assumed_free_.contains(path)) return true;
+  }
+  return false;
 }
 
 }  // namespace quendle

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -43,8 +44,7 @@ struct ActionStep {
   StepKind kind;
   std::string to;  // the folder extracted into; the final path of a copy or move
   StepResult result;
-  std::string error;      // why it failed or was skipped
-  bool collides = false;  // planned, but something of the name `to` is there already
+  std::string error;  // why it failed or was skipped
 };
 
 class clsMover {
@@ -82,8 +82,9 @@ class clsMover {
   // The path at CMDLINECURRENT, absolute.
   const std::string& CurrentCmdLineString() const;
 
-  // Makes the current path the target. False when it does not exist (or a planned move has taken it away).
-  bool SetTarget();
+  // Makes the current path the target. When it cannot be found (or a planned move has taken it away) the answer says
+  // why, and there is no target.
+  platform::Result SetTarget();
 
   // Reads titles and patterns anew; to be called after profiles were edited.
   void SetItemDataToArray();
@@ -100,10 +101,15 @@ class clsMover {
 
   const std::vector<ProfileIndexEntry>& Profiles() const { return ProfileIndex; }
 
-  // Fill the state of the current target: from a profile; from the test settings, for an archive that matches
-  // none; from the standard settings, which leave SMARTMAKEDIR and OPENDIR as they are and compute no
-  // destinations.
-  void FillFromProfile(const std::string& title);
+  // What is wrong with profiles: patterns that cannot be used or whose matching went over the limit so far, and titles
+  // that stand more than once. One line each.
+  std::vector<std::string> ProfileProblems() const;
+
+  // Fill the state of the current target: from a profile; from the test settings, for an archive that matches none;
+  // from the standard settings, which leave SMARTMAKEDIR and OPENDIR as they are and compute no destinations.
+  // The first is false when the profile is not what it was when the profiles were read (then its folders may be
+  // anybody's) or has a folder that is too long to be read whole; the answer is in `*why`.
+  bool FillFromProfile(const std::string& title, std::string* why);
   void FillFromTestSettings();
   void SetDefaultItemData();
 
@@ -117,9 +123,8 @@ class clsMover {
   // "/d/a_20031107_1.txt". Only looks; the name can be gone by the time it is used.
   std::string GetFilenameBySmartRename(const std::string& folder, const std::string& name) const;
 
-  // What ActionMain would do now, step by step; touches nothing. A step that would ask whether to overwrite
-  // is planned when somebody `can_be_asked`, and fails otherwise.
-  std::vector<ActionStep> PlanSteps(bool can_be_asked);
+  // What ActionMain would do now with nobody to ask, step by step; touches nothing.
+  std::vector<ActionStep> PlanSteps() { return WalkSteps(false); }
 
   // Does it. True when the run succeeded: every step of ACTION was done, but that a failed copy before a move
   // that follows an extraction does not count.
@@ -134,28 +139,33 @@ class clsMover {
 
  private:
   std::int16_t DetectArchiveType();
-  enum class Walk { kRun, kPlan, kPlanUnattended };
-  std::vector<ActionStep> WalkSteps(Walk walk);
+  bool ProfileIsAsRead(const std::string& title) const;
+  bool FillFromItems();
+  std::vector<ActionStep> WalkSteps(bool execute);
   ActionStep MakeStep(StepKind kind) const;
   std::string FinalPath(StepKind kind) const;
   std::string KnownProblem(const ActionStep& step) const;
+  std::string PlaceProblem(const ActionStep& step) const;
+  bool WouldAsk(const ActionStep& step, const std::vector<ActionStep>& earlier) const;
   bool IsMoveIntoOwnFolder(StepKind kind) const;
-  void TakeStep(Walk walk, ActionStep* step);
   bool RunStep(ActionStep* step);
   bool ExtractStep();
   bool CopyStep();
   bool MoveStep();
   void OpenFiles();
   bool NameIsTaken(const std::string& path) const;
+  bool IsAssumedGone(std::string path) const;
 
   Environment environment_;
   std::unique_ptr<clsArchiver> archiver_;
   clsFileOperation operation_;
   std::vector<std::string> CommandLineArgs;
   std::vector<ProfileIndexEntry> ProfileIndex;
+  std::vector<std::string> repeated_titles_;
   std::int32_t pattern_match_count_ = 0;
   std::vector<ActionStep> steps_;
-  std::unordered_set<std::string> assumed_taken_;
+  // Both by the paths of WithRealFolder; the first with what is there now of the entry that will be there.
+  std::unordered_map<std::string, std::string> assumed_taken_;
   std::unordered_set<std::string> assumed_free_;
 };
 

@@ -4,6 +4,7 @@
 #include "base/modString.h"
 #include "base/modSystem.h"
 #include "core/clsMover.h"
+#include "platform/paths.h"
 
 namespace quendle {
 namespace {
@@ -30,7 +31,7 @@ class BusyScope {
 
 bool clsMover::ActionMain() {
   const BusyScope busy(environment_.user);
-  steps_ = WalkSteps(Walk::kRun);
+  steps_ = WalkSteps(true);
   for (const ActionStep& step : steps_) {
     const bool may_fail = ACTION == 7 && step.kind == StepKind::kCopy;
     if (step.result != StepResult::kDone && !may_fail) return false;
@@ -38,24 +39,22 @@ bool clsMover::ActionMain() {
   return true;
 }
 
-std::vector<ActionStep> clsMover::PlanSteps(bool can_be_asked) {
-  return WalkSteps(can_be_asked ? Walk::kPlan : Walk::kPlanUnattended);
-}
-
-// Plan and run are one walk, so that they cannot differ.
-std::vector<ActionStep> clsMover::WalkSteps(Walk walk) {
+// Plan and run walk the same way: only here do they part.
+std::vector<ActionStep> clsMover::WalkSteps(bool execute) {
   if (ACTION < 0 || ACTION > 7) ProgrammingError("action code outside 0 to 7");
   std::vector<ActionStep> steps;
   bool stopped = false;
   for (const StepKind kind : kStepOrder) {
     if (!Includes(ACTION, kind)) continue;
     ActionStep step = MakeStep(kind);
-    for (const ActionStep& earlier : steps) step.collides |= !DOESFOLDER && earlier.to == step.to;
     if (stopped) {
       step.result = StepResult::kSkipped;
       step.error = "not tried, because the step before it failed";
-    } else if (step.result == StepResult::kPlanned) {
-      TakeStep(walk, &step);
+    } else if (step.result == StepResult::kPlanned && execute) {
+      step.result = RunStep(&step) ? StepResult::kDone : StepResult::kFailed;
+    } else if (step.result == StepResult::kPlanned && WouldAsk(step, steps)) {
+      step.result = StepResult::kFailed;
+      step.error = "something of that name exists already, and nothing is overwritten unasked";
     }
     stopped |= step.result == StepResult::kFailed && !(ACTION == 7 && kind == StepKind::kCopy);
     steps.push_back(std::move(step));
@@ -63,17 +62,8 @@ std::vector<ActionStep> clsMover::WalkSteps(Walk walk) {
   return steps;
 }
 
-void clsMover::TakeStep(Walk walk, ActionStep* step) {
-  if (walk == Walk::kRun) {
-    step->result = RunStep(step) ? StepResult::kDone : StepResult::kFailed;
-  } else if (walk == Walk::kPlanUnattended && step->collides) {
-    step->result = StepResult::kFailed;
-    step->error = "something of that name exists already, and nothing is overwritten unasked";
-  }
-}
-
 ActionStep clsMover::MakeStep(StepKind kind) const {
-  ActionStep step{kind, FinalPath(kind), StepResult::kPlanned, "", false};
+  ActionStep step{kind, FinalPath(kind), StepResult::kPlanned, ""};
   if (IsMoveIntoOwnFolder(kind)) {
     step.result = StepResult::kSkipped;
     step.error = "it is in that folder already";
@@ -81,7 +71,6 @@ ActionStep clsMover::MakeStep(StepKind kind) const {
   }
   step.error = KnownProblem(step);
   if (!step.error.empty()) step.result = StepResult::kFailed;
-  step.collides = kind != StepKind::kExtract && NameIsTaken(step.to);
   return step;
 }
 
@@ -101,11 +90,32 @@ std::string clsMover::KnownProblem(const ActionStep& step) const {
   if (step.kind == StepKind::kExtract && ARCHIVETYPE == 0) return "not an archive that can be extracted";
   if (step.to.empty()) return "no destination folder is set";
   if (!IsAbsolutePath(step.to)) return "the destination folder is not an absolute path";
-  if (step.kind == StepKind::kExtract) return "";
-  if (step.kind == StepKind::kMove && EqualsIgnoringCase(ORIGINALPATH, MOVETO)) return "it is there already";
+  return step.kind == StepKind::kExtract ? "" : PlaceProblem(step);
+}
+
+std::string clsMover::PlaceProblem(const ActionStep& step) const {
+  if (DOESFOLDER) {
+    const std::string own = AddBackslash(platform::WithRealFolder(ORIGINALPATH));
+    const std::string into = SplitPath(platform::WithRealFolder(step.to)).folder;
+    if (AddBackslash(into).starts_with(own)) return "a folder cannot go into itself";
+  }
+  if (step.kind == StepKind::kMove && EqualsIgnoringCase(ORIGINALPATH, step.to)) return "it is there already";
   if (!DOESFOLDER && FolderExists(step.to)) return "a folder of that name is in the way";
-  if (DOESFOLDER && step.to.starts_with(AddBackslash(ORIGINALPATH))) return "a folder cannot go into itself";
-  return "";
+  if (DOESFOLDER && FileExists(step.to)) return "a file of that name is in the way";
+  platform::Result place = platform::CheckPlace(step.to);
+  if (place.ok() && step.kind == StepKind::kMove) place = platform::CheckPlace(ORIGINALPATH);
+  return place.ok() ? "" : place.reason + ": " + place.path;
+}
+
+// Would the user be asked whether to overwrite, after the steps that come before?
+bool clsMover::WouldAsk(const ActionStep& step, const std::vector<ActionStep>& earlier) const {
+  if (step.kind == StepKind::kExtract) return false;
+  for (const ActionStep& done : earlier) {
+    if (done.to == step.to) return true;
+  }
+  if (!DOESFOLDER) return NameIsTaken(step.to);
+  const auto assumed = assumed_taken_.find(platform::WithRealFolder(step.to));
+  return platform::FoldersCollide(ORIGINALPATH, assumed == assumed_taken_.end() ? step.to : assumed->second);
 }
 
 bool clsMover::RunStep(ActionStep* step) {

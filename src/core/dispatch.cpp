@@ -9,8 +9,8 @@ std::string JoinTitles(const std::vector<std::string>& titles) {
   return joined;
 }
 
-// Fills the dispatcher's state from the one profile that is to act. False, with the report's outcome set,
-// when there is no such profile.
+// Fills the dispatcher's state from the one profile that is to act. False, with the report's outcome and error set, when
+// there is none or it cannot be used.
 bool ChooseProfile(clsMover* mover, const clsPropDefault& settings, const DispatchOptions& options,
                    DispatchReport* report) {
   if (options.profile) {
@@ -30,8 +30,7 @@ bool ChooseProfile(clsMover* mover, const clsPropDefault& settings, const Dispat
     report->error = "no profile matches the name";
     return false;
   }
-  mover->FillFromProfile(*report->profile);
-  return true;
+  return mover->FillFromProfile(*report->profile, &report->error);
 }
 
 }  // namespace
@@ -39,12 +38,18 @@ bool ChooseProfile(clsMover* mover, const clsPropDefault& settings, const Dispat
 DispatchReport DispatchCurrent(clsMover* mover, const clsFileInfo& file_info, const clsPropDefault& settings,
                                const DispatchOptions& options) {
   DispatchReport report;
-  const bool found = mover->SetTarget();
+  const platform::Result found = mover->SetTarget();
   report.path = mover->ORIGINALPATH;
   report.name = file_info.pFileNameLong();
-  if (!found) {
-    report.outcome = Outcome::kMissing;
-    report.error = "no such file or folder";
+  if (!found.ok()) {
+    const bool is_missing =
+        found.code == platform::Code::kNotFound || found.code == platform::Code::kNotFolder;
+    report.outcome = is_missing ? Outcome::kMissing : Outcome::kFailed;
+    report.error = found.reason;
+    return report;
+  }
+  if (report.name.empty()) {
+    report.error = "this is not an entry of a folder";
     return report;
   }
   const std::vector<std::string> titles = mover->GetAccordantTitles();
@@ -53,11 +58,11 @@ DispatchReport DispatchCurrent(clsMover* mover, const clsFileInfo& file_info, co
   if (!ChooseProfile(mover, settings, options, &report)) return report;
 
   if (options.dry_run) {
-    report.steps = mover->PlanSteps(false);
+    report.steps = mover->PlanSteps();
     mover->AssumeDone(report.steps);
   } else {
     mover->ActionMain();
-    report.steps = mover->Steps();
+    report.steps = mover->Steps();  // each of them counts here, also the copy that ActionMain may overlook
   }
   report.outcome = options.dry_run ? Outcome::kPlanned : Outcome::kDone;
   for (const ActionStep& step : report.steps) {

@@ -19,8 +19,12 @@ void clsFileInfo::Class_Initialize() {
 
 bool clsFileInfo::SetFilename(const std::string& path) {
   Class_Initialize();
-  if (path.empty() || (path.size() > 1 && path.back() == Separator(kHostStyle))) return false;
-  if (!platform::ReadTimes(path, &times_)) return false;
+  if (path.empty() || (path.size() > 1 && path.back() == Separator(kHostStyle))) {
+    last_failure_ = Failure(platform::Code::kNotFound, path, "No such file or directory");
+    return false;
+  }
+  last_failure_ = platform::ReadTimes(path, &times_);
+  if (!last_failure_.ok()) return false;
   path_ = platform::LongPath(path);
   PathParts parts = SplitPath(path_);
   folder_ = std::move(parts.folder);

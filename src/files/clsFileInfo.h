@@ -26,6 +26,9 @@ class clsFileInfo {
   // the answer is true and the strings are empty.
   bool SetFilename(const std::string& path);
 
+  // Why SetFilename was false.
+  const platform::Result& LastFailure() const { return last_failure_; }
+
   // Of /docs/A.B.C:
   const std::string& pFilePathLong() const { return path_; }            // "/docs/A.B.C"
   const std::string& pFileNameLong() const { return name_; }            // "A.B.C"
@@ -45,6 +48,7 @@ class clsFileInfo {
   std::string base_;
   std::string extension_;
   platform::EntryTimes times_;
+  platform::Result last_failure_;
 };
 
 }  // namespace quendle

@@ -62,22 +62,16 @@ class Observer : public platform::FileOperationObserver {
   std::optional<Answer> for_all_;
 };
 
-std::string WithoutSeparators(std::string path) {
-  for (std::string shorter = RemoveBackslash(path); shorter != path; shorter = RemoveBackslash(path))
-    path = shorter;
-  return path;
-}
-
 // The folder that is to hold the path; empty for the current one.
 std::string FolderOf(const std::string& path) {
   const std::size_t cut = path.rfind(Separator(kHostStyle));
-  return cut == std::string::npos ? "" : WithoutSeparators(path.substr(0, cut + 1));
+  return cut == std::string::npos ? "" : RemoveBackslashes(path.substr(0, cut + 1));
 }
 
 std::string ExactDestination(const std::string& source, const std::string& destination) {
   const bool is_folder = destination.ends_with(Separator(kHostStyle)) || FolderExists(destination);
   if (!is_folder) return destination;
-  return AddBackslash(destination) + SplitPath(WithoutSeparators(source)).name;
+  return AddBackslash(destination) + SplitPath(RemoveBackslashes(source)).name;
 }
 
 // The folders that have to be made for this one, topmost first.

@@ -12,8 +12,18 @@
 namespace quendle::platform {
 namespace {
 
+// The variable when it is an absolute path, which is the only form that means something; else empty.
+std::string FolderVariable(const char* name) {
+  const std::string folder = EnvironmentVariable(name).value_or("");
+  return folder.starts_with('/') ? WithoutTrailingSlashes(folder) : "";
+}
+
+std::string Below(const std::string& folder, const char* name) {
+  return (folder == "/" ? "" : folder) + "/" + name;
+}
+
 std::string HomeFolder() {
-  if (auto home = EnvironmentVariable("HOME"); home && home->front() == '/') return *home;
+  if (std::string home = FolderVariable("HOME"); !home.empty()) return home;
   const passwd* user = getpwuid(getuid());
   return user == nullptr ? "/" : user->pw_dir;
 }
@@ -21,7 +31,7 @@ std::string HomeFolder() {
 // The value of XDG_DOWNLOAD_DIR="..." in user-dirs.dirs, which is either absolute or begins with $HOME/.
 std::string ConfiguredDownloadFolder(const std::string& home) {
   constexpr std::string_view kKey = "XDG_DOWNLOAD_DIR=\"";
-  constexpr std::string_view kHome = "$HOME";
+  constexpr std::string_view kHome = "$HOME/";
   std::ifstream file(SettingsRoot() + "/user-dirs.dirs");
   std::string folder;
   for (std::string line; std::getline(file, line);) {
@@ -29,10 +39,9 @@ std::string ConfiguredDownloadFolder(const std::string& home) {
     const std::size_t end = line.find('"', kKey.size());
     if (end == std::string::npos) continue;
     folder = line.substr(kKey.size(), end - kKey.size());
-    if (folder.starts_with(kHome)) folder.replace(0, kHome.size(), home);
+    if (folder.starts_with(kHome)) folder = Below(home, folder.c_str() + kHome.size());
   }
-  while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
-  return folder.starts_with('/') ? folder : "";
+  return folder.starts_with('/') ? WithoutTrailingSlashes(folder) : "";
 }
 
 }  // namespace
@@ -43,24 +52,24 @@ std::string CurrentFolder() {
 }
 
 std::string ExecutableFolder() {
-  return FolderOf(RealPath("/proc/self/exe"));
+  const std::string path = RealPath("/proc/self/exe");
+  return path.empty() ? "" : FolderOf(path);
 }
 
 std::string TemporaryFolder() {
-  const std::string folder = EnvironmentVariable("TMPDIR").value_or("/tmp");
+  const std::string folder = FolderVariable("TMPDIR");
   return IsFolder(folder) ? folder : "/tmp";
 }
 
 std::string SettingsRoot() {
-  if (auto root = EnvironmentVariable("XDG_CONFIG_HOME"); root && root->front() == '/') return *root;
-  const std::string home = HomeFolder();
-  return home == "/" ? "/.config" : home + "/.config";
+  const std::string root = FolderVariable("XDG_CONFIG_HOME");
+  return root.empty() ? Below(HomeFolder(), ".config") : root;
 }
 
 std::string DownloadFolder() {
   const std::string home = HomeFolder();
   if (std::string folder = ConfiguredDownloadFolder(home); !folder.empty()) return folder;
-  const std::string usual = home + "/Downloads";
+  const std::string usual = Below(home, "Downloads");
   return IsFolder(usual) ? usual : home;
 }
 

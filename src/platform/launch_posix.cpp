@@ -1,11 +1,13 @@
 #include "platform/launch.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 
+#include "platform/descriptor_posix.h"
 #include "platform/paths.h"
 
 namespace quendle::platform {
@@ -14,7 +16,10 @@ namespace {
 // Runs in the second child: only calls that are safe after a fork. Returns when the program could not be
 // started.
 void BecomeProgram(char* const* arguments) {
-  const int null = open("/dev/null", O_RDWR);
+  // This process ignores them; programs expect the usual.
+  signal(SIGPIPE, SIG_DFL);
+  signal(SIGXFSZ, SIG_DFL);
+  const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
   if (null < 0 || dup2(null, STDIN_FILENO) < 0 || dup2(null, STDOUT_FILENO) < 0 ||
       dup2(null, STDERR_FILENO) < 0 || chdir("/") != 0) {
     return;
@@ -55,9 +60,8 @@ Result StartProgram(const std::vector<std::string>& arguments) {
   close(channel[1]);
   int error = first < 0 ? fork_error : 0;
   if (first > 0) {
-    while (waitpid(first, nullptr, 0) < 0 && errno == EINTR) {
-    }
-    if (read(channel[0], &error, sizeof error) != sizeof error) error = 0;
+    Retried([&] { return waitpid(first, nullptr, 0); });
+    if (Retried([&] { return read(channel[0], &error, sizeof error); }) != sizeof error) error = 0;
   }
   close(channel[0]);
   return error == 0 ? Success() : SystemFailure(error, arguments.front());

@@ -22,30 +22,35 @@ std::string FindOnSearchPath(const std::string& name);
 // Makes one folder; its parent must exist. kExists when the name is taken.
 Result MakeFolder(const std::string& path);
 
-// May the calling process make entries in this folder?
-bool IsWritableFolder(const std::string& path);
-
 // A new empty file with a unique name in `folder`, and its path in `*path`.
 Result MakeTemporaryFile(const std::string& folder, std::string* path);
-
-// Does nothing when the file is missing.
-Result RemoveFile(const std::string& path);
 
 // kExists when the folder is not empty.
 Result RemoveEmptyFolder(const std::string& path);
 
 struct EntryTimes {
-  std::int64_t write_seconds = 0;  // since 1970, UTC
-  std::int64_t local_write_seconds =
-      0;  // the same moment read off the local clock, counted as if that were UTC
+  std::int64_t write_seconds = 0;        // since 1970, UTC
+  std::int64_t local_write_seconds = 0;  // the same moment on the local clock, counted as if that were UTC
 };
 
-// The last-write time of the entry itself (a link is not followed); false when it does not exist.
-bool ReadTimes(const std::string& path, EntryTimes* times);
+// Could an entry be made at `path`, after making its missing folders? Looks without trying: the nearest folder that is
+// there must be one and let this process write, and no name may be too long.
+Result CheckPlace(const std::string& path);
+
+// Would moving or copying the folder `source` onto `destination`, which may not exist, meet an entry that is there
+// already and is not a folder on both sides?
+bool FoldersCollide(const std::string& source, const std::string& destination);
+
+// The same entry by the path without links in its folder, so that equal strings mean one place. The path as it is when
+// its folder does not exist.
+std::string WithRealFolder(const std::string& path);
+
+// The last-write time of the entry itself; a link is not followed.
+Result ReadTimes(const std::string& path, EntryTimes* times);
 
 // The path made absolute against the current folder, "." and ".." resolved, each component spelled as its
-// folder lists it. A link that is the last component is kept as it is. Empty when a component cannot be
-// found.
+// folder lists it. A link that is the last component is kept as it is. Empty when a component cannot be found,
+// or the path is relative and the current folder has been removed.
 std::string LongPath(const std::string& path);
 
 }  // namespace quendle::platform

@@ -5,10 +5,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <ctime>
+#include <filesystem>
 #include <memory>
 #include <string_view>
 
@@ -83,10 +85,6 @@ Result MakeFolder(const std::string& path) {
   return mkdir(path.c_str(), 0777) == 0 ? Success() : LastSystemFailure(path);
 }
 
-bool IsWritableFolder(const std::string& path) {
-  return IsFolder(path) && access(path.c_str(), W_OK | X_OK) == 0;
-}
-
 Result MakeTemporaryFile(const std::string& folder, std::string* path) {
   std::string name = folder + "/tmpXXXXXX";
   const int file = mkostemp(name.data(), O_CLOEXEC);
@@ -96,27 +94,60 @@ Result MakeTemporaryFile(const std::string& folder, std::string* path) {
   return Success();
 }
 
-Result RemoveFile(const std::string& path) {
-  return unlink(path.c_str()) == 0 || errno == ENOENT ? Success() : LastSystemFailure(path);
-}
-
 Result RemoveEmptyFolder(const std::string& path) {
   return rmdir(path.c_str()) == 0 ? Success() : LastSystemFailure(path);
 }
 
-bool ReadTimes(const std::string& path, EntryTimes* times) {
+Result CheckPlace(const std::string& path) {
   struct stat entry;
-  if (lstat(path.c_str(), &entry) != 0) return false;
+  if (lstat(path.c_str(), &entry) != 0 && errno != ENOENT && errno != ENOTDIR) return LastSystemFailure(path);
+  std::string folder = path;
+  do {
+    folder = FolderOf(folder);
+  } while (lstat(folder.c_str(), &entry) != 0 && folder != "/" && folder != ".");
+  if (!IsFolder(folder)) return SystemFailure(ENOTDIR, folder);
+  if (faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0) return LastSystemFailure(folder);
+  return Success();
+}
+
+bool FoldersCollide(const std::string& source, const std::string& destination) {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  if (!fs::exists(fs::symlink_status(destination, error))) return false;
+  if (!fs::is_directory(fs::symlink_status(destination, error)) ||
+      !fs::is_directory(fs::symlink_status(source, error))) {
+    return true;
+  }
+  for (fs::directory_iterator entry(source, error), end; !error && entry != end; entry.increment(error)) {
+    const std::string name = entry->path().filename().string();
+    if (FoldersCollide(entry->path().string(), destination + "/" + name)) return true;
+  }
+  return false;
+}
+
+std::string WithRealFolder(const std::string& path) {
+  const std::string folder = RealPath(FolderOf(path));
+  return folder.empty() ? path : (folder == "/" ? "" : folder) + "/" + NameOf(path);
+}
+
+Result ReadTimes(const std::string& path, EntryTimes* times) {
+  struct stat entry;
+  if (lstat(path.c_str(), &entry) != 0) return LastSystemFailure(path);
   struct tm local;
   times->write_seconds = entry.st_mtim.tv_sec;
   times->local_write_seconds = entry.st_mtim.tv_sec;
   if (localtime_r(&entry.st_mtim.tv_sec, &local) != nullptr) times->local_write_seconds += local.tm_gmtoff;
-  return true;
+  return Success();
 }
 
 std::string LongPath(const std::string& path) {
   if (path.empty()) return "";
-  std::string rest = path.front() == '/' ? path : CurrentFolder() + "/" + path;
+  std::string rest = path;
+  if (path.front() != '/') {
+    const std::string here = CurrentFolder();
+    if (here.empty()) return "";  // it was removed
+    rest = here + "/" + path;
+  }
   const std::size_t last = rest.find_last_not_of('/');
   if (last == std::string::npos) return "/";
   rest.resize(last + 1);

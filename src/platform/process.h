@@ -3,11 +3,16 @@
 
 namespace quendle::platform {
 
+// Opens what is closed of the three standard streams on nothing. Otherwise the next file to be opened, perhaps one of
+// the user's, would become the stream that the program prints to. To be called first.
+void OpenStandardStreams();
+
 // From now on an interrupt, hang-up or termination request only sets a flag, so that the file operation in
 // progress can be undone or finished first.
 void CatchInterrupts();
 bool InterruptRequested();
 
-bool IsErrorStreamTerminal();
+// Columns of the terminal behind the error stream; 0 when it is no terminal.
+int ErrorStreamColumns();
 
 }  // namespace quendle::platform

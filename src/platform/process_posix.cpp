@@ -1,6 +1,8 @@
 #include "platform/process.h"
 
+#include <fcntl.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <initializer_list>
@@ -15,6 +17,13 @@ extern "C" void NoteInterrupt(int) {
 }
 
 }  // namespace
+
+void OpenStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    // The lowest free number is this one: those below it are open by now.
+    if (fcntl(stream, F_GETFD) == -1 && open("/dev/null", O_RDWR) != stream) _exit(1);
+  }
+}
 
 void CatchInterrupts() {
   struct sigaction action = {};
@@ -34,8 +43,11 @@ bool InterruptRequested() {
   return interrupted != 0;
 }
 
-bool IsErrorStreamTerminal() {
-  return isatty(STDERR_FILENO) == 1;
+int ErrorStreamColumns() {
+  constexpr int kUsual = 80;
+  struct winsize size = {};
+  if (isatty(STDERR_FILENO) != 1) return 0;
+  return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
 }
 
 }  // namespace quendle::platform

@@ -83,6 +83,20 @@ std::string UpperCase(std::string_view text) {
   return upper;
 }
 
+std::string_view EndOfColumns(std::string_view text, int columns) {
+  int all = 0;
+  char32_t code_point = 0;
+  for (std::string_view rest = text; !rest.empty();) {
+    TakeCodePoint(&rest, &code_point);
+    all += utf8proc_charwidth(static_cast<utf8proc_int32_t>(code_point));
+  }
+  while (all > columns) {
+    TakeCodePoint(&text, &code_point);
+    all -= utf8proc_charwidth(static_cast<utf8proc_int32_t>(code_point));
+  }
+  return text;
+}
+
 std::string FromUtf16Le(std::string_view bytes) {
   const auto unit_at = [bytes](std::size_t i) {
     return static_cast<char32_t>(static_cast<unsigned char>(bytes[i])) |

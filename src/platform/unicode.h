@@ -29,6 +29,10 @@ std::string WithReplacementCharacters(std::string_view bytes);
 //   "readme.txt" => "README.TXT"    "ｆｕｌｌ" => "ＦＵＬＬ"    "ж" => "Ж"    "ⅲ" => "Ⅲ"
 std::string UpperCase(std::string_view text);
 
+// The longest end of `text` that takes at most `columns` columns of a terminal, on which a Japanese character takes two.
+//   ("report.txt", 4) => ".txt"    ("日本", 3) => "本"
+std::string_view EndOfColumns(std::string_view text, int columns);
+
 // UTF-16 little-endian bytes to UTF-8 and back. Unpaired surrogates become U+FFFD; a byte left over at the
 // end is dropped. The mark U+FEFF is a character like any other here.
 std::string FromUtf16Le(std::string_view bytes);

@@ -19,7 +19,8 @@ SettingsFolders FindSettingsFolders(const std::string& chosen) {
   if (!chosen.empty()) return Together(chosen);
   if (const auto home = platform::EnvironmentVariable("QUENDLE_HOME")) return Together(*home);
   const std::string executable_folder = platform::ExecutableFolder();
-  if (FileExists(AddBackslash(executable_folder) + LoadText(text_id::kStandardFile))) {
+  if (!executable_folder.empty() &&
+      FileExists(AddBackslash(executable_folder) + LoadText(text_id::kStandardFile))) {
     return Together(executable_folder);
   }
   return {AddBackslash(platform::SettingsRoot()) + "quendle", platform::DownloadFolder()};

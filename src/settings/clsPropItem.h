@@ -38,9 +38,13 @@ class clsPropItem {
   // Rewrites items.ini with its sections in sorted order and without blank or stray lines.
   void OptimizeFile();
 
-  std::string Title;          // the profile that the properties below read and write; empty: none
-  std::string NEWTITLE;       // the title that the editor is to give
-  std::int16_t EDITMODE = 0;  // which use of the store is going on
+  std::string Title;     // the profile that the properties below read and write; empty: none
+  std::string NEWTITLE;  // the title that the editor is to give
+
+  // Who is using the store: the editor has modes of its own, the dispatcher says when it reads all profiles.
+  static constexpr std::int16_t kNotEditing = 0;
+  static constexpr std::int16_t kReadingAll = 5;
+  std::int16_t EDITMODE = kNotEditing;
 
   // Each pair of overloads below reads and writes one key of the section Title. The columns are the key and
   // what a missing or empty key reads as ("std": the standard settings' value).

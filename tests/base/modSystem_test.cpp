@@ -54,7 +54,8 @@ GTEST_TEST(ModSystem, Conversions) {
       {"0.5", true, true, 0.5}, {" 3 ", true, true, 3},   {"+2", true, true, 2},
       {"1e2", true, true, 100}, {"True", true, false, 0}, {"FALSE", false, false, 0},
       {"yes", false, false, 0}, {"", false, false, 0},    {"1x", false, false, 0},
-      {"nan", false, false, 0},
+      {"nan", false, false, 0}, {"inf", false, false, 0}, {"+-1", false, false, 0},
+      {".5", true, true, 0.5},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.text);
@@ -97,7 +98,9 @@ GTEST_TEST(ModSystem, NestedFolders) {
   EXPECT_FALSE(MakeDirNested(folder / "file/below", &why));
   EXPECT_TRUE(why.path.starts_with(folder / "file")) << why.path;
   EXPECT_FALSE(why.reason.empty());
-  EXPECT_FALSE(MakeDirNested(""));
+  why = {};
+  EXPECT_FALSE(MakeDirNested("", &why));
+  EXPECT_FALSE(why.ok());
 }
 
 }  // namespace

@@ -46,7 +46,9 @@ GTEST_TEST(Regex, WholeNames) {
 
 GTEST_TEST(Regex, RunawayPatternsEndSoon) {
   const std::string as(255, 'A');
-  for (const char* pattern : {"(a+)+\\d", "(a|aa)+!", "(.*.*.*.*.*.*)*!", "(a*)*b", "((a+)+)+$!"}) {
+  for (const char* pattern :
+       {"(a+)+\\d", "(a|aa)+!", "(.*.*.*.*.*.*)*!", "(a*)*b", "((a+)+)+$!", "[ab](?:[ab]|[ab][ab]){0,17}\\d",
+        "a.{0,64}a.{0,64}a.{0,64}\\d", "(.+)(.+)\\1\\2\\d", "(.*)(.*)(.*)(.*)\\4\\3\\2\\1\\d"}) {
     const Regex regex(pattern);
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_NE(regex.MatchWhole(as), RegexAnswer::kWhole);

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "support/file_systems.h"
 #include "support/temp_folder.h"
 
 namespace quendle {
@@ -52,7 +53,7 @@ GTEST_TEST(Program, ExitStatusAndStreams) {
       {"--batch --profile Nobody b.txt", 2, "", "no profile is called Nobody"},
       {"--dry-run b.txt", 0, "planned    ", ""},
       {"--batch b.txt", 0, "[Texts] move to ", ""},
-      {"--batch b.txt", 1, "missing    ", "b.txt: no such file or folder"},
+      {"--batch b.txt", 1, "missing    ", "b.txt: No such file or directory"},
       {"--batch a.txt", 1, "ambiguous  ", "All a, Texts"},
       {"--batch -- -c.txt", 0, "done       ", ""},
       {"--batch none.dat d.txt", 1, "d.txt [Texts]", "none.dat: no profile matches"},
@@ -101,11 +102,27 @@ GTEST_TEST(Program, JsonObjects) {
                                         {"result", "failed"},
                                         {"error", objects[0]["steps"][1]["error"]}}));
   EXPECT_EQ(objects[1]["name"], "q\"\\xFF\\\\.t");
+  EXPECT_EQ(objects[1]["steps"][1]["to"], folder / "m/q\"\\xFF\\\\.t");
   EXPECT_EQ(objects[1]["escaped"], true);
   EXPECT_EQ(objects[1]["result"], "done");
   EXPECT_TRUE(fs::exists(folder / "m/q\"\xFF\\.t"));
   EXPECT_EQ(objects[2]["result"], "missing");
   EXPECT_EQ(objects[2]["profile"], nullptr);
+}
+
+GTEST_TEST(Program, ResultsThatCannotBeWritten) {
+  test::TempFolder folder;
+  WriteSettings(folder, "[T]\r\nPattern=.*t\r\nID=1\r\nAction=2\r\n");
+  const std::string program = "cd '" + folder.path() + "'; '" QUENDLE_PROGRAM "' --settings s --batch ";
+  test::WriteFile(folder / "a.t", "a");
+  test::WriteFile(folder / "b.t", "b");
+  EXPECT_EQ(WEXITSTATUS(std::system((program + "a.t b.t >/dev/full 2>err").c_str())), 1);
+  EXPECT_NE(test::ReadFile(folder / "err").find("not begun: 1"), std::string::npos)
+      << test::ReadFile(folder / "err");
+  EXPECT_TRUE(fs::exists(folder / "m/a.t") && fs::exists(folder / "b.t"));
+  // With its streams closed, what the program prints must not end in the files that it opens.
+  std::system((program + "b.t >&- 2>&- <&-").c_str());
+  EXPECT_EQ(test::ReadFile(folder / "m/b.t"), "b");
 }
 
 GTEST_TEST(Program, OnlyTenPathsWithoutBatch) {
@@ -133,16 +150,18 @@ GTEST_TEST(Program, DamagedSettingsGetAClearLine) {
     std::string items;
     const char* err;
   } rows[] = {
-      {random, ""},
-      {"[a\0b]\r\nPattern=\0x\r\n" + std::string(1, '\0'), ""},
+      {random, "there are no profiles in it"},
+      {"[a\0b]\r\nPattern=\0x\r\n" + std::string(1, '\0'), "no profile matches"},
+      {"[Slow]\r\nPattern=(x+)+\\d\r\n", "profile Slow: its pattern cannot be used: match limit exceeded"},
       {"", "there are no profiles"},
       {"[Bad]\r\nPattern=(\r\n", "profile Bad: its pattern cannot be used: missing closing parenthesis"},
   };
   for (const auto& row : rows) {
     test::TempFolder folder;
     WriteSettings(folder, row.items);
-    test::WriteFile(folder / "x.txt", "x");
-    const Ended ended = RunProgram(folder, "--dry-run x.txt");
+    const std::string name(200, 'x');
+    test::WriteFile(folder / name, "x");
+    const Ended ended = RunProgram(folder, "--dry-run " + name);
     EXPECT_EQ(ended.status, 1);
     EXPECT_NE(ended.err.find(row.err), std::string::npos) << ended.err;
     EXPECT_EQ(ended.out.substr(0, 10), "unmatched ");
@@ -153,6 +172,11 @@ GTEST_TEST(Program, DamagedSettingsGetAClearLine) {
   const Ended ended = RunProgram(folder, "--dry-run x.txt");
   EXPECT_NE(ended.err.find("s/items.ini: Is a directory"), std::string::npos) << ended.err;
   EXPECT_FALSE(fs::exists(folder / "s/mover.ini")) << "a dry run makes no settings files";
+
+  test::WriteFile(folder / "file", "");
+  const Ended unwritable = RunProgram(folder, "--batch --settings file x.txt");
+  EXPECT_EQ(unwritable.status, 1);
+  EXPECT_NE(unwritable.err.find("the settings files could not be made"), std::string::npos) << unwritable.err;
 }
 
 // Starts the program on every file of folder/in, interrupts it, and waits for its end.
@@ -170,7 +194,7 @@ int InterruptedStatus(const test::TempFolder& folder) {
     }
     _exit(127);
   }
-  while (!fs::exists(folder / "moving")) usleep(1000);  // the folder is made by the first move
+  for (int i = 0; i < 20'000 && !fs::exists(folder / "moving"); ++i) usleep(1000);  // made by the first move
   kill(child, SIGINT);
   int status = 0;
   waitpid(child, &status, 0);
@@ -179,7 +203,9 @@ int InterruptedStatus(const test::TempFolder& folder) {
 
 GTEST_TEST(Program, AnInterruptLeavesNothingHalfDone) {
   test::TempFolder folder;
-  const test::TempFolder other(fs::exists("/dev/shm") ? "/dev/shm" : "/tmp");
+  const std::string elsewhere = test::OtherFileSystem();
+  if (elsewhere.empty()) GTEST_SKIP() << "there is no second file system";
+  const test::TempFolder other(elsewhere);
   constexpr int kFiles = 30;
   constexpr std::uintmax_t kSize = 8 << 20;
   WriteSettings(folder,

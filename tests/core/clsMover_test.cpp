@@ -51,14 +51,14 @@ GTEST_TEST(ClsMover, MatchesProfilesInSortedOrder) {
     // "ﾊﾟ表" is not CP932 in this file, so it only shows that a strange pattern harms no other.
     test::WriteFile(folder / row.name, "x");
     test::Run run(items, "", {folder / row.name});
-    ASSERT_TRUE(run.mover->SetTarget());
+    ASSERT_TRUE(run.mover->SetTarget().ok());
     EXPECT_EQ(run.mover->GetAccordantTitles(), row.titles);
     EXPECT_EQ(run.mover->PATTERNMATCHCOUNT(), row.count);
     EXPECT_TRUE(run.mover->CheckDupTitle("BAD"));
     EXPECT_FALSE(run.mover->CheckDupTitle(""));
   }
   test::Run none("", "", {folder.path()});
-  ASSERT_TRUE(none.mover->SetTarget());
+  ASSERT_TRUE(none.mover->SetTarget().ok());
   EXPECT_EQ(none.mover->GetAccordantTitles(), (Titles{"", "（なし）"}));
 }
 
@@ -84,7 +84,7 @@ GTEST_TEST(ClsMover, AsksForArchiveTypesByExtensionOrSetting) {
     }
     test::Run run("", std::string("[General]\nCheckArchive=") + row.check, {folder / row.name});
     run.archiver->type = 3;
-    ASSERT_TRUE(run.mover->SetTarget());
+    ASSERT_TRUE(run.mover->SetTarget().ok());
     run.mover->GetAccordantTitles();
     EXPECT_EQ(run.mover->ARCHIVETYPE, row.type);
     EXPECT_EQ(run.archiver->asked_type, row.asked);
@@ -123,7 +123,7 @@ GTEST_TEST(ClsMover, SmartRename) {
       }
     }
     test::Run run("", "", {folder / row.name});
-    ASSERT_TRUE(run.mover->SetTarget());
+    ASSERT_TRUE(run.mover->SetTarget().ok());
     run.mover->ACTION = row.action;
     run.mover->SMARTRENAME = row.mode;
     for (const std::int16_t kind : {std::int16_t{2}, std::int16_t{4}}) {
@@ -141,7 +141,7 @@ GTEST_TEST(ClsMover, SmartRenameInTheOwnFolder) {
   test::WriteFile(folder / "x.zip", "x");
   Date(folder / "x.zip");
   test::Run run("", "", {folder / "x.zip"});
-  ASSERT_TRUE(run.mover->SetTarget());
+  ASSERT_TRUE(run.mover->SetTarget().ok());
   run.mover->SMARTRENAME = 3;
   const char* names[] = {"x_20031107.zip", "x.zip", "x_20031107.zip", "x.zip",
                          "x_20031107.zip", "x.zip", "x.zip",          "x.zip"};
@@ -179,7 +179,7 @@ GTEST_TEST(ClsMover, ActionsRunTheirStepsInOrder) {
     test::WriteFile(folder / "in/x.zip", "x");
     test::WriteFile(folder / "blocked", "not a folder");
     test::Run run("[p]\nID=1\n", "", {folder / "in/x.zip"});
-    ASSERT_TRUE(run.mover->SetTarget());
+    ASSERT_TRUE(run.mover->SetTarget().ok());
     run.archiver->succeeds = row.extracts;
     clsMover& mover = *run.mover;
     mover.ACTION = row.action;
@@ -187,7 +187,7 @@ GTEST_TEST(ClsMover, ActionsRunTheirStepsInOrder) {
     mover.EXTRACTTO = folder / "e";
     mover.COPYTO = folder / (row.copy_works ? "c/x.zip" : "blocked/x.zip");
     mover.MOVETO = folder / "m/x.zip";
-    const std::vector<ActionStep> plan = mover.PlanSteps(false);
+    const std::vector<ActionStep> plan = mover.PlanSteps();
     EXPECT_TRUE(run.archiver->extracted.empty());
     EXPECT_EQ(mover.ActionMain(), row.result);
     EXPECT_EQ(!run.archiver->extracted.empty(), row.extract_called);
@@ -197,6 +197,10 @@ GTEST_TEST(ClsMover, ActionsRunTheirStepsInOrder) {
     ASSERT_EQ(plan.size(), mover.Steps().size());
     for (std::size_t i = 0; i < plan.size(); ++i) {
       EXPECT_EQ(plan[i].to, mover.Steps()[i].to);
+      // Only what happens in the doing can make a difference: an extraction that fails.
+      if (row.extracts) {
+        EXPECT_EQ(plan[i].result == StepResult::kPlanned, mover.Steps()[i].result == StepResult::kDone);
+      }
       EXPECT_EQ(mover.Steps()[i].error.empty(), mover.Steps()[i].result == StepResult::kDone);
     }
   }
@@ -228,9 +232,10 @@ GTEST_TEST(ClsMover, RefusesWhatCannotBeMeant) {
   for (const auto& row : rows) {
     SCOPED_TRACE(std::string(row.target) + " to " + row.to);
     test::Run run("", "", {folder / row.target});
-    ASSERT_TRUE(run.mover->SetTarget());
+    ASSERT_TRUE(run.mover->SetTarget().ok());
     run.mover->ACTION = row.action;
     run.mover->MOVETO = run.mover->COPYTO = row.to;
+    EXPECT_EQ(run.mover->PlanSteps().at(0).result, StepResult::kFailed);
     EXPECT_FALSE(run.mover->ActionMain());
     EXPECT_FALSE(run.mover->Steps().at(0).error.empty());
     EXPECT_EQ(test::ReadFile(folder / "in/x.txt") + test::ReadFile(folder / "taken/x.txt"), "newold");
@@ -243,7 +248,7 @@ GTEST_TEST(ClsMover, FoldersGoBelowTheirDestinationWhetherItExistsOrNot) {
   const test::TempFolder folder;
   test::WriteFile(folder / "d/y", "y");
   test::Run run("", "", {folder / "d"});
-  ASSERT_TRUE(run.mover->SetTarget());
+  ASSERT_TRUE(run.mover->SetTarget().ok());
   run.mover->ACTION = 6;
   run.mover->COPYTO = folder / "new/copies";
   run.mover->MOVETO = folder / "moved";
@@ -253,6 +258,17 @@ GTEST_TEST(ClsMover, FoldersGoBelowTheirDestinationWhetherItExistsOrNot) {
   EXPECT_TRUE(fs::exists(folder / "new/copies/d/y"));
   EXPECT_TRUE(fs::exists(folder / "moved/d/y"));
   EXPECT_FALSE(fs::exists(folder / "d"));
+
+  // Extracted and moved into the folder where it is: the extraction happens, the move has nothing to do.
+  fs::rename(folder / "moved/d", folder / "d");
+  ASSERT_TRUE(run.mover->SetTarget().ok());
+  run.mover->ACTION = 3;
+  run.mover->ARCHIVETYPE = 1;
+  run.mover->EXTRACTTO = "/e";
+  run.mover->MOVETO = folder.path() + "/";
+  EXPECT_FALSE(run.mover->ActionMain());
+  EXPECT_EQ(run.archiver->extracted.size(), 1U);
+  EXPECT_EQ(run.mover->Steps().at(1).result, StepResult::kSkipped);
 }
 
 GTEST_TEST(ClsMover, OpensWhatWasExtracted) {
@@ -261,13 +277,59 @@ GTEST_TEST(ClsMover, OpensWhatWasExtracted) {
   test::Run run("[p]\nID=1\nAction=1\nOpenDir=1\nExtractTo=/e\nOpenFile=readme.txt; sub/b.html;;\n", "",
                 {folder / "x.zip"});
   run.archiver->type = 1;
-  ASSERT_TRUE(run.mover->SetTarget());
+  ASSERT_TRUE(run.mover->SetTarget().ok());
   run.mover->GetAccordantTitles();
-  run.mover->FillFromProfile("p");
+  std::string why;
+  ASSERT_TRUE(run.mover->FillFromProfile("p", &why)) << why;
   EXPECT_TRUE(run.mover->ActionMain());
+  EXPECT_EQ(run.user.busy, (std::vector<bool>{true, false}));
   EXPECT_EQ(run.archiver->extracted, (Titles{folder / "x.zip" + " to /e"}));
   EXPECT_EQ(run.user.opened_folders, (Titles{"/e"}));
   EXPECT_EQ(run.user.opened_files, (Titles{"/e/readme.txt", "/e/sub/b.html"}));
+  run.mover->OPENDIR = false;
+  EXPECT_TRUE(run.mover->ActionMain());
+  EXPECT_EQ(run.user.opened_folders.size(), 1U);
+}
+
+// The profile's section may be gone, changed or half there by the time it is used; the standard settings' folders must
+// not stand in for its own then.
+GTEST_TEST(ClsMover, AProfileThatIsNotWhatItWasIsNotUsed) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "x.txt", "x");
+  const std::string items = "[p]\nPattern=.*\\.txt\nID=1\nAction=2\nMoveTo=/m\n[q]\nAction=2\n";
+  const struct {
+    std::string now;
+    const char* title;
+    bool usable;
+  } rows[] = {
+      {items, "p", true},
+      {items, "q", true},
+      {"", "p", false},
+      {"[p]\nPattern=.*\\.txt2\n[q]\n", "p", false},
+      {"[p]\nPattern=.*\\.txt\n\n", "q", false},
+      {"[p]\nPattern=.*\\.txt\nMoveTo=/" + std::string(1500, 'x') + "\n", "p", false},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.now.substr(0, 60));
+    test::Run run(items, "", {folder / "x.txt"});
+    ASSERT_TRUE(run.mover->SetTarget().ok());
+    test::WriteFile(run.settings.folder / "items.ini", row.now);
+    std::string why;
+    EXPECT_EQ(run.mover->FillFromProfile(row.title, &why), row.usable);
+    EXPECT_EQ(why.empty(), row.usable);
+  }
+}
+
+GTEST_TEST(ClsMover, SaysWhatIsWrongWithProfiles) {
+  test::Run run(
+      "[a]\nPattern=x\n[A]\nPattern=(\n[long]\nPattern=.*" + std::string(1100, 'x') + "\n[bad]\nPattern=(\n",
+      "", {"/"});
+  const Titles problems = run.mover->ProfileProblems();
+  ASSERT_EQ(problems.size(), 3U);
+  EXPECT_TRUE(problems[0].starts_with("profile bad: its pattern cannot be used: missing")) << problems[0];
+  EXPECT_TRUE(problems[1].starts_with("profile long: its pattern cannot be used: it is too long"))
+      << problems[1];
+  EXPECT_TRUE(problems[2].starts_with("profile A: there are several")) << problems[2];
 }
 
 GTEST_TEST(ClsMover, StandardSettingsFillTheState) {
@@ -276,7 +338,7 @@ GTEST_TEST(ClsMover, StandardSettingsFillTheState) {
   test::Run run("", "[General]\nAction=7\nExtractTo=/e\nMoveTo=/m\nCopyTo=/c\nExtractType=1\nSmartRename=2\n",
                 {folder / "x"});
   clsMover& mover = *run.mover;
-  ASSERT_TRUE(mover.SetTarget());
+  ASSERT_TRUE(mover.SetTarget().ok());
   for (const bool is_folder : {false, true}) {
     mover.DOESFOLDER = is_folder;
     mover.SMARTMAKEDIR = mover.OPENDIR = true;

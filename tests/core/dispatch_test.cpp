@@ -58,40 +58,72 @@ GTEST_TEST(Dispatch, Outcomes) {
   }
 }
 
-// What a dry run prints is what a run does, also where one file takes the name or the place of another.
+// What a dry run prints is what a run does, also where one path takes the name or the place of another.
 GTEST_TEST(Dispatch, PlansAreWhatIsDone) {
-  const test::TempFolder folder;
-  for (const char* name : {"1/a.txt", "2/a.txt", "3/b.txt", "4/c.log", "5/c.log"})
-    test::WriteFile(folder / name, name);
-  test::WriteFile(folder / "to/b.txt", "old");
-  const std::string items =
-      "[txt]\nPattern=.*\\.txt\nID=1\nAction=2\nSmartRename=3\nMoveTo=" + folder / "to" +
-      "\n[log]\nPattern=.*\\.log\nID=1\nAction=6\nSmartRename=1\nMoveTo=" + folder / "m" +
-      "\nCopyTo=" + folder / "c" + "\n";
-  const std::vector<std::string> paths = {folder / "1/a.txt", folder / "2/a.txt", folder / "1/a.txt",
-                                          folder / "3/b.txt", folder / "4/c.log", folder / "5/c.log"};
-  test::Run plan(items, "", paths);
-  const std::vector<DispatchReport> planned = DispatchAll(&plan, {true, std::nullopt});
-  EXPECT_TRUE(fs::exists(folder / "1/a.txt") && !fs::exists(folder / "m"));
-  test::Run run(items, "", paths);
-  const std::vector<DispatchReport> done = DispatchAll(&run, {false, std::nullopt});
-  const Outcome outcomes[] = {Outcome::kDone, Outcome::kDone, Outcome::kMissing,
-                              Outcome::kDone, Outcome::kDone, Outcome::kFailed};
-  for (std::size_t i = 0; i < paths.size(); ++i) {
-    SCOPED_TRACE(paths[i] + " " + std::to_string(i));
-    EXPECT_EQ(done[i].outcome, outcomes[i]);
-    EXPECT_EQ(planned[i].outcome == Outcome::kPlanned, outcomes[i] == Outcome::kDone);
-    ASSERT_EQ(planned[i].steps.size(), done[i].steps.size());
-    for (std::size_t k = 0; k < done[i].steps.size(); ++k) {
-      EXPECT_EQ(planned[i].steps[k].to, done[i].steps[k].to);
-      EXPECT_EQ(planned[i].steps[k].result == StepResult::kPlanned,
-                done[i].steps[k].result == StepResult::kDone);
-      EXPECT_EQ(fs::exists(done[i].steps[k].to), true);
+  const struct {
+    const char* what;
+    std::vector<std::string> paths;
+    const char* outcomes;  // of each path: d done, f failed, m missing
+  } rows[] = {
+      {"two files to one name", {"1/a.txt", "2/a.txt", "1/a.txt"}, "ddm"},
+      {"a name that is taken", {"3/b.txt"}, "d"},
+      {"copied and moved, to other folders", {"4/c.log", "5/c.log"}, "df"},
+      {"copied and moved, to one folder", {"1/a.same"}, "f"},
+      {"a folder copied and moved, to one folder", {"d.same"}, "f"},
+      {"two folders merged", {"1/m.dir", "2/m.dir"}, "dd"},
+      {"two folders with a file of one name", {"1/n.dir", "2/n.dir"}, "df"},
+      {"a folder merged into one that is there", {"3/m.dir", "4/n.dir"}, "df"},
+      {"a folder and what is in it", {"1/m.dir", "1/m.dir/x"}, "dm"},
+      {"one file by two folders", {"1/a.txt", "link/a.txt"}, "dm"},
+      {"a destination that is a file", {"1/a.file"}, "f"},
+      {"a folder into itself through a link", {"1/self"}, "f"},
+      {"a name too long to be renamed", {"1/" + std::string(250, 'n') + ".tx"}, "f"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    const test::TempFolder folder;
+    for (const char* name : {"1/a.txt", "2/a.txt", "3/b.txt", "4/c.log", "5/c.log", "1/a.same", "d.same/x",
+                             "1/m.dir/x", "2/m.dir/y", "1/n.dir/x", "2/n.dir/x", "3/m.dir/z", "4/n.dir/w/x",
+                             "1/a.file", "1/self/x", "to/b.txt", "dirs/n.dir/w/x"}) {
+      test::WriteFile(folder / name, name);
     }
+    if (!row.paths[0].starts_with("3/")) fs::remove_all(folder / "dirs");
+    if (row.paths[0].ends_with(".tx")) test::WriteFile(folder / row.paths[0], "");
+    fs::create_directory_symlink(folder / "1", folder / "link");
+    fs::create_directory_symlink(folder / "1/self", folder / "into");
+    const auto profile = [&](const std::string& pattern, const std::string& keys, const std::string& move) {
+      return "[" + pattern.substr(2) + "]\nPattern=" + pattern + "\nID=1\n" + keys +
+             "\nMoveTo=" + (folder / move) + "\n";
+    };
+    const std::string items =
+        profile(".*\\.txt", "Action=2\nSmartRename=3", "to") +
+        profile(".*\\.log", "Action=6\nCopyTo=" + folder / "c", "m") +
+        profile(".*\\.same", "Action=6\nCopyTo=" + folder / "s", "s") +
+        profile(".*\\.dir", "Action=2", "dirs") + profile(".*\\.file", "Action=2", "to/b.txt") +
+        profile(".*self", "Action=2", "into") + profile(".*\\.tx", "Action=2\nSmartRename=2", "to");
+    std::vector<std::string> paths;
+    for (const std::string& path : row.paths) paths.push_back(folder / path);
+    test::Run plan(items, "", paths);
+    const std::vector<DispatchReport> planned = DispatchAll(&plan, {true, std::nullopt});
+    test::Run run(items, "", paths);
+    const std::vector<DispatchReport> done = DispatchAll(&run, {false, std::nullopt});
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+      SCOPED_TRACE(paths[i] + ": " + planned[i].error + " / " + done[i].error);
+      const Outcome expected = row.outcomes[i] == 'd'   ? Outcome::kDone
+                               : row.outcomes[i] == 'f' ? Outcome::kFailed
+                                                        : Outcome::kMissing;
+      EXPECT_EQ(done[i].outcome, expected);
+      EXPECT_EQ(planned[i].outcome, expected == Outcome::kDone ? Outcome::kPlanned : expected);
+      ASSERT_EQ(planned[i].steps.size(), done[i].steps.size());
+      for (std::size_t k = 0; k < done[i].steps.size(); ++k) {
+        EXPECT_EQ(planned[i].steps[k].to, done[i].steps[k].to);
+        EXPECT_EQ(planned[i].steps[k].result == StepResult::kPlanned,
+                  done[i].steps[k].result == StepResult::kDone);
+        EXPECT_TRUE(done[i].steps[k].result != StepResult::kDone || fs::exists(done[i].steps[k].to));
+      }
+    }
+    EXPECT_EQ(test::ReadFile(folder / "to/b.txt"), "to/b.txt");
   }
-  EXPECT_EQ(test::ReadFile(folder / "to/b.txt"), "old");
-  EXPECT_EQ(test::ReadFile(folder / "c/c.log"), "4/c.log");
-  EXPECT_EQ(test::ReadFile(folder / "5/c.log"), "5/c.log");
 }
 
 GTEST_TEST(ModMain, Confirmation) {

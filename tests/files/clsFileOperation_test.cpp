@@ -108,7 +108,7 @@ TEST_F(FileOperationClass, FoldersMadeForNothingGoAgain) {
   };
   user_.on_progress = [](const platform::FileProgress&) { return false; };
   for (const Row& row : {Row{"f", "new/er/", Code::kCancelled}, Row{"none", "new/er/", Code::kNotFound},
-                         Row{"f", "f/er/", Code::kExists}, Row{"d", "d/e/r/", Code::kCancelled}}) {
+                         Row{"f", "f/er/", Code::kNotFolder}, Row{"d", "d/e/r/", Code::kCancelled}}) {
     EXPECT_FALSE(operation_.mMove(folder_ / row.source, folder_ / row.destination));
     EXPECT_EQ(operation_.LastFailure().code, row.code) << operation_.LastFailure().reason;
     EXPECT_EQ(Picture(folder_.path()), before) << row.destination;

@@ -6,6 +6,7 @@
 
 #include "platform/known_folders.h"
 #include "platform/launch.h"
+#include "support/scoped_variable.h"
 #include "support/temp_folder.h"
 
 namespace quendle::platform {
@@ -13,21 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Sets an environment variable for the time of a test.
-class ScopedVariable {
- public:
-  ScopedVariable(const char* name, const std::string& value) : name_(name) {
-    if (const char* old = std::getenv(name)) old_ = old;
-    setenv(name, value.c_str(), 1);
-  }
-  ~ScopedVariable() { old_.empty() ? unsetenv(name_) : setenv(name_, old_.c_str(), 1); }
-  ScopedVariable(const ScopedVariable&) = delete;
-  ScopedVariable& operator=(const ScopedVariable&) = delete;
-
- private:
-  const char* name_;
-  std::string old_;
-};
+using test::ScopedVariable;
 
 GTEST_TEST(LongPath, ResolvesDotsAndKeepsLinks) {
   const test::TempFolder folder;
@@ -77,7 +64,9 @@ GTEST_TEST(KnownFolders, FollowTheUsersSession) {
   EXPECT_EQ(DownloadFolder(), home / "Downloads");
   test::WriteFile(home / ".config/user-dirs.dirs", "# comment\nXDG_DOWNLOAD_DIR=\"$HOME/ダウンロード\"\n");
   EXPECT_EQ(DownloadFolder(), home / "ダウンロード");
-  const ScopedVariable absolute("XDG_CONFIG_HOME", "/etc/xdg");
+  test::WriteFile(home / ".config/user-dirs.dirs", "XDG_DOWNLOAD_DIR=\"$HOMEX/x\"\n");
+  EXPECT_EQ(DownloadFolder(), home / "Downloads");
+  const ScopedVariable absolute("XDG_CONFIG_HOME", "/etc/xdg/");
   EXPECT_EQ(SettingsRoot(), "/etc/xdg");
 }
 

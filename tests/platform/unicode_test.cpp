@@ -66,5 +66,18 @@ GTEST_TEST(Unicode, Utf16GoesBothWays) {
   EXPECT_EQ(FromUtf16Le("\x3D\xD8"s), "\uFFFD");
 }
 
+GTEST_TEST(Unicode, EndsThatFitTheTerminal) {
+  const struct {
+    const char* text;
+    int columns;
+    const char* end;
+  } rows[] = {{"report.txt", 4, ".txt"},
+              {"report.txt", 10, "report.txt"},
+              {"日本", 3, "本"},
+              {"日本", 4, "日本"},
+              {"a", 0, ""}};
+  for (const auto& row : rows) EXPECT_EQ(EndOfColumns(row.text, row.columns), row.end) << row.text;
+}
+
 }  // namespace
 }  // namespace quendle::platform
