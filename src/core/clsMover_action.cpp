@@ -16,6 +16,12 @@ bool Includes(std::int16_t action, StepKind kind) {
   return (action & static_cast<std::int16_t>(kind)) != 0;
 }
 
+// Through links it would not lead where it seems to, and folders that are made on the way would stay.
+bool HasParentComponent(const std::string& path) {
+  const char separator = Separator(kHostStyle);
+  return AddBackslash(path).find(std::string{separator, '.', '.', separator}) != std::string::npos;
+}
+
 class BusyScope {
  public:
   explicit BusyScope(UserInterface& user) : user_(user) { user_.SetBusy(true); }
@@ -90,6 +96,7 @@ std::string clsMover::KnownProblem(const ActionStep& step) const {
   if (step.kind == StepKind::kExtract && ARCHIVETYPE == 0) return "not an archive that can be extracted";
   if (step.to.empty()) return "no destination folder is set";
   if (!IsAbsolutePath(step.to)) return "the destination folder is not an absolute path";
+  if (HasParentComponent(step.to)) return "the destination folder has \"..\" in it";
   return step.kind == StepKind::kExtract ? "" : PlaceProblem(step);
 }
 

@@ -223,6 +223,7 @@ GTEST_TEST(ClsMover, RefusesWhatCannotBeMeant) {
       {"in/x.txt", 2, folder / "deep/x.txt"},
       {"in/x.txt", 2, ""},
       {"in/x.txt", 4, "relative/x.txt"},
+      {"in/x.txt", 4, folder / "new/../x.txt"},
       {"in/x.txt", 4, folder / "in/x.txt"},
       {"in/d", 2, folder / "in/d"},
       {"in/d", 4, folder / "in/d/e"},
