@@ -78,7 +78,9 @@ void clsMover::SetItemDataToArray() {
   for (std::string& title : titles) {
     // Sorted without regard to case, and of several sections only the first is ever read.
     if (!ProfileIndex.empty() && EqualsIgnoringCase(ProfileIndex.back().Title, title)) {
-      repeated_titles_.push_back(title);
+      if (repeated_titles_.empty() || !EqualsIgnoringCase(repeated_titles_.back(), title)) {
+        repeated_titles_.push_back(title);
+      }
       continue;
     }
     items.Title = title;

@@ -142,7 +142,8 @@ bool clsMover::RunStep(ActionStep* step) {
   if (!done) {
     const platform::Result& failure = operation_.LastFailure();
     step->error = failure.reason;
-    if (!failure.path.empty() && failure.path != step->to) step->error += ": " + failure.path;
+    const bool is_elsewhere = failure.path != step->to && failure.path != ORIGINALPATH;
+    if (is_elsewhere && !failure.path.empty()) step->error += ": " + failure.path;
   }
   return done;
 }

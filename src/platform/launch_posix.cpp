@@ -49,6 +49,7 @@ bool IsInside(const std::string& path, const std::string& folder) {
 
 Result StartProgram(const std::vector<std::string>& arguments) {
   std::vector<char*> raw;
+  raw.reserve(arguments.size() + 1);
   for (const std::string& argument : arguments) raw.push_back(const_cast<char*>(argument.c_str()));
   raw.push_back(nullptr);
 

@@ -75,7 +75,7 @@ std::string FindOnSearchPath(const std::string& name) {
   const std::string folders = EnvironmentVariable("PATH").value_or("/usr/local/bin:/usr/bin:/bin") + ":";
   for (std::size_t begin = 0, end; (end = folders.find(':', begin)) != std::string::npos; begin = end + 1) {
     if (end == begin || folders[begin] != '/') continue;
-    const std::string candidate = folders.substr(begin, end - begin) + "/" + name;
+    std::string candidate = folders.substr(begin, end - begin) + "/" + name;
     if (IsExecutableFile(candidate)) return candidate;
   }
   return "";

@@ -11,7 +11,7 @@
 namespace quendle {
 namespace {
 
-std::string OrElse(std::string text, const std::string& fallback) {
+const std::string& OrElse(const std::string& text, const std::string& fallback) {
   return text.empty() ? fallback : text;
 }
 

@@ -322,9 +322,9 @@ GTEST_TEST(ClsMover, AProfileThatIsNotWhatItWasIsNotUsed) {
 }
 
 GTEST_TEST(ClsMover, SaysWhatIsWrongWithProfiles) {
-  test::Run run(
-      "[a]\nPattern=x\n[A]\nPattern=(\n[long]\nPattern=.*" + std::string(1100, 'x') + "\n[bad]\nPattern=(\n",
-      "", {"/"});
+  test::Run run("[a]\nPattern=x\n[A]\nPattern=(\n[a]\n[long]\nPattern=.*" + std::string(1100, 'x') +
+                    "\n[bad]\nPattern=(\n",
+                "", {"/"});
   const Titles problems = run.mover->ProfileProblems();
   ASSERT_EQ(problems.size(), 3U);
   EXPECT_TRUE(problems[0].starts_with("profile bad: its pattern cannot be used: missing")) << problems[0];
