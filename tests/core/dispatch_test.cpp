@@ -92,8 +92,9 @@ GTEST_TEST(Dispatch, PlansAreWhatIsDone) {
     fs::create_directory_symlink(folder / "1", folder / "link");
     fs::create_directory_symlink(folder / "1/self", folder / "into");
     const auto profile = [&](const std::string& pattern, const std::string& keys, const std::string& move) {
-      return "[" + pattern.substr(2) + "]\nPattern=" + pattern + "\nID=1\n" + keys +
-             "\nMoveTo=" + (folder / move) + "\n";
+      std::string text("[");
+      text.append(pattern.substr(2)).append("]\nPattern=").append(pattern).append("\nID=1\n").append(keys);
+      return text.append("\nMoveTo=").append(folder / move).append("\n");
     };
     const std::string items =
         profile(".*\\.txt", "Action=2\nSmartRename=3", "to") +
