@@ -67,9 +67,9 @@ bool TerminalUser::ShowProgress(const platform::FileProgress& progress, bool sim
   line_shown_ = true;
   std::string line = AmountText(progress, std::chrono::duration<double>(now - begin_).count());
   // A line that wraps could not be taken back.
-  const int left = columns_ - 1 - static_cast<int>(line.size());
-  const std::string name = simple ? "" : "  " + ForDisplay(SplitPath(progress.path).name);
-  line += platform::EndOfColumns(name, std::max(left, 0));
+  const int left = columns_ - 3 - static_cast<int>(line.size());
+  const std::string name = simple ? "" : ForDisplay(SplitPath(progress.path).name);
+  line.append("  ").append(platform::EndOfColumns(name, std::max(left, 0)));
   std::fprintf(stderr, "\r\x1b[K%s", line.c_str());
   std::fflush(stderr);
   return true;

@@ -248,8 +248,11 @@ GTEST_TEST(ClsMover, RefusesWhatCannotBeMeant) {
 GTEST_TEST(ClsMover, FoldersGoBelowTheirDestinationWhetherItExistsOrNot) {
   const test::TempFolder folder;
   test::WriteFile(folder / "d/y", "y");
-  test::Run run("", "", {folder / "d"});
+  test::Run run("[p]\nID=1\nSmartRename=2\n", "", {folder / "d"});
   ASSERT_TRUE(run.mover->SetTarget().ok());
+  std::string why;
+  ASSERT_TRUE(run.mover->FillFromProfile("p", &why)) << why;
+  EXPECT_EQ(run.mover->SMARTRENAME, 1) << "a folder keeps its name";
   run.mover->ACTION = 6;
   run.mover->COPYTO = folder / "new/copies";
   run.mover->MOVETO = folder / "moved";
