@@ -69,6 +69,7 @@ GTEST_TEST(ReadProfile, FindsKeys) {
       {"[a]\r\nk==v=\r\n", "a", "k", "=v="},
       {"[a]\r\nk=v ; w\r\n", "a", "k", "v ; w"},
       {"[a]\r\n;k=v\r\n", "a", ";k", "<none>"},
+      {"[a]\r\n \t;k=v\r\n", "a", ";k", "<none>"},
       {"[a]\r\nk=1\r\nK=2\r\n", "a", "k", "1"},
       {"[a]\r\n[A]\r\nk=2\r\n", "a", "k", "<none>"},  // the first section wins though it has no such key
       {"k=0\r\n[a]\r\n", "a", "k", "<none>"},
@@ -94,6 +95,7 @@ GTEST_TEST(ReadProfile, FindsKeys) {
   }
   EXPECT_EQ(Read(folder.path(), "a", "k"), "<none>");
   EXPECT_EQ(Read(folder / "missing", "a", "k"), "<none>");
+  EXPECT_EQ(ReadProfileString(folder / "missing", "a", "k", " d \t", 1024), " d");
 }
 
 GTEST_TEST(ReadProfile, CutsValuesBetweenCharacters) {
@@ -252,11 +254,13 @@ GTEST_TEST(WriteProfile, RefusesWhatWouldComeBackDifferent) {
     EXPECT_EQ(test::ReadFile(file), row.before);
   }
   test::WriteFile(file, ansi);
-  for (const std::string& body : {"[b]"s, "x=1\r\n[b]"s, "x=1\n[b]"s, "\r"s, "\xFF"s}) {
+  for (const std::string& body : {"[b]"s, "x=1\r\n[b]"s, "x=1\n[b]"s, "\r"s, "\xFF"s, "x\0"s}) {
     EXPECT_EQ(WriteProfileSection(file, "a", body).code, Code::kRefused) << body;
   }
   EXPECT_EQ(WriteProfileSection(file, "a]", "x=1").code, Code::kRefused);
   EXPECT_EQ(test::ReadFile(file), ansi);
+  test::WriteFile(file, "[a]\r\n");
+  EXPECT_EQ(WriteProfileSection(file, "a", "x\0"s).code, Code::kRefused);
   test::WriteFile(file, "\xFE\xFF[\0a\0]\0"s);
   EXPECT_EQ(WriteProfileSection(file, "a", "x=1").code, Code::kRefused);
   EXPECT_EQ(WriteProfileString(folder.path(), "a", "k", "v").code, Code::kIsFolder);
