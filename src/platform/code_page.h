@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/result.h"
+
 namespace quendle::platform {
 
 // The private-use character that stands for byte 0x80 where it belongs to no character of the code page; the
@@ -27,6 +29,10 @@ std::string TextFromAnsi(std::string_view bytes);
 // never text.
 //   "表" => "\x95\x5C"    "é" => nothing    "\uEFFF" => "\xFF"
 std::optional<std::string> AnsiFromText(std::string_view text);
+
+// Refused when the system cannot decode the code page and `text` has characters in it that stand for bytes:
+// stored in another encoding those would never become the characters again that they are.
+Result CheckDecoded(std::string_view text);
 
 // The longest beginning of `text` that takes at most `limit` bytes in the code page, without cutting a
 // character. Characters outside the code page count as two bytes.

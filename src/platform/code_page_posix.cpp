@@ -103,4 +103,15 @@ std::optional<std::string> AnsiFromText(std::string_view text) {
   return bytes;
 }
 
+Result CheckDecoded(std::string_view text) {
+  if (Decoder().is_open()) return Success();
+  while (!text.empty()) {
+    char32_t code_point = 0;
+    if (TakeCodePoint(&text, &code_point) && IsUndecodableByte(code_point)) {
+      return Failure(Code::kRefused, "", "the converter for the code page is not installed");
+    }
+  }
+  return Success();
+}
+
 }  // namespace quendle::platform

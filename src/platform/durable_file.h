@@ -1,5 +1,5 @@
-// Whole files, read and replaced so that a crash, a full disk or another copy of the program never leaves a
-// half.
+// Whole files, read and replaced so that a crash, a full disk or another copy of the program never leaves
+// half of one.
 #pragma once
 
 #include <memory>
@@ -14,16 +14,20 @@ namespace quendle::platform {
 // and files above 256 MiB are kRefused.
 Result ReadWholeFile(const std::string& path, std::string* bytes);
 
-// Replaces the file's content: a new hidden file beside it, written whole, synced, given the old file's mode,
-// renamed over it, folder synced. After a failure the old file has its old bytes and no temporary file is
-// left, unless only syncing the folder failed: then the new bytes are in place and the reason says so. A path
-// that is a symbolic link keeps the link; the file it names is replaced. A missing file is made. A file that
-// must not be written is kDenied.
+// Replaces the file's content: a new hidden file beside it, written whole, synced, given the old file's owner
+// and mode, renamed over it, folder synced. After a failure the old file has its old bytes and no temporary
+// file is left, unless only syncing the folder failed: then the new bytes are in place and the reason says
+// so. A path that is a symbolic link keeps the link; the file it names is replaced. A missing file is made. A
+// file that must not be written is kDenied. Who may not give the new file to the old owner gives it to the
+// old group; who may not do that either takes all rights from the group.
 Result ReplaceFile(const std::string& path, std::string_view bytes);
 
-// An exclusive lock over the folder in which `path` really lies, held until the object goes; other holders,
-// in this and other processes, wait. It excludes those who take it and nobody else. It is a lock on the
-// folder so that no lock file is left behind. Taking it a second time while holding it would wait for ever.
+// An exclusive lock over the folder in which `path` really lies, held until the object goes. It excludes
+// those who take it, in this and other processes, and nobody else. It is a lock on the folder so that no lock
+// file is left behind.
+//
+// Taking it waits for the other holder: for ten seconds (kFailed), or until the user wants the program to
+// stop (kCancelled). Taking it a second time while holding it waits like that, too.
 class FolderLock {
  public:
   static Result Take(const std::string& path, std::unique_ptr<FolderLock>* lock);

@@ -3,7 +3,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstdio>
 #include <random>
@@ -11,6 +13,7 @@
 #include "platform/descriptor_posix.h"
 #include "platform/durable_file.h"
 #include "platform/entry_names_posix.h"
+#include "platform/process.h"
 
 namespace quendle::platform {
 namespace {
@@ -19,6 +22,10 @@ namespace {
 constexpr off_t kGreatestSize = off_t{256} << 20;
 
 constexpr int kMostLinks = 40;
+
+constexpr auto kLongestWait = std::chrono::seconds(10);
+constexpr useconds_t kShortestPause = 1'000;
+constexpr useconds_t kLongestPause = 50'000;
 
 // Follows links in the last component, so that the answer is where the file is or, when it is missing, would
 // be.
@@ -99,14 +106,19 @@ class Replacement {
     return LastSystemFailure(FolderOf(path_));
   }
 
+  // Only the superuser gives files away, but members of a group may give it theirs. Where not even that
+  // works, the rights of the old group must not become those of another.
   Result TakeOver(const struct stat& old) {
     struct stat mine;
     if (fstat(file_.get(), &mine) != 0) return LastSystemFailure(path_);
+    mode_t mode = old.st_mode & 07777;
     if ((mine.st_uid != old.st_uid || mine.st_gid != old.st_gid) &&
-        fchown(file_.get(), old.st_uid, old.st_gid) != 0 && errno != EPERM) {
-      return LastSystemFailure(path_);
+        fchown(file_.get(), old.st_uid, old.st_gid) != 0) {
+      if (errno != EPERM) return LastSystemFailure(path_);
+      constexpr auto kSameOwner = static_cast<uid_t>(-1);
+      if (fchown(file_.get(), kSameOwner, old.st_gid) != 0) mode &= ~mode_t{S_IRWXG | S_ISGID};
     }
-    return fchmod(file_.get(), old.st_mode & 07777) == 0 ? Success() : LastSystemFailure(path_);
+    return fchmod(file_.get(), mode) == 0 ? Success() : LastSystemFailure(path_);
   }
 
   Result Fill(std::string_view bytes) {
@@ -128,8 +140,7 @@ class Replacement {
 
  private:
   int folder_;
-  const std::string&
-      path_;  // of the file to be replaced; failures name it, since nobody knows the temporary one
+  const std::string& path_;  // of the file to be replaced, which failures name: nobody knows the other
   std::string name_;
   Descriptor file_;
 };
@@ -140,12 +151,26 @@ Result OpenFolder(const std::string& folder, Descriptor* handle) {
 }
 
 // Makes the new name itself survive a crash.
-Result SyncFolder(int folder, const std::string& path) {
-  if (Retried([&] { return fsync(folder); }) == 0) return Success();
-  if (errno == EINVAL) return Success();  // this file system does not sync folders
-  Result failure = LastSystemFailure(path);
-  failure.reason += "; the new content is in place but might not survive a crash";
-  return failure;
+Result SyncName(int folder, const std::string& path) {
+  Result result = SyncOpenFolder(folder, path);
+  if (!result.ok()) result.reason += "; the new content is in place but might not survive a crash";
+  return result;
+}
+
+// Tries again and again, since a lock that is waited for inside the system cannot be given up.
+Result WaitForLock(int handle, const std::string& folder) {
+  const auto deadline = std::chrono::steady_clock::now() + kLongestWait;
+  for (useconds_t pause = kShortestPause; flock(handle, LOCK_EX | LOCK_NB) != 0;) {
+    if (errno == EINTR) continue;
+    if (errno != EWOULDBLOCK) return LastSystemFailure(folder);
+    if (InterruptRequested()) return Failure(Code::kCancelled, folder, "interrupted");
+    if (std::chrono::steady_clock::now() > deadline) {
+      return Failure(Code::kFailed, folder, "another program holds the settings folder");
+    }
+    usleep(pause);  // a signal ends it early
+    pause = std::min(pause * 2, kLongestPause);
+  }
+  return Success();
 }
 
 }  // namespace
@@ -170,7 +195,7 @@ Result ReplaceFile(const std::string& path, std::string_view bytes) {
   if (result.ok() && exists) result = replacement.TakeOver(old);
   if (result.ok()) result = replacement.Fill(bytes);
   if (result.ok()) result = replacement.Install();
-  return result.ok() ? SyncFolder(folder.get(), real) : result;
+  return result.ok() ? SyncName(folder.get(), real) : result;
 }
 
 Result FolderLock::Take(const std::string& path, std::unique_ptr<FolderLock>* lock) {
@@ -179,7 +204,7 @@ Result FolderLock::Take(const std::string& path, std::unique_ptr<FolderLock>* lo
   const std::string folder = FolderOf(real);
   Descriptor handle;
   if (Result opened = OpenFolder(folder, &handle); !opened.ok()) return opened;
-  if (Retried([&] { return flock(handle.get(), LOCK_EX); }) != 0) return LastSystemFailure(folder);
+  if (Result locked = WaitForLock(handle.get(), folder); !locked.ok()) return locked;
   lock->reset(new FolderLock(handle.Release()));
   return Success();
 }

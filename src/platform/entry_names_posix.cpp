@@ -97,9 +97,12 @@ int RenameWithoutReplacing(const std::string& from, const std::string& to) {
 Result SyncFolder(const std::string& folder) {
   const Descriptor open_folder(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!open_folder.ok()) return LastSystemFailure(folder);
+  return SyncOpenFolder(open_folder.get(), folder);
+}
+
+Result SyncOpenFolder(int folder, const std::string& shown) {
   // EINVAL: the file system has nothing to sync for a folder.
-  if (Retried([&] { return fsync(open_folder.get()); }) != 0 && errno != EINVAL)
-    return LastSystemFailure(folder);
+  if (Retried([&] { return fsync(folder); }) != 0 && errno != EINVAL) return LastSystemFailure(shown);
   return Success();
 }
 

@@ -39,7 +39,8 @@ Result CheckRemovable(int folder, const char* name, const std::string& shown, co
 // Renames within a file system; 0 or an errno, EEXIST when the new name is taken by anything.
 int RenameWithoutReplacing(const std::string& from, const std::string& to);
 
-// Makes a rename in that folder last through a power failure.
+// Makes a rename in that folder last through a power failure. An open folder is called `shown` in failures.
 Result SyncFolder(const std::string& folder);
+Result SyncOpenFolder(int folder, const std::string& shown);
 
 }  // namespace quendle::platform

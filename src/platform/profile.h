@@ -2,31 +2,36 @@
 //
 // A file is text in the ANSI code page, or UTF-16 little-endian when its first bytes are the mark FF FE.
 // Lines and section headers are those of platform/profile_lines.h. A key line is a body line with "=" in it
-// whose first character is not ";"; blanks (space and tab) around key and value do not count, and one pair of
-// quotes (" or ') that encloses the whole value is not part of it. Names of sections and keys are compared
-// without regard to case; the first section and the first key of a name win.
+// whose first character, blanks aside, is not ";". Blanks (space and tab) around key and value do not count,
+// and one pair of quotes (" or ') that encloses the whole value is not part of it. Names of sections and keys
+// are compared without regard to case; the first section and the first key of a name win.
 //
 // Reads see the file as it is now: the last parse of a file is kept and used again only while the file's
-// device, inode, size and time of change stay the same. A missing or unreadable file reads as an empty one.
+// device, inode, mode, size and times of change stay the same. A missing or unreadable file reads as an empty
+// one.
 //
 // Writes replace the file as a whole (platform/durable_file.h) under the lock that every copy of this program
 // takes, so two processes that write different keys at the same time lose nothing, and a failed write leaves
 // the old bytes. Lines that a write does not concern keep their bytes, and new lines end like the others of
 // the file. Text that the code page cannot hold turns the file into UTF-16 little-endian with its mark
-// followed by a line break, so that the first header starts a line of its own.
+// followed by a line break, so that the first header starts a line of its own; that is refused when the
+// system lacks the converter which the old text needs. Every change to a file is refused that begins with FF
+// or FE but not with the mark FF FE.
 #pragma once
 
 #include <cstddef>
-#include <optional>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/result.h"
 
 namespace quendle::platform {
 
-// The value of a key, or `fallback` when section or key are missing; either is cut to `buffer_bytes` - 1
-// bytes of the ANSI code page and at its first NUL. An empty value is an empty string.
+// The value of a key, or `fallback` without the blanks at its end when section or key are missing; either is
+// cut to `buffer_bytes` - 1 bytes of the ANSI code page and at its first NUL. An empty value is an empty
+// string.
 std::string ReadProfileString(const std::string& file, const std::string& section, const std::string& key,
                               const std::string& fallback, std::size_t buffer_bytes);
 
@@ -37,18 +42,35 @@ std::string ReadProfileString(const std::string& file, const std::string& sectio
 // Refused (kRefused, file untouched), since it would come back as something else: a line break or NUL in
 // section, key or value; text that is not UTF-8; an empty section or key; a section that ends in "]"; a key
 // with "=", with blanks at an end, or that begins with ";"; a key and value that together read as a header
-// line. Every write to a file is refused that begins with FF or FE but not with the mark FF FE.
+// line.
 Result WriteProfileString(const std::string& file, const std::string& section, const std::string& key,
                           const std::string& value);
+
+// Makes a file of one section with these keys and values, each written and refused as WriteProfileString
+// does. A file that is there already is left as it is, also one that another process has just made.
+using KeysAndValues = std::vector<std::pair<std::string, std::string>>;
+Result CreateProfile(const std::string& file, const std::string& section, const KeysAndValues& keys);
 
 // Removes every section of that name, header and body. A missing file or section is a success.
 Result DeleteProfileSection(const std::string& file, const std::string& section);
 
 // Replaces the whole body of the first section of that name, or appends the section. `body` is lines joined
-// by
-// "\r\n", written as they are, each ended by the file's separator; a "\r\n" at its end adds no blank line.
-// Refused: a bad section name as above, text that is not UTF-8, a body line that is a header line, and a lone
-// line break in a file whose lines are separated by such.
+// by "\r\n", written as they are, each ended by the file's separator; a "\r\n" at its end adds no blank line.
+// Refused: a bad section name as above, text that is not UTF-8, a NUL, a body line that is a header line, and
+// a lone line break in a file whose lines are separated by such.
 Result WriteProfileSection(const std::string& file, const std::string& section, const std::string& body);
+
+// The following two leave a file without separators as it is: it has no sections then.
+
+// Changes the first header of the old name; separators become "\r\n". A missing section is a success.
+// Refused: a bad new name as above.
+Result RenameProfileSection(const std::string& file, const std::string& old_name,
+                            const std::string& new_name);
+
+// Rewrites the file with nothing in it but its sections, in the order of the names that `order` answers when
+// it is given all the file's names: each name once with the body of its first section, no empty lines, "\r\n"
+// behind every line. UTF-16 becomes the code page where that holds the text. No names leave the file alone.
+using SectionOrder = std::function<std::vector<std::string>(std::vector<std::string>)>;
+Result ArrangeProfile(const std::string& file, const SectionOrder& order);
 
 }  // namespace quendle::platform

@@ -10,7 +10,7 @@
 namespace quendle::platform {
 namespace {
 
-std::string_view TrimBlanks(std::string_view text) {
+std::string_view TrimSpaces(std::string_view text) {
   constexpr std::string_view kBlanks = " \t";
   const std::size_t begin = text.find_first_not_of(kBlanks);
   if (begin == std::string_view::npos) return {};
@@ -34,15 +34,14 @@ constexpr std::uint64_t kOffsetMask = 0xFFFFFFFF;
 
 std::optional<KeyLine> ParseKeyLine(std::string_view line) {
   const std::size_t equals_sign = line.find('=');
-  if (equals_sign == std::string_view::npos || line.front() == ';') return std::nullopt;
-  return KeyLine{TrimBlanks(line.substr(0, equals_sign)),
-                 WithoutQuotes(TrimBlanks(line.substr(equals_sign + 1)))};
+  if (equals_sign == std::string_view::npos) return std::nullopt;
+  const std::string_view key = TrimSpaces(line.substr(0, equals_sign));
+  if (key.starts_with(';')) return std::nullopt;
+  return KeyLine{key, WithoutQuotes(TrimSpaces(line.substr(equals_sign + 1)))};
 }
 
 std::string DecodeProfile(std::string_view bytes) {
-  if (!IsTakenForUtf16(bytes)) return TextFromAnsi(bytes);
-  if (bytes.starts_with(kUtf16LeMark)) bytes.remove_prefix(kUtf16LeMark.size());
-  return FromUtf16Le(bytes);
+  return IsTakenForUtf16(bytes) ? WithoutMark(FromUtf16Le(bytes)) : TextFromAnsi(bytes);
 }
 
 ProfileDocument::ProfileDocument(std::string_view bytes)

@@ -11,7 +11,7 @@ namespace quendle::platform {
 
 // What a body line says about a key, as parts of that line: both without the blanks around them, the value
 // without enclosing quotes.
-//   " a = \" b \" " => "a", " b "    ";a=1" => nothing    "a" => nothing    "a==b" => "a", "=b"
+//   " a = \" b \" " => "a", " b "    " ;a=1" => nothing    "a" => nothing    "a==b" => "a", "=b"
 struct KeyLine {
   std::string_view key;
   std::string_view value;

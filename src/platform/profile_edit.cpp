@@ -1,100 +1,17 @@
 #include "platform/profile_edit.h"
 
 #include <optional>
+#include <unordered_map>
 #include <utility>
-#include <vector>
 
 #include "platform/code_page.h"
 #include "platform/profile_document.h"
+#include "platform/profile_editor.h"
 #include "platform/profile_lines.h"
 #include "platform/unicode.h"
 
 namespace quendle::platform {
 namespace {
-
-constexpr std::string_view kNewSeparator = "\r\n";
-
-struct LineRange {
-  std::size_t first;
-  std::size_t last;  // the one behind it
-};
-
-// A file's bytes beside their text: lines are found in the text and replaced in the bytes.
-class Editor {
- public:
-  explicit Editor(std::string_view bytes)
-      : bytes_(bytes), text_(DecodeProfile(bytes)), is_utf16_(IsTakenForUtf16(bytes)) {
-    // Half a unit at the end reads as nothing, and would shift everything written after it by one byte.
-    if (is_utf16_) bytes_.resize(bytes_.size() / 2 * 2);
-    separator_ = LineSeparatorOf(text_);
-    if (text_.find(separator_) == std::string::npos) separator_ = kNewSeparator;
-    FindLines();
-  }
-
-  const std::string& text() const { return text_; }
-  std::string_view separator() const { return separator_; }
-  std::size_t line_count() const { return line_begins_.size() - 1; }
-
-  // Puts new lines, each with a separator at its end, in place of the lines from `first` to before `last`.
-  void ReplaceLines(std::size_t first, std::size_t last, const std::vector<std::string>& lines) {
-    const bool continues_open_line = first == line_count() && !text_.empty() && !text_.ends_with(separator_);
-    std::string text(continues_open_line ? separator_ : "");
-    for (const std::string& line : lines) text.append(line).append(separator_);
-    std::optional<std::string> encoded = is_utf16_ ? ToUtf16Le(text) : AnsiFromText(text);
-    if (!encoded) {
-      TurnIntoUtf16();
-      ++first;
-      ++last;
-      encoded = ToUtf16Le(text);
-    }
-    bytes_.replace(line_begins_[first], line_begins_[last] - line_begins_[first], *encoded);
-  }
-
-  void RemoveLines(const std::vector<LineRange>& ranges) {
-    std::string kept;
-    std::size_t next = 0;
-    for (const LineRange& range : ranges) {
-      kept.append(bytes_, next, line_begins_[range.first] - next);
-      next = line_begins_[range.last];
-    }
-    bytes_ = kept.append(bytes_, next);
-  }
-
-  std::string TakeBytes() { return std::move(bytes_); }
-
- private:
-  // The code page's second bytes of characters are all above those of line breaks, so that separators can be
-  // looked for in its bytes as they are.
-  void FindLines() {
-    const std::string separator = is_utf16_ ? ToUtf16Le(separator_) : std::string(separator_);
-    const std::size_t unit = is_utf16_ ? 2 : 1;
-    std::size_t begin = bytes_.starts_with(kUtf16LeMark) ? kUtf16LeMark.size() : 0;
-    line_begins_ = {begin};
-    for (std::size_t at = begin; (at = bytes_.find(separator, at)) != std::string::npos;) {
-      if (at % unit != 0) {
-        ++at;
-        continue;
-      }
-      at += separator.size();
-      line_begins_.push_back(at);
-    }
-    // What lies behind the last line: every line, also the last, then ends where the next begins.
-    line_begins_.push_back(bytes_.size());
-  }
-
-  // Adds an empty line in front of all others.
-  void TurnIntoUtf16() {
-    bytes_ = std::string(kUtf16LeMark) + ToUtf16Le(separator_) + ToUtf16Le(text_);
-    is_utf16_ = true;
-    FindLines();
-  }
-
-  std::string bytes_;
-  std::string text_;
-  bool is_utf16_;
-  std::string_view separator_;
-  std::vector<std::size_t> line_begins_;
-};
 
 Result Refusal(std::string reason) {
   return Failure(Code::kRefused, "", std::move(reason));
@@ -126,7 +43,8 @@ Result CheckKeyAndValue(std::string_view key, std::string_view value) {
     return Refusal("the key contains \"=\", begins with \";\" or has blanks at an end");
   }
   if (HasBreak(value)) return Refusal("the value contains a line break or NUL");
-  if (!IsUtf8(key) || !IsUtf8(value)) return Refusal("the key or the value is not valid UTF-8");
+  if (!IsUtf8(key)) return Refusal("the key is not valid UTF-8");
+  if (!IsUtf8(value)) return Refusal("the value of \"" + std::string(key) + "\" is not valid UTF-8");
   return Success();
 }
 
@@ -137,28 +55,33 @@ std::string KeyLineText(std::string_view key, std::string_view value) {
   return line.append("\"").append(value).append("\"");
 }
 
-std::string HeaderText(std::string_view section) {
-  return std::string("[").append(section).append("]");
-}
-
-// All sections of that name, headers included.
-std::vector<LineRange> FindSections(const Editor& editor, std::string_view name) {
-  const std::string upper_name = UpperCase(name);
-  std::vector<LineRange> sections;
-  bool is_inside = false;
+// Calls `visit(lines, name)` for every section; the lines include the header.
+template <typename Visit>
+void VisitSections(const ProfileEditor& editor, Visit visit) {
+  std::optional<LineRange> section;
+  std::string_view name;
   ProfileLineReader reader(editor.text(), editor.separator());
   std::size_t number = 0;
   for (std::string_view line; reader.Next(&line); ++number) {
     if (!IsHeaderLine(line)) continue;
-    if (is_inside) sections.back().last = number;
-    is_inside = UpperCase(HeaderName(line)) == upper_name;
-    if (is_inside) sections.push_back({number, editor.line_count()});
+    if (section) visit(LineRange{section->first, number}, name);
+    section = {number, editor.line_count()};
+    name = HeaderName(line);
   }
+  if (section) visit(*section, name);
+}
+
+std::vector<LineRange> FindSections(const ProfileEditor& editor, std::string_view wanted) {
+  const std::string upper_name = UpperCase(wanted);
+  std::vector<LineRange> sections;
+  VisitSections(editor, [&](const LineRange& lines, std::string_view name) {
+    if (UpperCase(name) == upper_name) sections.push_back(lines);
+  });
   return sections;
 }
 
 // The line of the key, or the empty range behind the last line of the section that is not blank.
-LineRange PlaceOfKey(const Editor& editor, const LineRange& section, std::string_view key) {
+LineRange PlaceOfKey(const ProfileEditor& editor, const LineRange& section, std::string_view key) {
   const std::string upper_key = UpperCase(key);
   std::size_t behind_last = section.first + 1;
   ProfileLineReader reader(editor.text(), editor.separator());
@@ -174,10 +97,11 @@ LineRange PlaceOfKey(const Editor& editor, const LineRange& section, std::string
 
 Result SplitBody(std::string_view body, std::string_view separator, std::vector<std::string>* lines) {
   if (!IsUtf8(body)) return Refusal("the section body is not valid UTF-8");
-  ProfileLineReader reader(body, kNewSeparator);
+  if (body.find('\0') != std::string_view::npos) return Refusal("the section body contains NUL");
+  ProfileLineReader reader(body, ProfileEditor::kNewSeparator);
   for (std::string_view line; reader.Next(&line);) {
     if (IsHeaderLine(line)) return Refusal("the section body contains a section header");
-    if (separator != kNewSeparator && HasBreak(line)) {
+    if (separator != ProfileEditor::kNewSeparator && HasBreak(line)) {
       return Refusal("a line of the section body contains a line break");
     }
     lines->emplace_back(line);
@@ -185,6 +109,44 @@ Result SplitBody(std::string_view body, std::string_view separator, std::vector<
   if (lines->back().empty()) lines->pop_back();
   return Success();
 }
+
+// Where the lines of a section to be arranged are: the first header spelled like that, and the body that
+// belongs to the name however it is spelled.
+class SectionIndex {
+ public:
+  explicit SectionIndex(const ProfileEditor& editor) : editor_(editor) {
+    VisitSections(editor, [this](const LineRange& lines, std::string_view name) {
+      names_.emplace_back(name);
+      headers_.try_emplace(names_.back(), lines.first);
+      bodies_.try_emplace(UpperCase(name), LineRange{lines.first + 1, lines.last});
+    });
+  }
+
+  const std::vector<std::string>& names() const { return names_; }
+
+  // The bytes of the sections in this order, each name once, without empty lines.
+  std::string Arranged(const std::vector<std::string>& names) {
+    std::string bytes(editor_.Mark());
+    const std::string separator = editor_.NewSeparatorBytes();
+    for (const std::string& name : names) {
+      const auto body = bodies_.find(UpperCase(name));
+      if (body == bodies_.end()) continue;  // written already
+      bytes.append(editor_.LineBytes(headers_.at(name))).append(separator);
+      for (std::size_t number = body->second.first; number < body->second.last; ++number) {
+        const std::string_view line = editor_.LineBytes(number);
+        if (!line.empty()) bytes.append(line).append(separator);
+      }
+      bodies_.erase(body);
+    }
+    return bytes;
+  }
+
+ private:
+  const ProfileEditor& editor_;
+  std::vector<std::string> names_;
+  std::unordered_map<std::string, std::size_t> headers_;
+  std::unordered_map<std::string, LineRange> bodies_;
+};
 
 }  // namespace
 
@@ -194,19 +156,20 @@ Result SetKey(std::string_view section, std::string_view key, std::string_view v
   }
   const std::string line = KeyLineText(key, value);
   if (IsHeaderLine(line)) return Refusal("the key and the value together read as a section header");
-  Editor editor(*bytes);
+  ProfileEditor editor(*bytes);
+  Result result;
   if (const std::vector<LineRange> found = FindSections(editor, section); !found.empty()) {
     const LineRange place = PlaceOfKey(editor, found.front(), key);
-    editor.ReplaceLines(place.first, place.last, {line});
+    result = editor.ReplaceLines(place.first, place.last, {line});
   } else {
-    editor.ReplaceLines(editor.line_count(), editor.line_count(), {HeaderText(section), line});
+    result = editor.ReplaceLines(editor.line_count(), editor.line_count(), {HeaderText(section), line});
   }
   *bytes = editor.TakeBytes();
-  return Success();
+  return result;
 }
 
 Result RemoveSections(std::string_view section, std::string* bytes) {
-  Editor editor(*bytes);
+  ProfileEditor editor(*bytes);
   const std::vector<LineRange> found = FindSections(editor, section);
   if (found.empty()) return Success();
   if (Result check = CheckFile(*bytes); !check.ok()) return check;
@@ -219,16 +182,43 @@ Result SetBody(std::string_view section, std::string_view body, std::string* byt
   for (const Result& check : {CheckFile(*bytes), CheckSection(section)}) {
     if (!check.ok()) return check;
   }
-  Editor editor(*bytes);
+  ProfileEditor editor(*bytes);
   std::vector<std::string> lines;
   if (Result split = SplitBody(body, editor.separator(), &lines); !split.ok()) return split;
+  Result result;
   if (const std::vector<LineRange> found = FindSections(editor, section); !found.empty()) {
-    editor.ReplaceLines(found.front().first + 1, found.front().last, lines);
+    result = editor.ReplaceLines(found.front().first + 1, found.front().last, lines);
   } else {
     lines.insert(lines.begin(), HeaderText(section));
-    editor.ReplaceLines(editor.line_count(), editor.line_count(), lines);
+    result = editor.ReplaceLines(editor.line_count(), editor.line_count(), lines);
   }
   *bytes = editor.TakeBytes();
+  return result;
+}
+
+Result RenameFirstSection(std::string_view old_name, std::string_view new_name, std::string* bytes) {
+  if (Result check = CheckSection(new_name); !check.ok()) return check;
+  ProfileEditor editor(*bytes);
+  const std::vector<LineRange> found = FindSections(editor, old_name);
+  if (found.empty() || !editor.has_separators()) return Success();
+  if (Result check = CheckFile(*bytes); !check.ok()) return check;
+  editor.RenewSeparators();
+  Result result = editor.ReplaceLine(found.front().first, HeaderText(new_name));
+  *bytes = editor.TakeBytes();
+  return result;
+}
+
+Result ArrangeSections(const SectionOrder& order, std::string* bytes) {
+  const ProfileEditor editor(*bytes);
+  if (!editor.has_separators()) return Success();
+  SectionIndex index(editor);
+  const std::vector<std::string> names = order(index.names());
+  if (names.empty()) return Success();
+  if (Result check = CheckFile(*bytes); !check.ok()) return check;
+  std::string arranged = index.Arranged(names);
+  std::optional<std::string> ansi;
+  if (editor.is_utf16()) ansi = AnsiFromText(DecodeProfile(arranged));
+  *bytes = ansi ? *ansi : arranged;
   return Success();
 }
 

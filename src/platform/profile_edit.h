@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/profile.h"
 #include "platform/result.h"
 
 namespace quendle::platform {
@@ -12,5 +13,7 @@ namespace quendle::platform {
 Result SetKey(std::string_view section, std::string_view key, std::string_view value, std::string* bytes);
 Result RemoveSections(std::string_view section, std::string* bytes);
 Result SetBody(std::string_view section, std::string_view body, std::string* bytes);
+Result RenameFirstSection(std::string_view old_name, std::string_view new_name, std::string* bytes);
+Result ArrangeSections(const SectionOrder& order, std::string* bytes);
 
 }  // namespace quendle::platform

@@ -32,4 +32,8 @@ std::string_view HeaderName(std::string_view line) {
   return line.substr(1, line.size() - 2);
 }
 
+std::string HeaderText(std::string_view name) {
+  return std::string("[").append(name).append("]");
+}
+
 }  // namespace quendle::platform

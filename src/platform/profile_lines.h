@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -34,7 +35,8 @@ class ProfileLineReader {
 //   "[a]" => true    " [a]" => false    "[a] " => false    "[]" => true    "[" => false
 bool IsHeaderLine(std::string_view line);
 
-// The name in a header line: what stands between its brackets.
+// The name in a header line: what stands between its brackets. And back.
 std::string_view HeaderName(std::string_view line);
+std::string HeaderText(std::string_view name);
 
 }  // namespace quendle::platform

@@ -1,14 +1,13 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <ctime>
-#include <functional>
 #include <memory>
-#include <mutex>
-#include <utility>
 
 #include "platform/code_page.h"
 #include "platform/durable_file.h"
+#include "platform/entry_names_posix.h"
 #include "platform/profile.h"
 #include "platform/profile_document.h"
 #include "platform/profile_edit.h"
@@ -16,50 +15,33 @@
 namespace quendle::platform {
 namespace {
 
-constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
-
-// The clock that stamps files advances in steps of up to 10 ms. A file changed less than this long before it
-// was read may be changed once more under the same stamp.
-constexpr std::int64_t kClockStep = 20'000'000;
-
 constexpr std::size_t kMostParses = 4;
 
 std::int64_t Nanoseconds(const timespec& time) {
-  return std::int64_t{time.tv_sec} * kNanosecondsPerSecond + time.tv_nsec;
+  return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
 }
 
-// What a file looks like from outside; a file whose content changed looks different, old changes provided.
-struct Looks {
-  dev_t device = 0;
-  ino_t inode = 0;
-  off_t size = 0;
-  std::int64_t write_time = 0;
-  std::int64_t change_time = 0;  // cannot be set by anyone, and moves with every write and rename
-
-  bool operator==(const Looks&) const = default;
-};
-
-bool LookAt(const std::string& file, Looks* looks) {
-  struct stat entry;
-  if (stat(file.c_str(), &entry) != 0) return false;
-  *looks = {entry.st_dev, entry.st_ino, entry.st_size, Nanoseconds(entry.st_mtim),
-            Nanoseconds(entry.st_ctim)};
-  return true;
+// A file changed only just before it was read may be changed once more under the same stamp. The clock that
+// stamps files advances in steps of up to 10 ms. FAT keeps whole, even seconds: so may any file without
+// nanoseconds.
+bool IsSettled(const struct stat& entry, const timespec& now) {
+  const std::int64_t step = entry.st_ctim.tv_nsec == 0 ? 2'500'000'000 : 20'000'000;
+  return Nanoseconds(entry.st_ctim) < Nanoseconds(now) - step;
 }
 
 using Parse = std::shared_ptr<const ProfileDocument>;
 
 // The parses of the files read last. A settings window reads some twenty keys in a row, a list of profiles
-// one key of each of thousands of sections.
+// one key of each of thousands of sections. The time of change, which is among what is compared, cannot be
+// set by anyone and moves with every write and rename.
 class ParseCache {
  public:
   Parse Get(const std::string& file) {
-    Looks before;
-    if (!LookAt(file, &before)) return nullptr;
-    const std::scoped_lock guard(mutex_);
+    struct stat before;
+    if (stat(file.c_str(), &before) != 0) return nullptr;
     const auto kept = std::find_if(entries_.begin(), entries_.end(),
                                    [&](const Entry& entry) { return entry.file == file; });
-    if (kept != entries_.end() && kept->looks == before) {
+    if (kept != entries_.end() && IsUnchanged(kept->status, before)) {
       std::rotate(entries_.begin(), kept, kept + 1);  // the one used last comes first
       return entries_.front().parse;
     }
@@ -70,28 +52,32 @@ class ParseCache {
  private:
   struct Entry {
     std::string file;
-    Looks looks;
+    struct stat status;
     Parse parse;
   };
 
-  Parse Read(const std::string& file, const Looks& before) {
+  Parse Read(const std::string& file, const struct stat& before) {
     timespec now;
     clock_gettime(CLOCK_REALTIME, &now);
     std::string bytes;
     if (!ReadWholeFile(file, &bytes).ok()) return nullptr;
     Parse parse = std::make_shared<const ProfileDocument>(bytes);
-    Looks after;
-    const bool is_settled = before.change_time < Nanoseconds(now) - kClockStep;
-    if (is_settled && LookAt(file, &after) && before == after) {
+    struct stat after;
+    if (IsSettled(before, now) && stat(file.c_str(), &after) == 0 && IsUnchanged(before, after)) {
       if (entries_.size() == kMostParses) entries_.pop_back();
       entries_.insert(entries_.begin(), {file, before, parse});
     }
     return parse;
   }
 
-  std::mutex mutex_;
   std::vector<Entry> entries_;
 };
+
+// A failure of an edit knows no file.
+Result At(const std::string& file, Result edited) {
+  edited.path = file;
+  return edited;
+}
 
 Result ChangeProfile(const std::string& file, const std::function<Result(std::string*)>& edit) {
   std::unique_ptr<FolderLock> lock;
@@ -100,10 +86,7 @@ Result ChangeProfile(const std::string& file, const std::function<Result(std::st
   Result read = ReadWholeFile(file, &old_bytes);
   if (!read.ok() && read.code != Code::kNotFound) return read;
   std::string bytes = old_bytes;
-  if (Result edited = edit(&bytes); !edited.ok()) {
-    edited.path = file;
-    return edited;
-  }
+  if (const Result edited = edit(&bytes); !edited.ok()) return At(file, edited);
   return bytes == old_bytes ? Success() : ReplaceFile(file, bytes);
 }
 
@@ -113,7 +96,8 @@ std::string ReadProfileString(const std::string& file, const std::string& sectio
                               const std::string& fallback, std::size_t buffer_bytes) {
   static ParseCache cache;
   const Parse parse = cache.Get(file);
-  std::string_view value = parse == nullptr ? fallback : parse->FindValue(section, key).value_or(fallback);
+  const std::string_view instead = std::string_view(fallback).substr(0, fallback.find_last_not_of(" \t") + 1);
+  std::string_view value = parse == nullptr ? instead : parse->FindValue(section, key).value_or(instead);
   value = value.substr(0, value.find('\0'));
   return std::string(CutToAnsiBytes(value, std::max<std::size_t>(buffer_bytes, 1) - 1));
 }
@@ -123,6 +107,18 @@ Result WriteProfileString(const std::string& file, const std::string& section, c
   return ChangeProfile(file, [&](std::string* bytes) { return SetKey(section, key, value, bytes); });
 }
 
+Result CreateProfile(const std::string& file, const std::string& section, const KeysAndValues& keys) {
+  std::unique_ptr<FolderLock> lock;
+  if (Result taken = FolderLock::Take(file, &lock); !taken.ok()) return taken;
+  struct stat present;
+  if (stat(file.c_str(), &present) == 0 && !S_ISDIR(present.st_mode)) return Success();
+  std::string bytes;
+  for (const auto& [key, value] : keys) {
+    if (const Result set = SetKey(section, key, value, &bytes); !set.ok()) return At(file, set);
+  }
+  return ReplaceFile(file, bytes);
+}
+
 Result DeleteProfileSection(const std::string& file, const std::string& section) {
   Result result = ChangeProfile(file, [&](std::string* bytes) { return RemoveSections(section, bytes); });
   return result.code == Code::kNotFound ? Success() : result;
@@ -130,6 +126,16 @@ Result DeleteProfileSection(const std::string& file, const std::string& section)
 
 Result WriteProfileSection(const std::string& file, const std::string& section, const std::string& body) {
   return ChangeProfile(file, [&](std::string* bytes) { return SetBody(section, body, bytes); });
+}
+
+Result RenameProfileSection(const std::string& file, const std::string& old_name,
+                            const std::string& new_name) {
+  return ChangeProfile(file,
+                       [&](std::string* bytes) { return RenameFirstSection(old_name, new_name, bytes); });
+}
+
+Result ArrangeProfile(const std::string& file, const SectionOrder& order) {
+  return ChangeProfile(file, [&](std::string* bytes) { return ArrangeSections(order, bytes); });
 }
 
 }  // namespace quendle::platform

@@ -133,6 +133,11 @@ std::string ToUtf16Le(std::string_view text) {
   return bytes;
 }
 
+std::string WithoutMark(std::string text) {
+  if (text.starts_with(kMark)) text.erase(0, kMark.size());
+  return text;
+}
+
 bool IsTakenForUtf16(std::string_view bytes) {
   return bytes.starts_with('\xFF') || bytes.starts_with('\xFE');
 }

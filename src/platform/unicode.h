@@ -12,8 +12,7 @@ inline constexpr char32_t kReplacementCharacter = 0xFFFD;
 
 // Takes the first code point off `text`, which must not be empty, and stores it. False means that the first
 // byte begins no valid UTF-8 sequence (overlong forms and surrogates are invalid): that one byte is taken off
-// and
-// `*code_point` is its value.
+// and `*code_point` is its value.
 bool TakeCodePoint(std::string_view* text, char32_t* code_point);
 
 void AppendCodePoint(char32_t code_point, std::string* text);
@@ -26,7 +25,10 @@ bool IsUtf8(std::string_view bytes);
 std::string WithReplacementCharacters(std::string_view bytes);
 
 // Upper case by Unicode's simple mapping, one code point for one, whatever the locale. Invalid bytes stay.
-//   "readme.txt" => "README.TXT"    "ｆｕｌｌ" => "ＦＵＬＬ"    "ж" => "Ж"    "ⅲ" => "Ⅲ"
+//   "readme.txt" => "README.TXT"
+//   "ｆｕｌｌ" => "ＦＵＬＬ"
+//   "ж" => "Ж"
+//   "ⅲ" => "Ⅲ"
 std::string UpperCase(std::string_view text);
 
 // The longest end of `text` that takes at most `columns` columns of a terminal, on which a Japanese character takes two.
@@ -40,6 +42,7 @@ std::string ToUtf16Le(std::string_view text);
 
 inline constexpr std::string_view kMark = "\uFEFF";
 inline constexpr std::string_view kUtf16LeMark = "\xFF\xFE";
+std::string WithoutMark(std::string text);
 
 // Is a file with these bytes taken for UTF-16? Its first byte alone decides, so that the big-endian mark
 // counts too; everything is read as little-endian all the same.

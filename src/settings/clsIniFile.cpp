@@ -1,13 +1,9 @@
 #include "settings/clsIniFile.h"
 
 #include <algorithm>
-#include <memory>
-#include <unordered_map>
-#include <utility>
 
 #include "base/modString.h"
 #include "base/modSystem.h"
-#include "platform/durable_file.h"
 #include "platform/profile.h"
 #include "platform/profile_lines.h"
 #include "platform/unicode.h"
@@ -24,12 +20,10 @@ constexpr std::string_view kLineBreak = "\r\n";
 
 using Lines = std::vector<std::string_view>;
 
-// A file's text without its mark. With the mark in it the first line would be no header, and the first
-// section would be missing; a rename would write a second mark in front of it.
-std::string ReadText(const std::string& path, bool* is_unicode) {
-  std::string text = ReadTextFile(path, is_unicode);
-  if (*is_unicode && text.starts_with(platform::kMark)) text.erase(0, platform::kMark.size());
-  return text;
+// With the mark in it the first line would be no header, and the first section would be missing.
+std::string ReadText(const std::string& path) {
+  bool is_unicode = false;
+  return platform::WithoutMark(ReadTextFile(path, &is_unicode));
 }
 
 // A text that cannot be split has no lines at all, not one: a lone "[General]" is no section.
@@ -49,20 +43,8 @@ std::int32_t CountUnlessFirstIsEmpty(std::vector<std::string>* array) {
   return static_cast<std::int32_t>(array->size());
 }
 
-std::int32_t ListSections(const Lines& lines, std::vector<std::string>* names) {
-  names->clear();
-  for (const std::string_view line : lines) {
-    if (platform::IsHeaderLine(line)) names->emplace_back(platform::HeaderName(line));
-  }
-  return CountUnlessFirstIsEmpty(names);
-}
-
-std::string HeaderText(const std::string& section) {
-  return "[" + section + "]";
-}
-
 Lines::const_iterator FindHeader(const Lines& lines, const std::string& section) {
-  const std::string wanted = platform::UpperCase(HeaderText(section));
+  const std::string wanted = platform::UpperCase(platform::HeaderText(section));
   return std::find_if(lines.begin(), lines.end(),
                       [&wanted](std::string_view line) { return platform::UpperCase(line) == wanted; });
 }
@@ -76,34 +58,20 @@ std::string BodyFrom(Lines::const_iterator header, Lines::const_iterator end) {
   return body;
 }
 
-// The sections' text, with names[i] as the i-th header over the body of the first section of that name.
-std::string Assemble(const std::vector<std::string>& names, const Lines& lines) {
-  std::unordered_map<std::string, std::string> bodies;
-  for (auto line = lines.begin(); line != lines.end(); ++line) {
-    if (!platform::IsHeaderLine(*line)) continue;
-    const auto [body, is_first] = bodies.try_emplace(platform::UpperCase(platform::HeaderName(*line)));
-    if (is_first) body->second = BodyFrom(line, lines.end());
-  }
-  std::string text;
-  for (const std::string& name : names) {
-    const auto body = bodies.find(platform::UpperCase(name));
-    if (body == bodies.end()) continue;  // written already
-    text.append(HeaderText(name)).append(kLineBreak).append(body->second);
-    bodies.erase(body);
-  }
-  return text;
-}
-
 }  // namespace
 
+// Sizes that are permitted do not take effect:
+//   0 => 1024
+//   below 256 => 256
+//   256 to 131072 => 1024
+//   above 131072 => 131072
 void clsIniFile::pBUFFER(std::int32_t size) {
   if (size != 0 && size < kSmallestBuffer) {
     buffer_ = kSmallestBuffer;
   } else if (size > kGreatestBuffer) {
     buffer_ = kGreatestBuffer;
   } else {
-    buffer_ =
-        kDefaultBuffer;  // not `size`: what is permitted has never taken effect, and nobody relies on it
+    buffer_ = kDefaultBuffer;
   }
 }
 
@@ -124,16 +92,18 @@ void clsIniFile::DeleteSection(const std::string& section) {
 }
 
 std::int32_t clsIniFile::EnumSection(std::vector<std::string>* names) const {
-  bool is_unicode = false;
-  const std::string text = ReadText(pFileName, &is_unicode);
-  return ListSections(LinesOf(text), names);
+  const std::string text = ReadText(pFileName);
+  names->clear();
+  for (const std::string_view line : LinesOf(text)) {
+    if (platform::IsHeaderLine(line)) names->emplace_back(platform::HeaderName(line));
+  }
+  return CountUnlessFirstIsEmpty(names);
 }
 
 std::int32_t clsIniFile::EnumSectionItem(const std::string& section, std::vector<std::string>* items) const {
-  bool is_unicode = false;
-  const std::string text = ReadText(pFileName, &is_unicode);
+  const std::string text = ReadText(pFileName);
   const Lines lines = LinesOf(text);
-  const auto header = std::find(lines.begin(), lines.end(), HeaderText(section));
+  const auto header = std::find(lines.begin(), lines.end(), platform::HeaderText(section));
   if (header == lines.end()) return LeaveOneEmpty(items);
   auto end = std::find_if(header + 1, lines.end(), platform::IsHeaderLine);
   if (end == lines.end() - 1) ++end;  // a header that is the last line belongs to the items
@@ -142,8 +112,7 @@ std::int32_t clsIniFile::EnumSectionItem(const std::string& section, std::vector
 }
 
 std::string clsIniFile::GetSectionData(const std::string& section) const {
-  bool is_unicode = false;
-  const std::string text = ReadText(pFileName, &is_unicode);
+  const std::string text = ReadText(pFileName);
   const Lines lines = LinesOf(text);
   const auto header = FindHeader(lines, section);
   if (header == lines.end()) return "";
@@ -157,61 +126,28 @@ void clsIniFile::SetSectionData(const std::string& section, const std::string& b
 }
 
 std::int32_t clsIniFile::GetAllDataByArray(std::vector<std::string>* lines) const {
-  bool is_unicode = false;
-  const std::string text = ReadText(pFileName, &is_unicode);
+  const std::string text = ReadText(pFileName);
   const Lines found = LinesOf(text);
   lines->assign(found.begin(), found.end());
   return static_cast<std::int32_t>(lines->size()) - 1;
 }
 
 void clsIniFile::RenameSection(const std::string& old_name, const std::string& new_name) {
-  last_failure_ = Rename(old_name, new_name);
+  last_failure_ = platform::RenameProfileSection(pFileName, old_name, new_name);
 }
 
-platform::Result clsIniFile::Rename(const std::string& old_name, const std::string& new_name) const {
-  if (new_name.find_first_of(kLineBreak) != std::string::npos) {
-    return platform::Failure(platform::Code::kRefused, pFileName, "the section name contains a line break");
-  }
-  std::unique_ptr<platform::FolderLock> lock;
-  if (platform::Result taken = platform::FolderLock::Take(pFileName, &lock); !taken.ok()) return taken;
-  bool is_unicode = false;
-  const std::string old_text = ReadText(pFileName, &is_unicode);
-  const Lines lines = LinesOf(old_text);
-  const auto header = FindHeader(lines, old_name);
-  if (header == lines.end()) return platform::Success();
-  std::string text;
-  for (auto line = lines.begin(); line != lines.end(); ++line) {
-    if (line != lines.begin()) text += kLineBreak;
-    line == header ? text.append(HeaderText(new_name)) : text.append(*line);
-  }
-  platform::Result result;
-  WriteTextFile(pFileName, text, kReplaceText, is_unicode, &result);
-  return result;
-}
-
+// The file is put together in memory: writing section by section to a temporary file would sync that file
+// once for each of maybe 10,000 profiles. All lines count there, also one that no line break ends:
+// GetSectionData would leave it out, and it would be lost.
 void clsIniFile::OptimizeFile(bool sort) {
-  last_failure_ = Optimize(sort);
-}
-
-// The text is assembled in memory: writing section by section to a temporary file would sync that file once
-// for each of maybe 10,000 profiles.
-platform::Result clsIniFile::Optimize(bool sort) const {
-  std::unique_ptr<platform::FolderLock> lock;
-  if (platform::Result taken = platform::FolderLock::Take(pFileName, &lock); !taken.ok()) return taken;
-  bool is_unicode = false;
-  const std::string old_text = ReadText(pFileName, &is_unicode);
-  // All lines count here, also one that no line break ends: GetSectionData would leave it out, and it would
-  // be lost.
-  const Lines lines = LinesOf(old_text);
-  std::vector<std::string> names;
-  const std::int32_t count = ListSections(lines, &names);
-  if (count == 0) return platform::Success();
-  if (sort) SortStrings(&names, 0, count - 1);
-  // A section without a name sorts to the front, where it would hide all others from EnumSection.
-  std::stable_partition(names.begin(), names.end(), [](const std::string& name) { return !name.empty(); });
-  platform::Result result;
-  WriteTextFile(pFileName, Assemble(names, lines), kReplaceText, false, &result);
-  return result;
+  last_failure_ = platform::ArrangeProfile(pFileName, [sort](std::vector<std::string> names) {
+    const std::int32_t count = CountUnlessFirstIsEmpty(&names);
+    if (count == 0) return std::vector<std::string>();
+    if (sort) SortStrings(&names, 0, count - 1);
+    // A section without a name sorts to the front, where it would hide all others from EnumSection.
+    std::stable_partition(names.begin(), names.end(), [](const std::string& name) { return !name.empty(); });
+    return names;
+  });
 }
 
 }  // namespace quendle

@@ -18,9 +18,8 @@ class clsIniFile {
  public:
   std::string pFileName;  // full path; every function works on this file
 
-  // The buffer for values in bytes, one of which is for the end: longer values are cut. Few values can be
-  // set:
-  //   0 => 1024    below 256 => 256    above 131072 => 131072    256 to 131072 => 1024
+  // The buffer for values in bytes, one of which is for the end: longer values are cut. Few sizes can be set;
+  // others are changed to one of those.
   std::int32_t pBUFFER() const { return buffer_; }
   void pBUFFER(std::int32_t size);
 
@@ -42,7 +41,8 @@ class clsIniFile {
   std::int32_t EnumSectionItem(const std::string& section, std::vector<std::string>* items) const;
 
   // Changes the first header of the old name and nothing else; line breaks become "\r\n". Does nothing when
-  // there is no such section. Whether there is a section of the new name already is not looked at.
+  // there is no such section. Whether there is a section of the new name already is not looked at. A new name
+  // that SetStr refuses is refused.
   void RenameSection(const std::string& old_name, const std::string& new_name);
 
   // The lines of the first section of that name that are not empty, joined by "\r\n". The last line of the
@@ -63,9 +63,6 @@ class clsIniFile {
   const platform::Result& LastFailure() const { return last_failure_; }
 
  private:
-  platform::Result Rename(const std::string& old_name, const std::string& new_name) const;
-  platform::Result Optimize(bool sort) const;
-
   std::int32_t buffer_ = 1024;
   platform::Result last_failure_;
 };

@@ -5,23 +5,10 @@
 #include "base/modString.h"
 #include "base/modSystem.h"
 #include "base/text.h"
+#include "platform/profile.h"
 #include "resources/string_table.h"
 
 namespace quendle {
-namespace {
-
-std::string KeyLine(int key, const std::string& value) {
-  return LoadText(key) + "=" + value;
-}
-
-std::string JoinLines(const std::vector<std::string>& lines) {
-  std::string text;
-  for (const std::string& line : lines) text += (text.empty() ? "" : "\r\n") + line;
-  return text;
-}
-
-}  // namespace
-
 clsPropDefault::clsPropDefault(const SettingsFolders& folders, bool create_files) : folders_(folders) {
   if (create_files) CreateDefaultFiles();
   SetMode(kStandard);
@@ -36,26 +23,37 @@ void clsPropDefault::SetMode(std::int16_t mode) {
 void clsPropDefault::CreateDefaultFiles() {
   const std::string& destination = folders_.default_destination;
   SetMode(kStandard);
-  CreateFile(JoinLines({KeyLine(text_id::kExtractTo, destination), KeyLine(text_id::kCopyTo, destination),
-                        KeyLine(text_id::kMoveTo, destination), KeyLine(text_id::kAction, "1"),
-                        KeyLine(text_id::kAutoCompDir, "1"), KeyLine(text_id::kCheckArchive, "0"),
-                        KeyLine(text_id::kConfirmAlways, "1"), KeyLine(text_id::kConfirmOverwrite, "0"),
-                        KeyLine(text_id::kExtractType, "1"), KeyLine(text_id::kSmartRename, "3"),
-                        KeyLine(text_id::kSmartMakeDir, "0"), KeyLine(text_id::kOpenDir, "1"),
-                        KeyLine(text_id::kShowResult, "1"), KeyLine(text_id::kKeyCheck, "0"),
-                        KeyLine(text_id::kTest, "0")}));
+  CreateFile({{text_id::kExtractTo, destination},
+              {text_id::kCopyTo, destination},
+              {text_id::kMoveTo, destination},
+              {text_id::kAction, "1"},
+              {text_id::kAutoCompDir, "1"},
+              {text_id::kCheckArchive, "0"},
+              {text_id::kConfirmAlways, "1"},
+              {text_id::kConfirmOverwrite, "0"},
+              {text_id::kExtractType, "1"},
+              {text_id::kSmartRename, "3"},
+              {text_id::kSmartMakeDir, "0"},
+              {text_id::kOpenDir, "1"},
+              {text_id::kShowResult, "1"},
+              {text_id::kKeyCheck, "0"},
+              {text_id::kTest, "0"}});
   SetMode(kTestMode);
-  CreateFile(JoinLines({KeyLine(text_id::kExtractTo, destination), KeyLine(text_id::kExtractType, "1"),
-                        KeyLine(text_id::kSmartRename, "3"), KeyLine(text_id::kOpenDir, "1"),
-                        KeyLine(text_id::kSmartMakeDir, "0")}));
+  CreateFile({{text_id::kExtractTo, destination},
+              {text_id::kExtractType, "1"},
+              {text_id::kSmartRename, "3"},
+              {text_id::kOpenDir, "1"},
+              {text_id::kSmartMakeDir, "0"}});
 }
 
-// The keys go in as one section body: fifteen single writes would be fifteen synced files on the first start.
-void clsPropDefault::CreateFile(const std::string& body) {
+// All keys go in at once: fifteen single writes would be fifteen synced files on the first start. The look at
+// the file here only spares every later start the lock.
+void clsPropDefault::CreateFile(const std::vector<std::pair<int, std::string>>& values) {
   if (FileExists(ini_.pFileName) || !creation_failure_.ok()) return;
   if (!MakeDirNested(folders_.application, &creation_failure_)) return;
-  ini_.SetSectionData(LoadText(text_id::kGeneral), body);
-  creation_failure_ = ini_.LastFailure();
+  platform::KeysAndValues keys;
+  for (const auto& [key, value] : values) keys.emplace_back(LoadText(key), value);
+  creation_failure_ = platform::CreateProfile(ini_.pFileName, LoadText(text_id::kGeneral), keys);
 }
 
 std::string clsPropDefault::Read(int key, const std::string& fallback) const {

@@ -7,6 +7,8 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/result.h"
 #include "settings/clsIniFile.h"
@@ -92,7 +94,7 @@ class clsPropDefault {
 
  private:
   void CreateDefaultFiles();
-  void CreateFile(const std::string& body);
+  void CreateFile(const std::vector<std::pair<int, std::string>>& values);
   std::string Read(int key, const std::string& fallback) const;
   bool ReadFlag(int key, const char* fallback) const;
   double ReadNumber(int key, const char* fallback) const;

@@ -1,6 +1,5 @@
 #include "settings/modOpenFile.h"
 
-#include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <memory>
@@ -24,19 +23,37 @@ std::string Utf16FileOf(const std::string& text) {
   return std::string(has_mark ? "" : platform::kUtf16LeMark) + platform::ToUtf16Le(text);
 }
 
-std::string BytesOf(const std::string& text, bool as_unicode) {
-  if (as_unicode) return Utf16FileOf(text);
-  std::optional<std::string> bytes = platform::AnsiFromText(text);
+platform::Result EncodeText(const std::string& text, bool as_unicode, std::string* bytes) {
+  std::optional<std::string> ansi;
+  if (!as_unicode) ansi = platform::AnsiFromText(text);
   // Bytes that would be taken for UTF-16 when they are read again do not hold the text either.
-  return bytes && !platform::IsTakenForUtf16(*bytes) ? *bytes : Utf16FileOf(text);
+  if (ansi && !platform::IsTakenForUtf16(*ansi)) {
+    *bytes = *ansi;
+    return platform::Success();
+  }
+  *bytes = Utf16FileOf(text);
+  return platform::CheckDecoded(text);
 }
 
-std::string AppendedTo(const std::string& old, const std::string& text, bool as_unicode) {
-  const std::string start = old.empty() && as_unicode ? std::string(platform::kUtf16LeMark) : old;
-  if (platform::IsTakenForUtf16(start)) return start + platform::ToUtf16Le(text);
+// The old text is not encoded anew: its bytes may be other spellings of the same characters.
+platform::Result AppendTo(const std::string& text, bool as_unicode, std::string* bytes) {
+  if (platform::IsTakenForUtf16(*bytes) || (bytes->empty() && as_unicode)) {
+    bytes->resize(bytes->size() / 2 * 2);
+    if (bytes->empty()) *bytes = platform::kUtf16LeMark;
+    *bytes += platform::ToUtf16Le(text);
+    return platform::Success();
+  }
   const std::string line = text + std::string(kLineBreak);
-  const std::optional<std::string> bytes = platform::AnsiFromText(line);
-  return bytes ? start + *bytes : Utf16FileOf(platform::TextFromAnsi(start) + line);
+  const std::string whole = platform::TextFromAnsi(*bytes) + line;
+  if (const std::optional<std::string> ansi = platform::AnsiFromText(line)) {
+    const std::string appended = *bytes + *ansi;
+    // Half a character at the old end may have taken a byte of the new text.
+    if (!platform::IsTakenForUtf16(appended) && platform::TextFromAnsi(appended) == whole) {
+      *bytes = appended;
+      return platform::Success();
+    }
+  }
+  return EncodeText(whole, true, bytes);
 }
 
 platform::Result AppendText(const std::string& path, const std::string& text, bool as_unicode) {
@@ -45,16 +62,23 @@ platform::Result AppendText(const std::string& path, const std::string& text, bo
   std::string old;
   platform::Result read = platform::ReadWholeFile(path, &old);
   if (!read.ok() && read.code != platform::Code::kNotFound) return read;
-  return platform::ReplaceFile(path, AppendedTo(old, text, as_unicode));
+  if (platform::Result appended = AppendTo(text, as_unicode, &old); !appended.ok()) return appended;
+  return platform::ReplaceFile(path, old);
+}
+
+platform::Result ReplaceText(const std::string& path, const std::string& text, bool as_unicode) {
+  std::string bytes;
+  if (platform::Result encoded = EncodeText(text, as_unicode, &bytes); !encoded.ok()) return encoded;
+  return platform::ReplaceFile(path, bytes);
 }
 
 platform::Result WriteText(const std::string& path, const std::string& text, std::int16_t mode,
                            bool as_unicode) {
   switch (mode) {
     case kReplaceText:
-      return platform::ReplaceFile(path, text.empty() ? "" : BytesOf(text, as_unicode));
+      return ReplaceText(path, text, as_unicode && !text.empty());
     case kPrintText:
-      return platform::ReplaceFile(path, BytesOf(text + std::string(kLineBreak), false));
+      return ReplaceText(path, text + std::string(kLineBreak), false);
     case kAppendText:
       return AppendText(path, text, as_unicode);
     default:
@@ -62,18 +86,19 @@ platform::Result WriteText(const std::string& path, const std::string& text, std
   }
 }
 
+// Begins anywhere, and ends when every name was looked at.
 std::string FreeName(const std::string& folder) {
+  constexpr unsigned kNames = 32767;
   std::random_device device;
-  std::uniform_real_distribution<double> random;
-  std::string path;
-  do {
-    // Rounding makes the two ends half as likely as the rest.
-    const auto number = static_cast<unsigned>(std::lround(random(device) * 32766)) + 1;
+  const unsigned first = std::uniform_int_distribution<unsigned>(1, kNames)(device);
+  for (unsigned i = 0; i < kNames; ++i) {
+    const unsigned number = (first - 1 + i) % kNames + 1;
     char name[sizeof "7fff.tmp"];
     std::snprintf(name, sizeof name, "%x.tmp", number & 0xFFFF);
-    path = AddBackslash(folder) + name;
-  } while (FileExists(path) || FolderExists(path));
-  return path;
+    const std::string path = AddBackslash(folder) + name;
+    if (!FileExists(path) && !FolderExists(path)) return path;
+  }
+  return "";
 }
 
 }  // namespace
@@ -96,14 +121,14 @@ std::string ReadTextFile(const std::string& path, bool* is_unicode) {
 
 bool WriteTextFile(const std::string& path, const std::string& text, std::int16_t mode, bool as_unicode,
                    platform::Result* why) {
-  const platform::Result written = WriteText(path, text, mode, as_unicode);
+  platform::Result written = WriteText(path, text, mode, as_unicode);
+  if (!written.ok() && written.path.empty()) written.path = path;  // a refused conversion knows no file
   if (why != nullptr) *why = written;
   return mode == kReplaceText && text.empty() && written.ok();
 }
 
 std::string GetTempFilePath(bool create, const std::string& folder) {
-  std::string place = folder.empty() ? platform::TemporaryFolder() : folder;
-  if (place.empty()) place = platform::ExecutableFolder();
+  const std::string place = folder.empty() ? platform::TemporaryFolder() : folder;
   if (!create) return FreeName(place);
   std::string path;
   return platform::MakeTemporaryFile(place, &path).ok() ? path : "";

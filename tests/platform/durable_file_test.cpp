@@ -1,12 +1,16 @@
 #include "platform/durable_file.h"
 
+#include <grp.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <csignal>
 #include <thread>
 
+#include "platform/process.h"
 #include "support/temp_folder.h"
 
 namespace quendle::platform {
@@ -83,11 +87,30 @@ GTEST_TEST(ReplaceFile, RefusesWhatIsNoFile) {
   EXPECT_EQ(EntriesIn(folder.path()), 3U);
 }
 
+GTEST_TEST(ReplaceFile, AFailingWriteLeavesTheOldBytes) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "a.ini", "old");
+  rlimit usual{};
+  getrlimit(RLIMIT_FSIZE, &usual);
+  const auto former = std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit small{1 << 20, usual.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &small);
+  const Result result = ReplaceFile(folder / "a.ini", std::string(3 << 20, 'x'));
+  setrlimit(RLIMIT_FSIZE, &usual);
+  std::signal(SIGXFSZ, former);
+  EXPECT_EQ(result.code, Code::kFailed);
+  EXPECT_EQ(result.path, folder / "a.ini");
+  EXPECT_EQ(test::ReadFile(folder / "a.ini"), "old");
+  EXPECT_EQ(EntriesIn(folder.path()), 1U);
+}
+
 // Rights do not bind the superuser, so a child that is nobody tries.
 GTEST_TEST(ReplaceFile, RespectsRights) {
   const test::TempFolder folder;
   test::WriteFile(folder / "open/locked", "old");
   test::WriteFile(folder / "closed/file", "old");
+  test::WriteFile(folder / "open/free", "old");
+  ASSERT_EQ(chmod((folder / "open/free").c_str(), 0676), 0);
   ASSERT_EQ(chmod(folder.path().c_str(), 0755), 0);
   ASSERT_EQ(chmod((folder / "open").c_str(), 0777), 0);
   ASSERT_EQ(chmod((folder / "open/locked").c_str(), 0444), 0);
@@ -95,17 +118,20 @@ GTEST_TEST(ReplaceFile, RespectsRights) {
   ASSERT_EQ(chmod((folder / "closed").c_str(), 0555), 0);
   const pid_t child = fork();
   if (child == 0) {
-    if (geteuid() == 0 && setuid(65534) != 0) _exit(9);
+    if (geteuid() == 0 && (setgroups(0, nullptr) != 0 || setgid(65534) != 0 || setuid(65534) != 0)) _exit(9);
     const bool locked = ReplaceFile(folder / "open/locked", "new").code == Code::kDenied;
     const bool closed = ReplaceFile(folder / "closed/file", "new").code == Code::kDenied;
-    _exit(locked && closed ? 0 : 1);
+    const bool free = ReplaceFile(folder / "open/free", "new").ok();
+    _exit(locked && closed && free ? 0 : 1);
   }
   int status = -1;
   ASSERT_EQ(waitpid(child, &status, 0), child);
   EXPECT_EQ(status, 0);
   EXPECT_EQ(test::ReadFile(folder / "open/locked"), "old");
   EXPECT_EQ(test::ReadFile(folder / "closed/file"), "old");
-  EXPECT_EQ(EntriesIn(folder / "open"), 1U);
+  EXPECT_EQ(EntriesIn(folder / "open"), 2U);
+  // The group is another one only where the superuser's file became nobody's.
+  EXPECT_EQ(ModeOf(folder / "open/free"), geteuid() == 0 ? 0606U : 0676U);
   chmod((folder / "closed").c_str(), 0755);
 }
 
@@ -131,6 +157,18 @@ GTEST_TEST(FolderLock, HoldersWaitForEachOther) {
   });
   usleep(50'000);
   EXPECT_FALSE(second_has_it);
+  const pid_t child = fork();
+  if (child == 0) {
+    CatchInterrupts();
+    alarm(8);  // ends the child if waiting goes on
+    raise(SIGTERM);
+    std::unique_ptr<FolderLock> other;
+    const bool cancelled = FolderLock::Take(folder / "link", &other).code == Code::kCancelled;
+    _exit(cancelled && FolderLock::Take(folder / "free", &other).ok() ? 0 : 1);
+  }
+  int status = -1;
+  EXPECT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
   lock.reset();
   second.join();
   EXPECT_EQ(FolderLock::Take(folder / "none/a.ini", &lock).code, Code::kNotFound);

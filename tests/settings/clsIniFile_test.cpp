@@ -1,5 +1,8 @@
 #include "settings/clsIniFile.h"
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <filesystem>
 
 #include "support/temp_folder.h"
@@ -28,7 +31,7 @@ class IniFile : public testing::Test {
   clsIniFile ini_;
 };
 
-TEST_F(IniFile, BufferClampsAsItAlwaysDid) {
+TEST_F(IniFile, BufferClamps) {
   EXPECT_EQ(ini_.pBUFFER(), 1024);
   const struct {
     std::int32_t set;
@@ -68,9 +71,19 @@ TEST_F(IniFile, KeepsTheLastFailure) {
   EXPECT_EQ(ini_.LastFailure().code, platform::Code::kRefused);
   ini_.DeleteSection("a");
   EXPECT_TRUE(ini_.LastFailure().ok());
-  ini_.pFileName = folder_ / "none/a.ini";
-  ini_.OptimizeFile(true);
-  EXPECT_EQ(ini_.LastFailure().code, platform::Code::kNotFound);
+  const struct {
+    std::string path;
+    platform::Code code;
+  } rows[] = {{folder_ / "none/a.ini", platform::Code::kNotFound},
+              {folder_.path(), platform::Code::kIsFolder},
+              {folder_ / "missing.ini", platform::Code::kOk}};
+  for (const auto& row : rows) {
+    ini_.pFileName = row.path;
+    ini_.OptimizeFile(true);
+    EXPECT_EQ(ini_.LastFailure().code, row.code) << row.path;
+    ini_.RenameSection("a", "b");
+    EXPECT_EQ(ini_.LastFailure().code, row.code) << row.path;
+  }
 }
 
 TEST_F(IniFile, EnumSectionListsHeadersInOrder) {
@@ -165,6 +178,7 @@ TEST_F(IniFile, RenameSection) {
     std::string old_name;
     std::string new_name;
     std::string after;
+    bool is_refused = false;
   } rows[] = {
       {"x\r\n[a]\r\nk = 1\r\n[A]\r\n", "A", "New", "x\r\n[New]\r\nk = 1\r\n[A]\r\n"},
       {"[a]\n\xFFk=1\n", "a", "表", "[\x95\x5C]\r\n\xFFk=1\r\n"},
@@ -173,15 +187,48 @@ TEST_F(IniFile, RenameSection) {
       {" [a]\r\n[ a]\r\n", "a", "b", " [a]\r\n[ a]\r\n"},
       {"[\x84\x71]\r\n", "б", "x", "[x]\r\n"},
       {Utf16("[a]\r\nk=1\r\n"), "a", "b", Utf16("[b]\r\nk=1\r\n")},
-      {"[a]\r\n", "a", "\xC3\xA9", "\xFF\xFE[\0\xE9\0]\0\r\0\n\0"s},
-      {"[a]\r\n[b]\r\n", "a", "x\r\n[y", "[a]\r\n[b]\r\n"},
+      {"x\n[a]\n", "a", "é", "\xFF\xFE\r\0\n\0x\0\r\0\n\0[\0\xE9\0]\0\r\0\n\0"s},
+      {"x\r[a]", "a", "b", "x\r\n[b]"},  // the open line stays open
+      // other lines keep their bytes: the second spelling of a character, half of a UTF-16 character
+      {"\xED\x40\n[a]\n", "a", "b", "\xED\x40\r\n[b]\r\n"},
+      {"\xFF\xFE[\0a\0]\0\n\0\x00\xDC\n\0x"s, "a", "b", "\xFF\xFE[\0b\0]\0\r\0\n\0\x00\xDC\r\0\n\0"s},
+      {"\xFE\xFF\n\0[\0a\0]\0\n\0"s, "a", "b", "\xFE\xFF\n\0[\0a\0]\0\n\0"s, true},
+      {"[a]\n", "a", "x\r\n[y", "[a]\n", true},
+      {"[a]\n", "a", "\r", "[a]\n", true},
+      {"[a]\n", "a", "x\0"s, "[a]\n", true},
+      {"[a]\n", "a", "", "[a]\n", true},
+      {"[a]\n", "a", "b]", "[a]\n", true},
+      {"[a]\n", "a", "b\xFF", "[a]\n", true},
+      {"[a]\n", "missing", "b]", "[a]\n", true},
   };
   for (const auto& row : rows) {
     Write(row.before);
     ini_.RenameSection(row.old_name, row.new_name);
     EXPECT_EQ(Bytes(), row.after) << row.before;
+    EXPECT_EQ(ini_.LastFailure().code, row.is_refused ? platform::Code::kRefused : platform::Code::kOk)
+        << row.before << row.new_name;
   }
-  EXPECT_EQ(ini_.LastFailure().code, platform::Code::kRefused) << "the last row would have made two lines";
+}
+
+TEST_F(IniFile, RenameLosesNoKeyOfAnotherProcess) {
+  Write("[x]\r\n[keys]\r\n");
+  const pid_t child = fork();
+  for (int i = 0; i < 100; ++i) {
+    if (child == 0) {
+      if (!ini_.SetStr("keys", std::to_string(i), "v")) _exit(1);
+    } else {
+      ini_.RenameSection(i % 2 == 0 ? "x" : "y", i % 2 == 0 ? "y" : "x");
+      ASSERT_TRUE(ini_.LastFailure().ok());
+    }
+  }
+  if (child == 0) _exit(0);
+  int status = -1;
+  EXPECT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+  Texts names;
+  ini_.EnumSection(&names);
+  EXPECT_EQ(names, (Texts{"x", "keys"}));
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(ini_.GetStr("keys", std::to_string(i), ""), "v") << i;
 }
 
 TEST_F(IniFile, OptimizeFile) {
@@ -199,6 +246,10 @@ TEST_F(IniFile, OptimizeFile) {
       {"[b]\r\n[]\r\nk=1\r\n[a]\r\n", true, "[a]\r\n[b]\r\n[]\r\nk=1\r\n"},
       {Utf16("[b]\r\n\r\n[a]\r\nk=1\r\n"), true, "[a]\r\nk=1\r\n[b]\r\n"},
       {"\xFF\xFE[\0\xE9\0]\0\n\0\n\0k\0\n\0"s, true, "\xFF\xFE[\0\xE9\0]\0\r\0\n\0k\0\r\0\n\0"s},
+      // lines keep their bytes while the encoding stays
+      {"[\xED\x40]\n\xED\x40=\xFA\x5C\n[a]\n", false, "[\xED\x40]\r\n\xED\x40=\xFA\x5C\r\n[a]\r\n"},
+      {"\xFF\xFE[\0b\0]\0\n\0\x00\xDC\n\0[\0a\0]\0\n\0"s, true,
+       "\xFF\xFE[\0a\0]\0\r\0\n\0[\0b\0]\0\r\0\n\0\x00\xDC\r\0\n\0"s},
       {"x\r\n\r\ny\r\n", true, "x\r\n\r\ny\r\n"},
       {"[]\r\n\r\n[a]\r\n", true, "[]\r\n\r\n[a]\r\n"},
       {"[a]", true, "[a]"},

@@ -1,5 +1,8 @@
 #include "settings/clsPropDefault.h"
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include "support/settings.h"
 
 namespace quendle {
@@ -16,6 +19,36 @@ GTEST_TEST(ClsPropDefault, MakesBothFilesWithTheirInitialValues) {
   EXPECT_EQ(
       test::ReadFile(folder / "new/app/test.ini"),
       "[General]\r\nExtractTo=/dl\r\nExtractType=1\r\nSmartRename=3\r\nOpenDir=1\r\nSmartMakeDir=0\r\n");
+}
+
+GTEST_TEST(ClsPropDefault, KeepsDestinationsThatReadingWouldStrip) {
+  for (const std::string destination : {"/my downloads ", "\"/dl\"", "/\u00E9"}) {
+    const test::TempFolder folder;
+    const clsPropDefault settings({folder.path(), destination}, true);
+    EXPECT_EQ(settings.EXTRACTTO() + settings.MOVETO(), destination + destination);
+    const clsPropDefault elsewhere({folder.path(), "/other"}, true);
+    EXPECT_EQ(elsewhere.COPYTO(), destination);
+  }
+}
+
+// Both find no file; whoever comes second must not put the initial values over the first one's key.
+GTEST_TEST(ClsPropDefault, TwoFirstStartsLoseNothing) {
+  for (int round = 0; round < 20; ++round) {
+    const test::TempFolder folder;
+    const auto start = [&](bool is_child) {
+      clsPropDefault settings({folder.path(), "/dl"}, true);
+      is_child ? settings.FILER("/filer") : settings.FILERPARM("%1");
+      return settings.CreationFailure().ok();
+    };
+    const pid_t child = fork();
+    if (child == 0) _exit(start(true) ? 0 : 1);
+    EXPECT_TRUE(start(false));
+    int status = -1;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    const clsPropDefault settings({folder.path(), "/other"}, false);
+    ASSERT_EQ(settings.FILER() + settings.FILERPARM() + settings.MOVETO(), "/filer%1/dl") << round;
+  }
 }
 
 GTEST_TEST(ClsPropDefault, NeverCompletesExistingFiles) {
@@ -43,6 +76,9 @@ GTEST_TEST(ClsPropDefault, SaysWhyFilesCannotBeMade) {
   EXPECT_FALSE(settings.CreationFailure().ok());
   EXPECT_NE(settings.CreationFailure().path.find(folder / "file"), std::string::npos);
   EXPECT_EQ(settings.MOVETO(), "/dl");
+  const clsPropDefault odd({folder.path(), "/dl\xFF"}, true);
+  EXPECT_EQ(odd.CreationFailure().reason, "the value of \"ExtractTo\" is not valid UTF-8");
+  EXPECT_FALSE(std::filesystem::exists(folder / "mover.ini"));
 }
 
 GTEST_TEST(ClsPropDefault, ReadsOddValuesAsTheirFallbacks) {

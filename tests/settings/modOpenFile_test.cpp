@@ -1,9 +1,13 @@
 #include "settings/modOpenFile.h"
 
+#include <sys/resource.h>
+
 #include <filesystem>
 #include <regex>
 #include <set>
 
+#include "platform/code_page.h"
+#include "platform/profile.h"
 #include "support/temp_folder.h"
 
 namespace quendle {
@@ -88,7 +92,13 @@ GTEST_TEST(WriteTextFile, ReplacesPrintsAndAppends) {
       {kMissing, "a", 2, true,
        "\xFF\xFE"
        "a\0"s},
+      {"\xFF\xFEx\0y"s, "a", 2, false, "\xFF\xFEx\0a\0"s},  // half a unit would shift all that follows
+      {"\xFF", "a", 2, false,
+       "\xFF\xFE"
+       "a\0"s},
       {kMissing, "a", 2, false, "a\r\n"},
+      {kMissing, "\uEFFF", 2, false, "\xFF\xFE\xFF\xEF\r\0\n\0"s},
+      {"\x95", "\\", 2, false, "\xFF\xFE\x95\xEF\\\0\r\0\n\0"s},  // together they would be a character
       {"\x95\x5C\xFD", "é", 2, false, "\xFF\xFE\x68\x88\xFD\xEF\xE9\0\r\0\n\0"s},
   };
   for (const auto& row : rows) {
@@ -121,6 +131,44 @@ GTEST_TEST(WriteTextFile, TellsWhyItFailed) {
   }
 }
 
+// Where the converter's module is missing, which few open files simulate: then it cannot be loaded.
+void WriteWithoutConverter() {
+  const test::TempFolder folder;
+  rlimit usual{};
+  getrlimit(RLIMIT_NOFILE, &usual);
+  const rlimit few{0, usual.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &few);
+  const bool is_missing = platform::TextFromAnsi("\x95\x5C") != "表" && !platform::AnsiFromText("表");
+  setrlimit(RLIMIT_NOFILE, &usual);
+  EXPECT_TRUE(is_missing);
+  const std::string path = folder / "a.ini";
+  const std::string bytes = "[a]\r\n\x95\x5C=1\r\n";
+  test::WriteFile(path, bytes);
+  bool is_unicode = false;
+  const std::string text = ReadTextFile(path, &is_unicode);
+  platform::Result results[3];
+  WriteTextFile(path, text + "é", kReplaceText, false, &results[0]);
+  WriteTextFile(path, "é", kAppendText, false, &results[1]);
+  results[2] = platform::WriteProfileString(path, "a", "k", "é");
+  for (const platform::Result& result : results) {
+    EXPECT_EQ(result.code, platform::Code::kRefused);
+    EXPECT_EQ(result.path, path);
+    EXPECT_EQ(result.reason, "the converter for the code page is not installed");
+  }
+  EXPECT_EQ(test::ReadFile(path), bytes);
+  EXPECT_TRUE(platform::WriteProfileString(path, "a", "k", "v").ok());
+  EXPECT_EQ(test::ReadFile(path), bytes + "k=v\r\n");
+  test::WriteFile(path, "");
+  EXPECT_TRUE(platform::WriteProfileString(path, "a", "k", "表").ok());
+  EXPECT_EQ(platform::ReadProfileString(path, "a", "k", "", 99), "表");
+  std::exit(testing::Test::HasFailure() ? 1 : 0);
+}
+
+GTEST_TEST(WriteTextFile, SparesWhatCannotBeDecoded) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");  // a process of its own, which has loaded no converter yet
+  EXPECT_EXIT(WriteWithoutConverter(), testing::ExitedWithCode(0), "");
+}
+
 GTEST_TEST(GetTempFilePath, MakesOrNamesAFreeFile) {
   const test::TempFolder folder;
   std::set<std::string> made;
@@ -140,18 +188,16 @@ GTEST_TEST(GetTempFilePath, MakesOrNamesAFreeFile) {
   EXPECT_TRUE(fs::remove(elsewhere));
 }
 
-// One name in 32 is taken, so that drawing is bound to meet some.
-GTEST_TEST(GetTempFilePath, SkipsTakenNames) {
+GTEST_TEST(GetTempFilePath, FindsTheLastFreeName) {
   const test::TempFolder folder;
-  for (int number = 1; number <= 1024; ++number) {
-    char name[sizeof "400.tmp"];
-    std::snprintf(name, sizeof name, "%x.tmp", number & 0xFFF);
-    test::WriteFile(folder / name, "");
+  for (int number = 1; number <= 32767; ++number) {
+    char name[sizeof "7fff.tmp"];
+    std::snprintf(name, sizeof name, "%x.tmp", number & 0x7FFF);
+    if (number != 1024) std::ofstream(folder / name);
   }
-  for (int i = 0; i < 200; ++i) {
-    const std::string path = GetTempFilePath(false, folder.path());
-    ASSERT_FALSE(fs::exists(path)) << path;
-  }
+  EXPECT_EQ(GetTempFilePath(false, folder.path()), folder / "400.tmp");
+  test::WriteFile(folder / "400.tmp", "");
+  EXPECT_EQ(GetTempFilePath(false, folder.path()), "");
 }
 
 }  // namespace
