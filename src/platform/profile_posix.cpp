@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <ctime>
 #include <memory>
 
@@ -23,10 +24,10 @@ std::int64_t Nanoseconds(const timespec& time) {
 
 // A file changed only just before it was read may be changed once more under the same stamp. The clock that
 // stamps files advances in steps of up to 10 ms. FAT keeps whole, even seconds: so may any file without
-// nanoseconds.
+// nanoseconds. A stamp far in the future says that the clock was set back since, so it is old too.
 bool IsSettled(const struct stat& entry, const timespec& now) {
   const std::int64_t step = entry.st_ctim.tv_nsec == 0 ? 2'500'000'000 : 20'000'000;
-  return Nanoseconds(entry.st_ctim) < Nanoseconds(now) - step;
+  return std::abs(Nanoseconds(now) - Nanoseconds(entry.st_ctim)) > step;
 }
 
 using Parse = std::shared_ptr<const ProfileDocument>;
