@@ -1,8 +1,10 @@
 #include "core/modMain.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/durable_file.h"
+#include "platform/unicode.h"
 #include "resources/version.h"
 
 namespace quendle {
@@ -12,6 +14,13 @@ std::vector<std::string> Arguments(const std::vector<std::string>& paths) {
   std::vector<std::string> arguments = {""};
   arguments.insert(arguments.end(), paths.begin(), paths.end());
   return arguments;
+}
+
+// Text in the code page hardly ever makes valid UTF-8, apart from ASCII.
+bool LooksLikeUtf8(const std::string& bytes) {
+  const bool is_ascii =
+      std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<signed char>(c) >= 0; });
+  return !is_ascii && platform::IsUtf8(bytes);
 }
 
 std::string Describe(const platform::Result& failure) {
@@ -62,8 +71,11 @@ std::vector<std::string> SettingsWarnings(const Globals& globals) {
   const std::string& items = globals.g_PropItem->FileName();
   bool items_readable = true;
   for (const std::string& file : {globals.g_PropDefault->FileName(), items, globals.g_PropTest->FileName()}) {
-    std::string ignored;
-    const platform::Result read = platform::ReadWholeFile(file, &ignored);
+    std::string bytes;
+    const platform::Result read = platform::ReadWholeFile(file, &bytes);
+    if (LooksLikeUtf8(bytes)) {
+      warnings.push_back(file + ": this looks like UTF-8, but is read as Japanese Windows text (CP932)");
+    }
     if (read.ok() || (read.code == platform::Code::kNotFound && file != items)) continue;
     if (file == items) items_readable = false;
     if (read.path != creation.path) warnings.push_back(Describe(read));

@@ -40,8 +40,8 @@ class Globals {
   std::unique_ptr<clsMover> g_Mover;
 };
 
-// What the user should know about the settings before the run: files that could not be made or read, and that
-// there are no profiles. One line each.
+// What the user should know about the settings before the run: files that could not be made or read, or that
+// somebody seems to have edited in another encoding, and that there are no profiles. One line each.
 std::vector<std::string> SettingsWarnings(const Globals& globals);
 
 }  // namespace quendle

@@ -154,6 +154,7 @@ GTEST_TEST(Program, DamagedSettingsGetAClearLine) {
       {"[a\0b]\r\nPattern=\0x\r\n" + std::string(1, '\0'), "no profile matches"},
       {"[Slow]\r\nPattern=(x+)+\\d\r\n", "profile Slow: its pattern cannot be used: match limit exceeded"},
       {"", "there are no profiles"},
+      {"[表]\r\nPattern=never\r\n", "this looks like UTF-8"},
       {"[Bad]\r\nPattern=(\r\n", "profile Bad: its pattern cannot be used: missing closing parenthesis"},
   };
   for (const auto& row : rows) {

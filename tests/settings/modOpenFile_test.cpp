@@ -188,17 +188,5 @@ GTEST_TEST(GetTempFilePath, MakesOrNamesAFreeFile) {
   EXPECT_TRUE(fs::remove(elsewhere));
 }
 
-GTEST_TEST(GetTempFilePath, FindsTheLastFreeName) {
-  const test::TempFolder folder;
-  for (int number = 1; number <= 32767; ++number) {
-    char name[sizeof "7fff.tmp"];
-    std::snprintf(name, sizeof name, "%x.tmp", number & 0x7FFF);
-    if (number != 1024) std::ofstream(folder / name);
-  }
-  EXPECT_EQ(GetTempFilePath(false, folder.path()), folder / "400.tmp");
-  test::WriteFile(folder / "400.tmp", "");
-  EXPECT_EQ(GetTempFilePath(false, folder.path()), "");
-}
-
 }  // namespace
 }  // namespace quendle
