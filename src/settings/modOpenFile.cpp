@@ -95,7 +95,7 @@ std::string FreeName(const std::string& folder) {
     const unsigned number = (first - 1 + i) % kNames + 1;
     char name[sizeof "7fff.tmp"];
     std::snprintf(name, sizeof name, "%x.tmp", number & 0xFFFF);
-    const std::string path = AddBackslash(folder) + name;
+    std::string path = AddBackslash(folder) + name;
     if (!FileExists(path) && !FolderExists(path)) return path;
   }
   return "";

@@ -31,6 +31,10 @@ struct Way {
   bool across;
 };
 
+void PrintTo(const Way& way, std::ostream* out) {
+  *out << way.name;
+}
+
 class Copying : public testing::TestWithParam<Way> {
  protected:
   void SetUp() override {
@@ -143,9 +147,10 @@ TEST_P(Copying, AChangeOfTheSourceKeepsIt) {
     WriteFile(source_ / "big", std::string(kBig, 'b'));
     WriteFile(source_ / "tree/a/big", std::string(kBig, 'b'));
     WriteFile(source_ / "tree/b/small", "s");
+    usleep(20'000);  // the clock that stamps files moves in steps of up to 10 ms
     std::map<std::string, std::string> changed;
     observer_.on_progress = [&](const FileProgress& progress) {
-      if (progress.bytes_done >= kBig / 2 && changed.empty()) {
+      if (progress.bytes_done > 0 && changed.empty()) {
         row.change();
         changed = Picture(source_.path());
       }
