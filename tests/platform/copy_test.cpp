@@ -2,6 +2,7 @@
 #include <csignal>
 #include <filesystem>
 #include <functional>
+#include <ostream>
 
 #include <fcntl.h>
 #include <sys/resource.h>
