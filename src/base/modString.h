@@ -37,7 +37,7 @@ std::string RemoveBackslash(std::string_view path, PathStyle style = kHostStyle)
 std::string RemoveBackslashes(std::string_view path, PathStyle style = kHostStyle);
 
 // Does the path stand for itself whatever the current folder is?
-//   Windows: "C:\x" => true    "C:x" => true (any colon)    "\\server\x" => true    "x" => false    "\x" => false
+//   Windows: "C:\x" => true   "C:x" => true (any colon)   "\\server\x" => true   "x" => false   "\x" => false
 //   Posix:   "/x" => true      "x:y" => false               "" => false
 bool IsAbsolutePath(std::string_view path, PathStyle style = kHostStyle);
 

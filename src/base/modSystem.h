@@ -31,8 +31,9 @@ bool ToBoolean(std::string_view text);
 bool ToNumber(std::string_view text, double* number);
 
 // The arguments in a command line without the program's own path: element 0 is always empty, arguments count
-// from 1, at most `greatest` of them (itself at least 1) are kept. Blanks and tabs outside double quotes separate, each one of
-// them, so two in a row have an empty argument between them; quotes only switch quoting and are not kept.
+// from 1, at most `greatest` of them (itself at least 1) are kept. Blanks and tabs outside double quotes
+// separate, each one of them, so two in a row have an empty argument between them; quotes only switch quoting
+// and are not kept.
 //   "C:\a b\x.zip" y.txt => "", "C:\a b\x.zip", "y.txt" (the quotes are part of the input)
 //   a  b                  => "", "a", "", "b"
 //   one blank             => "", "", ""

@@ -13,8 +13,8 @@ namespace {
 constexpr std::uint32_t kMatchLimit = 120'000;
 constexpr std::uint32_t kDepthLimit = 5'000;
 
-// Anchored, since only a match that begins at the beginning can be whole; otherwise the limit would count anew from
-// each character of the name.
+// Anchored, since only a match that begins at the beginning can be whole; otherwise the limit would count
+// anew from each character of the name.
 constexpr std::uint32_t kOptions = PCRE2_UTF | PCRE2_CASELESS | PCRE2_DOLLAR_ENDONLY |
                                    PCRE2_ALLOW_EMPTY_CLASS | PCRE2_MATCH_UNSET_BACKREF | PCRE2_ALT_BSUX |
                                    PCRE2_ANCHORED | PCRE2_NEVER_BACKSLASH_C;

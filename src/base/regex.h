@@ -23,15 +23,16 @@ class Regex {
   // One that answers kError for a reason known beforehand.
   static Regex Unusable(std::string reason);
 
-  // Would replacing the first match in `subject` by nothing leave nothing? The first match is the leftmost one
-  // with the earliest alternatives preferred, so a later alternative that would cover more does not count.
-  // A `subject` that is not valid UTF-8 is kError; platform::WithReplacementCharacters makes one that is.
+  // Would replacing the first match in `subject` by nothing leave nothing? The first match is the leftmost
+  // one with the earliest alternatives preferred, so a later alternative that would cover more does not
+  // count. A `subject` that is not valid UTF-8 is kError; platform::WithReplacementCharacters makes one that
+  // is.
   //   (".*\.zip", "A.ZIP") => kWhole    ("\.zip$", "A.ZIP") => kNotWhole    ("A|AB", "ab") => kNotWhole
-  //   ("", "") => kWhole                ("(", "A") => kError                ("(a+)+\d", 255 times "a") => kError
+  //   ("", "") => kWhole                ("(", "A") => kError                ("(a+)+\d", 255 "a"s) => kError
   RegexAnswer MatchWhole(std::string_view subject) const;
 
-  // Why an answer was kError, as one line: the compiler's words with the position in the pattern, or that the limit
-  // was reached, which is remembered through later answers. Empty while there was no such answer.
+  // Why an answer was kError, as one line: the compiler's words with the position in the pattern, or that the
+  // limit was reached, which is remembered through later answers. Empty while there was no such answer.
   const std::string& Error() const { return error_; }
 
  private:

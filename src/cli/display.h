@@ -1,5 +1,5 @@
-// Paths and names as they are shown: on a terminal nobody may be fooled by what a file is called, and one line stays
-// one line.
+// Paths and names as they are shown: on a terminal nobody may be fooled by what a file is called, and one
+// line stays one line.
 #pragma once
 
 #include <string>
@@ -8,14 +8,16 @@
 namespace quendle {
 
 // For a line of text, in which different names look different. Bytes that are not UTF-8 become \xNN, control
-// characters, line separators and marks that change the direction of text \n, \t, \r or \u{NNNN}, a backslash \\.
+// characters, line separators and marks that change the direction of text \n, \t, \r or \u{NNNN}, a backslash
+// \\.
 //   a.txt             => a.txt
 //   a, byte FF        => a\xFF
 //   a, line break, b  => a\nb
 //   a\b               => a\\b
 std::string ForDisplay(std::string_view name);
 
-// For a string that may hold any character of UTF-8, as in JSON: bytes that are not UTF-8 become \xNN, a backslash \\.
+// For a string that may hold any character of UTF-8, as in JSON: bytes that are not UTF-8 become \xNN, a
+// backslash \\.
 std::string WithEscapedBytes(std::string_view name);
 
 }  // namespace quendle

@@ -138,8 +138,9 @@ std::vector<std::string> clsMover::ProfileProblems() const {
   return problems;
 }
 
-// Each property is read from the file as it is at that moment. An editor that saves in the midst of it, or a file that
-// has gone, would mix this profile with the standard settings, whose folders are not meant for this target.
+// Each property is read from the file as it is at that moment. An editor that saves in the midst of it, or a
+// file that has gone, would mix this profile with the standard settings, whose folders are not meant for this
+// target.
 bool clsMover::FillFromProfile(const std::string& title, std::string* why) {
   if (!ProfileIsAsRead(title)) {
     *why = "the profile has been changed or removed, or cannot be read any more";

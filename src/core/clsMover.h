@@ -82,8 +82,8 @@ class clsMover {
   // The path at CMDLINECURRENT, absolute.
   const std::string& CurrentCmdLineString() const;
 
-  // Makes the current path the target. When it cannot be found (or a planned move has taken it away) the answer says
-  // why, and there is no target.
+  // Makes the current path the target. When it cannot be found (or a planned move has taken it away) the
+  // answer says why, and there is no target.
   platform::Result SetTarget();
 
   // Reads titles and patterns anew; to be called after profiles were edited.
@@ -101,14 +101,14 @@ class clsMover {
 
   const std::vector<ProfileIndexEntry>& Profiles() const { return ProfileIndex; }
 
-  // What is wrong with profiles: patterns that cannot be used or whose matching went over the limit so far, and titles
-  // that stand more than once. One line each.
+  // What is wrong with profiles: patterns that cannot be used or whose matching went over the limit so far,
+  // and titles that stand more than once. One line each.
   std::vector<std::string> ProfileProblems() const;
 
-  // Fill the state of the current target: from a profile; from the test settings, for an archive that matches none;
-  // from the standard settings, which leave SMARTMAKEDIR and OPENDIR as they are and compute no destinations.
-  // The first is false when the profile is not what it was when the profiles were read (then its folders may be
-  // anybody's) or has a folder that is too long to be read whole; the answer is in `*why`.
+  // Fill the state of the current target: from a profile; from the test settings, for an archive that matches
+  // none; from the standard settings, which leave SMARTMAKEDIR and OPENDIR as they are and compute no
+  // destinations. The first is false when the profile is not what it was when the profiles were read (then
+  // its folders may be anybody's) or has a folder that is too long to be read whole; the answer is in `*why`.
   bool FillFromProfile(const std::string& title, std::string* why);
   void FillFromTestSettings();
   void SetDefaultItemData();

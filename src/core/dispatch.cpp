@@ -9,8 +9,8 @@ std::string JoinTitles(const std::vector<std::string>& titles) {
   return joined;
 }
 
-// Fills the dispatcher's state from the one profile that is to act. False, with the report's outcome and error set, when
-// there is none or it cannot be used.
+// Fills the dispatcher's state from the one profile that is to act. False, with the report's outcome and
+// error set, when there is none or it cannot be used.
 bool ChooseProfile(clsMover* mover, const clsPropDefault& settings, const DispatchOptions& options,
                    DispatchReport* report) {
   if (options.profile) {

@@ -13,8 +13,9 @@ namespace quendle::platform {
 // what it does afterwards is not known.
 Result StartProgram(const std::vector<std::string>& arguments);
 
-// Opens a file or folder with the desktop's handler for it. The handler's starter is looked for on the
-// executable search path, never in `untrusted_folder` or below it, nor in the current folder.
+// Opens a file or folder, by its absolute path, with the desktop's handler for it. The handler's starter is
+// looked for on the executable search path, never in `untrusted_folder` or below it, nor in the current
+// folder.
 Result OpenWithDesktop(const std::string& path, const std::string& untrusted_folder);
 
 }  // namespace quendle::platform

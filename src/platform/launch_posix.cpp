@@ -8,6 +8,7 @@
 #include <cerrno>
 
 #include "platform/descriptor_posix.h"
+#include "platform/entry_names_posix.h"
 #include "platform/paths.h"
 
 namespace quendle::platform {
@@ -70,7 +71,7 @@ Result StartProgram(const std::vector<std::string>& arguments) {
 
 Result OpenWithDesktop(const std::string& path, const std::string& untrusted_folder) {
   const std::string opener = FindOnSearchPath("xdg-open");
-  if (opener.empty() || IsInside(opener, untrusted_folder)) {
+  if (opener.empty() || IsInside(WithRealFolder(opener), RealPath(untrusted_folder))) {
     return Failure(Code::kNotFound, path, "xdg-open, which opens files, is not on the search path");
   }
   if (!IsTaken(path)) return SystemFailure(ENOENT, path);

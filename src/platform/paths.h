@@ -33,24 +33,24 @@ struct EntryTimes {
   std::int64_t local_write_seconds = 0;  // the same moment on the local clock, counted as if that were UTC
 };
 
-// Could an entry be made at `path`, after making its missing folders? Looks without trying: the nearest folder that is
-// there must be one and let this process write, and no name may be too long.
+// Could an entry be made at `path`, after making its missing folders? Looks without trying: the nearest
+// folder that is there must be one and let this process write, and no name may be too long.
 Result CheckPlace(const std::string& path);
 
-// Would moving or copying the folder `source` onto `destination`, which may not exist, meet an entry that is there
-// already and is not a folder on both sides?
+// Would moving or copying the folder `source` onto `destination`, which may not exist, meet an entry that is
+// there already and is not a folder on both sides?
 bool FoldersCollide(const std::string& source, const std::string& destination);
 
-// The same entry by the path without links in its folder, so that equal strings mean one place. The path as it is when
-// its folder does not exist.
+// The same entry by the path without links in its folder, so that equal strings mean one place. The path as
+// it is when its folder does not exist.
 std::string WithRealFolder(const std::string& path);
 
 // The last-write time of the entry itself; a link is not followed.
 Result ReadTimes(const std::string& path, EntryTimes* times);
 
 // The path made absolute against the current folder, "." and ".." resolved, each component spelled as its
-// folder lists it. A link that is the last component is kept as it is. Empty when a component cannot be found,
-// or the path is relative and the current folder has been removed.
+// folder lists it. A link that is the last component is kept as it is. Empty when a component cannot be
+// found, or the path is relative and the current folder has been removed.
 std::string LongPath(const std::string& path);
 
 }  // namespace quendle::platform

@@ -3,8 +3,8 @@
 
 namespace quendle::platform {
 
-// Opens what is closed of the three standard streams on nothing. Otherwise the next file to be opened, perhaps one of
-// the user's, would become the stream that the program prints to. To be called first.
+// Opens what is closed of the three standard streams on nothing. Otherwise the next file to be opened,
+// perhaps one of the user's, would become the stream that the program prints to. To be called first.
 void OpenStandardStreams();
 
 // From now on an interrupt, hang-up or termination request only sets a flag, so that the file operation in

@@ -31,7 +31,8 @@ std::string WithReplacementCharacters(std::string_view bytes);
 //   "ⅲ" => "Ⅲ"
 std::string UpperCase(std::string_view text);
 
-// The longest end of `text` that takes at most `columns` columns of a terminal, on which a Japanese character takes two.
+// The longest end of `text` that takes at most `columns` columns of a terminal, on which a Japanese character
+// takes two.
 //   ("report.txt", 4) => ".txt"    ("日本", 3) => "本"
 std::string_view EndOfColumns(std::string_view text, int columns);
 

@@ -295,8 +295,8 @@ GTEST_TEST(ClsMover, OpensWhatWasExtracted) {
   EXPECT_EQ(run.user.opened_folders.size(), 1U);
 }
 
-// The profile's section may be gone, changed or half there by the time it is used; the standard settings' folders must
-// not stand in for its own then.
+// The profile's section may be gone, changed or half there by the time it is used; the standard settings'
+// folders must not stand in for its own then.
 GTEST_TEST(ClsMover, AProfileThatIsNotWhatItWasIsNotUsed) {
   const test::TempFolder folder;
   test::WriteFile(folder / "x.txt", "x");

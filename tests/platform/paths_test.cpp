@@ -80,7 +80,10 @@ GTEST_TEST(Launch, StartsTheOpenerWithTheFileAsOneArgument) {
   test::WriteFile(file, "x");
   const ScopedVariable path("PATH", folder / "bin" + ":/bin:/usr/bin");
 
-  EXPECT_FALSE(OpenWithDesktop(file, folder.path()).ok()) << "an opener in the untrusted folder";
+  fs::create_directory_symlink(folder.path(), folder / "link");
+  for (const std::string& untrusted : {folder.path(), folder / "bin", folder / "link"}) {
+    EXPECT_FALSE(OpenWithDesktop(file, untrusted).ok()) << "an opener in the untrusted folder";
+  }
   EXPECT_FALSE(OpenWithDesktop(folder / "none", "/nowhere").ok());
   ASSERT_TRUE(OpenWithDesktop(file, "/nowhere").ok());
   for (int i = 0; i < 500 && !fs::exists(folder / "log"); ++i) usleep(10'000);
