@@ -19,14 +19,13 @@ bool MakeDirNested(const std::string& path, platform::Result* why) {
   platform::Result first_failure;
   for (std::size_t cut = whole.find(separator); cut != std::string::npos;
        cut = whole.find(separator, cut + 1)) {
-    const std::string part = whole.substr(0, cut + 1);
+    const std::string part = RemoveBackslash(whole.substr(0, cut + 1));
     if (FolderExists(part)) continue;
     platform::Result made = platform::MakeFolder(part);
     if (made.code == platform::Code::kExists) {
-      made =
-          Failure(platform::Code::kNotFolder, RemoveBackslash(part), "a file is where the folder should be");
+      made = Failure(platform::Code::kNotFolder, part, "a file is where the folder should be");
     }
-    // A root or a network share cannot be made and need not be: only the last answer counts.
+    // A root or a network share cannot be made and need not be: what counts is what is there in the end.
     if (!made.ok() && first_failure.ok()) first_failure = std::move(made);
   }
   if (FolderExists(whole)) return true;

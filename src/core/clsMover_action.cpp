@@ -60,7 +60,8 @@ std::vector<ActionStep> clsMover::WalkSteps(bool execute) {
       step.result = RunStep(&step) ? StepResult::kDone : StepResult::kFailed;
     } else if (step.result == StepResult::kPlanned && WouldAsk(step, steps)) {
       step.result = StepResult::kFailed;
-      step.error = "something of that name exists already, and nothing is overwritten unasked";
+      step.error = DOESFOLDER ? "files in it exist there already, and nothing is overwritten unasked"
+                              : "a file of that name exists already, and nothing is overwritten unasked";
     }
     stopped |= step.result == StepResult::kFailed && !(ACTION == 7 && kind == StepKind::kCopy);
     steps.push_back(std::move(step));

@@ -78,7 +78,8 @@ std::vector<std::string> SettingsWarnings(const Globals& globals) {
     }
     if (read.ok() || (read.code == platform::Code::kNotFound && file != items)) continue;
     if (file == items) items_readable = false;
-    if (read.path != creation.path) warnings.push_back(Describe(read));
+    if (read.path == creation.path) continue;
+    warnings.push_back(Describe(read) + (file == items ? ": there are no profiles" : ""));
   }
   if (items_readable && globals.g_Mover->Profiles().empty()) {
     warnings.push_back(items + ": there are no profiles in it");
