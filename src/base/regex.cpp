@@ -10,7 +10,7 @@ namespace quendle {
 namespace {
 
 // Far above what a sensible pattern needs on a file name of 255 characters, and some milliseconds at most.
-constexpr std::uint32_t kMatchLimit = 120'000;
+constexpr std::uint32_t kMatchLimit = 80'000;
 constexpr std::uint32_t kDepthLimit = 5'000;
 
 // Anchored, since only a match that begins at the beginning can be whole; otherwise the limit would count
