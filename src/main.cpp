@@ -2,6 +2,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/display.h"
 #include "cli/options.h"
 #include "cli/unattended.h"
 #include "core/modMain.h"
@@ -14,7 +15,7 @@ int main(int argc, char** argv) {
   std::string problem;
   const auto options = ParseOptions(std::vector<std::string>(argv, argv + argc), &problem);
   if (!options) {
-    std::fprintf(stderr, "quendle: %s\n%s", problem.c_str(), UsageText().c_str());
+    std::fprintf(stderr, "quendle: %s\n%s", ForDisplay(problem).c_str(), UsageText().c_str());
     return kExitUsage;
   }
   if (options->help) {

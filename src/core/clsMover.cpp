@@ -186,8 +186,12 @@ bool clsMover::FillFromItems() {
   return true;
 }
 
-void clsMover::FillFromTestSettings() {
+bool clsMover::FillFromTestSettings(std::string* why) {
   const clsPropDefault& test = environment_.test;
+  if (MayBeCut(test.EXTRACTTO())) {
+    *why = "the folder of the test settings is too long to be read whole";
+    return false;
+  }
   environment_.items.Title = LoadText(text_id::kNoProfile);
   ACTION = static_cast<std::int16_t>(StepKind::kExtract);
   SMARTRENAME = DOESFOLDER ? std::int16_t{1} : test.SMARTRENAME();
@@ -197,6 +201,7 @@ void clsMover::FillFromTestSettings() {
   EXTRACTTO = GetTargetPathByFolder(1, environment_.items.EXTRACTTO());
   MOVETO.clear();
   COPYTO.clear();
+  return true;
 }
 
 void clsMover::SetDefaultItemData() {

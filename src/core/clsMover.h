@@ -110,7 +110,7 @@ class clsMover {
   // destinations. The first is false when the profile is not what it was when the profiles were read (then
   // its folders may be anybody's) or has a folder that is too long to be read whole; the answer is in `*why`.
   bool FillFromProfile(const std::string& title, std::string* why);
-  void FillFromTestSettings();
+  bool FillFromTestSettings(std::string* why);
   void SetDefaultItemData();
 
   // The path that a folder chosen for one kind of action (1 extraction, 2 move, 4 copy) leads to: the folder

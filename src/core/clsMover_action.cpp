@@ -107,7 +107,8 @@ std::string clsMover::PlaceProblem(const ActionStep& step) const {
     const std::string into = SplitPath(platform::WithRealFolder(step.to)).folder;
     if (AddBackslash(into).starts_with(own)) return "a folder cannot go into itself";
   }
-  if (step.kind == StepKind::kMove && EqualsIgnoringCase(ORIGINALPATH, step.to)) return "it is there already";
+  const bool is_there = EqualsIgnoringCase(ORIGINALPATH, MOVETO) || ORIGINALPATH == step.to;
+  if (step.kind == StepKind::kMove && is_there) return "it is there already";
   if (!DOESFOLDER && FolderExists(step.to)) return "a folder of that name is in the way";
   if (DOESFOLDER && FileExists(step.to)) return "a file of that name is in the way";
   platform::Result place = platform::CheckPlace(step.to);
@@ -150,7 +151,6 @@ bool clsMover::RunStep(ActionStep* step) {
 }
 
 bool clsMover::MoveStep() {
-  if (EqualsIgnoringCase(ORIGINALPATH, MOVETO)) return false;
   return operation_.mMove(ORIGINALPATH, DOESFOLDER ? AddBackslash(MOVETO) : MOVETO);
 }
 
@@ -160,7 +160,6 @@ bool clsMover::CopyStep() {
 }
 
 bool clsMover::ExtractStep() {
-  if (ARCHIVETYPE == 0) return false;
   archiver_->pFileName = ORIGINALPATH;
   if (!archiver_->mExtractArchive(EXTRACTTO)) return false;
   if (OPENDIR) environment_.user.OpenFolder(EXTRACTTO);

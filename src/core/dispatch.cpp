@@ -23,8 +23,7 @@ bool ChooseProfile(clsMover* mover, const clsPropDefault& settings, const Dispat
                     " profiles match, name one with --profile: " + JoinTitles(report->matches);
     return false;
   } else if (mover->ARCHIVETYPE != 0 && settings.TEST()) {
-    mover->FillFromTestSettings();
-    return true;
+    return mover->FillFromTestSettings(&report->error);
   } else {
     report->outcome = Outcome::kUnmatched;
     report->error = "no profile matches the name";

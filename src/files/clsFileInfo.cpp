@@ -23,7 +23,7 @@ bool clsFileInfo::SetFilename(const std::string& path) {
     last_failure_ = Failure(platform::Code::kNotFound, path, "No such file or directory");
     return false;
   }
-  last_failure_ = platform::ReadTimes(path, &times_);
+  last_failure_ = platform::ReadLocalWriteTime(path, &local_write_seconds_);
   if (!last_failure_.ok()) return false;
   path_ = platform::LongPath(path);
   PathParts parts = SplitPath(path_);
@@ -36,13 +36,13 @@ bool clsFileInfo::SetFilename(const std::string& path) {
 }
 
 double clsFileInfo::pTimeWrite() const {
-  return static_cast<double>(times_.local_write_seconds) / static_cast<double>(kSecondsPerDay) +
+  return static_cast<double>(local_write_seconds_) / static_cast<double>(kSecondsPerDay) +
          static_cast<double>(kDaysFrom1899To1970);
 }
 
 CalendarDay clsFileInfo::WriteDay() const {
   const std::chrono::year_month_day day(std::chrono::floor<std::chrono::days>(
-      std::chrono::sys_seconds(std::chrono::seconds(times_.local_write_seconds))));
+      std::chrono::sys_seconds(std::chrono::seconds(local_write_seconds_))));
   return {static_cast<int>(day.year()), static_cast<unsigned>(day.month()), static_cast<unsigned>(day.day())};
 }
 

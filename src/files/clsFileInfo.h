@@ -47,7 +47,7 @@ class clsFileInfo {
   std::string folder_;
   std::string base_;
   std::string extension_;
-  platform::EntryTimes times_;
+  std::int64_t local_write_seconds_ = 0;
   platform::Result last_failure_;
 };
 

@@ -7,8 +7,6 @@
 #include <cerrno>
 #include <chrono>
 #include <climits>
-#include <cstdio>
-#include <random>
 
 #include "platform/descriptor_posix.h"
 #include "platform/durable_file.h"
@@ -91,19 +89,13 @@ class Replacement {
   Replacement& operator=(const Replacement&) = delete;
 
   Result Create(mode_t mode) {
-    std::random_device random;
-    do {
-      char name[sizeof ".quendle-00000000.tmp"];
-      std::snprintf(name, sizeof name, ".quendle-%08x.tmp", random());
-      const int handle = Retried(
-          [&] { return openat(folder_, name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode); });
-      if (handle >= 0) {
-        name_ = name;
-        file_ = Descriptor(handle);
-        return Success();
-      }
-    } while (errno == EEXIST);
-    return LastSystemFailure(FolderOf(path_));
+    const std::string name = NameOf(TemporaryPath(path_));
+    file_ = Descriptor(Retried([&] {
+      return openat(folder_, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode);
+    }));
+    if (!file_.ok()) return LastSystemFailure(FolderOf(path_));
+    name_ = name;
+    return Success();
   }
 
   // Only the superuser gives files away, but members of a group may give it theirs. Where not even that

@@ -1,11 +1,13 @@
 #include "platform/entry_names_posix.h"
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 
 #include <fcntl.h>
+#include <sys/random.h>
 #include <unistd.h>
 
 #include "platform/descriptor_posix.h"
@@ -53,6 +55,16 @@ std::string NameOf(const std::string& path) {
 std::string RealPath(const std::string& path) {
   const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
   return real ? real.get() : "";
+}
+
+std::string TemporaryPath(const std::string& path) {
+  constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyz234567";
+  std::array<unsigned char, 8> random{};
+  // The pool is ready long before a desktop program runs; zeroes otherwise are a name like any other.
+  (void)!getrandom(random.data(), random.size(), 0);
+  std::string name = ".quendle-";
+  for (const unsigned char byte : random) name += kLetters[byte % 32];
+  return path.substr(0, path.rfind('/') + 1) + name + ".part";
 }
 
 std::string NumberedPath(const std::string& path, unsigned number, bool is_folder) {

@@ -19,6 +19,11 @@ std::string NameOf(const std::string& path);
 // The path without links, "." and ".."; empty, with errno set, when it does not exist.
 std::string RealPath(const std::string& path);
 
+// A hidden name beside `path` for what is to become it. One that is taken all the same, of a million million,
+// makes the operation fail, nothing worse.
+//   "/d/name" => "/d/.quendle-abcdefgh.part"
+std::string TemporaryPath(const std::string& path);
+
 // "name.ext" => "name (2).ext"; folders and hidden files without another dot have no extension.
 std::string NumberedPath(const std::string& path, unsigned number, bool is_folder);
 

@@ -28,11 +28,6 @@ Result MakeTemporaryFile(const std::string& folder, std::string* path);
 // kExists when the folder is not empty.
 Result RemoveEmptyFolder(const std::string& path);
 
-struct EntryTimes {
-  std::int64_t write_seconds = 0;        // since 1970, UTC
-  std::int64_t local_write_seconds = 0;  // the same moment on the local clock, counted as if that were UTC
-};
-
 // Could an entry be made at `path`, after making its missing folders? Looks without trying: the nearest
 // folder that is there must be one and let this process write, and no name may be too long.
 Result CheckPlace(const std::string& path);
@@ -45,8 +40,9 @@ bool FoldersCollide(const std::string& source, const std::string& destination);
 // it is when its folder does not exist.
 std::string WithRealFolder(const std::string& path);
 
-// The last-write time of the entry itself; a link is not followed.
-Result ReadTimes(const std::string& path, EntryTimes* times);
+// The last write of the entry itself (a link is not followed) on the local clock: seconds since 1970, counted
+// as if that clock showed UTC.
+Result ReadLocalWriteTime(const std::string& path, std::int64_t* seconds);
 
 // The path made absolute against the current folder, "." and ".." resolved, each component spelled as its
 // folder lists it. A link that is the last component is kept as it is. Empty when a component cannot be

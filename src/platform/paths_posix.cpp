@@ -130,13 +130,12 @@ std::string WithRealFolder(const std::string& path) {
   return folder.empty() ? path : (folder == "/" ? "" : folder) + "/" + NameOf(path);
 }
 
-Result ReadTimes(const std::string& path, EntryTimes* times) {
+Result ReadLocalWriteTime(const std::string& path, std::int64_t* seconds) {
   struct stat entry;
   if (lstat(path.c_str(), &entry) != 0) return LastSystemFailure(path);
   struct tm local;
-  times->write_seconds = entry.st_mtim.tv_sec;
-  times->local_write_seconds = entry.st_mtim.tv_sec;
-  if (localtime_r(&entry.st_mtim.tv_sec, &local) != nullptr) times->local_write_seconds += local.tm_gmtoff;
+  *seconds = entry.st_mtim.tv_sec;
+  if (localtime_r(&entry.st_mtim.tv_sec, &local) != nullptr) *seconds += local.tm_gmtoff;
   return Success();
 }
 

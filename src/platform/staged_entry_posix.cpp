@@ -1,11 +1,9 @@
 #include "platform/staged_entry_posix.h"
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
 
 #include <fcntl.h>
-#include <sys/random.h>
 #include <unistd.h>
 
 #include "platform/entry_names_posix.h"
@@ -13,17 +11,6 @@
 
 namespace quendle::platform {
 namespace {
-
-// A name that is taken all the same makes the operation fail, nothing worse.
-std::string TemporaryPath(const std::string& destination) {
-  constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyz234567";
-  std::array<unsigned char, 8> random{};
-  // The pool is ready long before a desktop program runs; zeroes otherwise are a name like any other.
-  (void)!getrandom(random.data(), random.size(), 0);
-  std::string name = ".quendle-";
-  for (const unsigned char byte : random) name += kLetters[byte % 32];
-  return destination.substr(0, destination.rfind('/') + 1) + name + ".part";
-}
 
 int Exchange(const std::string& a, const std::string& b) {
   return renameat2(AT_FDCWD, a.c_str(), AT_FDCWD, b.c_str(), RENAME_EXCHANGE) == 0 ? 0 : errno;

@@ -229,6 +229,7 @@ GTEST_TEST(ClsMover, RefusesWhatCannotBeMeant) {
       {"in/d", 4, folder / "in/d/e"},
       {"in/d", 2, folder / "taken/x.txt"},
       {"in/d", 2, folder / "in"},
+      {"in/d", 2, folder / "in/D"},  // another folder, but equal without regard to case
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(std::string(row.target) + " to " + row.to);
