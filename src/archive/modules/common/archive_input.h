@@ -1,0 +1,48 @@
+// The bytes of an archive as its format counts them: without a self-extracting program in front, and with all
+// volumes of a set behind each other.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/input_file.h"
+#include "platform/result.h"
+
+namespace quendle::modules {
+
+class ArchiveInput {
+ public:
+  // The bytes of one file from `offset` on.
+  ArchiveInput(std::shared_ptr<const platform::InputFile> file, std::uint64_t offset);
+
+  // The bytes of several files behind each other.
+  explicit ArchiveInput(std::vector<std::shared_ptr<const platform::InputFile>> volumes);
+
+  // The same bytes from `offset` on.
+  ArchiveInput From(std::uint64_t offset) const;
+
+  std::uint64_t Size() const { return size_; }
+
+  // As InputFile::ReadAt; a read may cross volumes.
+  platform::Result ReadAt(std::uint64_t position, void* buffer, std::size_t size, std::size_t* got) const;
+
+  // The path of the (first) file.
+  const std::string& Path() const { return volumes_.front()->Path(); }
+  // Where each volume begins, for formats that count positions in the volume.
+  std::uint64_t VolumeStart(std::size_t index) const;
+  std::size_t VolumeCount() const { return volumes_.size(); }
+
+  // Equal only when all files are the same and unchanged.
+  std::string Identity() const;
+
+ private:
+  std::vector<std::shared_ptr<const platform::InputFile>> volumes_;
+  std::vector<std::uint64_t> starts_;  // of each volume among all their bytes
+  std::uint64_t offset_ = 0;           // of this input in them
+  std::uint64_t size_ = 0;
+};
+
+}  // namespace quendle::modules

@@ -1,0 +1,78 @@
+// How the entries of an archive are read, whichever library underneath does it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "archive/modules/common/archive_input.h"
+#include "platform/extraction_folder.h"
+
+namespace quendle::modules {
+
+enum class EntryKind {
+  kFile,
+  kFolder,
+  kLink,   // symbolic
+  kOther,  // hard link, device, pipe ...: never extracted
+};
+
+struct Entry {
+  // As the archive has it, decoded to UTF-8 and otherwise raw: anything may be in it, ".." and NUL too. "/"
+  // between the parts, which is also what a "\" has become; folders end with one.
+  std::string path;
+  EntryKind kind = EntryKind::kFile;
+  std::string link_target;
+  std::optional<std::uint64_t> size;  // bytes of content; not always known beforehand
+  std::uint64_t packed_size = 0;
+  std::uint32_t crc = 0;  // as the format has it; 0: none
+  platform::EntryAttributes attributes;
+  bool encrypted = false;
+  std::string method;  // how it is packed, in the format's own words such as "-lh5-"; may be empty
+};
+
+enum class ReadStatus {
+  kOk,
+  kEnd,          // no more entries; of content: it is complete and its checksum held
+  kFailed,       // damaged, or unreadable
+  kUnsupported,  // packed in a way that this engine does not know; another may
+  kPassword,     // encrypted, and no password fits
+};
+
+struct ReaderOptions {
+  std::string charset;  // of names that do not say theirs; empty: see DecodeName
+  // The next password to try for this archive, nothing when there is none (any more). Never null.
+  std::function<std::optional<std::string>()> ask_password;
+};
+
+// Reads an archive from its first entry to its last. Whatever is in the archive, each call ends and the entries
+// are finitely many; contents that are wrong are never called complete.
+class EntryReader {
+ public:
+  virtual ~EntryReader() = default;
+
+  // Goes to the next entry; content of the current one that was not read is skipped. After anything but kOk
+  // there are no more entries, and after kFailed, kUnsupported and kPassword the archive is not whole.
+  virtual ReadStatus NextEntry(Entry* entry) = 0;
+
+  // The next piece of the current file's content, never an empty one, valid until the next call. After
+  // anything but kOk the entry is over, but NextEntry may be called.
+  virtual ReadStatus ReadContent(std::string_view* piece) = 0;
+
+  // Why the last answer was kFailed, kUnsupported or kPassword, one English line without a full stop.
+  virtual const std::string& Reason() const = 0;
+};
+
+// One library underneath, as a family uses it. Open gives a reader, or null with the reason, for an archive of
+// which `input` holds the bytes and which outlives the reader.
+struct Engine {
+  const char* name;
+  std::unique_ptr<EntryReader> (*open)(const ArchiveInput& input, const ReaderOptions& options,
+                                       std::string* reason);
+};
+
+}  // namespace quendle::modules

@@ -1,0 +1,29 @@
+// What distinguishes one archiver module from another: all of it is data here.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "archive/modules/common/dialect.h"
+#include "archive/modules/common/entry_reader.h"
+
+namespace quendle::modules {
+
+struct Family {
+  const char* name;  // "ZIP"
+  const Dialect& dialect;
+
+  // Finds the archive in a file: at its beginning, or behind a self-extracting program. Nothing: there is none.
+  // Opens the other volumes of a set, too; `*reason` says which one is missing, or that this is not the first.
+  std::optional<ArchiveInput> (*find)(std::shared_ptr<const platform::InputFile> file, std::string* reason);
+
+  // The engines to try for this archive, best first. What one does not know is tried with the next.
+  std::vector<Engine> (*engines)(const ArchiveInput& input);
+
+  // Is it refused as a whole before anything is written? Null: the family has no such rule.
+  platform::Result (*check)(const ArchiveInput& input);
+};
+
+}  // namespace quendle::modules

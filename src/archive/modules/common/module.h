@@ -1,0 +1,45 @@
+// A module: the exported functions over a family.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "archive/archiver_abi.h"
+#include "archive/modules/common/family.h"
+#include "archive/modules/common/listing.h"
+#include "archive/modules/common/session.h"
+
+namespace quendle::modules {
+
+// One object per loaded module. The members are the functions of archiver_abi.h; nothing is thrown through
+// them.
+class Module {
+ public:
+  explicit Module(const Family& family) : family_(family) {}
+
+  std::int32_t CheckArchive(const char* path);
+  ArchiverHandle OpenArchive(const char* path);
+  std::int32_t FindFirst(ArchiverHandle handle, ArchiverEntry* entry);
+  std::int32_t FindNext(ArchiverHandle handle, ArchiverEntry* entry);
+  std::int32_t CloseArchive(ArchiverHandle handle);
+  std::int32_t Command(const char* command_line, char* output, std::uint32_t size);
+  std::int32_t UseUtf8(std::int32_t on);
+  std::uint32_t FullName(ArchiverHandle handle, char* name, std::uint32_t size);
+  std::int32_t SetSession(const ArchiverSession* session);
+  std::int32_t ExtractCalls(ArchiverCall* calls, std::uint32_t count);
+
+ private:
+  struct Listed {
+    std::shared_ptr<const OpenedArchive> archive;
+    std::size_t next = 0;
+  };
+
+  const Family& family_;
+  bool utf8_ = false;
+  Session session_{nullptr};
+  std::map<ArchiverHandle, Listed> open_;
+  ArchiverHandle last_handle_ = 0;
+};
+
+}  // namespace quendle::modules

@@ -1,0 +1,36 @@
+// The host of a module, as the module sees it: an ArchiverSession, or nobody.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "archive/archiver_abi.h"
+#include "platform/file_operation.h"
+
+namespace quendle::modules {
+
+class Session {
+ public:
+  // A copy of what the host gave; null: nobody, and every answer is no.
+  explicit Session(const ArchiverSession* session);
+
+  const std::string& Charset() const { return charset_; }
+
+  // At most one call to the host in 50 milliseconds. False: cancelled.
+  bool Progress(const std::string& entry, std::uint64_t done, std::uint64_t total);
+
+  enum class Answer { kNo, kYes, kCancel };
+  Answer AskOverwrite(const platform::FileVersion& existing, const platform::FileVersion& incoming) const;
+  std::optional<std::string> AskPassword(const std::string& archive) const;
+  bool AskProceed(const std::string& question) const;
+  void Problem(const std::string& entry, const std::string& reason) const;
+
+ private:
+  std::optional<ArchiverSession> session_;
+  std::string charset_;
+  std::chrono::steady_clock::time_point reported_;
+};
+
+}  // namespace quendle::modules

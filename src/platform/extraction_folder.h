@@ -1,0 +1,86 @@
+// Writing the entries of an archive below a folder, and nowhere else.
+//
+// Paths are safe paths as by SafeEntryPath. Every folder on the way is opened without following links, so
+// that nothing is written through one. A file has a hidden temporary name until it is complete; until it is
+// committed, and after any failure, what was there before is untouched.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/file_operation.h"
+#include "platform/result.h"
+
+namespace quendle::platform {
+
+struct EntryTime {
+  std::int64_t seconds = 0;  // since 1970, UTC
+  std::int32_t nanoseconds = 0;
+};
+
+struct EntryAttributes {
+  std::optional<EntryTime> write_time;  // none: now
+  bool executable = false;              // for all who may read it
+};
+
+class ExtractionFolder {
+ public:
+  // `folder` exists; it may itself be a link.
+  static Result Open(const std::string& folder, std::unique_ptr<ExtractionFolder>* opened);
+  ~ExtractionFolder();  // discards a file that is not committed
+  ExtractionFolder(const ExtractionFolder&) = delete;
+  ExtractionFolder& operator=(const ExtractionFolder&) = delete;
+
+  // kNoSpace when the file system has less than that many bytes for this user.
+  Result CheckSpace(std::uint64_t bytes) const;
+
+  // What has the name now.
+  enum class Taken {
+    kFree,
+    kFile,    // or a link, a pipe ...: replaced as the entry that it is, never followed
+    kFolder,  // cannot be replaced
+    kOurs,    // a file that this object wrote: the two names are one on this file system
+  };
+  struct Occupant {
+    Taken taken = Taken::kFree;
+    FileVersion version;  // of what is there
+  };
+  // A failure when a folder on the way cannot be entered: a file or a link is in its place, say.
+  Result Look(const std::string& path, Occupant* occupant);
+
+  // Makes the folder with all its parents; fine when it is there. Its time is set by Finish.
+  Result MakeFolder(const std::string& path, const EntryAttributes& attributes);
+
+  // Begins a file that is to be `path` one day, making its folders. `expected_size`, when known, is set aside
+  // on the disk if that is cheap. Only one file at a time.
+  Result BeginFile(const std::string& path, std::optional<std::uint64_t> expected_size);
+  Result Write(std::string_view bytes);
+
+  // Gives the file its name. kExists when the name is taken and not to be replaced, or is a folder's.
+  enum class Replace { kNothing, kFile };
+  Result CommitFile(const std::string& path, const EntryAttributes& attributes, Replace replace);
+  void DiscardFile();
+
+  // A free name for an entry whose own is taken by another of the same archive:
+  //   "a/b.txt" => "a/b (2).txt"
+  Result FreeName(const std::string& path, std::string* free_path);
+
+  // Notes a link to be made by Finish, when all files are written, so that none is written through it.
+  // kRefused when its target is by CheckLinkTarget.
+  Result AddLink(const std::string& path, const std::string& target, Replace replace);
+
+  // Makes the noted links and sets the times of the folders. All is tried; the failures, one for each link that
+  // was not made, have the link's path below the folder. To be called also after an extraction that failed.
+  std::vector<Result> Finish();
+
+ private:
+  class Impl;
+  explicit ExtractionFolder(std::unique_ptr<Impl> impl);
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace quendle::platform

@@ -1,0 +1,35 @@
+// Loadable modules.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/result.h"
+
+namespace quendle::platform {
+
+class Library {
+ public:
+  // Loads the module at that absolute path, nothing else under its name. A failure says what is missing.
+  static Result Load(const std::string& path, std::unique_ptr<Library>* library);
+
+  // Unloads it: nothing of it may be used any more.
+  ~Library();
+  Library(const Library&) = delete;
+  Library& operator=(const Library&) = delete;
+
+  // The exported function of that name, or null. The caller knows its type.
+  template <typename Function>
+  Function Find(const std::string& name) const {
+    return reinterpret_cast<Function>(FindSymbol(name));
+  }
+
+ private:
+  using AnyFunction = void (*)();
+  explicit Library(void* handle) : handle_(handle) {}
+  AnyFunction FindSymbol(const std::string& name) const;
+
+  void* handle_;
+};
+
+}  // namespace quendle::platform
