@@ -45,9 +45,9 @@ typedef struct ArchiverEntry {
   uint32_t crc;
   uint32_t flag;
   uint32_t os_type;
-  uint16_t ratio; /* packed size in thousandths of the original */
-  uint16_t date;  /* of MS-DOS, local time: year since 1980 << 9 | month << 5 | day */
-  uint16_t time;  /* hour << 11 | minute << 5 | second / 2 */
+  uint16_t ratio;                     /* packed size in thousandths of the original */
+  uint16_t date;                      /* of MS-DOS, local time: year since 1980 << 9 | month << 5 | day */
+  uint16_t time;                      /* hour << 11 | minute << 5 | second / 2 */
   char file_name[ARCHIVER_NAME_SIZE]; /* path inside the archive, "/" or "\" between its parts and, for a
                                          folder, at its end */
   char dummy[3];

@@ -1,0 +1,19 @@
+// Reading by unarr.
+#pragma once
+
+#include "archive/modules/common/entry_reader.h"
+
+namespace quendle::modules {
+
+enum class UnarrFormat { kZip, kRar };
+
+// Completes what unarr tells of an entry from the archive's own header at `offset`, as ar_entry_get_offset
+// gives it. False: the entry cannot be read.
+using DescribeUnarrEntry = std::function<bool(std::uint64_t offset, Entry* entry)>;
+
+// unarr reads only whole files and memory, so that an input that begins inside a file is read into memory
+// first, up to a limit. Several volumes are refused.
+std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput& input, UnarrFormat format,
+                                       DescribeUnarrEntry describe, std::string* reason);
+
+}  // namespace quendle::modules
