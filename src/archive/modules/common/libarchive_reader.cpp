@@ -222,7 +222,8 @@ ReadStatus LibarchiveReader::NextEntry(Entry* entry) {
     } else {
       header_position_ = archive_read_header_position(library_);
       *entry = Convert(raw);
-      if (describe_ && !describe_(index_++, entry)) continue;
+      const std::size_t index = index_++;
+      if (describe_ && !describe_(index, entry)) continue;
       encrypted_ = entry->encrypted;
       size_ = entry->size;
       given_ = zeros_ = 0;
