@@ -11,8 +11,8 @@ namespace {
 
 constexpr std::string_view kSeparators = "/\\";
 
-// The whole needs no room for the destination on POSIX: folders are entered one after the other there. A limit
-// keeps a name from making folders that no program can reach by their path any more. The 32767 units of Windows
+// The whole needs no room for the destination on POSIX, where folders are entered one after the other. Its
+// limit keeps a name from making folders that no program can reach by their path. The 32767 units of Windows
 // are for the full path, of which the destination gets the rest.
 struct Limits {
   std::size_t part;
