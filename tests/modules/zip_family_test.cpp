@@ -84,7 +84,7 @@ GTEST_TEST(Zip, TellsKindsTimesAndModes) {
   const std::string unix_time = Number(0x5455, 2) + Number(5, 2) + Number(1, 1) + Number(1'600'000'001, 4);
   const std::string ntfs_time =
       Number(0x000A, 2) + Number(32, 2) + Number(0, 4) + Number(1, 2) + Number(24, 2) +
-      Number((1'600'000'002 + 11'644'473'600ULL) * 10'000'000 + 5, 8) + Number(0, 16);
+      Number((1'600'000'002 + 11'644'473'600ULL) * 10'000'000 + 5, 8) + Number(0, 8) + Number(0, 8);
   test::WriteFile(folder / "a.zip", StoredZip({
                                         {"tool", "1", 0, unix_time, unix_made, 0100755U << 16},
                                         {"plain", "2", 0, ntfs_time + unix_time, unix_made, 0100644U << 16},
