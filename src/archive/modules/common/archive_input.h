@@ -34,6 +34,8 @@ class ArchiveInput {
   // Where each volume begins, for formats that count positions in the volume.
   std::uint64_t VolumeStart(std::size_t index) const;
   std::size_t VolumeCount() const { return volumes_.size(); }
+  // Is it one file from its first byte on?
+  bool IsWholeFile() const { return offset_ == 0 && volumes_.size() == 1; }
 
   // Equal only when all files are the same and unchanged.
   std::string Identity() const;

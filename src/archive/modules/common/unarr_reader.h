@@ -12,7 +12,8 @@ enum class UnarrFormat { kZip, kRar };
 using DescribeUnarrEntry = std::function<bool(std::uint64_t offset, Entry* entry)>;
 
 // unarr reads only whole files and memory, so that an input that begins inside a file is read into memory
-// first, up to a limit. Several volumes are refused.
+// first, up to a limit. Several volumes are refused. Folders are passed over without a word, so that a family
+// that wants them takes them from the archive's own headers.
 std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput& input, UnarrFormat format,
                                        DescribeUnarrEntry describe, std::string* reason);
 

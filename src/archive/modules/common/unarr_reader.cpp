@@ -1,0 +1,147 @@
+#include "archive/modules/common/unarr_reader.h"
+
+#include <unarr.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "archive/modules/common/entry_names.h"
+
+namespace quendle::modules {
+
+namespace {
+
+constexpr std::uint64_t kMemoryLimit = 64U << 20;
+constexpr std::size_t kPieceSize = 256U << 10;
+
+// What unarr counts in: steps of 100 nanoseconds since 1601.
+constexpr std::int64_t kStepsPerSecond = 10'000'000;
+constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
+
+struct CloseStream {
+  void operator()(ar_stream* stream) const { ar_close(stream); }
+};
+struct CloseArchive {
+  void operator()(ar_archive* archive) const { ar_close_archive(archive); }
+};
+using Stream = std::unique_ptr<ar_stream, CloseStream>;
+using Archive = std::unique_ptr<ar_archive, CloseArchive>;
+
+class UnarrReader : public EntryReader {
+ public:
+  UnarrReader(std::string memory, DescribeUnarrEntry describe)
+      : memory_(std::move(memory)), describe_(std::move(describe)) {}
+
+  bool Open(const ArchiveInput& input, UnarrFormat format) {
+    stream_.reset(input.IsWholeFile() ? ar_open_file(input.Path().c_str())
+                                      : ar_open_memory(memory_.data(), memory_.size()));
+    if (stream_ == nullptr) return false;
+    archive_.reset(format == UnarrFormat::kZip ? ar_open_zip_archive(stream_.get(), false)
+                                               : ar_open_rar_archive(stream_.get()));
+    return archive_ != nullptr;
+  }
+
+  ReadStatus NextEntry(Entry* entry) override {
+    content_ = ReadStatus::kEnd;
+    if (over_ != ReadStatus::kOk) return over_;
+    if (!ar_parse_entry(archive_.get())) {
+      return over_ =
+                 ar_at_eof(archive_.get()) ? ReadStatus::kEnd : Fail("the next header is damaged or missing");
+    }
+    const std::int64_t offset = ar_entry_get_offset(archive_.get());
+    if (offset <= last_offset_) return over_ = Fail("the headers do not follow each other");
+    last_offset_ = offset;
+    Describe(static_cast<std::uint64_t>(offset), entry);
+    return ReadStatus::kOk;
+  }
+
+  ReadStatus ReadContent(std::string_view* piece) override {
+    if (content_ != ReadStatus::kOk) return content_;
+    if (left_ == 0 && finished_) return content_ = ReadStatus::kEnd;
+    // An entry without content is asked for nothing, which has its checksum verified all the same.
+    const std::size_t size = std::min(left_, kPieceSize);
+    buffer_.resize(kPieceSize);
+    if (!ar_entry_uncompress(archive_.get(), buffer_.data(), size)) {
+      return content_ = Fail("the content is damaged, or packed in a way that is not known");
+    }
+    left_ -= size;
+    finished_ = left_ == 0;
+    if (size == 0) return content_ = ReadStatus::kEnd;
+    *piece = std::string_view(buffer_.data(), size);
+    return ReadStatus::kOk;
+  }
+
+  const std::string& Reason() const override { return reason_; }
+
+ private:
+  ReadStatus Fail(const char* reason) {
+    reason_ = reason;
+    return ReadStatus::kFailed;
+  }
+
+  void Describe(std::uint64_t offset, Entry* entry) {
+    *entry = {};
+    left_ = ar_entry_get_size(archive_.get());
+    finished_ = false;
+    content_ = ReadStatus::kOk;
+    entry->size = left_;
+    if (const std::int64_t time = ar_entry_get_filetime(archive_.get()); time > 0) {
+      entry->attributes.write_time = {time / kStepsPerSecond - kSecondsFrom1601To1970,
+                                      static_cast<std::int32_t>(time % kStepsPerSecond * 100)};
+    }
+    if (!describe_) {
+      const char* name = ar_entry_get_name(archive_.get());
+      entry->path = DecodeName(name == nullptr ? "" : name, true, "");
+      if (entry->path.ends_with('/')) entry->kind = EntryKind::kFolder;
+    } else if (!describe_(offset, entry)) {
+      content_ = ReadStatus::kUnsupported;
+      reason_ = "this kind of entry cannot be read";
+    }
+    if (entry->encrypted) {
+      content_ = ReadStatus::kUnsupported;
+      reason_ = "the entry is encrypted";
+    }
+  }
+
+  std::string memory_;
+  DescribeUnarrEntry describe_;
+  Stream stream_;
+  Archive archive_;  // closed before its stream
+  ReadStatus over_ = ReadStatus::kOk;
+  std::int64_t last_offset_ = -1;
+  ReadStatus content_ = ReadStatus::kEnd;  // of the current entry
+  std::size_t left_ = 0;                   // bytes of it
+  bool finished_ = false;                  // unarr has seen its end, and has checked it
+  std::string buffer_;
+  std::string reason_;
+};
+
+}  // namespace
+
+std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput& input, UnarrFormat format,
+                                       DescribeUnarrEntry describe, std::string* reason) {
+  std::string memory;
+  if (input.VolumeCount() > 1) {
+    *reason = "unarr does not read archives in several files";
+    return nullptr;
+  }
+  if (!input.IsWholeFile()) {
+    if (input.Size() > kMemoryLimit) {
+      *reason = "the archive behind the program is too large for unarr";
+      return nullptr;
+    }
+    memory.resize(static_cast<std::size_t>(input.Size()));
+    std::size_t got = 0;
+    if (const platform::Result read = input.ReadAt(0, memory.data(), memory.size(), &got); !read.ok()) {
+      *reason = read.reason;
+      return nullptr;
+    }
+    memory.resize(got);
+  }
+  auto reader = std::make_unique<UnarrReader>(std::move(memory), std::move(describe));
+  if (reader->Open(input, format)) return reader;
+  *reason = "unarr does not read this archive";
+  return nullptr;
+}
+
+}  // namespace quendle::modules
