@@ -9,8 +9,8 @@
 namespace quendle::platform {
 namespace {
 
-// Of deeper paths only the last folder stays open: a process may have some hundred files open, and a path be of
-// two thousand folders.
+// Of deeper paths only the last folder stays open: a process may have some hundred files open, and a path be
+// of two thousand folders.
 constexpr std::size_t kMostOpen = 32;
 
 }  // namespace

