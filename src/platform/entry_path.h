@@ -20,14 +20,14 @@ inline constexpr NameRules kHostNames = NameRules::kPosix;
 // Turns the name of an entry, in UTF-8 with "/" or "\" between its parts and, for a folder, at its end, into a
 // path relative to the destination, with "/" between the parts and none at the end. Empty parts and "." are
 // left out. kRefused, with the reason, for names that lead elsewhere or nowhere: with "..", absolute, with a
-// drive, of the network, with a NUL, with nothing left of them, with a part or a whole that is too long for
-// the system.
+// drive, of the network, with a NUL, with nothing left of them, not in UTF-8, with a part or a whole that is
+// too long for the system.
 //   "a/b.txt" => "a/b.txt"    "a\b\" => "a/b"    "./a//b" => "a/b"
 //   "../x", "a/../b", "/x", "\x", "//server/x", "C:x", "C:/x", "", "." => refused
 //
 // What the system cannot have in a name becomes "_": control characters everywhere; on Windows also
 // : * ? " < > |, a blank or dot at the end of a part, and an "_" goes before the name of a device.
-//   Windows: "a:b" => "a_b"    "a." => "a_"    "con.txt" => "_con.txt"    "COM¹" => "_COM¹"
+//   Windows: "ab:c" => "ab_c"    "a." => "a_"    "con.txt" => "_con.txt"    "COM¹" => "_COM¹"
 Result SafeEntryPath(std::string_view name, NameRules rules, std::string* path);
 
 // Where a link at the safe path `path` may lead: relative, and in the destination for certain, whatever other

@@ -17,9 +17,10 @@ namespace quendle::modules {
 // only the format knows; a gap in the numbering ends it.
 struct VolumeSet {
   std::vector<std::shared_ptr<const platform::InputFile>> files;
-  bool is_first = true;      // the file given is the one to be opened (of a .z01 set the .zip)
-  std::string first_path;    // the path of that one otherwise
-  std::string missing_path;  // the name that the set lacks behind its last file, or in its gap
+  bool is_first = true;    // the file given is the one to be opened (of a .z01 set the .zip)
+  std::string first_path;  // the path of that one otherwise
+  // The name that the set lacks: behind its last file, in its gap, or of the one to be opened.
+  std::string missing_path;
 };
 VolumeSet FindVolumes(std::shared_ptr<const platform::InputFile> file);
 
