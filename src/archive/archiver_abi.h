@@ -23,8 +23,10 @@
 
 #ifdef _WIN32
 #define ARCHIVER_CALL __stdcall
+#define ARCHIVER_EXPORT __declspec(dllexport)
 #else
 #define ARCHIVER_CALL
+#define ARCHIVER_EXPORT __attribute__((visibility("default")))
 #endif
 
 #ifdef __cplusplus
@@ -153,8 +155,8 @@ typedef struct ArchiverCall {
 
 /* Does the calls, which are all over one archive, reading it once: a solid archive of a thousand folders is
  * unpacked once, not a thousand times. What each call extracts and logs is what the same command lines one
- * after the other would; a call that fails stops only calls behind it. Returns the first result that is not
- * 0, or 0. */
+ * after the other would, except that a call that fails need not keep those behind it from extracting. Returns
+ * the first result that is not 0, or 0. */
 typedef int32_t(ARCHIVER_CALL* ArchiverExtractCalls)(void* window, ArchiverCall* calls, uint32_t count);
 
 #ifdef __cplusplus

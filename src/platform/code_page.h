@@ -34,6 +34,11 @@ std::optional<std::string> AnsiFromText(std::string_view text);
 // stored in another encoding those would never become the characters again that they are.
 Result CheckDecoded(std::string_view text);
 
+// Bytes of another encoding, by its usual name, as UTF-8. The names of Shift_JIS all mean the code page above.
+// Nothing when not all of them are characters of that encoding, or when the system does not know it.
+//   ("\xA4\xA2", "EUC-JP") => "あ"    ("\xA4", "EUC-JP") => nothing
+std::optional<std::string> TextFromEncoding(std::string_view bytes, const std::string& encoding);
+
 // The longest beginning of `text` that takes at most `limit` bytes in the code page, without cutting a
 // character. Characters outside the code page count as two bytes.
 //   ("aソb", 2) => "a"    ("aソb", 3) => "aソ"

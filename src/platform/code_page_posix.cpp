@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <memory>
 
 #include "platform/code_page.h"
 #include "platform/unicode.h"
@@ -33,6 +34,9 @@ class Converter {
   // False on systems that keep the module in a package of its own which is not installed.
   bool is_open() const { return reinterpret_cast<std::intptr_t>(handle_) != -1; }
 
+  // Forgets the shift state that earlier text ended in.
+  void Reset() { iconv(handle_, nullptr, nullptr, nullptr, nullptr); }
+
   // Appends the conversion of as much of `*input` as can be converted and takes that off it.
   void Convert(std::string_view* input, std::string* output) {
     char* from = const_cast<char*>(input->data());  // iconv does not write there
@@ -45,7 +49,7 @@ class Converter {
       error = iconv(handle_, &from, &left, &to, &space) == std::size_t(-1) ? errno : 0;
       output->append(room, static_cast<std::size_t>(to - room));
     }
-    input->remove_prefix(input->size() - left);  // the code page has no shift states that would need a reset
+    input->remove_prefix(input->size() - left);
   }
 
  private:
@@ -60,6 +64,17 @@ Converter& Decoder() {
 Converter& Encoder() {
   thread_local Converter converter("CP932", "UTF-8");
   return converter;
+}
+
+// The system's own Shift_JIS lacks the Microsoft extensions and has a yen sign in place of the backslash. A slash
+// would add instructions for the converter to the name.
+std::string ConverterName(const std::string& encoding) {
+  if (encoding.empty() || encoding.find('/') != std::string::npos) return "none";
+  const std::string name = UpperCase(encoding);
+  for (const char* alias : {"WINDOWS-31J", "SHIFT_JIS", "SHIFT-JIS", "SJIS", "MS_KANJI", "MS932", "932"}) {
+    if (name == alias) return "CP932";
+  }
+  return name;
 }
 
 }  // namespace
@@ -101,6 +116,22 @@ std::optional<std::string> AnsiFromText(std::string_view text) {
   // stand for themselves can form a character with what follows them.
   if (TextFromAnsi(bytes) != text) return std::nullopt;
   return bytes;
+}
+
+std::optional<std::string> TextFromEncoding(std::string_view bytes, const std::string& encoding) {
+  // The names of an archive all have one encoding, and opening a converter for each would take most of the time.
+  thread_local std::string opened;
+  thread_local std::unique_ptr<Converter> converter;
+  if (converter == nullptr || opened != encoding) {
+    converter = std::make_unique<Converter>("UTF-8", ConverterName(encoding).c_str());
+    opened = encoding;
+  }
+  if (!converter->is_open()) return std::nullopt;
+  converter->Reset();
+  std::string text;
+  converter->Convert(&bytes, &text);
+  if (!bytes.empty()) return std::nullopt;
+  return text;
 }
 
 Result CheckDecoded(std::string_view text) {

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quendle::modules {
 
@@ -20,14 +21,32 @@ struct Request {
   Existing existing = Existing::kAsk;
 };
 
-// One row: how a family says it.
-struct Dialect;
+// A command or switch and what it says. Nothing is asked only when kQuiet is said.
+struct DialectWord {
+  static constexpr unsigned kCommand = 1;
+  static constexpr unsigned kNoPaths = 2;
+  static constexpr unsigned kQuiet = 4;
+  static constexpr unsigned kUpdate = 8;
 
-extern const Dialect kZipDialect, kLzhDialect, kCabDialect, kRarDialect, kSevenZipDialect;
+  std::string_view text;
+  unsigned meaning;
+};
+
+struct Dialect {
+  std::vector<DialectWord> words;
+  bool needs_command;
+  bool folder_is_switch;    // "-oFOLDER" in quotes in place of a second path
+  unsigned log_head_lines;  // that the log of a call begins with
+};
+
+extern const Dialect kZipDialect;
+extern const Dialect kLzhDialect;
+extern const Dialect kCabDialect;
+extern const Dialect kRarDialect;
+extern const Dialect kSevenZipDialect;
 
 // Reads a command line. False, with `*problem` in one English line, for one that is not of the dialect, lacks
-// the archive or the folder, or has a switch that the dialect does not know: what is not understood is not
-// done.
+// the archive or the folder, or has a word that the dialect does not know: what is not understood is not done.
 //
 // A word is in double quotes or without blanks; a quote only ends a word when a blank or the end follows it.
 //   ZIP  -x -s -i -C -j -o "/a.zip" "/out/" "@/tmp/r"  => /a.zip into /out by /tmp/r, no paths, replace

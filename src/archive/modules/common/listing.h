@@ -16,10 +16,9 @@ struct OpenedArchive {
   std::string problem;          // why there may be more than the entries; empty: these are all
 };
 
-// Finds, opens and lists the archive at `path`. The last one listed is remembered while its files are
-// unchanged, since an extraction follows a listing. Null, with the reason, when nothing of it can be listed.
-// `ask_password` as in ReaderOptions.
-std::shared_ptr<const OpenedArchive> OpenArchive(const Family& family, const std::string& path,
-                                                 const ReaderOptions& options, std::string* reason);
+// Lists what `input` holds with the first of the family's engines that can do it to the end, or else with the
+// one that comes farthest. Null, with the reason, when the archive is refused or nothing of it can be listed.
+std::unique_ptr<OpenedArchive> ListArchive(const Family& family, const ArchiveInput& input,
+                                           const ReaderOptions& options, std::string* reason);
 
 }  // namespace quendle::modules

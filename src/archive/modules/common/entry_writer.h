@@ -1,0 +1,66 @@
+// One entry on its way to the disk: its name is checked, a conflict with what is there is settled, it is
+// written and recorded.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "archive/modules/common/entry_reader.h"
+#include "archive/modules/common/extraction.h"
+#include "archive/modules/common/session.h"
+#include "platform/extraction_folder.h"
+
+namespace quendle::modules {
+
+class EntryWriter {
+ public:
+  // Opens the lowest folder that the folders of all calls lie in.
+  static platform::Result Open(const std::vector<Call>& calls, std::unique_ptr<EntryWriter>* writer);
+
+  platform::Result CheckSpace(std::uint64_t bytes) const { return folder_->CheckSpace(bytes); }
+
+  // Finds out where the entry goes and whether it may. Folders and links are made, or noted, at once.
+  enum class Decision {
+    kWriteFile,  // Begin, Write ..., Commit or Discard are to follow
+    kDone,       // made or left alone; the log says which
+    kRefused,    // `*why` says why
+    kCancel,
+  };
+  Decision Prepare(Call* call, const Entry& entry, const Session& session, std::string* why);
+
+  platform::Result Begin(const Entry& entry) { return folder_->BeginFile(path_, entry.size); }
+  platform::Result Write(std::string_view piece) { return folder_->Write(piece); }
+  platform::Result Commit(Call* call, const Entry& entry);
+  void Discard() { folder_->DiscardFile(); }
+
+  // Makes what was noted; `fail` hears of the links that were not made.
+  void Finish(const std::function<void(Call*, const std::string&, const std::string&)>& fail);
+
+ private:
+  using Replace = platform::ExtractionFolder::Replace;
+
+  EntryWriter(std::string base, std::unique_ptr<platform::ExtractionFolder> folder)
+      : base_(std::move(base)), folder_(std::move(folder)) {}
+
+  platform::Result FindPath(const Call& call, const Entry& entry);
+  Decision SettleConflict(Call* call, const Entry& entry, const Session& session, std::string* why);
+  Decision AskToReplace(Call* call, const Entry& entry, const platform::FileVersion& existing,
+                        const Session& session);
+  Decision Decide(const platform::Result& result, Call* call, const Entry& entry, std::string* why);
+  void Log(Call* call, const char* what, const Entry& entry) const;
+
+  std::string base_;  // with a separator at its end
+  std::unique_ptr<platform::ExtractionFolder> folder_;
+  // Of the entry in work:
+  std::string path_;  // below base_
+  std::string note_;  // for its line in the log
+  Replace replace_ = Replace::kNothing;
+  // Noted links by their paths, with the calls and entries that they are of.
+  std::unordered_map<std::string, std::pair<Call*, std::string>> links_;
+};
+
+}  // namespace quendle::modules

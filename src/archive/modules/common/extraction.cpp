@@ -1,0 +1,267 @@
+#include "archive/modules/common/extraction.h"
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+#include <utility>
+
+#include "archive/modules/common/entry_writer.h"
+#include "archive/modules/common/response_file.h"
+
+namespace quendle::modules {
+namespace {
+
+// An entry that a call asked for.
+struct Wanted {
+  Call* call = nullptr;  // null: nobody did, or it is settled
+  std::string reason;    // why the engines so far could not read it
+};
+
+// Three passwords for an archive, whichever engines use them.
+class Passwords {
+ public:
+  Passwords(const Session& session, std::string archive) : session_(session), archive_(std::move(archive)) {}
+
+  // For one reader: what was given before, then new ones.
+  std::function<std::optional<std::string>()> Source() {
+    return [this, next = std::size_t{0}]() mutable -> std::optional<std::string> {
+      if (next == given_.size() && given_.size() < kMostTries && !given_up_) {
+        auto password = session_.AskPassword(archive_);
+        given_up_ = !password;
+        if (password) given_.push_back(std::move(*password));
+      }
+      if (next == given_.size()) return std::nullopt;
+      return given_[next++];
+    };
+  }
+
+ private:
+  static constexpr std::size_t kMostTries = 3;
+
+  const Session& session_;
+  std::string archive_;
+  std::vector<std::string> given_;
+  bool given_up_ = false;
+};
+
+class Extraction {
+ public:
+  Extraction(const OpenedArchive& archive, const Limits& limits, Session* session, std::vector<Call>* calls)
+      : archive_(archive),
+        limits_(limits),
+        session_(*session),
+        calls_(*calls),
+        passwords_(*session, archive.input.Path()),
+        wanted_(archive.entries.size()) {}
+
+  void Run();
+
+ private:
+  void ChooseEntries();
+  void ReportMissing(const std::unordered_map<std::string, Call*>& unmatched);
+  bool MayBegin();
+  void ReadWith(const Engine& engine);
+  std::size_t Find(const Entry& entry, std::unordered_map<std::string, std::size_t>* seen);
+  void ExtractEntry(std::size_t index, const Entry& entry, EntryReader* reader);
+  void WriteFile(std::size_t index, const Entry& entry, EntryReader* reader);
+  bool GoOn(const std::string& path);
+  void Fail(Call* call, const std::string& entry, const std::string& reason);
+  void Stop(const std::string& reason);
+  void SettleRest();
+
+  const OpenedArchive& archive_;
+  const Limits& limits_;
+  Session& session_;
+  std::vector<Call>& calls_;
+  Passwords passwords_;
+  std::vector<Wanted> wanted_;  // beside archive_.entries
+  std::unordered_map<std::string, std::vector<std::size_t>> by_path_;
+  std::size_t left_ = 0;  // entries that are wanted and not settled
+  std::unique_ptr<EntryWriter> writer_;
+  std::uint64_t done_ = 0;  // bytes
+  std::uint64_t total_ = 0;
+  bool may_grow_ = false;  // the user knows that it gets large
+  std::string stopped_;    // why no more entries are tried
+};
+
+void Extraction::Run() {
+  ChooseEntries();
+  if (!MayBegin()) return SettleRest();
+  for (std::size_t i = 0; i < archive_.engines.size() && left_ > 0 && stopped_.empty(); ++i) {
+    ReadWith(archive_.engines[i]);
+  }
+  writer_->Finish(
+      [this](Call* call, const std::string& entry, const std::string& reason) { Fail(call, entry, reason); });
+  SettleRest();
+  if (!archive_.problem.empty()) Fail(&calls_.back(), "", archive_.problem);
+}
+
+void Extraction::ChooseEntries() {
+  std::unordered_map<std::string, Call*> by_name;
+  std::unordered_map<std::string, Call*> unmatched;
+  Call* all = nullptr;
+  for (Call& call : calls_) {
+    if (call.request.response_file.empty()) all = &call;
+    for (const std::string& name : call.names) by_name.emplace(name, &call);
+  }
+  unmatched = by_name;
+  for (std::size_t i = 0; i < archive_.entries.size(); ++i) {
+    const Entry& entry = archive_.entries[i];
+    by_path_[entry.path].push_back(i);
+    const std::string name = ComparableName(ListedName(entry.path));
+    const auto asked = by_name.find(name);
+    wanted_[i].call = asked == by_name.end() ? all : asked->second;
+    unmatched.erase(name);
+    if (wanted_[i].call == nullptr) continue;
+    ++left_;
+    total_ += entry.size.value_or(0);
+  }
+  for (const auto& [name, call] : unmatched) Fail(call, name, "there is no such entry");
+}
+
+// Asks and refuses what is to be asked and refused before a byte is written.
+bool Extraction::MayBegin() {
+  const platform::Result opened = EntryWriter::Open(calls_, &writer_);
+  const platform::Result space = opened.ok() ? writer_->CheckSpace(total_) : opened;
+  if (!space.ok()) {
+    Stop(space.path + ": " + space.reason);
+    return false;
+  }
+  const std::size_t entries = archive_.entries.size();
+  if (entries > limits_.entries &&
+      !session_.AskProceed(archive_.input.Path() + " has " + std::to_string(entries) +
+                           " entries. Extract them?")) {
+    Stop("there are " + std::to_string(entries) + " entries");
+    return false;
+  }
+  return true;
+}
+
+void Extraction::ReadWith(const Engine& engine) {
+  std::string reason;
+  const auto reader =
+      engine.open(archive_.input, ReaderOptions{session_.Charset(), passwords_.Source()}, &reason);
+  std::unordered_map<std::string, std::size_t> seen;
+  while (reader && left_ > 0 && stopped_.empty()) {
+    Entry entry;
+    const ReadStatus status = reader->NextEntry(&entry);
+    if (status == ReadStatus::kEnd) break;
+    if (status != ReadStatus::kOk) {
+      reason = reader->Reason();
+      break;
+    }
+    const std::size_t index = Find(entry, &seen);
+    if (index < wanted_.size() && wanted_[index].call != nullptr) ExtractEntry(index, entry, reader.get());
+  }
+  if (reason.empty()) return;
+  for (Wanted& wanted : wanted_) {
+    if (wanted.call != nullptr && wanted.reason.empty()) wanted.reason = reason;
+  }
+}
+
+// The place in the listing of an entry that another reader gives: of equal paths the same one in turn.
+std::size_t Extraction::Find(const Entry& entry, std::unordered_map<std::string, std::size_t>* seen) {
+  const auto known = by_path_.find(entry.path);
+  if (known == by_path_.end()) return wanted_.size();
+  if (known->second.size() == 1) return known->second.front();
+  const std::size_t turn = (*seen)[entry.path]++;
+  return turn < known->second.size() ? known->second[turn] : wanted_.size();
+}
+
+void Extraction::ExtractEntry(std::size_t index, const Entry& entry, EntryReader* reader) {
+  Call* call = wanted_[index].call;
+  std::string why;
+  switch (writer_->Prepare(call, entry, session_, &why)) {
+    case EntryWriter::Decision::kWriteFile:
+      return WriteFile(index, entry, reader);
+    case EntryWriter::Decision::kDone:
+      break;
+    case EntryWriter::Decision::kRefused:
+      Fail(call, entry.path, why);
+      break;
+    case EntryWriter::Decision::kCancel:
+      return Stop("cancelled");
+  }
+  wanted_[index].call = nullptr;
+  --left_;
+}
+
+void Extraction::WriteFile(std::size_t index, const Entry& entry, EntryReader* reader) {
+  Wanted& wanted = wanted_[index];
+  platform::Result result = writer_->Begin(entry);
+  std::string_view piece;
+  ReadStatus status = ReadStatus::kOk;
+  std::uint64_t size = 0;
+  while (result.ok() && (status = reader->ReadContent(&piece)) == ReadStatus::kOk) {
+    result = writer_->Write(piece);
+    size += piece.size();
+    done_ += piece.size();
+    if (result.ok() && !GoOn(entry.path)) return writer_->Discard();
+  }
+  if (result.ok() && status == ReadStatus::kEnd) result = writer_->Commit(wanted.call, entry);
+  if (!result.ok()) {
+    writer_->Discard();
+    if (result.code == platform::Code::kNoSpace || result.code == platform::Code::kDenied) {
+      return Stop(result.path + ": " + result.reason);
+    }
+    Fail(wanted.call, entry.path, result.reason);
+  } else if (status != ReadStatus::kEnd) {
+    writer_->Discard();
+    done_ -= size;
+    // What an engine says of contents tells more than that it does not know the method.
+    if (wanted.reason.empty() || status != ReadStatus::kUnsupported) wanted.reason = reader->Reason();
+    return;
+  }
+  wanted.call = nullptr;
+  --left_;
+}
+
+// False when the pass is to end, for the reason that is in `stopped_` then.
+bool Extraction::GoOn(const std::string& path) {
+  const bool is_huge = done_ > limits_.bytes && done_ / limits_.ratio > archive_.input.Size();
+  if (is_huge && !may_grow_) {
+    may_grow_ = session_.AskProceed(archive_.input.Path() + " grows to more than " +
+                                    std::to_string(limits_.ratio) + " times its size. Go on?");
+    if (!may_grow_) Stop("it grows to more than " + std::to_string(limits_.ratio) + " times its size");
+  }
+  if (stopped_.empty() && !session_.Progress(path, done_, total_)) Stop("cancelled");
+  return stopped_.empty();
+}
+
+void Extraction::Fail(Call* call, const std::string& entry, const std::string& reason) {
+  call->failed = true;
+  call->log.push_back("failed     " + (entry.empty() ? "" : ListedName(entry) + ": ") + reason);
+  session_.Problem(ListedName(entry), reason);
+}
+
+void Extraction::Stop(const std::string& reason) {
+  stopped_ = reason;
+}
+
+// What is still wanted could not be had: an entry with a reason of its own is named, the others go with the
+// reason for the end of the pass.
+void Extraction::SettleRest() {
+  if (!stopped_.empty()) {
+    session_.Problem("", stopped_);
+    for (Call& call : calls_) {
+      call.failed = true;
+      call.log.push_back("stopped    " + stopped_);
+    }
+    return;
+  }
+  for (std::size_t i = 0; i < wanted_.size(); ++i) {
+    if (wanted_[i].call == nullptr) continue;
+    const std::string& reason = wanted_[i].reason;
+    Fail(wanted_[i].call, archive_.entries[i].path, reason.empty() ? "it cannot be read" : reason);
+  }
+}
+
+}  // namespace
+
+void Extract(const OpenedArchive& archive, const Limits& limits, Session* session, std::vector<Call>* calls) {
+  Extraction(archive, limits, session, calls).Run();
+}
+
+}  // namespace quendle::modules

@@ -1,0 +1,333 @@
+#include "archive/modules/common/libarchive_reader.h"
+
+#include <archive.h>
+#include <archive_entry.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+#include "archive/modules/common/entry_names.h"
+#include "platform/utf8_locale.h"
+
+namespace quendle::modules {
+namespace {
+
+constexpr std::size_t kReadSize = 128U << 10;
+constexpr std::size_t kLargestPiece = 1U << 20;
+// Answers in a row that neither bring anything nor end.
+constexpr int kMostIdleTurns = 1000;
+
+// The bytes as the library reads them.
+struct Source {
+  const ArchiveInput& input;
+  Ending ending;
+  std::uint64_t position = 0;
+  std::vector<char> buffer = std::vector<char>(kReadSize);
+
+  std::uint64_t Beginning() const { return std::min(input.Size(), ending.position); }
+  std::uint64_t Size() const { return Beginning() + ending.bytes.size(); }
+};
+
+la_ssize_t Read(archive* library, void* data, const void** bytes) {
+  auto* source = static_cast<Source*>(data);
+  std::size_t got = 0;
+  if (source->position < source->Beginning()) {
+    const auto size =
+        static_cast<std::size_t>(std::min<std::uint64_t>(kReadSize, source->Beginning() - source->position));
+    const platform::Result result = source->input.ReadAt(source->position, source->buffer.data(), size, &got);
+    if (!result.ok()) {
+      archive_set_error(library, EIO, "%s", result.reason.c_str());
+      return -1;
+    }
+    *bytes = source->buffer.data();
+  } else if (source->position < source->Size()) {
+    const auto skipped = static_cast<std::size_t>(source->position - source->Beginning());
+    got = source->ending.bytes.size() - skipped;
+    *bytes = source->ending.bytes.data() + skipped;
+  }
+  source->position += got;
+  return static_cast<la_ssize_t>(got);
+}
+
+la_int64_t Skip(archive*, void* data, la_int64_t request) {
+  auto* source = static_cast<Source*>(data);
+  const auto rest = static_cast<la_int64_t>(source->Size() - source->position);
+  const la_int64_t skipped = std::clamp<la_int64_t>(request, 0, rest);
+  source->position += static_cast<std::uint64_t>(skipped);
+  return skipped;
+}
+
+la_int64_t Seek(archive*, void* data, la_int64_t offset, int origin) {
+  auto* source = static_cast<Source*>(data);
+  const auto size = static_cast<la_int64_t>(source->Size());
+  const la_int64_t base = origin == SEEK_END   ? size
+                          : origin == SEEK_CUR ? static_cast<la_int64_t>(source->position)
+                                               : 0;
+  if (offset < -base || offset > size - base) return ARCHIVE_FATAL;
+  source->position = static_cast<std::uint64_t>(base + offset);
+  return base + offset;
+}
+
+int SupportFormat(archive* library, LibarchiveFormat format) {
+  switch (format) {
+    // The other half of the ZIP reader goes through the local headers, which may say anything.
+    case LibarchiveFormat::kZip:
+      return archive_read_support_format_zip_seekable(library);
+    case LibarchiveFormat::kSevenZip:
+      return archive_read_support_format_7zip(library);
+    case LibarchiveFormat::kRar:
+      return archive_read_support_format_rar(library);
+    case LibarchiveFormat::kRar5:
+      return archive_read_support_format_rar5(library);
+    case LibarchiveFormat::kLzh:
+      return archive_read_support_format_lha(library);
+  }
+  return ARCHIVE_FATAL;
+}
+
+// In formats with a directory of their own the library goes wherever that leads; in the others each header
+// stands behind the one before.
+bool HasDirectory(LibarchiveFormat format) {
+  return format == LibarchiveFormat::kZip || format == LibarchiveFormat::kSevenZip;
+}
+
+bool NamesAreUnicode(LibarchiveFormat format) {
+  return format == LibarchiveFormat::kSevenZip || format == LibarchiveFormat::kRar5;
+}
+
+EntryKind KindOf(archive_entry* raw) {
+  if (archive_entry_hardlink(raw) != nullptr) return EntryKind::kOther;
+  switch (archive_entry_filetype(raw)) {
+    case 0:  // not every format says
+    case AE_IFREG:
+      return EntryKind::kFile;
+    case AE_IFDIR:
+      return EntryKind::kFolder;
+    case AE_IFLNK:
+      return EntryKind::kLink;
+    default:
+      return EntryKind::kOther;
+  }
+}
+
+bool Contains(const std::string& text, const char* part) {
+  return text.find(part) != std::string::npos;
+}
+
+class LibarchiveReader final : public EntryReader {
+ public:
+  LibarchiveReader(const ArchiveInput& input, ReaderOptions options, LibarchiveFormat format,
+                   DescribeEntry describe, Ending ending)
+      : source_{input, std::move(ending)},
+        options_(std::move(options)),
+        format_(format),
+        describe_(std::move(describe)),
+        library_(archive_read_new()) {}
+  ~LibarchiveReader() override { archive_read_free(library_); }
+  LibarchiveReader(const LibarchiveReader&) = delete;
+  LibarchiveReader& operator=(const LibarchiveReader&) = delete;
+
+  bool Open();
+  ReadStatus NextEntry(Entry* entry) override;
+  ReadStatus ReadContent(std::string_view* piece) override;
+  const std::string& Reason() const override { return reason_; }
+
+ private:
+  static const char* NextPassword(archive* library, void* self);
+  Entry Convert(archive_entry* raw) const;
+  ReadStatus NextBlock();
+  ReadStatus TakePiece(std::string_view* piece);
+  ReadStatus Fail(ReadStatus status, std::string reason);
+  ReadStatus FailByLibrary(bool nothing_given);
+
+  Source source_;
+  ReaderOptions options_;
+  LibarchiveFormat format_;
+  DescribeEntry describe_;
+  archive* library_;
+  std::string password_;  // the last one that the library was given
+  std::string reason_;
+
+  std::size_t index_ = 0;  // of the next entry
+  la_int64_t header_position_ = -1;
+  ReadStatus archive_status_ = ReadStatus::kOk;   // anything else: no more entries
+  ReadStatus content_status_ = ReadStatus::kEnd;  // anything but kOk: no more content
+  bool encrypted_ = false;
+  std::optional<std::uint64_t> size_;  // as declared
+  std::uint64_t given_ = 0;
+  std::uint64_t zeros_ = 0;  // to be given before `block_`
+  std::string_view block_;
+};
+
+bool LibarchiveReader::Open() {
+  const platform::Utf8Locale utf8;
+  if (library_ == nullptr || SupportFormat(library_, format_) < ARCHIVE_WARN) {
+    reason_ = "the library cannot be set up";
+    return false;
+  }
+  archive_read_set_passphrase_callback(library_, this, &NextPassword);
+  archive_read_set_read_callback(library_, &Read);
+  archive_read_set_skip_callback(library_, &Skip);
+  archive_read_set_seek_callback(library_, &Seek);
+  archive_read_set_callback_data(library_, &source_);
+  if (archive_read_open1(library_) >= ARCHIVE_WARN) return true;
+  FailByLibrary(true);
+  return false;
+}
+
+const char* LibarchiveReader::NextPassword(archive*, void* self) {
+  auto* reader = static_cast<LibarchiveReader*>(self);
+  const std::optional<std::string> password = reader->options_.ask_password();
+  if (!password) return nullptr;
+  reader->password_ = *password;
+  return reader->password_.c_str();
+}
+
+Entry LibarchiveReader::Convert(archive_entry* raw) const {
+  const auto decode = [this](const char* bytes) {
+    return DecodeName(bytes == nullptr ? "" : bytes, NamesAreUnicode(format_), options_.charset);
+  };
+  Entry entry;
+  entry.kind = KindOf(raw);
+  entry.path = decode(archive_entry_pathname(raw));
+  if (entry.kind == EntryKind::kFolder && !entry.path.ends_with('/')) entry.path += '/';
+  if (entry.kind == EntryKind::kLink) entry.link_target = decode(archive_entry_symlink(raw));
+  if (entry.kind == EntryKind::kFile) {
+    if (archive_entry_size_is_set(raw)) entry.size = static_cast<std::uint64_t>(archive_entry_size(raw));
+    // Where the system that made the archive has no such modes the library sets none of these bits.
+    entry.attributes.executable = (archive_entry_perm(raw) & 0111) != 0;
+  }
+  if (archive_entry_mtime_is_set(raw)) {
+    entry.attributes.write_time = {archive_entry_mtime(raw),
+                                   static_cast<std::int32_t>(archive_entry_mtime_nsec(raw))};
+  }
+  entry.encrypted = archive_entry_is_encrypted(raw) != 0;
+  return entry;
+}
+
+ReadStatus LibarchiveReader::NextEntry(Entry* entry) {
+  const platform::Utf8Locale utf8;
+  content_status_ = ReadStatus::kEnd;
+  while (archive_status_ == ReadStatus::kOk) {
+    archive_entry* raw = nullptr;
+    const int code = archive_read_next_header(library_, &raw);
+    if (code == ARCHIVE_EOF) {
+      archive_status_ = ReadStatus::kEnd;
+    } else if (code != ARCHIVE_OK && code != ARCHIVE_WARN) {
+      archive_status_ = FailByLibrary(index_ == 0);
+    } else if (!HasDirectory(format_) && archive_read_header_position(library_) <= header_position_) {
+      archive_status_ = Fail(ReadStatus::kFailed, "its headers lead around in circles");
+    } else {
+      header_position_ = archive_read_header_position(library_);
+      *entry = Convert(raw);
+      const std::size_t index = index_++;
+      if (describe_ && !describe_(index, entry)) continue;
+      encrypted_ = entry->encrypted;
+      size_ = entry->size;
+      given_ = zeros_ = 0;
+      block_ = {};
+      content_status_ = entry->kind == EntryKind::kFile ? ReadStatus::kOk : ReadStatus::kEnd;
+      return ReadStatus::kOk;
+    }
+  }
+  return archive_status_;
+}
+
+ReadStatus LibarchiveReader::ReadContent(std::string_view* piece) {
+  if (content_status_ == ReadStatus::kOk && zeros_ == 0 && block_.empty()) content_status_ = NextBlock();
+  return content_status_ == ReadStatus::kOk ? TakePiece(piece) : content_status_;
+}
+
+// Sets `zeros_` and `block_`, or answers why there are none.
+ReadStatus LibarchiveReader::NextBlock() {
+  const platform::Utf8Locale utf8;
+  for (int turn = 0; turn < kMostIdleTurns; ++turn) {
+    const void* data = nullptr;
+    std::size_t size = 0;
+    la_int64_t offset = 0;
+    const int code = archive_read_data_block(library_, &data, &size, &offset);
+    if (code == ARCHIVE_EOF) {
+      if (!size_ || given_ == *size_) return ReadStatus::kEnd;
+      return Fail(ReadStatus::kFailed,
+                  std::to_string(given_) + " bytes came out of " + std::to_string(*size_));
+    }
+    if (code != ARCHIVE_OK) {
+      const ReadStatus status = FailByLibrary(given_ == 0);
+      if (code == ARCHIVE_FATAL) archive_status_ = status;
+      return status;
+    }
+    if (size == 0) continue;
+    const auto position = static_cast<std::uint64_t>(offset);
+    // Holes are zeros; one of which the end is not known could be any number of them.
+    if (position < given_ || (position > given_ && !size_)) {
+      return Fail(ReadStatus::kFailed, "its pieces do not follow each other");
+    }
+    if (size_ && (position > *size_ || size > *size_ - position)) {
+      return Fail(ReadStatus::kFailed, "more than its " + std::to_string(*size_) + " bytes came out");
+    }
+    zeros_ = position - given_;
+    block_ = {static_cast<const char*>(data), size};
+    return ReadStatus::kOk;
+  }
+  archive_status_ = Fail(ReadStatus::kFailed, "its data leads around in circles");
+  return archive_status_;
+}
+
+ReadStatus LibarchiveReader::TakePiece(std::string_view* piece) {
+  if (zeros_ > 0) {
+    static const std::string hole(64U << 10, '\0');
+    *piece = std::string_view(hole).substr(
+        0, static_cast<std::size_t>(std::min<std::uint64_t>(zeros_, hole.size())));
+    zeros_ -= piece->size();
+  } else {
+    *piece = block_.substr(0, kLargestPiece);
+    block_.remove_prefix(piece->size());
+  }
+  given_ += piece->size();
+  return ReadStatus::kOk;
+}
+
+ReadStatus LibarchiveReader::Fail(ReadStatus status, std::string reason) {
+  reason_ = std::move(reason);
+  return status;
+}
+
+// The library tells kinds of failure by its words only. One that comes before anything was given may mean that
+// another library knows better.
+ReadStatus LibarchiveReader::FailByLibrary(bool nothing_given) {
+  const char* words = library_ == nullptr ? nullptr : archive_error_string(library_);
+  std::string text = words == nullptr || *words == '\0' ? "damaged" : words;
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
+  while (text.ends_with('.') || text.ends_with(' ')) text.pop_back();
+  if (Contains(text, "assphrase")) {
+    return Fail(ReadStatus::kPassword, Contains(text, "ncorrect")
+                                           ? "no password given opens it"
+                                           : "it is encrypted and no password was given");
+  }
+  if (Contains(text, "crypt") || Contains(text, "Crypto")) {
+    return Fail(ReadStatus::kPassword,
+                std::string("this kind of encryption is not supported: ").append(text));
+  }
+  if (encrypted_ && content_status_ == ReadStatus::kOk) {
+    return Fail(ReadStatus::kPassword,
+                std::string("the password is wrong or the data is damaged: ").append(text));
+  }
+  return Fail(nothing_given ? ReadStatus::kUnsupported : ReadStatus::kFailed, std::move(text));
+}
+
+}  // namespace
+
+std::unique_ptr<EntryReader> OpenLibarchive(const ArchiveInput& input, const ReaderOptions& options,
+                                            LibarchiveFormat format, DescribeEntry describe,
+                                            std::string* reason, Ending ending) {
+  auto reader =
+      std::make_unique<LibarchiveReader>(input, options, format, std::move(describe), std::move(ending));
+  if (reader->Open()) return reader;
+  *reason = reader->Reason();
+  return nullptr;
+}
+
+}  // namespace quendle::modules

@@ -1,0 +1,70 @@
+#include "archive/modules/common/listing.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quendle::modules {
+namespace {
+
+// Beyond what anybody packs; a list of more would only fill the memory.
+constexpr std::size_t kMostEntries = 4'000'000;
+
+struct Attempt {
+  std::vector<Entry> entries;
+  std::string problem;
+};
+
+Attempt ListWith(const Engine& engine, const ArchiveInput& input, const ReaderOptions& options) {
+  Attempt attempt;
+  const auto reader = engine.open(input, options, &attempt.problem);
+  if (!reader) return attempt;
+  attempt.problem.clear();
+  for (;;) {
+    Entry entry;
+    const ReadStatus status = reader->NextEntry(&entry);
+    if (status == ReadStatus::kEnd) return attempt;
+    if (status != ReadStatus::kOk) {
+      attempt.problem = reader->Reason();
+    } else if (attempt.entries.size() >= kMostEntries) {
+      attempt.problem = "there are too many entries";
+    }
+    if (!attempt.problem.empty()) return attempt;
+    attempt.entries.push_back(std::move(entry));
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<OpenedArchive> ListArchive(const Family& family, const ArchiveInput& input,
+                                           const ReaderOptions& options, std::string* reason) {
+  if (family.check != nullptr) {
+    const platform::Result check = family.check(input);
+    if (!check.ok()) {
+      *reason = check.reason;
+      return nullptr;
+    }
+  }
+  std::vector<Engine> engines = family.engines(input);
+  Attempt best;
+  std::size_t chosen = 0;
+  for (std::size_t i = 0; i < engines.size(); ++i) {
+    Attempt attempt = ListWith(engines[i], input, options);
+    const bool is_whole = attempt.problem.empty();
+    if (i == 0 || is_whole || attempt.entries.size() > best.entries.size()) {
+      best = std::move(attempt);
+      chosen = i;
+    }
+    if (is_whole) break;
+  }
+  if (best.entries.empty() && !best.problem.empty()) {
+    *reason = best.problem;
+    return nullptr;
+  }
+  const auto first = engines.begin();
+  std::rotate(first, first + static_cast<std::ptrdiff_t>(chosen),
+              first + static_cast<std::ptrdiff_t>(chosen) + 1);
+  return std::make_unique<OpenedArchive>(
+      OpenedArchive{input, std::move(engines), std::move(best.entries), std::move(best.problem)});
+}
+
+}  // namespace quendle::modules

@@ -1,0 +1,19 @@
+// Numbers in the headers of archives.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace quendle::modules {
+
+// The `width` bytes at `position`, lowest first. Bytes behind the end are zero.
+inline std::uint64_t LittleEndian(std::string_view bytes, std::size_t position, std::size_t width) {
+  std::uint64_t value = 0;
+  for (std::size_t i = 0; i < width && position + i < bytes.size(); ++i) {
+    value |= static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[position + i])) << (8 * i);
+  }
+  return value;
+}
+
+}  // namespace quendle::modules

@@ -1,0 +1,65 @@
+#include "archive/modules/common/session.h"
+
+#include <array>
+
+namespace quendle::modules {
+namespace {
+
+constexpr std::chrono::milliseconds kBetweenReports{50};
+
+ArchiverVersion ForHost(const platform::FileVersion& version) {
+  return {version.path.c_str(), version.size, version.write_time};
+}
+
+}  // namespace
+
+Session::Session(const ArchiverSession* session) {
+  // An older host has a shorter struct; a later one only has more behind what is known here.
+  if (session == nullptr || session->struct_size < sizeof *session) return;
+  session_ = *session;
+  if (session->charset != nullptr) charset_ = session->charset;
+}
+
+bool Session::Progress(const std::string& entry, std::uint64_t done, std::uint64_t total) {
+  if (!session_) return true;
+  const auto now = std::chrono::steady_clock::now();
+  if (now - reported_ < kBetweenReports) return true;
+  reported_ = now;
+  return session_->progress(session_->user, entry.c_str(), done, total) != 0;
+}
+
+Session::Answer Session::AskOverwrite(const platform::FileVersion& existing,
+                                      const platform::FileVersion& incoming) const {
+  if (!session_) return Answer::kNo;
+  const ArchiverVersion there = ForHost(existing);
+  const ArchiverVersion coming = ForHost(incoming);
+  switch (session_->overwrite(session_->user, &there, &coming)) {
+    case ARCHIVER_YES:
+      return Answer::kYes;
+    case ARCHIVER_CANCEL:
+      return Answer::kCancel;
+    default:
+      return Answer::kNo;
+  }
+}
+
+std::optional<std::string> Session::AskPassword(const std::string& archive) const {
+  std::array<char, 1024> buffer{};
+  if (!session_) return std::nullopt;
+  const auto size = static_cast<std::uint32_t>(buffer.size());
+  if (session_->password(session_->user, archive.c_str(), buffer.data(), size) != ARCHIVER_YES) {
+    return std::nullopt;
+  }
+  buffer.back() = '\0';
+  return std::string(buffer.data());
+}
+
+bool Session::AskProceed(const std::string& question) const {
+  return session_ && session_->proceed(session_->user, question.c_str()) == ARCHIVER_YES;
+}
+
+void Session::Problem(const std::string& entry, const std::string& reason) const {
+  if (session_) session_->problem(session_->user, entry.c_str(), reason.c_str());
+}
+
+}  // namespace quendle::modules

@@ -1,0 +1,98 @@
+#include "archive/modules/zip/zip_family.h"
+
+#include <map>
+#include <memory>
+#include <utility>
+
+#include "archive/modules/common/unarr_reader.h"
+#include "archive/modules/common/volumes.h"
+#include "archive/modules/zip/zip_directory.h"
+#include "archive/modules/zip/zip_reader.h"
+
+namespace quendle::modules {
+namespace {
+
+// The beginning of an archive, also of one in several volumes and of an empty one.
+bool BeginsLikeZip(const ArchiveInput& input) {
+  std::string begin(8, '\0');
+  std::size_t got = 0;
+  if (!input.ReadAt(0, begin.data(), begin.size(), &got).ok()) return false;
+  begin.resize(got);
+  for (const char* mark : {"PK\7\x8", "PK00"}) {
+    if (begin.starts_with(mark)) begin.erase(0, 4);
+  }
+  return begin.starts_with("PK\3\4") || begin.starts_with("PK\5\6");
+}
+
+std::string MissingVolume(const VolumeSet& set, const ZipEnd& end) {
+  if (!set.missing_path.empty()) return "the volume " + set.missing_path + " is missing";
+  return "only " + std::to_string(set.files.size()) + " of its " + std::to_string(end.volumes) +
+         " volumes are there";
+}
+
+// The archive in all volumes that there are of the set.
+std::optional<ArchiveInput> FindInSet(std::shared_ptr<const platform::InputFile> file, std::string* reason) {
+  const ArchiveInput own(file, 0);
+  VolumeSet set = FindVolumes(std::move(file));
+  const ArchiveInput input(set.files);
+  ZipEnd end;
+  const platform::Result found = FindZipEnd(input, &end);
+  const bool is_zip = BeginsLikeZip(input) || BeginsWithProgram(input);
+  if (!set.is_first) {
+    if (found.ok() && is_zip) *reason = "the archive begins in " + set.first_path;
+  } else if (end.volumes > set.files.size()) {
+    *reason = MissingVolume(set, end);
+  } else if (found.ok() && is_zip) {
+    if (end.front == 0 || set.files.size() == 1) return input.From(end.front);
+    *reason = "archives in several files behind a program are not supported";
+  } else if (BeginsLikeZip(own)) {
+    *reason = set.files.size() > 1 && !set.missing_path.empty() ? MissingVolume(set, end) : found.reason;
+  }
+  return std::nullopt;
+}
+
+std::optional<ArchiveInput> FindZip(std::shared_ptr<const platform::InputFile> file, std::string* reason) {
+  const ArchiveInput own(file, 0);
+  ZipEnd end;
+  // A file that is whole by itself has no other volumes, whatever the files beside it are called.
+  if (FindZipEnd(own, &end).ok() && (BeginsLikeZip(own) || BeginsWithProgram(own)))
+    return own.From(end.front);
+  return FindInSet(std::move(file), reason);
+}
+
+// The reader by unarr names entries by where their headers are in the directory.
+std::unique_ptr<EntryReader> OpenByUnarr(const ArchiveInput& input, const ReaderOptions& options,
+                                         std::string* reason) {
+  ZipDirectory directory;
+  const platform::Result result = ReadZipDirectory(input, &directory);
+  if (!result.ok()) {
+    *reason = result.reason;
+    return nullptr;
+  }
+  std::map<std::uint64_t, ZipEntry> entries;
+  for (ZipEntry& entry : directory.entries) entries.emplace(entry.directory_position, std::move(entry));
+  const auto describe = [entries = std::move(entries), charset = options.charset](std::uint64_t offset,
+                                                                                  Entry* entry) {
+    const auto found = entries.find(offset);
+    if (found == entries.end()) return false;
+    *entry = ToEntry(found->second, charset);
+    return true;
+  };
+  return OpenUnarr(input, UnarrFormat::kZip, describe, reason);
+}
+
+std::vector<Engine> ZipEngines(const ArchiveInput&) {
+  return {{"libarchive", &OpenZip}, {"unarr", &OpenByUnarr}};
+}
+
+platform::Result CheckZip(const ArchiveInput& input) {
+  ZipDirectory directory;
+  const platform::Result result = ReadZipDirectory(input, &directory);
+  return result.ok() ? CheckZipLayout(input, directory) : result;
+}
+
+}  // namespace
+
+const Family kZipFamily = {"ZIP", kZipDialect, &FindZip, &ZipEngines, &CheckZip};
+
+}  // namespace quendle::modules

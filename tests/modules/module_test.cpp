@@ -1,0 +1,146 @@
+#include "archive/modules/common/module.h"
+
+#include "support/file_systems.h"
+#include "support/scripted_family.h"
+#include "support/temp_folder.h"
+
+namespace quendle::modules {
+namespace {
+
+struct Fixture {
+  test::TempFolder folder;
+  Module module{test::kScriptedFamily};
+  std::vector<std::string> problems;
+  ArchiverSession session{};
+
+  explicit Fixture(bool utf8 = true) {
+    test::g_first_engine = {};
+    test::g_second_engine.reset();
+    test::WriteFile(folder / "a", "archive");
+    std::filesystem::create_directories(folder / "out");
+    if (utf8) module.UseUtf8(1);
+    session.struct_size = sizeof session;
+    session.user = this;
+    session.charset = "";
+    session.progress = [](void*, const char*, std::uint64_t, std::uint64_t) { return 1; };
+    session.problem = [](void* user, const char* entry, const char* reason) {
+      static_cast<Fixture*>(user)->problems.push_back(std::string(entry) + ": " + reason);
+    };
+    module.SetSession(&session);
+  }
+
+  std::vector<std::string> List() {
+    std::vector<std::string> names;
+    const ArchiverHandle handle = module.OpenArchive((folder / "a").c_str());
+    ArchiverEntry entry;
+    for (auto more = module.FindFirst(handle, &entry); more == 0; more = module.FindNext(handle, &entry)) {
+      std::string full(module.FullName(handle, nullptr, 0), '\0');
+      module.FullName(handle, full.data(), static_cast<std::uint32_t>(full.size() + 1));
+      EXPECT_EQ(entry.file_name[sizeof entry.file_name - 1], '\0');
+      EXPECT_TRUE(full.starts_with(entry.file_name)) << entry.file_name;
+      names.push_back(full);
+    }
+    EXPECT_EQ(module.CloseArchive(handle), 0);
+    EXPECT_NE(module.CloseArchive(handle), 0);
+    return names;
+  }
+
+  std::string CommandLine() { return "-x -o \"" + folder / "a" + "\" \"" + folder / "out/" + "\""; }
+};
+
+GTEST_TEST(Module, AcceptsItsArchivesAlsoIncompleteOnes) {
+  Fixture fixture;
+  test::WriteFile(fixture.folder / "text", "no archive");
+  test::WriteFile(fixture.folder / "two", "archive of two");
+  EXPECT_NE(fixture.module.CheckArchive((fixture.folder / "a").c_str()), 0);
+  EXPECT_NE(fixture.module.CheckArchive((fixture.folder / "two").c_str()), 0);
+  for (const char* name : {"text", "gone", "out"}) {
+    EXPECT_EQ(fixture.module.CheckArchive((fixture.folder / name).c_str()), 0) << name;
+  }
+  EXPECT_EQ(fixture.module.OpenArchive((fixture.folder / "two").c_str()), 0U);
+  EXPECT_EQ(fixture.problems, std::vector<std::string>{": the volume x.002 is missing"});
+}
+
+GTEST_TEST(Module, ListsNamesOfAnyLength) {
+  std::string long_name = "x";  // the record's 512 bytes end in the middle of a character
+  for (int i = 0; i < 300; ++i) long_name += "表";
+  const std::vector<std::string> names = {"a.txt", "d/", long_name, "b_c"};
+  for (const bool utf8 : {true, false}) {
+    SCOPED_TRACE(utf8);
+    Fixture fixture(utf8);
+    test::g_first_engine.entries = {
+        {"a.txt", "1"}, {"d/", "", ReadStatus::kEnd, EntryKind::kFolder}, {long_name, ""}, {"b\nc", ""}};
+    std::vector<std::string> expected = names;
+    if (!utf8) {
+      expected[2] = "x";
+      for (int i = 0; i < 300; ++i) expected[2] += "\x95\x5C";
+    }
+    EXPECT_EQ(fixture.List(), expected);
+  }
+  Fixture fixture;
+  test::g_first_engine = {{{"a", ""}}, ReadStatus::kFailed, ""};
+  EXPECT_EQ(fixture.List(), std::vector<std::string>{"a"});
+  EXPECT_EQ(fixture.problems, std::vector<std::string>{": scripted"});
+}
+
+// A change of the archive between listing and extraction must not go unnoticed.
+GTEST_TEST(Module, RemembersAListOnlyWhileTheArchiveIsTheSame) {
+  Fixture fixture;
+  test::g_first_engine.entries = {{"a", ""}};
+  EXPECT_EQ(fixture.List(), std::vector<std::string>{"a"});
+  test::g_first_engine.entries = {{"b", ""}};
+  EXPECT_EQ(fixture.List(), std::vector<std::string>{"a"});
+  test::WriteFile(fixture.folder / "a", "archive, longer");
+  EXPECT_EQ(fixture.List(), std::vector<std::string>{"b"});
+}
+
+GTEST_TEST(Module, CommandWritesTheLog) {
+  Fixture fixture;
+  test::g_first_engine.entries = {{"a.txt", "1"}, {"../b", "2"}};
+  const std::string head = "Archive: " + fixture.folder / "a" + "\r\n";
+  std::vector<char> output(1000, '?');
+  EXPECT_NE(fixture.module.Command(fixture.CommandLine().c_str(), output.data(), 1000), 0);
+  const std::string log = output.data();
+  EXPECT_TRUE(log.starts_with(head + "extracted  a.txt\r\nfailed     ../b: ")) << log;
+  // A log as long as the buffer, and a longer one, leave no room for a NUL.
+  for (const std::size_t size : {log.size() + 1, log.size(), log.size() - 5, std::size_t{1}}) {
+    std::vector<char> small(size + 1, '?');
+    fixture.module.Command(fixture.CommandLine().c_str(), small.data(), static_cast<std::uint32_t>(size));
+    EXPECT_EQ(std::string(small.data(), size), std::string(log.c_str(), size));
+    EXPECT_EQ(small.back(), '?');
+  }
+  EXPECT_NE(fixture.module.Command("-x --what", output.data(), 1000), 0);
+  EXPECT_EQ(std::string(output.data()),
+            "Archive: \r\nfailed     the command line has an unknown word: --what\r\n");
+}
+
+GTEST_TEST(Module, CallsOverOneArchive) {
+  Fixture fixture;
+  test::g_first_engine.entries = {{"T/a", "1"}, {"T/s/b", "", ReadStatus::kFailed}, {"T/c/c", "3"}};
+  test::WriteFile(fixture.folder / "r1", "\"T/A\"");
+  test::WriteFile(fixture.folder / "r2", "\"T/S/B\"\r\n\"T/C/C\"");
+  std::string lines[2];
+  char outputs[2][300];
+  std::vector<ArchiverCall> calls;
+  for (int i = 0; i < 2; ++i) {
+    lines[i] = "-x -j -o" + fixture.CommandLine().substr(5) + " \"@" + fixture.folder / "r" +
+               std::to_string(i + 1) + "\"";
+    calls.push_back({lines[i].c_str(), outputs[i], sizeof outputs[i], -9});
+  }
+  EXPECT_NE(fixture.module.ExtractCalls(calls.data(), 2), 0);
+  EXPECT_EQ(calls[0].result, 0);
+  EXPECT_NE(calls[1].result, 0);
+  EXPECT_NE(std::string(outputs[0]).find("extracted  T/a\r\n"), std::string::npos) << outputs[0];
+  EXPECT_NE(std::string(outputs[1]).find("failed     T/s/b: scripted\r\n"), std::string::npos) << outputs[1];
+  EXPECT_EQ(test::Picture(fixture.folder / "out"),
+            (std::map<std::string, std::string>{{"a", "file 1"}, {"c", "file 3"}}));
+  test::WriteFile(fixture.folder / "b", "archive");
+  lines[1].replace(lines[1].find("/a\""), 3, "/b\"");
+  calls[1].command_line = lines[1].c_str();
+  fixture.problems.clear();
+  EXPECT_NE(fixture.module.ExtractCalls(calls.data(), 2), 0);
+  EXPECT_EQ(fixture.problems, std::vector<std::string>{": the calls are over different archives"});
+}
+
+}  // namespace
+}  // namespace quendle::modules
