@@ -165,6 +165,7 @@ void ReadRar4Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_
   bool is_solid = false;
   bool has_main = false;
   // Versions before 3 wrote no last block.
+  bool wants_end = false;
   for (std::uint64_t position = begin; position < end || !has_main;) {
     Block block;
     if (!ReadBlock(input, position, end, &block, &archive->problem)) return;
@@ -185,9 +186,11 @@ void ReadRar4Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_
       }
       archive->files.push_back(ToFile(block, is_solid));
       archive->has_next = archive->files.back().continues;
+      wants_end = wants_end || block.Number(24, 1) >= 29;
     }
     position = block.End();
   }
+  if (wants_end) archive->problem = "the archive is cut off: its last block is missing";
 }
 
 }  // namespace quendle::modules
