@@ -1,0 +1,72 @@
+#include "archive/modules/cab/cab_family.h"
+
+#include <filesystem>
+#include <memory>
+#include <system_error>
+#include <utility>
+
+#include "archive/modules/cab/cab_header.h"
+#include "archive/modules/cab/mspack_reader.h"
+#include "archive/modules/common/signature_scan.h"
+#include "platform/unicode.h"
+
+namespace quendle::modules {
+namespace {
+
+namespace fs = std::filesystem;
+using File = std::shared_ptr<const platform::InputFile>;
+
+constexpr std::size_t kMostCabinets = 1000;
+
+// The file of that name, in any case, beside another one; null when there is none.
+File OpenBeside(const std::string& path, const std::string& name) {
+  if (name.empty() || name.find_first_of("/\\") != name.npos) return nullptr;
+  std::error_code error;
+  fs::path found;
+  for (fs::directory_iterator i(fs::path(path).parent_path(), error), end; !error && i != end;
+       i.increment(error)) {
+    const std::string candidate = i->path().filename().string();
+    if (platform::UpperCase(candidate) != platform::UpperCase(name)) continue;
+    found = i->path();
+    if (candidate == name) break;
+  }
+  std::unique_ptr<platform::InputFile> file;
+  if (found.empty() || !platform::InputFile::Open(found.string(), &file).ok()) return nullptr;
+  return file;
+}
+
+// With as many of the cabinets that follow as are there. The reader says what is missing: what is in the ones that
+// are there can be had all the same.
+ArchiveInput WithFollowers(File file, std::uint64_t position) {
+  std::vector<File> files = {std::move(file)};
+  auto header = ReadCabHeader(ArchiveInput(files.front(), position), 0);
+  while (header && !header->next.empty() && files.size() < kMostCabinets) {
+    File next = OpenBeside(files.back()->Path(), header->next);
+    if (!next) break;
+    const auto next_header = ReadCabHeader(ArchiveInput(next, 0), 0);
+    if (!next_header || next_header->set != header->set || next_header->index != header->index + 1) break;
+    files.push_back(std::move(next));
+    header = next_header;
+  }
+  return ArchiveInput(std::move(files)).From(position);
+}
+
+std::optional<ArchiveInput> FindCab(std::shared_ptr<const platform::InputFile> file, std::string*) {
+  const ArchiveInput whole(file, 0);
+  const auto position = FindSignature(whole, {{"MSCF"}}, [&whole](std::uint64_t candidate) {
+    const auto header = ReadCabHeader(whole, candidate);
+    return header && (candidate == 0 || header->size <= whole.Size() - candidate);
+  });
+  if (!position) return std::nullopt;
+  return WithFollowers(std::move(file), *position);
+}
+
+std::vector<Engine> CabEngines(const ArchiveInput&) {
+  return {{"libmspack", &OpenMspack}};
+}
+
+}  // namespace
+
+const Family kCabFamily = {"CAB", kCabDialect, &FindCab, &CabEngines, nullptr};
+
+}  // namespace quendle::modules

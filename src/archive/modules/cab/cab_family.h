@@ -1,0 +1,10 @@
+// The CAB module's family.
+#pragma once
+
+#include "archive/modules/common/family.h"
+
+namespace quendle::modules {
+
+extern const Family kCabFamily;
+
+}  // namespace quendle::modules

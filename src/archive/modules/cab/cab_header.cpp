@@ -1,0 +1,52 @@
+#include "archive/modules/cab/cab_header.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "archive/modules/common/little_endian.h"
+
+namespace quendle::modules {
+namespace {
+
+constexpr std::size_t kHeaderSize = 36;
+constexpr std::size_t kMostSize = kHeaderSize + 4 + 65'535 + 4 * 256;  // with reserved bytes and four names
+
+// The text up to the next NUL.
+std::string TakeString(std::string_view* bytes) {
+  const std::size_t end = std::min(bytes->find('\0'), bytes->size());
+  std::string text(bytes->substr(0, end));
+  bytes->remove_prefix(std::min(end + 1, bytes->size()));
+  return text;
+}
+
+}  // namespace
+
+std::optional<CabHeader> ReadCabHeader(const ArchiveInput& input, std::uint64_t position) {
+  std::string bytes(kMostSize, '\0');
+  std::size_t got = 0;
+  if (!input.ReadAt(position, bytes.data(), bytes.size(), &got).ok()) return std::nullopt;
+  bytes.resize(got);
+  const auto number = [&bytes](std::size_t at, std::size_t width) { return LittleEndian(bytes, at, width); };
+  const std::uint64_t first_file = number(16, 4);
+  const std::uint64_t folders = number(26, 2);
+  CabHeader header;
+  header.size = number(8, 4);
+  if (got < kHeaderSize || !bytes.starts_with("MSCF") || number(25, 1) != 1 || folders == 0 ||
+      first_file < kHeaderSize || first_file >= header.size) {
+    return std::nullopt;
+  }
+  const std::uint64_t flags = number(30, 2);
+  header.set = number(32, 2);
+  header.index = number(34, 2);
+  std::string_view rest = std::string_view(bytes).substr(kHeaderSize);
+  if ((flags & 4) != 0)
+    rest.remove_prefix(std::min(rest.size(), 4 + static_cast<std::size_t>(number(36, 2))));
+  if ((flags & 1) != 0) {
+    header.previous = TakeString(&rest);
+    TakeString(&rest);  // the label of its disk
+  }
+  if ((flags & 2) != 0) header.next = TakeString(&rest);
+  return header;
+}
+
+}  // namespace quendle::modules

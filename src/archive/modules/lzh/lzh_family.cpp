@@ -1,0 +1,31 @@
+#include "archive/modules/lzh/lzh_family.h"
+
+#include <memory>
+#include <utility>
+
+#include "archive/modules/common/signature_scan.h"
+#include "archive/modules/lzh/lhasa_reader.h"
+#include "archive/modules/lzh/lzh_headers.h"
+
+namespace quendle::modules {
+namespace {
+
+std::optional<ArchiveInput> FindLzh(std::shared_ptr<const platform::InputFile> file, std::string*) {
+  const ArchiveInput whole(std::move(file), 0);
+  // The method stands behind two bytes of the header. Programs have such words in them too, without a header.
+  const auto position = FindSignature(whole, {{"-lh", "-lz", "-pm"}, 2}, [&whole](std::uint64_t candidate) {
+    return ReadLzhHeader(whole, candidate, candidate == 0).has_value();
+  });
+  if (!position) return std::nullopt;
+  return whole.From(*position);
+}
+
+std::vector<Engine> LzhEngines(const ArchiveInput&) {
+  return {{"lhasa", &OpenLhasa}};
+}
+
+}  // namespace
+
+const Family kLzhFamily = {"LZH", kLzhDialect, &FindLzh, &LzhEngines, nullptr};
+
+}  // namespace quendle::modules

@@ -1,0 +1,236 @@
+#include "archive/modules/lzh/lzh_headers.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "archive/modules/common/checksum.h"
+#include "archive/modules/common/entry_names.h"
+#include "archive/modules/common/entry_times.h"
+#include "archive/modules/common/little_endian.h"
+#include "platform/unicode.h"
+
+namespace quendle::modules {
+namespace {
+
+constexpr std::size_t kFirstRead = 1024;    // enough for most headers
+constexpr std::size_t kLargest = 1U << 20;  // of a header; more is none
+constexpr std::size_t kLeast = 22;
+constexpr std::uint32_t kUtf8CodePage = 65001;
+
+bool IsMethod(std::string_view method) {
+  return method.size() == 5 &&
+         (method.starts_with("-lh") || method.starts_with("-lz") || method.starts_with("-pm")) &&
+         method[4] == '-';
+}
+
+// Reads one header from bytes that begin with it and may go on behind it.
+class Parser {
+ public:
+  explicit Parser(std::string_view bytes) : bytes_(bytes) {}
+
+  bool Parse() {
+    if (bytes_.size() < kLeast || !IsMethod(bytes_.substr(2, 5))) return false;
+    header_.method = bytes_.substr(2, 5);
+    header_.packed_size = Number(7, 4);
+    header_.size = Number(11, 4);
+    const std::uint64_t level = Number(20, 1);
+    if (!(level < 2 ? ParseOld(level) : level < 4 && ParseNew(level))) return false;
+    if (common_crc_position_ != 0 && !CommonCrcHolds()) return false;
+    JoinPath();
+    header_.content_position = size_;
+    return true;
+  }
+  LzhHeader Take() { return std::move(header_); }
+
+ private:
+  std::uint64_t Number(std::size_t at, std::size_t width) const { return LittleEndian(bytes_, at, width); }
+
+  // Levels 0 and 1: a sum of bytes, the name, the time of DOS.
+  bool ParseOld(std::uint64_t level) {
+    const auto base = static_cast<std::size_t>(Number(0, 1)) + 2;
+    const auto name_size = static_cast<std::size_t>(Number(21, 1));
+    const std::size_t crc_at = kLeast + name_size;
+    if (base > bytes_.size() || base < crc_at + 2) return false;
+    unsigned sum = 0;
+    for (const char c : bytes_.substr(2, base - 2)) sum += static_cast<unsigned char>(c);
+    if ((sum & 0xFF) != Number(1, 1)) return false;
+    name_ = bytes_.substr(kLeast, name_size);
+    header_.crc = static_cast<std::uint16_t>(Number(crc_at, 2));
+    header_.time = TimeFromDos(static_cast<std::uint32_t>(Number(15, 4)));
+    size_ = base;
+    if (level == 0) {
+      ParseUnixArea(crc_at + 2, base);
+      return true;
+    }
+    if (base < crc_at + 5 || !ParseExtensions(Number(base - 2, 2), 2)) return false;
+    // The size of what follows the base header counts the extensions, too.
+    if (!has_large_sizes_ && header_.packed_size < size_ - base) return false;
+    if (!has_large_sizes_) header_.packed_size -= size_ - base;
+    return true;
+  }
+
+  // What LHa for UNIX puts behind headers of level 0.
+  void ParseUnixArea(std::size_t at, std::size_t end) {
+    if (end >= at + 12 && bytes_[at] == 'U') {
+      header_.time = {static_cast<std::int64_t>(Number(at + 2, 4)), 0};
+      header_.unix_mode = static_cast<std::uint32_t>(Number(at + 6, 2));
+    }
+  }
+
+  // Levels 2 and 3: the size of the whole, the time of Unix, everything else in extensions.
+  bool ParseNew(std::uint64_t level) {
+    const bool is_wide = level == 3;
+    const std::uint64_t whole = is_wide ? Number(24, 4) : Number(0, 2);
+    const std::size_t first = is_wide ? 28 : 24;
+    if (is_wide && Number(0, 2) != 4) return false;
+    if (whole > kLargest || whole > bytes_.size() || whole < first + 2) return false;
+    header_.time = {static_cast<std::int64_t>(Number(15, 4)), 0};
+    header_.crc = static_cast<std::uint16_t>(Number(21, 2));
+    const std::size_t width = is_wide ? 4 : 2;
+    bytes_ = bytes_.substr(0, static_cast<std::size_t>(whole));
+    size_ = first + width;
+    if (!ParseExtensions(Number(first, width), width)) return false;
+    size_ = static_cast<std::size_t>(whole);  // a byte may follow so that the size does not look like an end
+    return true;
+  }
+
+  // Each extension ends with the size of the next one.
+  bool ParseExtensions(std::uint64_t next, std::size_t width) {
+    while (next != 0) {
+      if (next < width + 1 || next > kLargest || next > bytes_.size() - size_) return false;
+      const auto size = static_cast<std::size_t>(next);
+      ParseExtension(static_cast<std::uint8_t>(bytes_[size_]), size_ + 1,
+                     bytes_.substr(size_ + 1, size - width - 1));
+      next = Number(size_ + size - width, width);
+      size_ += size;
+    }
+    return size_ <= kLargest;
+  }
+
+  void ParseExtension(std::uint8_t type, std::size_t at, std::string_view data) {
+    const auto number = [&data](std::size_t position, std::size_t width) {
+      return LittleEndian(data, position, width);
+    };
+    if (type == 0x00 && data.size() >= 2) {
+      common_crc_position_ = at;
+    } else if (type == 0x01) {
+      name_ = data;
+    } else if (type == 0x02) {
+      folder_ = data;
+    } else if (type == 0x41 && data.size() >= 16) {
+      if (!has_unix_time_) header_.time = TimeFromNtfs(number(8, 8));
+    } else if (type == 0x42 && data.size() >= 16) {
+      has_large_sizes_ = true;
+      header_.packed_size = number(0, 8);
+      header_.size = number(8, 8);
+    } else if (type == 0x44) {
+      wide_name_ = data;
+    } else if (type == 0x45) {
+      wide_folder_ = data;
+    } else if (type == 0x46 && data.size() >= 4) {
+      code_page_ = static_cast<std::uint32_t>(number(0, 4));
+    } else if (type == 0x50 && data.size() >= 2) {
+      header_.unix_mode = static_cast<std::uint32_t>(number(0, 2));
+    } else if (type == 0x54 && data.size() >= 4) {
+      has_unix_time_ = true;
+      header_.time = {static_cast<std::int64_t>(number(0, 4)), 0};
+    }
+  }
+
+  // The checksum over the header with itself being zero.
+  bool CommonCrcHolds() const {
+    Crc16Sum crc;
+    crc.Add(bytes_.substr(0, common_crc_position_));
+    crc.Add(std::string_view("\0\0", 2));
+    crc.Add(bytes_.substr(common_crc_position_ + 2, size_ - common_crc_position_ - 2));
+    return crc.Value() == Number(common_crc_position_, 2);
+  }
+
+  // Names in UTF-16 count more than those in some code page.
+  void JoinPath() {
+    if (wide_name_.empty()) {
+      header_.path = folder_;
+      if (!folder_.empty() && !folder_.ends_with('\xFF') && !folder_.ends_with('/')) header_.path += '/';
+      header_.path += name_.substr(0, name_.find('\0'));
+      std::replace(header_.path.begin(), header_.path.end(), '\xFF', '/');
+      header_.is_utf8 = code_page_ == kUtf8CodePage;
+      const std::string charset = "CP" + std::to_string(code_page_);
+      if (code_page_ != 0 && !header_.is_utf8 && IsKnownCharset(charset)) header_.charset = charset;
+      return;
+    }
+    std::string folder = platform::FromUtf16Le(wide_folder_);
+    for (std::size_t at = folder.find("\uFFFF"); at != folder.npos; at = folder.find("\uFFFF", at)) {
+      folder.replace(at, std::string_view("\uFFFF").size(), "/");
+    }
+    header_.path = folder + platform::FromUtf16Le(wide_name_);
+    header_.is_utf8 = true;
+  }
+
+  std::string_view bytes_;
+  std::size_t size_ = 0;  // of the header so far
+  LzhHeader header_;
+  std::string_view folder_;
+  std::string_view name_;
+  std::string_view wide_folder_;
+  std::string_view wide_name_;
+  std::uint32_t code_page_ = 0;
+  std::size_t common_crc_position_ = 0;
+  bool has_unix_time_ = false;
+  bool has_large_sizes_ = false;
+};
+
+}  // namespace
+
+std::optional<LzhHeader> ReadLzhHeader(const ArchiveInput& input, std::uint64_t position, bool may_be_cut) {
+  std::string bytes;
+  for (const std::size_t size : {kFirstRead, 2 * kLargest}) {
+    bytes.resize(static_cast<std::size_t>(
+        std::min<std::uint64_t>(size, input.Size() - std::min(position, input.Size()))));
+    std::size_t got = 0;
+    if (!input.ReadAt(position, bytes.data(), bytes.size(), &got).ok()) return std::nullopt;
+    bytes.resize(got);
+    if (got < kLeast || !IsMethod(std::string_view(bytes).substr(2, 5))) return std::nullopt;
+    Parser parser(bytes);
+    if (parser.Parse()) {
+      LzhHeader header = parser.Take();
+      header.content_position += position;
+      const bool is_cut = header.packed_size > input.Size() - header.content_position;
+      if (is_cut && !may_be_cut) return std::nullopt;
+      return header;
+    }
+    if (got < size) break;
+  }
+  return std::nullopt;
+}
+
+Entry ToEntry(const LzhHeader& header, const std::string& charset) {
+  constexpr std::uint32_t kKindOfMode = 0170000;
+  constexpr std::uint32_t kLinkMode = 0120000;
+  const auto decode = [&](std::string_view bytes) {
+    return DecodeName(bytes, header.is_utf8, header.charset.empty() ? charset : header.charset);
+  };
+  const std::uint32_t mode = header.unix_mode.value_or(0);
+  Entry entry;
+  const std::size_t bar = header.path.find('|');
+  if (header.method != "-lhd-") {
+    entry.path = decode(header.path);
+    entry.size = header.size;
+    entry.attributes.executable = (mode & 0111) != 0;
+  } else if ((mode & kKindOfMode) == kLinkMode && bar != header.path.npos) {
+    entry.kind = EntryKind::kLink;
+    entry.path = decode(std::string_view(header.path).substr(0, bar));
+    entry.link_target = decode(std::string_view(header.path).substr(bar + 1));
+  } else {
+    entry.kind = EntryKind::kFolder;
+    entry.path = decode(header.path);
+    if (!entry.path.ends_with('/')) entry.path += '/';
+  }
+  entry.packed_size = header.packed_size;
+  entry.crc = header.crc;
+  entry.method = header.method;
+  entry.attributes.write_time = header.time;
+  return entry;
+}
+
+}  // namespace quendle::modules

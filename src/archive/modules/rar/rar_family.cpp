@@ -1,0 +1,70 @@
+#include "archive/modules/rar/rar_family.h"
+
+#include <memory>
+#include <utility>
+
+#include "archive/modules/common/signature_scan.h"
+#include "archive/modules/common/volumes.h"
+#include "archive/modules/rar/rar_headers.h"
+#include "archive/modules/rar/rar_reader.h"
+
+namespace quendle::modules {
+namespace {
+
+using namespace std::string_view_literals;
+
+// The files of the set from the first to the one that says that it is the last: others of such names may be left
+// from an older archive.
+std::optional<ArchiveInput> JoinVolumes(VolumeSet set, std::uint64_t first_offset, std::string* reason) {
+  for (std::size_t i = 0; i < set.files.size(); ++i) {
+    const ArchiveInput volume(set.files[i], i == 0 ? first_offset : 0);
+    const RarArchive headers = ReadRarVolume(volume, 0, volume.Size());
+    if (headers.version == RarVersion::kNone || (!headers.is_volume && headers.problem.empty())) {
+      *reason = set.files[i]->Path() + " is no volume of this archive";
+      return std::nullopt;
+    }
+    if (headers.has_next || !headers.problem.empty()) continue;
+    set.files.resize(i + 1);
+    return ArchiveInput(std::move(set.files)).From(first_offset);
+  }
+  const ArchiveInput last(set.files.back(), set.files.size() == 1 ? first_offset : 0);
+  if (ReadRarVolume(last, 0, last.Size()).has_next) {
+    *reason = set.missing_path.empty() ? "the volume behind " + last.Path() + " is missing"
+                                       : "the volume " + set.missing_path + " is missing";
+    return std::nullopt;
+  }
+  return ArchiveInput(std::move(set.files)).From(first_offset);
+}
+
+std::optional<ArchiveInput> FindRar(std::shared_ptr<const platform::InputFile> file, std::string* reason) {
+  const ArchiveInput whole(file, 0);
+  // Two bytes of the signature's end tell the versions apart.
+  const SignatureRule rule = {{"Rar!\x1A\x07\x00"sv, "Rar!\x1A\x07\x01\x00"sv}};
+  const auto position = FindSignature(whole, rule, [&](std::uint64_t candidate) {
+    const RarArchive headers = ReadRarVolume(whole, candidate, whole.Size());
+    return candidate == 0 || headers.names_encrypted || !headers.files.empty() || headers.problem.empty();
+  });
+  if (!position) return std::nullopt;
+  const ArchiveInput own = whole.From(*position);
+  const RarArchive headers = ReadRarVolume(own, 0, own.Size());
+  if (!headers.is_volume) return own;
+  VolumeSet set = FindVolumes(std::move(file));
+  if (!set.is_first || !headers.is_first) {
+    *reason = set.is_first ? "this is not the first volume of the archive"
+                           : "the archive begins in " + set.first_path;
+    return std::nullopt;
+  }
+  return JoinVolumes(std::move(set), *position, reason);
+}
+
+std::vector<Engine> RarEngines(const ArchiveInput& input) {
+  if (RarVersionAt(input, 0) == RarVersion::kRar5) return {{"libarchive", &OpenRar5}};
+  if (input.VolumeCount() > 1) return {{"libarchive", &OpenRarByLibarchive}};
+  return {{"unarr", &OpenRarByUnarr}, {"libarchive", &OpenRarByLibarchive}};
+}
+
+}  // namespace
+
+const Family kRarFamily = {"RAR", kRarDialect, &FindRar, &RarEngines, nullptr};
+
+}  // namespace quendle::modules
