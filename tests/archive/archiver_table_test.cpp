@@ -8,8 +8,8 @@ GTEST_TEST(ArchiverTable, CommandLines) {
     std::int16_t type;
     const char* flat;
     const char* confirm;
-    std::int16_t mode;    // 0: 1 and 2
-    const char* line;     // before the paths
+    std::int16_t mode;  // 0: 1 and 2
+    const char* line;   // before the paths
   } rows[] = {
       {1, "0", "0", 1, "-x -s -i -C -o"},
       {1, "0", "0", 2, "-u -s -i -C -o"},

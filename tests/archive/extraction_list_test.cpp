@@ -10,9 +10,15 @@ GTEST_TEST(ExtractionList, OneTopFolder) {
     Names names;
     bool one;
   } rows[] = {
-      {{"TOP/A.TXT", "top/SUB/B.TXT"}, true}, {{"TOP/", "TOP/A"}, true},  {{"TOP/A.TXT", "B.TXT"}, false},
-      {{"B.TXT", "TOP/A.TXT"}, false},        {{"A.TXT"}, false},         {{"TOP/A", "TOP2/A"}, false},
-      {{"表/a", "表/b"}, true},               {{"/a", "/b"}, true},       {{}, false},
+      {{"TOP/A.TXT", "top/SUB/B.TXT"}, true},
+      {{"TOP/", "TOP/A"}, true},
+      {{"TOP/A.TXT", "B.TXT"}, false},
+      {{"B.TXT", "TOP/A.TXT"}, false},
+      {{"A.TXT"}, false},
+      {{"TOP/A", "TOP2/A"}, false},
+      {{"表/a", "表/b"}, true},
+      {{"/a", "/b"}, true},
+      {{}, false},
       {{"TOP", "TOP/A"}, false},
   };
   for (const auto& row : rows) EXPECT_EQ(HaveOneTopFolder(row.names), row.one) << row.names.size();

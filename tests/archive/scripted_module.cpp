@@ -77,7 +77,8 @@ bool IsPasswordKnown(const Script& script, const std::string& archive) {
   for (const std::string& wanted : All(script, "password")) {
     char given[64] = "";
     do {
-      if (session == nullptr || session->password(session->user, archive.c_str(), given, 64) != ARCHIVER_YES) {
+      if (session == nullptr ||
+          session->password(session->user, archive.c_str(), given, 64) != ARCHIVER_YES) {
         return false;
       }
     } while (wanted != given);
@@ -90,7 +91,8 @@ std::int32_t Ask(const Script& script) {
   if (session == nullptr) return 0;
   const ArchiverVersion version = {"/old", 1, 2};
   for (const auto& [word, text] : script) {
-    if (word == "overwrite" && session->overwrite(session->user, &version, &version) == ARCHIVER_CANCEL) return 9;
+    if (word == "overwrite" && session->overwrite(session->user, &version, &version) == ARCHIVER_CANCEL)
+      return 9;
     if (word == "proceed" && session->proceed(session->user, text.c_str()) != ARCHIVER_YES) return 9;
     if (word == "progress" && session->progress(session->user, text.c_str(), 1, 2) == 0) return 9;
   }
@@ -165,30 +167,40 @@ std::int32_t Next(ArchiverHandle handle, ArchiverEntry* entry) {
 
 }  // namespace
 
-#define REQUIRED(prefix)                                                                                   \
-  std::int32_t prefix(void*, const char* line, char* output, std::uint32_t size) {                         \
-    return Run(line, output, size);                                                                        \
-  }                                                                                                        \
-  std::int32_t prefix##CheckArchive(const char* archive, std::int32_t) { return Check(archive, #prefix); } \
-  ArchiverHandle prefix##OpenArchive(void*, const char* archive, std::uint32_t) { return OpenScript(archive); } \
-  std::int32_t prefix##FindFirst(ArchiverHandle handle, const char*, ArchiverEntry* entry) {               \
-    return Next(handle, entry);                                                                            \
-  }                                                                                                        \
-  std::int32_t prefix##FindNext(ArchiverHandle handle, ArchiverEntry* entry) { return Next(handle, entry); }
-
-#define CLOSE(prefix)                                                                                      \
-  std::int32_t prefix##CloseArchive(ArchiverHandle handle) {                                               \
-    return open_archives.erase(handle) == 1 ? 0 : -1;                                                      \
+#define REQUIRED(prefix)                                                                     \
+  std::int32_t prefix(void*, const char* line, char* output, std::uint32_t size) {           \
+    return Run(line, output, size);                                                          \
+  }                                                                                          \
+  std::int32_t prefix##CheckArchive(const char* archive, std::int32_t) {                     \
+    return Check(archive, #prefix);                                                          \
+  }                                                                                          \
+  ArchiverHandle prefix##OpenArchive(void*, const char* archive, std::uint32_t) {            \
+    return OpenScript(archive);                                                              \
+  }                                                                                          \
+  std::int32_t prefix##FindFirst(ArchiverHandle handle, const char*, ArchiverEntry* entry) { \
+    return Next(handle, entry);                                                              \
+  }                                                                                          \
+  std::int32_t prefix##FindNext(ArchiverHandle handle, ArchiverEntry* entry) {               \
+    return Next(handle, entry);                                                              \
   }
 
-#define OPTIONAL(prefix)                                                                                   \
-  std::int32_t prefix##UseUtf8(std::int32_t) { return 1; }                                                 \
-  std::uint32_t prefix##FullName(ArchiverHandle handle, char* name, std::uint32_t size) {                  \
-    return CopyFullName(handle, name, size);                                                               \
-  }                                                                                                        \
-  std::int32_t prefix##SetSession(const ArchiverSession* host) { return session = host, 1; }               \
-  std::int32_t prefix##ExtractCalls(void*, ArchiverCall* calls, std::uint32_t count) {                     \
-    return RunAll(calls, count);                                                                           \
+#define CLOSE(prefix)                                        \
+  std::int32_t prefix##CloseArchive(ArchiverHandle handle) { \
+    return open_archives.erase(handle) == 1 ? 0 : -1;        \
+  }
+
+#define OPTIONAL(prefix)                                                                  \
+  std::int32_t prefix##UseUtf8(std::int32_t) {                                            \
+    return 1;                                                                             \
+  }                                                                                       \
+  std::uint32_t prefix##FullName(ArchiverHandle handle, char* name, std::uint32_t size) { \
+    return CopyFullName(handle, name, size);                                              \
+  }                                                                                       \
+  std::int32_t prefix##SetSession(const ArchiverSession* host) {                          \
+    return session = host, 1;                                                             \
+  }                                                                                       \
+  std::int32_t prefix##ExtractCalls(void*, ArchiverCall* calls, std::uint32_t count) {    \
+    return RunAll(calls, count);                                                          \
   }
 
 #define FOR_EACH_PREFIX(functions) \
