@@ -1,17 +1,191 @@
 #include "archive/clsArchiver.h"
 
+#include <exception>
+#include <memory>
+#include <utility>
+
+#include "archive/extraction_run.h"
 #include "base/modSystem.h"
+#include "platform/entry_path.h"
+#include "platform/paths.h"
+#include "platform/unicode.h"
 
 namespace quendle {
+namespace {
 
-bool clsArchiver::mExtractArchive(const std::string&) {
-  ProgrammingError("extraction of a file that no archiver library accepts");
+constexpr const char* kFaultMessage =
+    "エラーが発生しましたが処理を継続します。\r\nエラー発生時の状況を製作者へお知らせください。";
+
+// Why the entry cannot be asked for; empty when it can.
+std::string NameProblem(const std::string& name, const ArchiverLibrary& library) {
+  std::string safe;
+  const platform::Result result = platform::SafeEntryPath(name, platform::kHostNames, &safe);
+  if (!result.ok()) return result.reason;
+  // A list of names has one in a line, in quotes.
+  if (name.find_first_of("\r\n") != std::string::npos || name.front() == '"' || name.back() == '"') {
+    return "its name has line breaks or quotes that the library cannot be told";
+  }
+  if (!library.Encode(platform::UpperCase(name))) return "the library's encoding cannot hold its name";
+  return "";
+}
+
+}  // namespace
+
+std::string DescribeProblems(const std::vector<ExtractionProblem>& problems) {
+  if (problems.empty()) return "";
+  const ExtractionProblem& first = problems.front();
+  std::string text = first.entry.empty() ? first.reason : first.entry + ": " + first.reason;
+  if (problems.size() > 1) text += " (and " + std::to_string(problems.size() - 1) + " more)";
+  return text;
 }
 
 const char* ArchiveTypeName(std::int16_t type) {
-  constexpr const char* kNames[] = {"", "ZIP", "LZH", "CAB", "RAR", "7Z"};
-  if (type < 0 || type > 5) ProgrammingError("archive type outside 0 to 5");
-  return kNames[type];
+  return type == 0 ? "" : ArchiverRowOf(type).name;
+}
+
+// An archive on its way from the list of its entries to the folders.
+struct clsArchiver::Work {
+  const ArchiverRow& row;
+  const ArchiverLibrary& library;
+  std::string destination;
+  bool flat;
+  ExtractionReport* report;
+  ArchiveSession session;
+  std::vector<std::string> names = {};
+  std::vector<ExtractionGroup> groups = {};
+};
+
+clsArchiver::clsArchiver(Environment environment)
+    : environment_(std::move(environment)), libraries_(environment_.module_folder) {}
+
+std::int16_t clsArchiver::GetArcType() {
+  std::vector<const ArchiverRow*> installed;
+  for (const ArchiverRow& row : ArchiverRows()) {
+    if (libraries_.IsInstalled(row)) installed.push_back(&row);
+  }
+  type_ = 0;
+  for (const ArchiverRow* row : installed) {
+    const ArchiverLibrary* library = libraries_.Use(*row);
+    if (library == nullptr || !library->Accepts(pFileName)) continue;
+    type_ = row->type;
+    break;
+  }
+  return type_;
+}
+
+bool clsArchiver::mExtractArchive(const std::string& destination) {
+  report_ = {};
+  const ArchiverRow& row = ArchiverRowOf(type_);
+  bool succeeded = false;
+  Guarded(&report_, [&] {
+    const ArchiverLibrary* library = libraries_.Use(row);
+    if (library == nullptr) {
+      report_.problems.push_back({"", "the archiver library cannot be used any more"});
+      return;
+    }
+    Work work = Begin(row, *library, destination, &report_);
+    Guarded(&report_, [&] { List(&work); });
+    Guarded(&report_, [&] { Choose(&work); });
+    SMARTMAKEDIR = work.flat;
+    succeeded = work.groups.empty() || Run(&work);
+    RememberPassword(work);
+  });
+  return succeeded && report_.problems.empty();
+}
+
+ExtractionReport clsArchiver::PlanExtraction(const std::string& destination) {
+  ExtractionReport report;
+  const ArchiverRow& row = ArchiverRowOf(type_);
+  Guarded(&report, [&] {
+    const ArchiverLibrary* library = libraries_.Use(row);
+    if (library == nullptr) return;
+    Work work = Begin(row, *library, destination, &report);
+    List(&work);
+    Choose(&work);
+    RememberPassword(work);
+    if (work.groups.empty()) return;
+    const platform::Result place =
+        FolderExists(destination) ? platform::Success() : platform::CheckPlace(destination);
+    if (!place.ok()) report.problems.push_back({"", place.reason + ": " + place.path});
+    for (const ExtractionGroup& group : work.groups) {
+      const platform::Result folder = CheckOutputFolder(destination, group.sub_folder);
+      if (!folder.ok()) report.problems.push_back({"", folder.reason + ": " + folder.path});
+    }
+  });
+  return report;
+}
+
+clsArchiver::Work clsArchiver::Begin(const ArchiverRow& row, const ArchiverLibrary& library,
+                                     const std::string& destination, ExtractionReport* report) const {
+  return Work{row,
+              library,
+              destination,
+              SMARTMAKEDIR,
+              report,
+              {library, environment_.user, pFileName, environment_.standard.ARCHIVECHARSET(), password_,
+               &report->problems}};
+}
+
+// One that fitted may fit the next archive, too.
+void clsArchiver::RememberPassword(const Work& work) {
+  const std::string& given = work.session.Password();
+  if (work.report->problems.empty() && !given.empty()) password_ = given;
+}
+
+void clsArchiver::List(Work* work) {
+  work->session.BeginCall();
+  work->names = work->library.EntryNames(pFileName);
+  work->session.RethrowFault();
+}
+
+void clsArchiver::Choose(Work* work) const {
+  ExtractionReport& report = *work->report;
+  report.all = work->names.size();
+  work->flat = work->flat && HaveOneTopFolder(work->names);
+  report.doubled_folder_avoided = work->flat;
+  const EntryFilter filter(environment_.items.INCLUDE(), environment_.items.EXCLUDE());
+  std::erase_if(work->names, [&filter](const std::string& name) { return !filter.Passes(name); });
+  Refuse(work);
+  report.chosen = work->names.size();
+  work->groups = GroupEntries(std::move(work->names), work->flat);
+  for (const ExtractionGroup& group : work->groups) {
+    std::string folder = OutputFolder(work->destination, group.sub_folder);
+    if (!FolderExists(folder)) report.folders.push_back(std::move(folder));
+  }
+}
+
+// The rest is extracted; what is refused makes the whole a failure.
+void clsArchiver::Refuse(Work* work) const {
+  std::vector<ExtractionProblem>& problems = work->report->problems;
+  const platform::Result archive = CheckNameable(pFileName);
+  if (!archive.ok()) {
+    problems.push_back({"", archive.reason});
+    work->names.clear();
+  }
+  std::erase_if(work->names, [&](const std::string& name) {
+    std::string problem = NameProblem(name, work->library);
+    if (problem.empty()) return false;
+    problems.push_back({name, std::move(problem)});
+    return true;
+  });
+}
+
+bool clsArchiver::Run(Work* work) {
+  const CommandOptions options{work->flat, environment_.standard.CONFIRMOVERWRITE(), EXTRACTTYPE};
+  ExtractionRun run({work->row, work->library, work->session, environment_.output(), options, pFileName,
+                     work->destination, work->report->problems,
+                     [this](const std::function<void()>& step) { Guarded(&report_, step); }});
+  return run.Extract(std::move(work->groups));
+}
+
+// A fault in one step does not keep the others from being done; it is a problem, and so never a success.
+void clsArchiver::Guarded(ExtractionReport* report, const std::function<void()>& step) {
+  try {
+    step();
+  } catch (const std::exception& fault) {
+    report->problems.push_back({"", std::string("an unexpected fault: ") + fault.what()});
+    environment_.user.ShowMessage(UserInterface::MessageKind::kCritical, kFaultMessage);
+  }
 }
 
 }  // namespace quendle

@@ -1,23 +1,89 @@
-// Archives, as the dispatcher sees them: what type a file is, and extract it.
+// Archives, as the dispatcher sees them: what type a file is, and extract it. The archiver libraries do the
+// work; this class decides which entries go where and tells them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <vector>
+
+#include "archive/archive_session.h"
+#include "archive/archiver_libraries.h"
+#include "archive/clsOutput.h"
+#include "archive/extraction_list.h"
+#include "base/user_interface.h"
+#include "settings/clsPropDefault.h"
+#include "settings/clsPropItem.h"
 
 namespace quendle {
 
+// What an extraction did or would do.
+struct ExtractionReport {
+  std::size_t all = 0;               // entries of the archive
+  std::size_t chosen = 0;            // entries to extract
+  std::vector<std::string> folders;  // extracted into and not there before, full paths
+  bool doubled_folder_avoided = false;
+  std::vector<ExtractionProblem> problems;
+};
+
+// The first problem and how many more there are, as one line; empty when there are none.
+//   "a.txt: the checksum is wrong (and 3 more)"
+std::string DescribeProblems(const std::vector<ExtractionProblem>& problems);
+
 class clsArchiver {
  public:
+  // What the archiver works with; all of it outlives it, but the output, which is asked for at each run.
+  struct Environment {
+    const clsPropItem& items;  // INCLUDE and EXCLUDE of the current profile
+    const clsPropDefault& standard;
+    UserInterface& user;
+    std::function<clsOutput&()> output;
+    std::string module_folder;  // of the archiver libraries
+  };
+  explicit clsArchiver(Environment environment);
   virtual ~clsArchiver() = default;
 
-  std::string pFileName;  // full path of the file to inspect or extract
+  std::string pFileName;         // full path of the file to inspect or extract
+  bool SMARTMAKEDIR = false;     // leave a single top folder out; an extraction clears it when there is none
+  std::int16_t EXTRACTTYPE = 1;  // 1 overwrite, 2 update
 
   // The type of pFileName: 1 ZIP, 2 LZH, 3 CAB, 4 RAR, 5 7Z, 0 when no installed archiver library accepts it.
-  // No library is bound in this version, so it is 0 for every file.
-  virtual std::int16_t GetArcType() { return 0; }
+  // Of several that do the first in that order counts.
+  virtual std::int16_t GetArcType();
 
-  // Extracts pFileName, whose type is not 0, into `destination`. True when all that was to be extracted was.
+  // Extracts pFileName, whose type is not 0, into `destination`. True when all that was to be extracted was,
+  // also when that is nothing; otherwise LastReport tells why not.
   virtual bool mExtractArchive(const std::string& destination);
+
+  // What mExtractArchive would do and which problems it would meet, as far as the list of entries and a look
+  // at the destination tell. Touches nothing, but may ask for a password.
+  virtual ExtractionReport PlanExtraction(const std::string& destination);
+
+  // Of the last mExtractArchive.
+  const ExtractionReport& LastReport() const { return report_; }
+
+  // Archiver libraries that are there and could not be used so far, one line each with the reason.
+  std::vector<std::string> LibraryProblems() const { return libraries_.Problems(); }
+
+ protected:
+  ExtractionReport report_;  // for LastReport
+
+ private:
+  struct Work;
+  Work Begin(const ArchiverRow& row, const ArchiverLibrary& library, const std::string& destination,
+             ExtractionReport* report) const;
+  void RememberPassword(const Work& work);
+  void List(Work* work);
+  void Choose(Work* work) const;
+  void Refuse(Work* work) const;
+  void Guarded(ExtractionReport* report, const std::function<void()>& step);
+  bool Run(Work* work);
+
+  Environment environment_;
+  ArchiverLibraries libraries_;
+  std::int16_t type_ = 0;  // the last answer of GetArcType
+  std::string password_;   // that opened an archive of this run
 };
 
 // The word for an archive type: 1 => "ZIP", ... 5 => "7Z", 0 => "".

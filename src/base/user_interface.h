@@ -3,6 +3,7 @@
 // of the run.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "platform/file_operation.h"
@@ -24,6 +25,20 @@ class UserInterface {
 
   // May this be deleted for good? With nobody to ask: no.
   virtual bool AskDelete(const std::string& path) = 0;
+
+  // A password for the archive of that path; nothing when there is none (any more). With nobody to ask: none.
+  virtual std::optional<std::string> AskPassword(const std::string& archive) = 0;
+
+  // May the work go on although something is suspicious, as the English sentence says? With nobody to ask: no.
+  virtual bool AskProceed(const std::string& question) = 0;
+
+  // Shows a message of one or more lines ("\r\n" between them) until the user has seen it.
+  enum class MessageKind { kInformation, kCritical };
+  virtual void ShowMessage(MessageKind kind, const std::string& text) = 0;
+
+  // Shows what the archiver library said ("\r\n" between lines) until the user closes it, not looking busy
+  // meanwhile.
+  virtual void ShowExtractionLog(const std::string& text) = 0;
 
   // Called at least ten times a second during a long operation. False cancels it. `simple` asks for a display
   // without names.

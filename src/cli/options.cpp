@@ -25,6 +25,8 @@ const std::vector<OptionRule>& Rules() {
        [](Options* o, const std::string& value) { o->profile = value; }},
       {"--settings", "DIR", "folder of mover.ini, items.ini and test.ini",
        [](Options* o, const std::string& value) { o->settings = value; }},
+      {"--password-file", "FILE", "the first line of FILE is the password for archives",
+       [](Options* o, const std::string& value) { o->password_file = value; }},
       {"--confirm", "", "ask before acting, like holding Ctrl (windowed)",
        [](Options* o, const std::string&) { o->confirm = true; }},
       {"--help", "", "show this text", [](Options* o, const std::string&) { o->help = true; }},
@@ -96,7 +98,7 @@ std::string UsageText() {
   for (const OptionRule& rule : Rules()) {
     std::string left = "  " + std::string(rule.name);
     if (!rule.value.empty()) left += " " + std::string(rule.value);
-    left.resize(20, ' ');
+    left.resize(24, ' ');
     text += left + std::string(rule.help) + "\n";
   }
   return text;

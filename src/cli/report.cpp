@@ -61,6 +61,13 @@ std::string Describe(const ActionStep& step) {
   return std::string(StepWord(step.kind)) + " to " + ForDisplay(step.to);
 }
 
+std::string EntriesText(const ExtractionReport& extraction) {
+  std::string text =
+      " (" + std::to_string(extraction.chosen) + " of " + std::to_string(extraction.all) + " entries";
+  if (extraction.doubled_folder_avoided) text += ", no doubled folder";
+  return text + ")";
+}
+
 // An error may quote a path, whose bytes are anything.
 std::string ErrorText(const std::string& error) {
   return platform::WithReplacementCharacters(error);
@@ -68,7 +75,11 @@ std::string ErrorText(const std::string& error) {
 
 bool HasRawBytes(const DispatchReport& report) {
   bool valid = platform::IsUtf8(report.path) && platform::IsUtf8(report.name);
-  for (const ActionStep& step : report.steps) valid = valid && platform::IsUtf8(step.to);
+  for (const ActionStep& step : report.steps) {
+    valid = valid && platform::IsUtf8(step.to);
+    if (!step.extraction) continue;
+    for (const std::string& folder : step.extraction->folders) valid = valid && platform::IsUtf8(folder);
+  }
   return !valid;
 }
 
@@ -82,6 +93,7 @@ std::string TextLine(const DispatchReport& report) {
   std::string separator = " ";
   for (const ActionStep& step : report.steps) {
     line += separator + Describe(step);
+    if (step.extraction) line += EntriesText(*step.extraction);
     if (IsUndone(step)) line += std::string(" (") + ResultWord(step.result) + ")";
     separator = "; ";
   }
@@ -118,6 +130,12 @@ std::string JsonLine(const DispatchReport& report) {
     entry["to"] = shown(step.to);
     entry["result"] = ResultWord(step.result);
     if (!step.error.empty()) entry["error"] = ErrorText(step.error);
+    if (step.extraction) {
+      entry["entries"] = {{"chosen", step.extraction->chosen}, {"all", step.extraction->all}};
+      entry["folders"] = nlohmann::ordered_json::array();
+      for (const std::string& folder : step.extraction->folders) entry["folders"].push_back(shown(folder));
+      entry["doubled_folder_avoided"] = step.extraction->doubled_folder_avoided;
+    }
     object["steps"].push_back(std::move(entry));
   }
   object["result"] = OutcomeWord(report.outcome);

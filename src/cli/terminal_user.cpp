@@ -41,6 +41,16 @@ void WarnOf(const platform::Result& result) {
   if (!result.ok()) TerminalUser::Warn(ForDisplay(result.path) + ": " + result.reason);
 }
 
+// Whatever an archive makes its library say is shown line by line, so that it can neither move the cursor nor
+// pass for a line of the program's own results.
+void WarnOfLines(const std::string& text) {
+  for (std::size_t begin = 0; begin < text.size();) {
+    const std::size_t end = std::min(text.find("\r\n", begin), text.size());
+    TerminalUser::Warn(ForDisplay(text.substr(begin, end - begin)));
+    begin = end + 2;
+  }
+}
+
 }  // namespace
 
 UserInterface::OverwriteAnswer TerminalUser::AskOverwrite(const platform::FileVersion&,
@@ -54,6 +64,25 @@ bool TerminalUser::AskMakeFolder(const std::string&) {
 
 bool TerminalUser::AskDelete(const std::string&) {
   return false;
+}
+
+std::optional<std::string> TerminalUser::AskPassword(const std::string& archive) {
+  if (archive == asked_archive_) return std::nullopt;
+  asked_archive_ = archive;
+  return password_;
+}
+
+bool TerminalUser::AskProceed(const std::string& question) {
+  WarnOfLines(question + ": no");
+  return false;
+}
+
+void TerminalUser::ShowMessage(MessageKind, const std::string& text) {
+  WarnOfLines(text);
+}
+
+void TerminalUser::ShowExtractionLog(const std::string& text) {
+  WarnOfLines(text);
 }
 
 bool TerminalUser::ShowProgress(const platform::FileProgress& progress, bool simple) {

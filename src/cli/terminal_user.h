@@ -3,7 +3,9 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "base/user_interface.h"
 
@@ -11,13 +13,19 @@ namespace quendle {
 
 class TerminalUser : public UserInterface {
  public:
-  // `columns` of the terminal on which progress is shown; 0: none.
-  explicit TerminalUser(int columns) : columns_(columns) {}
+  // `columns` of the terminal on which progress is shown; 0: none. `password`: for archives that need one.
+  TerminalUser(int columns, std::optional<std::string> password)
+      : columns_(columns), password_(std::move(password)) {}
 
   OverwriteAnswer AskOverwrite(const platform::FileVersion& existing,
                                const platform::FileVersion& incoming) override;
   bool AskMakeFolder(const std::string& folder) override;
   bool AskDelete(const std::string& path) override;
+  // The one password there is, once for each archive.
+  std::optional<std::string> AskPassword(const std::string& archive) override;
+  bool AskProceed(const std::string& question) override;
+  void ShowMessage(MessageKind kind, const std::string& text) override;
+  void ShowExtractionLog(const std::string& text) override;
   bool ShowProgress(const platform::FileProgress& progress, bool simple) override;
   void EndProgress() override;
   void SetBusy(bool busy) override;
@@ -31,7 +39,9 @@ class TerminalUser : public UserInterface {
   using Clock = std::chrono::steady_clock;
 
   int columns_;
-  bool running_ = false;  // an operation reports progress
+  std::optional<std::string> password_;
+  std::string asked_archive_;  // the one that the password was given for last
+  bool running_ = false;       // an operation reports progress
   bool line_shown_ = false;
   Clock::time_point begin_;  // of the operation
   Clock::time_point shown_;  // when the line was written last

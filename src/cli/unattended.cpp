@@ -1,16 +1,19 @@
 #include "cli/unattended.h"
 
 #include <cstdio>
-#include <memory>
+#include <optional>
+#include <utility>
 
 #include "base/modString.h"
 #include "cli/display.h"
 #include "cli/report.h"
 #include "cli/terminal_user.h"
 #include "core/modMain.h"
+#include "platform/durable_file.h"
 #include "platform/known_folders.h"
 #include "platform/process.h"
 #include "platform/result.h"
+#include "platform/unicode.h"
 #include "settings/application_folder.h"
 
 namespace quendle {
@@ -73,14 +76,30 @@ bool ResolveProfile(const Options& options, const clsMover& mover, DispatchOptio
   return dispatch->profile.has_value();
 }
 
+// False when the file that is to hold the password does not.
+bool ReadPassword(const std::string& file, std::optional<std::string>* password) {
+  if (file.empty()) return true;
+  std::string bytes;
+  const platform::Result read = platform::ReadWholeFile(file, &bytes);
+  const std::string line = platform::WithoutMark(bytes.substr(0, bytes.find_first_of("\r\n")));
+  if (read.ok() && !line.empty()) {
+    *password = line;
+    return true;
+  }
+  const std::string reason = read.ok() ? "there is no password in its first line" : read.reason;
+  TerminalUser::Warn("--password-file " + ForDisplay(file) + ": " + reason);
+  return false;
+}
+
 }  // namespace
 
 int RunUnattended(const Options& options) {
   platform::CatchInterrupts();
-  TerminalUser user(platform::ErrorStreamColumns());
+  std::optional<std::string> password;
+  if (!ReadPassword(options.password_file, &password)) return kExitUsage;
+  TerminalUser user(platform::ErrorStreamColumns(), std::move(password));
   const std::vector<std::string> paths = TakenPaths(options);
-  Globals globals(FindSettingsFolders(options.settings), !options.dry_run, user,
-                  std::make_unique<clsArchiver>(), paths);
+  Globals globals(FindSettingsFolders(options.settings), !options.dry_run, user, FindModuleFolder(), paths);
   if (IsWindowed(options)) ExplainMissingWindows(options, &globals);
   for (const std::string& warning : SettingsWarnings(globals)) TerminalUser::Warn(ForDisplay(warning));
 
@@ -98,6 +117,7 @@ int RunUnattended(const Options& options) {
       return Left(mover, "interrupted");
     }
   }
+  for (const std::string& problem : mover.LibraryProblems()) TerminalUser::Warn(ForDisplay(problem));
   if (options.dry_run) {
     for (const std::string& problem : mover.ProfileProblems()) TerminalUser::Warn(ForDisplay(problem));
   }

@@ -44,7 +44,8 @@ struct ActionStep {
   StepKind kind;
   std::string to;  // the folder extracted into; the final path of a copy or move
   StepResult result;
-  std::string error;  // why it failed or was skipped
+  std::string error;                                          // why it failed or was skipped
+  std::optional<ExtractionReport> extraction = std::nullopt;  // of an extraction that was planned or tried
 };
 
 class clsMover {
@@ -105,6 +106,9 @@ class clsMover {
   // and titles that stand more than once. One line each.
   std::vector<std::string> ProfileProblems() const;
 
+  // Archiver libraries that could not be used so far, one line each.
+  std::vector<std::string> LibraryProblems() const { return archiver_->LibraryProblems(); }
+
   // Fill the state of the current target: from a profile; from the test settings, for an archive that matches
   // none; from the standard settings, which leave SMARTMAKEDIR and OPENDIR as they are and compute no
   // destinations. The first is false when the profile is not what it was when the profiles were read (then
@@ -148,7 +152,9 @@ class clsMover {
   std::string PlaceProblem(const ActionStep& step) const;
   bool WouldAsk(const ActionStep& step, const std::vector<ActionStep>& earlier) const;
   bool IsMoveIntoOwnFolder(StepKind kind) const;
+  void PlanExtractStep(ActionStep* step);
   bool RunStep(ActionStep* step);
+  void HandOptionsToArchiver();
   bool ExtractStep();
   bool CopyStep();
   bool MoveStep();

@@ -58,6 +58,8 @@ std::vector<ActionStep> clsMover::WalkSteps(bool execute) {
       step.error = "not tried, because the step before it failed";
     } else if (step.result == StepResult::kPlanned && execute) {
       step.result = RunStep(&step) ? StepResult::kDone : StepResult::kFailed;
+    } else if (step.result == StepResult::kPlanned && kind == StepKind::kExtract) {
+      PlanExtractStep(&step);
     } else if (step.result == StepResult::kPlanned && WouldAsk(step, steps)) {
       step.result = StepResult::kFailed;
       step.error = DOESFOLDER ? "files in it exist there already, and nothing is overwritten unasked"
@@ -118,7 +120,6 @@ std::string clsMover::PlaceProblem(const ActionStep& step) const {
 
 // Would the user be asked whether to overwrite, after the steps that come before?
 bool clsMover::WouldAsk(const ActionStep& step, const std::vector<ActionStep>& earlier) const {
-  if (step.kind == StepKind::kExtract) return false;
   for (const ActionStep& done : earlier) {
     if (done.to == step.to) return true;
   }
@@ -132,7 +133,8 @@ bool clsMover::RunStep(ActionStep* step) {
   switch (step->kind) {
     case StepKind::kExtract:
       done = ExtractStep();
-      if (!done) step->error = "the archive could not be extracted completely";
+      step->extraction = archiver_->LastReport();
+      if (!done) step->error = DescribeProblems(step->extraction->problems);
       return done;
     case StepKind::kCopy:
       done = CopyStep();
@@ -159,9 +161,24 @@ bool clsMover::CopyStep() {
   return operation_.mCopy(ORIGINALPATH, DOESFOLDER ? AddBackslash(COPYTO) : COPYTO);
 }
 
-bool clsMover::ExtractStep() {
+void clsMover::HandOptionsToArchiver() {
   archiver_->pFileName = ORIGINALPATH;
-  if (!archiver_->mExtractArchive(EXTRACTTO)) return false;
+  archiver_->SMARTMAKEDIR = SMARTMAKEDIR;
+  archiver_->EXTRACTTYPE = EXTRACTTYPE;
+}
+
+void clsMover::PlanExtractStep(ActionStep* step) {
+  HandOptionsToArchiver();
+  step->extraction = archiver_->PlanExtraction(EXTRACTTO);
+  step->error = DescribeProblems(step->extraction->problems);
+  if (!step->error.empty()) step->result = StepResult::kFailed;
+}
+
+bool clsMover::ExtractStep() {
+  HandOptionsToArchiver();
+  const bool extracted = archiver_->mExtractArchive(EXTRACTTO);
+  SMARTMAKEDIR = archiver_->SMARTMAKEDIR;  // cleared where there is no folder level to save
+  if (!extracted) return false;
   if (OPENDIR) environment_.user.OpenFolder(EXTRACTTO);
   OpenFiles();
   return true;

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/modString.h"
 #include "platform/durable_file.h"
+#include "platform/known_folders.h"
 #include "platform/unicode.h"
 #include "resources/version.h"
 
@@ -40,7 +42,7 @@ bool WantsConfirmation(const clsPropDefault& standard, const std::function<bool(
 }
 
 Globals::Globals(const SettingsFolders& folders, bool create_files, UserInterface& user,
-                 std::unique_ptr<clsArchiver> archiver, const std::vector<std::string>& paths) {
+                 const std::string& module_folder, const std::vector<std::string>& paths) {
   g_FileInfo = std::make_unique<clsFileInfo>();
   g_PropItem = std::make_unique<clsPropItem>(
       folders.application,
@@ -51,9 +53,13 @@ Globals::Globals(const SettingsFolders& folders, bool create_files, UserInterfac
   g_PropDefault->SetMode(clsPropDefault::kStandard);
   g_PropTest = std::make_unique<clsPropDefault>(folders, false);  // its file was made with the other
   g_PropTest->SetMode(clsPropDefault::kTestMode);
+  auto archiver = std::make_unique<clsArchiver>(clsArchiver::Environment{
+      *g_PropItem, *g_PropDefault, user, [this]() -> clsOutput& { return *g_Output; }, module_folder});
   g_Mover = std::make_unique<clsMover>(
       clsMover::Environment{*g_FileInfo, *g_PropItem, *g_PropDefault, *g_PropTest, user}, std::move(archiver),
       Arguments(paths));
+  g_Output = std::make_unique<clsOutput>(user);
+  g_Output->SHOWRESULT = g_PropDefault->SHOWRESULT();
 }
 
 void Globals::EndProgram() {
@@ -62,6 +68,16 @@ void Globals::EndProgram() {
   g_PropDefault.reset();
   g_PropTest.reset();
   g_Mover.reset();
+  g_Output.reset();
+}
+
+std::string FindModuleFolder() {
+  const std::string program = AddBackslash(platform::ExecutableFolder());
+  if (program.empty()) return "";
+  if (FolderExists(program + "modules")) return program + "modules";
+  const std::string installed = SplitPath(RemoveBackslash(program)).folder;
+  return AddBackslash(installed) + "lib" + Separator(kHostStyle) + "quendle" + Separator(kHostStyle) +
+         "modules";
 }
 
 std::vector<std::string> SettingsWarnings(const Globals& globals) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "archive/clsOutput.h"
 #include "base/user_interface.h"
 #include "core/clsMover.h"
 
@@ -25,8 +26,9 @@ bool WantsConfirmation(const clsPropDefault& standard, const std::function<bool(
 class Globals {
  public:
   // `paths` as the user gave them. `create_files`: make missing settings files (a dry run does not).
+  // `module_folder` holds the archiver libraries.
   Globals(const SettingsFolders& folders, bool create_files, UserInterface& user,
-          std::unique_ptr<clsArchiver> archiver, const std::vector<std::string>& paths);
+          const std::string& module_folder, const std::vector<std::string>& paths);
   ~Globals() { EndProgram(); }
   Globals(const Globals&) = delete;
   Globals& operator=(const Globals&) = delete;
@@ -38,7 +40,12 @@ class Globals {
   std::unique_ptr<clsPropDefault> g_PropDefault;  // mover.ini
   std::unique_ptr<clsPropDefault> g_PropTest;     // test.ini
   std::unique_ptr<clsMover> g_Mover;
+  std::unique_ptr<clsOutput> g_Output;  // the log of an extraction
 };
+
+// Where the archiver libraries are looked for, and nowhere else: the folder "modules" beside the program, when
+// there is one, else ../lib/quendle/modules from there.
+std::string FindModuleFolder();
 
 // What the user should know about the settings before the run: files that could not be made or read, or that
 // somebody seems to have edited in another encoding, and that there are no profiles. One line each.

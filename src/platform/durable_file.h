@@ -22,6 +22,11 @@ Result ReadWholeFile(const std::string& path, std::string* bytes);
 // old group; who may not do that either takes all rights from the group.
 Result ReplaceFile(const std::string& path, std::string_view bytes);
 
+// Writes the content of a file that is for this run only and has been made before, such as one by
+// MakeTemporaryFile. It is not synced: thousands of such files must not cost thousands of waits for the disk.
+// After a failure it may have some of the bytes.
+Result WriteTemporaryFile(const std::string& path, std::string_view bytes);
+
 // An exclusive lock over the folder in which `path` really lies, held until the object goes. It excludes
 // those who take it, in this and other processes, and nobody else. It is a lock on the folder so that no lock
 // file is left behind.

@@ -78,6 +78,15 @@ Result CheckReplaceable(const std::string& real, struct stat* old, bool* exists)
   return Success();
 }
 
+Result WriteAll(const Descriptor& file, std::string_view bytes, const std::string& path) {
+  while (!bytes.empty()) {
+    const ssize_t written = Retried([&] { return write(file.get(), bytes.data(), bytes.size()); });
+    if (written < 0) return LastSystemFailure(path);
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return Success();
+}
+
 // A new file beside the one it will replace, removed again unless it has taken that one's place.
 class Replacement {
  public:
@@ -114,11 +123,7 @@ class Replacement {
   }
 
   Result Fill(std::string_view bytes) {
-    while (!bytes.empty()) {
-      const ssize_t written = Retried([&] { return write(file_.get(), bytes.data(), bytes.size()); });
-      if (written < 0) return LastSystemFailure(path_);
-      bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
+    if (Result written = WriteAll(file_, bytes, path_); !written.ok()) return written;
     const bool synced = Retried([&] { return fsync(file_.get()); }) == 0;
     return synced && file_.Close() ? Success() : LastSystemFailure(path_);
   }
@@ -188,6 +193,14 @@ Result ReplaceFile(const std::string& path, std::string_view bytes) {
   if (result.ok()) result = replacement.Fill(bytes);
   if (result.ok()) result = replacement.Install();
   return result.ok() ? SyncName(folder.get(), real) : result;
+}
+
+Result WriteTemporaryFile(const std::string& path, std::string_view bytes) {
+  Descriptor file(Retried([&] { return open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC | O_NOFOLLOW); }));
+  if (!file.ok()) return LastSystemFailure(path);
+  Result written = WriteAll(file, bytes, path);
+  if (written.ok() && !file.Close()) return LastSystemFailure(path);
+  return written;
 }
 
 Result FolderLock::Take(const std::string& path, std::unique_ptr<FolderLock>* lock) {

@@ -3,10 +3,18 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "platform/result.h"
 
 namespace quendle::platform {
+
+// What the names of modules end with: ".so" on POSIX.
+#ifdef _WIN32
+inline constexpr std::string_view kLibrarySuffix = ".dll";
+#else
+inline constexpr std::string_view kLibrarySuffix = ".so";
+#endif
 
 class Library {
  public:

@@ -25,12 +25,19 @@ Result MakeFolder(const std::string& path);
 // A new empty file with a unique name in `folder`, and its path in `*path`.
 Result MakeTemporaryFile(const std::string& folder, std::string* path);
 
+// Removes a file of the program's own making; a link itself, not what it leads to.
+Result RemoveFile(const std::string& path);
+
 // kExists when the folder is not empty.
 Result RemoveEmptyFolder(const std::string& path);
 
 // Could an entry be made at `path`, after making its missing folders? Looks without trying: the nearest
 // folder that is there must be one and let this process write, and no name may be too long.
 Result CheckPlace(const std::string& path);
+
+// kRefused when a part of `path` below `folder` is a link. What does not exist is none.
+//   ("/d", "a/b") => looks at /d/a and /d/a/b
+Result CheckNoLinks(const std::string& folder, const std::string& path);
 
 // Would moving or copying the folder `source` onto `destination`, which may not exist, meet an entry that is
 // there already and is not a folder on both sides?

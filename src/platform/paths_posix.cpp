@@ -94,6 +94,10 @@ Result MakeTemporaryFile(const std::string& folder, std::string* path) {
   return Success();
 }
 
+Result RemoveFile(const std::string& path) {
+  return unlink(path.c_str()) == 0 ? Success() : LastSystemFailure(path);
+}
+
 Result RemoveEmptyFolder(const std::string& path) {
   return rmdir(path.c_str()) == 0 ? Success() : LastSystemFailure(path);
 }
@@ -107,6 +111,18 @@ Result CheckPlace(const std::string& path) {
   } while (lstat(folder.c_str(), &entry) != 0 && folder != "/" && folder != ".");
   if (!IsFolder(folder)) return SystemFailure(ENOTDIR, folder);
   if (faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0) return LastSystemFailure(folder);
+  return Success();
+}
+
+Result CheckNoLinks(const std::string& folder, const std::string& path) {
+  for (std::size_t end = 0; end < path.size(); ++end) {
+    end = std::min(path.find('/', end), path.size());
+    const std::string part = folder + "/" + path.substr(0, end);
+    struct stat entry;
+    if (lstat(WithoutTrailingSlashes(part).c_str(), &entry) == 0 && S_ISLNK(entry.st_mode)) {
+      return Failure(Code::kRefused, part, "a link is in the place of the folder");
+    }
+  }
   return Success();
 }
 

@@ -30,6 +30,7 @@ const StringTableEntry kStringTable[] = {
     {5060, "AutoCompDir"},
     {5061, "FILER"},
     {5062, "FILERPARM"},
+    {5063, "ArchiveCharset"},
     {5101, "mover.ini"},
     {5102, "items.ini"},
     {5103, "test.ini"},

@@ -33,6 +33,7 @@ inline constexpr int kTest = 5059;
 inline constexpr int kAutoCompDir = 5060;
 inline constexpr int kFiler = 5061;
 inline constexpr int kFilerParm = 5062;
+inline constexpr int kArchiveCharset = 5063;
 inline constexpr int kStandardFile = 5101;
 inline constexpr int kItemsFile = 5102;
 inline constexpr int kTestFile = 5103;

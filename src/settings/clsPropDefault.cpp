@@ -133,6 +133,12 @@ void clsPropDefault::FILERPARM(const std::string& value) {
   Write(text_id::kFilerParm, value);
 }
 
+std::string clsPropDefault::ARCHIVECHARSET() const {
+  return Read(text_id::kArchiveCharset, "");
+}
+void clsPropDefault::ARCHIVECHARSET(const std::string& value) {
+  Write(text_id::kArchiveCharset, value);
+}
 std::int16_t clsPropDefault::ACTION() const {
   const double number = ReadNumber(text_id::kAction, "1");
   for (std::int16_t action = 0; action <= 7; ++action) {

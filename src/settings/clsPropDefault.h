@@ -45,6 +45,7 @@ class clsPropDefault {
   //   AUTOCOMPDIR       AutoCompDir       1  1  -    append the profile's name to a folder that is picked
   //   FILER             FILER             "" -  -    file manager
   //   FILERPARM         FILERPARM         "" -  -    its parameters, "%1" for the folder
+  //   ARCHIVECHARSET    ArchiveCharset    "" -  -    encoding of entry names that do not say theirs ("CP932")
   //   ACTION            Action            1  1  -    bits: 1 extract, 2 move, 4 copy; not 0 to 7 reads as 1
   //   EXTRACTTO         ExtractTo         d  d  d    d: the default destination
   //   MOVETO            MoveTo            d  d  -
@@ -71,6 +72,8 @@ class clsPropDefault {
   void FILER(const std::string& value);
   std::string FILERPARM() const;
   void FILERPARM(const std::string& value);
+  std::string ARCHIVECHARSET() const;
+  void ARCHIVECHARSET(const std::string& value);
   std::int16_t ACTION() const;
   void ACTION(std::int16_t value);
   std::string EXTRACTTO() const;

@@ -15,17 +15,22 @@ namespace quendle::test {
 // Answers for the archiver libraries, and records what it was asked to do.
 class ScriptedArchiver : public clsArchiver {
  public:
+  using clsArchiver::clsArchiver;
   std::int16_t GetArcType() override {
     ++asked_type;
     return type;
   }
   bool mExtractArchive(const std::string& destination) override {
     extracted.push_back(pFileName + " to " + destination);
+    report_ = plan;
+    if (!succeeds) report_.problems.push_back({"a.txt", "scripted"});
     return succeeds;
   }
+  ExtractionReport PlanExtraction(const std::string&) override { return plan; }
 
   std::int16_t type = 0;
   bool succeeds = true;
+  ExtractionReport plan;
   int asked_type = 0;
   std::vector<std::string> extracted;
 };
@@ -35,7 +40,8 @@ class Run {
   Run(const std::string& items, const std::string& standard_text, std::vector<std::string> paths)
       : settings(items, standard_text, "[General]\nExtractTo=/test\n") {
     paths.insert(paths.begin(), "");
-    auto owned = std::make_unique<ScriptedArchiver>();
+    auto owned = std::make_unique<ScriptedArchiver>(
+        clsArchiver::Environment{settings.profiles, settings.standard, user, nullptr, ""});
     archiver = owned.get();
     mover = std::make_unique<clsMover>(
         clsMover::Environment{file_info, settings.profiles, settings.standard, settings.test, user},

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,12 +17,18 @@ class ScriptedUser : public UserInterface {
   std::vector<OverwriteAnswer> overwrite_answers;
   bool make_folder_answer = false;
   bool delete_answer = false;
+  bool proceed_answer = false;
+  std::vector<std::string> passwords;  // given in turn, then none
   // Called with each report, when set; false cancels.
   std::function<bool(const platform::FileProgress&)> on_progress;
 
   std::vector<std::string> asked_overwrite;  // the existing files
   std::vector<std::string> asked_make_folder;
   std::vector<std::string> asked_delete;
+  std::vector<std::string> asked_password;  // the archives
+  std::vector<std::string> asked_proceed;
+  std::vector<std::string> messages;
+  std::vector<std::string> logs;
   std::vector<std::string> opened_folders;
   std::vector<std::string> opened_files;
   std::vector<bool> busy;  // each change
@@ -43,6 +50,19 @@ class ScriptedUser : public UserInterface {
     asked_delete.push_back(path);
     return delete_answer;
   }
+  std::optional<std::string> AskPassword(const std::string& archive) override {
+    asked_password.push_back(archive);
+    if (asked_password.size() > passwords.size()) return std::nullopt;
+    return passwords[asked_password.size() - 1];
+  }
+  bool AskProceed(const std::string& question) override {
+    asked_proceed.push_back(question);
+    return proceed_answer;
+  }
+  void ShowMessage(MessageKind kind, const std::string& text) override {
+    messages.push_back((kind == MessageKind::kCritical ? "critical: " : "") + text);
+  }
+  void ShowExtractionLog(const std::string& text) override { logs.push_back(text); }
   bool ShowProgress(const platform::FileProgress& progress, bool simple) override {
     ++(simple ? shown_simple_progress : shown_progress);
     return !on_progress || on_progress(progress);

@@ -1,0 +1,143 @@
+#include "archive/archive_session.h"
+
+#include <cstring>
+#include <utility>
+
+namespace quendle {
+namespace {
+
+constexpr int kMostQuestionsForPassword = 3;
+
+}  // namespace
+
+ArchiveSession::ArchiveSession(const ArchiverLibrary& library, UserInterface& user, std::string archive,
+                               std::string charset, std::string remembered_password,
+                               std::vector<ExtractionProblem>* problems)
+    : library_(library),
+      user_(user),
+      archive_(std::move(archive)),
+      charset_(std::move(charset)),
+      problems_(problems),
+      callbacks_{sizeof(ArchiverSession),
+                 this,
+                 charset_.c_str(),
+                 &OnProgress,
+                 &OnOverwrite,
+                 &OnPassword,
+                 &OnProceed,
+                 &OnProblem},
+      next_password_(std::move(remembered_password)) {
+  library_.SetSession(&callbacks_);
+}
+
+ArchiveSession::~ArchiveSession() {
+  library_.SetSession(nullptr);
+  if (progress_shown_) user_.EndProgress();
+}
+
+void ArchiveSession::RethrowFault() {
+  if (fault_) std::rethrow_exception(std::exchange(fault_, nullptr));
+}
+
+std::int32_t ArchiveSession::OnProgress(void* user, const char* path, std::uint64_t done,
+                                        std::uint64_t total) {
+  auto& self = *static_cast<ArchiveSession*>(user);
+  try {
+    self.progress_shown_ = true;
+    if (self.user_.ShowProgress({self.Text(path), done, total}, false)) return 1;
+    self.cancelled_ = true;
+  } catch (...) {
+    self.fault_ = std::current_exception();
+  }
+  return 0;
+}
+
+std::int32_t ArchiveSession::OnOverwrite(void* user, const ArchiverVersion* existing,
+                                         const ArchiverVersion* incoming) {
+  auto& self = *static_cast<ArchiveSession*>(user);
+  try {
+    return self.AskOverwrite(*existing, *incoming);
+  } catch (...) {
+    self.fault_ = std::current_exception();
+  }
+  return ARCHIVER_CANCEL;
+}
+
+std::int32_t ArchiveSession::AskOverwrite(const ArchiverVersion& existing, const ArchiverVersion& incoming) {
+  if (answer_to_all_) return *answer_to_all_;
+  const auto version = [this](const ArchiverVersion& side) {
+    return platform::FileVersion{Text(side.path), side.size, side.write_time};
+  };
+  switch (user_.AskOverwrite(version(existing), version(incoming))) {
+    case UserInterface::OverwriteAnswer::kYes:
+      return ARCHIVER_YES;
+    case UserInterface::OverwriteAnswer::kNo:
+      return ARCHIVER_NO;
+    case UserInterface::OverwriteAnswer::kYesToAll:
+      return answer_to_all_.emplace(ARCHIVER_YES);
+    case UserInterface::OverwriteAnswer::kNoToAll:
+      return answer_to_all_.emplace(ARCHIVER_NO);
+    case UserInterface::OverwriteAnswer::kCancel:
+      break;
+  }
+  cancelled_ = true;
+  return ARCHIVER_CANCEL;
+}
+
+std::int32_t ArchiveSession::OnPassword(void* user, const char*, char* buffer, std::uint32_t size) {
+  auto& self = *static_cast<ArchiveSession*>(user);
+  try {
+    while (const auto password = self.NextPassword()) {
+      const auto encoded = self.library_.Encode(*password);
+      if (!encoded || encoded->size() >= size) continue;  // it cannot be this archive's
+      std::memcpy(buffer, encoded->c_str(), encoded->size() + 1);
+      return ARCHIVER_YES;
+    }
+  } catch (...) {
+    self.fault_ = std::current_exception();
+  }
+  return ARCHIVER_NO;
+}
+
+std::optional<std::string> ArchiveSession::NextPassword() {
+  if (!offered_ && !next_password_.empty()) {
+    offered_ = true;
+    given_ = next_password_;
+    return given_;
+  }
+  offered_ = true;
+  if (asked_ == kMostQuestionsForPassword) return std::nullopt;
+  ++asked_;
+  std::optional<std::string> answer = user_.AskPassword(archive_);
+  if (!answer) {
+    asked_ = kMostQuestionsForPassword;  // who has none is not asked again
+    return std::nullopt;
+  }
+  next_password_ = given_ = *answer;
+  return answer;
+}
+
+std::int32_t ArchiveSession::OnProceed(void* user, const char* question) {
+  auto& self = *static_cast<ArchiveSession*>(user);
+  try {
+    if (self.user_.AskProceed(self.Text(question))) return ARCHIVER_YES;
+  } catch (...) {
+    self.fault_ = std::current_exception();
+  }
+  return ARCHIVER_NO;
+}
+
+void ArchiveSession::OnProblem(void* user, const char* entry, const char* reason) {
+  auto& self = *static_cast<ArchiveSession*>(user);
+  try {
+    self.problems_->push_back({self.Text(entry), self.Text(reason)});
+  } catch (...) {
+    self.fault_ = std::current_exception();
+  }
+}
+
+std::string ArchiveSession::Text(const char* bytes) const {
+  return bytes == nullptr ? "" : library_.Decode(bytes);
+}
+
+}  // namespace quendle

@@ -1,0 +1,76 @@
+// What an archiver library is answered while it lists and extracts one archive: the user's answers, and the
+// list in which it reports problems.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "archive/archiver_library.h"
+#include "base/user_interface.h"
+
+namespace quendle {
+
+struct ExtractionProblem {
+  std::string entry;   // empty: the archive itself
+  std::string reason;  // one English line without a full stop
+};
+
+// Passwords are tried in this order: the one remembered from another archive, then what the user says, three
+// times at most.
+class ArchiveSession {
+ public:
+  // `problems` receives what the library reports. All but the texts outlive the session.
+  ArchiveSession(const ArchiverLibrary& library, UserInterface& user, std::string archive,
+                 std::string charset, std::string remembered_password,
+                 std::vector<ExtractionProblem>* problems);
+  ~ArchiveSession();
+  ArchiveSession(const ArchiveSession&) = delete;
+  ArchiveSession& operator=(const ArchiveSession&) = delete;
+
+  // To be called before each call that may ask: the password that was given last is offered again first.
+  void BeginCall() { offered_ = false; }
+
+  // An exception must not pass through the library: what was thrown in an answer is thrown from here, after
+  // the call.
+  void RethrowFault();
+
+  bool IsCancelled() const { return cancelled_; }
+
+  // The password given last; empty when none was.
+  const std::string& Password() const { return given_; }
+
+ private:
+  static std::int32_t ARCHIVER_CALL OnProgress(void* self, const char* path, std::uint64_t done,
+                                               std::uint64_t total);
+  static std::int32_t ARCHIVER_CALL OnOverwrite(void* self, const ArchiverVersion* existing,
+                                                const ArchiverVersion* incoming);
+  static std::int32_t ARCHIVER_CALL OnPassword(void* self, const char* archive, char* buffer,
+                                               std::uint32_t size);
+  static std::int32_t ARCHIVER_CALL OnProceed(void* self, const char* question);
+  static void ARCHIVER_CALL OnProblem(void* self, const char* entry, const char* reason);
+
+  std::int32_t AskOverwrite(const ArchiverVersion& existing, const ArchiverVersion& incoming);
+  std::optional<std::string> NextPassword();
+  std::string Text(const char* bytes) const;
+
+  const ArchiverLibrary& library_;
+  UserInterface& user_;
+  std::string archive_;
+  std::string charset_;
+  std::vector<ExtractionProblem>* problems_;
+  ArchiverSession callbacks_;
+
+  std::string next_password_;  // to be offered first
+  std::string given_;
+  bool offered_ = false;
+  int asked_ = 0;
+  std::optional<std::int32_t> answer_to_all_;
+  bool progress_shown_ = false;
+  bool cancelled_ = false;
+  std::exception_ptr fault_;
+};
+
+}  // namespace quendle

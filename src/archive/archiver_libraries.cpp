@@ -1,0 +1,33 @@
+#include "archive/archiver_libraries.h"
+
+#include "base/modString.h"
+
+namespace quendle {
+
+bool ArchiverLibraries::IsInstalled(const ArchiverRow& row) const {
+  return !folder_.empty() && FileExists(FileName(row));
+}
+
+const ArchiverLibrary* ArchiverLibraries::Use(const ArchiverRow& row) {
+  std::unique_ptr<ArchiverLibrary>& library = loaded_[row.type];
+  if (library != nullptr) return library.get();
+  platform::Result result = ArchiverLibrary::Load(FileName(row), row.prefix, &library);
+  failures_.erase(row.type);
+  if (!result.ok()) failures_.emplace(row.type, std::move(result));
+  return library.get();
+}
+
+std::vector<std::string> ArchiverLibraries::Problems() const {
+  std::vector<std::string> problems;
+  for (const auto& [type, failure] : failures_) {
+    problems.push_back(failure.path + ": " + failure.reason + "; " + ArchiverRowOf(type).name +
+                       " archives are not extracted");
+  }
+  return problems;
+}
+
+std::string ArchiverLibraries::FileName(const ArchiverRow& row) const {
+  return AddBackslash(folder_) + row.library + std::string(platform::kLibrarySuffix);
+}
+
+}  // namespace quendle

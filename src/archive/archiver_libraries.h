@@ -1,0 +1,36 @@
+// The archiver libraries that are installed: those that the module folder holds at the moment.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "archive/archiver_library.h"
+#include "archive/archiver_table.h"
+
+namespace quendle {
+
+class ArchiverLibraries {
+ public:
+  // Nothing is loaded yet. An empty folder holds no libraries.
+  explicit ArchiverLibraries(std::string folder) : folder_(std::move(folder)) {}
+
+  // Is its file there now? A folder of that name does not count.
+  bool IsInstalled(const ArchiverRow& row) const;
+
+  // The library, loaded if it is not. Null when it cannot be: then it counts as missing, and Problems tells why.
+  const ArchiverLibrary* Use(const ArchiverRow& row);
+
+  // One line for each library that is there and cannot be used.
+  std::vector<std::string> Problems() const;
+
+ private:
+  std::string FileName(const ArchiverRow& row) const;
+
+  std::string folder_;
+  std::map<std::int16_t, std::unique_ptr<ArchiverLibrary>> loaded_;  // by type
+  std::map<std::int16_t, platform::Result> failures_;
+};
+
+}  // namespace quendle

@@ -1,0 +1,92 @@
+#include "archive/extraction_list.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+#include "base/modSystem.h"
+#include "platform/entry_path.h"
+#include "platform/unicode.h"
+
+namespace quendle {
+namespace {
+
+std::string TopFolder(const std::string& name) {
+  return platform::UpperCase(name.substr(0, name.find('/') + 1));
+}
+
+// The text up to and including the last separator.
+std::string FolderPart(const std::string& name) {
+  return name.substr(0, name.rfind('/') + 1);
+}
+
+// `folder` is the folder part of a name that is safe as a whole. What is left of it must be named as safely,
+// but a colon in it is no drive, since it is below a folder.
+std::string BelowTopFolder(const std::string& folder) {
+  constexpr std::string_view kAbove = "_/";
+  std::string safe;
+  const std::string below = folder.substr(folder.find('/') + 1);
+  const platform::Result result =
+      platform::SafeEntryPath(std::string(kAbove) + below, platform::kHostNames, &safe);
+  if (!result.ok()) ProgrammingError("an unsafe name in the extraction list");
+  return safe.size() <= kAbove.size() ? "" : safe.substr(kAbove.size());
+}
+
+}  // namespace
+
+bool HaveOneTopFolder(const std::vector<std::string>& names) {
+  if (names.empty()) return false;
+  const std::string top = TopFolder(names.front());
+  return !top.empty() && std::all_of(names.begin(), names.end(),
+                                     [&top](const std::string& name) { return TopFolder(name) == top; });
+}
+
+EntryFilter::EntryFilter(const std::string& include, const std::string& exclude)
+    : includes_all_(include.empty() || include.front() == ';'),
+      include_(Compile(include)),
+      exclude_(Compile(exclude)) {}
+
+std::vector<EntryFilter::Pattern> EntryFilter::Compile(const std::string& patterns) {
+  std::vector<Pattern> compiled;
+  if (patterns.empty()) return compiled;
+  const std::string list = patterns + ";";
+  for (std::size_t begin = 0, end; (end = list.find(';', begin)) != std::string::npos; begin = end + 1) {
+    const std::string pattern = list.substr(begin, end - begin);
+    compiled.push_back({Regex(pattern), pattern.find('/') != std::string::npos});
+  }
+  return compiled;
+}
+
+bool EntryFilter::AnyFits(const std::vector<Pattern>& patterns, const std::string& upper) {
+  const std::string last_part = upper.substr(upper.rfind('/') + 1);
+  return std::any_of(patterns.begin(), patterns.end(), [&](const Pattern& pattern) {
+    return pattern.expression.MatchWhole(pattern.for_whole_name ? upper : last_part) == RegexAnswer::kWhole;
+  });
+}
+
+bool EntryFilter::Passes(const std::string& name) const {
+  const std::string upper = platform::UpperCase(platform::WithReplacementCharacters(name));
+  if (!includes_all_ && (name.ends_with('/') || !AnyFits(include_, upper))) return false;
+  return !AnyFits(exclude_, upper);
+}
+
+std::vector<ExtractionGroup> GroupEntries(std::vector<std::string> names, bool flat) {
+  std::vector<ExtractionGroup> groups;
+  if (names.empty()) return groups;
+  if (!flat) {
+    groups.push_back({"", std::move(names)});
+    return groups;
+  }
+  SortStrings(&names, 0, static_cast<std::int32_t>(names.size()) - 1);
+  std::string folder;  // upper-cased, of the group at hand
+  for (std::string& name : names) {
+    const std::string part = FolderPart(name);
+    std::string upper = platform::UpperCase(part);
+    if (groups.empty() || upper != folder) groups.push_back({BelowTopFolder(part), {}});
+    folder = std::move(upper);
+    groups.back().names.push_back(std::move(name));
+  }
+  return groups;
+}
+
+}  // namespace quendle

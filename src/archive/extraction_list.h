@@ -1,0 +1,50 @@
+// Which entries of an archive are extracted, and into which folder each goes. Names have "/" between their
+// parts; a folder's ends with "/". Letter case never counts.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "base/regex.h"
+
+namespace quendle {
+
+// Do all names begin with one and the same top folder? False without names.
+//   "TOP/A", "top/s/B" => true    "TOP/A", "B" => false    "A" => false    "TOP/" => true
+bool HaveOneTopFolder(const std::vector<std::string>& names);
+
+// What INCLUDE and EXCLUDE, patterns separated by ";", let through. With an empty first include pattern all
+// is included; folder entries never are by a pattern. A pattern with "/" is for the whole name, any other for
+// its last part. A pattern that is invalid fits nothing.
+//   include ".*\.txt": "A/B.TXT" passes, "A/B.DAT" and "A/" do not
+//   exclude "a/.*":    "A/B" does not pass, "B/A" does
+class EntryFilter {
+ public:
+  EntryFilter(const std::string& include, const std::string& exclude);
+  bool Passes(const std::string& name) const;
+
+ private:
+  struct Pattern {
+    Regex expression;
+    bool for_whole_name;
+  };
+  static std::vector<Pattern> Compile(const std::string& patterns);
+  static bool AnyFits(const std::vector<Pattern>& patterns, const std::string& upper);
+
+  bool includes_all_ = true;
+  std::vector<Pattern> include_;
+  std::vector<Pattern> exclude_;
+};
+
+// Entries that are extracted by one call.
+struct ExtractionGroup {
+  std::string sub_folder;  // below the destination, "/" between its parts; empty: the destination itself
+  std::vector<std::string> names;
+};
+
+// With `flat`, the sorted names by their folders, without the top folder; a sub-folder is spelled as in the
+// group's first name. Otherwise one group with all names. None without names.
+//   flat, "T/A", "T/s/B", "T/C" => "" with T/A, T/C; "s" with T/s/B
+std::vector<ExtractionGroup> GroupEntries(std::vector<std::string> names, bool flat);
+
+}  // namespace quendle

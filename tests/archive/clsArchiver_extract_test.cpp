@@ -1,0 +1,229 @@
+#include <stdexcept>
+
+#include "archive/clsArchiver.h"
+#include "platform/code_page.h"
+#include "support/archiver_bench.h"
+
+namespace quendle {
+namespace {
+
+namespace fs = std::filesystem;
+using Texts = std::vector<std::string>;
+
+const std::string kTree =
+    "accept Unlha\nentry Top/Sub/b.txt\nentry Top/a.txt\nentry Top/Sub/Deep/表.txt\nentry Top/\n";
+
+const std::string kTreeCalls =
+    "x -+ -a1 -jp1 -x0 -c1 -m1 \"~/a.lzh\" \"~/d/\" \"@\"\n\"TOP/\"\r\n\"TOP/A.TXT\"\n"
+    "x -+ -a1 -jp1 -x0 -c1 -m1 \"~/a.lzh\" \"~/d/Sub/\" \"@\"\n\"TOP/SUB/B.TXT\"\n"
+    "x -+ -a1 -jp1 -x0 -c1 -m1 \"~/a.lzh\" \"~/d/Sub/Deep/\" \"@\"\n\"TOP/SUB/DEEP/表.TXT\"\n";
+
+// Single calls and calls in one pass must not be told apart by their results.
+GTEST_TEST(ClsArchiverExtract, StopsAtTheFirstResultThatIsNotZero) {
+  const struct {
+    const char* results;
+    bool succeeds;
+    std::ptrdiff_t left;
+    const char* log;
+  } rows[] = {
+      {"", true, 0, "Phase 1:\r\none\r\nPhase 2:\r\ntwo\r\nPhase 3:\r\nthree"},
+      {"result 0\nresult 5\n", false, 1, "Phase 1:\r\none\r\nPhase 2:\r\ntwo\r\n"},
+      {"result -1\n", false, 2, "Phase 1:\r\none\r\n\r\n"},
+  };
+  for (const auto& row : rows) {
+    for (const char* variant : {"plain", "full"}) {
+      SCOPED_TRACE(std::string(row.results) + variant);
+      test::ArchiverBench bench("", "ShowResult=1");
+      bench.Install("UnLHA32", variant);
+      std::string script =
+          kTree + "output h\\nh\\none\noutput h\\nh\\ntwo\noutput h\\nh\\nthree\n" + row.results;
+      const bool is_plain = variant[0] == 'p';
+      if (is_plain) script = *platform::AnsiFromText(script);
+      ASSERT_EQ(bench.Take("a.lzh", script), 2);
+      bench.archiver.SMARTMAKEDIR = true;
+      EXPECT_EQ(bench.archiver.mExtractArchive(bench.folder / "d"), row.succeeds);
+      EXPECT_TRUE(bench.archiver.SMARTMAKEDIR);
+      EXPECT_EQ(bench.ResponseFilesLeft(), row.left);
+      const std::string calls = is_plain ? platform::TextFromAnsi(bench.Calls()) : bench.Calls();
+      EXPECT_TRUE(row.succeeds ? calls == kTreeCalls : kTreeCalls.starts_with(calls)) << calls;
+      EXPECT_EQ(bench.user.logs, Texts{"Extracted from " + bench.folder / "a.lzh" + ":\r\n\r\n" + row.log});
+      EXPECT_TRUE(fs::is_directory(bench.folder / "d/Sub") || row.left == 2);
+      EXPECT_EQ(DescribeProblems(bench.archiver.LastReport().problems).empty(), row.succeeds);
+    }
+  }
+}
+
+GTEST_TEST(ClsArchiverExtract, WhatIsLeftToExtract) {
+  const struct {
+    const char* script;
+    const char* profile;
+    bool succeeds;
+    const char* calls;
+    Texts problems;
+  } rows[] = {
+      {"entry TOP/a\nentry b\n", "", true, "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"TOP/A\"\r\n\"B\"\n", {}},
+      {"entry a.txt\nentry b.dat\n",
+       "Exclude=.*dat",
+       true,
+       "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"A.TXT\"\n",
+       {}},
+      {"", "", true, "", {}},
+      {"entry a\n", "Include=b", true, "", {}},
+      {"closed\n", "", true, "", {}},
+      {"closed\nlisting it is cut\n", "", false, "", {": it is cut"}},
+      {"entry ../a\nentry b\n", "", false, "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"B\"\n", {"../a: "}},
+      {"entry ../a\n", "", false, "", {"../a: "}},
+      {"entry a\nproblem its checksum is wrong\nproblem x\n",
+       "",
+       false,
+       "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"A\"\n",
+       {"e: its checksum is wrong", "e: x"}},
+      {"entry a\nresult 32\n",
+       "",
+       false,
+       "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"A\"\n",
+       {": the archiver library reported error 32"}},
+      {"entry a\nresult 3\nproblem no\n", "", false, "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"A\"\n", {"e: no"}},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.script);
+    test::ArchiverBench bench(row.profile);
+    bench.Install("Cab32", "full");
+    ASSERT_EQ(bench.Take("a.cab", std::string("accept Cab\n") + row.script), 3);
+    bench.archiver.SMARTMAKEDIR = true;
+    EXPECT_EQ(bench.archiver.mExtractArchive(bench.folder / "d"), row.succeeds);
+    EXPECT_FALSE(bench.archiver.SMARTMAKEDIR);
+    EXPECT_EQ(bench.Calls(), row.calls);
+    EXPECT_EQ(fs::exists(bench.folder / "d"), *row.calls != '\0');
+    const Texts problems = bench.Problems(bench.archiver.LastReport());
+    ASSERT_EQ(problems.size(), row.problems.size());
+    for (std::size_t i = 0; i < problems.size(); ++i)
+      EXPECT_TRUE(problems[i].starts_with(row.problems[i])) << problems[i];
+    EXPECT_TRUE(bench.user.logs.empty());
+    EXPECT_EQ(bench.ResponseFilesLeft(), 0);
+  }
+}
+
+GTEST_TEST(ClsArchiverExtract, PlacesThatCannotBeUsed) {
+  const struct {
+    const char* archive;
+    const char* destination;
+    const char* reason;
+    const char* calls;
+  } rows[] = {
+      {"a\"b", "d", "double quote", ""},
+      {"a", "d\"", "double quote", ""},
+      {"a", "a/d", "where the folder should be", ""},
+      {"a", "linked", "a link is in the place", "e \"-o~/linked\" -aoa \"~/a\" \"@\"\n\"T/A\"\n"},
+  };
+  for (const auto& row : rows) {
+    for (const char* variant : {"plain", "full"}) {
+      SCOPED_TRACE(std::string(row.destination) + variant);
+      test::ArchiverBench bench;
+      bench.Install("7-zip32", variant);
+      fs::create_directories(bench.folder / "linked");
+      fs::create_directory_symlink(bench.folder / "tmp", bench.folder / "linked/s");
+      ASSERT_EQ(bench.Take(row.archive, "accept SevenZip\nentry T/a\nentry T/s/b\n"), 5);
+      bench.archiver.SMARTMAKEDIR = true;
+      EXPECT_FALSE(bench.archiver.mExtractArchive(bench.folder / row.destination));
+      const std::string problem = DescribeProblems(bench.archiver.LastReport().problems);
+      EXPECT_NE(problem.find(row.reason), std::string::npos) << problem;
+      EXPECT_EQ(bench.Calls(), row.calls);
+      EXPECT_EQ(bench.ResponseFilesLeft(), 0);
+    }
+  }
+}
+
+// Paths and names reach a library in its encoding, and come back from it.
+GTEST_TEST(ClsArchiverExtract, AnsiLibraries) {
+  test::ArchiverBench bench;
+  bench.Install("UnZIP32", "plain");
+  const std::string script = "accept UnZip\nentry " + *platform::AnsiFromText("表\\ソ.txt") + "\n";
+  test::WriteFile(bench.folder / *platform::AnsiFromText("表.zip"), script);
+  ASSERT_EQ(bench.Take("表.zip", ""), 1);
+  EXPECT_TRUE(bench.archiver.mExtractArchive(bench.folder / "ソ"));
+  bench.archiver.pFileName = bench.folder / *platform::AnsiFromText("表.zip");
+  EXPECT_EQ(platform::TextFromAnsi(bench.Calls()),
+            "-x -s -i -C -o \"~/表.zip\" \"~/ソ/\" \"@\"\n\"表/ソ.TXT\"\n");
+  EXPECT_EQ(bench.Take("é.zip", script), 0) << "a path that it cannot be told";
+  ASSERT_EQ(bench.Take("a.zip", script), 1);
+  EXPECT_FALSE(bench.archiver.mExtractArchive(bench.folder / "é"));
+  EXPECT_EQ(bench.ResponseFilesLeft(), 0);
+}
+
+GTEST_TEST(ClsArchiverExtract, FullAndShortBuffers) {
+  for (const bool shown : {true, false}) {
+    test::ArchiverBench bench("", shown ? "ShowResult=1" : "ShowResult=0");
+    bench.Install("UnZIP32", "plain");
+    ASSERT_EQ(bench.Take("a.zip", "accept UnZip\nentry a\noutput fill\n"), 1);
+    EXPECT_TRUE(bench.archiver.mExtractArchive(bench.folder / "d"));
+    EXPECT_EQ(bench.user.logs, shown ? Texts{std::string(32767, 'x') + "\r\n...more"} : Texts{});
+  }
+}
+
+GTEST_TEST(ClsArchiverExtract, Passwords) {
+  test::ArchiverBench bench;
+  bench.Install("7-zip32", "full");
+  const auto extract = [&bench](const std::string& name, const std::string& password) {
+    bench.Take(name, "accept SevenZip\nentry a\npassword " + password + "\n");
+    bench.user.asked_password.clear();
+    return bench.archiver.mExtractArchive(bench.folder / "d");
+  };
+  bench.user.passwords = {"x", "y", "z", "p"};
+  EXPECT_FALSE(extract("a.7z", "p")) << "three times and no more";
+  EXPECT_EQ(bench.user.asked_password,
+            (Texts{bench.folder / "a.7z", bench.folder / "a.7z", bench.folder / "a.7z"}));
+  bench.user.passwords = {"p"};
+  EXPECT_TRUE(extract("b.7z", "p"));
+  EXPECT_TRUE(extract("c.7z", "p"));
+  EXPECT_TRUE(bench.user.asked_password.empty()) << "remembered";
+  bench.user.passwords = {"q"};
+  EXPECT_TRUE(extract("d.7z", "q"));
+  bench.user.passwords = {};
+  EXPECT_FALSE(extract("e.7z", "r"));
+  EXPECT_TRUE(extract("f.7z", "q")) << "a failure does not replace what is remembered";
+}
+
+GTEST_TEST(ClsArchiverExtract, QuestionsAndProgress) {
+  using Answer = UserInterface::OverwriteAnswer;
+  test::ArchiverBench bench;
+  bench.Install("UnZIP32", "full");
+  const auto extract = [&bench](const std::string& script) {
+    bench.Take("a.zip", "accept UnZip\nentry T/a\nentry T/s/b\n" + script);
+    bench.archiver.SMARTMAKEDIR = true;
+    return bench.archiver.mExtractArchive(bench.folder / "d");
+  };
+  const struct {
+    std::vector<Answer> answers;
+    bool succeeds;
+    std::size_t asked;
+  } rows[] = {{{Answer::kYes}, true, 2},
+              {{Answer::kNoToAll}, true, 1},
+              {{Answer::kYesToAll}, true, 1},
+              {{Answer::kCancel}, false, 1}};
+  for (const auto& row : rows) {
+    bench.user.asked_overwrite.clear();
+    bench.user.overwrite_answers = row.answers;
+    EXPECT_EQ(extract("overwrite\n"), row.succeeds);
+    EXPECT_EQ(bench.user.asked_overwrite.size(), row.asked);
+  }
+  EXPECT_EQ(DescribeProblems(bench.archiver.LastReport().problems), "it was stopped");
+  EXPECT_FALSE(extract("proceed it looks like a bomb\n"));
+  EXPECT_EQ(bench.user.asked_proceed, Texts{"it looks like a bomb"});
+  EXPECT_TRUE(extract("progress x\n"));
+  EXPECT_EQ(bench.user.shown_progress, 2);
+  EXPECT_EQ(bench.user.ended_progress, 1);
+
+  // A fault of the program's own shows a message, never passes through the library and is never a success.
+  bench.user.on_progress = [](const platform::FileProgress&) -> bool { throw std::runtime_error("broken"); };
+  EXPECT_FALSE(extract("progress x\n"));
+  EXPECT_EQ(
+      bench.user.messages,
+      Texts{"critical: "
+            "エラーが発生しましたが処理を継続します。\r\nエラー発生時の状況を製作者へお知らせください。"});
+  const Texts problems = bench.Problems(bench.archiver.LastReport());
+  EXPECT_EQ(problems.back(), ": an unexpected fault: broken") << problems.front();
+}
+
+}  // namespace
+}  // namespace quendle

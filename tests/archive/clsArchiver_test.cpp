@@ -1,0 +1,116 @@
+#include "archive/clsArchiver.h"
+
+#include "support/archiver_bench.h"
+#include "support/file_systems.h"
+
+namespace quendle {
+namespace {
+
+namespace fs = std::filesystem;
+using Texts = std::vector<std::string>;
+
+constexpr const char* kLibraries[] = {"UnZIP32", "UnLHA32", "Cab32", "unrar32", "7-zip32"};
+constexpr const char* kAccepted[] = {"accept UnZip\n", "accept Unlha\n", "accept Cab\n", "accept Unrar\n",
+                                     "accept SevenZip\n"};
+
+GTEST_TEST(ClsArchiver, TheFirstLibraryThatAcceptsCounts) {
+  test::ArchiverBench bench;
+  EXPECT_EQ(bench.Take("a.zip", kAccepted[0]), 0) << "nothing is installed";
+  fs::create_directories(bench.folder / "modules/UnZIP32.so");
+  EXPECT_EQ(bench.Take("a.zip", kAccepted[0]), 0) << "a folder is no library";
+  EXPECT_TRUE(bench.archiver.LibraryProblems().empty());
+  fs::remove(bench.folder / "modules/UnZIP32.so");
+  for (int i = 0; i < 5; ++i) {
+    bench.Install(kLibraries[i], i % 2 == 0 ? "plain" : "full");
+    EXPECT_EQ(bench.Take("x", kAccepted[i]), i + 1) << "installed while the program runs";
+  }
+  EXPECT_EQ(bench.Take("a.zip", "accept SevenZip\naccept Cab\naccept Unrar\n"), 3);
+  EXPECT_EQ(bench.Take("a.zip", "entry a\n"), 0);
+  fs::remove(bench.folder / "modules/Cab32.so");
+  EXPECT_EQ(bench.Take("a.zip", "accept SevenZip\naccept Cab\naccept Unrar\n"), 4) << "gone again";
+}
+
+GTEST_TEST(ClsArchiver, LibrariesThatCannotBeUsedCountAsMissing) {
+  test::ArchiverBench bench;
+  bench.Install("UnLHA32", "broken");
+  test::WriteFile(bench.folder / "modules/UnZIP32.so", "no library");
+  bench.Install("7-zip32", "plain");
+  EXPECT_EQ(bench.Take("a", "accept UnZip\naccept Unlha\naccept SevenZip\n"), 5);
+  const Texts problems = bench.archiver.LibraryProblems();
+  ASSERT_EQ(problems.size(), 2U);
+  EXPECT_NE(problems[0].find("modules/UnZIP32.so"), std::string::npos) << problems[0];
+  EXPECT_NE(problems[1].find("no function UnlhaCloseArchive"), std::string::npos) << problems[1];
+  fs::remove(bench.folder / "modules/UnLHA32.so");
+  bench.Install("UnLHA32", "full");
+  EXPECT_EQ(bench.Take("a", "accept Unlha\n"), 2) << "repaired";
+  EXPECT_EQ(bench.archiver.LibraryProblems().size(), 1U);
+}
+
+GTEST_TEST(ClsArchiver, Plans) {
+  const std::string part(200, 'a');
+  const std::string deep_name = part + "/" + part + "/" + part;
+  const struct {
+    const char* variant;
+    bool smart;
+    const char* profile;
+    std::string script;
+    std::size_t all, chosen;
+    Texts folders;  // below the destination
+    bool avoided;
+    Texts problems;
+  } rows[] = {
+      {"full", true, "", "entry TOP/A.TXT\nentry Top\\Sub\\B.TXT\n", 2, 2, {"", "/Sub"}, true, {}},
+      {"full", false, "", "entry TOP/A.TXT\nentry TOP/SUB/B.TXT\n", 2, 2, {""}, false, {}},
+      {"full", true, "", "entry TOP/A.TXT\nentry B.TXT\n", 2, 2, {""}, false, {}},
+      {"full", true, "Include=.*\\.txt", "entry T/\nentry T/a.txt\nentry T/b.dat\n", 3, 1, {""}, true, {}},
+      {"full", true, "Include=\\.txt$", "entry T/a.txt\n", 1, 0, {}, true, {}},
+      {"full", true, "", "", 0, 0, {}, false, {}},
+      {"plain", false, "", "closed\n", 0, 0, {}, false, {}},
+      {"full", false, "", "closed\nlisting it is cut\n", 0, 0, {}, false, {": it is cut"}},
+      {"full", true, "", "entry ../x\nentry a\n", 2, 1, {""}, false, {"../x: *"}},
+      {"full",
+       false,
+       "",
+       "entry /x\nentry a/../b\nentry a\"\n",
+       3,
+       0,
+       {},
+       false,
+       {"/x: *", "a/../b: *", "a\": *"}},
+      {"full", true, "", "entry T/link/a\nentry T/b\n", 2, 2, {}, true, {": *"}},
+      {"plain", true, "", "entry T/a\"b/c\nentry T/d\n", 2, 2, {"", "/a\"b"}, true, {": *"}},
+      // Without a NUL the name fills the field; with the optional export it is whole.
+      {"plain", false, "Include=(a{200}/){2}a{111}", "entry " + deep_name + "\n", 1, 1, {""}, false, {}},
+      {"full", false, "Include=(a{200}/){2}a{200}", "entry " + deep_name + "\n", 1, 1, {""}, false, {}},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.script.substr(0, 60));
+    test::ArchiverBench bench(row.profile);
+    bench.Install("UnZIP32", row.variant);
+    ASSERT_EQ(bench.Take("a.zip", "accept UnZip\n" + row.script), 1);
+    fs::create_directory(bench.folder / "d");
+    fs::create_directory_symlink("/", bench.folder / "d/link");
+    const bool links = row.script.find("link") != std::string::npos;
+    const std::string destination = bench.folder / (links ? "d" : "new/d");
+    bench.archiver.SMARTMAKEDIR = row.smart;
+    const auto before = test::Picture(bench.folder.path());
+    const ExtractionReport report = bench.archiver.PlanExtraction(destination);
+    EXPECT_EQ(test::Picture(bench.folder.path()), before);
+    EXPECT_EQ(report.all, row.all);
+    EXPECT_EQ(report.chosen, row.chosen);
+    EXPECT_EQ(report.doubled_folder_avoided, row.avoided);
+    EXPECT_EQ(bench.archiver.SMARTMAKEDIR, row.smart);
+    Texts folders;
+    for (const std::string& name : row.folders) folders.push_back(destination + name);
+    EXPECT_EQ(report.folders, folders);
+    Texts problems = bench.Problems(report);
+    for (std::size_t i = 0; i < problems.size() && i < row.problems.size(); ++i) {
+      if (row.problems[i].ends_with("*"))
+        problems[i].replace(row.problems[i].size() - 1, std::string::npos, "*");
+    }
+    EXPECT_EQ(problems, row.problems);
+  }
+}
+
+}  // namespace
+}  // namespace quendle

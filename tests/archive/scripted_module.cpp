@@ -1,0 +1,217 @@
+// An archiver library whose archives are scripts: each line of an "archive" says what the library is to answer.
+//
+//   accept PREFIX     the file is an archive of that family
+//   entry NAME        it has this entry (the bytes as they stand)
+//   result N          what the next command returns, one line for each; 0 without a line
+//   output TEXT       what the next command puts out, "\n" for CR LF; "fill" fills the whole buffer
+//   closed            it cannot be opened
+//   listing REASON    a problem to report while it is listed
+//   problem REASON    a problem to report during the first command, of the entry "e"
+//   password TEXT     to be asked for until it is given
+//   overwrite, proceed, progress    to be asked or told during each command
+//
+// What it was asked goes to the file ARCHIVE.calls: command lines, then the lines of their response files.
+//
+// SCRIPTED_FULL adds the optional exports to the six functions, SCRIPTED_BROKEN leaves out one that is required.
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "archive/archiver_abi.h"
+
+namespace {
+
+using Script = std::vector<std::pair<std::string, std::string>>;  // words and what follows them
+
+struct Open {
+  std::vector<std::string> entries;
+  std::size_t next = 0;
+};
+
+std::map<ArchiverHandle, Open> open_archives;
+const ArchiverSession* session = nullptr;
+std::map<std::string, std::size_t> commands_done;  // by archive
+
+Script ReadScript(const std::string& archive) {
+  Script script;
+  std::ifstream file(archive, std::ios::binary);
+  for (std::string line; std::getline(file, line);) {
+    const std::size_t blank = std::min(line.find(' '), line.size());
+    script.emplace_back(line.substr(0, blank), blank == line.size() ? "" : line.substr(blank + 1));
+  }
+  return script;
+}
+
+std::vector<std::string> All(const Script& script, std::string_view word) {
+  std::vector<std::string> found;
+  for (const auto& [key, value] : script) {
+    if (key == word) found.push_back(value);
+  }
+  return found;
+}
+
+// The text of a command line that begins with `mark` and goes on to the next quote.
+std::string Quoted(const std::string& line, const std::string& mark) {
+  const std::size_t begin = line.find(mark);
+  if (begin == std::string::npos) return "";
+  const std::size_t start = begin + mark.size();
+  return line.substr(start, line.find('"', start) - start);
+}
+
+// The one quoted word that is an existing file.
+std::string ArchiveOf(const std::string& line) {
+  for (std::size_t at = line.find(" \"/"); at != std::string::npos; at = line.find(" \"/", at + 1)) {
+    const std::string path = line.substr(at + 2, line.find('"', at + 2) - at - 2);
+    if (std::filesystem::is_regular_file(path)) return path;
+  }
+  return "";
+}
+
+bool IsPasswordKnown(const Script& script, const std::string& archive) {
+  for (const std::string& wanted : All(script, "password")) {
+    char given[64] = "";
+    do {
+      if (session == nullptr ||
+          session->password(session->user, archive.c_str(), given, 64) != ARCHIVER_YES) {
+        return false;
+      }
+    } while (wanted != given);
+  }
+  return true;
+}
+
+// 0 unless an answer forbids to go on.
+std::int32_t Ask(const Script& script) {
+  if (session == nullptr) return 0;
+  const ArchiverVersion version = {"/old", 1, 2};
+  for (const auto& [word, text] : script) {
+    if (word == "overwrite" && session->overwrite(session->user, &version, &version) == ARCHIVER_CANCEL)
+      return 9;
+    if (word == "proceed" && session->proceed(session->user, text.c_str()) != ARCHIVER_YES) return 9;
+    if (word == "progress" && session->progress(session->user, text.c_str(), 1, 2) == 0) return 9;
+  }
+  return 0;
+}
+
+std::int32_t Run(const std::string& line, char* output, std::uint32_t size) {
+  const std::string archive = ArchiveOf(line);
+  const Script script = ReadScript(archive);
+  const std::size_t turn = commands_done[archive]++;
+  std::ifstream list(Quoted(line, "\"@"), std::ios::binary);
+  std::ofstream(archive + ".calls", std::ios::app | std::ios::binary)
+      << line << "\n"
+      << std::string(std::istreambuf_iterator<char>(list), {}) << "\n";
+
+  const std::vector<std::string> outputs = All(script, "output");
+  std::string text = turn < outputs.size() ? outputs[turn] : "";
+  for (std::size_t at; (at = text.find("\\n")) != std::string::npos;) text.replace(at, 2, "\r\n");
+  if (text == "fill") text.assign(size, 'x');
+  text.copy(output, size);
+  if (text.size() < size) output[text.size()] = '\0';
+
+  if (!IsPasswordKnown(script, archive)) return 7;
+  if (const std::int32_t answer = Ask(script); answer != 0) return answer;
+  for (const std::string& reason : All(script, "problem")) {
+    if (session != nullptr && turn == 0) session->problem(session->user, "e", reason.c_str());
+  }
+  const std::vector<std::string> results = All(script, "result");
+  return turn < results.size() ? std::stoi(results[turn]) : 0;
+}
+
+std::int32_t Check(const char* archive, const char* prefix) {
+  const std::vector<std::string> accepted = All(ReadScript(archive), "accept");
+  return std::count(accepted.begin(), accepted.end(), prefix) > 0 ? 1 : 0;
+}
+
+ArchiverHandle OpenScript(const char* archive) {
+  const Script script = ReadScript(archive);
+  commands_done.erase(archive);
+  for (const std::string& reason : All(script, "listing")) {
+    if (session != nullptr) session->problem(session->user, "", reason.c_str());
+  }
+  if (!All(script, "closed").empty()) return 0;
+  static ArchiverHandle last = 0;
+  open_archives[++last] = {All(script, "entry"), 0};
+  return last;
+}
+
+std::int32_t Next(ArchiverHandle handle, ArchiverEntry* entry) {
+  Open& open = open_archives.at(handle);
+  if (open.next == open.entries.size()) return -1;
+  const std::string& name = open.entries[open.next++];
+  std::memset(entry->file_name, 0, sizeof entry->file_name);
+  name.copy(entry->file_name, sizeof entry->file_name);
+  return 0;
+}
+
+[[maybe_unused]] std::uint32_t CopyFullName(ArchiverHandle handle, char* name, std::uint32_t size) {
+  const Open& open = open_archives.at(handle);
+  const std::string& whole = open.entries.at(open.next - 1);
+  name[whole.copy(name, size - 1)] = '\0';
+  return static_cast<std::uint32_t>(whole.size());
+}
+
+[[maybe_unused]] std::int32_t RunAll(ArchiverCall* calls, std::uint32_t count) {
+  for (std::uint32_t i = 0; i < count; ++i) {
+    calls[i].result = Run(calls[i].command_line, calls[i].output, calls[i].output_size);
+    if (calls[i].result != 0) return calls[i].result;
+  }
+  return 0;
+}
+
+}  // namespace
+
+#define REQUIRED(prefix)                                                                     \
+  std::int32_t prefix(void*, const char* line, char* output, std::uint32_t size) {           \
+    return Run(line, output, size);                                                          \
+  }                                                                                          \
+  std::int32_t prefix##CheckArchive(const char* archive, std::int32_t) {                     \
+    return Check(archive, #prefix);                                                          \
+  }                                                                                          \
+  ArchiverHandle prefix##OpenArchive(void*, const char* archive, std::uint32_t) {            \
+    return OpenScript(archive);                                                              \
+  }                                                                                          \
+  std::int32_t prefix##FindFirst(ArchiverHandle handle, const char*, ArchiverEntry* entry) { \
+    return Next(handle, entry);                                                              \
+  }                                                                                          \
+  std::int32_t prefix##FindNext(ArchiverHandle handle, ArchiverEntry* entry) {               \
+    return Next(handle, entry);                                                              \
+  }
+
+#define CLOSE(prefix)                                        \
+  std::int32_t prefix##CloseArchive(ArchiverHandle handle) { \
+    return open_archives.erase(handle) == 1 ? 0 : -1;        \
+  }
+
+#define OPTIONAL(prefix)                                                                  \
+  std::int32_t prefix##UseUtf8(std::int32_t) {                                            \
+    return 1;                                                                             \
+  }                                                                                       \
+  std::uint32_t prefix##FullName(ArchiverHandle handle, char* name, std::uint32_t size) { \
+    return CopyFullName(handle, name, size);                                              \
+  }                                                                                       \
+  std::int32_t prefix##SetSession(const ArchiverSession* host) {                          \
+    return session = host, 1;                                                             \
+  }                                                                                       \
+  std::int32_t prefix##ExtractCalls(void*, ArchiverCall* calls, std::uint32_t count) {    \
+    return RunAll(calls, count);                                                          \
+  }
+
+#define FOR_EACH_PREFIX(functions) \
+  functions(UnZip) functions(Unlha) functions(Cab) functions(Unrar) functions(SevenZip)
+
+extern "C" {
+FOR_EACH_PREFIX(REQUIRED)
+#ifndef SCRIPTED_BROKEN
+FOR_EACH_PREFIX(CLOSE)
+#endif
+#ifdef SCRIPTED_FULL
+FOR_EACH_PREFIX(OPTIONAL)
+#endif
+}

@@ -1,0 +1,84 @@
+// An archiver over scripted libraries (tests/archive/scripted_module.cpp), settings and a user of a test.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "archive/clsArchiver.h"
+#include "support/scoped_variable.h"
+#include "support/scripted_user.h"
+#include "support/settings.h"
+
+namespace quendle::test {
+
+// Installs a variant ("plain", "full", "broken") of the scripted library under a library's name.
+inline void InstallModule(const std::string& folder, const std::string& name, const std::string& variant) {
+  std::filesystem::create_directories(folder);
+  std::filesystem::copy_file(std::string(QUENDLE_SCRIPTED_MODULES "/scripted_") + variant + ".so",
+                             folder + "/" + name + ".so");
+}
+
+class ArchiverBench {
+ public:
+  // `profile` and `standard` are keys of items.ini and mover.ini ("\n" between lines).
+  explicit ArchiverBench(const std::string& profile = "", const std::string& standard = "")
+      : settings("[p]\n" + profile, "[General]\n" + standard),
+        temporary("TMPDIR", MakeFolder("tmp")),
+        output(user),
+        archiver({settings.profiles, settings.standard, user, [this]() -> clsOutput& { return output; },
+                  folder / "modules"}) {
+    settings.profiles.Title = "p";
+    output.SHOWRESULT = settings.standard.SHOWRESULT();
+  }
+
+  void Install(const std::string& name, const std::string& variant) {
+    InstallModule(folder / "modules", name, variant);
+  }
+
+  // Makes the archive folder/`name` of that script the one to work on; the answer is its type.
+  std::int16_t Take(const std::string& name, const std::string& script) {
+    WriteFile(folder / name, script);
+    archiver.pFileName = folder / name;
+    return archiver.GetArcType();
+  }
+
+  // What the library of the archive was asked to do, with the test's folder as "~" and response files as "@".
+  std::string Calls() const {
+    std::string calls = ReadFile(archiver.pFileName + ".calls");
+    for (std::size_t at; (at = calls.find("@" + folder / "tmp/")) != std::string::npos;) {
+      calls.erase(at + 1, calls.find('"', at) - at - 1);
+    }
+    for (std::size_t at; (at = calls.find(folder.path())) != std::string::npos;) {
+      calls.replace(at, folder.path().size(), "~");
+    }
+    return calls;
+  }
+
+  std::ptrdiff_t ResponseFilesLeft() const {
+    return std::distance(std::filesystem::directory_iterator(folder / "tmp"), {});
+  }
+
+  std::vector<std::string> Problems(const ExtractionReport& report) const {
+    std::vector<std::string> problems;
+    for (const ExtractionProblem& problem : report.problems) {
+      problems.push_back(problem.entry + ": " + problem.reason);
+    }
+    return problems;
+  }
+
+  TempFolder folder;
+  Settings settings;
+  ScopedVariable temporary;
+  ScriptedUser user;
+  clsOutput output;
+  clsArchiver archiver;
+
+ private:
+  std::string MakeFolder(const std::string& name) const {
+    std::filesystem::create_directory(folder / name);
+    return folder / name;
+  }
+};
+
+}  // namespace quendle::test
