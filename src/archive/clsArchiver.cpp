@@ -1,7 +1,7 @@
 #include "archive/clsArchiver.h"
 
 #include <exception>
-#include <memory>
+#include <unordered_set>
 #include <utility>
 
 #include "archive/extraction_run.h"
@@ -148,9 +148,10 @@ void clsArchiver::Choose(Work* work) const {
   Refuse(work);
   report.chosen = work->names.size();
   work->groups = GroupEntries(std::move(work->names), work->flat);
+  std::unordered_set<std::string> seen;
   for (const ExtractionGroup& group : work->groups) {
     std::string folder = OutputFolder(work->destination, group.sub_folder);
-    if (!FolderExists(folder)) report.folders.push_back(std::move(folder));
+    if (seen.insert(folder).second && !FolderExists(folder)) report.folders.push_back(std::move(folder));
   }
 }
 

@@ -42,9 +42,10 @@ struct ExtractionGroup {
   std::vector<std::string> names;
 };
 
-// With `flat`, the sorted names by their folders, without the top folder; a sub-folder is spelled as in the
-// group's first name. Otherwise one group with all names. None without names.
-//   flat, "T/A", "T/s/B", "T/C" => "" with T/A, T/C; "s" with T/s/B
+// With `flat`, runs of names of one folder in the sorted list, so that a folder may come up again, without the
+// top folder; a sub-folder is spelled as in its group's first name. Otherwise one group with all names. None
+// without names.
+//   flat, "T/A", "T/S/B", "T/Z", "T/C" => "": T/A, T/C; "S": T/S/B; "": T/Z
 std::vector<ExtractionGroup> GroupEntries(std::vector<std::string> names, bool flat);
 
 }  // namespace quendle

@@ -72,7 +72,7 @@ GTEST_TEST(ClsArchiverExtract, WhatIsLeftToExtract) {
       {"closed\n", "", true, "", {}},
       {"closed\nlisting it is cut\n", "", false, "", {": it is cut"}},
       {"entry ../a\nentry b\n", "", false, "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"B\"\n", {"../a: "}},
-      {"entry ../a\n", "", false, "", {"../a: "}},
+      {"entry ..\n", "", false, "", {"..: "}},
       {"entry a\nproblem its checksum is wrong\nproblem x\n",
        "",
        false,
@@ -186,7 +186,7 @@ GTEST_TEST(ClsArchiverExtract, Passwords) {
 
 GTEST_TEST(ClsArchiverExtract, QuestionsAndProgress) {
   using Answer = UserInterface::OverwriteAnswer;
-  test::ArchiverBench bench;
+  test::ArchiverBench bench("", "ArchiveCharset=CP932");
   bench.Install("UnZIP32", "full");
   const auto extract = [&bench](const std::string& script) {
     bench.Take("a.zip", "accept UnZip\nentry T/a\nentry T/s/b\n" + script);
@@ -208,6 +208,7 @@ GTEST_TEST(ClsArchiverExtract, QuestionsAndProgress) {
     EXPECT_EQ(bench.user.asked_overwrite.size(), row.asked);
   }
   EXPECT_EQ(DescribeProblems(bench.archiver.LastReport().problems), "it was stopped");
+  EXPECT_TRUE(extract("charset CP932\n"));
   EXPECT_FALSE(extract("proceed it looks like a bomb\n"));
   EXPECT_EQ(bench.user.asked_proceed, Texts{"it looks like a bomb"});
   EXPECT_TRUE(extract("progress x\n"));

@@ -39,7 +39,8 @@ GTEST_TEST(ExtractionList, Filter) {
       {";.*\\.txt", "", {"a.txt", "D/b.TXT", "D/c.dat", "D/", "D/S/表.txt"}},
       {"", "b.txt", {"a.txt", "D/c.dat", "D/", "D/S/表.txt"}},
       {"", "D/.*", {"a.txt"}},
-      {"", "[^/]*;x", {}},
+      {"", "[^/]*;x", {"D/b.TXT", "D/c.dat", "D/", "D/S/表.txt"}},
+      {"", "[^x]*", {"a.txt", "D/b.TXT", "D/S/表.txt"}},
       {".*\\.txt", "a.*;(", {"D/b.TXT", "D/S/表.txt"}},
       {"(", "", {}},
       {"a|a.txt", "", {}},
@@ -66,6 +67,7 @@ GTEST_TEST(ExtractionList, Groups) {
       {{"T/Sub/b", "t/sUB/A", "T/", "T/Sub/Deep/x"},
        true,
        {{"", {"T/"}}, {"sUB", {"t/sUB/A", "T/Sub/b"}}, {"Sub/Deep", {"T/Sub/Deep/x"}}}},
+      {{"T/S/b", "T/z", "T/a"}, true, {{"", {"T/a"}}, {"S", {"T/S/b"}}, {"", {"T/z"}}}},
       {{"T/C:x/a", "./y"}, true, {{"", {"./y"}}, {"C:x", {"T/C:x/a"}}}},
       {{}, true, {}},
   };

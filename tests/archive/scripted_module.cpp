@@ -8,6 +8,7 @@
 //   listing REASON    a problem to report while it is listed
 //   problem REASON    a problem to report during the first command, of the entry "e"
 //   password TEXT     to be asked for until it is given
+//   charset NAME      commands fail without this encoding of names in the session
 //   overwrite, proceed, progress    to be asked or told during each command
 //
 // What it was asked goes to the file ARCHIVE.calls: command lines, then the lines of their response files.
@@ -73,7 +74,11 @@ std::string ArchiveOf(const std::string& line) {
   return "";
 }
 
+// A password that fitted is not asked for again within a pass.
+std::string opened_archive;
+
 bool IsPasswordKnown(const Script& script, const std::string& archive) {
+  if (opened_archive == archive) return true;
   for (const std::string& wanted : All(script, "password")) {
     char given[64] = "";
     do {
@@ -83,6 +88,7 @@ bool IsPasswordKnown(const Script& script, const std::string& archive) {
       }
     } while (wanted != given);
   }
+  opened_archive = archive;
   return true;
 }
 
@@ -93,6 +99,7 @@ std::int32_t Ask(const Script& script) {
   for (const auto& [word, text] : script) {
     if (word == "overwrite" && session->overwrite(session->user, &version, &version) == ARCHIVER_CANCEL)
       return 9;
+    if (word == "charset" && session->charset != text) return 9;
     if (word == "proceed" && session->proceed(session->user, text.c_str()) != ARCHIVER_YES) return 9;
     if (word == "progress" && session->progress(session->user, text.c_str(), 1, 2) == 0) return 9;
   }
@@ -122,6 +129,11 @@ std::int32_t Run(const std::string& line, char* output, std::uint32_t size) {
   }
   const std::vector<std::string> results = All(script, "result");
   return turn < results.size() ? std::stoi(results[turn]) : 0;
+}
+
+std::int32_t RunOne(const char* line, char* output, std::uint32_t size) {
+  opened_archive.clear();
+  return Run(line, output, size);
 }
 
 std::int32_t Check(const char* archive, const char* prefix) {
@@ -158,6 +170,7 @@ std::int32_t Next(ArchiverHandle handle, ArchiverEntry* entry) {
 }
 
 [[maybe_unused]] std::int32_t RunAll(ArchiverCall* calls, std::uint32_t count) {
+  opened_archive.clear();
   for (std::uint32_t i = 0; i < count; ++i) {
     calls[i].result = Run(calls[i].command_line, calls[i].output, calls[i].output_size);
     if (calls[i].result != 0) return calls[i].result;
@@ -169,7 +182,7 @@ std::int32_t Next(ArchiverHandle handle, ArchiverEntry* entry) {
 
 #define REQUIRED(prefix)                                                                     \
   std::int32_t prefix(void*, const char* line, char* output, std::uint32_t size) {           \
-    return Run(line, output, size);                                                          \
+    return RunOne(line, output, size);                                                       \
   }                                                                                          \
   std::int32_t prefix##CheckArchive(const char* archive, std::int32_t) {                     \
     return Check(archive, #prefix);                                                          \
