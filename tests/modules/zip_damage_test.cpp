@@ -97,7 +97,7 @@ GTEST_TEST(ZipDamage, OfOneEntryLeavesTheOthers) {
   }
 }
 
-// The library cannot go on behind packed content that makes no sense; the entries behind it are read all the same.
+// The library cannot go on behind packed content that makes no sense; the entries behind it are read still.
 GTEST_TEST(ZipDamage, IsLeftBehindInEachOfManyEntries) {
   std::vector<test::PackedEntry> entries;
   for (int i = 0; i < 600; ++i) entries.push_back({std::to_string(i), std::string(2000, 'a')});

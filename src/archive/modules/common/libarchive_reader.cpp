@@ -5,70 +5,18 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <utility>
 
 #include "archive/modules/common/entry_names.h"
+#include "archive/modules/common/libarchive_source.h"
 #include "platform/utf8_locale.h"
 
 namespace quendle::modules {
 namespace {
 
-constexpr std::size_t kReadSize = 128U << 10;
 constexpr std::size_t kLargestPiece = 1U << 20;
 // Answers in a row that neither bring anything nor end.
 constexpr int kMostIdleTurns = 1000;
-
-// The bytes as the library reads them.
-struct Source {
-  const ArchiveInput& input;
-  Ending ending;
-  std::uint64_t position = 0;
-  std::vector<char> buffer = std::vector<char>(kReadSize);
-
-  std::uint64_t Beginning() const { return std::min(input.Size(), ending.position); }
-  std::uint64_t Size() const { return Beginning() + ending.bytes.size(); }
-};
-
-la_ssize_t Read(archive* library, void* data, const void** bytes) {
-  auto* source = static_cast<Source*>(data);
-  std::size_t got = 0;
-  if (source->position < source->Beginning()) {
-    const auto size =
-        static_cast<std::size_t>(std::min<std::uint64_t>(kReadSize, source->Beginning() - source->position));
-    const platform::Result result = source->input.ReadAt(source->position, source->buffer.data(), size, &got);
-    if (!result.ok()) {
-      archive_set_error(library, EIO, "%s", result.reason.c_str());
-      return -1;
-    }
-    *bytes = source->buffer.data();
-  } else if (source->position < source->Size()) {
-    const auto skipped = static_cast<std::size_t>(source->position - source->Beginning());
-    got = source->ending.bytes.size() - skipped;
-    *bytes = source->ending.bytes.data() + skipped;
-  }
-  source->position += got;
-  return static_cast<la_ssize_t>(got);
-}
-
-la_int64_t Skip(archive*, void* data, la_int64_t request) {
-  auto* source = static_cast<Source*>(data);
-  const auto rest = static_cast<la_int64_t>(source->Size() - source->position);
-  const la_int64_t skipped = std::clamp<la_int64_t>(request, 0, rest);
-  source->position += static_cast<std::uint64_t>(skipped);
-  return skipped;
-}
-
-la_int64_t Seek(archive*, void* data, la_int64_t offset, int origin) {
-  auto* source = static_cast<Source*>(data);
-  const auto size = static_cast<la_int64_t>(source->Size());
-  const la_int64_t base = origin == SEEK_END   ? size
-                          : origin == SEEK_CUR ? static_cast<la_int64_t>(source->position)
-                                               : 0;
-  if (offset < -base || offset > size - base) return ARCHIVE_FATAL;
-  source->position = static_cast<std::uint64_t>(base + offset);
-  return base + offset;
-}
 
 int SupportFormat(archive* library, LibarchiveFormat format) {
   switch (format) {
@@ -112,8 +60,8 @@ EntryKind KindOf(archive_entry* raw) {
   }
 }
 
-// The library ends the process when a name cannot be converted and errno still tells of an allocation that failed
-// at any time before.
+// The library ends the process when a name cannot be converted and errno still tells of an allocation that
+// failed at any time before.
 void ForgetErrors() {
   errno = 0;
 }
@@ -126,7 +74,7 @@ class LibarchiveReader final : public EntryReader {
  public:
   LibarchiveReader(const ArchiveInput& input, ReaderOptions options, LibarchiveFormat format,
                    DescribeEntry describe, Ending ending)
-      : source_{input, std::move(ending)},
+      : source_(input, std::move(ending)),
         options_(std::move(options)),
         format_(format),
         describe_(std::move(describe)),
@@ -148,7 +96,7 @@ class LibarchiveReader final : public EntryReader {
   ReadStatus Fail(ReadStatus status, std::string reason);
   ReadStatus FailByLibrary(bool nothing_given);
 
-  Source source_;
+  LibarchiveSource source_;
   ReaderOptions options_;
   LibarchiveFormat format_;
   DescribeEntry describe_;
@@ -174,10 +122,7 @@ bool LibarchiveReader::Open() {
     return false;
   }
   archive_read_set_passphrase_callback(library_, this, &NextPassword);
-  archive_read_set_read_callback(library_, &Read);
-  archive_read_set_skip_callback(library_, &Skip);
-  archive_read_set_seek_callback(library_, &Seek);
-  archive_read_set_callback_data(library_, &source_);
+  source_.Attach(library_);
   if (archive_read_open1(library_) >= ARCHIVE_WARN) return true;
   FailByLibrary(true);
   return false;

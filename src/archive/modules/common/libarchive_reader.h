@@ -17,8 +17,8 @@ enum class LibarchiveFormat { kZip, kSevenZip, kRar, kRar5, kLzh };
 // archive's own headers. False: this entry is none of the archive's, and is passed over.
 using DescribeEntry = std::function<bool(std::size_t index, Entry* entry)>;
 
-// What the library is shown in place of the archive's bytes from `position` on: a directory, say, in the form
-// that it reads best.
+// What the library is shown in place of the archive's bytes from `position` on: a directory, say, in the
+// form that it reads best.
 struct Ending {
   std::uint64_t position = UINT64_MAX;
   std::string bytes;

@@ -22,8 +22,8 @@ struct ZipEnd {
   std::uint64_t volumes = 1;  // of the whole set; when the input has fewer, nothing else is known
 };
 
-// Finds the directory from the end of the input. Bytes in front of the archive are only taken for such when they
-// begin with a program; an archive cut off behind another one that is stored in it is not taken for that one.
+// Finds the directory from the end of the input. Bytes in front of the archive are only taken for such when
+// they begin with a program; an archive cut off behind another one stored in it is not taken for that one.
 platform::Result FindZipEnd(const ArchiveInput& input, ZipEnd* end);
 
 // Does it begin with an executable program?

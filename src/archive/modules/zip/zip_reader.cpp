@@ -165,7 +165,7 @@ bool ZipReader::OpenBatch(std::size_t first) {
   return library_ != nullptr;
 }
 
-// Passes over the entries on the way. A library that stumbles over one, or did so before, begins anew behind it.
+// Passes over the entries on the way. A library that stumbles over one, or did before, begins anew behind it.
 ReadStatus ZipReader::GoToCurrent() {
   const std::size_t wanted = next_ - 1;
   if (wanted < library_next_ || wanted >= library_end_) library_.reset();
@@ -186,16 +186,14 @@ ReadStatus ZipReader::GoToCurrent() {
   }
 }
 
-// The library believes the checksum in the local header when that differs from the directory's.
+// The library believes the checksum in the local header, if there is one, and not the directory's.
 ReadStatus ZipReader::CheckLocalCrc() {
-  constexpr std::uint64_t kFollowsContent = 1U << 3;
   std::string header(18, '\0');
   std::size_t got = 0;
   const platform::Result result = input_.ReadAt(Current().position, header.data(), header.size(), &got);
   if (!result.ok()) return Fail(ReadStatus::kFailed, result.reason);
   const std::uint64_t crc = LittleEndian(header, 14, 4);
-  const bool says_nothing = crc == 0 && (LittleEndian(header, 6, 2) & kFollowsContent) != 0;
-  if (says_nothing || crc == Current().crc) return ReadStatus::kEnd;
+  if (crc == 0 || crc == Current().crc) return ReadStatus::kEnd;
   return Fail(ReadStatus::kFailed, "its header and the directory have different checksums");
 }
 
