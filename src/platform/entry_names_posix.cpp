@@ -21,18 +21,18 @@ bool IsSameTime(const timespec& a, const timespec& b) {
 
 // For file systems that cannot refuse to replace in one step. A link is as safe but needs two steps; what
 // cannot be linked (folders, FAT) is left with a look before the rename.
-int RenameStepwise(const std::string& from, const std::string& to) {
-  if (linkat(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), 0) == 0) {
-    if (unlink(from.c_str()) == 0) return 0;
+int RenameStepwise(int from_folder, const char* from, int to_folder, const char* to) {
+  if (linkat(from_folder, from, to_folder, to, 0) == 0) {
+    if (unlinkat(from_folder, from, 0) == 0) return 0;
     const int error = errno;
-    unlink(to.c_str());
+    unlinkat(to_folder, to, 0);
     return error;
   }
   if (errno == EEXIST || errno == EXDEV || errno == ENOENT) return errno;
   struct stat taken;
-  if (lstat(to.c_str(), &taken) == 0) return EEXIST;
+  if (fstatat(to_folder, to, &taken, AT_SYMLINK_NOFOLLOW) == 0) return EEXIST;
   if (errno != ENOENT) return errno;
-  return rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+  return renameat(from_folder, from, to_folder, to) == 0 ? 0 : errno;
 }
 
 }  // namespace
@@ -102,8 +102,12 @@ Result CheckRemovable(int folder, const char* name, const std::string& shown, co
 }
 
 int RenameWithoutReplacing(const std::string& from, const std::string& to) {
-  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
-  return errno == EINVAL || errno == ENOSYS ? RenameStepwise(from, to) : errno;
+  return RenameWithoutReplacing(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str());
+}
+
+int RenameWithoutReplacing(int from_folder, const char* from, int to_folder, const char* to) {
+  if (renameat2(from_folder, from, to_folder, to, RENAME_NOREPLACE) == 0) return 0;
+  return errno == EINVAL || errno == ENOSYS ? RenameStepwise(from_folder, from, to_folder, to) : errno;
 }
 
 Result SyncFolder(const std::string& folder) {

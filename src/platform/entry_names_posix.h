@@ -43,6 +43,8 @@ Result CheckRemovable(int folder, const char* name, const std::string& shown, co
 
 // Renames within a file system; 0 or an errno, EEXIST when the new name is taken by anything.
 int RenameWithoutReplacing(const std::string& from, const std::string& to);
+// The same for paths that start from open folders.
+int RenameWithoutReplacing(int from_folder, const char* from, int to_folder, const char* to);
 
 // Makes a rename in that folder last through a power failure. An open folder is called `shown` in failures.
 Result SyncFolder(const std::string& folder);

@@ -1,8 +1,8 @@
 // Writing the entries of an archive below a folder, and nowhere else.
 //
-// Paths are safe paths as by SafeEntryPath. Every folder on the way is opened without following links, so
-// that nothing is written through one. A file has a hidden temporary name until it is complete; until it is
-// committed, and after any failure, what was there before is untouched.
+// Paths are safe paths as by SafeEntryPath; others are kRefused. Every folder on the way is opened without
+// following links, so that nothing is written through one. A file has a hidden temporary name until it is
+// complete; until it is committed, and after any failure, what was there before is untouched.
 #pragma once
 
 #include <cstdint>
@@ -60,7 +60,8 @@ class ExtractionFolder {
   Result BeginFile(const std::string& path, std::optional<std::uint64_t> expected_size);
   Result Write(std::string_view bytes);
 
-  // Gives the file its name. kExists when the name is taken and not to be replaced, or is a folder's.
+  // Gives the file its name. kExists when the name is taken and not to be replaced, kIsFolder when it is a
+  // folder's: the file may then be committed under another name. After any other failure it is discarded.
   enum class Replace { kNothing, kFile };
   Result CommitFile(const std::string& path, const EntryAttributes& attributes, Replace replace);
   void DiscardFile();

@@ -3,16 +3,20 @@
 #include "platform/utf8_locale.h"
 
 namespace quendle::platform {
+namespace {
 
-Utf8Locale::Utf8Locale()
-    : own_(newlocale(LC_CTYPE_MASK, "C.UTF-8", duplocale(uselocale(nullptr)))), former_(nullptr) {
-  if (own_ != nullptr) former_ = uselocale(static_cast<locale_t>(own_));
+// Made once and never freed: making it reads files.
+locale_t LocaleWithUtf8() {
+  static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", duplocale(LC_GLOBAL_LOCALE));
+  return locale;
 }
 
+}  // namespace
+
+Utf8Locale::Utf8Locale() : former_(LocaleWithUtf8() == nullptr ? nullptr : uselocale(LocaleWithUtf8())) {}
+
 Utf8Locale::~Utf8Locale() {
-  if (own_ == nullptr) return;
-  uselocale(static_cast<locale_t>(former_));
-  freelocale(static_cast<locale_t>(own_));
+  if (former_ != nullptr) uselocale(static_cast<locale_t>(former_));
 }
 
 }  // namespace quendle::platform

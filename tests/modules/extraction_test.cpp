@@ -1,5 +1,6 @@
 #include "archive/modules/common/extraction.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <functional>
@@ -177,7 +178,7 @@ GTEST_TEST(Extraction, CallsWithoutPaths) {
                                   {"rest", "5"}};
   std::filesystem::create_directories(fixture.folder / "out/s");
   Request request{fixture.folder / "a", fixture.folder / "out", "r", false, Existing::kReplace};
-  fixture.calls = {Call{request, {"T/", "T/A"}}, Call{request, {"T/S/A", "T/GONE"}}};
+  fixture.calls = {Call{request, {"T/", "T/A"}, {}, false}, Call{request, {"T/S/A", "T/GONE"}, {}, false}};
   fixture.calls[1].request.folder += "/s";
   fixture.Run();
   EXPECT_EQ(

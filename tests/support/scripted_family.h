@@ -16,14 +16,14 @@ struct ScriptedEntry {
   std::string content;
   modules::ReadStatus ends = modules::ReadStatus::kEnd;  // the answer after the content
   modules::EntryKind kind = modules::EntryKind::kFile;
-  std::string link_target;
+  std::string link_target{};
   std::int64_t write_time = 1'000'000'000;
 };
 
 struct ScriptedArchive {
   std::vector<ScriptedEntry> entries;
   modules::ReadStatus ends = modules::ReadStatus::kEnd;
-  std::string password;  // of every content; empty: none
+  std::string password{};  // of every content; empty: none
 };
 
 // What the two engines of ScriptedFamily read.

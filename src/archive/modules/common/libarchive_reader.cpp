@@ -112,6 +112,12 @@ EntryKind KindOf(archive_entry* raw) {
   }
 }
 
+// The library ends the process when a name cannot be converted and errno still tells of an allocation that failed
+// at any time before.
+void ForgetErrors() {
+  errno = 0;
+}
+
 bool Contains(const std::string& text, const char* part) {
   return text.find(part) != std::string::npos;
 }
@@ -212,6 +218,7 @@ ReadStatus LibarchiveReader::NextEntry(Entry* entry) {
   content_status_ = ReadStatus::kEnd;
   while (archive_status_ == ReadStatus::kOk) {
     archive_entry* raw = nullptr;
+    ForgetErrors();
     const int code = archive_read_next_header(library_, &raw);
     if (code == ARCHIVE_EOF) {
       archive_status_ = ReadStatus::kEnd;
@@ -221,6 +228,7 @@ ReadStatus LibarchiveReader::NextEntry(Entry* entry) {
       archive_status_ = Fail(ReadStatus::kFailed, "its headers lead around in circles");
     } else {
       header_position_ = archive_read_header_position(library_);
+      ForgetErrors();
       *entry = Convert(raw);
       const std::size_t index = index_++;
       if (describe_ && !describe_(index, entry)) continue;

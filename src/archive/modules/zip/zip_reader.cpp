@@ -165,23 +165,24 @@ bool ZipReader::OpenBatch(std::size_t first) {
   return library_ != nullptr;
 }
 
+// Passes over the entries on the way. A library that stumbles over one, or did so before, begins anew behind it.
 ReadStatus ZipReader::GoToCurrent() {
   const std::size_t wanted = next_ - 1;
-  if (library_ != nullptr && (wanted < library_next_ || wanted >= library_end_)) library_.reset();
-  // Other entries on the way are passed over. One that the library stumbles over makes it start behind that.
+  if (wanted < library_next_ || wanted >= library_end_) library_.reset();
   for (;;) {
-    if (library_ == nullptr && !OpenBatch(wanted)) return ReadStatus::kFailed;
+    const bool is_fresh = library_ == nullptr;
+    if (is_fresh && !OpenBatch(wanted)) return ReadStatus::kFailed;
     Entry entry;
     const ReadStatus status = library_->NextEntry(&entry);
     const std::size_t reached = library_next_++;
-    if (status == ReadStatus::kOk) {
-      if (reached < wanted) continue;
+    if (status == ReadStatus::kOk && reached == wanted) {
       link_target_ = std::move(entry.link_target);
       return status;
     }
-    Fail(status, status == ReadStatus::kEnd ? "its header is missing" : library_->Reason());
+    if (status == ReadStatus::kOk) continue;
+    const std::string reason = status == ReadStatus::kEnd ? "its header is missing" : library_->Reason();
     library_.reset();
-    if (reached == wanted) return status == ReadStatus::kEnd ? ReadStatus::kFailed : status;
+    if (is_fresh) return Fail(status == ReadStatus::kEnd ? ReadStatus::kFailed : status, reason);
   }
 }
 

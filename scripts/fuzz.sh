@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Runs each fuzz target for a while: `fuzz.sh [SECONDS [TARGET...]]`, ten minutes for each by default. What crashes is
+# written to build/fuzz/found; a file that is worth keeping goes to tests/fuzz/corpus/TARGET, which the tests replay.
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+seconds=${1:-600}
+shift || true
+targets=("$@")
+[ $# -gt 0 ] || targets=(fuzz_command fuzz_names fuzz_zip fuzz_lzh fuzz_cab fuzz_rar fuzz_sevenzip)
+install_missing clang libclang-rt-14-dev
+for target in "${targets[@]}"; do build fuzz "$target"; done
+cd "$root/build/fuzz"
+for target in "${targets[@]}"; do
+  mkdir -p "corpus/$target" found
+  "tests/fuzz/$target" -max_total_time="$seconds" -max_len=65536 -rss_limit_mb=4096 -timeout=20 -print_final_stats=1 \
+    -artifact_prefix="found/$target-" "corpus/$target" "$root/tests/fuzz/corpus/$target" 2>&1 | tail -n 12
+done

@@ -1,0 +1,55 @@
+// A file that is being written under a temporary name.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include <sys/stat.h>
+
+#include "platform/descriptor_posix.h"
+#include "platform/extraction_folder.h"
+#include "platform/open_folders_posix.h"
+#include "platform/result.h"
+
+namespace quendle::platform {
+
+timespec SystemTime(const EntryTime& time);
+
+// Removed when the object goes, unless it has got its own name by then.
+class UnfinishedFile {
+ public:
+  // `shown` is the path that failures name.
+  static Result Make(FolderHandle folder, const std::string& temporary_name, std::string shown,
+                     std::unique_ptr<UnfinishedFile>* made);
+  ~UnfinishedFile();
+  UnfinishedFile(const UnfinishedFile&) = delete;
+  UnfinishedFile& operator=(const UnfinishedFile&) = delete;
+
+  // Fails when it is certain that there is no room for that many bytes.
+  Result SetAside(std::uint64_t size);
+
+  Result Write(std::string_view bytes);
+
+  // Does all but the name. Nothing can be written afterwards; to be called once more does nothing.
+  Result Complete(const EntryAttributes& attributes);
+
+  const Descriptor& folder() const { return *folder_; }
+  const struct stat& status() const { return status_; }  // when it was complete
+  void HasItsName() { has_its_name_ = true; }
+
+ private:
+  UnfinishedFile(FolderHandle folder, std::string temporary_name, std::string shown, Descriptor file);
+
+  FolderHandle folder_;
+  std::string temporary_name_;
+  std::string shown_;
+  Descriptor file_;
+  struct stat status_ = {};
+  std::uint64_t written_ = 0;
+  std::uint64_t set_aside_ = 0;
+  bool has_its_name_ = false;
+};
+
+}  // namespace quendle::platform
