@@ -47,7 +47,7 @@ class ArchiverBench {
   std::string Calls() const {
     std::string calls = ReadFile(archiver.pFileName + ".calls");
     for (std::size_t at; (at = calls.find("@" + folder / "tmp/")) != std::string::npos;) {
-      calls.erase(at + 1, calls.find('"', at) - at - 1);
+      calls = calls.substr(0, at + 1) + calls.substr(calls.find('"', at));
     }
     for (std::size_t at; (at = calls.find(folder.path())) != std::string::npos;) {
       calls.replace(at, folder.path().size(), "~");
