@@ -77,6 +77,9 @@ std::int32_t ArchiveSession::AskOverwrite(const ArchiverVersion& existing, const
       return answer_to_all_.emplace(ARCHIVER_YES);
     case UserInterface::OverwriteAnswer::kNoToAll:
       return answer_to_all_.emplace(ARCHIVER_NO);
+    case UserInterface::OverwriteAnswer::kNobody:
+      problems_->push_back({Text(existing.path), "it exists already, and nothing is overwritten unasked"});
+      return ARCHIVER_NO;
     case UserInterface::OverwriteAnswer::kCancel:
       break;
   }

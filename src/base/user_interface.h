@@ -14,9 +14,16 @@ class UserInterface {
  public:
   virtual ~UserInterface() = default;
 
-  enum class OverwriteAnswer { kYes, kNo, kYesToAll, kNoToAll, kCancel };
+  enum class OverwriteAnswer {
+    kYes,
+    kNo,
+    kYesToAll,
+    kNoToAll,
+    kCancel,
+    kNobody,  // there is nobody to ask: no to all, which nobody wanted and is told as a failure
+  };
 
-  // May `existing` be replaced by `incoming`? With nobody to ask the answer is kNoToAll.
+  // May `existing` be replaced by `incoming`?
   virtual OverwriteAnswer AskOverwrite(const platform::FileVersion& existing,
                                        const platform::FileVersion& incoming) = 0;
 

@@ -96,8 +96,8 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& arguments, s
 std::string UsageText() {
   std::string text = "usage: quendle [OPTION...] [PATH...]\n";
   for (const OptionRule& rule : Rules()) {
-    std::string left = "  " + std::string(rule.name);
-    if (!rule.value.empty()) left += " " + std::string(rule.value);
+    std::string left = std::string("  ").append(rule.name);
+    if (!rule.value.empty()) left.append(" ").append(rule.value);
     left.resize(24, ' ');
     text += left + std::string(rule.help) + "\n";
   }

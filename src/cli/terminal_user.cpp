@@ -55,7 +55,7 @@ void WarnOfLines(const std::string& text) {
 
 UserInterface::OverwriteAnswer TerminalUser::AskOverwrite(const platform::FileVersion&,
                                                           const platform::FileVersion&) {
-  return OverwriteAnswer::kNoToAll;
+  return OverwriteAnswer::kNobody;
 }
 
 bool TerminalUser::AskMakeFolder(const std::string&) {

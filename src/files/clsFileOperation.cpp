@@ -42,6 +42,7 @@ class Observer : public platform::FileOperationObserver {
         for_all_ = Answer::kYes;
         return Answer::kYes;
       case UserInterface::OverwriteAnswer::kNoToAll:
+      case UserInterface::OverwriteAnswer::kNobody:
         for_all_ = Answer::kNo;
         return Answer::kNo;
       case UserInterface::OverwriteAnswer::kYes:

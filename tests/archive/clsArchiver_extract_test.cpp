@@ -199,6 +199,7 @@ GTEST_TEST(ClsArchiverExtract, QuestionsAndProgress) {
     std::size_t asked;
   } rows[] = {{{Answer::kYes}, true, 2},
               {{Answer::kNoToAll}, true, 1},
+              {{}, false, 2},
               {{Answer::kYesToAll}, true, 1},
               {{Answer::kCancel}, false, 1}};
   for (const auto& row : rows) {

@@ -206,7 +206,8 @@ GTEST_TEST(Extraction, Passwords) {
     std::size_t asked;
   } rows[] = {{{"right"}, true, 1},
               {{"x", "y", "right"}, true, 3},
-              {{"x", "y", "z", "right"}, false, 3},
+              {{"x", "y", "z", "right"}, true, 4},
+              {{"x", "y"}, false, 3},
               {{}, false, 1}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.given.size());

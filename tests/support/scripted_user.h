@@ -38,7 +38,7 @@ class ScriptedUser : public UserInterface {
 
   OverwriteAnswer AskOverwrite(const platform::FileVersion& existing, const platform::FileVersion&) override {
     asked_overwrite.push_back(existing.path);
-    if (overwrite_answers.empty()) return OverwriteAnswer::kNoToAll;
+    if (overwrite_answers.empty()) return OverwriteAnswer::kNobody;
     const std::size_t turn = std::min(asked_overwrite.size(), overwrite_answers.size());
     return overwrite_answers[turn - 1];
   }

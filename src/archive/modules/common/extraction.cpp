@@ -19,7 +19,7 @@ struct Wanted {
   std::string reason;    // why the engines so far could not read it
 };
 
-// Three passwords for an archive, whichever engines use them.
+// The passwords for an archive, whichever engines use them.
 class Passwords {
  public:
   Passwords(const Session& session, std::string archive) : session_(session), archive_(std::move(archive)) {}
@@ -38,7 +38,7 @@ class Passwords {
   }
 
  private:
-  static constexpr std::size_t kMostTries = 3;
+  static constexpr std::size_t kMostTries = 20;  // the host says long before when it is enough
 
   const Session& session_;
   std::string archive_;

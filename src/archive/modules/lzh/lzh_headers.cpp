@@ -161,7 +161,7 @@ class Parser {
     }
     std::string folder = platform::FromUtf16Le(wide_folder_);
     for (std::size_t at = folder.find("\uFFFF"); at != folder.npos; at = folder.find("\uFFFF", at)) {
-      folder.replace(at, std::string_view("\uFFFF").size(), "/");
+      folder.replace(at, std::string_view("\uFFFF").size(), 1, '/');
     }
     header_.path = folder + platform::FromUtf16Le(wide_name_);
     header_.is_utf8 = true;
