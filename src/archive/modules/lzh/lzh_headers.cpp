@@ -155,7 +155,7 @@ class Parser {
       header_.path += name_.substr(0, name_.find('\0'));
       std::replace(header_.path.begin(), header_.path.end(), '\xFF', '/');
       header_.is_utf8 = code_page_ == kUtf8CodePage;
-      const std::string charset = "CP" + std::to_string(code_page_);
+      const std::string charset = std::string("CP").append(std::to_string(code_page_));
       if (code_page_ != 0 && !header_.is_utf8 && IsKnownCharset(charset)) header_.charset = charset;
       return;
     }
