@@ -159,11 +159,11 @@ class Parser {
       if (code_page_ != 0 && !header_.is_utf8 && IsKnownCharset(charset)) header_.charset = charset;
       return;
     }
-    std::string folder = platform::FromUtf16Le(wide_folder_);
-    for (std::size_t at = folder.find("\uFFFF"); at != folder.npos; at = folder.find("\uFFFF", at)) {
-      folder.replace(at, std::string_view("\uFFFF").size(), "/");
+    std::string wide(wide_folder_);
+    for (std::size_t at = 0; at + 1 < wide.size(); at += 2) {
+      if (wide[at] == '\xFF' && wide[at + 1] == '\xFF') wide.replace(at, 2, "/\0", 2);
     }
-    header_.path = folder + platform::FromUtf16Le(wide_name_);
+    header_.path = platform::FromUtf16Le(wide.append(wide_name_));
     header_.is_utf8 = true;
   }
 
