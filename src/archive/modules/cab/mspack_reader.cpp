@@ -6,6 +6,7 @@
 #include <set>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "archive/modules/cab/cab_header.h"
 #include "archive/modules/cab/mspack_system.h"
@@ -54,18 +55,27 @@ class MspackReader final : public EntryReader {
   const std::string& Reason() const override { return reason_; }
 
  private:
+  struct File {
+    mscabd_file file;  // without its name
+    std::string name;
+  };
+
   bool AppendCabinets();
+  void Append(const mscabd_file& file, mscabd_folder* folder);
+  void MoveFiles(std::size_t first, const mscabd_folder* from, mscabd_folder* to);
+  bool FailToAppend(std::size_t index);
   void FindProblem();
-  Entry Convert(const mscabd_file& file) const;
-  std::string WhyNot(int error) const;
+  Entry Convert(const File& named) const;
+  std::string WhyNot(const char* otherwise) const;
   ReadStatus Fail(ReadStatus status, std::string reason);
 
   const ArchiveInput& input_;
   ReaderOptions options_;
   MspackSystem system_;
   mscab_decompressor* library_ = nullptr;
-  mscabd_cabinet* cabinet_ = nullptr;  // the first one, which has the files of all
-  mscabd_file* next_ = nullptr;
+  mscabd_cabinet* cabinet_ = nullptr;  // the first one, which has the folders of all
+  std::vector<File> files_;
+  std::size_t next_ = 0;
   mscabd_file current_ = {};  // what is left of it
   std::set<const mscabd_folder*> damaged_;
   ReadStatus content_status_ = ReadStatus::kEnd;
@@ -95,23 +105,61 @@ bool MspackReader::Open() {
     return false;
   }
   if (AppendCabinets()) FindProblem();
-  next_ = cabinet_->files;
   return true;
 }
 
+void MspackReader::Append(const mscabd_file& file, mscabd_folder* folder) {
+  files_.push_back({file, file.filename});
+  files_.back().file.folder = folder;
+  files_.back().file.filename = nullptr;
+}
+
+// When a folder goes on in the next cabinet the library forgets the files that begin there. So they are noted before
+// the cabinets are joined; the folder of theirs is the one that it goes on from then.
 bool MspackReader::AppendCabinets() {
   mscabd_cabinet* last = cabinet_;
+  for (const mscabd_file* file = cabinet_->files; file != nullptr; file = file->next)
+    Append(*file, file->folder);
   for (std::size_t i = 1; i < input_.VolumeCount(); ++i) {
     mscabd_cabinet* const next = library_->open(library_, system_.NameOf(i));
-    if (next == nullptr || library_->append(library_, last, next) != MSPACK_ERR_OK) {
-      problem_ = "cabinet " + std::to_string(i + 1) + " of the set: ";
-      problem_ += ReasonFor(library_->last_error(library_));
-      if (next != nullptr) library_->close(library_, next);
-      return false;
+    if (next == nullptr) return FailToAppend(i);
+    mscabd_folder* left = cabinet_->folders;
+    while (left->next != nullptr) left = left->next;
+    const std::size_t known = files_.size();
+    for (const mscabd_file* file = next->files; file != nullptr; file = file->next)
+      Append(*file, file->folder);
+    mscabd_folder* const right = next->folders;
+    if (library_->append(library_, last, next) != MSPACK_ERR_OK) {
+      files_.resize(known);
+      library_->close(library_, next);
+      return FailToAppend(i);
     }
+    if (left->next != right) MoveFiles(known, right, left);
     last = next;
   }
   return true;
+}
+
+// Those that begin in the cabinet before are known already.
+void MspackReader::MoveFiles(std::size_t first, const mscabd_folder* from, mscabd_folder* to) {
+  std::set<std::pair<unsigned, std::string>> known;
+  for (std::size_t i = 0; i < first; ++i) {
+    if (files_[i].file.folder == to) known.emplace(files_[i].file.offset, files_[i].name);
+  }
+  const auto begin = files_.begin() + static_cast<std::ptrdiff_t>(first);
+  const auto end = std::remove_if(begin, files_.end(), [&](const File& file) {
+    return file.file.folder == from && known.count({file.file.offset, file.name}) != 0;
+  });
+  files_.erase(end, files_.end());
+  for (auto file = files_.begin() + static_cast<std::ptrdiff_t>(first); file != files_.end(); ++file) {
+    if (file->file.folder == from) file->file.folder = to;
+  }
+}
+
+bool MspackReader::FailToAppend(std::size_t index) {
+  problem_ = "cabinet " + std::to_string(index + 1) + " of the set: ";
+  problem_ += ReasonFor(library_->last_error(library_));
+  return false;
 }
 
 void MspackReader::FindProblem() {
@@ -127,9 +175,10 @@ void MspackReader::FindProblem() {
   }
 }
 
-Entry MspackReader::Convert(const mscabd_file& file) const {
+Entry MspackReader::Convert(const File& named) const {
+  const mscabd_file& file = named.file;
   Entry entry;
-  entry.path = DecodeName(file.filename, (file.attribs & MSCAB_ATTRIB_UTF_NAME) != 0, options_.charset);
+  entry.path = DecodeName(named.name, (file.attribs & MSCAB_ATTRIB_UTF_NAME) != 0, options_.charset);
   entry.size = file.length;
   entry.attributes.write_time = TimeFromDos(DosTime(file));
   entry.attributes.executable = (file.attribs & MSCAB_ATTRIB_EXEC) != 0;
@@ -146,10 +195,10 @@ ReadStatus MspackReader::Fail(ReadStatus status, std::string reason) {
 
 ReadStatus MspackReader::NextEntry(Entry* entry) {
   content_status_ = ReadStatus::kEnd;
-  if (next_ == nullptr) return problem_.empty() ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, problem_);
-  current_ = *next_;
-  next_ = next_->next;
-  *entry = Convert(current_);
+  if (next_ == files_.size())
+    return problem_.empty() ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, problem_);
+  current_ = files_[next_].file;
+  *entry = Convert(files_[next_++]);
   content_status_ = ReadStatus::kOk;
   if (MSCABD_COMP_METHOD(current_.folder->comp_type) > MSCAB_COMP_LZX) {
     content_status_ = Fail(ReadStatus::kUnsupported, "it is packed in a way that is not known");
@@ -164,7 +213,7 @@ ReadStatus MspackReader::ReadContent(std::string_view* piece) {
   if (current_.length == 0) return content_status_ = ReadStatus::kEnd;
   // Behind damage the library goes on with the next block as if nothing were missing.
   if (damaged_.count(current_.folder) != 0) {
-    return content_status_ = Fail(ReadStatus::kFailed, "the packed data in front of it is damaged");
+    return content_status_ = Fail(ReadStatus::kFailed, WhyNot("the packed data in front of it is damaged"));
   }
   mscabd_file part = current_;
   part.length = std::min(current_.length, kPieceSize);
@@ -173,7 +222,7 @@ ReadStatus MspackReader::ReadContent(std::string_view* piece) {
   const int error = library_->extract(library_, &part, "");
   if (error != MSPACK_ERR_OK || output.size() != part.length) {
     damaged_.insert(current_.folder);
-    return content_status_ = Fail(ReadStatus::kFailed, WhyNot(error));
+    return content_status_ = Fail(ReadStatus::kFailed, WhyNot(ReasonFor(error)));
   }
   current_.offset += part.length;
   current_.length -= part.length;
@@ -181,7 +230,7 @@ ReadStatus MspackReader::ReadContent(std::string_view* piece) {
   return ReadStatus::kOk;
 }
 
-std::string MspackReader::WhyNot(int error) const {
+std::string MspackReader::WhyNot(const char* otherwise) const {
   const bool is_in_first = current_.folder == cabinet_->folders;
   if (is_in_first && cabinet_->prevname != nullptr) {
     return "it may begin in an earlier cabinet of the set: start with " +
@@ -190,7 +239,7 @@ std::string MspackReader::WhyNot(int error) const {
   if (current_.folder->next == nullptr && !missing_.empty()) {
     return "it may go on in the next cabinet, " + missing_ + ", which is missing";
   }
-  return ReasonFor(error);
+  return otherwise;
 }
 
 }  // namespace

@@ -155,15 +155,15 @@ class Parser {
       header_.path += name_.substr(0, name_.find('\0'));
       std::replace(header_.path.begin(), header_.path.end(), '\xFF', '/');
       header_.is_utf8 = code_page_ == kUtf8CodePage;
-      const std::string charset = "CP" + std::to_string(code_page_);
+      const std::string charset = std::string("CP").append(std::to_string(code_page_));
       if (code_page_ != 0 && !header_.is_utf8 && IsKnownCharset(charset)) header_.charset = charset;
       return;
     }
-    std::string folder = platform::FromUtf16Le(wide_folder_);
-    for (std::size_t at = folder.find("\uFFFF"); at != folder.npos; at = folder.find("\uFFFF", at)) {
-      folder.replace(at, std::string_view("\uFFFF").size(), 1, '/');
+    std::string wide(wide_folder_);
+    for (std::size_t at = 0; at + 1 < wide.size(); at += 2) {
+      if (wide[at] == '\xFF' && wide[at + 1] == '\xFF') wide.replace(at, 2, "/\0", 2);
     }
-    header_.path = folder + platform::FromUtf16Le(wide_name_);
+    header_.path = platform::FromUtf16Le(wide.append(wide_name_));
     header_.is_utf8 = true;
   }
 

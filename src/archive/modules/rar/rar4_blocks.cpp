@@ -164,8 +164,8 @@ RarFile ToFile(const Block& block, bool archive_is_solid) {
 void ReadRar4Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_t end, RarArchive* archive) {
   bool is_solid = false;
   bool has_main = false;
-  // Versions before 3 wrote no last block.
-  bool wants_end = false;
+  // Versions before 3 wrote no last block, nor archives without files.
+  bool wants_end = true;
   for (std::uint64_t position = begin; position < end || !has_main;) {
     Block block;
     if (!ReadBlock(input, position, end, &block, &archive->problem)) return;
@@ -186,7 +186,8 @@ void ReadRar4Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_
       }
       archive->files.push_back(ToFile(block, is_solid));
       archive->has_next = archive->files.back().continues;
-      wants_end = wants_end || block.Number(24, 1) >= 29;
+      const bool is_young = block.Number(24, 1) >= 29 || block.Has(0x1000);
+      wants_end = is_young || (wants_end && archive->files.size() > 1);
     }
     position = block.End();
   }

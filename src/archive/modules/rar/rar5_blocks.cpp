@@ -34,6 +34,7 @@ class Numbers {
     failed_ = true;
     return 0;
   }
+  void Skip(std::size_t bytes) { at_ += bytes; }
   std::size_t Position() const { return at_; }
   bool Failed() const { return failed_; }
 
@@ -90,6 +91,21 @@ void ReadMain(const Block& block, RarArchive* archive) {
   archive->is_first = (flags & 2) == 0 || numbers.Next() == 0;
 }
 
+// The other kind of checksum that there may be stands in the extra area.
+void ReadChecksum(const Block& block, RarFile* file) {
+  Numbers numbers(block.own);
+  const std::uint64_t flags = numbers.Next();
+  file->size = numbers.Next();
+  numbers.Next();  // attributes
+  if ((flags & 2) != 0) numbers.Skip(4);
+  file->has_crc = (flags & 4) != 0;
+  if (file->has_crc) {
+    file->crc = static_cast<std::uint32_t>(LittleEndian(block.own, numbers.Position(), 4));
+    numbers.Skip(4);
+  }
+  file->method = static_cast<std::uint8_t>('0' + (numbers.Next() >> 7 & 7));
+}
+
 }  // namespace
 
 void ReadRar5Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_t end, RarArchive* archive) {
@@ -112,6 +128,7 @@ void ReadRar5Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_
       }
       RarFile& file = archive->files.emplace_back();
       file.position = position;
+      ReadChecksum(block, &file);
       file.continued = (block.flags & 8) != 0;
       file.continues = (block.flags & 16) != 0;
       archive->has_next = file.continues;

@@ -30,6 +30,7 @@ struct RarFile {
   std::uint64_t packed_size = 0;
   std::uint64_t size = 0;
   std::uint32_t crc = 0;
+  bool has_crc = true;
   std::uint8_t host = 0;
   std::uint8_t method = 0;  // '0', stored, to '5'
   std::uint32_t mode = 0;   // attributes by the host
@@ -43,7 +44,7 @@ struct RarArchive {
   bool is_first = true;  // of the volumes
   bool names_encrypted = false;
   bool has_next = false;       // another volume follows
-  std::vector<RarFile> files;  // of RAR 5: only as many as there are
+  std::vector<RarFile> files;  // of RAR 5: sizes and checksums only
   std::string problem;         // why there may be more; empty: these are all
 };
 

@@ -14,6 +14,7 @@ namespace quendle::modules {
 namespace {
 
 constexpr std::uint64_t kLongestTarget = 4096;
+constexpr const char* kWrongChecksum = "its checksum does not agree";
 constexpr const char* kNamesEncrypted = "its list of names is encrypted, which is not supported";
 
 class RarReader final : public EntryReader {
@@ -150,35 +151,58 @@ ReadStatus RarReader::CheckContent() {
     return Fail(ReadStatus::kFailed,
                 std::to_string(size_) + " bytes came out of " + std::to_string(file.size));
   }
-  return crc_.Value() == file.crc ? ReadStatus::kEnd
-                                  : Fail(ReadStatus::kFailed, "its checksum does not agree");
+  return crc_.Value() == file.crc ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, kWrongChecksum);
 }
 
-// Adds what the library does not tell: that the archive is not whole.
+// Adds what the library does not tell: that the archive is not whole, or the content of what is stored is wrong.
 class Rar5Reader final : public EntryReader {
  public:
-  Rar5Reader(std::unique_ptr<EntryReader> library, const RarArchive& archive)
-      : library_(std::move(library)), problem_(archive.problem), left_(archive.files.size()) {}
+  Rar5Reader(std::unique_ptr<EntryReader> library, RarArchive archive)
+      : library_(std::move(library)), archive_(std::move(archive)) {}
 
   ReadStatus NextEntry(Entry* entry) override {
     const ReadStatus status = library_->NextEntry(entry);
-    if (status == ReadStatus::kOk && left_ > 0) --left_;
+    size_ = 0;
+    crc_ = {};
+    if (status == ReadStatus::kOk) {
+      if (next_ == archive_.files.size()) return Fail("there are more entries than headers");
+      entry->crc = archive_.files[next_++].crc;
+      return status;
+    }
     reason_ = library_->Reason();
     if (status != ReadStatus::kEnd) return status;
-    reason_ = problem_.empty() && left_ > 0 ? "the library passes over some of its entries" : problem_;
-    return reason_.empty() ? ReadStatus::kEnd : ReadStatus::kFailed;
+    if (!archive_.problem.empty()) return Fail(archive_.problem);
+    return next_ == archive_.files.size() ? status : Fail("the library passes over some of its entries");
   }
   ReadStatus ReadContent(std::string_view* piece) override {
     const ReadStatus status = library_->ReadContent(piece);
-    if (status != ReadStatus::kOk && status != ReadStatus::kEnd) reason_ = library_->Reason();
+    if (status == ReadStatus::kOk) {
+      size_ += piece->size();
+      crc_.Add(*piece);
+    } else if (status == ReadStatus::kEnd) {
+      const RarFile& file = archive_.files[next_ - 1];
+      if (file.has_crc && crc_.Value() != file.crc) return Fail(kWrongChecksum);
+      // The library checks the other kind, but not of what is stored.
+      if (!file.has_crc && file.method == '0' && size_ > 0)
+        return Fail("its kind of checksum cannot be verified");
+    } else {
+      reason_ = library_->Reason();
+    }
     return status;
   }
   const std::string& Reason() const override { return reason_; }
 
  private:
+  ReadStatus Fail(std::string reason) {
+    reason_ = std::move(reason);
+    return ReadStatus::kFailed;
+  }
+
   std::unique_ptr<EntryReader> library_;
-  std::string problem_;
-  std::size_t left_;  // entries that are there and were not told of
+  RarArchive archive_;
+  std::size_t next_ = 0;
+  std::uint64_t size_ = 0;  // of the content so far
+  Crc32Sum crc_;
   std::string reason_;
 };
 
@@ -206,12 +230,15 @@ std::unique_ptr<EntryReader> OpenRarByLibarchive(const ArchiveInput& input, cons
 
 std::unique_ptr<EntryReader> OpenRar5(const ArchiveInput& input, const ReaderOptions& options,
                                       std::string* reason) {
-  const RarArchive archive = ReadRarArchive(input);
+  RarArchive archive = ReadRarArchive(input);
   *reason = archive.names_encrypted ? kNamesEncrypted : archive.files.empty() ? archive.problem : "";
   if (!reason->empty()) return nullptr;
-  auto library = OpenLibarchive(input, options, LibarchiveFormat::kRar5, {}, reason);
+  // The library looks for the next volume in 512 bytes at a time, and does not see one that is smaller.
+  Ending ending;
+  if (input.VolumeCount() > 1) ending = {input.Size(), std::string(1024, '\0')};
+  auto library = OpenLibarchive(input, options, LibarchiveFormat::kRar5, {}, reason, std::move(ending));
   if (!library) return nullptr;
-  return std::make_unique<Rar5Reader>(std::move(library), archive);
+  return std::make_unique<Rar5Reader>(std::move(library), std::move(archive));
 }
 
 }  // namespace quendle::modules

@@ -1,0 +1,93 @@
+#include "archive/modules/cab/cab_family.h"
+
+#include "archive/modules/common/entry_times.h"
+#include "support/lzh_cab_rar.h"
+#include "support/temp_folder.h"
+
+namespace quendle::modules {
+namespace {
+
+using test::StoredCab;
+
+test::UnpackedArchive Unpack(const std::string& bytes) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "a.cab", bytes);
+  return test::Unpack(kCabFamily, folder / "a.cab");
+}
+
+std::string Text(const std::string& bytes) {
+  return Unpack(bytes).Text();
+}
+
+GTEST_TEST(Cab, ReadsNamesTimesAndModes) {
+  constexpr unsigned kUtf8 = 0x80;
+  constexpr unsigned kExecutable = 0x40;
+  const auto read = Unpack(StoredCab({{"\x83\x5C\\\x95\x5C.txt", "1"},
+                                      {"é\\\xE8\x83\xBD", "2", kUtf8},
+                                      {"\xCA\xDD", "3", kExecutable},
+                                      {"empty"}}));
+  EXPECT_EQ(read.Text(), "ソ/表.txt=1 é/能=2 ﾊﾝ=3 empty=");
+  for (const auto& [entry, content, problem] : read.entries) {
+    EXPECT_EQ(entry.attributes.executable, content == "3");
+    ASSERT_TRUE(entry.attributes.write_time.has_value());
+    EXPECT_EQ(entry.attributes.write_time->seconds, TimeFromDos(test::kDosTime)->seconds);
+  }
+}
+
+// Larger than the pieces in which it is given, and with files in front and behind.
+GTEST_TEST(Cab, ReadsLargeFiles) {
+  std::string large;
+  while (large.size() < 2'500'000) large += std::to_string(large.size());
+  EXPECT_EQ(Text(StoredCab({{"a", "1"}, {"large", large}, {"b", "2"}})), "a=1 large=" + large + " b=2");
+}
+
+GTEST_TEST(Cab, DamageIsNoticed) {
+  const std::string bytes = StoredCab({{"a", "first"}, {"b", "second"}});
+  for (std::size_t size = 0; size < bytes.size(); ++size) {
+    ASSERT_NE(Text(bytes.substr(0, size)).find('!'), std::string::npos) << size;
+  }
+  std::string damaged = bytes;
+  damaged.back() ^= 1;
+  EXPECT_EQ(Text(damaged), "a!a checksum does not agree b!the packed data in front of it is damaged");
+}
+
+// What lies behind a damaged block is never taken for something else.
+GTEST_TEST(Cab, DoesNotSlipOverDamagedBlocks) {
+  std::string bytes = StoredCab(
+      {{"a", std::string(32'768, 'a')}, {"b", std::string(32'768, 'b')}, {"c", std::string(32'768, 'c')}});
+  bytes[bytes.size() - 3 * 32'768] ^= 1;
+  const auto read = Unpack(bytes);
+  ASSERT_EQ(read.entries.size(), 3U);
+  for (const auto& one : read.entries) EXPECT_NE(one.problem, "") << one.entry.path;
+}
+
+GTEST_TEST(Cab, IsFoundBehindProgramsOnly) {
+  const std::string bytes = StoredCab({{"a", "1"}});
+  EXPECT_EQ(Text("MZ" + std::string(1000, 'x') + "MSCF" + std::string(100, 'x') + bytes), "a=1");
+  EXPECT_EQ(Text("MSCF is a mark"), "!no archive");
+  EXPECT_EQ(Text("a text: " + bytes), "!no archive");
+}
+
+GTEST_TEST(Cab, ReadsSets) {
+  const test::TempFolder folder;
+  const std::string whole = "onetwothree";
+  // The block of data begins in the first cabinet and ends in the second one.
+  test::WriteFile(folder / "1.cab", StoredCab({{"one", "one"}, {"two", "two", 0x20, 0xFFFE}},
+                                              {0, "", "2.cab", whole.substr(0, 5), 0}));
+  EXPECT_EQ(
+      test::Unpack(kCabFamily, folder / "1.cab").Text(),
+      "one!it may go on in the next cabinet, 2.cab, which is missing "
+      "two!it may go on in the next cabinet, 2.cab, which is missing!the next cabinet, 2.cab, is missing");
+  std::string second = StoredCab({{"two", "two", 0x20, 0xFFFD}, {"three", "three"}},
+                                 {1, "1.cab", "", whole.substr(5), whole.size()});
+  test::Patch(&second, second.find("two\0") - 12, 3, 4);
+  test::Patch(&second, second.find("three\0") - 12, 6, 4);
+  test::WriteFile(folder / "2.CAB", second);
+  EXPECT_EQ(test::Unpack(kCabFamily, folder / "1.cab").Text(), "one=one two=two three=three");
+  const auto alone = test::Unpack(kCabFamily, folder / "2.CAB").Text();
+  EXPECT_NE(alone.find("two!it may begin in an earlier cabinet of the set: start with 1.cab"), alone.npos)
+      << alone;
+}
+
+}  // namespace
+}  // namespace quendle::modules
