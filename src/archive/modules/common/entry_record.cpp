@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <ctime>
 #include <string_view>
 
-#include "platform/code_page.h"
+#include "platform/local_time.h"
 
 namespace quendle::modules {
 namespace {
@@ -20,12 +19,12 @@ std::string_view CutName(std::string_view name, bool utf8, std::size_t size) {
 
 void FillTime(const Entry& entry, ArchiverEntry* record) {
   if (!entry.attributes.write_time) return;
-  const std::time_t seconds = entry.attributes.write_time->seconds;
-  const std::tm* local = std::localtime(&seconds);
-  if (local == nullptr || local->tm_year < 80 || local->tm_year > 207) return;
+  std::tm local{};
+  if (!platform::ToLocalTime(entry.attributes.write_time->seconds, &local)) return;
+  if (local.tm_year < 80 || local.tm_year > 207) return;  // that the record cannot hold
   record->date =
-      static_cast<std::uint16_t>((local->tm_year - 80) << 9 | (local->tm_mon + 1) << 5 | local->tm_mday);
-  record->time = static_cast<std::uint16_t>(local->tm_hour << 11 | local->tm_min << 5 | local->tm_sec / 2);
+      static_cast<std::uint16_t>((local.tm_year - 80) << 9 | (local.tm_mon + 1) << 5 | local.tm_mday);
+  record->time = static_cast<std::uint16_t>(local.tm_hour << 11 | local.tm_min << 5 | local.tm_sec / 2);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "archive/modules/common/entry_writer.h"
+#include "archive/modules/common/read_ahead.h"
 #include "archive/modules/common/response_file.h"
 
 namespace quendle::modules {
@@ -46,6 +47,27 @@ class Passwords {
   bool given_up_ = false;
 };
 
+using PathIndex = std::unordered_map<std::string, std::vector<std::size_t>>;
+
+// Finds the place in the listing of the entries that a reader gives one after the other.
+class EntryMatcher {
+ public:
+  explicit EntryMatcher(const PathIndex& by_path) : by_path_(by_path) {}
+
+  // Of equal paths the same one in turn; nothing for an entry that was not listed.
+  std::optional<std::size_t> Find(const Entry& entry) {
+    const auto known = by_path_.find(entry.path);
+    if (known == by_path_.end()) return std::nullopt;
+    if (known->second.size() == 1) return known->second.front();
+    const std::size_t turn = seen_[entry.path]++;
+    return turn < known->second.size() ? std::optional(known->second[turn]) : std::nullopt;
+  }
+
+ private:
+  const PathIndex& by_path_;
+  std::unordered_map<std::string, std::size_t> seen_;
+};
+
 class Extraction {
  public:
   Extraction(const OpenedArchive& archive, const Limits& limits, Session* session, std::vector<Call>* calls)
@@ -60,10 +82,9 @@ class Extraction {
 
  private:
   void ChooseEntries();
-  void ReportMissing(const std::unordered_map<std::string, Call*>& unmatched);
   bool MayBegin();
   void ReadWith(const Engine& engine);
-  std::size_t Find(const Entry& entry, std::unordered_map<std::string, std::size_t>* seen);
+  std::unique_ptr<EntryReader> OpenReader(const Engine& engine, std::string* reason);
   void ExtractEntry(std::size_t index, const Entry& entry, EntryReader* reader);
   void WriteFile(std::size_t index, const Entry& entry, EntryReader* reader);
   bool GoOn(const std::string& path);
@@ -77,7 +98,7 @@ class Extraction {
   std::vector<Call>& calls_;
   Passwords passwords_;
   std::vector<Wanted> wanted_;  // beside archive_.entries
-  std::unordered_map<std::string, std::vector<std::size_t>> by_path_;
+  PathIndex by_path_;
   std::size_t left_ = 0;  // entries that are wanted and not settled
   std::unique_ptr<EntryWriter> writer_;
   std::uint64_t done_ = 0;  // bytes
@@ -139,11 +160,25 @@ bool Extraction::MayBegin() {
   return true;
 }
 
+std::unique_ptr<EntryReader> Extraction::OpenReader(const Engine& engine, std::string* reason) {
+  // The other thread goes by what is wanted now.
+  std::vector<bool> wanted;
+  for (const Wanted& entry : wanted_) wanted.push_back(entry.call != nullptr);
+  ReadAhead::Hooks hooks;
+  hooks.is_wanted = [wanted = std::move(wanted),
+                     matcher = EntryMatcher(by_path_)](const Entry& entry) mutable {
+    const auto index = matcher.Find(entry);
+    return index && wanted[*index] && entry.kind == EntryKind::kFile;
+  };
+  hooks.may_wait = [this] { return GoOn(""); };
+  return ReadAhead::Open(engine, archive_.input, ReaderOptions{session_.Charset(), passwords_.Source()},
+                         std::move(hooks), reason);
+}
+
 void Extraction::ReadWith(const Engine& engine) {
   std::string reason;
-  const auto reader =
-      engine.open(archive_.input, ReaderOptions{session_.Charset(), passwords_.Source()}, &reason);
-  std::unordered_map<std::string, std::size_t> seen;
+  const auto reader = OpenReader(engine, &reason);
+  EntryMatcher matcher(by_path_);
   while (reader && left_ > 0 && stopped_.empty()) {
     Entry entry;
     const ReadStatus status = reader->NextEntry(&entry);
@@ -152,22 +187,13 @@ void Extraction::ReadWith(const Engine& engine) {
       reason = reader->Reason();
       break;
     }
-    const std::size_t index = Find(entry, &seen);
-    if (index < wanted_.size() && wanted_[index].call != nullptr) ExtractEntry(index, entry, reader.get());
+    const auto index = matcher.Find(entry);
+    if (index && wanted_[*index].call != nullptr) ExtractEntry(*index, entry, reader.get());
   }
   if (reason.empty()) return;
   for (Wanted& wanted : wanted_) {
     if (wanted.call != nullptr && wanted.reason.empty()) wanted.reason = reason;
   }
-}
-
-// The place in the listing of an entry that another reader gives: of equal paths the same one in turn.
-std::size_t Extraction::Find(const Entry& entry, std::unordered_map<std::string, std::size_t>* seen) {
-  const auto known = by_path_.find(entry.path);
-  if (known == by_path_.end()) return wanted_.size();
-  if (known->second.size() == 1) return known->second.front();
-  const std::size_t turn = (*seen)[entry.path]++;
-  return turn < known->second.size() ? known->second[turn] : wanted_.size();
 }
 
 void Extraction::ExtractEntry(std::size_t index, const Entry& entry, EntryReader* reader) {
@@ -209,6 +235,7 @@ void Extraction::WriteFile(std::size_t index, const Entry& entry, EntryReader* r
     Fail(wanted.call, entry.path, result.reason);
   } else if (status != ReadStatus::kEnd) {
     writer_->Discard();
+    if (!stopped_.empty()) return;
     done_ -= size;
     // What an engine says of contents tells more than that it does not know the method.
     if (wanted.reason.empty() || status != ReadStatus::kUnsupported) wanted.reason = reader->Reason();

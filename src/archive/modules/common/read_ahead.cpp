@@ -1,0 +1,168 @@
+#include "archive/modules/common/read_ahead.h"
+
+#include <chrono>
+#include <exception>
+#include <utility>
+
+namespace quendle::modules {
+namespace {
+
+constexpr std::size_t kItemBytes = 256U << 10;
+constexpr std::size_t kMostBytes = 2U << 20;  // that wait to be taken
+constexpr std::size_t kItemOverhead = 1000;   // of memory, about
+constexpr std::chrono::milliseconds kBetweenCalls{50};
+
+}  // namespace
+
+std::unique_ptr<EntryReader> ReadAhead::Open(const Engine& engine, const ArchiveInput& input,
+                                             const ReaderOptions& options, Hooks hooks, std::string* reason) {
+  std::unique_ptr<ReadAhead> ahead(new ReadAhead(options.ask_password, std::move(hooks)));
+  ahead->reader_ = engine.open(
+      input, ReaderOptions{options.charset, [self = ahead.get()] { return self->RequestPassword(); }},
+      reason);
+  if (!ahead->reader_) return nullptr;
+  ahead->thread_ = std::thread([self = ahead.get()] { self->ReadArchive(); });
+  return ahead;
+}
+
+ReadAhead::~ReadAhead() {
+  if (!thread_.joinable()) return;
+  {
+    const std::lock_guard lock(mutex_);
+    stop_ = true;
+  }
+  changed_.notify_all();
+  thread_.join();
+}
+
+void ReadAhead::ReadArchive() {
+  Item last;
+  try {
+    for (std::uint64_t number = 1;; ++number) {
+      if (!ReadEntry(number)) return;
+    }
+  } catch (const std::exception& fault) {
+    last.header = last.end = ReadStatus::kFailed;
+    last.reason = fault.what();
+  }
+  Give(std::move(last));
+}
+
+// False after the last one.
+bool ReadAhead::ReadEntry(std::uint64_t number) {
+  Item item;
+  item.header = reader_->NextEntry(&item.entry);
+  if (item.header != ReadStatus::kOk) {
+    if (item.header != ReadStatus::kEnd) item.reason = reader_->Reason();
+    item.end = item.header;
+    Give(std::move(item));
+    return false;
+  }
+  if (hooks_.is_wanted(item.entry)) return ReadWanted(number, std::move(item));
+  item.end = ReadStatus::kEnd;
+  return Give(std::move(item));
+}
+
+bool ReadAhead::ReadWanted(std::uint64_t number, Item item) {
+  std::string_view piece;
+  ReadStatus status;
+  while ((status = reader_->ReadContent(&piece)) == ReadStatus::kOk) {
+    item.content.append(piece);
+    if (item.content.size() < kItemBytes) continue;
+    if (!Give(std::exchange(item, {}))) return false;
+    const std::lock_guard lock(mutex_);
+    if (number < unwanted_before_) return true;
+  }
+  item.end = status;
+  if (status != ReadStatus::kEnd) item.reason = reader_->Reason();
+  return Give(std::move(item));
+}
+
+// Waits for room. False when nobody wants any more.
+bool ReadAhead::Give(Item item) {
+  std::unique_lock lock(mutex_);
+  changed_.wait(lock, [this] { return stop_ || given_bytes_ < kMostBytes; });
+  if (stop_) return false;
+  given_bytes_ += item.content.size() + kItemOverhead;
+  given_.push_back(std::move(item));
+  if (given_.size() == 1) changed_.notify_all();
+  return true;
+}
+
+std::optional<std::string> ReadAhead::RequestPassword() {
+  if (std::this_thread::get_id() == user_thread_) return ask_password_();
+  std::unique_lock lock(mutex_);
+  password_requested_ = true;
+  changed_.notify_all();
+  changed_.wait(lock, [this] { return stop_ || password_.has_value(); });
+  if (stop_) return std::nullopt;
+  return *std::exchange(password_, std::nullopt);
+}
+
+bool ReadAhead::Take() {
+  if (next_ == taken_.size() && !AwaitItems()) {
+    item_ = {};
+    item_.header = item_.end = ReadStatus::kFailed;
+    item_.reason = "it was stopped";
+    return false;
+  }
+  item_ = std::move(taken_[next_++]);
+  content_given_ = item_.content.empty();
+  return true;
+}
+
+// All at once, so that the threads meet seldom.
+bool ReadAhead::AwaitItems() {
+  taken_.clear();
+  next_ = 0;
+  std::unique_lock lock(mutex_);
+  while (given_.empty()) {
+    if (password_requested_) {
+      AnswerPassword(&lock);
+    } else if (changed_.wait_for(lock, kBetweenCalls) == std::cv_status::timeout) {
+      lock.unlock();
+      const bool goes_on = hooks_.may_wait();
+      lock.lock();
+      if (!goes_on) return false;
+    }
+  }
+  taken_.swap(given_);
+  given_bytes_ = 0;
+  changed_.notify_all();
+  return true;
+}
+
+void ReadAhead::AnswerPassword(std::unique_lock<std::mutex>* lock) {
+  password_requested_ = false;
+  lock->unlock();
+  std::optional<std::string> password = ask_password_();
+  lock->lock();
+  password_ = std::move(password);
+  changed_.notify_all();
+}
+
+ReadStatus ReadAhead::NextEntry(Entry* entry) {
+  if (item_.header && item_.header != ReadStatus::kOk) return *item_.header;
+  ++entries_;
+  if (!item_.end) {
+    const std::lock_guard lock(mutex_);
+    unwanted_before_ = entries_;
+  }
+  do {
+    if (!Take()) return ReadStatus::kFailed;
+  } while (!item_.header);
+  *entry = std::move(item_.entry);
+  return *item_.header;
+}
+
+ReadStatus ReadAhead::ReadContent(std::string_view* piece) {
+  while (content_given_ && !item_.end) {
+    if (!Take()) break;
+  }
+  if (content_given_) return *item_.end;
+  content_given_ = true;
+  *piece = item_.content;
+  return ReadStatus::kOk;
+}
+
+}  // namespace quendle::modules

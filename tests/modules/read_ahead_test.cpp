@@ -1,0 +1,134 @@
+#include "archive/modules/common/read_ahead.h"
+
+#include <chrono>
+#include <stdexcept>
+#include <thread>
+
+#include "support/scripted_family.h"
+#include "support/temp_folder.h"
+
+namespace quendle::modules {
+namespace {
+
+struct Fixture {
+  test::TempFolder folder;
+  std::unique_ptr<ArchiveInput> input;
+  std::vector<std::string> passwords;  // given in turn, on the test's own thread
+  bool may_wait = true;
+  std::string unwanted;
+
+  Fixture() {
+    test::g_first_engine = {};
+    test::WriteFile(folder / "a", "archive");
+    std::unique_ptr<platform::InputFile> file;
+    EXPECT_TRUE(platform::InputFile::Open(folder / "a", &file).ok());
+    input = std::make_unique<ArchiveInput>(std::move(file), 0);
+  }
+
+  std::unique_ptr<EntryReader> Open(const Engine& engine = {"first", &test::OpenFirst}) {
+    const auto ask = [this, user = std::this_thread::get_id()]() -> std::optional<std::string> {
+      EXPECT_EQ(std::this_thread::get_id(), user);
+      if (passwords.empty()) return std::nullopt;
+      std::string first = passwords.front();
+      passwords.erase(passwords.begin());
+      return first;
+    };
+    std::string reason;
+    return ReadAhead::Open(
+        engine, *input, {"", ask},
+        {[this](const Entry& entry) { return entry.path != unwanted; }, [this] { return may_wait; }},
+        &reason);
+  }
+
+  // Everything in turn: "path=content" with "!" behind what failed.
+  std::vector<std::string> ReadAll() {
+    std::vector<std::string> read;
+    const auto reader = Open();
+    Entry entry;
+    ReadStatus status;
+    while ((status = reader->NextEntry(&entry)) == ReadStatus::kOk) {
+      std::string text = entry.path + "=";
+      std::string_view piece;
+      while ((status = reader->ReadContent(&piece)) == ReadStatus::kOk) text += piece;
+      read.push_back(text + (status == ReadStatus::kEnd ? "" : "!" + reader->Reason()));
+    }
+    EXPECT_EQ(reader->NextEntry(&entry), status);
+    std::string_view piece;
+    EXPECT_EQ(reader->ReadContent(&piece), status);
+    if (status != ReadStatus::kEnd) read.push_back("!" + reader->Reason());
+    return read;
+  }
+};
+
+GTEST_TEST(ReadAhead, GivesWhatTheReaderGives) {
+  Fixture fixture;
+  const std::string large(600'000, 'x');
+  test::g_first_engine = {{{"a", "1"},
+                           {"empty", ""},
+                           {"large", large},
+                           {"bad", "2", ReadStatus::kFailed},
+                           {"not", "3"},
+                           {"z", "4"}},
+                          ReadStatus::kFailed,
+                          "right"};
+  fixture.passwords = {"wrong", "right"};
+  fixture.unwanted = "not";
+  EXPECT_EQ(fixture.ReadAll(), (std::vector<std::string>{"a=1", "empty=", "large=" + large, "bad=2!scripted",
+                                                         "not=", "z=4", "!scripted"}));
+}
+
+// More than is read ahead at a time; whoever skips a content or leaves early must not wait for ever.
+GTEST_TEST(ReadAhead, SkippingAndLeaving) {
+  Fixture fixture;
+  const std::string large(400'000, 'x');
+  for (int i = 0; i < 40; ++i) test::g_first_engine.entries.push_back({std::to_string(i), large});
+  auto reader = fixture.Open();
+  Entry entry;
+  std::string_view piece;
+  for (int i = 0; i < 40; ++i) {
+    ASSERT_EQ(reader->NextEntry(&entry), ReadStatus::kOk);
+    ASSERT_EQ(entry.path, std::to_string(i));
+    if (i % 3 == 0) {
+      ASSERT_EQ(reader->ReadContent(&piece), ReadStatus::kOk);
+    }
+  }
+  EXPECT_EQ(reader->NextEntry(&entry), ReadStatus::kEnd);
+  reader = fixture.Open();
+  ASSERT_EQ(reader->NextEntry(&entry), ReadStatus::kOk);
+  reader.reset();
+  test::g_first_engine.password = "right";
+  reader = fixture.Open();
+  ASSERT_EQ(reader->NextEntry(&entry), ReadStatus::kOk);
+  reader.reset();  // while a password is waited for
+}
+
+class SlowReader : public EntryReader {
+ public:
+  ReadStatus NextEntry(Entry*) override {
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    throw std::runtime_error("broken");
+  }
+  ReadStatus ReadContent(std::string_view*) override { return ReadStatus::kEnd; }
+  const std::string& Reason() const override { return reason_; }
+
+ private:
+  std::string reason_;
+};
+
+GTEST_TEST(ReadAhead, WaitingCanBeEndedAndFaultsAreFailures) {
+  const Engine slow = {
+      "slow", [](const ArchiveInput&, const ReaderOptions&, std::string*) -> std::unique_ptr<EntryReader> {
+        return std::make_unique<SlowReader>();
+      }};
+  Fixture fixture;
+  Entry entry;
+  for (const bool may_wait : {true, false}) {
+    fixture.may_wait = may_wait;
+    const auto reader = fixture.Open(slow);
+    EXPECT_EQ(reader->NextEntry(&entry), ReadStatus::kFailed);
+    EXPECT_EQ(reader->Reason(), may_wait ? "broken" : "it was stopped");
+  }
+}
+
+}  // namespace
+}  // namespace quendle::modules
