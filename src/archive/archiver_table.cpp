@@ -42,11 +42,11 @@ constexpr CommandPart kSevenZipParts[] = {
 };
 
 constexpr ArchiverRow kRows[] = {
-    {1, "ZIP", "UnZIP32", "UnZip", 1, FolderPlace::kArgument, kZipParts},
-    {2, "LZH", "UnLHA32", "Unlha", 2, FolderPlace::kArgument, kLzhParts},
-    {3, "CAB", "Cab32", "Cab", 0, FolderPlace::kArgument, kCabParts},
-    {4, "RAR", "unrar32", "Unrar", 1, FolderPlace::kArgument, kRarParts},
-    {5, "7Z", "7-zip32", "SevenZip", 0, FolderPlace::kSwitch, kSevenZipParts},
+    {1, FolderPlace::kArgument, 1, "ZIP", "UnZIP32", "UnZip", kZipParts},
+    {2, FolderPlace::kArgument, 2, "LZH", "UnLHA32", "Unlha", kLzhParts},
+    {3, FolderPlace::kArgument, 0, "CAB", "Cab32", "Cab", kCabParts},
+    {4, FolderPlace::kArgument, 1, "RAR", "unrar32", "Unrar", kRarParts},
+    {5, FolderPlace::kSwitch, 0, "7Z", "7-zip32", "SevenZip", kSevenZipParts},
 };
 
 bool Holds(CommandPart::When when, bool value) {

@@ -28,11 +28,11 @@ enum class FolderPlace : std::uint8_t {
 
 struct ArchiverRow {
   std::int16_t type;
+  FolderPlace folder_place;
+  int header_lines;     // of its log, left out where several logs are joined
   const char* name;     // shown for the type
   const char* library;  // the library's file without the system's suffix
   const char* prefix;   // of its functions
-  int header_lines;     // of its log, left out where several logs are joined
-  FolderPlace folder_place;
   std::span<const CommandPart> parts;  // in the order in which they are joined
 };
 

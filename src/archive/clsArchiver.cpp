@@ -176,7 +176,7 @@ bool clsArchiver::Run(Work* work) {
   ExtractionRun run({work->row, work->library, work->session, environment_.output(), options, pFileName,
                      work->destination, work->report->problems,
                      [this](const std::function<void()>& step) { Guarded(&report_, step); }});
-  return run.Extract(std::move(work->groups));
+  return run.Extract(work->groups);
 }
 
 // A fault in one step does not keep the others from being done; it is a problem, and so never a success.

@@ -44,7 +44,7 @@ platform::Result CheckOutputFolder(const std::string& destination, const std::st
   return result.ok() ? platform::CheckNoLinks(destination, sub_folder) : result;
 }
 
-bool ExtractionRun::Extract(std::vector<ExtractionGroup> groups) {
+bool ExtractionRun::Extract(const std::vector<ExtractionGroup>& groups) {
   platform::Result why;
   if (!MakeDirNested(context_.destination, &why)) {
     Fail(why);

@@ -41,7 +41,7 @@ class ExtractionRun {
 
   // True when the last call of the library succeeded. A group whose folder cannot be had is a problem and is
   // left out. After a call that failed no further group is extracted, and the response files of those stay.
-  bool Extract(std::vector<ExtractionGroup> groups);
+  bool Extract(const std::vector<ExtractionGroup>& groups);
 
  private:
   struct Pair {

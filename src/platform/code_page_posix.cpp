@@ -70,7 +70,7 @@ Converter& Encoder() {
 // would add instructions for the converter to the name.
 std::string ConverterName(const std::string& encoding) {
   if (encoding.empty() || encoding.find('/') != std::string::npos) return "none";
-  const std::string name = UpperCase(encoding);
+  std::string name = UpperCase(encoding);
   for (const char* alias : {"WINDOWS-31J", "SHIFT_JIS", "SHIFT-JIS", "SJIS", "MS_KANJI", "MS932", "932"}) {
     if (name == alias) return "CP932";
   }

@@ -32,7 +32,7 @@ std::string CommonFolder(const std::vector<Call>& calls) {
 
 // The last part of a path, with the "/" at its end if it has one.
 std::string_view LastPart(std::string_view path) {
-  const std::size_t cut = path.find_last_of("/", path.size() < 2 ? 0 : path.size() - 2);
+  const std::size_t cut = path.rfind('/', path.size() < 2 ? 0 : path.size() - 2);
   return cut == std::string_view::npos ? path : path.substr(cut + 1);
 }
 
