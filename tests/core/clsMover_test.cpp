@@ -313,6 +313,9 @@ GTEST_TEST(ClsMover, AProfileThatIsNotWhatItWasIsNotUsed) {
       {"[p]\nPattern=.*\\.txt2\n[q]\n", "p", false},
       {"[p]\nPattern=.*\\.txt\n\n", "q", false},
       {"[p]\nPattern=.*\\.txt\nMoveTo=/" + std::string(1500, 'x') + "\n", "p", false},
+      {"[p]\nPattern=.*\\.txt\nID=1\nAction=3\nInclude=" + std::string(1500, 'x') + "\n", "p", false},
+      {"[p]\nPattern=.*\\.txt\nID=1\nAction=1\nExclude=" + std::string(1500, 'x') + "\n", "p", false},
+      {"[p]\nPattern=.*\\.txt\nID=1\nAction=2\nInclude=" + std::string(1500, 'x') + "\n", "p", true},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.now.substr(0, 60));
@@ -327,14 +330,16 @@ GTEST_TEST(ClsMover, AProfileThatIsNotWhatItWasIsNotUsed) {
 
 GTEST_TEST(ClsMover, SaysWhatIsWrongWithProfiles) {
   test::Run run("[a]\nPattern=x\n[A]\nPattern=(\n[a]\n[long]\nPattern=.*" + std::string(1100, 'x') +
-                    "\n[bad]\nPattern=(\n",
+                    "\n[bad]\nPattern=(\nInclude=a\nExclude=b;(\n",
                 "", {"/"});
   const Titles problems = run.mover->ProfileProblems();
-  ASSERT_EQ(problems.size(), 3U);
-  EXPECT_TRUE(problems[0].starts_with("profile bad: its pattern cannot be used: missing")) << problems[0];
-  EXPECT_TRUE(problems[1].starts_with("profile long: its pattern cannot be used: it is too long"))
-      << problems[1];
-  EXPECT_TRUE(problems[2].starts_with("profile A: there are several")) << problems[2];
+  const char* const beginnings[] = {
+      "profile bad: its pattern cannot be used: missing",
+      "profile bad: a pattern of its Include or Exclude cannot be used: missing",
+      "profile long: its pattern cannot be used: it is too long", "profile A: there are several"};
+  ASSERT_EQ(problems.size(), std::size(beginnings));
+  for (std::size_t i = 0; i < problems.size(); ++i)
+    EXPECT_TRUE(problems[i].starts_with(beginnings[i])) << problems[i];
 }
 
 GTEST_TEST(ClsMover, StandardSettingsFillTheState) {
