@@ -210,6 +210,7 @@ GTEST_TEST(ClsArchiverExtract, QuestionsAndProgress) {
   }
   EXPECT_EQ(DescribeProblems(bench.archiver.LastReport().problems), "it was stopped");
   EXPECT_TRUE(extract("charset CP932\n"));
+  EXPECT_FALSE(extract("pass 4\n")) << "a pass that fails as a whole";
   EXPECT_FALSE(extract("proceed it looks like a bomb\n"));
   EXPECT_EQ(bench.user.asked_proceed, Texts{"it looks like a bomb"});
   EXPECT_TRUE(extract("progress x\n"));
