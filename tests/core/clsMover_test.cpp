@@ -279,8 +279,9 @@ GTEST_TEST(ClsMover, FoldersGoBelowTheirDestinationWhetherItExistsOrNot) {
 GTEST_TEST(ClsMover, OpensWhatWasExtracted) {
   const test::TempFolder folder;
   test::WriteFile(folder / "x.zip", "x");
-  test::Run run("[p]\nID=1\nAction=1\nOpenDir=1\nExtractTo=/e\nOpenFile=readme.txt; sub/b.html;;\n", "",
-                {folder / "x.zip"});
+  test::Run run(
+      "[p]\nID=1\nAction=1\nOpenDir=1\nExtractType=2\nExtractTo=/e\nOpenFile=readme.txt; sub/b.html;;\n", "",
+      {folder / "x.zip"});
   run.archiver->type = 1;
   ASSERT_TRUE(run.mover->SetTarget().ok());
   run.mover->GetAccordantTitles();
@@ -289,6 +290,7 @@ GTEST_TEST(ClsMover, OpensWhatWasExtracted) {
   EXPECT_TRUE(run.mover->ActionMain());
   EXPECT_EQ(run.user.busy, (std::vector<bool>{true, false}));
   EXPECT_EQ(run.archiver->extracted, (Titles{folder / "x.zip" + " to /e"}));
+  EXPECT_EQ(run.archiver->EXTRACTTYPE, 2);
   EXPECT_EQ(run.user.opened_folders, (Titles{"/e"}));
   EXPECT_EQ(run.user.opened_files, (Titles{"/e/readme.txt", "/e/sub/b.html"}));
   run.mover->OPENDIR = false;
