@@ -119,8 +119,8 @@ std::int32_t ArchiverLibrary::Command(const std::string& line, char* output, std
   return command_(nullptr, line.c_str(), output, size);
 }
 
-void ArchiverLibrary::ExtractCalls(std::vector<ArchiverCall>* calls) const {
-  extract_calls_(nullptr, calls->data(), static_cast<std::uint32_t>(calls->size()));
+std::int32_t ArchiverLibrary::ExtractCalls(std::vector<ArchiverCall>* calls) const {
+  return extract_calls_(nullptr, calls->data(), static_cast<std::uint32_t>(calls->size()));
 }
 
 void ArchiverLibrary::SetSession(const ArchiverSession* session) const {

@@ -38,7 +38,7 @@ class ArchiverLibrary {
   std::int32_t Command(const std::string& line, char* output, std::uint32_t size) const;
 
   bool HasExtractCalls() const { return extract_calls_ != nullptr; }
-  void ExtractCalls(std::vector<ArchiverCall>* calls) const;
+  std::int32_t ExtractCalls(std::vector<ArchiverCall>* calls) const;
 
   // Null ends the session. Without effect on a library that knows none.
   void SetSession(const ArchiverSession* session) const;

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "archive/extraction_run.h"
+#include "base/modString.h"
 #include "base/modSystem.h"
 #include "platform/entry_path.h"
 #include "platform/paths.h"
@@ -103,16 +104,37 @@ ExtractionReport clsArchiver::PlanExtraction(const std::string& destination) {
     List(&work);
     Choose(&work);
     RememberPassword(work);
-    if (work.groups.empty()) return;
-    const platform::Result place =
-        FolderExists(destination) ? platform::Success() : platform::CheckPlace(destination);
-    if (!place.ok()) report.problems.push_back({"", place.reason + ": " + place.path});
-    for (const ExtractionGroup& group : work.groups) {
-      const platform::Result folder = CheckOutputFolder(destination, group.sub_folder);
-      if (!folder.ok()) report.problems.push_back({"", folder.reason + ": " + folder.path});
-    }
+    FindObstacles(work);
   });
   return report;
+}
+
+// Looks where each file would go for what a run without anybody to ask would stumble over.
+void clsArchiver::FindObstacles(const Work& work) const {
+  const bool asks = environment_.standard.CONFIRMOVERWRITE();
+  const auto tell = [&work](const std::string& entry, const platform::Result& result) {
+    if (!result.ok()) work.report->problems.push_back({entry, result.reason + ": " + result.path});
+  };
+  for (const ExtractionGroup& group : work.groups) {
+    const platform::Result folder = CheckOutputFolder(work.destination, group.sub_folder);
+    tell("", folder);
+    for (const std::string& name : group.names) {
+      if (!folder.ok() || name.ends_with('/')) continue;
+      std::string path;
+      (void)platform::SafeEntryPath(name, platform::kHostNames,
+                                    &path);  // Refuse has left those that are safe
+      if (work.flat) path.erase(0, path.rfind('/') + 1);
+      path.insert(0, AddBackslash(OutputFolder(work.destination, group.sub_folder)));
+      if (FolderExists(path)) {
+        tell(name, Failure(platform::Code::kExists, path, "a folder of that name is in the way"));
+      } else if (asks && FileExists(path)) {
+        tell(name,
+             Failure(platform::Code::kExists, path, "it exists already, and nothing is overwritten unasked"));
+      } else {
+        tell(name, platform::CheckPlace(path));
+      }
+    }
+  }
 }
 
 clsArchiver::Work clsArchiver::Begin(const ArchiverRow& row, const ArchiverLibrary& library,

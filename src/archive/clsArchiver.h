@@ -77,6 +77,7 @@ class clsArchiver {
   void List(Work* work);
   void Choose(Work* work) const;
   void Refuse(Work* work) const;
+  void FindObstacles(const Work& work) const;
   void Guarded(ExtractionReport* report, const std::function<void()>& step);
   bool Run(Work* work);
 

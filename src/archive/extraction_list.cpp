@@ -20,16 +20,13 @@ std::string FolderPart(const std::string& name) {
   return name.substr(0, name.rfind('/') + 1);
 }
 
-// `folder` is the folder part of a name that is safe as a whole. What is left of it must be named as safely,
-// but a colon in it is no drive, since it is below a folder.
+// `folder` is the folder part of a name that is safe as a whole.
 std::string BelowTopFolder(const std::string& folder) {
-  constexpr std::string_view kAbove = "_/";
   std::string safe;
-  const std::string below = folder.substr(folder.find('/') + 1);
   const platform::Result result =
-      platform::SafeEntryPath(std::string(kAbove) + below, platform::kHostNames, &safe);
+      platform::SafeRestOfPath(folder.substr(folder.find('/') + 1), platform::kHostNames, &safe);
   if (!result.ok()) ProgrammingError("an unsafe name in the extraction list");
-  return safe.size() <= kAbove.size() ? "" : safe.substr(kAbove.size());
+  return safe;
 }
 
 }  // namespace
@@ -68,6 +65,15 @@ bool EntryFilter::Passes(const std::string& name) const {
   const std::string upper = platform::UpperCase(platform::WithReplacementCharacters(name));
   if (!includes_all_ && (name.ends_with('/') || !AnyFits(include_, upper))) return false;
   return !AnyFits(exclude_, upper);
+}
+
+std::string EntryFilter::Error() const {
+  for (const auto* patterns : {&include_, &exclude_}) {
+    for (const Pattern& pattern : *patterns) {
+      if (!pattern.expression.Error().empty()) return pattern.expression.Error();
+    }
+  }
+  return "";
 }
 
 std::vector<ExtractionGroup> GroupEntries(std::vector<std::string> names, bool flat) {

@@ -23,6 +23,9 @@ class EntryFilter {
   EntryFilter(const std::string& include, const std::string& exclude);
   bool Passes(const std::string& name) const;
 
+  // Why a pattern fits nothing, as one line; empty while all can be used.
+  std::string Error() const;
+
  private:
   struct Pattern {
     Regex expression;

@@ -8,6 +8,7 @@
 
 #include "base/modSystem.h"
 #include "platform/durable_file.h"
+#include "platform/known_folders.h"
 #include "platform/paths.h"
 #include "platform/unicode.h"
 #include "settings/modOpenFile.h"
@@ -88,7 +89,7 @@ bool ExtractionRun::WriteResponseFile(const ExtractionGroup& group) {
   }
   const std::string path = GetTempFilePath(true, "");
   if (path.empty()) {
-    Fail(Failure(platform::Code::kFailed, "", "no temporary file can be made"));
+    Fail(Failure(platform::Code::kFailed, platform::TemporaryFolder(), "no temporary file can be made"));
     return false;
   }
   pairs_.push_back({path, group.sub_folder, ""});
@@ -144,10 +145,11 @@ void ExtractionRun::ExtractTogether() {
     calls.push_back({pairs_[i].command_line.c_str(), outputs.get() + i * size, size, 0});
   }
   context_.session.BeginCall();
-  context_.library.ExtractCalls(&calls);
+  const std::int32_t result = context_.library.ExtractCalls(&calls);
   for (std::size_t i = 0; i < pairs_.size(); ++i) {
     if (!Settle(pairs_[i], calls[i].output, calls[i].result)) break;
   }
+  if (result_ == 0) result_ = result;  // a failure before the first call
   context_.session.RethrowFault();
 }
 

@@ -97,7 +97,7 @@ std::string TextLine(const DispatchReport& report) {
     if (IsUndone(step)) line += std::string(" (") + ResultWord(step.result) + ")";
     separator = "; ";
   }
-  if (report.profile && report.steps.empty()) line += " nothing to do";
+  if (report.profile && report.steps.empty() && report.error.empty()) line += " nothing to do";
   return line;
 }
 

@@ -37,8 +37,9 @@ std::string AmountText(const platform::FileProgress& progress, double seconds) {
   return text + ", " + SizeText(done / seconds) + "/s";
 }
 
-void WarnOf(const platform::Result& result) {
-  if (!result.ok()) TerminalUser::Warn(ForDisplay(result.path) + ": " + result.reason);
+void Open(const std::string& path, const std::string& untrusted_folder) {
+  const platform::Result opened = platform::OpenWithDesktop(path, untrusted_folder);
+  if (!opened.ok()) TerminalUser::Warn(ForDisplay(path) + ": it is not opened: " + opened.reason);
 }
 
 // Whatever an archive makes its library say is shown line by line, so that it can neither move the cursor nor
@@ -112,11 +113,11 @@ void TerminalUser::EndProgress() {
 void TerminalUser::SetBusy(bool) {}  // the terminal shows by itself that the program has not ended
 
 void TerminalUser::OpenFolder(const std::string& folder) {
-  WarnOf(platform::OpenWithDesktop(folder, folder));
+  Open(folder, folder);
 }
 
 void TerminalUser::OpenFile(const std::string& path, const std::string& untrusted_folder) {
-  WarnOf(platform::OpenWithDesktop(path, untrusted_folder));
+  Open(path, untrusted_folder);
 }
 
 void TerminalUser::Warn(const std::string& text) {

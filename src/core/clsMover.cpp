@@ -131,7 +131,15 @@ std::vector<std::string> clsMover::ProfileProblems() const {
     const std::string& error = profile.expression.Error();
     if (!error.empty())
       problems.push_back("profile " + profile.Title + ": its pattern cannot be used: " + error);
+    environment_.items.Title = profile.Title;
+    const std::string entries =
+        EntryFilter(environment_.items.INCLUDE(), environment_.items.EXCLUDE()).Error();
+    if (!entries.empty()) {
+      problems.push_back("profile " + profile.Title +
+                         ": a pattern of its Include or Exclude cannot be used: " + entries);
+    }
   }
+  environment_.items.Title.clear();
   for (const std::string& title : repeated_titles_) {
     problems.push_back("profile " + title + ": there are several of that name, and only the first is used");
   }
@@ -146,10 +154,8 @@ bool clsMover::FillFromProfile(const std::string& title, std::string* why) {
     *why = "the profile has been changed or removed, or cannot be read any more";
     return false;
   }
-  if (!FillFromItems()) {
-    *why = "a folder of the profile is too long to be read whole";
-    return false;
-  }
+  *why = FillFromItems();
+  if (!why->empty()) return false;
   if (ProfileIsAsRead(title)) return true;
   *why = "the profile is being changed";
   return false;
@@ -169,7 +175,8 @@ bool clsMover::ProfileIsAsRead(const std::string& title) const {
   return std::find(titles.begin(), titles.end(), title) != titles.end();
 }
 
-bool clsMover::FillFromItems() {
+// Why what was read cannot be used; empty when it can.
+std::string clsMover::FillFromItems() {
   const clsPropItem& items = environment_.items;
   ACTION = items.ACTION();
   SMARTRENAME = DOESFOLDER ? std::int16_t{1} : items.SMARTRENAME();
@@ -179,11 +186,17 @@ bool clsMover::FillFromItems() {
   EXTRACTTO = items.EXTRACTTO();
   MOVETO = items.MOVETO();
   COPYTO = items.COPYTO();
-  if (MayBeCut(EXTRACTTO) || MayBeCut(MOVETO) || MayBeCut(COPYTO)) return false;
+  if (MayBeCut(EXTRACTTO) || MayBeCut(MOVETO) || MayBeCut(COPYTO)) {
+    return "a folder of the profile is too long to be read whole";
+  }
+  const bool extracts = (ACTION & static_cast<std::int16_t>(StepKind::kExtract)) != 0;
+  if (extracts && (MayBeCut(items.INCLUDE()) || MayBeCut(items.EXCLUDE()))) {
+    return "Include or Exclude of the profile is too long to be read whole";
+  }
   EXTRACTTO = GetTargetPathByFolder(1, EXTRACTTO);
   MOVETO = GetTargetPathByFolder(2, MOVETO);
   COPYTO = GetTargetPathByFolder(4, COPYTO);
-  return true;
+  return "";
 }
 
 bool clsMover::FillFromTestSettings(std::string* why) {

@@ -103,7 +103,8 @@ class clsMover {
   const std::vector<ProfileIndexEntry>& Profiles() const { return ProfileIndex; }
 
   // What is wrong with profiles: patterns that cannot be used or whose matching went over the limit so far,
-  // and titles that stand more than once. One line each.
+  // patterns for entries that cannot be used, and titles that stand more than once. One line each. No profile
+  // is the current one afterwards.
   std::vector<std::string> ProfileProblems() const;
 
   // Archiver libraries that could not be used so far, one line each.
@@ -144,7 +145,7 @@ class clsMover {
  private:
   std::int16_t DetectArchiveType();
   bool ProfileIsAsRead(const std::string& title) const;
-  bool FillFromItems();
+  std::string FillFromItems();
   std::vector<ActionStep> WalkSteps(bool execute);
   ActionStep MakeStep(StepKind kind) const;
   std::string FinalPath(StepKind kind) const;

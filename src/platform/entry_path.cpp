@@ -130,6 +130,15 @@ Result SafeEntryPath(std::string_view name, NameRules rules, std::string* path) 
   return Success();
 }
 
+Result SafeRestOfPath(std::string_view rest, NameRules rules, std::string* path) {
+  constexpr std::string_view kAbove = "_/";
+  std::string whole;
+  Result result = SafeEntryPath(std::string(kAbove).append(rest), rules, &whole);
+  result.path = result.ok() ? "" : std::string(rest);
+  if (result.ok()) *path = whole.substr(std::min(kAbove.size(), whole.size()));
+  return result;
+}
+
 Result CheckLinkTarget(std::string_view path, std::string_view target) {
   if (target.empty() || target.find('\0') != std::string_view::npos)
     return Refused(path, "the link leads nowhere");

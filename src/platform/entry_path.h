@@ -30,6 +30,10 @@ inline constexpr NameRules kHostNames = NameRules::kPosix;
 //   Windows: "ab:c" => "ab_c"    "a." => "a_"    "con.txt" => "_con.txt"    "COM¹" => "_COM¹"
 Result SafeEntryPath(std::string_view name, NameRules rules, std::string* path);
 
+// The same for what is left of such a name without its first parts, which may be nothing. Below a folder a colon
+// is no drive: "C:x" => "C:x".
+Result SafeRestOfPath(std::string_view rest, NameRules rules, std::string* path);
+
 // Where a link at the safe path `path` may lead: relative, and in the destination for certain, whatever other
 // links there are: the only ".." are at its beginning and no more than the link lies deep. kRefused otherwise.
 //   ("a/link", "../b") => fine    ("link", "../b"), ("a/link", "b/../c"), ("link", "/etc") => refused

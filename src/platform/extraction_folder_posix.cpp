@@ -35,8 +35,9 @@ std::string ParentOf(const std::string& path) {
 
 Result CheckPath(const std::string& path) {
   std::string safe;
-  Result result = SafeEntryPath(path, kHostNames, &safe);
-  if (result.ok() && safe != path) return Failure(Code::kRefused, path, "this is no safe path");
+  Result result = SafeRestOfPath(path, kHostNames, &safe);
+  if (result.ok() && (safe != path || path.empty()))
+    return Failure(Code::kRefused, path, "this is no safe path");
   return result;
 }
 

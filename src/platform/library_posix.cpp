@@ -1,5 +1,7 @@
 #include <dlfcn.h>
 
+#include <utility>
+
 #include "platform/library.h"
 
 namespace quendle::platform {
@@ -8,8 +10,10 @@ Result Library::Load(const std::string& path, std::unique_ptr<Library>* library)
   // All symbols now: one that is missing is better known before it is called.
   void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) {
-    const char* reason = dlerror();
-    return Failure(Code::kFailed, path, reason == nullptr ? "the module cannot be loaded" : reason);
+    const char* said = dlerror();
+    std::string reason = said == nullptr ? "the module cannot be loaded" : said;
+    if (const std::string place = path + ": "; reason.starts_with(place)) reason.erase(0, place.size());
+    return Failure(Code::kFailed, path, std::move(reason));
   }
   library->reset(new Library(handle));
   return Success();

@@ -134,6 +134,21 @@ GTEST_TEST(ClsArchiverExtract, PlacesThatCannotBeUsed) {
   }
 }
 
+// What the user chose is what the library is told.
+GTEST_TEST(ClsArchiverExtract, OptionsReachTheCommand) {
+  for (const bool confirm : {false, true}) {
+    for (const std::int16_t mode : {std::int16_t{1}, std::int16_t{2}}) {
+      test::ArchiverBench bench("", confirm ? "ConfirmOverwrite=1" : "ConfirmOverwrite=0");
+      bench.Install("UnZIP32", "full");
+      ASSERT_EQ(bench.Take("a.zip", "accept UnZip\nentry a\n"), 1);
+      bench.archiver.EXTRACTTYPE = mode;
+      EXPECT_TRUE(bench.archiver.mExtractArchive(bench.folder / "d"));
+      EXPECT_EQ(bench.Calls(), std::string(mode == 1 ? "-x" : "-u") + " -s -i -C" + (confirm ? "" : " -o") +
+                                   " \"~/a.zip\" \"~/d/\" \"@\"\n\"A\"\n");
+    }
+  }
+}
+
 // Paths and names reach a library in its encoding, and come back from it.
 GTEST_TEST(ClsArchiverExtract, AnsiLibraries) {
   test::ArchiverBench bench;
@@ -149,6 +164,17 @@ GTEST_TEST(ClsArchiverExtract, AnsiLibraries) {
   ASSERT_EQ(bench.Take("a.zip", script), 1);
   EXPECT_FALSE(bench.archiver.mExtractArchive(bench.folder / "é"));
   EXPECT_EQ(bench.ResponseFilesLeft(), 0);
+}
+
+GTEST_TEST(ClsArchiverExtract, AResponseFileThatCannotBeNamed) {
+  test::ArchiverBench bench;
+  bench.Install("UnZIP32", "full");
+  fs::create_directory(bench.folder / "t\"");
+  const test::ScopedVariable temporary("TMPDIR", bench.folder / "t\"");
+  ASSERT_EQ(bench.Take("a.zip", "accept UnZip\nentry a\n"), 1);
+  EXPECT_FALSE(bench.archiver.mExtractArchive(bench.folder / "d"));
+  EXPECT_EQ(bench.Calls(), "");
+  EXPECT_TRUE(fs::is_empty(bench.folder / "t\""));
 }
 
 GTEST_TEST(ClsArchiverExtract, FullAndShortBuffers) {
@@ -210,6 +236,7 @@ GTEST_TEST(ClsArchiverExtract, QuestionsAndProgress) {
   }
   EXPECT_EQ(DescribeProblems(bench.archiver.LastReport().problems), "it was stopped");
   EXPECT_TRUE(extract("charset CP932\n"));
+  EXPECT_FALSE(extract("pass 4\n")) << "a pass that fails as a whole";
   EXPECT_FALSE(extract("proceed it looks like a bomb\n"));
   EXPECT_EQ(bench.user.asked_proceed, Texts{"it looks like a bomb"});
   EXPECT_TRUE(extract("progress x\n"));

@@ -38,7 +38,8 @@ GTEST_TEST(ClsArchiver, LibrariesThatCannotBeUsedCountAsMissing) {
   EXPECT_EQ(bench.Take("a", "accept UnZip\naccept Unlha\naccept SevenZip\n"), 5);
   const Texts problems = bench.archiver.LibraryProblems();
   ASSERT_EQ(problems.size(), 2U);
-  EXPECT_NE(problems[0].find("modules/UnZIP32.so"), std::string::npos) << problems[0];
+  EXPECT_TRUE(problems[0].starts_with(bench.folder / "modules/UnZIP32.so: ")) << problems[0];
+  EXPECT_EQ(problems[0].rfind("UnZIP32.so"), problems[0].find("UnZIP32.so")) << problems[0];
   EXPECT_NE(problems[1].find("no function UnlhaCloseArchive"), std::string::npos) << problems[1];
   fs::remove(bench.folder / "modules/UnZIP32.so");
   bench.Install("UnZIP32", "full");
@@ -109,6 +110,35 @@ GTEST_TEST(ClsArchiver, Plans) {
         problems[i].replace(row.problems[i].size() - 1, std::string::npos, "*");
     }
     EXPECT_EQ(problems, row.problems);
+  }
+}
+
+GTEST_TEST(ClsArchiver, PlansSeeWhatIsInTheWay) {
+  const struct {
+    bool confirm, smart;
+    const char* destination;
+    Texts problems;  // their beginnings
+  } rows[] = {
+      {false, true, "d", {}},
+      {false, false, "d", {}},
+      {true, true, "d", {"T/a: it exists already"}},
+      {true, false, "d", {"T/a: it exists already"}},
+      {true, true, "d/T", {"T/a: it exists already"}},
+      {true, false, "new", {}},
+      {false, false, "d/a", {"T/a: Not a directory", "T/s/b: Not a directory"}},
+      {false, true, "e", {"T/a: a folder", "T/s/b: Not a directory"}},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.destination);
+    test::ArchiverBench bench("", row.confirm ? "ConfirmOverwrite=1" : "ConfirmOverwrite=0");
+    bench.Install("UnZIP32", "full");
+    ASSERT_EQ(bench.Take("a.zip", "accept UnZip\nentry T/\nentry T/a\nentry T/s/b\n"), 1);
+    for (const char* file : {"d/a", "d/T/a", "e/a/x", "e/s"}) test::WriteFile(bench.folder / file, "");
+    bench.archiver.SMARTMAKEDIR = row.smart;
+    const Texts problems = bench.Problems(bench.archiver.PlanExtraction(bench.folder / row.destination));
+    ASSERT_EQ(problems.size(), row.problems.size()) << problems.front();
+    for (std::size_t i = 0; i < problems.size(); ++i)
+      EXPECT_TRUE(problems[i].starts_with(row.problems[i])) << problems[i];
   }
 }
 

@@ -279,8 +279,9 @@ GTEST_TEST(ClsMover, FoldersGoBelowTheirDestinationWhetherItExistsOrNot) {
 GTEST_TEST(ClsMover, OpensWhatWasExtracted) {
   const test::TempFolder folder;
   test::WriteFile(folder / "x.zip", "x");
-  test::Run run("[p]\nID=1\nAction=1\nOpenDir=1\nExtractTo=/e\nOpenFile=readme.txt; sub/b.html;;\n", "",
-                {folder / "x.zip"});
+  test::Run run(
+      "[p]\nID=1\nAction=1\nOpenDir=1\nExtractType=2\nExtractTo=/e\nOpenFile=readme.txt; sub/b.html;;\n", "",
+      {folder / "x.zip"});
   run.archiver->type = 1;
   ASSERT_TRUE(run.mover->SetTarget().ok());
   run.mover->GetAccordantTitles();
@@ -289,6 +290,7 @@ GTEST_TEST(ClsMover, OpensWhatWasExtracted) {
   EXPECT_TRUE(run.mover->ActionMain());
   EXPECT_EQ(run.user.busy, (std::vector<bool>{true, false}));
   EXPECT_EQ(run.archiver->extracted, (Titles{folder / "x.zip" + " to /e"}));
+  EXPECT_EQ(run.archiver->EXTRACTTYPE, 2);
   EXPECT_EQ(run.user.opened_folders, (Titles{"/e"}));
   EXPECT_EQ(run.user.opened_files, (Titles{"/e/readme.txt", "/e/sub/b.html"}));
   run.mover->OPENDIR = false;
@@ -313,6 +315,9 @@ GTEST_TEST(ClsMover, AProfileThatIsNotWhatItWasIsNotUsed) {
       {"[p]\nPattern=.*\\.txt2\n[q]\n", "p", false},
       {"[p]\nPattern=.*\\.txt\n\n", "q", false},
       {"[p]\nPattern=.*\\.txt\nMoveTo=/" + std::string(1500, 'x') + "\n", "p", false},
+      {"[p]\nPattern=.*\\.txt\nID=1\nAction=3\nInclude=" + std::string(1500, 'x') + "\n", "p", false},
+      {"[p]\nPattern=.*\\.txt\nID=1\nAction=1\nExclude=" + std::string(1500, 'x') + "\n", "p", false},
+      {"[p]\nPattern=.*\\.txt\nID=1\nAction=2\nInclude=" + std::string(1500, 'x') + "\n", "p", true},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.now.substr(0, 60));
@@ -327,14 +332,16 @@ GTEST_TEST(ClsMover, AProfileThatIsNotWhatItWasIsNotUsed) {
 
 GTEST_TEST(ClsMover, SaysWhatIsWrongWithProfiles) {
   test::Run run("[a]\nPattern=x\n[A]\nPattern=(\n[a]\n[long]\nPattern=.*" + std::string(1100, 'x') +
-                    "\n[bad]\nPattern=(\n",
+                    "\n[bad]\nPattern=(\nInclude=a\nExclude=b;(\n",
                 "", {"/"});
   const Titles problems = run.mover->ProfileProblems();
-  ASSERT_EQ(problems.size(), 3U);
-  EXPECT_TRUE(problems[0].starts_with("profile bad: its pattern cannot be used: missing")) << problems[0];
-  EXPECT_TRUE(problems[1].starts_with("profile long: its pattern cannot be used: it is too long"))
-      << problems[1];
-  EXPECT_TRUE(problems[2].starts_with("profile A: there are several")) << problems[2];
+  const char* const beginnings[] = {
+      "profile bad: its pattern cannot be used: missing",
+      "profile bad: a pattern of its Include or Exclude cannot be used: missing",
+      "profile long: its pattern cannot be used: it is too long", "profile A: there are several"};
+  ASSERT_EQ(problems.size(), std::size(beginnings));
+  for (std::size_t i = 0; i < problems.size(); ++i)
+    EXPECT_TRUE(problems[i].starts_with(beginnings[i])) << problems[i];
 }
 
 GTEST_TEST(ClsMover, StandardSettingsFillTheState) {

@@ -123,6 +123,15 @@ GTEST_TEST(Extraction, EachEntryIsWrittenOrNamed) {
   }
 }
 
+GTEST_TEST(Extraction, WithoutPathsAColonIsNoDrive) {
+  Fixture fixture;
+  test::g_first_engine.entries = {{"T/x:y", "1"}, {"T/C:s/x", "2"}};
+  fixture.calls[0].request.with_paths = false;
+  fixture.Run();
+  EXPECT_EQ(fixture.Out(), (Files{{"x:y", "file 1"}, {"x", "file 2"}}));
+  EXPECT_EQ(fixture.host.problems, std::vector<std::string>{});
+}
+
 GTEST_TEST(Extraction, SecondEngine) {
   Fixture fixture;
   test::g_first_engine.entries = {

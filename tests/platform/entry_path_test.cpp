@@ -1,5 +1,7 @@
 #include "platform/entry_path.h"
 
+#include <array>
+
 namespace quendle::platform {
 namespace {
 
@@ -86,6 +88,19 @@ GTEST_TEST(EntryPath, NamesBecomePathsBelowTheFolder) {
       EXPECT_EQ(result.reason.empty(), !expected.empty());
     }
   }
+}
+
+GTEST_TEST(EntryPath, RestOfAName) {
+  for (const auto& [rest, posix, windows] :
+       {std::array{"C:x/a", "C:x/a", "C_x/a"}, {"", "", ""}, {"a//", "a", "a"}}) {
+    std::string path = "x";
+    EXPECT_TRUE(SafeRestOfPath(rest, NameRules::kPosix, &path).ok());
+    EXPECT_EQ(path, posix);
+    EXPECT_TRUE(SafeRestOfPath(rest, NameRules::kWindows, &path).ok());
+    EXPECT_EQ(path, windows);
+  }
+  std::string path;
+  EXPECT_EQ(SafeRestOfPath("../x", NameRules::kPosix, &path).path, "../x");
 }
 
 GTEST_TEST(EntryPath, LinksLeadInside) {

@@ -77,7 +77,7 @@ platform::Result EntryWriter::FindPath(const Call& call, const Entry& entry) {
   if (!result.ok()) return result;
   if (!call.request.with_paths) own = LastPart(own);
   const std::string below = WithSeparator(call.request.folder).substr(base_.size()) + own;
-  return platform::SafeEntryPath(below, platform::kHostNames, &path_);
+  return platform::SafeRestOfPath(below, platform::kHostNames, &path_);
 }
 
 EntryWriter::Decision EntryWriter::SettleConflict(Call* call, const Entry& entry, const Session& session,
