@@ -246,6 +246,18 @@ GTEST_TEST(Extraction, SuspiciousArchivesAreAskedAbout) {
   }
 }
 
+GTEST_TEST(Extraction, SizesThatFitNoDiskAreRefusedBeforehand) {
+  Fixture fixture;
+  ScriptedEntry large{"a", "1"};
+  large.declared_size = std::uint64_t{1} << 63;
+  test::g_first_engine.entries = {large, large, {"b", "2"}};
+  fixture.Run();
+  EXPECT_TRUE(fixture.calls[0].failed);
+  ASSERT_EQ(fixture.host.problems.size(), 1U);
+  EXPECT_NE(fixture.host.problems[0].find("bytes free"), std::string::npos) << fixture.host.problems[0];
+  EXPECT_TRUE(fixture.Out().empty());
+}
+
 GTEST_TEST(Extraction, CancelLeavesNothingIncomplete) {
   Fixture fixture;
   test::g_first_engine.entries = {{"a", "1"}};
