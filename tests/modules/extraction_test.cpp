@@ -123,6 +123,16 @@ GTEST_TEST(Extraction, EachEntryIsWrittenOrNamed) {
   }
 }
 
+// Links are made last, but have had their names all along.
+GTEST_TEST(Extraction, LinksOfOneNameAreToldApart) {
+  Fixture fixture;
+  test::g_first_engine.entries = {{"l", "", ReadStatus::kEnd, EntryKind::kLink, "a"},
+                                  {"l", "", ReadStatus::kEnd, EntryKind::kLink, "b"}};
+  fixture.Run();
+  EXPECT_EQ(fixture.Out(), (Files{{"l", "link to a"}, {"l (2)", "link to b"}}));
+  EXPECT_FALSE(fixture.calls[0].failed);
+}
+
 GTEST_TEST(Extraction, SecondEngine) {
   Fixture fixture;
   test::g_first_engine.entries = {
