@@ -127,9 +127,12 @@ GTEST_TEST(Extraction, EachEntryIsWrittenOrNamed) {
 GTEST_TEST(Extraction, LinksOfOneNameAreToldApart) {
   Fixture fixture;
   test::g_first_engine.entries = {{"l", "", ReadStatus::kEnd, EntryKind::kLink, "a"},
-                                  {"l", "", ReadStatus::kEnd, EntryKind::kLink, "b"}};
+                                  {"l", "", ReadStatus::kEnd, EntryKind::kLink, "b"},
+                                  {"l", "", ReadStatus::kEnd, EntryKind::kLink, "c"},
+                                  {"l", "4"}};
   fixture.Run();
-  EXPECT_EQ(fixture.Out(), (Files{{"l", "link to a"}, {"l (2)", "link to b"}}));
+  EXPECT_EQ(fixture.Out(),
+            (Files{{"l", "link to a"}, {"l (2)", "link to b"}, {"l (3)", "link to c"}, {"l (4)", "file 4"}}));
   EXPECT_FALSE(fixture.calls[0].failed);
 }
 
