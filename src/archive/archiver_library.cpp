@@ -78,7 +78,7 @@ std::vector<std::string> ArchiverLibrary::EntryNames(const std::string& archive)
   for (std::int32_t end = find_first_(handle, "*.*", &entry); end == 0; end = find_next_(handle, &entry)) {
     std::string name = EntryName(handle, entry);
     std::replace(name.begin(), name.end(), '\\', '/');
-    if (!name.empty()) names.push_back(std::move(name));
+    names.push_back(std::move(name));
   }
   return names;
 }

@@ -22,8 +22,8 @@ class ArchiverLibrary {
   // Is the file an archive of this family? Not when the library cannot be told its path.
   bool Accepts(const std::string& path) const;
 
-  // The entries in archive order, as the archive spells them, with "/" between the parts; entries without a
-  // name are left out. None when the archive cannot be opened: a library with a session has reported why.
+  // The entries in archive order, as the archive spells them, with "/" between the parts; empty for one that has
+  // no name. None when the archive cannot be opened: a library with a session has reported why.
   std::vector<std::string> EntryNames(const std::string& archive) const;
 
   // Text for the library; nothing when its encoding cannot hold the text.

@@ -1,6 +1,7 @@
 #include "archive/clsArchiver.h"
 
 #include <exception>
+#include <string>
 #include <unordered_set>
 #include <utility>
 
@@ -157,6 +158,11 @@ void clsArchiver::RememberPassword(const Work& work) {
 void clsArchiver::List(Work* work) {
   work->session.BeginCall();
   work->names = work->library.EntryNames(pFileName);
+  const std::size_t nameless = std::erase(work->names, "");
+  if (nameless > 0) {
+    work->report->problems.push_back(
+        {"", "there is no name for " + std::to_string(nameless) + " of its entries"});
+  }
   work->session.RethrowFault();
 }
 

@@ -93,6 +93,7 @@ class ExtractionFolder::Impl {
   std::map<dev_t, std::unordered_set<ino_t>> ours;         // the files that were committed
   std::unordered_map<std::string, unsigned> last_numbers;  // that FreeName gave
   std::vector<Link> links;
+  std::unordered_set<std::string> link_paths;  // of those, which nothing else is to get
   std::map<std::string, timespec> folder_times;
 };
 
@@ -221,7 +222,7 @@ Result ExtractionFolder::FreeName(const std::string& path, std::string* free_pat
     Occupant occupant;
     Result result = Look(candidate, &occupant);
     if (!result.ok()) return result;
-    if (occupant.taken != Taken::kFree) continue;
+    if (occupant.taken != Taken::kFree || impl_->link_paths.contains(candidate)) continue;
     *free_path = std::move(candidate);
     return Success();
   }
@@ -230,12 +231,16 @@ Result ExtractionFolder::FreeName(const std::string& path, std::string* free_pat
 Result ExtractionFolder::AddLink(const std::string& path, const std::string& target, Replace replace) {
   Result result = CheckPath(path);
   if (result.ok()) result = CheckLinkTarget(path, target);
-  if (result.ok()) impl_->links.push_back({path, target, replace});
+  if (result.ok()) {
+    impl_->links.push_back({path, target, replace});
+    impl_->link_paths.insert(path);
+  }
   return result;
 }
 
 std::vector<Result> ExtractionFolder::Finish() {
   std::vector<Result> failures;
+  impl_->link_paths.clear();
   for (const Link& link : std::exchange(impl_->links, {})) {
     Result result = impl_->MakeLink(link);
     if (result.ok()) continue;

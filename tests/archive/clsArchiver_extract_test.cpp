@@ -73,6 +73,7 @@ GTEST_TEST(ClsArchiverExtract, WhatIsLeftToExtract) {
       {"closed\nlisting it is cut\n", "", false, "", {": it is cut"}},
       {"entry ../a\nentry b\n", "", false, "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"B\"\n", {"../a: "}},
       {"entry ..\n", "", false, "", {"..: "}},
+      {"entry \n", "", false, "", {": there is no name for 1 of its entries"}},
       {"entry a\nproblem its checksum is wrong\nproblem x\n",
        "",
        false,

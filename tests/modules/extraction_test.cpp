@@ -132,6 +132,19 @@ GTEST_TEST(Extraction, WithoutPathsAColonIsNoDrive) {
   EXPECT_EQ(fixture.host.problems, std::vector<std::string>{});
 }
 
+// Links are made last, but have had their names all along.
+GTEST_TEST(Extraction, LinksOfOneNameAreToldApart) {
+  Fixture fixture;
+  test::g_first_engine.entries = {{"l", "", ReadStatus::kEnd, EntryKind::kLink, "a"},
+                                  {"l", "", ReadStatus::kEnd, EntryKind::kLink, "b"},
+                                  {"l", "", ReadStatus::kEnd, EntryKind::kLink, "c"},
+                                  {"l", "4"}};
+  fixture.Run();
+  EXPECT_EQ(fixture.Out(),
+            (Files{{"l", "link to a"}, {"l (2)", "link to b"}, {"l (3)", "link to c"}, {"l (4)", "file 4"}}));
+  EXPECT_FALSE(fixture.calls[0].failed);
+}
+
 GTEST_TEST(Extraction, SecondEngine) {
   Fixture fixture;
   test::g_first_engine.entries = {
@@ -253,6 +266,18 @@ GTEST_TEST(Extraction, SuspiciousArchivesAreAskedAbout) {
     EXPECT_EQ(fixture.Out().size(), row.extracted);
     EXPECT_EQ(fixture.calls[0].failed, row.answer == ARCHIVER_NO);
   }
+}
+
+GTEST_TEST(Extraction, SizesThatFitNoDiskAreRefusedBeforehand) {
+  Fixture fixture;
+  ScriptedEntry large{"a", "1"};
+  large.declared_size = std::uint64_t{1} << 63;
+  test::g_first_engine.entries = {large, large, {"b", "2"}};
+  fixture.Run();
+  EXPECT_TRUE(fixture.calls[0].failed);
+  ASSERT_EQ(fixture.host.problems.size(), 1U);
+  EXPECT_NE(fixture.host.problems[0].find("bytes free"), std::string::npos) << fixture.host.problems[0];
+  EXPECT_TRUE(fixture.Out().empty());
 }
 
 GTEST_TEST(Extraction, CancelLeavesNothingIncomplete) {

@@ -1,5 +1,7 @@
 #include "archive/modules/common/module.h"
 
+#include "archive/modules/zip/zip_family.h"
+#include "support/archives.h"
 #include "support/file_systems.h"
 #include "support/scripted_family.h"
 #include "support/temp_folder.h"
@@ -9,11 +11,11 @@ namespace {
 
 struct Fixture {
   test::TempFolder folder;
-  Module module{test::kScriptedFamily};
+  Module module;
   std::vector<std::string> problems;
   ArchiverSession session{};
 
-  explicit Fixture(bool utf8 = true) {
+  explicit Fixture(bool utf8 = true, const Family& family = test::kScriptedFamily) : module(family) {
     test::g_first_engine = {};
     test::g_second_engine.reset();
     test::WriteFile(folder / "a", "archive");
@@ -112,6 +114,18 @@ GTEST_TEST(Module, CommandWritesTheLog) {
   EXPECT_NE(fixture.module.Command("-x --what", output.data(), 1000), 0);
   EXPECT_EQ(std::string(output.data()),
             "Archive: \r\nfailed     the command line has an unknown word: --what\r\n");
+}
+
+// Several libraries fail over damaged content; one of them knows only that.
+GTEST_TEST(Module, NamesTheReasonThatTellsMost) {
+  Fixture fixture(true, kZipFamily);
+  std::string zip = test::StoredZip({{"a", "12345678"}});
+  test::Patch(&zip, 31, 'x', 1);
+  test::WriteFile(fixture.folder / "a", zip);
+  std::vector<char> output(1000);
+  EXPECT_NE(fixture.module.Command(fixture.CommandLine().c_str(), output.data(), 1000), 0);
+  ASSERT_EQ(fixture.problems.size(), 1U);
+  EXPECT_TRUE(fixture.problems[0].starts_with("a: ZIP bad CRC")) << fixture.problems[0];
 }
 
 GTEST_TEST(Module, CallsOverOneArchive) {

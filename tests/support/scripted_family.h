@@ -18,6 +18,7 @@ struct ScriptedEntry {
   modules::EntryKind kind = modules::EntryKind::kFile;
   std::string link_target{};
   std::int64_t write_time = 1'000'000'000;
+  std::optional<std::uint64_t> declared_size{};  // none: that of the content
 };
 
 struct ScriptedArchive {
@@ -42,7 +43,8 @@ class ScriptedReader : public modules::EntryReader {
     entry->path = scripted.path;
     entry->kind = scripted.kind;
     entry->link_target = scripted.link_target;
-    if (scripted.ends == modules::ReadStatus::kEnd) entry->size = scripted.content.size();
+    if (scripted.ends == modules::ReadStatus::kEnd)
+      entry->size = scripted.declared_size.value_or(scripted.content.size());
     entry->attributes.write_time = platform::EntryTime{scripted.write_time, 0};
     given_ = false;
     return modules::ReadStatus::kOk;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <unordered_map>
@@ -137,7 +138,8 @@ void Extraction::ChooseEntries() {
     unmatched.erase(name);
     if (wanted_[i].call == nullptr) continue;
     ++left_;
-    total_ += entry.size.value_or(0);
+    // What the archive declares may be anything; a sum that begins again at 0 would fit every disk.
+    total_ += std::min(entry.size.value_or(0), std::numeric_limits<std::uint64_t>::max() - total_);
   }
   for (const auto& [name, call] : unmatched) Fail(call, name, "there is no such entry");
 }

@@ -62,7 +62,9 @@ class UnarrReader : public EntryReader {
     const std::size_t size = std::min(left_, kPieceSize);
     buffer_.resize(kPieceSize);
     if (!ar_entry_uncompress(archive_.get(), buffer_.data(), size)) {
-      return content_ = Fail("the content is damaged, or packed in a way that is not known");
+      // It may be either, so that what another library says of the content counts more.
+      reason_ = "the content is damaged, or packed in a way that is not known";
+      return content_ = ReadStatus::kUnsupported;
     }
     left_ -= size;
     finished_ = left_ == 0;
