@@ -235,6 +235,9 @@ void Extraction::WriteFile(std::size_t index, const Entry& entry, EntryReader* r
       return Stop(result.path + ": " + result.reason);
     }
     Fail(wanted.call, entry.path, result.reason);
+  } else if (status == ReadStatus::kPassword) {  // no engine opens without it
+    writer_->Discard();
+    Fail(wanted.call, entry.path, reader->Reason());
   } else if (status != ReadStatus::kEnd) {
     writer_->Discard();
     if (!stopped_.empty()) return;
