@@ -7,6 +7,7 @@ namespace quendle {
 namespace {
 
 constexpr int kMostQuestionsForPassword = 3;
+constexpr std::chrono::milliseconds kBetweenReports{50};
 
 }  // namespace
 
@@ -37,6 +38,15 @@ ArchiveSession::~ArchiveSession() {
 
 void ArchiveSession::RethrowFault() {
   if (fault_) std::rethrow_exception(std::exchange(fault_, nullptr));
+}
+
+bool ArchiveSession::MayGoOn() {
+  const auto now = std::chrono::steady_clock::now();
+  if (now - asked_to_go_on_ < kBetweenReports) return true;
+  asked_to_go_on_ = now;
+  progress_shown_ = true;
+  cancelled_ = !user_.ShowProgress({archive_, 0, 0}, false);
+  return !cancelled_;
 }
 
 std::int32_t ArchiveSession::OnProgress(void* user, const char* path, std::uint64_t done,

@@ -2,6 +2,7 @@
 // list in which it reports problems.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <exception>
 #include <optional>
@@ -37,6 +38,9 @@ class ArchiveSession {
   // the call.
   void RethrowFault();
 
+  // For work of the program's own in between: false when the user wants no more.
+  bool MayGoOn();
+
   bool IsCancelled() const { return cancelled_; }
 
   // The password given last; empty when none was.
@@ -68,6 +72,7 @@ class ArchiveSession {
   bool offered_ = false;
   int asked_ = 0;
   std::optional<std::int32_t> answer_to_all_;
+  std::chrono::steady_clock::time_point asked_to_go_on_ = std::chrono::steady_clock::now();
   bool progress_shown_ = false;
   bool cancelled_ = false;
   std::exception_ptr fault_;

@@ -60,6 +60,7 @@ bool ExtractionRun::Extract(const std::vector<ExtractionGroup>& groups) {
   const std::size_t known_problems = context_.problems.size();
   if (context_.library.HasExtractCalls() && pairs_.size() > 1) {
     context_.guarded([this] { ExtractTogether(); });
+    for (const Pair& pair : pairs_) RemoveResponseFile(pair);
   } else {
     ExtractOneByOne();
   }
@@ -74,12 +75,19 @@ bool ExtractionRun::Extract(const std::vector<ExtractionGroup>& groups) {
 bool ExtractionRun::WriteResponseFiles(const std::vector<ExtractionGroup>& groups) {
   bool written = true;
   for (const ExtractionGroup& group : groups) {
-    written = written && WriteResponseFile(group);
+    written = written && MayGoOn() && WriteResponseFile(group);
   }
   if (!written) {
     for (const Pair& pair : pairs_) RemoveResponseFile(pair);
   }
   return written;
+}
+
+// Thousands of groups take a while before a library is called that reports progress.
+bool ExtractionRun::MayGoOn() {
+  if (context_.session.MayGoOn()) return true;
+  Fail(Failure(platform::Code::kCancelled, "", "it was stopped"));
+  return false;
 }
 
 bool ExtractionRun::WriteResponseFile(const ExtractionGroup& group) {
@@ -100,8 +108,8 @@ bool ExtractionRun::WriteResponseFile(const ExtractionGroup& group) {
   return result.ok();
 }
 
-// Makes the output folder and the command line; false leaves the pair out.
-bool ExtractionRun::Prepare(Pair* pair) {
+// Makes the output folder and the command line, which stays empty when the pair is left out.
+void ExtractionRun::Prepare(Pair* pair) {
   const std::string folder = OutputFolder(context_.destination, pair->sub_folder);
   platform::Result result = CheckOutputFolder(context_.destination, pair->sub_folder);
   if (result.ok()) (void)MakeDirNested(folder, &result);
@@ -110,13 +118,12 @@ bool ExtractionRun::Prepare(Pair* pair) {
         CommandLine(context_.row, context_.options, context_.archive, folder, pair->response_file));
     if (line) {
       pair->command_line = *line;
-      return true;
+      return;
     }
     result = Failure(platform::Code::kRefused, folder, "the library's encoding cannot hold the path");
   }
   Fail(result);
   RemoveResponseFile(*pair);
-  return false;
 }
 
 void ExtractionRun::ExtractOneByOne() {
@@ -125,7 +132,8 @@ void ExtractionRun::ExtractOneByOne() {
     bool goes_on = true;
     context_.guarded([&] {
       const Buffer output = MakeBuffer(1, size);
-      if (!Prepare(&pair)) return;
+      Prepare(&pair);
+      if (pair.command_line.empty()) return;
       context_.session.BeginCall();
       const std::int32_t result = context_.library.Command(pair.command_line, output.get(), size);
       goes_on = Settle(pair, output.get(), result);
@@ -137,7 +145,11 @@ void ExtractionRun::ExtractOneByOne() {
 
 void ExtractionRun::ExtractTogether() {
   const std::uint32_t size = context_.output.SHOWRESULT ? kShownOutput : kHiddenOutput;
-  std::erase_if(pairs_, [this](Pair& pair) { return !Prepare(&pair); });
+  for (Pair& pair : pairs_) {
+    if (!MayGoOn()) return;
+    Prepare(&pair);
+  }
+  std::erase_if(pairs_, [](const Pair& pair) { return pair.command_line.empty(); });
   if (pairs_.empty()) return;
   const Buffer outputs = MakeBuffer(pairs_.size(), size);
   std::vector<ArchiverCall> calls;

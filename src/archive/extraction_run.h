@@ -40,7 +40,8 @@ class ExtractionRun {
   explicit ExtractionRun(Context context) : context_(std::move(context)) {}
 
   // True when the last call of the library succeeded. A group whose folder cannot be had is a problem and is
-  // left out. After a call that failed no further group is extracted, and the response files of those stay.
+  // left out. After a call that failed no further one is made, and the response files of those that were not
+  // made stay; calls in one pass are all made.
   bool Extract(const std::vector<ExtractionGroup>& groups);
 
  private:
@@ -52,7 +53,8 @@ class ExtractionRun {
 
   bool WriteResponseFiles(const std::vector<ExtractionGroup>& groups);
   bool WriteResponseFile(const ExtractionGroup& group);
-  bool Prepare(Pair* pair);
+  bool MayGoOn();
+  void Prepare(Pair* pair);
   void ExtractOneByOne();
   void ExtractTogether();
   bool Settle(const Pair& pair, const char* output, std::int32_t result);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/modString.h"
+#include "platform/code_page.h"
 #include "platform/durable_file.h"
 #include "platform/known_folders.h"
 #include "platform/unicode.h"
@@ -96,6 +97,11 @@ std::vector<std::string> SettingsWarnings(const Globals& globals) {
     if (file == items) items_readable = false;
     if (read.path == creation.path) continue;
     warnings.push_back(Describe(read) + (file == items ? ": there are no profiles" : ""));
+  }
+  const std::string charset = globals.g_PropDefault->ARCHIVECHARSET();
+  if (!charset.empty() && !platform::TextFromEncoding("", charset)) {
+    warnings.push_back(globals.g_PropDefault->FileName() +
+                       ": ArchiveCharset is no known encoding: " + charset);
   }
   if (items_readable && globals.g_Mover->Profiles().empty()) {
     warnings.push_back(items + ": there are no profiles in it");

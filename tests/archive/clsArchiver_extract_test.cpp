@@ -43,7 +43,7 @@ GTEST_TEST(ClsArchiverExtract, StopsAtTheFirstResultThatIsNotZero) {
       bench.archiver.SMARTMAKEDIR = true;
       EXPECT_EQ(bench.archiver.mExtractArchive(bench.folder / "d"), row.succeeds);
       EXPECT_TRUE(bench.archiver.SMARTMAKEDIR);
-      EXPECT_EQ(bench.ResponseFilesLeft(), row.left);
+      EXPECT_EQ(bench.ResponseFilesLeft(), is_plain ? row.left : 0);
       const std::string calls = is_plain ? platform::TextFromAnsi(bench.Calls()) : bench.Calls();
       EXPECT_TRUE(row.succeeds ? calls == kTreeCalls : kTreeCalls.starts_with(calls)) << calls;
       EXPECT_EQ(bench.user.logs, Texts{"Extracted from " + bench.folder / "a.lzh" + ":\r\n\r\n" + row.log});

@@ -101,6 +101,7 @@ GTEST_TEST(Extraction, EachEntryIsWrittenOrNamed) {
       {{"../a.txt", "x"}, {}, "../a.txt: "},
       {{"/abs", "x"}, {}, "/abs: "},
       {{"a\nb", "x"}, {{"a_b", "file x"}}, ""},
+      {{"././a.txt", "x"}, {{"a.txt", "file x"}}, ""},
       {{"half", "xxx", ReadStatus::kFailed}, {}, "half: scripted"},
       {{"odd", "", ReadStatus::kUnsupported}, {}, "odd: scripted"},
   };

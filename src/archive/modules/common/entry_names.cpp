@@ -40,6 +40,11 @@ std::string DecodeName(std::string_view bytes, bool says_utf8, const std::string
   return name;
 }
 
+std::string WithoutCurrentFolder(std::string path) {
+  while (path.starts_with("./")) path.erase(0, 2);
+  return path;
+}
+
 bool IsKnownCharset(const std::string& charset) {
   return platform::TextFromEncoding("", charset).has_value();
 }

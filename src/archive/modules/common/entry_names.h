@@ -14,6 +14,10 @@ namespace quendle::modules {
 //   "\x95\x5C.txt" => "表.txt"    "\xCA\xDD.txt" => "ﾊﾝ.txt"    "caf\xE9.txt" => "café.txt"
 std::string DecodeName(std::string_view bytes, bool says_utf8, const std::string& charset);
 
+// The path without "./" in front, by which some packers say that it is below the folder that they packed.
+//   "./a/b" => "a/b"    "./" => ""    "../a" => "../a"
+std::string WithoutCurrentFolder(std::string path);
+
 // Is there an encoding of that name?
 bool IsKnownCharset(const std::string& charset);
 

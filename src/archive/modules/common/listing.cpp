@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "archive/modules/common/entry_names.h"
+
 namespace quendle::modules {
 namespace {
 
@@ -29,6 +31,8 @@ Attempt ListWith(const Engine& engine, const ArchiveInput& input, const ReaderOp
       attempt.problem = "there are too many entries";
     }
     if (!attempt.problem.empty()) return attempt;
+    entry.path = WithoutCurrentFolder(std::move(entry.path));
+    if (entry.path.empty() && entry.kind == EntryKind::kFolder) continue;  // the folder that was packed
     attempt.entries.push_back(std::move(entry));
   }
 }

@@ -4,6 +4,8 @@
 #include <exception>
 #include <utility>
 
+#include "archive/modules/common/entry_names.h"
+
 namespace quendle::modules {
 namespace {
 
@@ -58,6 +60,7 @@ bool ReadAhead::ReadEntry(std::uint64_t number) {
     Give(std::move(item));
     return false;
   }
+  item.entry.path = WithoutCurrentFolder(std::move(item.entry.path));
   if (hooks_.is_wanted(item.entry)) return ReadWanted(number, std::move(item));
   item.end = ReadStatus::kEnd;
   return Give(std::move(item));

@@ -47,7 +47,11 @@ std::optional<platform::EntryTime> TimeOf(std::string_view extra, std::uint32_t 
   }
   const std::string_view unix_times = ExtraField(extra, 0x5455);
   if (unix_times.size() >= 5 && (unix_times[0] & 1) != 0) {
-    return platform::EntryTime{static_cast<std::int32_t>(Double(unix_times, 1)), 0};
+    // 32 bits with a sign, but some packers go on without it after 2038.
+    const std::int64_t seconds = static_cast<std::int32_t>(Double(unix_times, 1));
+    const bool is_after_2038 = (dos_time >> 25U) + 1980 >= 2038;
+    return platform::EntryTime{seconds < 0 && is_after_2038 ? seconds + (std::int64_t{1} << 32U) : seconds,
+                               0};
   }
   return TimeFromDos(dos_time);
 }
