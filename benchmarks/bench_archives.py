@@ -9,7 +9,7 @@ import tempfile
 from common import MEMORY, PROGRAM, measure, settings
 
 SOURCES = ("/usr/lib", "/usr/include", "/usr/share")
-ROUNDS = 7
+ROUNDS = 4
 
 
 def fill(folder, total, most=20_000_000):

@@ -95,7 +95,10 @@ bool ExtractionRun::WriteResponseFile(const ExtractionGroup& group) {
   for (const std::string& name : group.names) {
     text.append(text.empty() ? "" : "\r\n").append(AddQuotes(platform::UpperCase(name)));
   }
-  const std::string path = GetTempFilePath(true, "");
+  // Of a large archive there are thousands, which on a disk take longer than the rest.
+  const std::string runtime_folder = platform::RuntimeFolder();
+  std::string path = runtime_folder.empty() ? "" : GetTempFilePath(true, runtime_folder);
+  if (path.empty()) path = GetTempFilePath(true, "");
   if (path.empty()) {
     Fail(Failure(platform::Code::kFailed, platform::TemporaryFolder(), "no temporary file can be made"));
     return false;

@@ -53,8 +53,12 @@ class ExtractionFolder::Impl {
 
   // Opens the folder that `path` is in.
   Result EnterParent(const std::string& path, bool make, FolderHandle* folder) {
-    Result result = CheckPath(path);
-    return result.ok() ? folders.Enter(ParentOf(path), make, folder) : result;
+    if (path != checked_path) {  // each file's comes several times
+      Result result = CheckPath(path);
+      if (!result.ok()) return result;
+      checked_path = path;
+    }
+    return folders.Enter(ParentOf(path), make, folder);
   }
 
   // Gives what has the temporary name in `from` its own.
@@ -87,6 +91,7 @@ class ExtractionFolder::Impl {
   Result MakeLink(const Link& link);
 
   OpenFolders folders;
+  std::string checked_path;
   // One for all: it is in use for one entry at a time.
   std::string temporary_name = TemporaryPath("");
   std::unique_ptr<UnfinishedFile> unfinished;

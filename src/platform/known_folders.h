@@ -11,6 +11,10 @@ std::string CurrentFolder();
 std::string ExecutableFolder();
 std::string TemporaryFolder();
 
+// For small files that are gone with the session, in memory as a rule: $XDG_RUNTIME_DIR. Empty where a session
+// has none.
+std::string RuntimeFolder();
+
 // Where a user's programs keep their settings: $XDG_CONFIG_HOME, else ~/.config. A relative value counts as
 // none.
 std::string SettingsRoot();

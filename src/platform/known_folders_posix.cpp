@@ -61,6 +61,11 @@ std::string TemporaryFolder() {
   return IsFolder(folder) ? folder : "/tmp";
 }
 
+std::string RuntimeFolder() {
+  const std::string folder = FolderVariable("XDG_RUNTIME_DIR");
+  return IsFolder(folder) ? folder : "";
+}
+
 std::string SettingsRoot() {
   const std::string root = FolderVariable("XDG_CONFIG_HOME");
   return root.empty() ? Below(HomeFolder(), ".config") : root;

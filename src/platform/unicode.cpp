@@ -26,6 +26,11 @@ void AppendUnit(char32_t unit, std::string* bytes) {
 }  // namespace
 
 bool TakeCodePoint(std::string_view* text, char32_t* code_point) {
+  if (const auto first = static_cast<unsigned char>(text->front()); first < 0x80) {  // nearly all text
+    *code_point = first;
+    text->remove_prefix(1);
+    return true;
+  }
   utf8proc_int32_t value = 0;
   const utf8proc_ssize_t length =
       utf8proc_iterate(Bytes(*text), static_cast<utf8proc_ssize_t>(text->size()), &value);
@@ -40,6 +45,10 @@ bool TakeCodePoint(std::string_view* text, char32_t* code_point) {
 }
 
 void AppendCodePoint(char32_t code_point, std::string* text) {
+  if (code_point < 0x80) {
+    text->push_back(static_cast<char>(code_point));
+    return;
+  }
   utf8proc_uint8_t bytes[4];
   const utf8proc_ssize_t length = utf8proc_encode_char(static_cast<utf8proc_int32_t>(code_point), bytes);
   text->append(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length));

@@ -25,6 +25,7 @@ class ArchiverBench {
   explicit ArchiverBench(const std::string& profile = "", const std::string& standard = "")
       : settings("[p]\n" + profile, "[General]\n" + standard),
         temporary("TMPDIR", MakeFolder("tmp")),
+        runtime("XDG_RUNTIME_DIR", ""),
         output(user),
         archiver({settings.profiles, settings.standard, user, [this]() -> clsOutput& { return output; },
                   folder / "modules"}) {
@@ -70,6 +71,7 @@ class ArchiverBench {
   TempFolder folder;
   Settings settings;
   ScopedVariable temporary;
+  ScopedVariable runtime;
   ScriptedUser user;
   clsOutput output;
   clsArchiver archiver;
