@@ -29,10 +29,10 @@ enum class FolderPlace : std::uint8_t {
 struct ArchiverRow {
   std::int16_t type;
   FolderPlace folder_place;
-  int header_lines;     // of its log, left out where several logs are joined
-  const char* name;     // shown for the type
-  const char* library;  // the library's file without the system's suffix
-  const char* prefix;   // of its functions
+  int header_lines;                    // of its log, left out where several logs are joined
+  const char* name;                    // shown for the type
+  const char* library;                 // the library's file without the system's suffix
+  const char* prefix;                  // of its functions
   std::span<const CommandPart> parts;  // in the order in which they are joined
 };
 
