@@ -29,8 +29,6 @@ int SupportFormat(archive* library, LibarchiveFormat format) {
       return archive_read_support_format_rar(library);
     case LibarchiveFormat::kRar5:
       return archive_read_support_format_rar5(library);
-    case LibarchiveFormat::kLzh:
-      return archive_read_support_format_lha(library);
   }
   return ARCHIVE_FATAL;
 }
