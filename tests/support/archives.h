@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "archive/modules/common/crc32.h"
+#include "archive/modules/common/checksum.h"
 #include "archive/modules/common/family.h"
 #include "platform/utf8_locale.h"
 

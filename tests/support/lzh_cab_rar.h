@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "archive/modules/common/checksum.h"
-#include "archive/modules/common/crc32.h"
 #include "archive/modules/common/little_endian.h"
 #include "support/archives.h"
 

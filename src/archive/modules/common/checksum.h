@@ -1,4 +1,4 @@
-// The checksums of contents, fast enough for those that come off the disk as they are.
+// The checksums of the formats, fast enough for contents that come off the disk as they are.
 #pragma once
 
 #include <array>
@@ -54,5 +54,11 @@ class Checksum {
 
 using Crc32Sum = Checksum<0xEDB88320, 0xFFFFFFFF>;
 using Crc16Sum = Checksum<0xA001, 0>;
+
+inline std::uint32_t Crc32(std::string_view bytes) {
+  Crc32Sum sum;
+  sum.Add(bytes);
+  return sum.Value();
+}
 
 }  // namespace quendle::modules

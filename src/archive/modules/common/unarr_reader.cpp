@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "archive/modules/common/entry_names.h"
+#include "archive/modules/common/entry_times.h"
 
 namespace quendle::modules {
 
@@ -13,10 +14,6 @@ namespace {
 
 constexpr std::uint64_t kMemoryLimit = 64U << 20;
 constexpr std::size_t kPieceSize = 256U << 10;
-
-// What unarr counts in: steps of 100 nanoseconds since 1601.
-constexpr std::int64_t kStepsPerSecond = 10'000'000;
-constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
 
 struct CloseStream {
   void operator()(ar_stream* stream) const { ar_close(stream); }
@@ -88,8 +85,7 @@ class UnarrReader : public EntryReader {
     content_ = ReadStatus::kOk;
     entry->size = left_;
     if (const std::int64_t time = ar_entry_get_filetime(archive_.get()); time > 0) {
-      entry->attributes.write_time = {time / kStepsPerSecond - kSecondsFrom1601To1970,
-                                      static_cast<std::int32_t>(time % kStepsPerSecond * 100)};
+      entry->attributes.write_time = TimeFromNtfs(static_cast<std::uint64_t>(time));
     }
     if (!describe_) {
       const char* name = ar_entry_get_name(archive_.get());

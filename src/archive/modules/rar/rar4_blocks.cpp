@@ -4,7 +4,7 @@
 #include <string_view>
 #include <utility>
 
-#include "archive/modules/common/crc32.h"
+#include "archive/modules/common/checksum.h"
 #include "archive/modules/common/little_endian.h"
 #include "platform/unicode.h"
 

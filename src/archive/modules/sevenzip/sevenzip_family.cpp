@@ -3,7 +3,7 @@
 #include <memory>
 #include <utility>
 
-#include "archive/modules/common/crc32.h"
+#include "archive/modules/common/checksum.h"
 #include "archive/modules/common/libarchive_reader.h"
 #include "archive/modules/common/little_endian.h"
 #include "archive/modules/common/signature_scan.h"

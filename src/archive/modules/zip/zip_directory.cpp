@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "archive/modules/common/crc32.h"
+#include "archive/modules/common/checksum.h"
 #include "archive/modules/common/entry_names.h"
 #include "archive/modules/common/entry_times.h"
 #include "archive/modules/common/little_endian.h"
