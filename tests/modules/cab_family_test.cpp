@@ -1,5 +1,7 @@
 #include "archive/modules/cab/cab_family.h"
 
+#include <algorithm>
+
 #include "archive/modules/common/entry_times.h"
 #include "support/lzh_cab_rar.h"
 #include "support/temp_folder.h"
@@ -7,6 +9,7 @@
 namespace quendle::modules {
 namespace {
 
+using test::CabSet;
 using test::StoredCab;
 
 test::UnpackedArchive Unpack(const std::string& bytes) {
@@ -14,6 +17,9 @@ test::UnpackedArchive Unpack(const std::string& bytes) {
   test::WriteFile(folder / "a.cab", bytes);
   return test::Unpack(kCabFamily, folder / "a.cab");
 }
+
+// Stored, and packed as most cabinets are.
+const CabSet kPackings[] = {{}, {.mszip = true}};
 
 std::string Text(const std::string& bytes) {
   return Unpack(bytes).Text();
@@ -38,27 +44,46 @@ GTEST_TEST(Cab, ReadsNamesTimesAndModes) {
 GTEST_TEST(Cab, ReadsLargeFiles) {
   std::string large;
   while (large.size() < 2'500'000) large += std::to_string(large.size());
-  EXPECT_EQ(Text(StoredCab({{"a", "1"}, {"large", large}, {"b", "2"}})), "a=1 large=" + large + " b=2");
+  for (const CabSet& packed : kPackings) {
+    const std::string bytes = StoredCab({{"a", "1"}, {"large", large}, {"b", "2"}}, packed);
+    EXPECT_EQ(Text(bytes), "a=1 large=" + large + " b=2");
+  }
 }
 
 GTEST_TEST(Cab, DamageIsNoticed) {
-  const std::string bytes = StoredCab({{"a", "first"}, {"b", "second"}});
-  for (std::size_t size = 0; size < bytes.size(); ++size) {
-    ASSERT_NE(Text(bytes.substr(0, size)).find('!'), std::string::npos) << size;
+  for (const CabSet& packed : kPackings) {
+    const std::string bytes = StoredCab({{"a", "first"}, {"b", "second"}}, packed);
+    for (std::size_t size = 0; size < bytes.size(); ++size) {
+      ASSERT_NE(Text(bytes.substr(0, size)).find('!'), std::string::npos) << size;
+    }
+    std::string damaged = bytes;
+    damaged.back() ^= 1;
+    const std::string text = Text(damaged);
+    EXPECT_EQ(std::count(text.begin(), text.end(), '!'), 2) << text;
   }
-  std::string damaged = bytes;
-  damaged.back() ^= 1;
-  EXPECT_EQ(Text(damaged), "a!a checksum does not agree b!the packed data in front of it is damaged");
 }
 
 // What lies behind a damaged block is never taken for something else.
 GTEST_TEST(Cab, DoesNotSlipOverDamagedBlocks) {
-  std::string bytes = StoredCab(
-      {{"a", std::string(32'768, 'a')}, {"b", std::string(32'768, 'b')}, {"c", std::string(32'768, 'c')}});
-  bytes[bytes.size() - 3 * 32'768] ^= 1;
-  const auto read = Unpack(bytes);
-  ASSERT_EQ(read.entries.size(), 3U);
-  for (const auto& one : read.entries) EXPECT_NE(one.problem, "") << one.entry.path;
+  constexpr std::size_t kBlock = 32'768;
+  for (const CabSet& packed : kPackings) {
+    std::string bytes = StoredCab(
+        {{"a", std::string(kBlock, 'a')}, {"b", std::string(kBlock, 'b')}, {"c", std::string(kBlock, 'c')}},
+        packed);
+    bytes[bytes.size() - 2 * kBlock + 100] ^= 1;
+    const auto read = Unpack(bytes);
+    ASSERT_EQ(read.entries.size(), 3U);
+    EXPECT_EQ(read.entries[0].problem, "");
+    for (std::size_t i : {1, 2}) EXPECT_NE(read.entries[i].problem, "") << i;
+  }
+}
+
+GTEST_TEST(Cab, FilesMayShareTheirContent) {
+  for (const CabSet& packed : kPackings) {
+    std::string bytes = StoredCab({{"a", "one"}, {"b", "two"}}, packed);
+    test::Patch(&bytes, bytes.find("b\0") - 12, 0, 4);
+    EXPECT_EQ(Text(bytes), "a=one b=one");
+  }
 }
 
 GTEST_TEST(Cab, IsFoundBehindProgramsOnly) {

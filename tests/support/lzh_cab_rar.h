@@ -72,6 +72,7 @@ struct CabSet {
   std::string next = {};
   std::string data = {};  // in place of the entries' contents
   std::size_t data_size = 0;
+  bool mszip = false;  // of blocks that deflate stores
 };
 
 inline std::uint32_t CabChecksum(const std::string& bytes, std::uint32_t sum) {
@@ -86,6 +87,10 @@ inline std::uint32_t CabChecksum(const std::string& bytes, std::uint32_t sum) {
 inline std::string CabBlock(const std::string& data, std::size_t unpacked) {
   const std::string sizes = Number(data.size(), 2) + Number(unpacked, 2);
   return Number(CabChecksum(sizes, CabChecksum(data, 0)), 4) + sizes + data;
+}
+
+inline std::string MszipData(const std::string& data) {
+  return "CK\1" + Number(data.size(), 2) + Number(~data.size() & 0xFFFF, 2) + data;
 }
 
 inline std::string StoredCab(const std::vector<CabEntry>& entries, const CabSet& set = {}) {
@@ -107,7 +112,7 @@ inline std::string StoredCab(const std::vector<CabEntry>& entries, const CabSet&
   }
   for (std::size_t at = 0; at < contents.size() && set.data.empty(); at += kBlock, ++count) {
     const std::string data = contents.substr(at, kBlock);
-    blocks += CabBlock(data, data.size());
+    blocks += CabBlock(set.mszip ? MszipData(data) : data, data.size());
   }
   std::string names;
   for (const std::string& name : {set.previous, set.next}) {
@@ -119,7 +124,7 @@ inline std::string StoredCab(const std::vector<CabEntry>& entries, const CabSet&
   return "MSCF" + Number(0, 4) + Number(blocks_at + blocks.size(), 4) + Number(0, 4) + Number(files_at, 4) +
          Number(0, 4) + Number(0x0103, 2) + Number(1, 2) + Number(entries.size(), 2) + Number(flags, 2) +
          Number(7, 2) + Number(set.index, 2) + names + Number(blocks_at, 4) + Number(count, 2) +
-         Number(0, 2) + files + blocks;
+         Number(set.mszip ? 1 : 0, 2) + files + blocks;
 }
 
 const std::string kRar4Signature("Rar!\x1A\x07\0", 7);

@@ -7,6 +7,7 @@
 
 #include "archive/modules/cab/cab_header.h"
 #include "archive/modules/cab/mspack_reader.h"
+#include "archive/modules/cab/plain_cab.h"
 #include "archive/modules/common/signature_scan.h"
 #include "platform/unicode.h"
 
@@ -61,8 +62,10 @@ std::optional<ArchiveInput> FindCab(std::shared_ptr<const platform::InputFile> f
   return WithFollowers(std::move(file), *position);
 }
 
-std::vector<Engine> CabEngines(const ArchiveInput&) {
-  return {{"libmspack", &OpenMspack}};
+std::vector<Engine> CabEngines(const ArchiveInput& input) {
+  std::vector<Engine> engines = {{"libmspack", &OpenMspack}};
+  if (IsPlainCabinet(input)) engines.insert(engines.begin(), {"libarchive", &OpenPlainCab});
+  return engines;
 }
 
 }  // namespace

@@ -50,6 +50,7 @@ class MspackReader final : public EntryReader {
   MspackReader& operator=(const MspackReader&) = delete;
 
   bool Open();
+  bool IsPlain() const;
   ReadStatus NextEntry(Entry* entry) override;
   ReadStatus ReadContent(std::string_view* piece) override;
   const std::string& Reason() const override { return reason_; }
@@ -112,6 +113,25 @@ void MspackReader::Append(const mscabd_file& file, mscabd_folder* folder) {
   files_.push_back({file, file.filename});
   files_.back().file.folder = folder;
   files_.back().file.filename = nullptr;
+}
+
+bool MspackReader::IsPlain() const {
+  if (!problem_.empty() || cabinet_->prevname != nullptr || cabinet_->nextname != nullptr) return false;
+  const mscabd_folder* folder = cabinet_->folders;
+  std::uint64_t end = 0;
+  for (const File& named : files_) {
+    const mscabd_file& file = named.file;
+    if (file.folder != folder) {
+      folder = folder->next;
+      end = 0;
+    }
+    if (file.folder != folder || file.offset != end ||
+        MSCABD_COMP_METHOD(folder->comp_type) != MSCAB_COMP_MSZIP) {
+      return false;
+    }
+    end += file.length;
+  }
+  return true;
 }
 
 // When a folder goes on in the next cabinet the library forgets the files that begin there. So they are noted before
@@ -250,6 +270,11 @@ std::unique_ptr<EntryReader> OpenMspack(const ArchiveInput& input, const ReaderO
   if (reader->Open()) return reader;
   *reason = reader->Reason();
   return nullptr;
+}
+
+bool IsPlainCabinet(const ArchiveInput& input) {
+  MspackReader reader(input, {});
+  return reader.Open() && reader.IsPlain();
 }
 
 }  // namespace quendle::modules

@@ -29,6 +29,8 @@ int SupportFormat(archive* library, LibarchiveFormat format) {
       return archive_read_support_format_rar(library);
     case LibarchiveFormat::kRar5:
       return archive_read_support_format_rar5(library);
+    case LibarchiveFormat::kCab:
+      return archive_read_support_format_cab(library);
   }
   return ARCHIVE_FATAL;
 }
@@ -36,7 +38,8 @@ int SupportFormat(archive* library, LibarchiveFormat format) {
 // In formats with a directory of their own the library goes wherever that leads; in the others each header
 // stands behind the one before.
 bool HasDirectory(LibarchiveFormat format) {
-  return format == LibarchiveFormat::kZip || format == LibarchiveFormat::kSevenZip;
+  return format == LibarchiveFormat::kZip || format == LibarchiveFormat::kSevenZip ||
+         format == LibarchiveFormat::kCab;
 }
 
 bool NamesAreUnicode(LibarchiveFormat format) {
