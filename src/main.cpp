@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/display.h"
+#include "base/display.h"
 #include "cli/options.h"
 #include "cli/unattended.h"
 #include "core/modMain.h"

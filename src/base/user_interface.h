@@ -40,7 +40,7 @@ class UserInterface {
   virtual bool AskProceed(const std::string& question) = 0;
 
   // Shows a message of one or more lines ("\r\n" between them) until the user has seen it.
-  enum class MessageKind { kInformation, kCritical };
+  enum class MessageKind { kInformation, kExclamation, kCritical };
   virtual void ShowMessage(MessageKind kind, const std::string& text) = 0;
 
   // Shows what the archiver library said ("\r\n" between lines) until the user closes it, not looking busy

@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "base/modSystem.h"
-#include "cli/display.h"
+#include "base/display.h"
 #include "platform/unicode.h"
 
 namespace quendle {

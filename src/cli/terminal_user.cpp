@@ -5,7 +5,7 @@
 #include <cstdio>
 
 #include "base/modString.h"
-#include "cli/display.h"
+#include "base/display.h"
 #include "platform/launch.h"
 #include "platform/process.h"
 #include "platform/unicode.h"

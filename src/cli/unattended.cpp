@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "base/modString.h"
-#include "cli/display.h"
+#include "base/display.h"
 #include "cli/report.h"
 #include "cli/terminal_user.h"
 #include "core/modMain.h"

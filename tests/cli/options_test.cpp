@@ -1,6 +1,6 @@
 #include "cli/options.h"
 
-#include "cli/display.h"
+#include "base/display.h"
 
 namespace quendle {
 namespace {

@@ -1,4 +1,4 @@
-// Paths and names as they are shown: on a terminal nobody may be fooled by what a file is called, and one
+// Paths and names as they are shown: on a terminal or in a window nobody may be fooled by what a file is called, and one
 // line stays one line.
 #pragma once
 
@@ -15,6 +15,10 @@ namespace quendle {
 //   a, line break, b  => a\nb
 //   a\b               => a\\b
 std::string ForDisplay(std::string_view name);
+
+// The name that ForDisplay shows so. What no name is shown as is taken as it stands, character by character.
+//   a.txt => a.txt      a\nb => a, line break, b      a\xFF => a, byte FF      a\\b => a\b      a\q => a\q
+std::string FromDisplay(std::string_view shown);
 
 // For a string that may hold any character of UTF-8, as in JSON: bytes that are not UTF-8 become \xNN, a
 // backslash \\.

@@ -1,4 +1,4 @@
-#include "cli/display.h"
+#include "base/display.h"
 
 #include <cstdio>
 

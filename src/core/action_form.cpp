@@ -1,0 +1,1 @@
+#include "core/action_form.h"

@@ -1,0 +1,1 @@
+#include "core/failure_text.h"

@@ -1,0 +1,42 @@
+// What the program and its windows, which are a library of their own that is only loaded when one is needed, know of
+// each other.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "base/user_interface.h"
+#include "core/action_form.h"
+#include "core/modMain.h"
+#include "platform/running_copy.h"
+
+namespace quendle {
+
+// The file name of the library without its suffix; it lies in the module folder.
+inline constexpr const char* kWindowsLibrary = "QuendleWindows";
+
+class Windows {
+ public:
+  virtual ~Windows() = default;
+
+  // Questions, messages, progress and the extraction log as windows.
+  virtual UserInterface& Dialogs() = 0;
+
+  // Shows the action window for the current path of `form` and goes on to those that follow it. Returns when none is
+  // left or the user has ended the run.
+  virtual void RunActionWindow(ActionForm& form) = 0;
+};
+
+struct WindowsHost {
+  Globals& globals;                     // outlive the windows
+  const platform::RunningCopy* copy;    // may be null: nobody can ask for the windows then
+  bool (*interrupt_requested)();        // the user wants the process to stop
+  std::optional<std::string> password;  // the first to be tried for archives
+};
+
+// Exported by the library under this name. Null, with the reason in `*reason`, when no window can be shown. One call
+// in a process.
+inline constexpr const char* kMakeWindows = "QuendleMakeWindows";
+using MakeWindowsFunction = Windows* (*)(const WindowsHost& host, std::string* reason);
+
+}  // namespace quendle

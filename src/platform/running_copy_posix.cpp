@@ -1,0 +1,1 @@
+#include "platform/running_copy.h"

@@ -1,0 +1,1 @@
+#include "ui/editor_hook.h"

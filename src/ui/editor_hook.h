@@ -1,0 +1,14 @@
+// Where the windows reach the editor of profiles and settings.
+#pragma once
+
+#include <QWidget>
+
+#include "settings/clsPropItem.h"
+
+namespace quendle {
+
+// Opens the editor for what EDITMODE, Title and NEWTITLE of the store say, modal to `owner`. True when something was saved;
+// NEWTITLE is the title of the profile then.
+bool OpenEditor(QWidget* owner, clsPropItem* items);
+
+}  // namespace quendle

@@ -1,0 +1,37 @@
+// What all windows share.
+#pragma once
+
+#include <QFont>
+#include <QWidget>
+
+class QLineEdit;
+class QPlainTextEdit;
+
+namespace quendle {
+
+// One twip is 1/1440 inch; windows count 15 of them to a logical pixel.
+inline constexpr int kTwipsPerPixel = 15;
+
+// The font of text 20 at the size of text 21, in points, or where it is not installed the first of our substitutes that is. The
+// second is the fixed-pitch one, of texts 22 and 23. A size that is no number leaves Qt's.
+QFont DialogFont();
+QFont FixedPitchFont();
+
+// The dialog font for the form and every control of it.
+void ApplyFormFont(QWidget* form, bool from_string_table);
+
+// The whole text becomes the selection.
+void SelectAllText(QLineEdit* box);
+// The same whenever the box gets the focus.
+void SelectAllOnFocus(QLineEdit* box);
+
+// In front of all other windows, or not any more. To be called before the window is shown, or else it flickers.
+void SetTopmost(QWidget* form, bool topmost);
+
+// Files that are dropped on any control reach the form, which handles them.
+void EnableDropOnControls(QWidget* form);
+
+// In the middle of the screen that has the pointer, and no larger than it.
+void CentreOnScreen(QWidget* form);
+
+}  // namespace quendle

@@ -1,0 +1,20 @@
+// The window that shows the log of an extraction.
+#pragma once
+
+#include <QDialog>
+#include <string>
+
+namespace quendle {
+
+class frmOutput : public QDialog {
+ public:
+  explicit frmOutput(QWidget* owner);
+
+  // The whole text, "\r\n" between lines.
+  void pText(const std::string& text);
+
+ private:
+  class QPlainTextEdit* txt;
+};
+
+}  // namespace quendle

@@ -1,0 +1,2 @@
+// The question whether an existing file may be replaced.
+#pragma once

@@ -1,0 +1,2 @@
+// The window that shows how far an operation is.
+#pragma once

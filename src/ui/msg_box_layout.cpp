@@ -1,0 +1,1 @@
+#include "ui/msg_box_layout.h"

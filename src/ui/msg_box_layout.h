@@ -1,0 +1,2 @@
+// The arithmetic of the message and input box, in twips, without widgets.
+#pragma once

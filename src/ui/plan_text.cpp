@@ -1,0 +1,1 @@
+#include "ui/plan_text.h"
