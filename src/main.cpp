@@ -4,8 +4,11 @@
 
 #include "base/display.h"
 #include "cli/options.h"
+#include "cli/start.h"
 #include "cli/unattended.h"
+#include "cli/windowed.h"
 #include "core/modMain.h"
+#include "platform/keyboard.h"
 #include "platform/process.h"
 #include "resources/version.h"
 
@@ -26,5 +29,6 @@ int main(int argc, char** argv) {
     std::printf("%s %s\n", kProductName, GetVersionString().c_str());
     return kExitDone;
   }
+  if (IsWindowed(*options) && platform::HasDisplay()) return RunWindowed(*options);
   return RunUnattended(*options);
 }

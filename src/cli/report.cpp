@@ -2,8 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "base/modSystem.h"
 #include "base/display.h"
+#include "base/modSystem.h"
 #include "platform/unicode.h"
 
 namespace quendle {

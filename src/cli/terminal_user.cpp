@@ -4,8 +4,8 @@
 #include <array>
 #include <cstdio>
 
-#include "base/modString.h"
 #include "base/display.h"
+#include "base/modString.h"
 #include "platform/launch.h"
 #include "platform/process.h"
 #include "platform/unicode.h"

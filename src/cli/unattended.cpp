@@ -4,50 +4,25 @@
 #include <optional>
 #include <utility>
 
-#include "base/modString.h"
 #include "base/display.h"
 #include "cli/report.h"
+#include "cli/start.h"
 #include "cli/terminal_user.h"
 #include "core/modMain.h"
-#include "platform/durable_file.h"
-#include "platform/known_folders.h"
 #include "platform/process.h"
 #include "platform/result.h"
-#include "platform/unicode.h"
 #include "settings/application_folder.h"
 
 namespace quendle {
 namespace {
 
-bool IsWindowed(const Options& options) {
-  return !options.batch && !options.dry_run;
-}
-
-// A run with windows takes ten paths; the others are named so that nobody believes them done.
-std::vector<std::string> TakenPaths(const Options& options) {
-  std::vector<std::string> paths = options.paths;
-  for (std::string& path : paths) {
-    // A shell completes the name of a folder with a separator, which is no part of the name.
-    if (FolderExists(path)) path = RemoveBackslashes(path);
-  }
-  if (!IsWindowed(options) || paths.size() <= kMostPaths) return paths;
-  for (std::size_t i = kMostPaths; i < paths.size(); ++i) {
-    TerminalUser::Warn(ForDisplay(paths[i]) + ": left out, since only ten paths are taken without --batch");
-  }
-  paths.resize(kMostPaths);
-  return paths;
-}
-
 // What a run with windows would do that this one does not.
 void ExplainMissingWindows(const Options& options, Globals* globals) {
-  if (platform::HasDisplay()) {
-    TerminalUser::Warn("the windows come with a later version; acting as with --batch");
-  }
   const auto ctrl_is_down = [] { return false; };  // only a window system can tell
   globals->g_Mover->SHOWUSERFORM =
       options.confirm || WantsConfirmation(*globals->g_PropDefault, ctrl_is_down);
   if (globals->g_Mover->SHOWUSERFORM) {
-    TerminalUser::Warn("confirmation is asked for, but there is no window for it; see --dry-run");
+    TerminalUser::Warn("confirmation is asked for, but no window can be shown here; see --dry-run");
   }
 }
 
@@ -74,21 +49,6 @@ bool ResolveProfile(const Options& options, const clsMover& mover, DispatchOptio
   dispatch->profile = mover.FindTitle(*options.profile);
   if (!dispatch->profile) TerminalUser::Warn("no profile is called " + ForDisplay(*options.profile));
   return dispatch->profile.has_value();
-}
-
-// False when the file that is to hold the password does not.
-bool ReadPassword(const std::string& file, std::optional<std::string>* password) {
-  if (file.empty()) return true;
-  std::string bytes;
-  const platform::Result read = platform::ReadWholeFile(file, &bytes);
-  const std::string line = platform::WithoutMark(bytes.substr(0, bytes.find_first_of("\r\n")));
-  if (read.ok() && !line.empty()) {
-    *password = line;
-    return true;
-  }
-  const std::string reason = read.ok() ? "there is no password in its first line" : read.reason;
-  TerminalUser::Warn("--password-file " + ForDisplay(file) + ": " + reason);
-  return false;
 }
 
 }  // namespace

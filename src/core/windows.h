@@ -2,6 +2,8 @@
 // each other.
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -22,6 +24,9 @@ class Windows {
   // Questions, messages, progress and the extraction log as windows.
   virtual UserInterface& Dialogs() = 0;
 
+  // The operation whose progress is reported next to Dialogs() began at that time, while nobody needed windows.
+  virtual void ProgressBegan(std::chrono::steady_clock::time_point begin) = 0;
+
   // Shows the action window for the current path of `form` and goes on to those that follow it. Returns when none is
   // left or the user has ended the run.
   virtual void RunActionWindow(ActionForm& form) = 0;
@@ -31,6 +36,7 @@ struct WindowsHost {
   Globals& globals;                     // outlive the windows
   const platform::RunningCopy* copy;    // may be null: nobody can ask for the windows then
   bool (*interrupt_requested)();        // the user wants the process to stop
+  std::intptr_t interrupt_handle;       // becomes readable then; -1: there is none
   std::optional<std::string> password;  // the first to be tried for archives
 };
 

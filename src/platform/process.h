@@ -1,6 +1,8 @@
 // The process itself: the user's wish to stop it, the terminal it writes to.
 #pragma once
 
+#include <cstdint>
+
 namespace quendle::platform {
 
 // Opens what is closed of the three standard streams on nothing. Otherwise the next file to be opened,
@@ -11,6 +13,9 @@ void OpenStandardStreams();
 // progress can be undone or finished first.
 void CatchInterrupts();
 bool InterruptRequested();
+
+// What becomes readable then, for whoever waits: a file descriptor that nobody reads from; -1 where there is none.
+std::intptr_t InterruptHandle();
 
 // Columns of the terminal behind the error stream; 0 when it is no terminal.
 int ErrorStreamColumns();

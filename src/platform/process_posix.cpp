@@ -5,15 +5,24 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <initializer_list>
 
 namespace quendle::platform {
 namespace {
 
 volatile sig_atomic_t interrupted = 0;
+int interrupt_pipe[2] = {-1, -1};
 
 extern "C" void NoteInterrupt(int) {
+  const int error = errno;
+  // One byte is enough to wake who waits; the pipe never fills up.
+  if (interrupted == 0 && interrupt_pipe[1] != -1) {
+    const ssize_t ignored = write(interrupt_pipe[1], "", 1);
+    static_cast<void>(ignored);  // without a waker the flag is still seen
+  }
   interrupted = 1;
+  errno = error;
 }
 
 }  // namespace
@@ -26,6 +35,7 @@ void OpenStandardStreams() {
 }
 
 void CatchInterrupts() {
+  if (pipe2(interrupt_pipe, O_CLOEXEC | O_NONBLOCK) != 0) interrupt_pipe[0] = interrupt_pipe[1] = -1;
   struct sigaction action = {};
   action.sa_handler = NoteInterrupt;
   action.sa_flags = SA_RESTART;
@@ -41,6 +51,10 @@ void CatchInterrupts() {
 
 bool InterruptRequested() {
   return interrupted != 0;
+}
+
+std::intptr_t InterruptHandle() {
+  return interrupt_pipe[0];
 }
 
 int ErrorStreamColumns() {

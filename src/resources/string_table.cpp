@@ -113,6 +113,7 @@ const StringTableEntry kStringTable[] = {
     {5101, "mover.ini"},
     {5102, "items.ini"},
     {5103, "test.ini"},
+    {6401, "エラーが発生しました。\r\n何でかな……？\r\n終了します。"},
 };
 
 const std::size_t kStringTableSize = sizeof kStringTable / sizeof kStringTable[0];

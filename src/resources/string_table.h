@@ -10,6 +10,7 @@ inline constexpr int kAskExtractFolder = 1801;
 inline constexpr int kAskMoveFolder = 1802;
 inline constexpr int kAskCopyFolder = 1803;
 inline constexpr int kNoProfile = 1861;
+inline constexpr int kRunTimeError = 6401;
 inline constexpr int kGeneral = 5001;
 inline constexpr int kPattern = 5002;
 inline constexpr int kExtractTo = 5003;

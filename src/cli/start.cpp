@@ -1,0 +1,39 @@
+#include "cli/start.h"
+
+#include "base/display.h"
+#include "base/modString.h"
+#include "cli/terminal_user.h"
+#include "core/modMain.h"
+#include "platform/durable_file.h"
+#include "platform/unicode.h"
+
+namespace quendle {
+
+std::vector<std::string> TakenPaths(const Options& options) {
+  std::vector<std::string> paths = options.paths;
+  for (std::string& path : paths) {
+    if (FolderExists(path)) path = RemoveBackslashes(path);
+  }
+  if (!IsWindowed(options) || paths.size() <= kMostPaths) return paths;
+  for (std::size_t i = kMostPaths; i < paths.size(); ++i) {
+    TerminalUser::Warn(ForDisplay(paths[i]) + ": left out, since only ten paths are taken without --batch");
+  }
+  paths.resize(kMostPaths);
+  return paths;
+}
+
+bool ReadPassword(const std::string& file, std::optional<std::string>* password) {
+  if (file.empty()) return true;
+  std::string bytes;
+  const platform::Result read = platform::ReadWholeFile(file, &bytes);
+  const std::string line = platform::WithoutMark(bytes.substr(0, bytes.find_first_of("\r\n")));
+  if (read.ok() && !line.empty()) {
+    *password = line;
+    return true;
+  }
+  const std::string reason = read.ok() ? "there is no password in its first line" : read.reason;
+  TerminalUser::Warn("--password-file " + ForDisplay(file) + ": " + reason);
+  return false;
+}
+
+}  // namespace quendle

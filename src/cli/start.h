@@ -1,0 +1,24 @@
+// What runs with and without windows begin with.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/options.h"
+
+namespace quendle {
+
+// The paths as they are taken: the separators that a shell puts behind the name of a folder are no part of it. A run with
+// windows takes ten; the others are named so that nobody believes them done.
+std::vector<std::string> TakenPaths(const Options& options);
+
+inline bool IsWindowed(const Options& options) {
+  return !options.batch && !options.dry_run;
+}
+
+// False, and said on the error stream, when the file that is to hold the password does not.
+bool ReadPassword(const std::string& file, std::optional<std::string>* password);
+
+}  // namespace quendle

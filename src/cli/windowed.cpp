@@ -1,0 +1,105 @@
+#include "cli/windowed.h"
+
+#include <exception>
+#include <optional>
+
+#include "base/display.h"
+#include "base/text.h"
+#include "cli/lazy_windows.h"
+#include "cli/start.h"
+#include "cli/terminal_user.h"
+#include "cli/unattended.h"
+#include "core/action_form.h"
+#include "core/modMain.h"
+#include "platform/keyboard.h"
+#include "platform/process.h"
+#include "platform/running_copy.h"
+#include "resources/string_table.h"
+#include "settings/application_folder.h"
+
+namespace quendle {
+namespace {
+
+// True when this is the first copy, or nobody can tell, which must not keep anybody from working.
+bool BecomeFirst(const Options& options, const SettingsFolders& folders,
+                 std::unique_ptr<platform::RunningCopy>* copy) {
+  const platform::Result claim = platform::RunningCopy::Claim(folders.application, copy);
+  if (!claim.ok()) {
+    TerminalUser::Warn(claim.path + ": whether another copy is running cannot be found out: " + claim.reason);
+    return true;
+  }
+  if (*copy) return true;
+  TerminalUser::Warn("another copy is running, and its window comes to the front");
+  for (const std::string& path : options.paths) TerminalUser::Warn(ForDisplay(path) + ": not done");
+  return false;
+}
+
+bool WantsForm(const Options& options, const Globals& globals) {
+  const auto ctrl_is_down = [] { return platform::IsKeyDown(platform::Key::kControl); };
+  return options.confirm || WantsConfirmation(*globals.g_PropDefault, ctrl_is_down);
+}
+
+// True when every path was done.
+bool WorkThrough(ActionForm* form, LazyWindows* windows) {
+  if (form->Advance()) {
+    if (Windows* shown = windows->Get()) {
+      shown->RunActionWindow(*form);
+    } else {
+      form->SkipRest();
+    }
+  }
+  for (const std::string& path : form->Undone()) TerminalUser::Warn(path);
+  return form->Undone().empty();
+}
+
+int RunForm(const Options& options, Globals* globals, LazyWindows* windows, bool takes_all) {
+  for (const std::string& warning : SettingsWarnings(*globals)) TerminalUser::Warn(ForDisplay(warning));
+  clsMover& mover = *globals->g_Mover;
+  std::optional<std::string> profile;
+  if (options.profile && !(profile = mover.FindTitle(*options.profile))) {
+    TerminalUser::Warn("no profile is called " + ForDisplay(*options.profile));
+    return kExitUsage;
+  }
+  mover.SHOWUSERFORM = WantsForm(options, *globals);
+  ActionForm form({mover, *globals->g_FileInfo, *globals->g_PropItem, *globals->g_PropDefault, *windows},
+                  profile);
+  const bool all_done = WorkThrough(&form, windows) && takes_all;
+  for (const std::string& problem : mover.LibraryProblems()) TerminalUser::Warn(ForDisplay(problem));
+  return all_done ? kExitDone : kExitUndone;
+}
+
+int Run(const Options& options, const SettingsFolders& folders, const platform::RunningCopy* copy,
+        const std::optional<std::string>& password) {
+  TerminalUser terminal(platform::ErrorStreamColumns(), password);
+  Globals* made = nullptr;
+  LazyWindows windows(terminal, [&](std::string* reason) {
+    return LoadWindows({*made, copy, &platform::InterruptRequested, platform::InterruptHandle(), password},
+                       reason);
+  });
+  const std::vector<std::string> paths = TakenPaths(options);
+  Globals globals(folders, true, windows, FindModuleFolder(), paths);
+  made = &globals;
+  int status = kExitUndone;
+  try {
+    status = RunForm(options, &globals, &windows, paths.size() == options.paths.size());
+  } catch (const std::exception& fault) {
+    TerminalUser::Warn(fault.what());
+    windows.ShowMessage(UserInterface::MessageKind::kCritical, LoadText(text_id::kRunTimeError));
+  }
+  windows.Unload();  // they know the objects of the run
+  return status;
+}
+
+}  // namespace
+
+int RunWindowed(const Options& options) {
+  platform::CatchInterrupts();
+  std::optional<std::string> password;
+  if (!ReadPassword(options.password_file, &password)) return kExitUsage;
+  const SettingsFolders folders = FindSettingsFolders(options.settings);
+  std::unique_ptr<platform::RunningCopy> copy;
+  if (!BecomeFirst(options, folders, &copy)) return kExitUndone;
+  return Run(options, folders, copy.get(), password);
+}
+
+}  // namespace quendle

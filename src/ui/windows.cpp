@@ -1,0 +1,108 @@
+// The library's one entry.
+#include "core/windows.h"
+
+#include <QtWidgets>
+#include <clocale>
+
+#include "resources/version.h"
+#include "ui/form_helpers.h"
+#include "ui/frmAction.h"
+#include "ui/pictures.h"
+#include "ui/qt_texts.h"
+#include "ui/qt_user.h"
+#include "ui/text.h"
+
+namespace quendle {
+namespace {
+
+int argument_count = 1;
+char program_name[] = "quendle";
+char* arguments[] = {program_name, nullptr};
+
+// A toolkit without a way to the display ends the process.
+std::string MissingPlatform() {
+  if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") || !qEnvironmentVariableIsEmpty("DISPLAY")) return "";
+  const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms");
+  if (!plugins.entryList({"*wayland*"}).isEmpty()) return "";
+  return "Qt's Wayland support (qt6-wayland) is not installed";
+}
+
+class QtWindows final : public Windows {
+ public:
+  explicit QtWindows(const WindowsHost& host);
+
+  UserInterface& Dialogs() override { return *user_; }
+  void ProgressBegan(std::chrono::steady_clock::time_point begin) override { user_->ProgressBegan(begin); }
+  void RunActionWindow(ActionForm& form) override;
+
+ private:
+  void ListenTo(std::intptr_t handle, const std::function<void(QSocketNotifier*)>& act);
+  static void ComeToFront();
+  static void CloseAll();
+
+  WindowsHost host_;
+  QApplication application_{argument_count, arguments};
+  std::unique_ptr<QtUser> user_;
+};
+
+QtWindows::QtWindows(const WindowsHost& host) : host_(host) {
+  std::setlocale(LC_NUMERIC, "C");  // the program reads and writes numbers of its own
+  QApplication::setApplicationDisplayName(kProductName);
+  QApplication::setDesktopFileName("quendle");
+  QApplication::setQuitOnLastWindowClosed(false);
+  QApplication::setWindowIcon(Picture("quendle"));
+  QApplication::setFont(DialogFont());
+  InstallQtTexts(&application_);
+  user_ = std::make_unique<QtUser>(host_);
+  if (host_.copy != nullptr) {
+    ListenTo(host_.copy->WaitHandle(), [this](QSocketNotifier*) {
+      if (host_.copy->TakeRequest()) ComeToFront();
+    });
+  }
+  ListenTo(host_.interrupt_handle, [](QSocketNotifier* notifier) {
+    notifier->setEnabled(false);  // nobody reads from it
+    CloseAll();
+  });
+}
+
+void QtWindows::ListenTo(std::intptr_t handle, const std::function<void(QSocketNotifier*)>& act) {
+  if (handle < 0) return;
+  auto* notifier = new QSocketNotifier(static_cast<qintptr>(handle), QSocketNotifier::Read, &application_);
+  QObject::connect(notifier, &QSocketNotifier::activated, notifier, [notifier, act] { act(notifier); });
+}
+
+// The window that the user worked with last: of several a modal one.
+void QtWindows::ComeToFront() {
+  QWidget* front = QApplication::activeModalWidget();
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (front == nullptr && window->isVisible() && window->isWindow()) front = window;
+  }
+  if (front == nullptr) return;
+  front->setWindowState(front->windowState() & ~Qt::WindowMinimized);
+  front->raise();
+  front->activateWindow();
+}
+
+// A window that is at work stays until it is done, and is asked again.
+void QtWindows::CloseAll() {
+  QApplication::closeAllWindows();
+  QTimer::singleShot(100, [] {
+    const auto windows = QApplication::topLevelWidgets();
+    if (std::any_of(windows.begin(), windows.end(), [](QWidget* w) { return w->isVisible(); })) CloseAll();
+  });
+}
+
+void QtWindows::RunActionWindow(ActionForm& form) {
+  Globals& globals = host_.globals;
+  frmAction window(form, *globals.g_PropItem);
+  window.Run();
+}
+
+}  // namespace
+}  // namespace quendle
+
+extern "C" Q_DECL_EXPORT quendle::Windows* QuendleMakeWindows(const quendle::WindowsHost& host,
+                                                              std::string* reason) {
+  *reason = quendle::MissingPlatform();
+  return reason->empty() ? new quendle::QtWindows(host) : nullptr;
+}
