@@ -1,0 +1,137 @@
+#!/usr/bin/env bash
+# Photographs the windows in their states into docs/images/ (or a folder that is given), under an X server and a window manager
+# of its own: screenshots.sh [FOLDER [SCALE]]
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+install_missing xvfb openbox xdotool imagemagick zip
+build release quendle
+
+out=$(mkdir -p "${1:-$root/docs/images}" && cd "${1:-$root/docs/images}" && pwd)
+work=$(mktemp -d)
+export HOME=$work/home XDG_RUNTIME_DIR=$work/run QT_SCALE_FACTOR=${2:-1}
+unset WAYLAND_DISPLAY XDG_CONFIG_HOME QT_QPA_PLATFORM
+mkdir -p "$HOME" "$work/in" "$work/out" "$work/settings"
+mkdir -m 700 "$XDG_RUNTIME_DIR"
+display_file=$work/display
+Xvfb -displayfd 3 -screen 0 1600x1200x24 -nolisten tcp 3>"$display_file" 2>/dev/null &
+server=$!
+manager=
+program=
+finish() {
+  for process in $program $manager $server; do kill "$process" 2>/dev/null || true; done
+  rm -rf "$work"
+}
+trap finish EXIT
+until [ -s "$display_file" ]; do sleep 0.1; done
+DISPLAY=:$(cat "$display_file")
+export DISPLAY
+openbox >/dev/null 2>&1 &
+manager=$!
+xdotool mousemove 5 5
+
+start() {
+  "$root/build/release/src/quendle" --settings "$work/settings" "$@" >"$work/log" 2>&1 &
+  program=$!
+}
+# Waits until a window with a title like this has the focus and has been painted.
+await() {
+  local tries=0
+  until xdotool getactivewindow getwindowname 2>/dev/null | grep -q -- "$1"; do
+    tries=$((tries + 1))
+    [ $tries -lt 100 ] || { echo "no window \"$1\" came" >&2; cat "$work/log" >&2; exit 1; }
+    sleep 0.1
+  done
+  sleep 0.5
+}
+shoot() {
+  import -window "$(xdotool getactivewindow)" "$out/$1.png"
+  echo "$out/$1.png"
+}
+press() { xdotool key --delay 60 "$@"; }
+stop() {
+  kill "$program" 2>/dev/null || true
+  wait "$program" 2>/dev/null || true
+  program=
+}
+
+cat >"$work/settings/items.ini" <<END
+[Archives]
+Pattern=.*\\.zip
+ExtractTo=$work/out
+MoveTo=$work/out/done
+ID=1
+Action=3
+SmartRename=3
+SmartMakeDir=1
+Exclude=.*\\.bak
+OpenFile=readme.txt
+[Photos]
+Pattern=photos.*
+CopyTo=$work/out/photos
+ID=1
+Action=4
+SmartRename=2
+[Zip]
+Pattern=photos_[0-9]+\\.zip
+MoveTo=$work/out/zip
+ID=1
+Action=2
+END
+printf '[General]\nConfirmAlways=1\nShowResult=1\nOpenDir=0\nAction=2\nMoveTo=%s\n' "$work/out" >"$work/settings/mover.ini"
+(cd "$work" && mkdir album && echo one >album/readme.txt && echo two >album/a.bak && zip -qr in/photos_01.zip album)
+echo text >"$work/in/notes.txt"
+mkdir "$work/in/photos 2026"
+
+start "$work/in/photos_01.zip" "$work/in/notes.txt"
+await '1/2'
+shoot action-archive
+press Escape
+await '2/2'
+shoot action-unregistered
+press alt+e
+await 'プロファイル追加'
+shoot input
+stop
+
+start "$work/in/photos 2026"
+await 'フォルダ'
+shoot action-folder
+stop
+
+mkdir -p "$work/out/notes.txt"
+start "$work/in/notes.txt"
+await '1/1'
+press ctrl+Return
+sleep 0.3
+await 'Quendle'
+shoot message
+stop
+rmdir "$work/out/notes.txt"
+
+printf '[General]\nSmartRename=1\n' >"$work/settings/test.ini"
+sed -i 's/^Action=2/Action=2\nSmartRename=1/' "$work/settings/mover.ini"
+echo older >"$work/out/notes.txt"
+start "$work/in/notes.txt"
+await '1/1'
+press ctrl+Return
+sleep 0.3
+await '上書き'
+shoot overwrite
+stop
+
+start --profile Archives "$work/in/photos_01.zip"
+await '1/1'
+press ctrl+Return
+await '解凍結果'
+shoot result
+stop
+
+# A copy that takes long enough to be looked at.
+head -c 3G /dev/zero >"$work/in/large.bin"
+printf '[Large]\nPattern=large.*\nCopyTo=%s\nID=1\nAction=4\n' "$work/out" >"$work/settings/items.ini"
+start "$work/in/large.bin"
+await '1/1'
+press ctrl+Return
+await 'コピー'
+shoot progress
+press Escape
+stop
