@@ -4,13 +4,13 @@
 #include <optional>
 #include <utility>
 
-#include "base/modString.h"
 #include "base/display.h"
+#include "base/modString.h"
 #include "cli/report.h"
 #include "cli/terminal_user.h"
 #include "core/modMain.h"
 #include "platform/durable_file.h"
-#include "platform/known_folders.h"
+#include "platform/keyboard.h"
 #include "platform/process.h"
 #include "platform/result.h"
 #include "platform/unicode.h"
