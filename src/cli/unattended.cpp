@@ -60,6 +60,7 @@ int RunUnattended(const Options& options) {
   TerminalUser user(platform::ErrorStreamColumns(), std::move(password));
   const std::vector<std::string> paths = TakenPaths(options);
   Globals globals(FindSettingsFolders(options.settings), !options.dry_run, user, FindModuleFolder(), paths);
+  user.OpenFoldersBy(*globals.g_PropDefault);
   if (IsWindowed(options)) ExplainMissingWindows(options, &globals);
   for (const std::string& warning : SettingsWarnings(globals)) TerminalUser::Warn(ForDisplay(warning));
 
