@@ -79,6 +79,7 @@ int Run(const Options& options, const SettingsFolders& folders, const platform::
   const std::vector<std::string> paths = TakenPaths(options);
   Globals globals(folders, true, windows, FindModuleFolder(), paths);
   made = &globals;
+  terminal.OpenFoldersBy(*globals.g_PropDefault);
   int status = kExitUndone;
   try {
     status = RunForm(options, &globals, &windows, paths.size() == options.paths.size());
