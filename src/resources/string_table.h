@@ -9,6 +9,9 @@ namespace text_id {
 inline constexpr int kAskExtractFolder = 1801;
 inline constexpr int kAskMoveFolder = 1802;
 inline constexpr int kAskCopyFolder = 1803;
+inline constexpr int kAskProfileName = 1851;
+inline constexpr int kAddProfile = 1852;
+inline constexpr int kSameProfileName = 1857;
 inline constexpr int kNoProfile = 1861;
 inline constexpr int kGeneral = 5001;
 inline constexpr int kPattern = 5002;
@@ -37,6 +40,13 @@ inline constexpr int kArchiveCharset = 5063;
 inline constexpr int kStandardFile = 5101;
 inline constexpr int kItemsFile = 5102;
 inline constexpr int kTestFile = 5103;
+inline constexpr int kPlanNothing = 6200;
+inline constexpr int kPlanStep = 6201;
+inline constexpr int kPlanEntries = 6202;
+inline constexpr int kPlanReason = 6203;
+inline constexpr int kPlanCaption = 6204;
+inline constexpr int kNoEditorYet = 6205;
+inline constexpr int kNoAboutYet = 6206;
 }  // namespace text_id
 
 struct StringTableEntry {
