@@ -113,6 +113,13 @@ const StringTableEntry kStringTable[] = {
     {5101, "mover.ini"},
     {5102, "items.ini"},
     {5103, "test.ini"},
+    {6000, "未登録"},
+    {6001, " 【%1】"},
+    {6002, "解凍"},
+    {6003, "移動"},
+    {6004, "コピー"},
+    {6005, "%1できませんでした: %2"},
+    {6006, "ほか %1 件"},
 };
 
 const std::size_t kStringTableSize = sizeof kStringTable / sizeof kStringTable[0];
