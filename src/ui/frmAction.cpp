@@ -10,7 +10,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 
-#include "base/display.h"
 #include "resources/string_table.h"
 #include "ui/form_helpers.h"
 #include "ui/hints.h"
@@ -20,9 +19,9 @@
 namespace quendle {
 namespace {
 
-// Another spelling of the same path is left as the user has typed it.
+// The cursor stays where it is when the user is typing there.
 void ShowPath(QLineEdit* field, const std::string& shown) {
-  if (FromDisplay(FromQt(field->text())) != FromDisplay(shown)) field->setText(ToQt(shown));
+  if (FromQt(field->text()) != shown) field->setText(ToQt(shown));
 }
 
 }  // namespace

@@ -1,37 +1,34 @@
 #include "ui/plan_text.h"
 
-#include <QString>
-
 #include "base/display.h"
 #include "base/reasons.h"
+#include "base/text.h"
 #include "core/failure_text.h"
 #include "resources/string_table.h"
-#include "ui/text.h"
 
 namespace quendle {
 namespace {
 
-std::string InOneLine(const std::string& text) {
-  return FromQt(ToQt(text).replace("\r\n", " "));
-}
-
 std::string Note(const ActionStep& step) {
-  if (!step.error.empty()) {
-    return FromQt(Text(text_id::kPlanReason).arg(ToQt(ForDisplay(InOneLine(InJapanese(step.error))))));
-  }
+  if (!step.error.empty()) return LoadText(text_id::kPlanReason, {ReasonInOneLine(InJapanese(step.error))});
   if (!step.extraction) return "";
-  return FromQt(Text(text_id::kPlanEntries)
-                    .arg(QString::number(step.extraction->all), QString::number(step.extraction->chosen)));
+  return LoadText(text_id::kPlanEntries,
+                  {std::to_string(step.extraction->all), std::to_string(step.extraction->chosen)});
 }
 
 }  // namespace
+
+std::string ReasonInOneLine(std::string reason) {
+  for (std::size_t at; (at = reason.find("\r\n")) != std::string::npos;) reason.replace(at, 2, " ");
+  return ForDisplay(reason);
+}
 
 std::vector<PlanLine> PlanLines(const std::vector<ActionStep>& steps) {
   std::vector<PlanLine> lines;
   lines.reserve(steps.size());
   for (const ActionStep& step : steps) {
-    lines.push_back({FromQt(Text(text_id::kPlanStep).arg(ToQt(StepName(step.kind)))), ForDisplay(step.to),
-                     Note(step), step.result == StepResult::kFailed});
+    lines.push_back({LoadText(text_id::kPlanStep, {StepName(step.kind)}), ForDisplay(step.to), Note(step),
+                     step.result == StepResult::kFailed});
   }
   if (lines.empty()) lines.push_back({LoadText(text_id::kPlanNothing), "", ""});
   return lines;

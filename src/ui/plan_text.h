@@ -27,4 +27,7 @@ std::vector<PlanLine> PlanLines(const std::vector<ActionStep>& steps);
 //   => "移動 → /texts/report_20031107.txt"
 std::string PlanText(const std::vector<ActionStep>& steps);
 
+// A reason in the language of the windows, which may be of several lines, as one of a plan.
+std::string ReasonInOneLine(std::string reason);
+
 }  // namespace quendle

@@ -83,7 +83,7 @@ void PlanView::Show(const std::vector<PlanLine>& lines) {
 }
 
 void PlanView::ShowProblem(const std::string& reason) {
-  Show({{"", "", reason, true}});
+  Show({{"", "", ReasonInOneLine(reason), true}});
 }
 
 }  // namespace quendle

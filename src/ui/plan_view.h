@@ -19,7 +19,7 @@ class PlanView : public QGroupBox {
 
   // Lines that do not fit are shortened in their path; the tooltip has them whole.
   void Show(const std::vector<PlanLine>& lines);
-  // Instead of a plan, why there is none. In English, as lower rooms say it.
+  // Instead of a plan, why there is none, in the language of the windows.
   void ShowProblem(const std::string& reason);
 
  private:
