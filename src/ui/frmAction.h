@@ -2,13 +2,11 @@
 #pragma once
 
 #include <QDialog>
-#include <QPointer>
 #include <QTimer>
 #include <array>
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -101,7 +99,6 @@ class frmAction : public QDialog {
 
   // Commands
   std::function<void()> CommandOf(const QKeyEvent& key);
-  bool KeepsBack(QObject* watched, QEvent* event);
   void Finish(bool execute);
   void Exit();
   void ToggleRow(std::size_t row);
@@ -132,9 +129,7 @@ class frmAction : public QDialog {
   Actions mnuFile, mnuEdit, mnuOption, mnuAbout;
 
   QTimer plan_timer_;
-  bool is_busy_ = false;      // a command runs, which may handle events
-  bool keeps_input_ = false;  // only the plan is being made: what the user does meanwhile is done afterwards
-  std::vector<std::pair<QPointer<QObject>, std::unique_ptr<QEvent>>> kept_input_;
+  bool is_busy_ = false;  // a command runs, which may handle events
 };
 
 }  // namespace quendle

@@ -23,7 +23,8 @@ bool IsInput(QEvent::Type type) {
   constexpr QEvent::Type kInput[] = {
       QEvent::KeyPress,           QEvent::KeyRelease,          QEvent::MouseButtonPress,
       QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick, QEvent::Wheel,
-      QEvent::Shortcut,           QEvent::ContextMenu,         QEvent::InputMethod};
+      QEvent::Shortcut,           QEvent::ShortcutOverride,    QEvent::ContextMenu,
+      QEvent::InputMethod};
   return std::find(std::begin(kInput), std::end(kInput), type) != std::end(kInput);
 }
 
@@ -32,16 +33,8 @@ bool IsInput(QEvent::Type type) {
 // Other windows open and events are handled while a command runs: no second one may begin, and the window may not go.
 class frmAction::Busy {
  public:
-  Busy(frmAction* form, bool keeps_input) : form_(form) {
-    form_->is_busy_ = true;
-    form_->keeps_input_ = keeps_input;
-  }
-  ~Busy() {
-    form_->is_busy_ = false;
-    for (auto& [control, event] : std::exchange(form_->kept_input_, {})) {
-      if (control) QCoreApplication::postEvent(control, event.release());
-    }
-  }
+  explicit Busy(frmAction* form) : form_(form) { form_->is_busy_ = true; }
+  ~Busy() { form_->is_busy_ = false; }
   Busy(const Busy&) = delete;
   Busy& operator=(const Busy&) = delete;
 
@@ -49,9 +42,9 @@ class frmAction::Busy {
   frmAction* form_;
 };
 
-// Windows see their keys before their controls do.
+// The window sees its keys before its controls do.
 bool frmAction::eventFilter(QObject* watched, QEvent* event) {
-  if (is_busy_) return KeepsBack(watched, event);
+  if (is_busy_) return IsInput(event->type());
   switch (event->type()) {
     case QEvent::ShortcutOverride:
       if (!CommandOf(*static_cast<QKeyEvent*>(event))) return false;
@@ -65,6 +58,9 @@ bool frmAction::eventFilter(QObject* watched, QEvent* event) {
       if (!key.isAutoRepeat()) command();
       return true;
     }
+    case QEvent::MouseButtonDblClick:
+      // The first click of the two has ended the path.
+      return watched == cmd[0] || watched == cmd[1];
     case QEvent::MouseButtonRelease: {
       const auto* label = qobject_cast<QLabel*>(watched);
       const auto& mouse = *static_cast<QMouseEvent*>(event);
@@ -77,12 +73,6 @@ bool frmAction::eventFilter(QObject* watched, QEvent* event) {
     default:
       return false;
   }
-}
-
-bool frmAction::KeepsBack(QObject* watched, QEvent* event) {
-  if (!IsInput(event->type())) return false;
-  if (keeps_input_) kept_input_.emplace_back(watched, event->clone());
-  return true;
 }
 
 // Empty for a key that is left to the controls.
@@ -149,7 +139,7 @@ void frmAction::ConnectMenus() {
   on(mnuOption, 1, [this] { Edit(clsPropItem::kEditingTest); });
   on(mnuOption, 6, [this] { Edit(clsPropItem::kEditingGeneral); });
   on(mnuAbout, 0, [this] {
-    const Busy busy(this, false);
+    const Busy busy(this);
     services_.show_about(this);
   });
 }
@@ -161,7 +151,7 @@ void frmAction::Finish(bool execute) {
   QWidget* focus = focusWidget();
   bool is_over = false;
   {
-    const Busy busy(this, false);
+    const Busy busy(this);
     plan_timer_.stop();
     menu_bar_->setEnabled(false);
     body_->setEnabled(false);
@@ -177,6 +167,8 @@ void frmAction::Finish(bool execute) {
       focus = nullptr;
       is_over = !form_.Advance();
     }
+    // What was typed and clicked while it ran was not meant for the next path.
+    QCoreApplication::processEvents();
     body_->setEnabled(true);
     menu_bar_->setEnabled(true);
   }
@@ -209,7 +201,7 @@ void frmAction::Browse(std::size_t row) {
                                          text_id::kAskCopyFolder};
   std::string folder;
   {
-    const Busy busy(this, false);
+    const Busy busy(this);
     folder = services_.pick_folder(this, LoadText(kPrompts[row]), form_.StartFolder(row));
   }
   txt[row + 1]->setFocus(Qt::OtherFocusReason);
@@ -236,7 +228,7 @@ void frmAction::EditProfile() {
 
 // True when the user has given a name that no profile has.
 bool frmAction::NameNewProfile() {
-  const Busy busy(this, false);
+  const Busy busy(this);
   const std::string title =
       services_.show_input(LoadText(text_id::kAskProfileName), LoadText(text_id::kAddProfile), "");
   if (title.empty()) return false;
@@ -254,7 +246,7 @@ void frmAction::Edit(std::int16_t mode) {
   const bool is_profile = mode == clsPropItem::kEditingNew || mode == clsPropItem::kEditingProfile;
   bool is_saved = false;
   {
-    const Busy busy(this, false);
+    const Busy busy(this);
     if (is_profile) items_.Title = items_.NEWTITLE;
     items_.EDITMODE = mode;
     is_saved = services_.open_editor(this, &items_);
@@ -284,7 +276,7 @@ void frmAction::RenewPlan() {
     SchedulePlan(kTypingPause);
     return;
   }
-  const Busy busy(this, true);
+  const Busy busy(this);
   const std::string& problem = form_.View().problem;
   if (problem.empty()) {
     plan_->Show(PlanLines(form_.Plan()));

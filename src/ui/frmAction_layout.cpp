@@ -90,6 +90,7 @@ void frmAction::MakeControls() {
   Make(&cmd, "cmd", body_);
   Make(&lbl, "lbl", body_);
   plan_ = new PlanView(body_);
+  plan_->setObjectName("plan");
 }
 
 void frmAction::SetTexts() {
