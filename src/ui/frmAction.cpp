@@ -30,6 +30,7 @@ frmAction::frmAction(ActionForm& form, clsPropItem& items, const clsMover& mover
     : form_(form), items_(items), mover_(mover), services_(std::move(services)) {
   setWindowFlag(Qt::WindowContextHelpButtonHint, false);
   setWindowFlag(Qt::WindowMinimizeButtonHint);
+  setAttribute(Qt::WA_KeyboardFocusChange);  // the focus is seen from the beginning, not only after a key
   MakeControls();
   MakeMenus();
   ApplyFormFont(this, true);
@@ -96,6 +97,11 @@ void frmAction::Connect() {
 void frmAction::changeEvent(QEvent* event) {
   QDialog::changeEvent(event);
   if (event->type() == QEvent::PaletteChange && lbl[8] != nullptr) PaintMarks();
+}
+
+void frmAction::showEvent(QShowEvent* event) {
+  QDialog::showEvent(event);
+  LetMenusGoFirst();
 }
 
 // The window for a path that it has not shown yet.

@@ -58,6 +58,7 @@ class frmAction : public QDialog {
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void showEvent(QShowEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void changeEvent(QEvent* event) override;
 
@@ -82,6 +83,7 @@ class frmAction : public QDialog {
   void ArrangeControls();
   void FinishControls();
   void SetTabOrder();
+  void LetMenusGoFirst();
   void PaintMarks();
 
   // State

@@ -19,14 +19,13 @@
 
 namespace quendle::test {
 
-// What an archive and its profile say, for those tests that do not say it.
-inline const std::string kNoConfirmation = "[General]\nCheckArchive=1\nAction=0\n";
+inline const std::string kChecksArchives = "[General]\nCheckArchive=1\nAction=0\n";
 
 class ActionWindow {
  public:
   // `names`: files to be made, or folders when they end in "/". Every path is confirmed.
   ActionWindow(const std::string& items, const std::vector<std::string>& names, std::int16_t archive_type = 0,
-               const std::string& standard = kNoConfirmation)
+               const std::string& standard = kChecksArchives)
       : run(items, standard, Make(names)) {
     run.archiver->type = archive_type;
     run.mover->SHOWUSERFORM = true;
@@ -51,11 +50,10 @@ class ActionWindow {
     form.emplace(ActionForm::Environment{*run.mover, run.file_info, run.settings.profiles,
                                          run.settings.standard, run.user},
                  std::nullopt);
-    is_left = form->Advance();
-    if (!is_left) return;
+    if (!form->Advance()) return;
     window = std::make_unique<frmAction>(*form, run.settings.profiles, *run.mover, services);
     window->show();
-    QTest::qWaitForWindowActive(window.get());
+    is_left = QTest::qWaitForWindowActive(window.get());
   }
 
   template <class Control>
@@ -89,7 +87,7 @@ class ActionWindow {
   std::function<bool(clsPropItem*)> on_edit;  // true: saved
   std::vector<std::string> asked, messages, edited;
   std::optional<ActionForm> form;
-  bool is_left = false;  // a path to be settled
+  bool is_left = false;  // a path to be settled, and its window is shown
   std::unique_ptr<frmAction> window;
 
  private:

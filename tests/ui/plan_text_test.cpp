@@ -21,7 +21,7 @@ GTEST_TEST(PlanText, Rows) {
        "移動 → /m/a\\nb\\xFF",
        {false}},
       {"some entries",
-       {{StepKind::kExtract, "/x", StepResult::kPlanned, "", ExtractionReport{.all = 1200, .chosen = 0}}},
+       {{StepKind::kExtract, "/x", StepResult::kPlanned, "", ExtractionReport{1200, 0, {}, false, {}}}},
        "解凍 → /x（1200 個中 0 個）",
        {false}},
       {"failure",
