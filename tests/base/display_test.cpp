@@ -3,10 +3,24 @@
 namespace quendle {
 namespace {
 
-GTEST_TEST(Display, NamesComeBackFromWhatIsShown) {
-  for (const std::string name : {"a.txt", "", "日本\\表.txt", "a\\", "\\\\n", "a\nb\r\tc\x01\x7F",
-                                 "a\xFF\xE3\x81", "\xC2\x85\u202E\u2028", "\\xFF", "\\u{7F}"}) {
-    EXPECT_EQ(FromDisplay(ForDisplay(name)), name) << ForDisplay(name);
+GTEST_TEST(Display, NamesCannotDeceive) {
+  const struct {
+    std::string name;
+    const char* shown;
+    const char* in_json;  // where bytes are escaped
+  } rows[] = {
+      {"a.txt", "a.txt", "a.txt"},
+      {"表\\x41", "表\\\\x41", "表\\\\x41"},
+      {"a\xFF\\", "a\\xFF\\\\", "a\\xFF\\\\"},
+      {"a\nb\t\x1b[1m", "a\\nb\\t\\u{1B}[1m", "a\nb\t\x1b[1m"},
+      {"x\u202Etxt.exe", "x\\u{202E}txt.exe", "x\u202Etxt.exe"},
+      {"\\u{7F}\\xFF\r\x01", "\\\\u{7F}\\\\xFF\\r\\u{1}", "\\\\u{7F}\\\\xFF\r\x01"},
+      {"a\u2028b\u0085", "a\\u{2028}b\\u{85}", "a\u2028b\u0085"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(ForDisplay(row.name), row.shown);
+    EXPECT_EQ(FromDisplay(row.shown), row.name);
+    EXPECT_EQ(WithEscapedBytes(row.name), row.in_json);
   }
 }
 
