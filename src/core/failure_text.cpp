@@ -45,7 +45,8 @@ std::string FailureText(const std::string& path, const std::vector<ActionStep>& 
   std::string text;
   for (const ActionStep& step : steps) {
     if (step.by_user || (step.result != StepResult::kFailed && step.result != StepResult::kSkipped)) continue;
-    text += "\r\n" + LoadText(text_id::kStepFailed, {StepName(step.kind), ForDisplay(step.to)});
+    text += "\r\n" + LoadText(text_id::kStepFailed, {StepName(step.kind)});
+    if (!step.to.empty()) text += ": " + ForDisplay(step.to);
     if (step.extraction && !step.extraction->problems.empty()) {
       text += Problems(step.extraction->problems);
     } else {
