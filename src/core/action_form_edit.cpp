@@ -122,7 +122,7 @@ void ActionForm::SetOpenDir(bool on) {
 std::vector<ActionStep> ActionForm::Plan() {
   if (!view_.problem.empty()) return {};
   StandOnProfile();
-  return environment_.mover.PlanSteps();
+  return environment_.mover.PlanSteps(true);
 }
 
 std::string ActionForm::StartFolder(std::size_t row) const {

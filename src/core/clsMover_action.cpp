@@ -37,7 +37,7 @@ class BusyScope {
 
 bool clsMover::ActionMain() {
   const BusyScope busy(environment_.user);
-  steps_ = WalkSteps(true);
+  steps_ = WalkSteps(true, true);
   for (const ActionStep& step : steps_) {
     const bool may_fail = ACTION == 7 && step.kind == StepKind::kCopy;
     if (step.result != StepResult::kDone && !may_fail) return false;
@@ -46,7 +46,7 @@ bool clsMover::ActionMain() {
 }
 
 // Plan and run walk the same way: only here do they part.
-std::vector<ActionStep> clsMover::WalkSteps(bool execute) {
+std::vector<ActionStep> clsMover::WalkSteps(bool execute, bool somebody_answers) {
   if (ACTION < 0 || ACTION > 7) ProgrammingError("action code outside 0 to 7");
   std::vector<ActionStep> steps;
   bool stopped = false;
@@ -63,9 +63,12 @@ std::vector<ActionStep> clsMover::WalkSteps(bool execute) {
     } else if (step.result == StepResult::kPlanned && kind == StepKind::kExtract) {
       PlanExtractStep(&step);
     } else if (step.result == StepResult::kPlanned && WouldAsk(step, steps)) {
-      step.result = StepResult::kFailed;
-      step.error = DOESFOLDER ? "files in it exist there already, and nothing is overwritten unasked"
-                              : "a file of that name exists already, and nothing is overwritten unasked";
+      step.asks = somebody_answers;
+      if (!step.asks) {
+        step.result = StepResult::kFailed;
+        step.error = DOESFOLDER ? "files in it exist there already, and nothing is overwritten unasked"
+                                : "a file of that name exists already, and nothing is overwritten unasked";
+      }
     }
     if (step.result == StepResult::kFailed && !(ACTION == 7 && kind == StepKind::kCopy)) {
       stopped = true;
