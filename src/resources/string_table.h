@@ -56,6 +56,8 @@ inline constexpr int kPlanReason = 6203;
 inline constexpr int kPlanCaption = 6204;
 inline constexpr int kNoEditorYet = 6205;
 inline constexpr int kNoAboutYet = 6206;
+inline constexpr int kPlanLeftOut = 6207;
+inline constexpr int kPlanAsks = 6208;
 }  // namespace text_id
 
 struct StringTableEntry {

@@ -9,7 +9,9 @@
 namespace quendle {
 namespace {
 
-std::string Note(const ActionStep& step) {
+std::string Note(const ActionStep& step, bool is_stopped) {
+  if (is_stopped && step.result == StepResult::kSkipped) return LoadText(text_id::kPlanLeftOut);
+  if (step.asks) return LoadText(text_id::kPlanAsks);
   if (!step.error.empty()) return LoadText(text_id::kPlanReason, {ReasonInOneLine(InJapanese(step.error))});
   if (!step.extraction) return "";
   return LoadText(text_id::kPlanEntries,
@@ -26,9 +28,12 @@ std::string ReasonInOneLine(std::string reason) {
 std::vector<PlanLine> PlanLines(const std::vector<ActionStep>& steps) {
   std::vector<PlanLine> lines;
   lines.reserve(steps.size());
+  bool is_stopped = false;
   for (const ActionStep& step : steps) {
-    lines.push_back({LoadText(text_id::kPlanStep, {StepName(step.kind)}), ForDisplay(step.to), Note(step),
-                     step.result == StepResult::kFailed});
+    const bool fails = step.result == StepResult::kFailed;
+    lines.push_back({LoadText(text_id::kPlanStep, {StepName(step.kind)}), ForDisplay(step.to),
+                     Note(step, is_stopped), fails});
+    is_stopped |= fails;
   }
   if (lines.empty()) lines.push_back({LoadText(text_id::kPlanNothing), "", ""});
   return lines;

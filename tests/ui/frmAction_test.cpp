@@ -202,8 +202,8 @@ GTEST_TEST(FrmAction, FolderHasNoExtraction) {
 GTEST_TEST(FrmAction, RunGoesThroughAllPaths) {
   const test::TempFolder to;
   ActionWindow opened(MovingTo(to.path()), {"a.txt", "b.missing", "c.txt", "d.txt"});
-  opened.window =
-      std::make_unique<frmAction>(*opened.form, opened.run.settings.profiles, *opened.run.mover, opened.services);
+  opened.window = std::make_unique<frmAction>(*opened.form, opened.run.settings.profiles, *opened.run.mover,
+                                              opened.services);
   std::vector<std::string> titles;
   const auto note = [&] { titles.push_back(FromQt(opened.window->windowTitle())); };
   Later([&] {
@@ -314,6 +314,11 @@ GTEST_TEST(FrmAction, PlanFollowsWhatIsChosen) {
   const test::TempFolder to;
   ActionWindow opened(MovingTo(to.path()), {"a.txt"});
   EXPECT_EQ(opened.Plan(), "移動 → " + to / "a.txt");
+  test::WriteFile(to / "a.txt", "taken");
+  opened.Click(opened.chk(2));
+  EXPECT_EQ(opened.Plan(), "コピー → /standard/a.txt\n移動 → " +
+                               to / "a.txt（同じ名前のものがあるため、上書きするか確認します）");
+  opened.Click(opened.chk(2));
   opened.txt(2)->setFocus();
   opened.txt(2)->clear();
   QTest::keyClicks(opened.txt(2), "relative");
