@@ -46,6 +46,7 @@ struct ActionStep {
   StepResult result;
   std::string error;                                          // why it failed or was skipped
   std::optional<ExtractionReport> extraction = std::nullopt;  // of an extraction that was planned or tried
+  bool by_user = false;  // it was left undone because the user cancelled or declined, and for no other reason
 };
 
 class clsMover {
@@ -110,6 +111,10 @@ class clsMover {
   // Archiver libraries that could not be used so far, one line each.
   std::vector<std::string> LibraryProblems() const { return archiver_->LibraryProblems(); }
 
+  // Is the profile still there, with the pattern that it had when the profiles were read? It is the current one
+  // afterwards.
+  bool ProfileIsAsRead(const std::string& title) const;
+
   // Fill the state of the current target: from a profile; from the test settings, for an archive that matches
   // none; from the standard settings, which leave SMARTMAKEDIR and OPENDIR as they are and compute no
   // destinations. The first is false when the profile is not what it was when the profiles were read (then
@@ -144,7 +149,6 @@ class clsMover {
 
  private:
   std::int16_t DetectArchiveType();
-  bool ProfileIsAsRead(const std::string& title) const;
   std::string FillFromItems();
   std::vector<ActionStep> WalkSteps(bool execute);
   ActionStep MakeStep(StepKind kind) const;

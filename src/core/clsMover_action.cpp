@@ -50,12 +50,14 @@ std::vector<ActionStep> clsMover::WalkSteps(bool execute) {
   if (ACTION < 0 || ACTION > 7) ProgrammingError("action code outside 0 to 7");
   std::vector<ActionStep> steps;
   bool stopped = false;
+  bool stopped_by_user = false;
   for (const StepKind kind : kStepOrder) {
     if (!Includes(ACTION, kind)) continue;
     ActionStep step = MakeStep(kind);
     if (stopped) {
       step.result = StepResult::kSkipped;
       step.error = "not tried, because the step before it failed";
+      step.by_user = stopped_by_user;
     } else if (step.result == StepResult::kPlanned && execute) {
       step.result = RunStep(&step) ? StepResult::kDone : StepResult::kFailed;
     } else if (step.result == StepResult::kPlanned && kind == StepKind::kExtract) {
@@ -65,7 +67,10 @@ std::vector<ActionStep> clsMover::WalkSteps(bool execute) {
       step.error = DOESFOLDER ? "files in it exist there already, and nothing is overwritten unasked"
                               : "a file of that name exists already, and nothing is overwritten unasked";
     }
-    stopped |= step.result == StepResult::kFailed && !(ACTION == 7 && kind == StepKind::kCopy);
+    if (step.result == StepResult::kFailed && !(ACTION == 7 && kind == StepKind::kCopy)) {
+      stopped = true;
+      stopped_by_user = step.by_user;
+    }
     steps.push_back(std::move(step));
   }
   return steps;
@@ -135,6 +140,7 @@ bool clsMover::RunStep(ActionStep* step) {
       done = ExtractStep();
       step->extraction = archiver_->LastReport();
       if (!done) step->error = DescribeProblems(step->extraction->problems);
+      step->by_user = step->extraction->by_user;
       return done;
     case StepKind::kCopy:
       done = CopyStep();
@@ -146,6 +152,7 @@ bool clsMover::RunStep(ActionStep* step) {
   if (!done) {
     const platform::Result& failure = operation_.LastFailure();
     step->error = failure.reason;
+    step->by_user = operation_.FailedByUser();
     const bool is_elsewhere = failure.path != step->to && failure.path != ORIGINALPATH;
     if (is_elsewhere && !failure.path.empty()) step->error += ": " + failure.path;
   }

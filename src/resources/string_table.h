@@ -10,6 +10,8 @@ inline constexpr int kAskExtractFolder = 1801;
 inline constexpr int kAskMoveFolder = 1802;
 inline constexpr int kAskCopyFolder = 1803;
 inline constexpr int kNoProfile = 1861;
+inline constexpr int kFolder = 1862;
+inline constexpr int kUnregisteredFile = 1863;
 inline constexpr int kGeneral = 5001;
 inline constexpr int kPattern = 5002;
 inline constexpr int kExtractTo = 5003;
@@ -37,6 +39,13 @@ inline constexpr int kArchiveCharset = 5063;
 inline constexpr int kStandardFile = 5101;
 inline constexpr int kItemsFile = 5102;
 inline constexpr int kTestFile = 5103;
+inline constexpr int kUnregistered = 6000;
+inline constexpr int kInBrackets = 6001;
+inline constexpr int kExtractStep = 6002;
+inline constexpr int kMoveStep = 6003;
+inline constexpr int kCopyStep = 6004;
+inline constexpr int kStepFailed = 6005;
+inline constexpr int kMoreProblems = 6006;
 }  // namespace text_id
 
 struct StringTableEntry {

@@ -15,6 +15,7 @@
 #include "ui/elided_label.h"
 #include "ui/form_helpers.h"
 #include "ui/frmProgress.h"
+#include "ui/pictures.h"
 #include "ui/text.h"
 
 namespace quendle {
@@ -36,6 +37,7 @@ constexpr int kNewer = 6330;
 constexpr int kUnknownTime = 6331;
 
 constexpr int kWidth = 520;
+constexpr int kIconPixels = 32;
 
 struct AnswerButton {
   int text;
@@ -90,7 +92,13 @@ frmOverwrite::frmOverwrite(QWidget* owner, const platform::FileVersion& existing
   for (const AnswerButton& button : kButtons) AddButton(row, button.text, button.answer);
   auto* layout = new QVBoxLayout(this);
   layout->setSpacing(10);
-  layout->addWidget(new QLabel(Text(kQuestion)));
+  auto* head = new QHBoxLayout;
+  auto* icon = new QLabel;
+  icon->setPixmap(Picture("question", kIconPixels, this));
+  head->addWidget(icon);
+  head->addSpacing(4);
+  head->addWidget(new QLabel(Text(kQuestion)), 1);
+  layout->addLayout(head);
   layout->addWidget(MakeSide(kExisting, existing, incoming));
   layout->addWidget(MakeSide(kIncoming, incoming, existing));
   layout->addLayout(row);

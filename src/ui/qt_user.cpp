@@ -9,7 +9,6 @@
 #include "base/reasons.h"
 #include "files/file_manager.h"
 #include "platform/launch.h"
-#include "ui/form_helpers.h"
 #include "ui/frmOutput.h"
 #include "ui/frmOverwrite.h"
 #include "ui/modMsgBox.h"
@@ -159,8 +158,7 @@ void QtUser::ShowMessage(MessageKind kind, const std::string& text) {
 void QtUser::ShowExtractionLog(const std::string& text) {
   const Waiting waiting(*this);
   frmOutput output(Owner());
-  output.pText(LinesForDisplay(text));
-  SetTopmost(&output, true);
+  output.pText(text);
   output.setWindowModality(Qt::ApplicationModal);
   output.exec();
 }
