@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 
@@ -32,9 +33,19 @@ std::string Escape(char32_t code_point) {
   return text;
 }
 
+bool IsPlain(char c) {
+  return c >= 0x20 && c < 0x7F && c != '\\';
+}
+
 std::string Escaped(std::string_view name, bool characters_too) {
   std::string shown;
-  while (!name.empty()) {
+  while (true) {
+    // Most of a log is plain, and a log may be large.
+    const auto plain =
+        static_cast<std::size_t>(std::find_if_not(name.begin(), name.end(), IsPlain) - name.begin());
+    shown += name.substr(0, plain);
+    name.remove_prefix(plain);
+    if (name.empty()) return shown;
     char32_t code_point = 0;
     if (!platform::TakeCodePoint(&name, &code_point)) {
       char text[8];
@@ -48,7 +59,6 @@ std::string Escaped(std::string_view name, bool characters_too) {
       platform::AppendCodePoint(code_point, &shown);
     }
   }
-  return shown;
 }
 
 // The character or byte that the escape at the front of `shown` stands for, and the escape's length; empty when

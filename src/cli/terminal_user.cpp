@@ -4,8 +4,9 @@
 #include <array>
 #include <cstdio>
 
-#include "base/modString.h"
 #include "base/display.h"
+#include "base/modString.h"
+#include "files/file_manager.h"
 #include "platform/launch.h"
 #include "platform/process.h"
 #include "platform/unicode.h"
@@ -37,8 +38,7 @@ std::string AmountText(const platform::FileProgress& progress, double seconds) {
   return text + ", " + SizeText(done / seconds) + "/s";
 }
 
-void Open(const std::string& path, const std::string& untrusted_folder) {
-  const platform::Result opened = platform::OpenWithDesktop(path, untrusted_folder);
+void WarnUnlessOpened(const std::string& path, const platform::Result& opened) {
   if (!opened.ok()) TerminalUser::Warn(ForDisplay(path) + ": it is not opened: " + opened.reason);
 }
 
@@ -113,11 +113,12 @@ void TerminalUser::EndProgress() {
 void TerminalUser::SetBusy(bool) {}  // the terminal shows by itself that the program has not ended
 
 void TerminalUser::OpenFolder(const std::string& folder) {
-  Open(folder, folder);
+  WarnUnlessOpened(folder, settings_ == nullptr ? platform::OpenWithDesktop(folder, folder)
+                                                : OpenFolderWithFiler(*settings_, folder));
 }
 
 void TerminalUser::OpenFile(const std::string& path, const std::string& untrusted_folder) {
-  Open(path, untrusted_folder);
+  WarnUnlessOpened(path, platform::OpenWithDesktop(path, untrusted_folder));
 }
 
 void TerminalUser::Warn(const std::string& text) {

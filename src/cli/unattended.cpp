@@ -4,13 +4,13 @@
 #include <optional>
 #include <utility>
 
-#include "base/modString.h"
 #include "base/display.h"
+#include "base/modString.h"
 #include "cli/report.h"
 #include "cli/terminal_user.h"
 #include "core/modMain.h"
 #include "platform/durable_file.h"
-#include "platform/known_folders.h"
+#include "platform/keyboard.h"
 #include "platform/process.h"
 #include "platform/result.h"
 #include "platform/unicode.h"
@@ -100,6 +100,7 @@ int RunUnattended(const Options& options) {
   TerminalUser user(platform::ErrorStreamColumns(), std::move(password));
   const std::vector<std::string> paths = TakenPaths(options);
   Globals globals(FindSettingsFolders(options.settings), !options.dry_run, user, FindModuleFolder(), paths);
+  user.OpenFoldersBy(*globals.g_PropDefault);
   if (IsWindowed(options)) ExplainMissingWindows(options, &globals);
   for (const std::string& warning : SettingsWarnings(globals)) TerminalUser::Warn(ForDisplay(warning));
 

@@ -25,7 +25,4 @@ std::string DownloadFolder();
 // An environment variable; an empty one counts as missing.
 std::optional<std::string> EnvironmentVariable(const char* name);
 
-// Can windows be shown in this session?
-bool HasDisplay();
-
 }  // namespace quendle::platform

@@ -84,8 +84,4 @@ std::optional<std::string> EnvironmentVariable(const char* name) {
   return value;
 }
 
-bool HasDisplay() {
-  return EnvironmentVariable("DISPLAY") || EnvironmentVariable("WAYLAND_DISPLAY");
-}
-
 }  // namespace quendle::platform

@@ -13,12 +13,7 @@ namespace quendle::platform {
 // what it does afterwards is not known.
 Result StartProgram(const std::vector<std::string>& arguments);
 
-// Starts the program at that full path with parameters as a user writes them: words separated by blanks, double quotes
-// around blanks, and a backslash in front of a quote or a backslash that is meant. Every "%1" is `value`, which
-// is never taken apart, whatever is in it.
-//   "--select %1" and "/a b"     => --select, /a b
-//   "\"%1\"" and "/a b"          => /a b
-//   "/e,%1" and "/out"           => /e,/out
+// Starts the program at that full path with parameters as a user writes them: see platform/launch_words.h.
 Result StartProgramFor(const std::string& program, const std::string& parameters, const std::string& value);
 
 // Opens a file or folder, by its absolute path, with the desktop's handler for it. The handler's starter is

@@ -9,6 +9,7 @@
 
 #include "platform/descriptor_posix.h"
 #include "platform/entry_names_posix.h"
+#include "platform/launch_words.h"
 #include "platform/paths.h"
 
 namespace quendle::platform {
@@ -67,6 +68,12 @@ Result StartProgram(const std::vector<std::string>& arguments) {
   }
   close(channel[0]);
   return error == 0 ? Success() : SystemFailure(error, arguments.front());
+}
+
+Result StartProgramFor(const std::string& program, const std::string& parameters, const std::string& value) {
+  std::vector<std::string> arguments = LaunchWords(parameters, value);
+  arguments.insert(arguments.begin(), program);
+  return StartProgram(arguments);
 }
 
 Result OpenWithDesktop(const std::string& path, const std::string& untrusted_folder) {

@@ -12,8 +12,9 @@ namespace quendle::platform {
 // Held by the first copy as long as it lives. Copies of different users never meet, nor do those with different keys.
 // What a copy that crashed has left behind does not count.
 //
-// POSIX: a lock and a socket, named by a hash of the key, in the session's runtime folder; without one in a folder of
-// the user's own, 0700, in the temporary folder, which is refused when it is anybody else's or open to others.
+// POSIX: a lock and a socket, named by a hash of the key, in the session's runtime folder; without one that is
+// this user's alone in a folder "quendle-UID" of the temporary folder, which is made 0700 and refused when it
+// is anybody else's or open to others.
 class RunningCopy {
  public:
   // True with `*copy` set: this is the first one. True with null: another one is running; it has been asked to show its

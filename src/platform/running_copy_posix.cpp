@@ -1,1 +1,172 @@
 #include "platform/running_copy.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+#include "platform/descriptor_posix.h"
+#include "platform/known_folders.h"
+#include "platform/local_socket_posix.h"
+
+namespace quendle::platform {
+namespace {
+
+constexpr std::chrono::milliseconds kPatience{1000};  // with a first copy that is just beginning or ending
+constexpr std::chrono::milliseconds kBetweenTries{10};
+constexpr int kWaitingRequests = 16;
+
+// FNV-1a: every build has to come to the same name.
+std::string HashText(std::string_view text) {
+  std::uint64_t hash = 0xcbf29ce484222325U;
+  for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3U;
+  char digits[17];
+  std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(hash));
+  return digits;
+}
+
+// Opens a folder that nobody but this user can put anything into.
+Result OpenPrivateFolder(const std::string& path, Descriptor* folder) {
+  Descriptor opened(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (!opened.ok()) {
+    if (errno != ENOTDIR && errno != ELOOP) return LastSystemFailure(path);
+    return Failure(Code::kRefused, path, "a link or a file is in the place of the user's own folder");
+  }
+  struct stat status;
+  if (fstat(opened.get(), &status) != 0) return LastSystemFailure(path);
+  if (status.st_uid != geteuid()) return Failure(Code::kRefused, path, "the folder belongs to somebody else");
+  if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0) {
+    return Failure(Code::kRefused, path, "the folder is open to other users");
+  }
+  *folder = std::move(opened);
+  return Success();
+}
+
+// A runtime folder that is not this user's alone, as after becoming another user, is none.
+Result OpenMeetingFolder(std::string* path, Descriptor* folder) {
+  *path = RuntimeFolder();
+  if (!path->empty() && OpenPrivateFolder(*path, folder).ok()) return Success();
+  *path = TemporaryFolder() + "/quendle-" + std::to_string(geteuid());
+  if (mkdir(path->c_str(), S_IRWXU) != 0 && errno != EEXIST) return LastSystemFailure(*path);
+  return OpenPrivateFolder(*path, folder);
+}
+
+bool IsSameUser(int connection) {
+  ucred peer = {};
+  socklen_t size = sizeof peer;
+  return getsockopt(connection, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == geteuid();
+}
+
+}  // namespace
+
+// Who holds the lock is the first copy. The system lets go of it when that copy ends in whatever way; the
+// file stays for good, since a copy that had opened it before it was removed could lock what no later copy
+// finds, and there would be two first ones.
+struct RunningCopy::State {
+  std::string path;  // of the folder, for failures
+  std::string name;  // of the entries in it, without their endings
+  Descriptor folder;
+  Descriptor lock;
+  Descriptor socket;
+  bool is_first = false;
+
+  ~State() {
+    if (!is_first) return;
+    if (socket.ok()) unlinkat(folder.get(), SocketName().c_str(), 0);
+    socket.Close();  // whoever comes now finds no socket and waits for the lock
+    // Not left to closing: a child of this process that has not become its program yet has it open, too.
+    flock(lock.get(), LOCK_UN);
+  }
+
+  std::string SocketName() const { return name + ".socket"; }
+  std::string Shown(const char* ending) const { return path + "/" + name + ending; }
+
+  Result Open(const std::string& key) {
+    if (Result opened = OpenMeetingFolder(&path, &folder); !opened.ok()) return opened;
+    name = "quendle-" + HashText(key);
+    lock = Descriptor(openat(folder.get(), (name + ".lock").c_str(),
+                             O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    return lock.ok() ? Success() : LastSystemFailure(Shown(".lock"));
+  }
+
+  Result TryLock() {
+    is_first = Retried([&] { return flock(lock.get(), LOCK_EX | LOCK_NB); }) == 0;
+    return is_first || errno == EWOULDBLOCK ? Success() : LastSystemFailure(Shown(".lock"));
+  }
+
+  // For the holder of the lock: a socket that is there was left behind by a copy that crashed.
+  Result Listen() {
+    if (unlinkat(folder.get(), SocketName().c_str(), 0) != 0 && errno != ENOENT) {
+      return LastSystemFailure(Shown(".socket"));
+    }
+    Descriptor made = MakeLocalSocket();
+    if (!made.ok()) return LastSystemFailure(Shown(".socket"));
+    if (const int error = BindSocket(made.get(), folder.get(), SocketName()); error != 0) {
+      return SystemFailure(error, Shown(".socket"));
+    }
+    socket = std::move(made);
+    return listen(socket.get(), kWaitingRequests) == 0 ? Success() : LastSystemFailure(Shown(".socket"));
+  }
+
+  // The connection itself is the request. Sets `*asked`; not when nobody listens (yet, or any more).
+  Result Ask(bool* asked) const {
+    const Descriptor connection = MakeLocalSocket();
+    if (!connection.ok()) return LastSystemFailure(Shown(".socket"));
+    const int error = ConnectSocket(connection.get(), folder.get(), SocketName());
+    *asked = error == 0 || error == EAGAIN;  // a full queue: it has been asked, and has not looked yet
+    if (*asked || error == ENOENT || error == ECONNREFUSED || error == EINTR) return Success();
+    return SystemFailure(error, Shown(".socket"));
+  }
+
+  // Becomes the first copy or asks it.
+  Result Settle() {
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    while (true) {
+      if (Result tried = TryLock(); !tried.ok()) return tried;
+      if (is_first) return Listen();
+      bool asked = false;
+      if (Result result = Ask(&asked); !result.ok() || asked) return result;
+      if (std::chrono::steady_clock::now() >= end) break;
+      std::this_thread::sleep_for(kBetweenTries);
+    }
+    return Failure(Code::kFailed, Shown(".socket"), "another copy is running, but does not listen");
+  }
+};
+
+RunningCopy::RunningCopy(std::unique_ptr<State> state) : state_(std::move(state)) {}
+RunningCopy::~RunningCopy() = default;
+
+Result RunningCopy::Claim(const std::string& key, std::unique_ptr<RunningCopy>* copy) {
+  copy->reset();
+  auto state = std::make_unique<State>();
+  Result result = state->Open(key);
+  if (result.ok()) result = state->Settle();
+  if (result.ok() && state->is_first) copy->reset(new RunningCopy(std::move(state)));
+  return result;
+}
+
+std::intptr_t RunningCopy::WaitHandle() const {
+  return state_->socket.get();
+}
+
+bool RunningCopy::TakeRequest() const {
+  bool is_asked = false;
+  while (true) {
+    const Descriptor request(accept4(state_->socket.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+    if (request.ok()) {
+      is_asked = IsSameUser(request.get()) || is_asked;
+    } else if (errno != EINTR && errno != ECONNABORTED) {
+      return is_asked;
+    }
+  }
+}
+
+}  // namespace quendle::platform

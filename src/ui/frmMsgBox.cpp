@@ -82,6 +82,7 @@ void frmMsgBox::pTitle(const std::string& title) {
 
 void frmMsgBox::pPrompt(const std::string& prompt) {
   lblMsg->setText(ToQt(prompt));
+  txtInput->setAccessibleName(lblMsg->text());
 }
 
 void frmMsgBox::pMsgIcon(std::int32_t icon) {
@@ -200,7 +201,8 @@ void frmMsgBox::keyPressEvent(QKeyEvent* event) {
   }
 }
 
-// Letters with Alt are the buttons' own affair. A key that is still held down from the window before answers nothing.
+// Letters with Alt are the buttons' own affair. A key that is still held down from the window before answers
+// nothing.
 bool frmMsgBox::PressByLetter(const QKeyEvent& event) {
   const bool is_bare = (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) == 0;
   if (!bare_letters_ || !is_bare || event.isAutoRepeat() || event.text().size() != 1) return false;

@@ -16,6 +16,7 @@ namespace quendle {
 namespace {
 
 constexpr QSize kFirstSize(640, 440);
+constexpr int kButtonPadding = 28;
 
 // Nothing that an archive is made to say may look like something else: only line breaks and tabs are obeyed.
 std::string WithVisibleControls(std::string_view text) {
@@ -69,7 +70,11 @@ frmOutput::frmOutput(QWidget* owner) : QDialog(owner), txt(new QPlainTextEdit(th
           &QDialog::accept);
 
   ApplyFormFont(this, true);
+  for (QPushButton* button : {select, copy, close}) {
+    button->setMinimumWidth(fontMetrics().horizontalAdvance(button->text()) + kButtonPadding);
+  }
   txt->setFont(FixedPitchFont());
+  txt->setTabStopDistance(8 * QFontMetricsF(txt->font()).horizontalAdvance(' '));
   setMinimumSize(minimumSizeHint().expandedTo({320, 200}));
   resize(kFirstSize.boundedTo(screen()->availableSize()));
   SetTopmost(this, true);

@@ -57,8 +57,8 @@ std::vector<TwipRect> ButtonRow(const BoxInput& input) {
   return row;
 }
 
-// The margins count twice: once in the width to begin with and once in every comparison. A short prompt so makes the
-// box narrower than its design.
+// The margins count twice: once in the width to begin with and once in every comparison. A short prompt so
+// makes the box narrower than its design.
 int MessageWidth(int width, int margins, const std::vector<int>& line_widths) {
   int candidate = width - margins;
   for (const int line : line_widths) {

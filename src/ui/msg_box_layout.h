@@ -1,7 +1,7 @@
 // The arithmetic of the message and input box, in twips, without widgets.
 //
-// A window has a frame around what it can draw on; here "the window's width" is the width inside it everywhere, since
-// the frame belongs to the desktop and is not known before the window is shown.
+// A window has a frame around what it can draw on. Widths and heights of boxes are those inside it everywhere,
+// since the frame belongs to the desktop and is not known before the window is shown.
 #pragma once
 
 #include <array>
@@ -46,8 +46,8 @@ struct BoxDesign {
   TwipRect field;   // where one line is typed
 };
 
-// A design on which three buttons with texts up to `widest_caption` stay in view in a narrowed box, for a font whose
-// lines are `line_height` high.
+// A design on which three buttons with texts up to `widest_caption` stay in view in a narrowed box, for a font
+// whose lines are `line_height` high.
 BoxDesign DesignForFont(int line_height, int widest_caption);
 
 struct BoxInput {

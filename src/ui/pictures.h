@@ -8,7 +8,8 @@ class QWidget;
 
 namespace quendle {
 
-// "information", "exclamation", "critical", "question", "quendle" (the program's), "archive". Null for any other name.
+// "information", "exclamation", "critical", "question", "quendle" (the program's), "archive". Null for any
+// other name.
 QIcon Picture(const QString& name);
 
 // That picture, so many logical pixels wide and high, as sharp as the screen of `widget` can show it.

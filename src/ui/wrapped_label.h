@@ -5,7 +5,8 @@
 
 namespace quendle {
 
-// Shows plain text. Lines end at "\r\n" or "\n" and wrap between words, and within a word that is too long for a line.
+// Shows plain text. Lines end at "\r\n" or "\n" and wrap between words, and within a word that is too long
+// for a line.
 class WrappedLabel : public QLabel {
  public:
   explicit WrappedLabel(QWidget* parent);

@@ -23,7 +23,8 @@ struct Ended {
 
 // Runs the program by the shell with `arguments` as they stand, in `folder`, with the settings in folder/s.
 Ended RunProgram(const test::TempFolder& folder, const std::string& arguments) {
-  const std::string command = "cd '" + folder.path() + "' && unset DISPLAY WAYLAND_DISPLAY; QUENDLE_HOME='" +
+  const std::string command = "cd '" + folder.path() +
+                              "' && unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM; QUENDLE_HOME='" +
                               folder / "s" + "' '" QUENDLE_PROGRAM "' " + arguments + " >'" + folder / "out" +
                               "' 2>'" + folder / "err" + "' </dev/null";
   const int status = std::system(command.c_str());

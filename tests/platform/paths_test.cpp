@@ -1,11 +1,6 @@
 #include "platform/paths.h"
 
-#include <unistd.h>
-
-#include <cstdlib>
-
 #include "platform/known_folders.h"
-#include "platform/launch.h"
 #include "support/scoped_variable.h"
 #include "support/temp_folder.h"
 
@@ -68,30 +63,6 @@ GTEST_TEST(KnownFolders, FollowTheUsersSession) {
   EXPECT_EQ(DownloadFolder(), home / "Downloads");
   const ScopedVariable absolute("XDG_CONFIG_HOME", "/etc/xdg/");
   EXPECT_EQ(SettingsRoot(), "/etc/xdg");
-}
-
-GTEST_TEST(Launch, StartsTheOpenerWithTheFileAsOneArgument) {
-  const test::TempFolder folder;
-  test::WriteFile(folder / "bin/xdg-open", "#!/bin/sh\nprintf '%s|%s' \"$#\" \"$1\" >'" +
-                                               folder / "log.part" + "' && mv '" + folder / "log.part" +
-                                               "' '" + folder / "log" + "'\n");
-  fs::permissions(folder / "bin/xdg-open", fs::perms::owner_all);
-  const std::string file = folder / "a b; $(touch x).txt";
-  test::WriteFile(file, "x");
-  const ScopedVariable path("PATH", folder / "bin" + ":/bin:/usr/bin");
-
-  fs::create_directory_symlink(folder.path(), folder / "link");
-  for (const std::string& untrusted : {folder.path(), folder / "bin", folder / "link"}) {
-    EXPECT_FALSE(OpenWithDesktop(file, untrusted).ok()) << "an opener in the untrusted folder";
-  }
-  EXPECT_FALSE(OpenWithDesktop(folder / "none", "/nowhere").ok());
-  ASSERT_TRUE(OpenWithDesktop(file, "/nowhere").ok());
-  for (int i = 0; i < 500 && !fs::exists(folder / "log"); ++i) usleep(10'000);
-  EXPECT_EQ(test::ReadFile(folder / "log"), "1|" + file);
-
-  const Result failed = StartProgram({folder / "bin"});
-  EXPECT_EQ(failed.code, Code::kDenied);
-  EXPECT_EQ(failed.path, folder / "bin");
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <QApplication>
 #include <QDropEvent>
 #include <QFontDatabase>
-#include <QFontInfo>
+#include <QFontMetricsF>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMimeData>
@@ -16,6 +16,7 @@
 #include <QtTest/QTest>
 
 #include "ui/modListBox.h"
+#include "ui/pictures.h"
 
 namespace quendle {
 namespace {
@@ -60,7 +61,8 @@ GTEST_TEST(FormHelpers, FontsFallBackToInstalledOnes) {
   }
   const QString other = QFontDatabase::families().constLast();
   EXPECT_EQ(InstalledFont(other.toStdString(), "9", Pitch::kFixed).family(), other);
-  EXPECT_TRUE(QFontInfo(FixedPitchFont()).fixedPitch());
+  const QFontMetricsF fixed(FixedPitchFont());
+  EXPECT_DOUBLE_EQ(fixed.horizontalAdvance("iiii"), fixed.horizontalAdvance("WWWW"));
 }
 
 GTEST_TEST(FormHelpers, FontReachesControlsWithFontsOfTheirOwn) {
@@ -149,6 +151,15 @@ GTEST_TEST(FormHelpers, CentredAndNoLargerThanTheScreen) {
   form.resize(9000, 9000);
   CentreOnScreen(&form);
   EXPECT_EQ(form.geometry(), screen);
+}
+
+GTEST_TEST(Pictures, AreCompiledIn) {
+  for (const char* name : {"information", "exclamation", "critical", "question", "quendle", "archive"}) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(Picture(name).availableSizes().size(), 5);
+    EXPECT_EQ(Picture(name).pixmap(QSize(48, 48), 1).size(), QSize(48, 48));
+  }
+  EXPECT_TRUE(Picture("other").isNull());
 }
 
 }  // namespace

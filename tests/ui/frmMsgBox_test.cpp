@@ -21,14 +21,16 @@ namespace {
 
 using Script = std::function<void(QDialog* box)>;
 
-// Runs the script on the box that the next call opens. A box that the script left open is closed, so that the test goes on.
+// Runs the script on the box that the next call opens. A box that the script left open is closed, so that the
+// test goes on.
 void OnBox(const Script& script) {
   QTimer::singleShot(0, [script] {
     auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     ASSERT_NE(box, nullptr);
     ASSERT_TRUE(QTest::qWaitForWindowActive(box));
     script(box);
-    if (box->isVisible()) {
+    // A button that is pressed by Alt stays down for a moment.
+    if (!QTest::qWaitFor([box] { return !box->isVisible(); }, 1000)) {
       ADD_FAILURE() << "the box is still open";
       box->hide();
     }
@@ -187,7 +189,7 @@ GTEST_TEST(MsgBox, LongPromptsCanBeReadToTheEnd) {
       EXPECT_EQ(label->text(), ToQt(row.prompt));
       EXPECT_GE(label->height(), label->heightForWidth(label->width()));
       auto* bar = box->findChild<QScrollArea*>()->verticalScrollBar();
-      EXPECT_EQ(bar->isVisible(), row.scrolls);
+      EXPECT_TRUE(QTest::qWaitFor([&] { return bar->isVisible() == row.scrolls; }, 1000));
       Key(Qt::Key_PageDown)(box);
       EXPECT_EQ(bar->value() > 0, row.scrolls);
       for (QWidget* child : box->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {

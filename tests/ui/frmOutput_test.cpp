@@ -73,19 +73,19 @@ GTEST_TEST(Output, KeysAndButtons) {
   EXPECT_FALSE(form.isVisible());
 }
 
+// It takes less than a second; the limit leaves room for sanitizers and a busy machine, and none for square
+// time.
 GTEST_TEST(Output, LongLogsOpenQuickly) {
   std::string log;
-  for (int i = 0; log.size() < 10'000'000; ++i)
-    log += "Extracting  写真/2003/picture" + std::to_string(i) + ".jpg\r\n";
+  for (int i = 0; log.size() < 10'000'000; ++i) log += "Extracting  写真/" + std::to_string(i) + ".jpg\r\n";
   QElapsedTimer timer;
   timer.start();
   frmOutput form(nullptr);
   form.pText(log);
   form.show();
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&form));
-  form.grab();
-  RecordProperty("milliseconds", static_cast<int>(timer.elapsed()));
-  std::printf("opened in %d ms\n", static_cast<int>(timer.elapsed()));
+  EXPECT_FALSE(form.grab().isNull());
+  EXPECT_LT(timer.elapsed(), 15'000);
 }
 
 }  // namespace

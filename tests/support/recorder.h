@@ -1,0 +1,38 @@
+// A program that writes down what it was started with.
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <thread>
+
+#include "support/temp_folder.h"
+
+namespace quendle::test {
+
+class Recorder {
+ public:
+  // A script at `path`, whose record lies beside it.
+  explicit Recorder(const std::string& path) : record_(path + ".record") {
+    WriteFile(path, "#!/bin/sh\n{ echo \"$#\"; printf '%s\\n' \"$@\"; } >'" + record_ + ".part' && mv '" +
+                        record_ + ".part' '" + record_ + "'\n");
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+  }
+
+  // The number of arguments and each of them on a line; "not started" when nothing comes for `patience`.
+  std::string Take(std::chrono::milliseconds patience = std::chrono::seconds(10)) {
+    constexpr std::chrono::milliseconds kStep{10};
+    for (auto left = patience; left.count() > 0 && !std::filesystem::exists(record_); left -= kStep) {
+      std::this_thread::sleep_for(kStep);
+    }
+    if (!std::filesystem::exists(record_)) return "not started";
+    std::string record = ReadFile(record_);
+    std::filesystem::remove(record_);
+    return record;
+  }
+
+ private:
+  std::string record_;
+};
+
+}  // namespace quendle::test
