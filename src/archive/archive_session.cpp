@@ -134,6 +134,7 @@ std::int32_t ArchiveSession::OnProceed(void* user, const char* question) {
   auto& self = *static_cast<ArchiveSession*>(user);
   try {
     if (self.user_.AskProceed(self.Text(question))) return ARCHIVER_YES;
+    self.cancelled_ = true;
   } catch (...) {
     self.fault_ = std::current_exception();
   }

@@ -41,6 +41,7 @@ class ArchiveSession {
   // For work of the program's own in between: false when the user wants no more.
   bool MayGoOn();
 
+  // The user has stopped it, or did not let it go on.
   bool IsCancelled() const { return cancelled_; }
 
   // The password given last; empty when none was.

@@ -91,6 +91,7 @@ bool clsArchiver::mExtractArchive(const std::string& destination) {
     SMARTMAKEDIR = work.flat;
     succeeded = work.groups.empty() || Run(&work);
     RememberPassword(work);
+    report_.by_user = work.session.IsCancelled() && report_.problems.size() == 1;
   });
   return succeeded && report_.problems.empty();
 }

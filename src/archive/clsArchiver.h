@@ -25,6 +25,7 @@ struct ExtractionReport {
   std::vector<std::string> folders;  // extracted into and not there before, full paths
   bool doubled_folder_avoided = false;
   std::vector<ExtractionProblem> problems;
+  bool by_user = false;  // the only problem is that the user stopped it
 };
 
 // The first problem and how many more there are, as one line; empty when there are none.

@@ -1,5 +1,9 @@
 #include "base/display.h"
 
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 
 #include "platform/unicode.h"
@@ -29,9 +33,19 @@ std::string Escape(char32_t code_point) {
   return text;
 }
 
+bool IsPlain(char c) {
+  return c >= 0x20 && c < 0x7F && c != '\\';
+}
+
 std::string Escaped(std::string_view name, bool characters_too) {
   std::string shown;
-  while (!name.empty()) {
+  while (true) {
+    // Most of a log is plain, and a log may be large.
+    const auto plain =
+        static_cast<std::size_t>(std::find_if_not(name.begin(), name.end(), IsPlain) - name.begin());
+    shown += name.substr(0, plain);
+    name.remove_prefix(plain);
+    if (name.empty()) return shown;
     char32_t code_point = 0;
     if (!platform::TakeCodePoint(&name, &code_point)) {
       char text[8];
@@ -45,10 +59,49 @@ std::string Escaped(std::string_view name, bool characters_too) {
       platform::AppendCodePoint(code_point, &shown);
     }
   }
-  return shown;
+}
+
+// The character or byte that the escape at the front of `shown` stands for, and the escape's length; empty when
+// none does that ForDisplay would have written so.
+std::string Unescaped(std::string_view shown, std::size_t* length) {
+  constexpr std::string_view kShort = "\\nrt";
+  constexpr std::string_view kMeaning = "\\\n\r\t";
+  const char kind = shown.size() < 2 ? '\0' : shown[1];
+  std::string meant;
+  *length = 2;
+  if (const std::size_t at = kShort.find(kind); at != std::string_view::npos) {
+    meant = kMeaning[at];
+  } else if (kind == 'x' || shown.substr(1, 2) == "u{") {
+    const bool is_byte = kind == 'x';
+    std::uint32_t value = 0;
+    const char* const digits = shown.data() + (is_byte ? 2 : 3);
+    const char* const end = shown.data() + (is_byte ? std::min<std::size_t>(shown.size(), 4) : shown.size());
+    const char* const behind = std::from_chars(std::min(digits, end), end, value, 16).ptr;
+    *length = static_cast<std::size_t>(behind - shown.data()) + (is_byte ? 0 : 1);
+    if (is_byte && value <= 0xFF) meant = static_cast<char>(value);
+    if (!is_byte && value <= 0x10FFFF) platform::AppendCodePoint(value, &meant);
+  }
+  // No name has the character zero in it.
+  const bool is_written_so = meant != std::string(1, '\0') && ForDisplay(meant) == shown.substr(0, *length);
+  return is_written_so ? meant : "";
 }
 
 }  // namespace
+
+std::string FromDisplay(std::string_view shown) {
+  std::string name;
+  while (!shown.empty()) {
+    std::size_t length = 1;
+    std::string meant = shown.front() == '\\' ? Unescaped(shown, &length) : "";
+    if (meant.empty()) {
+      length = 1;
+      meant = shown.front();
+    }
+    name += meant;
+    shown.remove_prefix(length);
+  }
+  return name;
+}
 
 std::string ForDisplay(std::string_view name) {
   return Escaped(name, true);

@@ -1,1 +1,194 @@
 #include "base/reasons.h"
+
+#include <algorithm>
+#include <optional>
+#include <vector>
+
+#include "base/text.h"
+
+namespace quendle {
+namespace {
+
+// %1 and %2 stand for names, numbers and what a library said.
+struct Row {
+  std::string_view english;
+  int text;
+};
+
+constexpr Row kOwn[] = {
+    {"the profile has been changed or removed, or cannot be read any more", 6010},
+    {"the profile is being changed", 6011},
+    {"a folder of the profile is too long to be read whole", 6012},
+    {"Include or Exclude of the profile is too long to be read whole", 6013},
+    {"the folder of the test settings is too long to be read whole", 6012},
+    {"this is not an entry of a folder", 6014},
+    {"something else has taken its place", 6015},
+    {"not tried, because the step before it failed", 6016},
+    {"files in it exist there already, and nothing is overwritten unasked", 6017},
+    {"a file of that name exists already, and nothing is overwritten unasked", 6018},
+    {"it exists already, and nothing is overwritten unasked", 6018},
+    {"it is in that folder already", 6019},
+    {"not an archive that can be extracted", 6020},
+    {"no destination folder is set", 6021},
+    {"the destination folder is not an absolute path", 6022},
+    {"the destination folder has \"..\" in it", 6023},
+    {"a folder cannot go into itself", 6024},
+    {"it is there already", 6025},
+    {"a folder of that name is in the way", 6026},
+    {"a folder of that name is where the file would go", 6026},
+    {"a file of that name is in the way", 6027},
+    {"a file of that name exists already", 6027},
+    {"a file of that name is where the folder would go", 6027},
+    {"a file or a link is where a folder would be", 6028},
+    {"the archiver library cannot be used any more", 6030},
+    {"the archiver library reported error %1", 6031},
+    {"the library's encoding cannot hold its name", 6032},
+    {"the library's encoding cannot hold the path", 6032},
+    {"its name has line breaks or quotes that the library cannot be told", 6033},
+    {"a path with a double quote cannot be given to the library", 6034},
+    {"there is no name for %1 of its entries", 6035},
+    {"no temporary file can be made", 6036},
+    {"an unexpected fault", 6037},
+    {"it was stopped", 6038},
+    {"cancelled", 6039},
+    {"something of that name has appeared meanwhile", 6040},
+    {"source and destination are the same", 6041},
+    {"the link leads to the destination", 6042},
+    {"a link is in the place of the folder", 6043},
+    {"another file system is mounted here", 6044},
+    {"entries that appeared meanwhile were left", 6045},
+    {"entries of others cannot be removed from this folder", 6046},
+    {"devices, sockets and pipes cannot be copied", 6047},
+    {"the copy has another size than the source", 6048},
+    {"1 file exists already and was left", 6049},
+    {"%1 files exist already and were left", 6050},
+    {"%1 entry was left", 6051},
+    {"%1 entries were left", 6051},
+    {"there is no trash to move this to", 6052},
+    {"this is not a regular file", 6053},
+    {"the link leads nowhere", 6054},
+    {"the link may lead out of the folder", 6055},
+    {"the name leads out of the folder: %1", 6055},
+    {"the name is too long for the system", 6056},
+    {"a part of the name is too long for the system", 6056},
+    {"%1 has %2 entries. Extract them?", 6057},
+    {"%1 grows to more than %2 times its size. Go on?", 6058},
+    {"there are %1 entries", 6059},
+    {"it grows to more than %1 times its size", 6060},
+    {"there is no such entry", 6061},
+    {"it cannot be read", 6062},
+    {"its checksum does not agree", 6063},
+    {"a checksum does not agree", 6063},
+    {"its packed data is damaged", 6064},
+    {"the content is damaged, or packed in a way that is not known", 6065},
+    {"it is packed in a way that is not known", 6066},
+    {"it is packed as %1, which is not supported", 6067},
+    {"the archive is cut off", 6068},
+    {"the archive is cut off: %1", 6068},
+    {"the archive is cut off, or damaged, in a header", 6069},
+    {"the central directory is damaged: %1", 6069},
+    {"the central directory is missing: the file is truncated or no ZIP archive", 6069},
+    {"the archive is damaged or made to deceive: its entries share the same bytes", 6069},
+    {"the volume %1 is missing", 6070},
+    {"the volume behind %1 is missing", 6071},
+    {"the archive has %1 volumes, and not all are there", 6072},
+    {"the archive begins in %1", 6073},
+    {"this is not the first volume of the archive", 6074},
+    {"the next cabinet, %1, is missing", 6075},
+    {"it is encrypted and no password was given", 6076},
+    {"no password given opens it", 6077},
+    {"the password is wrong or the data is damaged: %1", 6078},
+    {"it is encrypted, which is not supported for RAR", 6079},
+    {"its list of names is encrypted, which is not supported", 6079},
+    {"this kind of encryption is not supported: %1", 6080},
+    {"it is neither a file nor a folder nor a symbolic link", 6081},
+    {"there are only %1 bytes free, %2 are needed", 6082},
+    {"xdg-open, which opens files, is not on the search path", 6083},
+};
+
+// Behind the first of several reasons.
+constexpr Row kMore = {"%1 (and %2 more)", 6029};
+
+// The system's own words for its errors.
+constexpr Row kSystem[] = {
+    {"No such file or directory", 6084},
+    {"Permission denied", 6085},
+    {"Operation not permitted", 6086},
+    {"No space left on device", 6087},
+    {"Disk quota exceeded", 6088},
+    {"Read-only file system", 6089},
+    {"File exists", 6090},
+    {"Is a directory", 6091},
+    {"Not a directory", 6092},
+    {"Directory not empty", 6093},
+    {"File name too long", 6056},
+    {"File too large", 6094},
+    {"Input/output error", 6095},
+    {"Device or resource busy", 6096},
+    {"Text file busy", 6096},
+    {"Too many levels of symbolic links", 6054},
+    {"Cannot allocate memory", 6097},
+    {"Stale file handle", 6084},
+    {"No such device", 6098},
+    {"No such device or address", 6098},
+    {"Transport endpoint is not connected", 6098},
+    {"Operation not supported", 6099},
+    {"Invalid argument", 6099},
+};
+
+// What stands at the placeholders of `form` in `text`, whose literal parts are looked for from the end: names
+// come first and may hold anything. Nothing when the text does not have that form.
+std::optional<std::vector<std::string>> Values(std::string_view form, std::string_view text) {
+  std::vector<std::string> values;
+  bool is_at_end = true;
+  for (std::size_t mark; (mark = form.rfind('%')) != std::string_view::npos; is_at_end = false) {
+    const std::string_view literal = form.substr(mark + 2);
+    const std::size_t at = text.rfind(literal);
+    if (at == std::string_view::npos || (is_at_end && at + literal.size() != text.size()))
+      return std::nullopt;
+    if (!is_at_end) values.insert(values.begin(), std::string(text.substr(at + literal.size())));
+    text = text.substr(0, at);
+    form = form.substr(0, mark);
+  }
+  if (is_at_end) return text == form ? std::optional(values) : std::nullopt;
+  if (!text.starts_with(form)) return std::nullopt;
+  values.insert(values.begin(), std::string(text.substr(form.size())));
+  const bool all_there = std::find(values.begin(), values.end(), "") == values.end();
+  return all_there ? std::optional(values) : std::nullopt;
+}
+
+std::optional<std::string> Whole(std::string_view reason) {
+  for (const Row& row : kSystem) {
+    if (row.english == reason) return LoadText(row.text);
+  }
+  for (const Row& row : kOwn) {
+    if (const auto values = Values(row.english, reason)) return LoadText(row.text, *values);
+  }
+  return std::nullopt;
+}
+
+// A reason before or behind a path or another reason.
+std::optional<std::string> InParts(std::string_view reason, std::string_view separator) {
+  for (std::size_t at = 0; (at = reason.find(separator, at)) != std::string_view::npos; ++at) {
+    const std::string_view front = reason.substr(0, at);
+    const std::string_view rest = reason.substr(at + separator.size());
+    const auto front_text = Whole(front);
+    if (!front_text && !Whole(rest)) continue;
+    return front_text.value_or(std::string(front)).append(separator).append(InJapanese(rest));
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::string InJapanese(std::string_view reason) {
+  if (const auto more = Values(kMore.english, reason)) {
+    return LoadText(kMore.text, {InJapanese(more->front()), more->back()});
+  }
+  auto text = InParts(reason, "; ");
+  if (!text) text = Whole(reason);
+  if (!text) text = InParts(reason, ": ");
+  return text.value_or(std::string(reason));
+}
+
+}  // namespace quendle

@@ -15,4 +15,19 @@ std::string LoadText(int id) {
   return found->text;
 }
 
+std::string LoadText(int id, const std::vector<std::string>& values) {
+  const std::string pattern = LoadText(id);
+  std::string text;
+  for (std::size_t i = 0; i < pattern.size(); ++i) {
+    const std::size_t value = i + 1 < pattern.size() ? static_cast<std::size_t>(pattern[i + 1] - '1') : 0;
+    if (pattern[i] == '%' && i + 1 < pattern.size() && value < values.size()) {
+      text += values[value];
+      ++i;
+    } else {
+      text += pattern[i];
+    }
+  }
+  return text;
+}
+
 }  // namespace quendle

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace quendle {
 
@@ -9,5 +10,8 @@ namespace quendle {
 // programming error.
 //   text_id::kItemsFile => "items.ini"
 std::string LoadText(int id);
+
+// The same with "%1", "%2" ... replaced.
+std::string LoadText(int id, const std::vector<std::string>& values);
 
 }  // namespace quendle

@@ -1,1 +1,225 @@
+// The walk over the paths of a run, filling the state for each, and doing it.
 #include "core/action_form.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/display.h"
+#include "base/modSystem.h"
+#include "base/reasons.h"
+#include "base/text.h"
+#include "core/failure_text.h"
+#include "resources/string_table.h"
+
+namespace quendle {
+namespace {
+
+constexpr std::int16_t kExtractBit = static_cast<std::int16_t>(StepKind::kExtract);
+
+bool IsMissing(const platform::Result& result) {
+  return result.code == platform::Code::kNotFound || result.code == platform::Code::kNotFolder;
+}
+
+std::string Ranked(const std::string& title, std::size_t rank, std::size_t all) {
+  return ForDisplay(title) +
+         LoadText(text_id::kInBrackets, {std::to_string(rank) + "/" + std::to_string(all)});
+}
+
+}  // namespace
+
+ActionForm::ActionForm(const Environment& environment, std::optional<std::string> profile)
+    : environment_(environment), profile_(std::move(profile)) {
+  environment_.mover.CMDLINECURRENT = 0;
+  if (profile_) profile_ = environment_.mover.FindTitle(*profile_).value_or(*profile_);
+}
+
+bool ActionForm::Advance() {
+  clsMover& mover = environment_.mover;
+  while (mover.CMDLINECURRENT <= mover.CMDLINEMAX && ++mover.CMDLINECURRENT <= mover.CMDLINEMAX) {
+    asks_ = false;
+    if (!Fill()) continue;
+    if (!NeedsUser() && Execute()) continue;
+    asks_ = true;
+    LeaveOutExtraction();
+    UpdateView();
+    return true;
+  }
+  view_ = {};
+  return false;
+}
+
+bool ActionForm::NeedsUser() const {
+  const clsMover& mover = environment_.mover;
+  if (mover.SHOWUSERFORM) return true;
+  if (profile_ || mover.PATTERNMATCHCOUNT() == 1) return false;
+  const bool is_tested = mover.ARCHIVETYPE != 0 && environment_.standard.TEST();
+  return mover.PATTERNMATCHCOUNT() > 1 || !is_tested;
+}
+
+platform::Result ActionForm::ReadTarget() {
+  platform::Result result = environment_.mover.SetTarget();
+  if (result.ok() && environment_.file_info.pFileNameLong().empty()) {
+    result =
+        Failure(platform::Code::kFailed, environment_.mover.ORIGINALPATH, "this is not an entry of a folder");
+  }
+  return result;
+}
+
+// False when there is no such target, which is noted.
+bool ActionForm::Fill() {
+  view_ = {};
+  const platform::Result found = ReadTarget();
+  const std::string& path = environment_.mover.ORIGINALPATH;
+  if (!found.ok()) {
+    NoteUndone(path, found.reason);
+    if (!IsMissing(found)) Refuse(path, InJapanese(found.reason));
+    return false;
+  }
+  FillProfiles("");
+  LoadProfile();
+  return true;
+}
+
+// Selects the wanted title when it matches, else the one that was named for the run, else the first.
+void ActionForm::FillProfiles(const std::string& wanted) {
+  clsMover& mover = environment_.mover;
+  titles_ = mover.GetAccordantTitles();
+  titles_.erase(titles_.begin(), mover.PATTERNMATCHCOUNT() == 0 ? titles_.end() : titles_.begin() + 2);
+  view_ = {};
+  view_.edits_profile = !titles_.empty();
+  auto selected = std::find(titles_.begin(), titles_.end(), wanted);
+  if (selected == titles_.end() && profile_) selected = std::find(titles_.begin(), titles_.end(), *profile_);
+  if (selected == titles_.end() && profile_) {
+    view_.profiles = {ForDisplay(*profile_)};
+    titles_ = {*profile_};
+  } else if (titles_.empty()) {
+    view_.profiles = {LoadText(text_id::kNoProfile) +
+                      LoadText(text_id::kInBrackets, {LoadText(text_id::kUnregistered)})};
+    titles_ = {""};
+  } else {
+    if (selected != titles_.end()) view_.selected = static_cast<int>(selected - titles_.begin());
+    for (std::size_t i = 0; i < titles_.size(); ++i) {
+      view_.profiles.push_back(Ranked(titles_[i], i + 1, titles_.size()));
+    }
+  }
+  view_.selected = std::max(view_.selected, 0);
+}
+
+void ActionForm::LoadProfile() {
+  clsMover& mover = environment_.mover;
+  view_.problem = InJapanese(LoadValues());
+  store_title_ = environment_.items.Title;
+  if (!view_.problem.empty()) {
+    // What was read so far belongs to no profile.
+    mover.ACTION = 0;
+    for (std::size_t row = 0; row < kActionRows; ++row) Destination(row).clear();
+  }
+  if (asks_) LeaveOutExtraction();
+  view_.rename = mover.SMARTRENAME;
+  for (std::size_t row = 0; row < kActionRows; ++row) {
+    std::string folder = Destination(row);
+    if (row > 0 && !mover.DOESFOLDER) folder.erase(folder.rfind(Separator(kHostStyle)) + 1);
+    FillField(row, folder);
+  }
+  UpdateView();
+}
+
+// Why the selected profile cannot be used; empty when it can.
+std::string ActionForm::LoadValues() {
+  clsMover& mover = environment_.mover;
+  std::string why;
+  if (const std::string title = SelectedTitle(); !title.empty()) {
+    (void)mover.FillFromProfile(title, &why);
+  } else if (mover.ARCHIVETYPE != 0 && environment_.standard.TEST()) {
+    (void)mover.FillFromTestSettings(&why);
+  } else {
+    mover.SetDefaultItemData();
+    mover.EXTRACTTO = mover.GetTargetPathByFolder(1, mover.EXTRACTTO);
+    mover.MOVETO = mover.GetTargetPathByFolder(2, mover.MOVETO);
+    mover.COPYTO = mover.GetTargetPathByFolder(4, mover.COPYTO);
+  }
+  return why;
+}
+
+// Its box is disabled then, so that the user could not do it.
+void ActionForm::LeaveOutExtraction() {
+  clsMover& mover = environment_.mover;
+  if (mover.ARCHIVETYPE == 0) mover.ACTION = static_cast<std::int16_t>(mover.ACTION & ~kExtractBit);
+}
+
+bool ActionForm::Execute() {
+  clsMover& mover = environment_.mover;
+  const std::string title = SelectedTitle();
+  const std::string path = mover.ORIGINALPATH;
+  const bool was_folder = mover.DOESFOLDER;
+  const platform::Result found = ReadTarget();
+  if (!found.ok()) {
+    NoteUndone(path, found.reason);
+    Refuse(path, InJapanese(found.reason));
+    return true;
+  }
+  if (mover.DOESFOLDER != was_folder) {
+    Refuse(path, InJapanese("something else has taken its place"));
+    return !Fill();
+  }
+  std::string problem = view_.problem;
+  if (problem.empty() && !title.empty() && !mover.ProfileIsAsRead(title)) {
+    problem = InJapanese("the profile has been changed or removed, or cannot be read any more");
+  }
+  if (!problem.empty()) {
+    Refuse(title.empty() ? LoadText(text_id::kNoProfile) : title, problem);
+    Reload(title);
+    return false;
+  }
+  StandOnProfile();
+  mover.ActionMain();
+  ReportFailure();
+  return true;
+}
+
+void ActionForm::Refuse(const std::string& name, const std::string& reason) {
+  environment_.user.ShowMessage(UserInterface::MessageKind::kExclamation,
+                                ForDisplay(name) + ": " + ForDisplay(reason));
+}
+
+// Editors and checks leave the store on other profiles, and an extraction reads from it.
+void ActionForm::StandOnProfile() {
+  environment_.items.Title = store_title_;
+}
+
+void ActionForm::ReportFailure() {
+  const clsMover& mover = environment_.mover;
+  for (const ActionStep& step : mover.Steps()) {
+    if (step.result == StepResult::kDone) continue;
+    NoteUndone(mover.ORIGINALPATH, step.error);
+    break;
+  }
+  const std::string text = FailureText(mover.ORIGINALPATH, mover.Steps());
+  if (!text.empty()) environment_.user.ShowMessage(UserInterface::MessageKind::kExclamation, text);
+}
+
+void ActionForm::NoteUndone(const std::string& path, const std::string& reason) {
+  undone_.push_back(ForDisplay(path) + ": " + ForDisplay(reason));
+}
+
+void ActionForm::Skip() {
+  NoteUndone(environment_.mover.ORIGINALPATH, "skipped");
+}
+
+void ActionForm::SkipRest() {
+  clsMover& mover = environment_.mover;
+  Skip();
+  while (++mover.CMDLINECURRENT <= mover.CMDLINEMAX) NoteUndone(mover.CurrentCmdLineString(), "not begun");
+}
+
+std::string ActionForm::SelectedTitle() const {
+  return titles_.at(static_cast<std::size_t>(view_.selected));
+}
+
+void ActionForm::Reload(const std::string& title) {
+  environment_.mover.SetItemDataToArray();
+  FillProfiles(title);
+  LoadProfile();
+}
+
+}  // namespace quendle

@@ -108,18 +108,38 @@ class ActionForm {
   void Reload(const std::string& title);
 
  private:
+  // What a destination's field holds.
+  struct Field {
+    std::string path;    // as the field shows it, but unescaped
+    std::string shown;   // what is in the field
+    std::string folder;  // what the final path is computed from; empty: `path` is meant as it stands
+    bool is_typed = false;
+  };
+
+  platform::Result ReadTarget();
   bool Fill();
-  void FillProfiles();
+  void FillProfiles(const std::string& wanted);
   void LoadProfile();
+  std::string LoadValues();
+  void LeaveOutExtraction();
   bool NeedsUser() const;
+  void Refuse(const std::string& name, const std::string& reason);
+  void StandOnProfile();
+  std::string& Destination(std::size_t row);
+  void FillField(std::size_t row, const std::string& folder);
+  void ComputeFields();
   void UpdateView();
+  void UpdateMarks();
   std::string TitleText() const;
   void ReportFailure();
-  void NoteUndone(const std::string& reason);
+  void NoteUndone(const std::string& path, const std::string& reason);
 
   Environment environment_;
   std::optional<std::string> profile_;
   std::vector<std::string> titles_;  // beside view_.profiles; empty for the unregistered entry
+  std::string store_title_;          // what the profile store stands on for the current path
+  std::array<Field, kActionRows> fields_;
+  bool asks_ = false;  // the user is to settle the current path
   ActionView view_;
   std::vector<std::string> undone_;
 };

@@ -46,6 +46,8 @@ struct ActionStep {
   StepResult result;
   std::string error;                                          // why it failed or was skipped
   std::optional<ExtractionReport> extraction = std::nullopt;  // of an extraction that was planned or tried
+  bool asks = false;     // planned: the user is asked first whether what is there may be overwritten
+  bool by_user = false;  // it was left undone because the user cancelled or declined, and for no other reason
 };
 
 class clsMover {
@@ -110,6 +112,10 @@ class clsMover {
   // Archiver libraries that could not be used so far, one line each.
   std::vector<std::string> LibraryProblems() const { return archiver_->LibraryProblems(); }
 
+  // Is the profile still there, with the pattern that it had when the profiles were read? It is the current one
+  // afterwards.
+  bool ProfileIsAsRead(const std::string& title) const;
+
   // Fill the state of the current target: from a profile; from the test settings, for an archive that matches
   // none; from the standard settings, which leave SMARTMAKEDIR and OPENDIR as they are and compute no
   // destinations. The first is false when the profile is not what it was when the profiles were read (then
@@ -128,8 +134,11 @@ class clsMover {
   // "/d/a_20031107_1.txt". Only looks; the name can be gone by the time it is used.
   std::string GetFilenameBySmartRename(const std::string& folder, const std::string& name) const;
 
-  // What ActionMain would do now with nobody to ask, step by step; touches nothing.
-  std::vector<ActionStep> PlanSteps() { return WalkSteps(false); }
+  // What ActionMain would do now, step by step; touches nothing. What it would have to ask about copies and moves fails
+  // with nobody to answer.
+  std::vector<ActionStep> PlanSteps(bool somebody_answers = false) {
+    return WalkSteps(false, somebody_answers);
+  }
 
   // Does it. True when the run succeeded: every step of ACTION was done, but that a failed copy before a move
   // that follows an extraction does not count.
@@ -144,9 +153,8 @@ class clsMover {
 
  private:
   std::int16_t DetectArchiveType();
-  bool ProfileIsAsRead(const std::string& title) const;
   std::string FillFromItems();
-  std::vector<ActionStep> WalkSteps(bool execute);
+  std::vector<ActionStep> WalkSteps(bool execute, bool somebody_answers);
   ActionStep MakeStep(StepKind kind) const;
   std::string FinalPath(StepKind kind) const;
   std::string KnownProblem(const ActionStep& step) const;

@@ -37,7 +37,7 @@ class BusyScope {
 
 bool clsMover::ActionMain() {
   const BusyScope busy(environment_.user);
-  steps_ = WalkSteps(true);
+  steps_ = WalkSteps(true, true);
   for (const ActionStep& step : steps_) {
     const bool may_fail = ACTION == 7 && step.kind == StepKind::kCopy;
     if (step.result != StepResult::kDone && !may_fail) return false;
@@ -46,26 +46,34 @@ bool clsMover::ActionMain() {
 }
 
 // Plan and run walk the same way: only here do they part.
-std::vector<ActionStep> clsMover::WalkSteps(bool execute) {
+std::vector<ActionStep> clsMover::WalkSteps(bool execute, bool somebody_answers) {
   if (ACTION < 0 || ACTION > 7) ProgrammingError("action code outside 0 to 7");
   std::vector<ActionStep> steps;
   bool stopped = false;
+  bool stopped_by_user = false;
   for (const StepKind kind : kStepOrder) {
     if (!Includes(ACTION, kind)) continue;
     ActionStep step = MakeStep(kind);
     if (stopped) {
       step.result = StepResult::kSkipped;
       step.error = "not tried, because the step before it failed";
+      step.by_user = stopped_by_user;
     } else if (step.result == StepResult::kPlanned && execute) {
       step.result = RunStep(&step) ? StepResult::kDone : StepResult::kFailed;
     } else if (step.result == StepResult::kPlanned && kind == StepKind::kExtract) {
       PlanExtractStep(&step);
     } else if (step.result == StepResult::kPlanned && WouldAsk(step, steps)) {
-      step.result = StepResult::kFailed;
-      step.error = DOESFOLDER ? "files in it exist there already, and nothing is overwritten unasked"
-                              : "a file of that name exists already, and nothing is overwritten unasked";
+      step.asks = somebody_answers;
+      if (!step.asks) {
+        step.result = StepResult::kFailed;
+        step.error = DOESFOLDER ? "files in it exist there already, and nothing is overwritten unasked"
+                                : "a file of that name exists already, and nothing is overwritten unasked";
+      }
     }
-    stopped |= step.result == StepResult::kFailed && !(ACTION == 7 && kind == StepKind::kCopy);
+    if (step.result == StepResult::kFailed && !(ACTION == 7 && kind == StepKind::kCopy)) {
+      stopped = true;
+      stopped_by_user = step.by_user;
+    }
     steps.push_back(std::move(step));
   }
   return steps;
@@ -135,6 +143,7 @@ bool clsMover::RunStep(ActionStep* step) {
       done = ExtractStep();
       step->extraction = archiver_->LastReport();
       if (!done) step->error = DescribeProblems(step->extraction->problems);
+      step->by_user = step->extraction->by_user;
       return done;
     case StepKind::kCopy:
       done = CopyStep();
@@ -146,6 +155,7 @@ bool clsMover::RunStep(ActionStep* step) {
   if (!done) {
     const platform::Result& failure = operation_.LastFailure();
     step->error = failure.reason;
+    step->by_user = operation_.FailedByUser();
     const bool is_elsewhere = failure.path != step->to && failure.path != ORIGINALPATH;
     if (is_elsewhere && !failure.path.empty()) step->error += ": " + failure.path;
   }

@@ -35,19 +35,24 @@ class Observer : public platform::FileOperationObserver {
     return user_.ShowProgress(progress, is_simple_);
   }
 
+  bool UserDeclined() const { return user_declined_; }
+
   Answer OnOverwrite(const platform::FileVersion& existing, const platform::FileVersion& incoming) override {
     if (for_all_) return *for_all_;
     switch (user_.AskOverwrite(existing, incoming)) {
       case UserInterface::OverwriteAnswer::kYesToAll:
         for_all_ = Answer::kYes;
         return Answer::kYes;
-      case UserInterface::OverwriteAnswer::kNoToAll:
       case UserInterface::OverwriteAnswer::kNobody:
         for_all_ = Answer::kNo;
         return Answer::kNo;
       case UserInterface::OverwriteAnswer::kYes:
         return Answer::kYes;
+      case UserInterface::OverwriteAnswer::kNoToAll:
+        for_all_ = Answer::kNo;
+        [[fallthrough]];
       case UserInterface::OverwriteAnswer::kNo:
+        user_declined_ = true;
         return Answer::kNo;
       case UserInterface::OverwriteAnswer::kCancel:
         break;
@@ -60,6 +65,7 @@ class Observer : public platform::FileOperationObserver {
   const bool shows_progress_;
   const bool is_simple_;
   bool has_shown_ = false;
+  bool user_declined_ = false;
   std::optional<Answer> for_all_;
 };
 
@@ -118,7 +124,9 @@ platform::FileOperationOptions clsFileOperation::Options() const {
 }
 
 bool clsFileOperation::Operate(Kind kind, const std::string& source, const std::string& destination) {
+  failed_by_user_ = false;
   last_failure_ = kind == Kind::kDelete ? Delete(source) : Transfer(kind, source, destination);
+  failed_by_user_ |= last_failure_.code == Code::kCancelled;
   return last_failure_.ok();
 }
 
@@ -141,6 +149,9 @@ Result clsFileOperation::Transfer(Kind kind, const std::string& source, const st
     Observer observer(user_, pShowDialog(), pSimpleProgress(), Has(FOF_NOCONFIRMATION));
     const auto operation = kind == Kind::kCopy ? platform::CopyEntry : platform::MoveEntry;
     result = operation(source, exact, Options(), &observer);
+    // Of a merge, entries that nobody was asked about come behind a semicolon.
+    failed_by_user_ = result.code == Code::kExists && observer.UserDeclined() &&
+                      result.reason.find("; ") == std::string::npos;
   }
   if (!result.ok()) RemoveEmptyFolders(made);
   return result;

@@ -35,6 +35,9 @@ class clsFileOperation {
   // Why the last operation failed; ok() after a success.
   const platform::Result& LastFailure() const { return last_failure_; }
 
+  // Did it fail for no other reason than that the user cancelled it or declined something?
+  bool FailedByUser() const { return failed_by_user_; }
+
   // The window that owns the questions. What is no window is stored as 0, and no handle is one on this
   // system.
   void* pTarget() const { return target_; }
@@ -81,6 +84,7 @@ class clsFileOperation {
   void* target_ = nullptr;
   std::uint16_t flags_ = 0;
   platform::Result last_failure_;
+  bool failed_by_user_ = false;
 };
 
 }  // namespace quendle

@@ -4,8 +4,9 @@
 // folder has its final name only when it is complete, and until then a hidden temporary name beside it; after
 // a failure or a cancel, source and destination are as they were and no temporary file is left. The
 // exceptions are the merge of two folders (entries already settled stay settled, and the Result says how many
-// were not), a deletion that ends early, and the source of a moved folder when something in it cannot be
-// removed any more: then the copy is complete and the rest of the source stays. The observer is never null.
+// were not, behind "; " those that cannot go there at all), a deletion that ends early, and the source of a
+// moved folder when something in it cannot be removed any more: then the copy is complete and the rest of the
+// source stays. The observer is never null.
 #pragma once
 
 #include <cstdint>

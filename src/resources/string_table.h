@@ -9,8 +9,13 @@ namespace text_id {
 inline constexpr int kAskExtractFolder = 1801;
 inline constexpr int kAskMoveFolder = 1802;
 inline constexpr int kAskCopyFolder = 1803;
+inline constexpr int kAskProfileName = 1851;
+inline constexpr int kAddProfile = 1852;
+inline constexpr int kSameProfileName = 1857;
 inline constexpr int kNoProfile = 1861;
 inline constexpr int kRunTimeError = 6401;
+inline constexpr int kFolder = 1862;
+inline constexpr int kUnregisteredFile = 1863;
 inline constexpr int kGeneral = 5001;
 inline constexpr int kPattern = 5002;
 inline constexpr int kExtractTo = 5003;
@@ -38,6 +43,22 @@ inline constexpr int kArchiveCharset = 5063;
 inline constexpr int kStandardFile = 5101;
 inline constexpr int kItemsFile = 5102;
 inline constexpr int kTestFile = 5103;
+inline constexpr int kUnregistered = 6000;
+inline constexpr int kInBrackets = 6001;
+inline constexpr int kExtractStep = 6002;
+inline constexpr int kMoveStep = 6003;
+inline constexpr int kCopyStep = 6004;
+inline constexpr int kStepFailed = 6005;
+inline constexpr int kMoreProblems = 6006;
+inline constexpr int kPlanNothing = 6200;
+inline constexpr int kPlanStep = 6201;
+inline constexpr int kPlanEntries = 6202;
+inline constexpr int kPlanReason = 6203;
+inline constexpr int kPlanCaption = 6204;
+inline constexpr int kNoEditorYet = 6205;
+inline constexpr int kNoAboutYet = 6206;
+inline constexpr int kPlanLeftOut = 6207;
+inline constexpr int kPlanAsks = 6208;
 }  // namespace text_id
 
 struct StringTableEntry {

@@ -41,9 +41,15 @@ class clsPropItem {
   std::string Title;     // the profile that the properties below read and write; empty: none
   std::string NEWTITLE;  // the title that the editor is to give
 
-  // Who is using the store: the editor has modes of its own, the dispatcher says when it reads all profiles.
+  // Who is using the store: the dispatcher says when it reads all profiles, the windows what the editor is opened for.
+  // The standard settings are edited with no profile being edited.
   static constexpr std::int16_t kNotEditing = 0;
+  static constexpr std::int16_t kEditingStandard = 0;
+  static constexpr std::int16_t kEditingProfile = 1;  // NEWTITLE is its title
+  static constexpr std::int16_t kEditingNew = 2;      // NEWTITLE is to be its title
+  static constexpr std::int16_t kEditingGeneral = 4;
   static constexpr std::int16_t kReadingAll = 5;
+  static constexpr std::int16_t kEditingTest = 6;
   std::int16_t EDITMODE = kNotEditing;
 
   // Each pair of overloads below reads and writes one key of the section Title. The columns are the key and

@@ -3,6 +3,7 @@
 
 #include <QFont>
 #include <QWidget>
+#include <string>
 
 class QLineEdit;
 class QPlainTextEdit;
@@ -12,8 +13,12 @@ namespace quendle {
 // One twip is 1/1440 inch; windows count 15 of them to a logical pixel.
 inline constexpr int kTwipsPerPixel = 15;
 
-// The font of text 20 at the size of text 21, in points, or where it is not installed the first of our substitutes that is. The
-// second is the fixed-pitch one, of texts 22 and 23. A size that is no number leaves Qt's.
+// The font of that family, or where it is not installed the first of our substitutes that is. `size` is in
+// points; one that is no positive number leaves Qt's.
+enum class Pitch { kProportional, kFixed };
+QFont InstalledFont(const std::string& family, const std::string& size, Pitch pitch);
+
+// The proportional one of texts 20 and 21, and the fixed-pitch one of texts 22 and 23.
 QFont DialogFont();
 QFont FixedPitchFont();
 
@@ -22,10 +27,14 @@ void ApplyFormFont(QWidget* form, bool from_string_table);
 
 // The whole text becomes the selection.
 void SelectAllText(QLineEdit* box);
-// The same whenever the box gets the focus.
+void SelectAllText(QPlainTextEdit* box);
+// The same whenever the box gets the focus, but not when a menu closes or the user comes back from another
+// window: what was selected then stays.
 void SelectAllOnFocus(QLineEdit* box);
+void SelectAllOnFocus(QPlainTextEdit* box);
 
-// In front of all other windows, or not any more. To be called before the window is shown, or else it flickers.
+// In front of all other windows, or not any more. To be called before the window is shown, or else it
+// flickers.
 void SetTopmost(QWidget* form, bool topmost);
 
 // Files that are dropped on any control reach the form, which handles them.

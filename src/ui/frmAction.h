@@ -1,2 +1,137 @@
 // The action window: shows the current path of a run, its profiles and what is to be done, and does it.
 #pragma once
+
+#include <QDialog>
+#include <QTimer>
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/action_form.h"
+#include "ui/editor_hook.h"
+#include "ui/modMsgBox.h"
+#include "ui/pickers.h"
+
+class QAction;
+class QCheckBox;
+class QComboBox;
+class QGroupBox;
+class QKeyEvent;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QMenuBar;
+class QPushButton;
+class QRadioButton;
+
+namespace quendle {
+
+class PlanView;
+
+// The other windows that the action window opens.
+struct ActionServices {
+  std::function<std::string(QWidget*, const std::string&, const std::string&)> pick_folder = PickFolder;
+  std::function<std::int32_t(const std::string&, std::int32_t, std::int32_t, const std::string&)>
+      show_message = ShowMessage;
+  std::function<std::string(const std::string&, const std::string&, const std::string&)> show_input =
+      ShowInput;
+  std::function<bool(QWidget*, clsPropItem*)> open_editor = OpenEditor;
+  std::function<void(QWidget*)> show_about = ShowAbout;
+};
+
+class frmAction : public QDialog {
+ public:
+  // `form` stands on the first path that the user is to settle.
+  frmAction(ActionForm& form, clsPropItem& items, const clsMover& mover, ActionServices services = {});
+  ~frmAction() override;
+
+  // Shows the window until no path is left or the user has ended the run.
+  void Run();
+
+  // Closing the window leaves the rest undone.
+  void reject() override;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  // A new plan may mean listing a large archive, which is not done at each key.
+  static constexpr int kTypingPause = 150;  // milliseconds
+
+  using Actions = std::map<int, QAction*>;
+  class Busy;
+
+  // Layout
+  void MakeControls();
+  void SetTexts();
+  void MakeMenus();
+  QMenu* MakeMenu(int caption, const char* name, const std::vector<std::pair<int, int>>& entries,
+                  Actions* actions);
+  QLayout* MakeProfileFrame();
+  QLayout* MakeFileFrame();
+  QLayout* MakeSettingsFrame();
+  QLayout* MakeSpecialFrame();
+  QLayout* MakeButtons();
+  void ArrangeControls();
+  void FinishControls();
+  void SetTabOrder();
+  void LetMenusGoFirst();
+  void PaintMarks();
+
+  // State
+  void Connect();
+  void ConnectMenus();
+  void Fill();
+  void ApplyView();
+  void ApplyProfiles();
+  void ApplyRows();
+  void ApplyEditCommand();
+  void ApplyFolder();
+  void ApplyExtraction();
+  void SchedulePlan(int milliseconds);
+  void RenewPlan();
+
+  // Commands
+  std::function<void()> CommandOf(const QKeyEvent& key);
+  void Finish(bool execute);
+  void Exit();
+  void ToggleRow(std::size_t row);
+  void Browse(std::size_t row);
+  void StepProfile(int step);
+  void EditProfile();
+  bool NameNewProfile();
+  void Edit(std::int16_t mode);
+  void PopUpSettings();
+  void ClickLabel(std::size_t index);
+
+  ActionForm& form_;
+  clsPropItem& items_;
+  const clsMover& mover_;
+  ActionServices services_;
+
+  QMenuBar* menu_bar_ = nullptr;
+  QWidget* body_ = nullptr;  // everything below the menu bar
+  PlanView* plan_ = nullptr;
+  std::array<QGroupBox*, 4> fra{};
+  std::array<QComboBox*, 2> cbo{};
+  std::array<QCheckBox*, 5> chk{};
+  std::array<QRadioButton*, 2> opt{};
+  std::array<QLineEdit*, 4> txt{};
+  std::array<QPushButton*, 6> cmd{};
+  std::array<QLabel*, 9> lbl{};
+  std::array<QMenu*, 4> mnuMenu{};
+  Actions mnuFile, mnuEdit, mnuOption, mnuAbout;
+
+  QTimer plan_timer_;
+  bool is_busy_ = false;  // a command runs, which may handle events
+};
+
+}  // namespace quendle

@@ -1,1 +1,288 @@
+// What the action window does when the user wants something.
+#include <QComboBox>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QInputMethod>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMouseEvent>
+#include <QPushButton>
+
+#include "resources/string_table.h"
 #include "ui/frmAction.h"
+#include "ui/plan_view.h"
+#include "ui/text.h"
+
+namespace quendle {
+namespace {
+
+bool IsInput(QEvent::Type type) {
+  constexpr QEvent::Type kInput[] = {
+      QEvent::KeyPress,           QEvent::KeyRelease,          QEvent::MouseButtonPress,
+      QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick, QEvent::Wheel,
+      QEvent::Shortcut,           QEvent::ShortcutOverride,    QEvent::ContextMenu,
+      QEvent::InputMethod};
+  return std::find(std::begin(kInput), std::end(kInput), type) != std::end(kInput);
+}
+
+}  // namespace
+
+// Other windows open and events are handled while a command runs: no second one may begin, and the window may not go.
+class frmAction::Busy {
+ public:
+  explicit Busy(frmAction* form) : form_(form) { form_->is_busy_ = true; }
+  ~Busy() { form_->is_busy_ = false; }
+  Busy(const Busy&) = delete;
+  Busy& operator=(const Busy&) = delete;
+
+ private:
+  frmAction* form_;
+};
+
+// The window sees its keys before its controls do.
+bool frmAction::eventFilter(QObject* watched, QEvent* event) {
+  if (is_busy_) return IsInput(event->type());
+  switch (event->type()) {
+    case QEvent::ShortcutOverride:
+      if (!CommandOf(*static_cast<QKeyEvent*>(event))) return false;
+      event->accept();
+      return true;
+    case QEvent::KeyPress: {
+      const auto& key = *static_cast<QKeyEvent*>(event);
+      const std::function<void()> command = CommandOf(key);
+      if (!command) return false;
+      // A key that is held down must not go through all paths of the run.
+      if (!key.isAutoRepeat()) command();
+      return true;
+    }
+    case QEvent::MouseButtonDblClick:
+      // The first click of the two has ended the path.
+      return watched == cmd[0] || watched == cmd[1];
+    case QEvent::MouseButtonRelease: {
+      const auto* label = qobject_cast<QLabel*>(watched);
+      const auto& mouse = *static_cast<QMouseEvent*>(event);
+      const auto found = std::find(lbl.begin(), lbl.end(), label);
+      if (found == lbl.end() || mouse.button() != Qt::LeftButton) return false;
+      if (!label->rect().contains(mouse.position().toPoint())) return false;
+      ClickLabel(static_cast<std::size_t>(found - lbl.begin()));
+      return true;
+    }
+    default:
+      return false;
+  }
+}
+
+// Empty for a key that is left to the controls.
+std::function<void()> frmAction::CommandOf(const QKeyEvent& key) {
+  const Qt::KeyboardModifiers modifiers = key.modifiers() & ~Qt::KeypadModifier;
+  if (modifiers == Qt::NoModifier && key.isAutoRepeat()) {
+    const bool ends_path =
+        key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter || key.key() == Qt::Key_Escape;
+    if (ends_path) return [] {};
+  }
+  if (modifiers != Qt::ControlModifier) return {};
+  switch (key.key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      return [this] { Finish(true); };
+    case Qt::Key_W:
+      return [this] { Exit(); };
+    case Qt::Key_1:
+    case Qt::Key_2:
+    case Qt::Key_3:
+      return [this, row = static_cast<std::size_t>(key.key() - Qt::Key_1)] { ToggleRow(row); };
+    case Qt::Key_U:
+      return [this] { PopUpSettings(); };
+    default:
+      return {};
+  }
+}
+
+void frmAction::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
+    cmd[0]->click();
+  } else {
+    QDialog::keyPressEvent(event);
+  }
+}
+
+void frmAction::closeEvent(QCloseEvent* event) {
+  Exit();
+  event->setAccepted(!isVisible());
+}
+
+void frmAction::reject() {
+  Exit();
+}
+
+void frmAction::ConnectMenus() {
+  const auto on = [this](const Actions& menu, int index, const std::function<void()>& command) {
+    connect(menu.at(index), &QAction::triggered, this, command);
+  };
+  on(mnuFile, 0, [this] { Finish(true); });
+  on(mnuFile, 1, [this] { Finish(false); });
+  on(mnuFile, 6, [this] { Exit(); });
+  on(mnuEdit, 0, [this] { StepProfile(1); });
+  on(mnuEdit, 1, [this] { StepProfile(-1); });
+  on(mnuEdit, 11, [this] { EditProfile(); });
+  for (const int row : {0, 1, 2}) {
+    on(mnuEdit, 16 + row, [this, row] { ToggleRow(static_cast<std::size_t>(row)); });
+  }
+  on(mnuEdit, 26, [this] {
+    form_.StepRename();
+    ApplyView();
+  });
+  on(mnuOption, 0, [this] { Edit(clsPropItem::kEditingStandard); });
+  on(mnuOption, 1, [this] { Edit(clsPropItem::kEditingTest); });
+  on(mnuOption, 6, [this] { Edit(clsPropItem::kEditingGeneral); });
+  on(mnuAbout, 0, [this] {
+    const Busy busy(this);
+    services_.show_about(this);
+  });
+}
+
+// Ends the current path and goes on to the next one.
+void frmAction::Finish(bool execute) {
+  if (is_busy_ || (execute && !form_.View().problem.empty())) return;
+  QGuiApplication::inputMethod()->commit();  // what is being typed counts
+  QWidget* focus = focusWidget();
+  bool is_over = false;
+  {
+    const Busy busy(this);
+    plan_timer_.stop();
+    menu_bar_->setEnabled(false);
+    body_->setEnabled(false);
+    bool is_settled = true;
+    if (execute) {
+      is_settled = form_.Execute();
+    } else {
+      form_.Skip();
+    }
+    if (is_settled) {
+      for (QLineEdit* field : txt) field->clear();
+      for (QComboBox* combo : cbo) combo->setCurrentIndex(-1);
+      focus = nullptr;
+      is_over = !form_.Advance();
+    }
+    // What was typed and clicked while it ran was not meant for the next path.
+    QCoreApplication::processEvents();
+    body_->setEnabled(true);
+    menu_bar_->setEnabled(true);
+  }
+  if (is_over) {
+    done(Accepted);
+  } else if (focus != nullptr) {
+    ApplyView();
+    focus->setFocus(Qt::OtherFocusReason);
+  } else {
+    Fill();
+  }
+}
+
+void frmAction::Exit() {
+  if (is_busy_) return;
+  plan_timer_.stop();
+  form_.SkipRest();
+  done(Rejected);
+}
+
+void frmAction::ToggleRow(std::size_t row) {
+  if (!form_.View().rows[row].can_tick) return;
+  const bool wants_focus = form_.ToggleRow(row);
+  ApplyView();
+  if (wants_focus) txt[row + 1]->setFocus(Qt::OtherFocusReason);
+}
+
+void frmAction::Browse(std::size_t row) {
+  constexpr int kPrompts[kActionRows] = {text_id::kAskExtractFolder, text_id::kAskMoveFolder,
+                                         text_id::kAskCopyFolder};
+  std::string folder;
+  {
+    const Busy busy(this);
+    folder = services_.pick_folder(this, LoadText(kPrompts[row]), form_.StartFolder(row));
+  }
+  txt[row + 1]->setFocus(Qt::OtherFocusReason);
+  if (folder.empty()) return;
+  form_.ChooseFolder(row, folder);
+  ApplyView();
+  txt[row + 1]->selectAll();
+}
+
+void frmAction::StepProfile(int step) {
+  if (form_.View().profiles.empty()) return;
+  form_.StepProfile(step);
+  ApplyView();
+}
+
+void frmAction::EditProfile() {
+  if (!form_.View().edits_profile) {
+    if (NameNewProfile()) Edit(clsPropItem::kEditingNew);
+    return;
+  }
+  items_.NEWTITLE = form_.SelectedTitle();
+  Edit(clsPropItem::kEditingProfile);
+}
+
+// True when the user has given a name that no profile has.
+bool frmAction::NameNewProfile() {
+  const Busy busy(this);
+  const std::string title =
+      services_.show_input(LoadText(text_id::kAskProfileName), LoadText(text_id::kAddProfile), "");
+  if (title.empty()) return false;
+  if (mover_.CheckDupTitle(title)) {
+    services_.show_message(LoadText(text_id::kSameProfileName), kButtonsOk, kIconCritical, "");
+    return false;
+  }
+  items_.NEWTITLE = title;
+  return true;
+}
+
+void frmAction::Edit(std::int16_t mode) {
+  // The dispatcher reads on from the profile on which the store stands.
+  const std::string current = items_.Title;
+  const bool is_profile = mode == clsPropItem::kEditingNew || mode == clsPropItem::kEditingProfile;
+  bool is_saved = false;
+  {
+    const Busy busy(this);
+    if (is_profile) items_.Title = items_.NEWTITLE;
+    items_.EDITMODE = mode;
+    is_saved = services_.open_editor(this, &items_);
+    items_.EDITMODE = clsPropItem::kNotEditing;
+    items_.Title = current;
+  }
+  if (!is_saved) return;
+  form_.Reload(is_profile ? items_.NEWTITLE : form_.SelectedTitle());
+  Fill();
+}
+
+void frmAction::PopUpSettings() {
+  const QPoint pointer = QCursor::pos();
+  // Far from the window nobody would look for it.
+  const QPoint near_window = body_->mapToGlobal(QPoint(0, 0));
+  mnuMenu[2]->popup(frameGeometry().contains(pointer) ? pointer : near_window);
+}
+
+void frmAction::ClickLabel(std::size_t index) {
+  if (index >= 1 && index <= kActionRows) ToggleRow(index - 1);
+  if (index == 4) cbo[1]->setFocus(Qt::MouseFocusReason);
+}
+
+// What OK will do is told by what would do it.
+void frmAction::RenewPlan() {
+  if (is_busy_) {
+    SchedulePlan(kTypingPause);
+    return;
+  }
+  const Busy busy(this);
+  const std::string& problem = form_.View().problem;
+  if (problem.empty()) {
+    plan_->Show(PlanLines(form_.Plan()));
+  } else {
+    plan_->ShowProblem(problem);
+  }
+}
+
+}  // namespace quendle

@@ -4,6 +4,8 @@
 #include <QDialog>
 #include <string>
 
+class QPlainTextEdit;
+
 namespace quendle {
 
 class frmOutput : public QDialog {
@@ -14,7 +16,7 @@ class frmOutput : public QDialog {
   void pText(const std::string& text);
 
  private:
-  class QPlainTextEdit* txt;
+  QPlainTextEdit* txt;
 };
 
 }  // namespace quendle

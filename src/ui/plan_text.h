@@ -8,8 +8,26 @@
 
 namespace quendle {
 
-// One line for each step, "\n" between them, in the language of the windows; names as by ForDisplay.
+// A line in the parts of which it consists, in this order; the path in the middle is the one to be shortened where there
+// is too little room.
+struct PlanLine {
+  std::string lead;
+  std::string path;
+  std::string note;
+  bool fails = false;  // what it says would not be done
+
+  std::string Whole() const { return lead + path + note; }
+};
+
+// One line for each step, or one that says that nothing is to be done, in the language of the windows; names as by
+// ForDisplay.
+std::vector<PlanLine> PlanLines(const std::vector<ActionStep>& steps);
+
+// The same, "\n" between them.
 //   => "移動 → /texts/report_20031107.txt"
 std::string PlanText(const std::vector<ActionStep>& steps);
+
+// A reason in the language of the windows, which may be of several lines, as one of a plan.
+std::string ReasonInOneLine(std::string reason);
 
 }  // namespace quendle

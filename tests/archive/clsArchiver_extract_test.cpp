@@ -234,11 +234,14 @@ GTEST_TEST(ClsArchiverExtract, QuestionsAndProgress) {
     bench.user.overwrite_answers = row.answers;
     EXPECT_EQ(extract("overwrite\n"), row.succeeds);
     EXPECT_EQ(bench.user.asked_overwrite.size(), row.asked);
+    EXPECT_EQ(bench.archiver.LastReport().by_user, row.answers == std::vector{Answer::kCancel});
   }
   EXPECT_EQ(DescribeProblems(bench.archiver.LastReport().problems), "it was stopped");
   EXPECT_TRUE(extract("charset CP932\n"));
   EXPECT_FALSE(extract("pass 4\n")) << "a pass that fails as a whole";
+  EXPECT_FALSE(bench.archiver.LastReport().by_user);
   EXPECT_FALSE(extract("proceed it looks like a bomb\n"));
+  EXPECT_TRUE(bench.archiver.LastReport().by_user);
   EXPECT_EQ(bench.user.asked_proceed, Texts{"it looks like a bomb"});
   EXPECT_TRUE(extract("progress x\n"));
   EXPECT_EQ(bench.user.shown_progress, 2);

@@ -1,7 +1,5 @@
 #include "cli/options.h"
 
-#include "base/display.h"
-
 namespace quendle {
 namespace {
 
@@ -52,25 +50,6 @@ GTEST_TEST(Options, RefusesWrongUsage) {
     std::string problem;
     EXPECT_FALSE(ParseOptions(arguments, &problem)) << row.problem;
     EXPECT_NE(problem.find(row.problem), std::string::npos) << problem;
-  }
-}
-
-GTEST_TEST(Display, NamesCannotDeceive) {
-  const struct {
-    std::string name;
-    const char* shown;
-    const char* in_json;  // where bytes are escaped
-  } rows[] = {
-      {"a.txt", "a.txt", "a.txt"},
-      {"表\\x41", "表\\\\x41", "表\\\\x41"},
-      {"a\xFF\\", "a\\xFF\\\\", "a\\xFF\\\\"},
-      {"a\nb\t\x1b[1m", "a\\nb\\t\\u{1B}[1m", "a\nb\t\x1b[1m"},
-      {"x\u202Etxt.exe", "x\\u{202E}txt.exe", "x\u202Etxt.exe"},
-      {"a\u2028b\u0085", "a\\u{2028}b\\u{85}", "a\u2028b\u0085"},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(ForDisplay(row.name), row.shown);
-    EXPECT_EQ(WithEscapedBytes(row.name), row.in_json);
   }
 }
 

@@ -1,0 +1,77 @@
+#include "base/reasons.h"
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <regex>
+
+#include "support/temp_folder.h"
+
+namespace quendle {
+namespace {
+
+GTEST_TEST(Reasons, AreTranslatedWithTheirNamesAndNumbers) {
+  const struct {
+    const char* english;
+    const char* japanese;
+  } rows[] = {
+      {"it is there already", "すでにそこにあります"},
+      {"No space left on device: /media/usb", "空き容量がありません: /media/usb"},
+      {"/in/a: b.zip: Permission denied", "/in/a: b.zip: アクセス権がありません"},
+      {"/in/a.zip has 200000 entries. Extract them?",
+       "/in/a.zip には 200000 個の項目があります。\r\n解凍しますか？"},
+      {"/it has 2 entries has 3 entries. Extract them?",
+       "/it has 2 entries には 3 個の項目があります。\r\n解凍しますか？"},
+      {"there is no trash to move this to: Read-only file system",
+       "移動できるごみ箱がありません: 読み取り専用です"},
+      {"a/b.txt: its checksum does not agree (and 3 more)",
+       "a/b.txt: チェックサムが一致しません（ほか 3 件）"},
+      {"3 files exist already and were left; 1 entry was left: Is a directory: /d/x",
+       "同名のファイルがあるため、3 個を残しました; 残した項目 1 個: フォルダです: /d/x"},
+      {"the archive is cut off: its end is missing", "アーカイブが途中で切れています"},
+      {"the volume /in/%2.7z.002 is missing", "分割ファイル /in/%2.7z.002 がありません"},
+      {"the volume  is missing", "the volume  is missing"},
+      {"something nobody ever said: /x", "something nobody ever said: /x"},
+      {"", ""},
+  };
+  for (const auto& row : rows) EXPECT_EQ(InJapanese(row.english), row.japanese);
+}
+
+// The sources without the breaks inside a literal.
+std::string Sources(const std::string& but) {
+  std::string all;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(QUENDLE_SOURCES)) {
+    if (entry.path().extension() == ".cpp" && entry.path().filename() != but) {
+      all += test::ReadFile(entry.path().string());
+    }
+  }
+  return std::regex_replace(all, std::regex("\"\\s*\\n\\s*\""), "");
+}
+
+// A reason that is said otherwise now would silently be shown in English.
+GTEST_TEST(Reasons, RowsAreStillSaidByTheProgramOrTheSystem) {
+  const std::string table = test::ReadFile(std::string(QUENDLE_SOURCES) + "/base/reasons.cpp");
+  const std::string sources = Sources("reasons.cpp");
+  const std::size_t system = table.find("kSystem[]");
+  ASSERT_NE(system, std::string::npos);
+  std::string system_words = "\n";
+  for (int error = 1; error < 134; ++error) system_words.append(std::strerror(error)).append("\n");
+  const std::regex row("\\{\"((?:[^\"\\\\]|\\\\.)+)\",\\s*6\\d\\d\\d\\}");
+  int rows = 0;
+  for (std::sregex_iterator it(table.begin(), table.end(), row), end; it != end; ++it, ++rows) {
+    const std::string english = (*it)[1];
+    if (static_cast<std::size_t>(it->position()) > system) {
+      EXPECT_NE(system_words.find("\n" + english + "\n"), std::string::npos) << english;
+      continue;
+    }
+    const std::regex placeholder("%\\d");
+    for (std::sregex_token_iterator part(english.begin(), english.end(), placeholder, -1), none; part != none;
+         ++part) {
+      EXPECT_NE(sources.find(part->str()), std::string::npos) << english << ": " << *part;
+    }
+  }
+  EXPECT_GT(rows, 100);
+}
+
+}  // namespace
+}  // namespace quendle

@@ -1,0 +1,32 @@
+#include "core/failure_text.h"
+
+namespace quendle {
+namespace {
+
+GTEST_TEST(FailureText, NamesTheStepsThatWereNotDone) {
+  const ActionStep copied{StepKind::kCopy, "/c/a", StepResult::kDone, ""};
+  const ActionStep refused{StepKind::kMove, "", StepResult::kFailed, "no destination folder is set"};
+  ActionStep declined{StepKind::kMove, "/m/a", StepResult::kFailed, "a file of that name exists already"};
+  declined.by_user = true;
+  const ActionStep elsewhere{StepKind::kMove, "/m/a\nb", StepResult::kFailed, "Permission denied: /m\n"};
+  ActionStep broken{StepKind::kExtract, "/x", StepResult::kFailed, "unused"};
+  broken.extraction.emplace();
+  for (const char* name : {"a\n", "b", "", "d", "e", "f", "g"}) {
+    broken.extraction->problems.push_back({name, "it cannot be read"});
+  }
+  const struct {
+    std::vector<ActionStep> steps;
+    const char* text;
+  } rows[] = {
+      {{copied, declined}, ""},
+      {{copied, refused}, "/in\\n\r\n移動できませんでした\r\nフォルダが指定されていません"},
+      {{copied, elsewhere}, "/in\\n\r\n移動できませんでした: /m/a\\nb\r\nアクセス権がありません: /m\\n"},
+      {{broken, declined},
+       "/in\\n\r\n解凍できませんでした: /x\r\na\\n: 読み込めません\r\nb: 読み込めません\r\n読み込めません\r\n"
+       "d: 読み込めません\r\ne: 読み込めません\r\nほか 2 件"},
+  };
+  for (const auto& row : rows) EXPECT_EQ(FailureText("/in\n", row.steps), row.text);
+}
+
+}  // namespace
+}  // namespace quendle

@@ -1,0 +1,166 @@
+#include "ui/form_helpers.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDropEvent>
+#include <QFontDatabase>
+#include <QFontMetricsF>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QVBoxLayout>
+#include <QtTest/QTest>
+
+#include "ui/modListBox.h"
+#include "ui/pictures.h"
+
+namespace quendle {
+namespace {
+
+GTEST_TEST(FormHelpers, FindsEntriesFromBehindTheStartAndRound) {
+  struct Row {
+    std::vector<const char*> entries;
+    const char* text;
+    int start;
+    int found;
+  };
+  const Row rows[] = {
+      {{"b", "A", "a"}, "A", -1, 1},
+      {{"b", "A", "a"}, "A", 1, 2},
+      {{"b", "A", "a"}, "a", 2, 1},
+      {{"b", "A", "a"}, "B", 0, 0},  // the start itself comes last
+      {{"ab", "abc"}, "a", -1, -1},
+      {{"ab", "abc"}, "abc", -1, 1},
+      {{"Ｒｅｐｏｒｔ", "ж"}, "ｒＥＰＯＲＴ", 0, 0},
+      {{""}, "", -1, 0},
+      {{}, "a", -1, -1},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.text);
+    QListWidget list;
+    for (const char* entry : row.entries) list.addItem(entry);
+    EXPECT_EQ(FindListString(list, row.text, row.start), row.found);
+  }
+}
+
+GTEST_TEST(FormHelpers, FontsFallBackToInstalledOnes) {
+  const int own = QFont().pointSize();
+  struct Row {
+    const char* size;
+    int points;
+  };
+  for (const Row& row : {Row{"14", 14}, Row{"nine", own}, Row{"", own}, Row{"0", own}, Row{"-3", own}}) {
+    SCOPED_TRACE(row.size);
+    const QFont font = InstalledFont("no such family", row.size, Pitch::kProportional);
+    EXPECT_EQ(font.pointSize(), row.points);
+    EXPECT_TRUE(QFontDatabase::hasFamily(font.family())) << font.family().toStdString();
+  }
+  const QString other = QFontDatabase::families().constLast();
+  EXPECT_EQ(InstalledFont(other.toStdString(), "9", Pitch::kFixed).family(), other);
+  const QFontMetricsF fixed(FixedPitchFont());
+  EXPECT_DOUBLE_EQ(fixed.horizontalAdvance("iiii"), fixed.horizontalAdvance("WWWW"));
+}
+
+GTEST_TEST(FormHelpers, FontReachesControlsWithFontsOfTheirOwn) {
+  QWidget form;
+  auto* button = new QPushButton(&form);
+  button->setFont(QFont(button->font().family(), 30));
+  ApplyFormFont(&form, true);
+  EXPECT_EQ(button->font().pointSize(), 9);
+  EXPECT_EQ(form.font().family(), DialogFont().family());
+}
+
+GTEST_TEST(FormHelpers, FocusSelectsTheWholeText) {
+  QWidget form;
+  QVBoxLayout column(&form);
+  QLineEdit line("some words");
+  QLineEdit empty;
+  QPlainTextEdit text("two\nlines");
+  for (QWidget* box : std::initializer_list<QWidget*>{&line, &empty, &text}) column.addWidget(box);
+  SelectAllOnFocus(&line);
+  SelectAllOnFocus(&empty);
+  SelectAllOnFocus(&text);
+  form.show();
+  form.activateWindow();
+  line.setFocus();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&form));
+  EXPECT_EQ(line.selectedText(), "some words");
+  QTest::keyClick(&line, Qt::Key_Tab);
+  EXPECT_TRUE(empty.hasFocus());
+  EXPECT_FALSE(empty.hasSelectedText());
+  QTest::keyClick(&empty, Qt::Key_Tab);
+  EXPECT_EQ(text.textCursor().selectedText().size(), 9);
+
+  line.setFocus();
+  line.setSelection(0, 4);
+  for (const Qt::FocusReason reason : {Qt::PopupFocusReason, Qt::ActiveWindowFocusReason}) {
+    QFocusEvent back(QEvent::FocusIn, reason);
+    QApplication::sendEvent(&line, &back);
+    EXPECT_EQ(line.selectedText(), "some");
+  }
+}
+
+GTEST_TEST(FormHelpers, TopmostAndBack) {
+  QWidget form;
+  SetTopmost(&form, true);
+  EXPECT_FALSE(form.isVisible());
+  form.show();
+  EXPECT_TRUE(form.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+  SetTopmost(&form, false);
+  EXPECT_TRUE(form.isVisible());
+  EXPECT_FALSE(form.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+}
+
+class DropForm : public QWidget {
+ public:
+  int drops = 0;
+
+ protected:
+  void dragEnterEvent(QDragEnterEvent* event) override { event->acceptProposedAction(); }
+  void dropEvent(QDropEvent*) override { ++drops; }
+};
+
+GTEST_TEST(FormHelpers, FilesDroppedOnControlsReachTheForm) {
+  DropForm form;
+  form.resize(200, 200);
+  auto* box = new QPlainTextEdit(&form);
+  box->setGeometry(0, 0, 100, 100);
+  EnableDropOnControls(&form);
+  form.show();
+  QMimeData files;
+  files.setUrls({QUrl("file:///a")});
+  // As the desktop sends them: to the window, which looks for the control under the pointer.
+  QDragEnterEvent enter({50, 50}, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+  QDropEvent drop({50, 50}, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(form.windowHandle(), &enter);
+  QApplication::sendEvent(form.windowHandle(), &drop);
+  EXPECT_EQ(form.drops, 1);
+  EXPECT_EQ(box->toPlainText(), "");
+}
+
+GTEST_TEST(FormHelpers, CentredAndNoLargerThanTheScreen) {
+  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+  QWidget form;
+  form.resize(200, 100);
+  CentreOnScreen(&form);
+  EXPECT_LE((form.frameGeometry().center() - screen.center()).manhattanLength(), 2);
+  form.resize(9000, 9000);
+  CentreOnScreen(&form);
+  EXPECT_EQ(form.geometry(), screen);
+}
+
+GTEST_TEST(Pictures, AreCompiledIn) {
+  for (const char* name : {"information", "exclamation", "critical", "question", "quendle", "archive"}) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(Picture(name).availableSizes().size(), 5);
+    EXPECT_EQ(Picture(name).pixmap(QSize(48, 48), 1).size(), QSize(48, 48));
+  }
+  EXPECT_TRUE(Picture("other").isNull());
+}
+
+}  // namespace
+}  // namespace quendle

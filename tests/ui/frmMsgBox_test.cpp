@@ -1,0 +1,207 @@
+#include "ui/frmMsgBox.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTimer>
+#include <QtTest/QTest>
+#include <functional>
+
+#include "ui/modMsgBox.h"
+#include "ui/text.h"
+
+namespace quendle {
+namespace {
+
+using Script = std::function<void(QDialog* box)>;
+
+// Runs the script on the box that the next call opens. A box that the script left open is closed, so that the
+// test goes on.
+void OnBox(const Script& script) {
+  QTimer::singleShot(0, [script] {
+    auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    ASSERT_NE(box, nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(box));
+    script(box);
+    // A button that is pressed by Alt stays down for a moment.
+    if (!QTest::qWaitFor([box] { return !box->isVisible(); }, 1000)) {
+      ADD_FAILURE() << "the box is still open";
+      box->hide();
+    }
+  });
+}
+
+Script Key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+  return [=](QDialog*) { QTest::keyClick(QApplication::focusWidget(), key, modifiers); };
+}
+
+Script Click(const char* caption) {
+  return [=](QDialog* box) {
+    for (auto* button : box->findChildren<QPushButton*>()) {
+      if (button->text() == caption) return QTest::mouseClick(button, Qt::LeftButton);
+    }
+    ADD_FAILURE() << "no button " << caption;
+  };
+}
+
+void CloseBox(QDialog* box) {
+  box->close();
+}
+
+GTEST_TEST(MsgBox, AnswersOfKeysAndClicks) {
+  struct Row {
+    const char* name;
+    std::int32_t buttons;
+    Script script;
+    std::int32_t answer;
+  };
+  const Row rows[] = {
+      {"y", kButtonsYesNo, Key(Qt::Key_Y), kAnswerYes},
+      {"shift n", kButtonsYesNo, Key(Qt::Key_N, Qt::ShiftModifier), kAnswerNo},
+      {"alt n", kButtonsYesNo, Key(Qt::Key_N, Qt::AltModifier), kAnswerNo},
+      {"r", kButtonsRetryCancel, Key(Qt::Key_R), kAnswerRetry},
+      {"enter", kButtonsYesNoCancel, Key(Qt::Key_Return), kAnswerYes},
+      {"escape", kButtonsYesNoCancel, Key(Qt::Key_Escape), kAnswerCancel},
+      {"escape, no", kButtonsYesNo, Key(Qt::Key_Escape), kAnswerNo},
+      {"close box", kButtonsYesNoCancel, CloseBox, kAnswerCancel},
+      {"close box, no", kButtonsYesNo, CloseBox, kAnswerNo},
+      {"close box of a message", kButtonsOk, CloseBox, kAnswerOk},
+      {"click", kButtonsYesNoCancel, Click("&No"), kAnswerNo},
+      {"tab and space", kButtonsYesNoCancel,
+       [](QDialog* box) {
+         Key(Qt::Key_Tab)(box);
+         Key(Qt::Key_Space)(box);
+       },
+       kAnswerNo},
+      {"what answers nothing", kButtonsOk,
+       [](QDialog* box) {
+         Key(Qt::Key_Escape)(box);
+         Key(Qt::Key_X)(box);
+         Key(Qt::Key_O, Qt::ControlModifier)(box);
+         QKeyEvent held(QEvent::KeyPress, Qt::Key_O, Qt::NoModifier, "o", true);
+         QApplication::sendEvent(QApplication::focusWidget(), &held);
+         EXPECT_TRUE(box->isVisible());
+         Key(Qt::Key_O)(box);
+       },
+       kAnswerOk},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    OnBox(row.script);
+    EXPECT_EQ(ShowMessage("続けますか？", row.buttons, kIconQuestion, ""), row.answer);
+  }
+}
+
+GTEST_TEST(MsgBox, InputBox) {
+  struct Row {
+    const char* name;
+    Script script;
+    const char* text;
+  };
+  const Row rows[] = {
+      {"as proposed", Key(Qt::Key_Return), "Proposed"},
+      {"typing replaces, letters are typed",
+       [](QDialog* box) {
+         QTest::keyClicks(QApplication::focusWidget(), "Oc");
+         Key(Qt::Key_O, Qt::AltModifier)(box);
+       },
+       "Oc"},
+      {"empty", [](QDialog* box) { Key(Qt::Key_Delete)(box), Click("&Ok")(box); }, ""},
+      {"alt c", Key(Qt::Key_C, Qt::AltModifier), ""},
+      {"escape", Key(Qt::Key_Escape), ""},
+      {"close box", CloseBox, ""},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    OnBox(row.script);
+    EXPECT_EQ(ShowInput("名前を入力してください。", "追加", "Proposed"), row.text);
+  }
+  OnBox([](QDialog* box) {
+    QTest::keyClicks(QApplication::focusWidget(), "secret");
+    EXPECT_FALSE(box->findChild<QLineEdit*>()->displayText().contains("secret"));
+    Key(Qt::Key_Return)(box);
+  });
+  EXPECT_EQ(ShowPasswordInput("パスワードを入力してください。", ""), "secret");
+}
+
+GTEST_TEST(MsgBox, TitleOwnerAndPlace) {
+  QWidget owner;
+  owner.setGeometry(300, 250, 200, 150);
+  owner.show();
+  owner.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&owner));
+  OnBox([&owner](QDialog* box) {
+    EXPECT_EQ(box->windowTitle(), "Quendle");
+    EXPECT_EQ(box->parentWidget(), &owner);
+    EXPECT_TRUE(box->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    EXPECT_LE((box->frameGeometry().center() - owner.frameGeometry().center()).manhattanLength(), 20);
+    box->close();
+  });
+  ShowMessage("a", kButtonsOk, 0, "");
+  OnBox([](QDialog* box) {
+    EXPECT_EQ(box->windowTitle(), "追加");
+    EXPECT_FALSE(box->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    box->close();
+  });
+  ShowInput("a", "追加", "");
+}
+
+GTEST_TEST(MsgBox, IconsDiffer) {
+  std::vector<QImage> seen;
+  for (const std::int32_t icon : {kIconCritical, kIconQuestion, kIconExclamation, kIconInformation, 17}) {
+    OnBox([&](QDialog* box) {
+      const QImage image = box->findChild<QLabel*>("imgMsg")->pixmap().toImage();
+      EXPECT_EQ(image.isNull(), icon == 17);
+      for (const QImage& other : seen) EXPECT_NE(image, other);
+      seen.push_back(image);
+      box->close();
+    });
+    ShowMessage("フォルダ「写真」へ移動できません。\r\n空き容量が足りません。", kButtonsOk, icon, "");
+  }
+}
+
+// Is every line of the prompt drawn, and everything inside the box?
+GTEST_TEST(MsgBox, LongPromptsCanBeReadToTheEnd) {
+  struct Row {
+    const char* name;
+    std::string prompt;
+    bool scrolls;
+  };
+  const std::string path = "/" + std::string(300, 'W');
+  std::string many = "a";
+  for (int i = 0; i < 200; ++i) many += "\r\n" + std::to_string(i);
+  const Row rows[] = {
+      {"one word", "a", false},
+      {"a path without blanks", path, false},
+      {"sentence and markup", "<b>とても長い文章です。</b> " + std::string(200, 'i') + " end", false},
+      {"more lines than the screen", many, true}};
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    OnBox([&row](QDialog* box) {
+      EXPECT_LE(box->frameGeometry().height(), box->screen()->availableSize().height());
+      auto* label = box->findChild<QLabel*>("lblMsg");
+      EXPECT_EQ(label->text(), ToQt(row.prompt));
+      EXPECT_GE(label->height(), label->heightForWidth(label->width()));
+      auto* bar = box->findChild<QScrollArea*>()->verticalScrollBar();
+      EXPECT_TRUE(QTest::qWaitFor([&] { return bar->isVisible() == row.scrolls; }, 1000));
+      Key(Qt::Key_PageDown)(box);
+      EXPECT_EQ(bar->value() > 0, row.scrolls);
+      for (QWidget* child : box->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+        EXPECT_TRUE(!child->isVisible() || box->rect().contains(child->geometry()));
+      }
+      box->close();
+    });
+    ShowMessage(row.prompt, kButtonsYesNoCancel, kIconExclamation, "");
+    OnBox(CloseBox);
+    ShowInput(row.prompt, "", "");
+  }
+}
+
+}  // namespace
+}  // namespace quendle

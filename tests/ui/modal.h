@@ -1,0 +1,63 @@
+// Acting on modal windows, which only return when somebody acts on them.
+#pragma once
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QPointer>
+#include <QTest>
+#include <QTimer>
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+namespace quendle::test {
+
+// Does this with each modal window that opens while it lives, once it has been shown. A window that it leaves open
+// is closed, so that no test waits for ever.
+class WithModal {
+ public:
+  explicit WithModal(std::function<void(QWidget&)> action) : action_(std::move(action)) {
+    QObject::connect(&timer_, &QTimer::timeout, [this] { Look(); });
+    timer_.start(5);
+  }
+  WithModal(const WithModal&) = delete;
+  WithModal& operator=(const WithModal&) = delete;
+
+  int windows() const { return windows_; }
+
+ private:
+  // Not from within the timer's own turn, in which it would not fire for a window that the action opens.
+  void Look() {
+    QWidget* window = QApplication::activeModalWidget();
+    if (window == nullptr || !window->isVisible()) return;
+    if (std::find(seen_.begin(), seen_.end(), window) != seen_.end()) {
+      if (++idle_ > kPatience) window->close();
+      return;
+    }
+    seen_.emplace_back(window);
+    idle_ = 0;
+    ++windows_;
+    QTimer::singleShot(0, window, [this, window] { action_(*window); });
+  }
+
+  static constexpr int kPatience = 400;
+  std::function<void(QWidget&)> action_;
+  QTimer timer_;
+  std::vector<QPointer<QWidget>> seen_;
+  int idle_ = 0;
+  int windows_ = 0;
+};
+
+// The visible button with that text, but for its mnemonic.
+inline QAbstractButton* FindButton(const QWidget& window, const QString& text) {
+  for (QAbstractButton* button : window.findChildren<QAbstractButton*>()) {
+    if (button->isVisible() && button->text().remove(u'&') == text) return button;
+  }
+  return nullptr;
+}
+
+inline void Click(const QWidget& window, const QString& text) {
+  if (QAbstractButton* button = FindButton(window, text)) QTest::mouseClick(button, Qt::LeftButton);
+}
+
+}  // namespace quendle::test
