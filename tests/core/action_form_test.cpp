@@ -55,7 +55,7 @@ struct Bench {
 
 const std::string kMove = "[one]\nPattern=.*\\.(txt|both)\nID=1\nAction=2\nMoveTo=~/m\nSmartRename=3\n";
 const std::string kThree =
-    kMove + "[three]\nPattern=.*both\nID=1\nAction=4\n[two]\nPattern=.*both\nID=1\nAction=0\n";
+    kMove + "[three]\nPattern=.*both\nID=1\nAction=5\n[two]\nPattern=.*both\nID=1\nAction=0\n";
 
 GTEST_TEST(ActionForm, PassesOverWhatIsMissing) {
   Bench bench({"gone", "a.txt", "gone/b", "dir", "c.none", "d.txt"}, kMove);
@@ -177,7 +177,7 @@ GTEST_TEST(ActionForm, ListsWrapRound) {
   ASSERT_TRUE(bench.form.Advance());
   for (const int step : {+1, +1, +1, -1, -1}) bench.form.StepProfile(step);
   EXPECT_EQ(bench.form.View().title, "1/1 - three");
-  EXPECT_TRUE(bench.form.View().rows[2].is_ticked);
+  EXPECT_EQ(bench.run.mover->ACTION, 4) << "no archive, and so nothing to extract";
   bench.form.SelectProfile(0);
   std::string modes;
   for (int i = 0; i < 5; ++i) {
@@ -251,7 +251,9 @@ GTEST_TEST(ActionForm, StrangeNamesAreShownEscaped) {
   EXPECT_EQ(bench.form.View().target, ForDisplay(bench.folder / name));
   EXPECT_EQ(bench.form.View().rows[1].folder, shown);
   bench.form.TypeFolder(1, shown);  // unchanged: still as computed
-  bench.form.SelectRename(3);
+  bench.form.SelectRename(2);
+  EXPECT_NE(bench.form.View().rows[1].folder, shown);
+  bench.form.SelectRename(1);
   EXPECT_EQ(bench.form.View().rows[1].folder, shown);
   for (const std::string end : {".\\", ".\\x", ".\\xF", ".\\xFE"}) bench.form.TypeFolder(1, shown + end);
   EXPECT_EQ(bench.form.View().rows[1].folder, shown + ".\\xFE");
@@ -369,9 +371,10 @@ GTEST_TEST(ActionForm, OnlyWhatTheUserDidNotWantIsTold) {
 
 // The store stands elsewhere after the editor or a check of the profiles, and an extraction reads from it.
 GTEST_TEST(ActionForm, ActsByTheSelectedProfile) {
-  Bench bench(
-      {"a.zip"},
-      "[p]\nPattern=.*\nOpenFile=p.txt\nID=1\nAction=1\nExtractTo=~/x\n[q]\nPattern=q\nOpenFile=q.txt\n");
+  Bench bench({"a.zip", "b.none"},
+              "[p]\nPattern=.*zip\nOpenFile=p.txt\nID=1\nAction=1\nExtractTo=~/x\n"
+              "[q]\nPattern=q\nOpenFile=q.txt\n",
+              "CheckArchive=1\nAction=1\n");
   bench.run.archiver->type = 1;
   ASSERT_TRUE(bench.form.Advance());
   bench.form.SetOpenDir(true);
@@ -382,6 +385,11 @@ GTEST_TEST(ActionForm, ActsByTheSelectedProfile) {
               !bench.form.View().overwrites);
   bench.run.settings.profiles.Title = "q";
   EXPECT_TRUE(bench.form.Execute());
+  ASSERT_TRUE(bench.form.Advance());
+  bench.form.SetOpenDir(false);
+  bench.run.settings.profiles.Title = "q";
+  EXPECT_TRUE(bench.form.Execute());
+  EXPECT_EQ(bench.run.archiver->extracted.size(), 2U);
   EXPECT_EQ(bench.run.user.opened_files, Texts{bench.folder / "x/p.txt"});
   EXPECT_EQ(bench.run.user.opened_folders, Texts{bench.folder / "x"});
 }
