@@ -65,10 +65,7 @@ bool LazyWindows::ShowProgress(const platform::FileProgress& progress, bool simp
   const Clock::time_point now = Clock::now();
   if (!progress_begin_) progress_begin_ = now;
   if (now - *progress_begin_ < kQuietTime) return true;
-  Windows* windows = Get();
-  if (windows == nullptr) return terminal_.ShowProgress(progress, simple);
-  windows->ProgressBegan(*progress_begin_);
-  return windows->Dialogs().ShowProgress(progress, simple);
+  return Dialogs().ShowProgress(progress, simple);
 }
 
 void LazyWindows::EndProgress() {

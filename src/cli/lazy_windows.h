@@ -24,6 +24,9 @@ class LazyWindows : public UserInterface {
   // Loads them if need be. Null when they cannot be had, which has been said on the terminal then.
   Windows* Get();
 
+  // Of the operation that reports progress, if any.
+  std::optional<std::chrono::steady_clock::time_point> OperationBegin() const { return progress_begin_; }
+
   // No window is shown from now on.
   void Unload() { windows_.reset(); }
 

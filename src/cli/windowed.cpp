@@ -73,7 +73,8 @@ int Run(const Options& options, const SettingsFolders& folders, const platform::
   TerminalUser terminal(platform::ErrorStreamColumns(), password);
   Globals* made = nullptr;
   LazyWindows windows(terminal, [&](std::string* reason) {
-    return LoadWindows({*made, copy, &platform::InterruptRequested, platform::InterruptHandle(), password},
+    return LoadWindows({*made, copy, &platform::InterruptRequested, platform::InterruptHandle(), password,
+                        windows.OperationBegin()},
                        reason);
   });
   const std::vector<std::string> paths = TakenPaths(options);

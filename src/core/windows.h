@@ -24,9 +24,6 @@ class Windows {
   // Questions, messages, progress and the extraction log as windows.
   virtual UserInterface& Dialogs() = 0;
 
-  // The operation whose progress is reported next to Dialogs() began at that time, while nobody needed windows.
-  virtual void ProgressBegan(std::chrono::steady_clock::time_point begin) = 0;
-
   // Shows the action window for the current path of `form` and goes on to those that follow it. Returns when none is
   // left or the user has ended the run.
   virtual void RunActionWindow(ActionForm& form) = 0;
@@ -38,6 +35,8 @@ struct WindowsHost {
   bool (*interrupt_requested)();        // the user wants the process to stop
   std::intptr_t interrupt_handle;       // becomes readable then; -1: there is none
   std::optional<std::string> password;  // the first to be tried for archives
+  // When the operation in which the windows are loaded began; nothing when there is none.
+  std::optional<std::chrono::steady_clock::time_point> operation_begin;
 };
 
 // Exported by the library under this name. Null, with the reason in `*reason`, when no window can be shown. One call

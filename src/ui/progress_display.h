@@ -34,7 +34,12 @@ class TransferRate {
 
 class ProgressDisplay {
  public:
-  explicit ProgressDisplay(std::function<ProgressClock::time_point()> now) : now_(std::move(now)) {}
+  // `begin`: of an operation that was running before there were windows.
+  ProgressDisplay(std::function<ProgressClock::time_point()> now,
+                  const std::optional<ProgressClock::time_point>& begin)
+      : now_(std::move(now)), is_running_(begin.has_value()) {
+    if (begin) begun_ = *begin;
+  }
   ~ProgressDisplay() { End(); }
   ProgressDisplay(const ProgressDisplay&) = delete;
   ProgressDisplay& operator=(const ProgressDisplay&) = delete;

@@ -57,7 +57,7 @@ struct PasswordState {
 class QtUser : public UserInterface {
  public:
   QtUser(const WindowsHost& host, std::function<ProgressClock::time_point()> now)
-      : host_(host), progress_(std::move(now)) {}
+      : host_(host), progress_(std::move(now), host.operation_begin) {}
   ~QtUser() override {
     if (busy_ > 0) QGuiApplication::restoreOverrideCursor();
   }

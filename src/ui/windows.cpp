@@ -32,7 +32,6 @@ class QtWindows final : public Windows {
   explicit QtWindows(const WindowsHost& host);
 
   UserInterface& Dialogs() override { return *user_; }
-  void ProgressBegan(std::chrono::steady_clock::time_point begin) override { user_->ProgressBegan(begin); }
   void RunActionWindow(ActionForm& form) override;
 
  private:
@@ -42,7 +41,7 @@ class QtWindows final : public Windows {
 
   WindowsHost host_;
   QApplication application_{argument_count, arguments};
-  std::unique_ptr<QtUser> user_;
+  std::unique_ptr<UserInterface> user_;
 };
 
 QtWindows::QtWindows(const WindowsHost& host) : host_(host) {
@@ -53,7 +52,7 @@ QtWindows::QtWindows(const WindowsHost& host) : host_(host) {
   QApplication::setWindowIcon(Picture("quendle"));
   QApplication::setFont(DialogFont());
   InstallQtTexts(&application_);
-  user_ = std::make_unique<QtUser>(host_);
+  user_ = MakeQtUser(host_);
   if (host_.copy != nullptr) {
     ListenTo(host_.copy->WaitHandle(), [this](QSocketNotifier*) {
       if (host_.copy->TakeRequest()) ComeToFront();
@@ -94,7 +93,7 @@ void QtWindows::CloseAll() {
 
 void QtWindows::RunActionWindow(ActionForm& form) {
   Globals& globals = host_.globals;
-  frmAction window(form, *globals.g_PropItem);
+  frmAction window(form, *globals.g_PropItem, *globals.g_Mover);
   window.Run();
 }
 
