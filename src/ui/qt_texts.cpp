@@ -128,8 +128,6 @@ constexpr QtText kTexts[] = {
 
 class QtTexts : public QTranslator {
  public:
-  using QTranslator::QTranslator;
-
   bool isEmpty() const override { return false; }  // or else it is not asked
 
   QString translate(const char* context, const char* source, const char* /*disambiguation*/,
@@ -144,7 +142,8 @@ class QtTexts : public QTranslator {
 }  // namespace
 
 void InstallQtTexts(QCoreApplication* application) {
-  QCoreApplication::installTranslator(new QtTexts(application));
+  static QtTexts texts;
+  application->installTranslator(&texts);
 }
 
 }  // namespace quendle

@@ -32,6 +32,7 @@ class Lines {
 
   std::vector<int> Widths() const {
     std::vector<int> widths;
+    widths.reserve(static_cast<std::size_t>(layout_.lineCount()));
     for (int i = 0; i < layout_.lineCount(); ++i) {
       widths.push_back(static_cast<int>(std::ceil(layout_.lineAt(i).naturalTextWidth())));
     }

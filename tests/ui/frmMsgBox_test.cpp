@@ -132,7 +132,7 @@ GTEST_TEST(MsgBox, InputBox) {
 
 GTEST_TEST(MsgBox, TitleOwnerAndPlace) {
   QWidget owner;
-  owner.setGeometry(300, 250, 200, 150);
+  owner.setGeometry(100, 100, 200, 150);
   owner.show();
   owner.activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&owner));
