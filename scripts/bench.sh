@@ -1,14 +1,22 @@
 #!/usr/bin/env bash
 # Measures Quendle against other tools, side by side, and prints the ratios: `bench.sh` all, `bench.sh files` moving and
-# copying, `bench.sh archives` extraction. docs/performance.md records a run. BENCH_DISK and BENCH_MEMORY name folders on
+# copying, `bench.sh archives` extraction, `bench.sh windows` the start of the windows. docs/performance.md records a run. BENCH_DISK and BENCH_MEMORY name folders on
 # two different file systems (defaults: /var/tmp and /dev/shm).
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 what=${1:-all}
-case $what in all | files | archives) ;; *) echo "usage: bench.sh [files|archives]" >&2; exit 2 ;; esac
+case $what in all | files | archives | windows) ;; *) echo "usage: bench.sh [files|archives|windows]" >&2; exit 2 ;; esac
 install_missing python3
-[ "$what" = files ] || install_missing python3 zip unzip 7zip gcab cabextract libarchive-tools lhasa unar
+wants() { [ "$what" = all ] || [ "$what" = "$1" ]; }
+if wants archives; then install_missing zip unzip 7zip gcab cabextract libarchive-tools lhasa unar; fi
 export PYTHONDONTWRITEBYTECODE=1
 build release quendle
-[ "$what" = archives ] || python3 "$root/benchmarks/bench.py" "$root/build/release/src/quendle"
-[ "$what" = files ] || python3 "$root/benchmarks/bench_archives.py" "$root/build/release/src/quendle"
+if wants files; then python3 "$root/benchmarks/bench.py" "$root/build/release/src/quendle"; fi
+if wants archives; then python3 "$root/benchmarks/bench_archives.py" "$root/build/release/src/quendle"; fi
+if wants windows; then
+  install_missing xvfb libxcb-damage0-dev gawk
+  cmake --preset release -S "$root" >/dev/null
+  build release first_paint
+  build release bare_window
+  "$root/benchmarks/bench_windows.sh" "$root/build/release"
+fi

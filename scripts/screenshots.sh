@@ -2,7 +2,7 @@
 # Photographs the windows in their states into docs/images/ (or a folder that is given), under an X server and a window manager
 # of its own: screenshots.sh [FOLDER [SCALE]]
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
-install_missing xvfb openbox xdotool imagemagick zip
+install_missing xvfb openbox xdotool x11-utils imagemagick zip
 build release quendle
 
 out=$(mkdir -p "${1:-$root/docs/images}" && cd "${1:-$root/docs/images}" && pwd)
@@ -26,6 +26,7 @@ DISPLAY=:$(cat "$display_file")
 export DISPLAY
 openbox >/dev/null 2>&1 &
 manager=$!
+until xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q window; do sleep 0.1; done
 xdotool mousemove 5 5
 
 start() {
@@ -88,6 +89,8 @@ press Escape
 await '2/2'
 shoot action-unregistered
 press alt+e
+sleep 0.3
+press e
 await 'プロファイル追加'
 shoot input
 stop
@@ -131,7 +134,7 @@ printf '[Large]\nPattern=large.*\nCopyTo=%s\nID=1\nAction=4\n' "$work/out" >"$wo
 start "$work/in/large.bin"
 await '1/1'
 press ctrl+Return
-await 'コピー'
+await '処理中'
 shoot progress
 press Escape
 stop

@@ -46,7 +46,6 @@ class QtWindows final : public Windows {
 
 QtWindows::QtWindows(const WindowsHost& host) : host_(host) {
   std::setlocale(LC_NUMERIC, "C");  // the program reads and writes numbers of its own
-  QApplication::setApplicationDisplayName(kProductName);
   QApplication::setDesktopFileName("quendle");
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setWindowIcon(Picture("quendle"));

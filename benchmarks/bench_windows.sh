@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# Milliseconds from the start of the program to the first paint of its action window, beside those of a bare Qt window, under an
+# X server of its own: bench_windows.sh BUILD_FOLDER
+set -euo pipefail
+build=$1
+work=$(mktemp -d)
+Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$work/display" 2>/dev/null &
+server=$!
+finish() {
+  kill "$server" 2>/dev/null || true
+  rm -rf "$work"
+}
+trap finish EXIT
+until [ -s "$work/display" ]; do sleep 0.1; done
+DISPLAY=:$(cat "$work/display")
+export DISPLAY XDG_RUNTIME_DIR=$work
+unset WAYLAND_DISPLAY QT_QPA_PLATFORM
+mkdir "$work/settings"
+printf '[Texts]\r\nPattern=.*\\.txt\r\nMoveTo=/nowhere\r\n' >"$work/settings/items.ini"
+printf '[General]\r\nConfirmAlways=1\r\n' >"$work/settings/mover.ini"
+echo text >"$work/a.txt"
+
+for round in $(seq 0 20); do
+  bare=$("$build/benchmarks/first_paint" "$build/benchmarks/bare_window")
+  ours=$("$build/benchmarks/first_paint" "$build/src/quendle" --settings "$work/settings" "$work/a.txt" 2>/dev/null)
+  [ "$round" = 0 ] || echo "$bare $ours"  # the first warms up
+done | awk '
+  { bare[NR] = $1; ours[NR] = $2 }
+  END { n = asort(bare); asort(ours)
+        middle = int((n + 1) / 2)
+        printf "first paint, median of %d: %.1f ms, a bare Qt window %.1f ms, ratio %.2f (best %.1f and %.1f)\n",
+               n, ours[middle], bare[middle], ours[middle] / bare[middle], ours[1], bare[1] }'
