@@ -117,8 +117,9 @@ class DataCopy {
     finished_ = due;
   }
 
-  // What is still on its way, step by step, so that the user sees that it goes on and can cancel it: the sync behind
-  // it has little to wait for then. The files of a folder, which may be thousands, do not wait for the disk one by one.
+  // What is still on its way, step by step, so that the user sees that it goes on and can cancel it: the sync
+  // behind it has little to wait for then. The files of a folder, which may be thousands, do not wait for the
+  // disk one by one.
   Result FinishWriteBack(off_t size) {
     constexpr off_t kToTheEnd = 0;
     sync_file_range(to_.fd, started_, kToTheEnd, SYNC_FILE_RANGE_WRITE);

@@ -28,8 +28,8 @@ class SourceTree {
   // Fails when anything was added, removed or changed since.
   Result CheckUnchanged(Transfer& transfer) const;
 
-  // Removes what is still as it was, reporting but not to be cancelled. `*removed_any` tells whether anything has been
-  // removed.
+  // Removes what is still as it was, reporting but not to be cancelled. `*removed_any` tells whether anything
+  // has been removed.
   Result Remove(Transfer& transfer, bool* removed_any) const;
 
   // The top is the first; every folder comes before what it holds.
