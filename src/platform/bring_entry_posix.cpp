@@ -117,7 +117,8 @@ class StagedTransfer {
   Result Conclude() {
     bool removed_any = false;
     Result result = SyncFolder(FolderOf(destination_));
-    if (result.ok()) result = S_ISDIR(status_.st_mode) ? tree_.Remove(&removed_any) : RemoveSourceFile();
+    if (result.ok())
+      result = S_ISDIR(status_.st_mode) ? tree_.Remove(transfer_, &removed_any) : RemoveSourceFile();
     if (result.ok()) return result;
     if (removed_any) {
       result.reason += "; the copy is complete, the rest of the source was left";

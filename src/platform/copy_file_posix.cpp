@@ -30,8 +30,9 @@ class DataCopy {
       transfer_.can_clone = false;
     }
     constexpr off_t kBlock = 512;  // the unit of st_blocks on every Linux file system
-    return source.st_blocks * kBlock < source.st_size ? CopySparse(source.st_size)
-                                                      : CopyRange(0, source.st_size);
+    Result result = source.st_blocks * kBlock < source.st_size ? CopySparse(source.st_size)
+                                                               : CopyRange(0, source.st_size);
+    return result.ok() && transfer_.moving ? FinishWriteBack(source.st_size) : result;
   }
 
  private:
@@ -107,13 +108,26 @@ class DataCopy {
   // The final sync would otherwise write the whole file, with the disk idle until then and nobody able to
   // cancel.
   void WriteBack(off_t position) {
-    if (!sync_ || position - started_ < kWriteBackStep) return;
+    if (!transfer_.moving || position - started_ < kWriteBackStep) return;
     sync_file_range(to_.fd, started_, position - started_, SYNC_FILE_RANGE_WRITE);
     started_ = position;
     const off_t due = position - kWriteBackAhead;
     if (due <= finished_) return;
     sync_file_range(to_.fd, finished_, due - finished_, SYNC_FILE_RANGE_WAIT_BEFORE);
     finished_ = due;
+  }
+
+  // What is still on its way, step by step, so that the user sees that it goes on and can cancel it: the sync
+  // behind it has little to wait for then. The files of a folder, which may be thousands, do not wait for the
+  // disk one by one.
+  Result FinishWriteBack(off_t size) {
+    constexpr off_t kToTheEnd = 0;
+    sync_file_range(to_.fd, started_, kToTheEnd, SYNC_FILE_RANGE_WRITE);
+    for (; sync_ && finished_ < size; finished_ += kWriteBackStep) {
+      sync_file_range(to_.fd, finished_, kWriteBackStep, SYNC_FILE_RANGE_WAIT_BEFORE);
+      if (!transfer_.meter.Tick()) return Cancelled(from_.path);
+    }
+    return Success();
   }
 
   Transfer& transfer_;

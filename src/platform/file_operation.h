@@ -36,9 +36,10 @@ class FileOperationObserver {
 
   enum class Answer { kYes, kNo, kCancel };
 
-  // Called at least ten times a second while data is copied, and once for each entry. False cancels. Nothing
-  // is reported, and nothing can be cancelled, while the last of the data is synced and once a copy has its
-  // final name.
+  // Called at least ten times a second while data is copied, and once for each entry. False cancels, but not
+  // any more once a copy has its final name and the source is removed. Nothing is reported while the system
+  // itself takes long over a single step: removing the name of a large file, or syncing what a moved folder
+  // holds.
   virtual bool OnProgress(const FileProgress& progress) = 0;
 
   // May `existing` be replaced by `incoming`? "To all" answers are the observer's to remember.

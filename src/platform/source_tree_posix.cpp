@@ -107,11 +107,11 @@ Result SourceTree::CheckFolder(std::size_t index) const {
   return Success();
 }
 
-Result SourceTree::Remove(bool* removed_any) const {
+Result SourceTree::Remove(Transfer& transfer, bool* removed_any) const {
   Result first_failure;
   for (std::size_t i = entries_.size(); i-- > 0;) {
     if (!S_ISDIR(entries_[i].status.st_mode)) continue;
-    Result result = RemoveChildren(i, removed_any);
+    Result result = RemoveChildren(transfer, i, removed_any);
     if (!result.ok() && first_failure.ok()) first_failure = std::move(result);
     if (!first_failure.ok() && !*removed_any) return first_failure;
   }
@@ -124,13 +124,14 @@ Result SourceTree::Remove(bool* removed_any) const {
 }
 
 // What cannot be removed stays; the rest goes.
-Result SourceTree::RemoveChildren(std::size_t index, bool* removed_any) const {
+Result SourceTree::RemoveChildren(Transfer& transfer, std::size_t index, bool* removed_any) const {
   const TreeEntry& entry = entries_[index];
   if (entry.children_begin == entry.children_end) return Success();
   Descriptor folder;
   Result first_failure = OpenFolder(index, &folder);
   if (!first_failure.ok()) return first_failure;
   for (std::size_t i = entry.children_begin; i < entry.children_end; ++i) {
+    (void)transfer.meter.Tick();  // half a source is worse than a move that was not to be
     const TreeEntry& child = entries_[i];
     const char* name = child.name.c_str();
     const int flags = S_ISDIR(child.status.st_mode) ? AT_REMOVEDIR : 0;

@@ -28,8 +28,9 @@ class SourceTree {
   // Fails when anything was added, removed or changed since.
   Result CheckUnchanged(Transfer& transfer) const;
 
-  // Removes what is still as it was. `*removed_any` tells whether anything has been removed.
-  Result Remove(bool* removed_any) const;
+  // Removes what is still as it was, reporting but not to be cancelled. `*removed_any` tells whether anything
+  // has been removed.
+  Result Remove(Transfer& transfer, bool* removed_any) const;
 
   // The top is the first; every folder comes before what it holds.
   const std::vector<TreeEntry>& entries() const { return entries_; }
@@ -48,7 +49,7 @@ class SourceTree {
   Result ScanFolder(const Transfer& transfer, std::size_t index);
   Result AddChild(const Transfer& transfer, int folder, std::size_t index, std::string name);
   Result CheckFolder(std::size_t index) const;
-  Result RemoveChildren(std::size_t index, bool* removed_any) const;
+  Result RemoveChildren(Transfer& transfer, std::size_t index, bool* removed_any) const;
 
   std::vector<TreeEntry> entries_;
   std::uint64_t bytes_ = 0;

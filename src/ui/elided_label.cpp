@@ -7,8 +7,8 @@
 namespace quendle {
 namespace {
 
-// A tooltip neither breaks a line without blanks, which could then be wider than the screen, nor leaves alone what
-// looks like markup.
+// By itself a tooltip neither breaks a line without blanks, which can be wider than the screen, nor leaves alone
+// what looks like markup.
 QString PlainToolTip(const QString& text, const QFontMetrics& metrics) {
   constexpr int kWidest = 500;
   QString broken;

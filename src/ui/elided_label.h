@@ -6,8 +6,8 @@
 
 namespace quendle {
 
-// A label of one line that takes the width it is given: what does not fit is left out of the middle, and the whole text
-// is in the tooltip. Nothing in the text is markup.
+// A label of one line that takes the width it is given: what does not fit is left out of the middle, and the
+// whole text is in the tooltip. Nothing in the text is markup.
 class ElidedLabel : public QLabel {
  public:
   explicit ElidedLabel(QWidget* parent = nullptr);

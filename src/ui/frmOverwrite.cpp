@@ -38,6 +38,7 @@ constexpr int kUnknownTime = 6331;
 
 constexpr int kWidth = 520;
 constexpr int kIconPixels = 32;
+constexpr int kButtonPadding = 20;
 
 struct AnswerButton {
   int text;
@@ -103,6 +104,9 @@ frmOverwrite::frmOverwrite(QWidget* owner, const platform::FileVersion& existing
   layout->addWidget(MakeSide(kIncoming, incoming, existing));
   layout->addLayout(row);
   ApplyFormFont(this, true);
+  for (QPushButton* button : findChildren<QPushButton*>()) {
+    button->setMinimumWidth(button->fontMetrics().horizontalAdvance(button->text()) + kButtonPadding);
+  }
   for (QLabel* mark : findChildren<QLabel*>(QStringLiteral("mark"))) {
     QFont bold = mark->font();
     bold.setBold(true);

@@ -87,7 +87,8 @@ frmProgress::frmProgress(QWidget* owner)
   layout->addLayout(buttons);
   ApplyFormFont(this, true);
 
-  // Whoever types into another window while this one appears must not cancel by a blank: the window has the focus.
+  // Whoever types into another window while this one appears must not cancel by a blank: the window itself
+  // has the focus.
   cancel_->setAutoDefault(false);
   setFocusPolicy(Qt::StrongFocus);
   setFocus();

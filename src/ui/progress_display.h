@@ -44,9 +44,9 @@ class ProgressDisplay {
   ProgressDisplay(const ProgressDisplay&) = delete;
   ProgressDisplay& operator=(const ProgressDisplay&) = delete;
 
-  // To be called as often as anybody likes; most calls only look at the clock. Processes events: until the window
-  // opens, which is one second after the first report, nothing that the user does reaches a window. False once the
-  // user has cancelled.
+  // To be called as often as anybody likes; most calls only look at the clock. Processes events: until the
+  // window opens, which is one second after the first report, nothing that the user does reaches a window.
+  // False once the user has cancelled.
   bool Report(const platform::FileProgress& progress, bool simple);
 
   // The operation is over; the next report begins another.
