@@ -54,8 +54,8 @@ class ElidedLine : public QLabel {
     const QFontMetrics metrics = fontMetrics();
     const QString lead = ToQt(line_.lead);
     const QString note = ToQt(line_.note);
-    // The path gives way first, but a long reason must not hide it.
-    const int left = width() - metrics.horizontalAdvance(lead + note);
+    // The path gives way first, but a long reason must not hide it. Joined, the parts may be a little wider.
+    const int left = width() - metrics.horizontalAdvance(lead + note) - metrics.averageCharWidth();
     const QString path = metrics.elidedText(ToQt(line_.path), Qt::ElideMiddle, std::max(left, width() / 3));
     setText(metrics.elidedText(lead + path + note, Qt::ElideRight, width()));
   }
