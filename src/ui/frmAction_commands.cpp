@@ -10,6 +10,7 @@
 #include <QMenuBar>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <algorithm>
 
 #include "resources/string_table.h"
 #include "ui/frmAction.h"

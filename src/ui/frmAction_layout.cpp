@@ -3,12 +3,15 @@
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QVBoxLayout>
+#include <type_traits>
 
 #include "resources/string_table.h"
 #include "ui/form_helpers.h"

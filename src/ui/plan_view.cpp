@@ -1,7 +1,9 @@
 #include "ui/plan_view.h"
 
+#include <QEvent>
 #include <QLabel>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <utility>
 
 #include "resources/string_table.h"
