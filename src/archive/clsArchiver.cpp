@@ -96,7 +96,7 @@ bool clsArchiver::mExtractArchive(const std::string& destination) {
   return succeeded && report_.problems.empty();
 }
 
-ExtractionReport clsArchiver::PlanExtraction(const std::string& destination) {
+ExtractionReport clsArchiver::PlanExtraction(const std::string& destination, bool somebody_answers) {
   ExtractionReport report;
   const ArchiverRow& row = ArchiverRowOf(type_);
   Guarded(&report, [&] {
@@ -106,13 +106,13 @@ ExtractionReport clsArchiver::PlanExtraction(const std::string& destination) {
     List(&work);
     Choose(&work);
     RememberPassword(work);
-    FindObstacles(work);
+    FindObstacles(work, somebody_answers);
   });
   return report;
 }
 
-// Looks where each file would go for what a run without anybody to ask would stumble over.
-void clsArchiver::FindObstacles(const Work& work) const {
+// Looks where each file would go for what a run would stumble over.
+void clsArchiver::FindObstacles(const Work& work, bool somebody_answers) const {
   const bool asks = environment_.standard.CONFIRMOVERWRITE();
   const auto tell = [&work](const std::string& entry, const platform::Result& result) {
     if (!result.ok()) work.report->problems.push_back({entry, result.reason + ": " + result.path});
@@ -130,6 +130,8 @@ void clsArchiver::FindObstacles(const Work& work) const {
       if (FolderExists(path)) {
         tell(name, Failure(platform::Code::kExists, path, "a folder of that name is in the way"));
       } else if (asks && FileExists(path)) {
+        work.report->asks = true;
+        if (somebody_answers) continue;
         tell(name,
              Failure(platform::Code::kExists, path, "it exists already, and nothing is overwritten unasked"));
       } else {

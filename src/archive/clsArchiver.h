@@ -26,6 +26,7 @@ struct ExtractionReport {
   bool doubled_folder_avoided = false;
   std::vector<ExtractionProblem> problems;
   bool by_user = false;  // the only problem is that the user stopped it
+  bool asks = false;     // planned: the user is asked first whether files that exist may be overwritten
 };
 
 // The first problem and how many more there are, as one line; empty when there are none.
@@ -58,8 +59,9 @@ class clsArchiver {
   virtual bool mExtractArchive(const std::string& destination);
 
   // What mExtractArchive would do and which problems it would meet, as far as the list of entries and a look
-  // at the destination tell. Touches nothing, but may ask for a password.
-  virtual ExtractionReport PlanExtraction(const std::string& destination);
+  // at the destination tell. Touches nothing, but may ask for a password. When there is `somebody_answers`, a file
+  // that exists and would be asked about is no problem.
+  virtual ExtractionReport PlanExtraction(const std::string& destination, bool somebody_answers = false);
 
   // Of the last mExtractArchive.
   const ExtractionReport& LastReport() const { return report_; }
@@ -78,7 +80,7 @@ class clsArchiver {
   void List(Work* work);
   void Choose(Work* work) const;
   void Refuse(Work* work) const;
-  void FindObstacles(const Work& work) const;
+  void FindObstacles(const Work& work, bool somebody_answers) const;
   void Guarded(ExtractionReport* report, const std::function<void()>& step);
   bool Run(Work* work);
 

@@ -39,7 +39,8 @@ class UserInterface {
   // May the work go on although something is suspicious, as the English sentence says? With nobody to ask: no.
   virtual bool AskProceed(const std::string& question) = 0;
 
-  // Shows a message of one or more lines ("\r\n" between them) until the user has seen it.
+  // Shows a message of one or more lines ("\r\n" between them) until the user has seen it. Names in it are as ForDisplay
+  // shows them.
   enum class MessageKind { kInformation, kExclamation, kCritical };
   virtual void ShowMessage(MessageKind kind, const std::string& text) = 0;
 

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "base/display.h"
 #include "base/modString.h"
 #include "platform/library.h"
 #include "platform/process.h"
@@ -18,7 +19,7 @@ Windows* LazyWindows::Get() {
   std::string reason;
   windows_ = loader_(&reason);
   if (!windows_) {
-    terminal_.ShowMessage(MessageKind::kCritical, "the windows cannot be shown: " + reason);
+    terminal_.ShowMessage(MessageKind::kCritical, "the windows cannot be shown: " + ForDisplay(reason));
   } else if (is_busy_) {
     windows_->Dialogs().SetBusy(true);
   }

@@ -44,10 +44,11 @@ void WarnUnlessOpened(const std::string& path, const platform::Result& opened) {
 
 // Whatever an archive makes its library say is shown line by line, so that it can neither move the cursor nor
 // pass for a line of the program's own results.
-void WarnOfLines(const std::string& text) {
+void WarnOfLines(const std::string& text, bool is_shown_so = false) {
   for (std::size_t begin = 0; begin < text.size();) {
     const std::size_t end = std::min(text.find("\r\n", begin), text.size());
-    TerminalUser::Warn(ForDisplay(text.substr(begin, end - begin)));
+    const std::string line = text.substr(begin, end - begin);
+    TerminalUser::Warn(is_shown_so ? line : ForDisplay(line));
     begin = end + 2;
   }
 }
@@ -79,7 +80,7 @@ bool TerminalUser::AskProceed(const std::string& question) {
 }
 
 void TerminalUser::ShowMessage(MessageKind, const std::string& text) {
-  WarnOfLines(text);
+  WarnOfLines(text, true);
 }
 
 void TerminalUser::ShowExtractionLog(const std::string& text) {

@@ -134,8 +134,8 @@ class clsMover {
   // "/d/a_20031107_1.txt". Only looks; the name can be gone by the time it is used.
   std::string GetFilenameBySmartRename(const std::string& folder, const std::string& name) const;
 
-  // What ActionMain would do now, step by step; touches nothing. What it would have to ask about copies and moves fails
-  // with nobody to answer.
+  // What ActionMain would do now, step by step; touches nothing. Copies and moves that would have to ask fail
+  // when nobody answers.
   std::vector<ActionStep> PlanSteps(bool somebody_answers = false) {
     return WalkSteps(false, somebody_answers);
   }
@@ -161,7 +161,7 @@ class clsMover {
   std::string PlaceProblem(const ActionStep& step) const;
   bool WouldAsk(const ActionStep& step, const std::vector<ActionStep>& earlier) const;
   bool IsMoveIntoOwnFolder(StepKind kind) const;
-  void PlanExtractStep(ActionStep* step);
+  void PlanExtractStep(ActionStep* step, bool somebody_answers);
   bool RunStep(ActionStep* step);
   void HandOptionsToArchiver();
   bool ExtractStep();

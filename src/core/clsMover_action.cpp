@@ -61,7 +61,7 @@ std::vector<ActionStep> clsMover::WalkSteps(bool execute, bool somebody_answers)
     } else if (step.result == StepResult::kPlanned && execute) {
       step.result = RunStep(&step) ? StepResult::kDone : StepResult::kFailed;
     } else if (step.result == StepResult::kPlanned && kind == StepKind::kExtract) {
-      PlanExtractStep(&step);
+      PlanExtractStep(&step, somebody_answers);
     } else if (step.result == StepResult::kPlanned && WouldAsk(step, steps)) {
       step.asks = somebody_answers;
       if (!step.asks) {
@@ -177,9 +177,10 @@ void clsMover::HandOptionsToArchiver() {
   archiver_->EXTRACTTYPE = EXTRACTTYPE;
 }
 
-void clsMover::PlanExtractStep(ActionStep* step) {
+void clsMover::PlanExtractStep(ActionStep* step, bool somebody_answers) {
   HandOptionsToArchiver();
-  step->extraction = archiver_->PlanExtraction(EXTRACTTO);
+  step->extraction = archiver_->PlanExtraction(EXTRACTTO, somebody_answers);
+  step->asks = somebody_answers && step->extraction->asks;
   step->error = DescribeProblems(step->extraction->problems);
   if (!step->error.empty()) step->result = StepResult::kFailed;
 }

@@ -41,8 +41,8 @@ class clsPropItem {
   std::string Title;     // the profile that the properties below read and write; empty: none
   std::string NEWTITLE;  // the title that the editor is to give
 
-  // Who is using the store: the dispatcher says when it reads all profiles, the windows what the editor is opened for.
-  // The standard settings are edited with no profile being edited.
+  // Who is using the store: the dispatcher says when it reads all profiles, the windows what the editor is
+  // opened for. While the standard settings are edited, no profile is.
   static constexpr std::int16_t kNotEditing = 0;
   static constexpr std::int16_t kEditingStandard = 0;
   static constexpr std::int16_t kEditingProfile = 1;  // NEWTITLE is its title

@@ -7,8 +7,8 @@
 
 namespace quendle {
 
-// Opens the editor for what EDITMODE, Title and NEWTITLE of the store say, modal to `owner`. True when something was
-// saved; NEWTITLE is the title of the profile then.
+// Opens the editor for what EDITMODE, Title and NEWTITLE of the store say, modal to `owner`. True when
+// something was saved; NEWTITLE is the title of the profile then.
 bool OpenEditor(QWidget* owner, clsPropItem* items);
 
 // Shows what the program is, modal to `owner`.

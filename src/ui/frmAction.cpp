@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QEvent>
 #include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -13,6 +14,7 @@
 #include "resources/string_table.h"
 #include "ui/form_helpers.h"
 #include "ui/hints.h"
+#include "ui/pictures.h"
 #include "ui/plan_view.h"
 #include "ui/text.h"
 
@@ -30,7 +32,6 @@ frmAction::frmAction(ActionForm& form, clsPropItem& items, const clsMover& mover
     : form_(form), items_(items), mover_(mover), services_(std::move(services)) {
   setWindowFlag(Qt::WindowContextHelpButtonHint, false);
   setWindowFlag(Qt::WindowMinimizeButtonHint);
-  setAttribute(Qt::WA_KeyboardFocusChange);  // the focus is seen from the beginning, not only after a key
   MakeControls();
   MakeMenus();
   ApplyFormFont(this, true);
@@ -102,6 +103,7 @@ void frmAction::changeEvent(QEvent* event) {
 void frmAction::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
   LetMenusGoFirst();
+  setAttribute(Qt::WA_KeyboardFocusChange);  // the focus is seen from the beginning, not only after a key
 }
 
 // The window for a path that it has not shown yet.
@@ -114,6 +116,7 @@ void frmAction::Fill() {
 void frmAction::ApplyView() {
   const ActionView& view = form_.View();
   // Qt reads "[*]" in a title as the place of a mark for unsaved changes, unless it is doubled.
+  setWindowIcon(Picture(view.is_archive ? "archive" : "quendle"));
   setWindowTitle(ToQt(view.title).replace("[*]", "[*][*]"));
   ApplyProfiles();
   ApplyRows();
@@ -181,7 +184,8 @@ void frmAction::ApplyExtraction() {
   }
 }
 
-// A folder has nothing to be extracted and no profile of its own. The height follows; the width is the user's.
+// A folder has nothing to be extracted and no profile of its own. The height follows; the width is the
+// user's.
 void frmAction::ApplyFolder() {
   const bool is_file = !form_.View().is_folder;
   const std::initializer_list<QWidget*> controls = {fra[1], fra[2], lbl[1], chk[0], txt[1], cmd[3], cmd[2]};

@@ -10,6 +10,7 @@
 #include <QMenuBar>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <algorithm>
 
 #include "resources/string_table.h"
 #include "ui/frmAction.h"
@@ -30,7 +31,8 @@ bool IsInput(QEvent::Type type) {
 
 }  // namespace
 
-// Other windows open and events are handled while a command runs: no second one may begin, and the window may not go.
+// Other windows open and events are handled while a command runs: no second one may begin, and the window may
+// not go.
 class frmAction::Busy {
  public:
   explicit Busy(frmAction* form) : form_(form) { form_->is_busy_ = true; }

@@ -3,12 +3,15 @@
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QVBoxLayout>
+#include <type_traits>
 
 #include "resources/string_table.h"
 #include "ui/form_helpers.h"
@@ -246,7 +249,7 @@ void frmAction::SetTabOrder() {
   for (std::size_t i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
 }
 
-// Menus and controls share some letters, and of those that do the first press goes to the one that claimed it first.
+// Menus and controls share some letters, and the first press goes to the one that claimed the letter first.
 // The menu bar claims its letters when it is laid out.
 void frmAction::LetMenusGoFirst() {
   const std::initializer_list<QAbstractButton*> buttons = {chk[4], cmd[2], opt[0]};

@@ -11,7 +11,7 @@ namespace quendle {
 QColor MarkColour(const QPalette& theme);
 QColor WarningColour(const QPalette& theme);
 
-// A tooltip that shows the text as it is, whatever markup is in it.
+// A tooltip that shows the text as it is, whatever markup is in it and however long its lines are.
 QString PlainToolTip(const QString& text);
 
 }  // namespace quendle

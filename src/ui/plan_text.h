@@ -8,8 +8,8 @@
 
 namespace quendle {
 
-// A line in the parts of which it consists, in this order; the path in the middle is the one to be shortened where there
-// is too little room.
+// A line in the parts of which it consists, in this order; the path in the middle is the one to be shortened
+// where there is too little room.
 struct PlanLine {
   std::string lead;
   std::string path;
@@ -19,8 +19,8 @@ struct PlanLine {
   std::string Whole() const { return lead + path + note; }
 };
 
-// One line for each step, or one that says that nothing is to be done, in the language of the windows; names as by
-// ForDisplay.
+// One line for each step, or one that says that nothing is to be done, in the language of the windows; names
+// as by ForDisplay.
 std::vector<PlanLine> PlanLines(const std::vector<ActionStep>& steps);
 
 // The same, "\n" between them.

@@ -1,7 +1,9 @@
 #include "ui/plan_view.h"
 
+#include <QEvent>
 #include <QLabel>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <utility>
 
 #include "resources/string_table.h"
@@ -54,8 +56,8 @@ class ElidedLine : public QLabel {
     const QFontMetrics metrics = fontMetrics();
     const QString lead = ToQt(line_.lead);
     const QString note = ToQt(line_.note);
-    // The path gives way first, but a long reason must not hide it.
-    const int left = width() - metrics.horizontalAdvance(lead + note);
+    // The path gives way first, but a long reason must not hide it. Joined, the parts may be a little wider.
+    const int left = width() - metrics.horizontalAdvance(lead + note) - metrics.averageCharWidth();
     const QString path = metrics.elidedText(ToQt(line_.path), Qt::ElideMiddle, std::max(left, width() / 3));
     setText(metrics.elidedText(lead + path + note, Qt::ElideRight, width()));
   }

@@ -35,18 +35,6 @@ std::string Below(int text, const std::string& shown) {
   return LoadText(text) + kLineBreak + kLineBreak + shown;
 }
 
-// Lines that libraries and file names had a part in, each so that it stays one and does not pass for another.
-std::string LinesForDisplay(const std::string& text) {
-  std::string shown;
-  for (std::size_t begin = 0; begin <= text.size();) {
-    const std::size_t end = std::min(text.find(kLineBreak, begin), text.size());
-    shown += ForDisplay(text.substr(begin, end - begin));
-    if (end < text.size()) shown += kLineBreak;
-    begin = end + 2;
-  }
-  return shown;
-}
-
 // Which passwords of the archive at hand have been tried.
 struct PasswordState {
   std::string archive;
@@ -152,7 +140,7 @@ void QtUser::ShowMessage(MessageKind kind, const std::string& text) {
   const std::int32_t icon = kind == MessageKind::kCritical      ? kIconCritical
                             : kind == MessageKind::kExclamation ? kIconExclamation
                                                                 : kIconInformation;
-  (void)quendle::ShowMessage(LinesForDisplay(text), kButtonsOk, icon, "");
+  (void)quendle::ShowMessage(text, kButtonsOk, icon, "");
 }
 
 void QtUser::ShowExtractionLog(const std::string& text) {

@@ -26,7 +26,7 @@ class ScriptedArchiver : public clsArchiver {
     if (!succeeds) report_.problems.push_back({"a.txt", "scripted"});
     return succeeds;
   }
-  ExtractionReport PlanExtraction(const std::string&) override { return plan; }
+  ExtractionReport PlanExtraction(const std::string&, bool) override { return plan; }
 
   std::int16_t type = 0;
   bool succeeds = true;

@@ -77,7 +77,14 @@ class ActionWindow {
   // The lines at the foot of the window, once they say what holds now.
   std::string Plan() const {
     QTest::qWait(200);
-    return FromQt(window->findChild<QWidget*>("plan")->toolTip());
+    return ShownPlan();
+  }
+  std::string ShownPlan() const {
+    QStringList lines;
+    for (const QLabel* line : Get<QWidget>("plan")->findChildren<QLabel*>()) {
+      if (!line->accessibleName().isEmpty()) lines += line->accessibleName();
+    }
+    return FromQt(lines.join('\n'));
   }
 
   TempFolder files;
