@@ -62,7 +62,7 @@ class QtUserTest : public testing::Test {
 
   std::unique_ptr<UserInterface> MakeUser(std::optional<std::string> password = {}) {
     interrupted = false;
-    return MakeQtUser({globals_, nullptr, [] { return interrupted; }, std::move(password)},
+    return MakeQtUser({globals_, nullptr, [] { return interrupted; }, -1, std::move(password), {}},
                       [this] { return is_real_ ? ProgressClock::now() : now_; });
   }
 
@@ -192,7 +192,8 @@ TEST_F(QtUserTest, CancelledCopyLeavesNothing) {
   test::WriteFile(folder_ / "in/large", std::string(64 * kMebi, 'x'));
   const auto before = test::Picture(folder_.path());
   // By this clock each report comes a second after the one before.
-  user_ = MakeQtUser({globals_, nullptr, [] { return false; }, {}}, [this] { return now_ += seconds(1); });
+  user_ = MakeQtUser({globals_, nullptr, [] { return false; }, -1, {}, {}},
+                     [this] { return now_ += seconds(1); });
   const test::WithModal modal([](QWidget& window) { test::Click(window, "キャンセル"); });
   QElapsedTimer time;  // the machine may be too fast for the user
   time.start();
@@ -309,8 +310,8 @@ TEST_F(QtUserTest, QuestionsAndMessagesNameWhatTheyAreAbout) {
        shown},
       {"proceed, no", [&] { return user_->AskProceed("?"); }, "No", false, "?"},
       {"message",
-       [&] { return user_->ShowMessage(UserInterface::MessageKind::kInformation, "a\r\nb\tc"), true; }, "Ok",
-       true, "a\r\nb\\tc"},
+       [&] { return user_->ShowMessage(UserInterface::MessageKind::kInformation, "a\r\nb\\n"), true; }, "Ok",
+       true, "a\r\nb\\n"},
       {"file", [&] { return user_->OpenFile(path, "/x"), true; }, "Ok", true, shown},
   };
   for (const auto& row : rows) {
