@@ -30,5 +30,9 @@ int main(int argc, char** argv) {
     return kExitDone;
   }
   if (IsWindowed(*options) && platform::HasDisplay()) return RunWindowed(*options);
+  if (options->paths.empty()) {
+    std::fprintf(stderr, "quendle: no path given, and no window can be shown here\n%s", UsageText().c_str());
+    return kExitUsage;
+  }
   return RunUnattended(*options);
 }

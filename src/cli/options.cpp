@@ -86,7 +86,7 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& arguments, s
     *problem = "--json goes with --batch or --dry-run";
     return std::nullopt;
   }
-  if (options.paths.empty()) {  // a start without paths is for the windows
+  if (options.paths.empty() && (options.batch || options.dry_run)) {
     *problem = "no path given";
     return std::nullopt;
   }

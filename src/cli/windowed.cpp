@@ -52,8 +52,8 @@ bool WorkThrough(ActionForm* form, LazyWindows* windows) {
   return form->Undone().empty();
 }
 
-int RunForm(const Options& options, Globals* globals, LazyWindows* windows, bool takes_all) {
-  for (const std::string& warning : SettingsWarnings(*globals)) TerminalUser::Warn(ForDisplay(warning));
+// Works through the paths of the dispatcher.
+int RunPaths(const Options& options, Globals* globals, LazyWindows* windows) {
   clsMover& mover = *globals->g_Mover;
   std::optional<std::string> profile;
   if (options.profile && !(profile = mover.FindTitle(*options.profile))) {
@@ -63,27 +63,46 @@ int RunForm(const Options& options, Globals* globals, LazyWindows* windows, bool
   mover.SHOWUSERFORM = WantsForm(options, *globals);
   ActionForm form({mover, *globals->g_FileInfo, *globals->g_PropItem, *globals->g_PropDefault, *windows},
                   profile);
-  const bool all_done = WorkThrough(&form, windows) && takes_all;
+  const bool all_done = WorkThrough(&form, windows);
   for (const std::string& problem : mover.LibraryProblems()) TerminalUser::Warn(ForDisplay(problem));
   return all_done ? kExitDone : kExitUndone;
+}
+
+// Without paths: the list of profiles.
+int RunList(LazyWindows* windows) {
+  Windows* shown = windows->Get();
+  if (shown == nullptr) return kExitUndone;
+  shown->RunMain();
+  return kExitDone;
 }
 
 int Run(const Options& options, const SettingsFolders& folders, const platform::RunningCopy* copy,
         const std::optional<std::string>& password) {
   TerminalUser terminal(platform::ErrorStreamColumns(), password);
   Globals* made = nullptr;
+  LazyWindows* all_windows = nullptr;
+  const auto dispatch = [&](const std::vector<std::string>& paths) {
+    Options dropped = options;
+    dropped.paths = paths;
+    made->BeginRun(TakenPaths(dropped));
+    RunPaths(dropped, made, all_windows);
+    made->EndRun();
+  };
   LazyWindows windows(terminal, [&](std::string* reason) {
     return LoadWindows({*made, copy, &platform::InterruptRequested, platform::InterruptHandle(), password,
-                        windows.OperationBegin()},
+                        all_windows->OperationBegin(), dispatch},
                        reason);
   });
+  all_windows = &windows;
   const std::vector<std::string> paths = TakenPaths(options);
   Globals globals(folders, true, windows, FindModuleFolder(), paths);
   made = &globals;
   terminal.OpenFoldersBy(*globals.g_PropDefault);
   int status = kExitUndone;
   try {
-    status = RunForm(options, &globals, &windows, paths.size() == options.paths.size());
+    for (const std::string& warning : SettingsWarnings(globals)) TerminalUser::Warn(ForDisplay(warning));
+    status = paths.empty() ? RunList(&windows) : RunPaths(options, &globals, &windows);
+    if (paths.size() < options.paths.size() && status == kExitDone) status = kExitUndone;
   } catch (const std::exception& fault) {
     TerminalUser::Warn(fault.what());
     windows.ShowMessage(UserInterface::MessageKind::kCritical, LoadText(text_id::kRunTimeError));

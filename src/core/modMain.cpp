@@ -43,7 +43,8 @@ bool WantsConfirmation(const clsPropDefault& standard, const std::function<bool(
 }
 
 Globals::Globals(const SettingsFolders& folders, bool create_files, UserInterface& user,
-                 const std::string& module_folder, const std::vector<std::string>& paths) {
+                 const std::string& module_folder, const std::vector<std::string>& paths)
+    : user_(user), module_folder_(module_folder) {
   g_FileInfo = std::make_unique<clsFileInfo>();
   g_PropItem = std::make_unique<clsPropItem>(
       folders.application,
@@ -54,13 +55,22 @@ Globals::Globals(const SettingsFolders& folders, bool create_files, UserInterfac
   g_PropDefault->SetMode(clsPropDefault::kStandard);
   g_PropTest = std::make_unique<clsPropDefault>(folders, false);  // its file was made with the other
   g_PropTest->SetMode(clsPropDefault::kTestMode);
+  if (!paths.empty()) BeginRun(paths);
+}
+
+void Globals::BeginRun(const std::vector<std::string>& paths) {
   auto archiver = std::make_unique<clsArchiver>(clsArchiver::Environment{
-      *g_PropItem, *g_PropDefault, user, [this]() -> clsOutput& { return *g_Output; }, module_folder});
+      *g_PropItem, *g_PropDefault, user_, [this]() -> clsOutput& { return *g_Output; }, module_folder_});
   g_Mover = std::make_unique<clsMover>(
-      clsMover::Environment{*g_FileInfo, *g_PropItem, *g_PropDefault, *g_PropTest, user}, std::move(archiver),
-      Arguments(paths));
-  g_Output = std::make_unique<clsOutput>(user);
+      clsMover::Environment{*g_FileInfo, *g_PropItem, *g_PropDefault, *g_PropTest, user_},
+      std::move(archiver), Arguments(paths));
+  g_Output = std::make_unique<clsOutput>(user_);
   g_Output->SHOWRESULT = g_PropDefault->SHOWRESULT();
+}
+
+void Globals::EndRun() {
+  g_Mover.reset();
+  g_Output.reset();
 }
 
 void Globals::EndProgram() {
@@ -103,7 +113,7 @@ std::vector<std::string> SettingsWarnings(const Globals& globals) {
     warnings.push_back(globals.g_PropDefault->FileName() +
                        ": ArchiveCharset is no known encoding: " + charset);
   }
-  if (items_readable && globals.g_Mover->Profiles().empty()) {
+  if (items_readable && globals.g_Mover && globals.g_Mover->Profiles().empty()) {
     warnings.push_back(items + ": there are no profiles in it");
   }
   return warnings;

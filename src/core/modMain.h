@@ -35,12 +35,20 @@ class Globals {
 
   void EndProgram();
 
+  // A run over these paths: makes the dispatcher and the log anew. Without paths there are none of the two.
+  void BeginRun(const std::vector<std::string>& paths);
+  void EndRun();
+
   std::unique_ptr<clsFileInfo> g_FileInfo;
   std::unique_ptr<clsPropItem> g_PropItem;        // items.ini
   std::unique_ptr<clsPropDefault> g_PropDefault;  // mover.ini
   std::unique_ptr<clsPropDefault> g_PropTest;     // test.ini
   std::unique_ptr<clsMover> g_Mover;
   std::unique_ptr<clsOutput> g_Output;  // the log of an extraction
+
+ private:
+  UserInterface& user_;
+  std::string module_folder_;
 };
 
 // Where the archiver libraries are looked for, and nowhere else: the folder "modules" beside the program, when

@@ -4,8 +4,10 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/user_interface.h"
 #include "core/action_form.h"
@@ -27,6 +29,9 @@ class Windows {
   // Shows the action window for the current path of `form` and goes on to those that follow it. Returns when none is
   // left or the user has ended the run.
   virtual void RunActionWindow(ActionForm& form) = 0;
+
+  // Shows the list of profiles, from which everything else is reached; returns when the user has closed it.
+  virtual void RunMain() = 0;
 };
 
 struct WindowsHost {
@@ -37,6 +42,9 @@ struct WindowsHost {
   std::optional<std::string> password;  // the first to be tried for archives
   // When the operation in which the windows are loaded began; nothing when there is none.
   std::optional<std::chrono::steady_clock::time_point> operation_begin;
+  // For the list of profiles: works through these paths, of which ten are taken, as if they were dropped on the icon, with
+  // windows where the user is to be asked. Returns when that is over.
+  std::function<void(const std::vector<std::string>& paths)> dispatch = {};
 };
 
 // Exported by the library under this name. Null, with the reason in `*reason`, when no window can be shown. One call

@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "core/action_form.h"
-#include "ui/editor_hook.h"
 #include "ui/modMsgBox.h"
 #include "ui/pickers.h"
 
@@ -39,8 +38,8 @@ struct ActionServices {
       show_message = ShowMessage;
   std::function<std::string(const std::string&, const std::string&, const std::string&)> show_input =
       ShowInput;
-  std::function<bool(QWidget*, clsPropItem*)> open_editor = OpenEditor;
-  std::function<void(QWidget*)> show_about = ShowAbout;
+  std::function<bool(QWidget*, clsPropItem*)> open_editor;
+  std::function<void(QWidget*)> show_about;
 };
 
 class frmAction : public QDialog {

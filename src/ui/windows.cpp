@@ -6,7 +6,10 @@
 
 #include "resources/version.h"
 #include "ui/form_helpers.h"
+#include "ui/frmAbout.h"
 #include "ui/frmAction.h"
+#include "ui/frmEdit.h"
+#include "ui/frmMain.h"
 #include "ui/pictures.h"
 #include "ui/qt_texts.h"
 #include "ui/qt_user.h"
@@ -33,6 +36,7 @@ class QtWindows final : public Windows {
 
   UserInterface& Dialogs() override { return *user_; }
   void RunActionWindow(ActionForm& form) override;
+  void RunMain() override { RunProfileList(host_); }
 
  private:
   void ListenTo(std::intptr_t handle, const std::function<void(QSocketNotifier*)>& act);
@@ -92,7 +96,10 @@ void QtWindows::CloseAll() {
 
 void QtWindows::RunActionWindow(ActionForm& form) {
   Globals& globals = host_.globals;
-  frmAction window(form, *globals.g_PropItem, *globals.g_Mover);
+  ActionServices services;
+  services.open_editor = [&globals](QWidget* owner, clsPropItem*) { return OpenEditor(owner, globals); };
+  services.show_about = [](QWidget* owner) { ShowAbout(owner, FindModuleFolder()); };
+  frmAction window(form, *globals.g_PropItem, *globals.g_Mover, std::move(services));
   window.Run();
 }
 

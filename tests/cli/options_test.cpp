@@ -42,7 +42,7 @@ GTEST_TEST(Options, RefusesWrongUsage) {
       {{"--batch=1", "a"}, "no value"},
       {{"--batch", "a", "--profile"}, "TITLE"},
       {{"--batch", "a", "--settings="}, "DIR"},
-      {{}, "no path"},
+      {{"--dry-run"}, "no path"},
   };
   for (const auto& row : rows) {
     Arguments arguments = {"quendle"};

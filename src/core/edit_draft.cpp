@@ -1,0 +1,1 @@
+#include "core/edit_draft.h"

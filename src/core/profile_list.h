@@ -1,0 +1,2 @@
+// The list of profiles without its widgets.
+#pragma once

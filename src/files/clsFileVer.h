@@ -1,0 +1,2 @@
+// The version of a file.
+#pragma once

@@ -1,0 +1,7 @@
+#include "ui/frmMain.h"
+
+namespace quendle {
+
+void RunProfileList(const WindowsHost&) {}
+
+}  // namespace quendle

@@ -1,0 +1,7 @@
+#include "ui/frmRegex.h"
+
+namespace quendle {
+
+void OpenRegexTester(QWidget*, const std::string&, const std::string&) {}
+
+}  // namespace quendle
