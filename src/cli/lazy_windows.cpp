@@ -91,7 +91,9 @@ std::unique_ptr<Windows> LoadWindows(const WindowsHost& host, std::string* reaso
   const std::string path =
       AddBackslash(FindModuleFolder()) + kWindowsLibrary + std::string(platform::kLibrarySuffix);
   std::unique_ptr<platform::Library> library;
-  if (const platform::Result loaded = platform::Library::Load(path, &library); !loaded.ok()) {
+  if (const platform::Result loaded =
+          platform::Library::Load(path, &library, platform::Library::Binding::kWhenCalled);
+      !loaded.ok()) {
     *reason = loaded.path + ": " + loaded.reason;
     return nullptr;
   }

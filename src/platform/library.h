@@ -18,8 +18,13 @@ inline constexpr std::string_view kLibrarySuffix = ".so";
 
 class Library {
  public:
+  // kAtOnce: a function that is missing is a failure to load. kWhenCalled: it ends the process when it is called, but
+  // large libraries load faster.
+  enum class Binding { kAtOnce, kWhenCalled };
+
   // Loads the module at that absolute path, nothing else under its name. A failure says what is missing.
-  static Result Load(const std::string& path, std::unique_ptr<Library>* library);
+  static Result Load(const std::string& path, std::unique_ptr<Library>* library,
+                     Binding binding = Binding::kAtOnce);
 
   // Unloads it: nothing of it may be used any more.
   ~Library();

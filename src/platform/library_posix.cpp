@@ -6,9 +6,8 @@
 
 namespace quendle::platform {
 
-Result Library::Load(const std::string& path, std::unique_ptr<Library>* library) {
-  // All symbols now: one that is missing is better known before it is called.
-  void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+Result Library::Load(const std::string& path, std::unique_ptr<Library>* library, Binding binding) {
+  void* handle = dlopen(path.c_str(), (binding == Binding::kAtOnce ? RTLD_NOW : RTLD_LAZY) | RTLD_LOCAL);
   if (handle == nullptr) {
     const char* said = dlerror();
     std::string reason = said == nullptr ? "the module cannot be loaded" : said;

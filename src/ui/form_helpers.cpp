@@ -59,8 +59,10 @@ class FocusSelector : public QObject {
 
 QFont InstalledFont(const std::string& family, const std::string& size, Pitch pitch) {
   QFont font = pitch == Pitch::kFixed ? QFontDatabase::systemFont(QFontDatabase::FixedFont) : QFont();
+  // Asking for a single family looks for substitutes of it, which takes longer.
+  const QStringList families = QFontDatabase::families();
   for (const QString& name : QStringList(ToQt(family)) + Substitutes(pitch)) {
-    if (!QFontDatabase::hasFamily(name)) continue;
+    if (!families.contains(name, Qt::CaseInsensitive)) continue;
     font.setFamilies({name});
     break;
   }
@@ -71,7 +73,8 @@ QFont InstalledFont(const std::string& family, const std::string& size, Pitch pi
 }
 
 QFont DialogFont() {
-  return InstalledFont(LoadText(20), LoadText(21), Pitch::kProportional);
+  static const QFont font = InstalledFont(LoadText(20), LoadText(21), Pitch::kProportional);
+  return font;
 }
 
 QFont FixedPitchFont() {
@@ -81,8 +84,11 @@ QFont FixedPitchFont() {
 void ApplyFormFont(QWidget* form, bool from_string_table) {
   const QFont font =
       from_string_table ? DialogFont() : InstalledFont("ＭＳ Ｐゴシック", "9", Pitch::kProportional);
-  form->setFont(font);
-  for (QWidget* control : form->findChildren<QWidget*>()) control->setFont(font);
+  // Where it is the program's font already, setting it again would only cost a layout for each control.
+  if (form->font() != font) form->setFont(font);
+  for (QWidget* control : form->findChildren<QWidget*>()) {
+    if (control->font() != font) control->setFont(font);
+  }
 }
 
 void SelectAllText(QLineEdit* box) {

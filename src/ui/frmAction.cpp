@@ -115,8 +115,8 @@ void frmAction::Fill() {
 
 void frmAction::ApplyView() {
   const ActionView& view = form_.View();
+  ApplyPicture();
   // Qt reads "[*]" in a title as the place of a mark for unsaved changes, unless it is doubled.
-  setWindowIcon(Picture(view.is_archive ? "archive" : "quendle"));
   setWindowTitle(ToQt(view.title).replace("[*]", "[*][*]"));
   ApplyProfiles();
   ApplyRows();
@@ -132,6 +132,13 @@ void frmAction::ApplyView() {
   mnuFile[0]->setEnabled(is_usable);
   ApplyFolder();
   SchedulePlan(0);
+}
+
+void frmAction::ApplyPicture() {
+  if (shows_archive_ == form_.View().is_archive) return;
+  shows_archive_ = form_.View().is_archive;
+  QTimer::singleShot(kAfterFirstPaint, this,
+                     [this] { setWindowIcon(Picture(shows_archive_.value() ? "archive" : "quendle")); });
 }
 
 void frmAction::ApplyProfiles() {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -90,6 +91,7 @@ class frmAction : public QDialog {
   void ConnectMenus();
   void Fill();
   void ApplyView();
+  void ApplyPicture();
   void ApplyProfiles();
   void ApplyRows();
   void ApplyEditCommand();
@@ -130,7 +132,8 @@ class frmAction : public QDialog {
   Actions mnuFile, mnuEdit, mnuOption, mnuAbout;
 
   QTimer plan_timer_;
-  bool is_busy_ = false;  // a command runs, which may handle events
+  std::optional<bool> shows_archive_;  // in the window's picture
+  bool is_busy_ = false;               // a command runs, which may handle events
 };
 
 }  // namespace quendle

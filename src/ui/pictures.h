@@ -8,6 +8,10 @@ class QWidget;
 
 namespace quendle {
 
+// Decoding pictures takes as long as painting a small window does. Those that the window manager shows wait so many
+// milliseconds.
+inline constexpr int kAfterFirstPaint = 50;
+
 // "information", "exclamation", "critical", "question", "quendle" (the program's), "archive". Null for any
 // other name.
 QIcon Picture(const QString& name);

@@ -52,7 +52,8 @@ QtWindows::QtWindows(const WindowsHost& host) : host_(host) {
   std::setlocale(LC_NUMERIC, "C");  // the program reads and writes numbers of its own
   QApplication::setDesktopFileName("quendle");
   QApplication::setQuitOnLastWindowClosed(false);
-  QApplication::setWindowIcon(Picture("quendle"));
+  QTimer::singleShot(kAfterFirstPaint, &application_,
+                     [] { QApplication::setWindowIcon(Picture("quendle")); });
   QApplication::setFont(DialogFont());
   InstallQtTexts(&application_);
   user_ = MakeQtUser(host_);
