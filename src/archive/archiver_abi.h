@@ -13,7 +13,7 @@
  *   CheckArchive            FullName       entry names longer than the record's field
  *   OpenArchive             SetSession     progress, questions, password, problems
  *   FindFirst               ExtractCalls   several calls over one archive in one pass
- *   FindNext
+ *   FindNext                Credits        who made it
  *   CloseArchive
  */
 #ifndef QUENDLE_ARCHIVER_ABI_H
@@ -158,6 +158,13 @@ typedef struct ArchiverCall {
  * after the other would, except that a call that fails need not keep those behind it from extracting. Returns
  * the first result that is not 0, or 0. */
 typedef int32_t(ARCHIVER_CALL* ArchiverExtractCalls)(void* window, ArchiverCall* calls, uint32_t count);
+
+/* ---- optional: Credits ------------------------------------------------------------------------------ */
+
+/* One line for the list of libraries, which puts "(c) " before it: whose work the library is, and which others
+ * are under it in which versions. Copies as much of it as fits, with a NUL behind it, and returns the number of
+ * bytes that it takes without the NUL. */
+typedef uint32_t(ARCHIVER_CALL* ArchiverCredits)(char* text, uint32_t size);
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -4,14 +4,14 @@
 
 namespace quendle {
 
-bool ArchiverLibraries::IsInstalled(const ArchiverRow& row) const {
-  return !folder_.empty() && FileExists(FileName(row));
+bool ArchiverLibraries::IsInstalled(const std::string& library) const {
+  return !folder_.empty() && FileExists(FileName(library));
 }
 
 const ArchiverLibrary* ArchiverLibraries::Use(const ArchiverRow& row) {
   std::unique_ptr<ArchiverLibrary>& library = loaded_[row.type];
   if (library != nullptr) return library.get();
-  platform::Result result = ArchiverLibrary::Load(FileName(row), row.prefix, &library);
+  platform::Result result = ArchiverLibrary::Load(FileName(row.library), row.prefix, &library);
   failures_.erase(row.type);
   if (!result.ok()) failures_.emplace(row.type, std::move(result));
   return library.get();
@@ -26,8 +26,8 @@ std::vector<std::string> ArchiverLibraries::Problems() const {
   return problems;
 }
 
-std::string ArchiverLibraries::FileName(const ArchiverRow& row) const {
-  return AddBackslash(folder_) + row.library + std::string(platform::kLibrarySuffix);
+std::string ArchiverLibraries::FileName(const std::string& library) const {
+  return AddBackslash(folder_) + library + std::string(platform::kLibrarySuffix);
 }
 
 }  // namespace quendle

@@ -17,17 +17,20 @@ class ArchiverLibraries {
   explicit ArchiverLibraries(std::string folder) : folder_(std::move(folder)) {}
 
   // Is its file there now? A folder of that name does not count.
-  bool IsInstalled(const ArchiverRow& row) const;
+  bool IsInstalled(const ArchiverRow& row) const { return IsInstalled(row.library); }
+  bool IsInstalled(const std::string& library) const;
 
-  // The library, loaded if it is not. Null when it cannot be: then it counts as missing, and Problems tells why.
+  // Where the library of that name, without the system's suffix, would be.
+  std::string FileName(const std::string& library) const;
+
+  // The library, loaded if it is not. Null when it cannot be: then it counts as missing, and Problems tells
+  // why.
   const ArchiverLibrary* Use(const ArchiverRow& row);
 
   // One line for each library that is there and cannot be used.
   std::vector<std::string> Problems() const;
 
  private:
-  std::string FileName(const ArchiverRow& row) const;
-
   std::string folder_;
   std::map<std::int16_t, std::unique_ptr<ArchiverLibrary>> loaded_;  // by type
   std::map<std::int16_t, platform::Result> failures_;

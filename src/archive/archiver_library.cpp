@@ -26,6 +26,18 @@ std::string_view UpToNul(std::string_view bytes) {
   return bytes.substr(0, bytes.find('\0'));
 }
 
+// What a function of the library writes that copies as much as fits and returns how much there is.
+template <typename Copy>
+std::string WholeText(const Copy& copy) {
+  std::string text(ARCHIVER_NAME_SIZE, '\0');
+  const std::uint32_t length = copy(text.data(), static_cast<std::uint32_t>(text.size()));
+  if (length >= text.size()) {
+    text.assign(std::size_t{length} + 1, '\0');
+    copy(text.data(), length + 1);
+  }
+  return std::string(UpToNul(text));
+}
+
 }  // namespace
 
 platform::Result ArchiverLibrary::Load(const std::string& path, const std::string& prefix,
@@ -58,6 +70,7 @@ std::string ArchiverLibrary::Bind(const std::string& prefix) {
   find(&full_name_, "FullName", false);
   find(&set_session_, "SetSession", false);
   find(&extract_calls_, "ExtractCalls", false);
+  find(&credits_, "Credits", false);
   if (missing.empty()) utf8_ = use_utf8 != nullptr && use_utf8(1) != 0;
   return missing;
 }
@@ -87,13 +100,11 @@ std::string ArchiverLibrary::EntryName(ArchiverHandle handle, const ArchiverEntr
   if (full_name_ == nullptr) {
     return Decode(UpToNul(std::string_view(entry.file_name, sizeof entry.file_name)));
   }
-  std::string name(sizeof entry.file_name, '\0');
-  const std::uint32_t length = full_name_(handle, name.data(), static_cast<std::uint32_t>(name.size()));
-  if (length >= name.size()) {
-    name.assign(std::size_t{length} + 1, '\0');
-    full_name_(handle, name.data(), length + 1);
-  }
-  return Decode(UpToNul(name));
+  return Decode(WholeText([&](char* name, std::uint32_t size) { return full_name_(handle, name, size); }));
+}
+
+std::string ArchiverLibrary::Credits() const {
+  return credits_ == nullptr ? "" : Decode(WholeText(credits_));
 }
 
 std::optional<std::string> ArchiverLibrary::Encode(const std::string& text) const {

@@ -22,8 +22,8 @@ class ArchiverLibrary {
   // Is the file an archive of this family? Not when the library cannot be told its path.
   bool Accepts(const std::string& path) const;
 
-  // The entries in archive order, as the archive spells them, with "/" between the parts; empty for one that has
-  // no name. None when the archive cannot be opened: a library with a session has reported why.
+  // The entries in archive order, as the archive spells them, with "/" between the parts; empty for one that
+  // has no name. None when the archive cannot be opened: a library with a session has reported why.
   std::vector<std::string> EntryNames(const std::string& archive) const;
 
   // Text for the library; nothing when its encoding cannot hold the text.
@@ -39,6 +39,9 @@ class ArchiverLibrary {
 
   bool HasExtractCalls() const { return extract_calls_ != nullptr; }
   std::int32_t ExtractCalls(std::vector<ArchiverCall>* calls) const;
+
+  // What it says of its makers; empty when it says nothing.
+  std::string Credits() const;
 
   // Null ends the session. Without effect on a library that knows none.
   void SetSession(const ArchiverSession* session) const;
@@ -58,6 +61,7 @@ class ArchiverLibrary {
   ArchiverFullName full_name_ = nullptr;
   ArchiverSetSession set_session_ = nullptr;
   ArchiverExtractCalls extract_calls_ = nullptr;
+  ArchiverCredits credits_ = nullptr;
   bool utf8_ = false;
 };
 

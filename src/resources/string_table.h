@@ -6,6 +6,7 @@
 namespace quendle {
 
 namespace text_id {
+inline constexpr int kNotInstalled = 1403;
 inline constexpr int kAskExtractFolder = 1801;
 inline constexpr int kAskMoveFolder = 1802;
 inline constexpr int kAskCopyFolder = 1803;
@@ -59,6 +60,15 @@ inline constexpr int kNoEditorYet = 6205;
 inline constexpr int kNoAboutYet = 6206;
 inline constexpr int kPlanLeftOut = 6207;
 inline constexpr int kPlanAsks = 6208;
+inline constexpr int kRegexMatch = 6501;
+inline constexpr int kRegexUnmatch = 6502;
+inline constexpr int kRegexError = 6503;
+inline constexpr int kAboutCaption = 6510;
+inline constexpr int kCompiled = 6511;
+inline constexpr int kRights = 6512;
+inline constexpr int kLicence = 6513;
+inline constexpr int kUnknownVersion = 6514;
+inline constexpr int kCredit = 6515;
 }  // namespace text_id
 
 struct StringTableEntry {

@@ -21,6 +21,10 @@ QColor WarningColour(const QPalette& theme) {
   return IsDark(theme) ? QColor(0xFF, 0x8A, 0x80) : QColor(0xB0, 0, 0);
 }
 
+QColor NoColour(const QPalette& theme) {
+  return IsDark(theme) ? WarningColour(theme) : QColor(0xFF, 0, 0);
+}
+
 // A tooltip neither breaks a line without blanks, which could then be wider than the screen, nor leaves alone
 // what looks like markup. Other texts stay what they are.
 QString PlainToolTip(const QString& text) {

@@ -11,6 +11,9 @@ namespace quendle {
 QColor MarkColour(const QPalette& theme);
 QColor WarningColour(const QPalette& theme);
 
+// The full red of an answer that is no; brighter where the windows are dark.
+QColor NoColour(const QPalette& theme);
+
 // A tooltip that shows the text as it is, whatever markup is in it and however long its lines are.
 QString PlainToolTip(const QString& text);
 

@@ -1,4 +1,5 @@
-// An archiver library whose archives are scripts: each line of an "archive" says what the library is to answer.
+// An archiver library whose archives are scripts: each line of an "archive" says what the library is to
+// answer.
 //
 //   accept PREFIX     the file is an archive of that family
 //   entry NAME        it has this entry (the bytes as they stand)
@@ -13,7 +14,8 @@
 //
 // What it was asked goes to the file ARCHIVE.calls: command lines, then the lines of their response files.
 //
-// SCRIPTED_FULL adds the optional exports to the six functions, SCRIPTED_BROKEN leaves out one that is required.
+// SCRIPTED_FULL adds the optional exports to the six functions, SCRIPTED_BROKEN leaves out one that is
+// required.
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
@@ -169,6 +171,13 @@ std::int32_t Next(ArchiverHandle handle, ArchiverEntry* entry) {
   return static_cast<std::uint32_t>(whole.size());
 }
 
+// Longer than a caller would think.
+[[maybe_unused]] std::uint32_t CopyCredits(char* text, std::uint32_t size) {
+  const std::string whole = "A. Author; " + std::string(600, 'x') + "\n日本";
+  text[whole.copy(text, size - 1)] = '\0';
+  return static_cast<std::uint32_t>(whole.size());
+}
+
 [[maybe_unused]] std::int32_t RunAll(ArchiverCall* calls, std::uint32_t count) {
   opened_archive.clear();
   if (count > 0) {
@@ -212,6 +221,9 @@ std::int32_t Next(ArchiverHandle handle, ArchiverEntry* entry) {
   }                                                                                       \
   std::uint32_t prefix##FullName(ArchiverHandle handle, char* name, std::uint32_t size) { \
     return CopyFullName(handle, name, size);                                              \
+  }                                                                                       \
+  std::uint32_t prefix##Credits(char* text, std::uint32_t size) {                         \
+    return CopyCredits(text, size);                                                       \
   }                                                                                       \
   std::int32_t prefix##SetSession(const ArchiverSession* host) {                          \
     return session = host, 1;                                                             \

@@ -156,5 +156,19 @@ GTEST_TEST(Module, CallsOverOneArchive) {
   EXPECT_EQ(fixture.problems, std::vector<std::string>{": the calls are over different archives"});
 }
 
+GTEST_TEST(Module, CreditsFitAnyBuffer) {
+  for (const bool utf8 : {true, false}) {
+    const Fixture fixture(utf8);
+    const std::string whole =
+        std::string("Quendle contributors; scripts ") + (utf8 ? "日本" : "\x93\xFA\x96\x7B");
+    std::string text(whole.size() + 1, '?');
+    EXPECT_EQ(fixture.module.Credits(nullptr, 0), whole.size());
+    EXPECT_EQ(fixture.module.Credits(text.data(), 8), whole.size());
+    EXPECT_EQ(text.substr(0, 9), std::string("Quendle\0?", 9));
+    EXPECT_EQ(fixture.module.Credits(text.data(), static_cast<std::uint32_t>(text.size())), whole.size());
+    EXPECT_EQ(text.c_str(), whole);
+  }
+}
+
 }  // namespace
 }  // namespace quendle::modules

@@ -103,7 +103,8 @@ inline std::optional<modules::ArchiveInput> FindScripted(std::shared_ptr<const p
   return modules::ArchiveInput(std::move(file), 0);
 }
 
-inline const modules::Family kScriptedFamily = {"SCRIPTED", modules::kZipDialect, &FindScripted,
-                                                &ScriptedEngines, nullptr};
+inline const modules::Family kScriptedFamily = {"SCRIPTED",    modules::kZipDialect,
+                                                &FindScripted, &ScriptedEngines,
+                                                nullptr,       [] { return std::string("scripts 日本"); }};
 
 }  // namespace quendle::test

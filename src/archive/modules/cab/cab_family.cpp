@@ -8,6 +8,8 @@
 #include "archive/modules/cab/cab_header.h"
 #include "archive/modules/cab/mspack_reader.h"
 #include "archive/modules/cab/plain_cab.h"
+#include "archive/modules/common/libarchive_reader.h"
+#include "archive/modules/common/library_versions.h"
 #include "archive/modules/common/signature_scan.h"
 #include "platform/unicode.h"
 
@@ -36,8 +38,8 @@ File OpenBeside(const std::string& path, const std::string& name) {
   return file;
 }
 
-// With as many of the cabinets that follow as are there. The reader says what is missing: what is in the ones that
-// are there can be had all the same.
+// With as many of the cabinets that follow as are there. The reader says what is missing: what is in the ones
+// that are there can be had all the same.
 ArchiveInput WithFollowers(File file, std::uint64_t position) {
   std::vector<File> files = {std::move(file)};
   auto header = ReadCabHeader(ArchiveInput(files.front(), position), 0);
@@ -68,8 +70,12 @@ std::vector<Engine> CabEngines(const ArchiveInput& input) {
   return engines;
 }
 
+std::string CabLibraries() {
+  return LibarchiveVersion() + ", " + kMspackVersion;
+}
+
 }  // namespace
 
-const Family kCabFamily = {"CAB", kCabDialect, &FindCab, &CabEngines, nullptr};
+const Family kCabFamily = {"CAB", kCabDialect, &FindCab, &CabEngines, nullptr, &CabLibraries};
 
 }  // namespace quendle::modules

@@ -42,6 +42,9 @@
   ARCHIVER_EXPORT int32_t ARCHIVER_CALL prefix##SetSession(const ArchiverSession* session) {               \
     return TheModule().SetSession(session);                                                                \
   }                                                                                                        \
+  ARCHIVER_EXPORT uint32_t ARCHIVER_CALL prefix##Credits(char* text, uint32_t size) {                      \
+    return TheModule().Credits(text, size);                                                                \
+  }                                                                                                        \
   ARCHIVER_EXPORT int32_t ARCHIVER_CALL prefix##ExtractCalls(void*, ArchiverCall* calls, uint32_t count) { \
     return TheModule().ExtractCalls(calls, count);                                                         \
   }                                                                                                        \

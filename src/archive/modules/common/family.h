@@ -15,8 +15,9 @@ struct Family {
   const char* name;  // "ZIP"
   const Dialect& dialect;
 
-  // Finds the archive in a file: at its beginning, or behind a self-extracting program. Nothing: there is none.
-  // Opens the other volumes of a set, too; `*reason` says which one is missing, or that this is not the first.
+  // Finds the archive in a file: at its beginning, or behind a self-extracting program. Nothing: there is
+  // none. Opens the other volumes of a set, too; `*reason` says which one is missing, or that this is not the
+  // first.
   std::optional<ArchiveInput> (*find)(std::shared_ptr<const platform::InputFile> file, std::string* reason);
 
   // The engines to try for this archive, best first. What one does not know is tried with the next.
@@ -24,6 +25,9 @@ struct Family {
 
   // Is it refused as a whole before anything is written? Null: the family has no such rule.
   platform::Result (*check)(const ArchiveInput& input);
+
+  // The libraries under it and their versions: "libarchive 3.6.2, libunarr 1.0.1".
+  std::string (*libraries)();
 };
 
 }  // namespace quendle::modules

@@ -248,8 +248,8 @@ ReadStatus LibarchiveReader::Fail(ReadStatus status, std::string reason) {
   return status;
 }
 
-// The library tells kinds of failure by its words only. One that comes before anything was given may mean that
-// another library knows better.
+// The library tells kinds of failure by its words only. One that comes before anything was given may mean
+// that another library knows better.
 ReadStatus LibarchiveReader::FailByLibrary(bool nothing_given) {
   const char* words = library_ == nullptr ? nullptr : archive_error_string(library_);
   std::string text = words == nullptr || *words == '\0' ? "damaged" : words;
@@ -273,6 +273,10 @@ ReadStatus LibarchiveReader::FailByLibrary(bool nothing_given) {
 }
 
 }  // namespace
+
+std::string LibarchiveVersion() {
+  return archive_version_string();
+}
 
 std::unique_ptr<EntryReader> OpenLibarchive(const ArchiveInput& input, const ReaderOptions& options,
                                             LibarchiveFormat format, DescribeEntry describe,

@@ -13,8 +13,8 @@ namespace quendle::modules {
 
 enum class LibarchiveFormat { kZip, kSevenZip, kRar, kRar5, kCab };
 
-// Completes what libarchive tells of the `index`-th entry (from 0, in the order in which it reads them) from the
-// archive's own headers. False: this entry is none of the archive's, and is passed over.
+// Completes what libarchive tells of the `index`-th entry (from 0, in the order in which it reads them) from
+// the archive's own headers. False: this entry is none of the archive's, and is passed over.
 using DescribeEntry = std::function<bool(std::size_t index, Entry* entry)>;
 
 // What the library is shown in place of the archive's bytes from `position` on: a directory, say, in the
@@ -24,8 +24,11 @@ struct Ending {
   std::string bytes;
 };
 
-// Only that format is tried. `describe` may be empty. A library that goes around in circles on damaged input is
-// stopped.
+// "libarchive 3.6.2": the version that is loaded.
+std::string LibarchiveVersion();
+
+// Only that format is tried. `describe` may be empty. A library that goes around in circles on damaged input
+// is stopped.
 std::unique_ptr<EntryReader> OpenLibarchive(const ArchiveInput& input, const ReaderOptions& options,
                                             LibarchiveFormat format, DescribeEntry describe,
                                             std::string* reason, Ending ending = {});

@@ -30,6 +30,16 @@ std::string AnsiForDisplay(const std::string& text) {
   return ansi;
 }
 
+// As much of the text as fits, and a NUL; the answer is how long the whole is.
+std::uint32_t CopyWhole(const std::string& text, char* buffer, std::uint32_t size) {
+  if (size > 0) {
+    const std::size_t length = std::min<std::size_t>(text.size(), size - 1);
+    std::memcpy(buffer, text.data(), length);
+    buffer[length] = '\0';
+  }
+  return static_cast<std::uint32_t>(text.size());
+}
+
 }  // namespace
 
 std::string Module::FromHost(std::string_view bytes) const {
@@ -109,13 +119,14 @@ std::int32_t Module::FindNext(ArchiverHandle handle, ArchiverEntry* entry) try {
 std::uint32_t Module::FullName(ArchiverHandle handle, char* name, std::uint32_t size) try {
   const auto found = open_.find(handle);
   if (found == open_.end() || found->second.next == 0) return 0;
-  const std::string full = ToHost(ListedName(found->second.archive->entries[found->second.next - 1].path));
-  if (size > 0) {
-    const std::size_t length = std::min<std::size_t>(full.size(), size - 1);
-    std::memcpy(name, full.data(), length);
-    name[length] = '\0';
-  }
-  return static_cast<std::uint32_t>(full.size());
+  const Entry& entry = found->second.archive->entries[found->second.next - 1];
+  return CopyWhole(ToHost(ListedName(entry.path)), name, size);
+} catch (const std::exception&) {
+  return 0;
+}
+
+std::uint32_t Module::Credits(char* text, std::uint32_t size) const try {
+  return CopyWhole(ToHost("Quendle contributors; " + family_.libraries()), text, size);
 } catch (const std::exception&) {
   return 0;
 }

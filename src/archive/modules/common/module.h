@@ -29,6 +29,7 @@ class Module {
   std::int32_t UseUtf8(std::int32_t on);
   std::uint32_t FullName(ArchiverHandle handle, char* name, std::uint32_t size);
   std::int32_t SetSession(const ArchiverSession* session);
+  std::uint32_t Credits(char* text, std::uint32_t size) const;
   std::int32_t ExtractCalls(ArchiverCall* calls, std::uint32_t count);
 
  private:

@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "archive/modules/common/library_versions.h"
 #include "archive/modules/common/signature_scan.h"
 #include "archive/modules/lzh/lhasa_reader.h"
 #include "archive/modules/lzh/lzh_headers.h"
@@ -24,8 +25,12 @@ std::vector<Engine> LzhEngines(const ArchiveInput&) {
   return {{"lhasa", &OpenLhasa}};
 }
 
+std::string LzhLibraries() {
+  return kLhasaVersion;
+}
+
 }  // namespace
 
-const Family kLzhFamily = {"LZH", kLzhDialect, &FindLzh, &LzhEngines, nullptr};
+const Family kLzhFamily = {"LZH", kLzhDialect, &FindLzh, &LzhEngines, nullptr, &LzhLibraries};
 
 }  // namespace quendle::modules

@@ -3,6 +3,8 @@
 #include <memory>
 #include <utility>
 
+#include "archive/modules/common/libarchive_reader.h"
+#include "archive/modules/common/library_versions.h"
 #include "archive/modules/common/signature_scan.h"
 #include "archive/modules/common/volumes.h"
 #include "archive/modules/rar/rar_headers.h"
@@ -13,8 +15,8 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// The files of the set from the first to the one that says that it is the last: others of such names may be left
-// from an older archive.
+// The files of the set from the first to the one that says that it is the last: others of such names may be
+// left from an older archive.
 std::optional<ArchiveInput> JoinVolumes(VolumeSet set, std::uint64_t first_offset, std::string* reason) {
   for (std::size_t i = 0; i < set.files.size(); ++i) {
     const ArchiveInput volume(set.files[i], i == 0 ? first_offset : 0);
@@ -63,8 +65,12 @@ std::vector<Engine> RarEngines(const ArchiveInput& input) {
   return {{"unarr", &OpenRarByUnarr}, {"libarchive", &OpenRarByLibarchive}};
 }
 
+std::string RarLibraries() {
+  return LibarchiveVersion() + ", " + kUnarrVersion;
+}
+
 }  // namespace
 
-const Family kRarFamily = {"RAR", kRarDialect, &FindRar, &RarEngines, nullptr};
+const Family kRarFamily = {"RAR", kRarDialect, &FindRar, &RarEngines, nullptr, &RarLibraries};
 
 }  // namespace quendle::modules

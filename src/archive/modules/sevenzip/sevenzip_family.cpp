@@ -71,6 +71,7 @@ std::vector<Engine> SevenZipEngines(const ArchiveInput&) {
 
 }  // namespace
 
-const Family kSevenZipFamily = {"7Z", kSevenZipDialect, &FindSevenZip, &SevenZipEngines, nullptr};
+const Family kSevenZipFamily = {"7Z",    kSevenZipDialect,  &FindSevenZip, &SevenZipEngines,
+                                nullptr, &LibarchiveVersion};
 
 }  // namespace quendle::modules

@@ -4,6 +4,8 @@
 #include <memory>
 #include <utility>
 
+#include "archive/modules/common/libarchive_reader.h"
+#include "archive/modules/common/library_versions.h"
 #include "archive/modules/common/unarr_reader.h"
 #include "archive/modules/common/volumes.h"
 #include "archive/modules/zip/zip_directory.h"
@@ -91,8 +93,12 @@ platform::Result CheckZip(const ArchiveInput& input) {
   return result.ok() ? CheckZipLayout(input, directory) : result;
 }
 
+std::string ZipLibraries() {
+  return LibarchiveVersion() + ", " + kUnarrVersion;
+}
+
 }  // namespace
 
-const Family kZipFamily = {"ZIP", kZipDialect, &FindZip, &ZipEngines, &CheckZip};
+const Family kZipFamily = {"ZIP", kZipDialect, &FindZip, &ZipEngines, &CheckZip, &ZipLibraries};
 
 }  // namespace quendle::modules

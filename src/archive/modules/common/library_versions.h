@@ -1,0 +1,10 @@
+// Libraries that do not tell their version while they run: the one that the module was built with.
+#pragma once
+
+namespace quendle::modules {
+
+inline constexpr const char* kUnarrVersion = "libunarr " QUENDLE_UNARR_VERSION;
+inline constexpr const char* kLhasaVersion = "lhasa " QUENDLE_LHASA_VERSION;
+inline constexpr const char* kMspackVersion = "libmspack " QUENDLE_MSPACK_VERSION;
+
+}  // namespace quendle::modules

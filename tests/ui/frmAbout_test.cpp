@@ -1,0 +1,105 @@
+#include "ui/frmAbout.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTimer>
+#include <QtTest/QTest>
+#include <regex>
+
+#include "core/modMain.h"
+#include "support/temp_folder.h"
+#include "ui/text.h"
+
+namespace quendle {
+namespace {
+
+std::vector<std::string> Lines(const std::string& module_folder) {
+  const frmAbout form(nullptr, module_folder);
+  const auto* lst = form.findChild<QListWidget*>("lst");
+  std::vector<std::string> lines;
+  for (int i = 0; i < lst->count(); ++i) lines.push_back(FromQt(lst->item(i)->text()));
+  return lines;
+}
+
+GTEST_TEST(About, NothingIsInstalled) {
+  const std::vector<std::string> expected = {
+      "UnLHA32.so     *** 未導入 ***", "UnZIP32.so     *** 未導入 ***", "Cab32.so       *** 未導入 ***",
+      "unrar32.so     *** 未導入 ***", "UNRAR.so       *** 未導入 ***", "7-zip32.so     *** 未導入 ***"};
+  const test::TempFolder folder;
+  std::filesystem::create_directory(folder / "UnZIP32.so");
+  EXPECT_EQ(Lines(folder.path()), expected);
+  EXPECT_EQ(Lines(folder / "none"), expected);
+  EXPECT_EQ(Lines(""), expected);
+}
+
+GTEST_TEST(About, LibrariesOfOthers) {
+  const test::TempFolder folder;
+  std::filesystem::copy_file(QUENDLE_SCRIPTED_MODULES "/scripted_full.so", folder / "UnLHA32.so");
+  std::filesystem::copy_file(QUENDLE_SCRIPTED_MODULES "/scripted_plain.so", folder / "UnZIP32.so");
+  std::filesystem::copy_file(QUENDLE_MODULES "/Cab32.so", folder / "UNRAR.so");
+  test::WriteFile(folder / "Cab32.so", "no library");
+  const std::vector<std::string> lines = Lines(folder.path());
+  ASSERT_EQ(lines.size(), 6U);
+  EXPECT_EQ(lines[0], "UnLHA32.so     \tunknown     (c) A. Author; " + std::string(600, 'x') + "\\n日本");
+  EXPECT_EQ(lines[1], "UnZIP32.so     \tunknown     ");
+  EXPECT_EQ(lines[2], "Cab32.so       \tunknown     ");
+  EXPECT_EQ(lines[4], "UNRAR.so       \t" QUENDLE_MODULE_VERSION "     ");
+}
+
+GTEST_TEST(About, BundledLibrariesTellWhatIsUnderThem) {
+  const std::vector<std::string> lines = Lines(QUENDLE_MODULES);
+  const char* under[] = {"lhasa V",
+                         "libarchive V, libunarr V",
+                         "libarchive V, libmspack V",
+                         "libarchive V, libunarr V",
+                         nullptr,
+                         "libarchive V"};
+  ASSERT_EQ(lines.size(), 6U);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    if (under[i] == nullptr) continue;
+    const std::string libraries = std::regex_replace(under[i], std::regex("V"), "[0-9]+(\\.[0-9a-z]+)+");
+    const std::regex expected("[^\t]{15}\t" QUENDLE_MODULE_VERSION " {5}\\(c\\) Quendle contributors; " +
+                              libraries);
+    EXPECT_TRUE(std::regex_match(lines[i], expected)) << lines[i];
+  }
+}
+
+GTEST_TEST(About, TextAndKeys) {
+  const auto close = [](const std::function<void(frmAbout*)>& act) {
+    bool closed = false;
+    QTimer::singleShot(0, [&] {
+      auto* form = dynamic_cast<frmAbout*>(QApplication::activeModalWidget());
+      ASSERT_NE(form, nullptr);
+      ASSERT_TRUE(QTest::qWaitForWindowActive(form));
+      EXPECT_EQ(form->windowTitle(), "About Quendle");
+      const QStringList text = form->findChild<QLabel*>("lblCopyright")->text().split("\r\n");
+      ASSERT_EQ(text.size(), 6);
+      EXPECT_EQ(
+          FromQt(text.mid(0, 5).join("/")),
+          "Quendle/" + GetVersionString() + "/Compiled: 2003/11/7//Copyright (C) 1999 Quendle contributors");
+      act(form);
+      closed = !form->isVisible();
+      form->close();
+    });
+    ShowAbout(nullptr, "");
+    return closed;
+  };
+  EXPECT_TRUE(close([](frmAbout* form) { QTest::keyClick(form->focusWidget(), Qt::Key_Return); }));
+  EXPECT_TRUE(close([](frmAbout* form) { QTest::keyClick(form->focusWidget(), Qt::Key_Escape); }));
+  EXPECT_TRUE(close([](frmAbout* form) { QTest::keyClick(form, Qt::Key_W, Qt::ControlModifier); }));
+  EXPECT_TRUE(
+      close([](frmAbout* form) { QTest::mouseClick(form->findChild<QPushButton*>("cmd"), Qt::LeftButton); }));
+  EXPECT_TRUE(close([](frmAbout* form) {
+    auto* lst = form->findChild<QListWidget*>("lst");
+    QTest::mouseClick(lst->viewport(), Qt::LeftButton, {}, lst->visualItemRect(lst->item(2)).center());
+    EXPECT_EQ(lst->currentRow(), 2);
+    QTest::keyClick(lst, Qt::Key_Enter);
+  }));
+}
+
+}  // namespace
+}  // namespace quendle

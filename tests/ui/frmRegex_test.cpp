@@ -1,0 +1,115 @@
+#include "ui/frmRegex.h"
+
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QApplication>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTimer>
+#include <QtTest/QTest>
+
+#include "ui/text.h"
+
+namespace quendle {
+namespace {
+
+struct Shown {
+  explicit Shown(const std::string& name, const std::string& pattern = "") : form(nullptr, name) {
+    form.pPattern(pattern);
+    form.show();
+    (void)QTest::qWaitForWindowActive(&form);
+  }
+  std::string Result() const { return FromQt(lbl->text()); }
+
+  frmRegex form;
+  QLineEdit* string = form.findChild<QLineEdit*>("txt(0)");
+  QLineEdit* pattern = form.findChild<QLineEdit*>("txt(1)");
+  QLabel* lbl = form.findChild<QLabel*>("lbl(0)");
+};
+
+GTEST_TEST(RegexTester, SaysWhetherTheWholeStringFits) {
+  const struct {
+    const char* name;
+    const char* pattern;
+    const char* result;
+    QColor colour;
+  } rows[] = {
+      {"abc", "a", "Unmatch.", QColor(255, 0, 0)},
+      {"abc", "a.*", "Match.", Qt::black},
+      {"abc", "A.*", "Match.", Qt::black},
+      {"abc", "(", "Error in Regex.", QColor(255, 0, 0)},
+      {"abc", "", "", Qt::black},
+      {"", "a", "", Qt::black},
+      {"写真１.JPG", "写真.\\.jpg", "Match.", Qt::black},
+      {"a\nb\\c", "a\\sb\\\\c", "Match.", Qt::black},  // shown with "\n" and two backslashes
+      {"x\xFF", "x\uFFFD", "Match.", Qt::black},
+      {"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa!", "(a+)+\\d", "Error in Regex.",
+       QColor(255, 0, 0)},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(std::string(row.name) + " " + row.pattern);
+    Shown shown(row.name);
+    QTest::keyClicks(shown.pattern, row.pattern);
+    EXPECT_EQ(shown.Result(), row.result);
+    EXPECT_EQ(shown.lbl->palette().color(QPalette::WindowText), row.colour);
+    EXPECT_EQ(shown.lbl->toolTip().isEmpty(), shown.Result() != "Error in Regex.");
+  }
+}
+
+int g_alerts = 0;
+void CountAlerts(QAccessibleEvent* event) {
+  if (event->type() == QAccessible::Alert) ++g_alerts;
+}
+
+GTEST_TEST(RegexTester, FollowsEachKey) {
+  const auto previous = QAccessible::installUpdateHandler(&CountAlerts);
+  QAccessible::setActive(true);
+  g_alerts = 0;
+  Shown shown("abc", "abc");
+  EXPECT_EQ(shown.form.windowTitle(), "Test Regex");
+  EXPECT_EQ(shown.form.findChild<QGroupBox*>("fra(1)")->title(), "正規表現(&R)");
+  EXPECT_EQ(shown.form.findChild<QGroupBox*>("fra(0)")->toolTip(), " テストしたい文字列を入力します。 ");
+  EXPECT_EQ(shown.Result(), "Match.");
+  EXPECT_EQ(g_alerts, 1);
+  EXPECT_EQ(QAccessible::queryAccessibleInterface(shown.lbl)->text(QAccessible::Name), "Match.");
+  EXPECT_EQ(QApplication::focusWidget(), shown.pattern);
+  EXPECT_EQ(shown.pattern->selectedText(), "abc");
+
+  QTest::keyClick(&shown.form, Qt::Key_S, Qt::AltModifier);
+  EXPECT_EQ(QApplication::focusWidget(), shown.string);
+  EXPECT_EQ(shown.string->selectedText(), "abc");
+  QTest::keyClick(shown.string, Qt::Key_End);
+  QTest::keyClicks(shown.string, "d");
+  EXPECT_EQ(shown.Result(), "Unmatch.");
+  QTest::keyClick(shown.string, Qt::Key_Return);
+  EXPECT_TRUE(shown.form.isVisible());
+  QTest::keyClick(shown.string, Qt::Key_A, Qt::ControlModifier);
+  QTest::keyClick(shown.string, Qt::Key_Delete);
+  EXPECT_EQ(shown.Result(), "");
+  EXPECT_EQ(g_alerts, 3);
+  QAccessible::setActive(false);
+  QAccessible::installUpdateHandler(previous);
+}
+
+GTEST_TEST(RegexTester, ClosesByKeys) {
+  const std::pair<Qt::Key, Qt::KeyboardModifiers> keys[] = {{Qt::Key_Escape, Qt::NoModifier},
+                                                            {Qt::Key_W, Qt::ControlModifier}};
+  for (const auto& [key, modifiers] : keys) {
+    bool found = false;
+    QTimer::singleShot(0, [&, key = key, modifiers = modifiers] {
+      auto* form = dynamic_cast<frmRegex*>(QApplication::activeModalWidget());
+      ASSERT_NE(form, nullptr);
+      ASSERT_TRUE(QTest::qWaitForWindowActive(form));
+      found = form->findChild<QLineEdit*>("txt(1)")->text() == "p" &&
+              form->findChild<QLineEdit*>("txt(0)")->text() == "name";
+      QTest::keyClick(form->focusWidget(), key, modifiers);
+    });
+    OpenRegexTester(nullptr, "p", "name");
+    EXPECT_TRUE(found);
+  }
+}
+
+}  // namespace
+}  // namespace quendle
