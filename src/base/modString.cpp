@@ -1,5 +1,10 @@
 #include "base/modString.h"
 
+#include <array>
+#include <utility>
+#include <vector>
+
+#include "base/modSystem.h"
 #include "platform/paths.h"
 #include "platform/unicode.h"
 
@@ -15,6 +20,80 @@ std::size_t RootLength(PathStyle style) {
 
 bool IsBlankByte(char c) {
   return static_cast<unsigned char>(c) <= 0x20;
+}
+
+using Replacement = std::pair<std::string_view, std::string_view>;
+
+// What names on Windows may not hold. "\" is not among them: it separates the parts of a path.
+constexpr std::array<Replacement, 10> kForbidden = {{{",", "，"},
+                                                     {":", "："},
+                                                     {";", "；"},
+                                                     {"*", "＊"},
+                                                     {"?", "？"},
+                                                     {"<", "＜"},
+                                                     {">", "＞"},
+                                                     {"|", "｜"},
+                                                     {"/", "／"},
+                                                     {"\"", "’"}}};
+
+constexpr std::array<Replacement, 10> kFullWidthDigits = {{{"０", "0"},
+                                                           {"１", "1"},
+                                                           {"２", "2"},
+                                                           {"３", "3"},
+                                                           {"４", "4"},
+                                                           {"５", "5"},
+                                                           {"６", "6"},
+                                                           {"７", "7"},
+                                                           {"８", "8"},
+                                                           {"９", "9"}}};
+
+// The code points of the text, each as it stands there; a byte that is part of none is one of its own.
+std::vector<std::string_view> Characters(std::string_view text) {
+  std::vector<std::string_view> characters;
+  while (!text.empty()) {
+    std::string_view rest = text;
+    char32_t code_point = 0;
+    platform::TakeCodePoint(&rest, &code_point);
+    characters.push_back(text.substr(0, text.size() - rest.size()));
+    text = rest;
+  }
+  return characters;
+}
+
+const Replacement* FindReplacement(std::string_view character, const std::array<Replacement, 10>& table) {
+  for (const Replacement& row : table) {
+    if (row.first == character) return &row;
+  }
+  return nullptr;
+}
+
+std::string Replaced(std::string_view text, const std::array<Replacement, 10>& table) {
+  std::string result;
+  for (const std::string_view character : Characters(text)) {
+    const Replacement* row = FindReplacement(character, table);
+    result += row == nullptr ? character : row->second;
+  }
+  return result;
+}
+
+bool HasDriveRoot(std::string_view text) {
+  if (text.size() < 3) return false;
+  const char letter = static_cast<char>(text[0] & ~0x20);
+  return letter >= 'A' && letter <= 'Z' && text[1] == ':' && text[2] == '\\';
+}
+
+// Callers give a bare name: of a path, the front is cut as if its last part were all of it.
+std::string WithAsciiNumberAtEnd(const std::string& text, PathStyle style) {
+  const std::vector<std::string_view> all = Characters(text);
+  const std::vector<std::string_view> last =
+      Characters(std::string_view(text).substr(text.rfind(Separator(style)) + 1));
+  std::size_t digits = 0;
+  while (digits < last.size() && FindReplacement(last[last.size() - 1 - digits], kFullWidthDigits)) ++digits;
+  if (digits == 0) return text;
+  std::string result;
+  for (std::size_t i = 0; i < last.size() - digits; ++i) result += all[i];
+  for (std::size_t i = all.size() - digits; i < all.size(); ++i) result += Replaced(all[i], kFullWidthDigits);
+  return result;
 }
 
 }  // namespace
@@ -115,6 +194,32 @@ bool NormalizeNewlines(std::string* text) {
   }
   *text = std::move(normal);
   return false;
+}
+
+std::string NormalizePathChars(std::string_view text, int mode, PathStyle style) {
+  std::string result(text);
+  if (style == PathStyle::kWindows) {
+    const std::size_t root = HasDriveRoot(text) ? 3 : 0;
+    result = std::string(text.substr(0, root)) + Replaced(text.substr(root), kForbidden);
+  }
+  switch (mode) {
+    case 0:
+      return result;
+    case 1:
+      return WithAsciiNumberAtEnd(result, style);
+    case 2:
+      return Replaced(result, kFullWidthDigits);
+    default:
+      ProgrammingError("no such mode of path characters");
+  }
+}
+
+std::string TitleAsName(std::string_view title, PathStyle style) {
+  if (title.empty() || title == "." || title == "..") return "";
+  std::string name = style == PathStyle::kWindows ? Replaced(title, kForbidden) : std::string(title);
+  const std::string_view wide = style == PathStyle::kWindows ? "＼" : "／";
+  for (std::size_t at; (at = name.find(Separator(style))) != std::string::npos;) name.replace(at, 1, wide);
+  return name;
 }
 
 bool EqualsIgnoringCase(std::string_view a, std::string_view b) {

@@ -81,6 +81,22 @@ std::string TrimBlanks(std::string_view text);
 //   "a\nb" => "a\r\nb", false    "a\r\nb\n" => same, false    "a\rb\nc" => same, true    "a" => same, true
 bool NormalizeNewlines(std::string* text);
 
+// A text made safe to be used as a path: on Windows the characters that its names may not hold become others
+// that look like them, except in a drive root ("c:\") at its beginning; on POSIX names may hold them all.
+// Full-width digits become ASCII by `mode`: 0 none, 1 those at the end of a bare name, 2 all; another mode is
+// a programming error. Mode 1 is not for paths: those with a folder lose what their last part is shorter than
+// they are.
+//   Windows, 0: D:\in<1>\a?b => D:\in＜1＞\a？b    C:abc => C：abc    c:\a,b => c:\a，b    a"b/c => a’b／c
+//   Posix, 0:   D:\in<1>\a?b => D:\in<1>\a?b     /a:b１ => /a:b１
+//   either, 1:  file１２ => file12    a１b => a１b    １ => 1
+//   either, 2:  a１b２ => a1b2
+std::string NormalizePathChars(std::string_view text, int mode, PathStyle style = kHostStyle);
+
+// The title of a profile as the name of a folder: as mode 0 has it, and without the separator of the style or
+// a drive root. Empty when it is none: "", "." and "..".
+//   Posix: a/b => a／b    a:b => a:b    .. => ""          Windows: a/b => a／b    a:\b => a：＼b
+std::string TitleAsName(std::string_view title, PathStyle style = kHostStyle);
+
 // Are the two equal after upper-casing both?
 bool EqualsIgnoringCase(std::string_view a, std::string_view b);
 

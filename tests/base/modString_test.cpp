@@ -158,5 +158,67 @@ GTEST_TEST(ModString, Existence) {
   }
 }
 
+GTEST_TEST(ModString, CharactersOfPaths) {
+  const struct {
+    PathStyle style;
+    int mode;
+    const char* text;
+    const char* normal;
+  } rows[] = {
+      {kWindows, 0, "", ""},
+      {kWindows, 0, "D:\\in<1>\\a?b", "D:\\in＜1＞\\a？b"},
+      {kWindows, 0, "C:\\a:b", "C:\\a：b"},
+      {kWindows, 0, "a:b", "a：b"},
+      {kWindows, 0, "C:abc", "C：abc"},
+      {kWindows, 0, "c:\\x,y", "c:\\x，y"},
+      {kWindows, 0, "C:\\", "C:\\"},
+      {kWindows, 0, "C:", "C："},
+      {kWindows, 0, "[:\\x", "[：\\x"},
+      {kWindows, 0, "1:\\x", "1：\\x"},
+      {kWindows, 0, ",:;*?<>|/\"\\０９", "，：；＊？＜＞｜／’\\０９"},
+      {kWindows, 0, "\xE3\x80:", "\xE3\x80："},
+      {kWindows, 1, "file１２", "file12"},
+      {kWindows, 1, "a１b", "a１b"},
+      {kWindows, 1, "０１２３４５６７８９", "0123456789"},
+      {kWindows, 1, "a：１日２", "a：１日2"},
+      {kWindows, 1, "C:\\日本\\x１２", "C12"},  // a path, cut as bare names are
+      {kWindows, 2, "C:\\１:a２\\３", "C:\\1：a2\\3"},
+      {kPosix, 0, "D:\\in<1>\\a?b", "D:\\in<1>\\a?b"},
+      {kPosix, 0, "/a,b/１", "/a,b/１"},
+      {kPosix, 1, "a\\b１", "a\\b1"},
+      {kPosix, 1, "/日/x１２", "/12"},
+      {kPosix, 2, "/１/a:２", "/1/a:2"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(std::string(row.text) + " " + std::to_string(row.mode));
+    EXPECT_EQ(NormalizePathChars(row.text, row.mode, row.style), row.normal);
+  }
+  EXPECT_DEATH(NormalizePathChars("a", 3, kPosix), "mode");
+  EXPECT_DEATH(NormalizePathChars("a", -1, kWindows), "mode");
+}
+
+GTEST_TEST(ModString, TitlesAsNames) {
+  const struct {
+    PathStyle style;
+    const char* title;
+    const char* name;
+  } rows[] = {
+      {kPosix, "写真", "写真"},
+      {kPosix, "../a/b", "..／a／b"},
+      {kPosix, "a:b\\c", "a:b\\c"},
+      {kPosix, ".", ""},
+      {kPosix, "..", ""},
+      {kPosix, "", ""},
+      {kPosix, "...", "..."},
+      {kWindows, "a/b:１", "a／b：１"},
+      {kWindows, "C:\\x\\..", "C：＼x＼.."},
+      {kWindows, "..", ""},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.title);
+    EXPECT_EQ(TitleAsName(row.title, row.style), row.name);
+  }
+}
+
 }  // namespace
 }  // namespace quendle

@@ -1,0 +1,50 @@
+#include "core/profile_pattern.h"
+
+#include "base/regex.h"
+#include "platform/unicode.h"
+#include "support/temp_folder.h"
+
+namespace quendle {
+namespace {
+
+GTEST_TEST(ProfilePattern, OfNames) {
+  const struct {
+    const char* name;
+    const char* pattern;
+  } rows[] = {
+      {"abc_01.zip", "abc_.*\\.zip"},
+      {"abc01.zip", "abc.*\\.zip"},
+      {"data123.lzh", "data.*\\.lzh"},
+      {"foo-bar_baz.zip", "foo-bar_.*\\.zip"},
+      {"report.txt", "report.*\\.txt"},
+      {"12345.zip", "1.*\\.zip"},
+      {"my file 2.rar", "my file .*\\.rar"},
+      {"README", "README.*"},
+      {"x_y-z1.zip", "x_y-z.*\\.zip"},
+      {"x_y-zz.zip", "x_y-.*\\.zip"},
+      {"a_1_2.zip", "a_1_.*\\.zip"},
+      {"_12.zip", "_.*\\.zip"},
+      {"7", "7.*"},
+      {".profile", ".*\\.profile"},
+      {"a1.", "a.*"},
+      {"v1.2.3.tar", "v1.2..*\\.tar"},
+      {"写真12.JPG", "写真.*\\.JPG"},
+      {"第２巻_01.zip", "第２巻_.*\\.zip"},
+      {"ab\xFF"
+       "9.zip",
+       "ab\uFFFD.*\\.zip"},
+  };
+  const test::TempFolder folder;
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    test::WriteFile(folder / row.name, "");
+    clsFileInfo target;
+    ASSERT_TRUE(target.SetFilename(folder / row.name));
+    const std::string pattern = MakePatternFromTarget(target);
+    EXPECT_EQ(pattern, row.pattern);
+    EXPECT_EQ(Regex(pattern).MatchWhole(platform::WithReplacementCharacters(row.name)), RegexAnswer::kWhole);
+  }
+}
+
+}  // namespace
+}  // namespace quendle
