@@ -143,7 +143,8 @@ std::string EditDraft::InheritedFolder(int key) const {
 
 std::string EditDraft::PickedFolder(const std::string& folder) const {
   if (!IsProfile() || !stores_.standard.AUTOCOMPDIR()) return folder;
-  return AddBackslash(folder) + TitleAsName(title_, kHostStyle);
+  const std::string name = TitleAsName(title_);
+  return name.empty() ? folder : AddBackslash(folder) + name;
 }
 
 }  // namespace quendle

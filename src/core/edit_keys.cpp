@@ -59,7 +59,7 @@ std::string ActionText(const std::string& stored) {
 
 const std::vector<int>& KeysOfEditor(std::int16_t mode) {
   using namespace text_id;
-  static const std::vector<int> profile = {kPattern,      kId,     kAction,    kSmartRename, kExtractType,
+  static const std::vector<int> profile = {kPattern,      kId,      kAction,    kSmartRename, kExtractType,
                                            kSmartMakeDir, kOpenDir, kExtractTo, kMoveTo,      kCopyTo,
                                            kInclude,      kExclude, kOpenFile};
   static const std::map<std::int16_t, std::vector<int>> keys = {
@@ -105,7 +105,7 @@ std::string ValueText(int key, const std::string& stored) {
       return LoadText(key == text_id::kSmartRename ? kRenames[choice - 1] : kTypes[choice - 1]);
     }
   }
-  return ForDisplay(stored);
+  return rule.kind == EditKey::Kind::kFolder ? ForDisplay(stored) : stored;
 }
 
 }  // namespace quendle
