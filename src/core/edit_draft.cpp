@@ -113,8 +113,10 @@ int EditDraft::Meaning(int key, const std::string& text) const {
 // A stored text that says the same already ("-1" for a ticked box) is left as it is.
 void EditDraft::SetNumber(int key, int number) {
   Value& value = Find(key);
+  const bool was_on = Meaning(key, value.current) != 0;
   value.current = Meaning(key, value.original) == number ? value.original : std::to_string(number);
-  if (key == text_id::kId) SeedOwnValues(number != 0);
+  const bool was_on_in_file = Meaning(key, value.original) != 0;
+  if (key == text_id::kId && was_on != (number != 0) && !was_on_in_file) SeedOwnValues(number != 0);
 }
 
 bool EditDraft::IsInherited(int key) const {

@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QRegularExpression>
 #include <QVBoxLayout>
 
 #include "core/edit_keys.h"
@@ -50,7 +51,6 @@ QWidget* frmEdit::MakeGroup(int caption, QLayout* layout) {
 QPushButton* frmEdit::MakeButton(const char* name, int caption, int tool_tip, int accessible_name) {
   auto* button = new QPushButton(Text(caption), this);
   button->setObjectName(name);
-  button->setAutoDefault(false);
   if (tool_tip != 0) button->setToolTip(Text(tool_tip));
   if (accessible_name != 0) button->setAccessibleName(Text(accessible_name));
   return button;
