@@ -62,6 +62,7 @@ frmEdit::frmEdit(QWidget* owner, EditDraft& draft, const clsFileInfo& target, Ed
   ApplyFormFont(this, true);
   Connect();
   Fill();
+  FocusOnFirst();
   CentreOnScreen(this);
 }
 
@@ -157,6 +158,13 @@ void frmEdit::keyPressEvent(QKeyEvent* event) {
   const bool ends =
       event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Escape;
   if (!ends || !event->isAutoRepeat()) QDialog::keyPressEvent(event);
+}
+
+// Of choices that exclude each other the one that is made.
+void frmEdit::FocusOnFirst() {
+  const int first = draft_.Keys().front();
+  if (opt.count(first) != 0) opt[first].at(draft_.Number(first))->setFocus(Qt::OtherFocusReason);
+  FocusOn(first);
 }
 
 void frmEdit::FocusOn(int key) {

@@ -1,6 +1,7 @@
 // The editor of one profile, of the standard and test settings, and of the general settings.
 #pragma once
 
+#include <QBoxLayout>
 #include <QDialog>
 #include <cstdint>
 #include <functional>
@@ -16,8 +17,8 @@
 
 class QCheckBox;
 class QComboBox;
+class QGridLayout;
 class QLabel;
-class QLayout;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
@@ -65,9 +66,13 @@ class frmEdit : public QDialog {
   QWidget* MakeGroup(int caption, QLayout* layout);
   QPushButton* MakeButton(const char* name, int caption, int tool_tip, int accessible_name = 0);
   QCheckBox* MakeCheckBox(int key);
-  QLayout* MakeChoices(int key, const std::vector<int>& captions, const std::vector<int>& tool_tips);
-  QLayout* MakeActions();
-  void AddField(QLayout* into, int key, QPushButton* button = nullptr);
+  struct ChoiceTexts {
+    int caption, tool_tip;
+  };
+  QWidget* MakeChoices(int key, QBoxLayout::Direction direction, const std::vector<ChoiceTexts>& texts);
+  QWidget* MakeActions();
+  void AddChoiceRow(QGridLayout* grid, int key, QWidget* choices);
+  void AddField(QGridLayout* grid, int key, QPushButton* button = nullptr);
   void Register(int key, QLineEdit* field);
   QLabel* MakeHint(int key);
   void ArrangeControls();
@@ -76,6 +81,7 @@ class frmEdit : public QDialog {
   // State
   void Connect();
   void Fill();
+  void FocusOnFirst();
   void ApplyNumbers();
   void ApplyHint(int key);
   void PaintHints();

@@ -8,7 +8,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QRegularExpression>
 #include <QVBoxLayout>
 
 #include "core/edit_keys.h"
@@ -63,54 +62,52 @@ QCheckBox* frmEdit::MakeCheckBox(int key) {
   return chk[key] = box;
 }
 
+// A row of the behaviour's grid, in which a caption stands beside the first line of what it is for.
+void frmEdit::AddChoiceRow(QGridLayout* grid, int key, QWidget* choices) {
+  auto* label = new QLabel(Text(RuleOf(key).label), this);
+  label->setToolTip(Text(RuleOf(key).tool_tip));
+  label->setMinimumHeight(choices->findChild<QAbstractButton*>()->sizeHint().height());
+  const int row = grid->rowCount();
+  grid->addWidget(label, row, kLabelColumn, Qt::AlignTop);
+  grid->addWidget(choices, row, kFieldColumn);
+  own_.push_back(label);
+  own_.push_back(choices);
+}
+
 // The first choice is number 1.
-QLayout* frmEdit::MakeChoices(int key, const std::vector<int>& captions, const std::vector<int>& tool_tips) {
+QWidget* frmEdit::MakeChoices(int key, QBoxLayout::Direction direction,
+                              const std::vector<ChoiceTexts>& texts) {
   auto* frame = new QWidget(this);  // the choices exclude each other within it
-  auto* choices =
-      new QBoxLayout(captions.size() > 2 ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight, frame);
+  auto* choices = new QBoxLayout(direction, frame);
   choices->setContentsMargins(0, 0, 0, 0);
-  for (std::size_t i = 0; i < captions.size(); ++i) {
-    const int number = static_cast<int>(i) + 1;
-    auto* choice = new QRadioButton(Text(captions[i]), frame);
+  for (const ChoiceTexts& text : texts) {
+    const int number = static_cast<int>(opt[key].size()) + 1;
+    auto* choice = new QRadioButton(Text(text.caption), frame);
     choice->setObjectName(Name("opt", key) + QString(".%1").arg(number));
-    choice->setToolTip(Text(tool_tips[i]).trimmed());
-    choice->setAccessibleName(ToQt(KeyName(key)) + QString(": ") +
-                              choice->text().remove(QRegularExpression("\\(&.\\)")));
+    choice->setToolTip(Text(text.tool_tip).trimmed());
     opt[key][number] = choice;
     choices->addWidget(choice);
   }
-  if (captions.size() <= 2) choices->addStretch();
-  auto* label = new QLabel(Text(RuleOf(key).label), this);
-  label->setToolTip(Text(RuleOf(key).tool_tip));
-  auto* row = new QHBoxLayout;
-  row->addWidget(label, 0, captions.size() > 2 ? Qt::AlignTop : Qt::AlignVCenter);
-  row->addWidget(frame, 1);
-  own_.push_back(label);
-  own_.push_back(frame);
-  return row;
+  choices->addStretch();
+  return frame;
 }
 
-QLayout* frmEdit::MakeActions() {
+QWidget* frmEdit::MakeActions() {
   constexpr struct {
     int bit, caption, tool_tip;
-    const char* name;
-  } kActions[] = {
-      {1, 6656, 6657, "chk.Action.1"}, {2, 6660, 6661, "chk.Action.2"}, {4, 6662, 6663, "chk.Action.4"}};
-  auto* row = new QHBoxLayout;
-  auto* label = new QLabel(Text(RuleOf(text_id::kAction).label), this);
-  label->setToolTip(Text(RuleOf(text_id::kAction).tool_tip));
-  row->addWidget(label);
-  own_.push_back(label);
+  } kActions[] = {{1, 6656, 6657}, {2, 6660, 6661}, {4, 6662, 6663}};
+  auto* frame = new QWidget(this);
+  auto* row = new QHBoxLayout(frame);
+  row->setContentsMargins(0, 0, 0, 0);
   for (const auto& action : kActions) {
-    auto* box = new QCheckBox(Text(action.caption), this);
-    box->setObjectName(action.name);
+    auto* box = new QCheckBox(Text(action.caption), frame);
+    box->setObjectName(Name("chk", text_id::kAction) + QString(".%1").arg(action.bit));
     box->setToolTip(Text(action.tool_tip));
     row->addWidget(box);
     chkAction[action.bit] = box;
-    own_.push_back(box);
   }
   row->addStretch();
-  return row;
+  return frame;
 }
 
 QLabel* frmEdit::MakeHint(int key) {
@@ -130,8 +127,7 @@ void frmEdit::Register(int key, QLineEdit* field) {
 }
 
 // A caption, the field, maybe a button, and below them what is wrong with what was typed.
-void frmEdit::AddField(QLayout* into, int key, QPushButton* button) {
-  auto* grid = static_cast<QGridLayout*>(into);
+void frmEdit::AddField(QGridLayout* grid, int key, QPushButton* button) {
   const int row = grid->rowCount();
   auto* label = new QLabel(Text(RuleOf(key).label), this);
   auto* field = new QLineEdit(this);
@@ -160,10 +156,15 @@ QWidget* frmEdit::MakePatternGroup() {
 
 QWidget* frmEdit::MakeBehaviourGroup() {
   auto* column = new QVBoxLayout;
+  QGridLayout* grid = MakeGrid();
   if (draft_.Has(text_id::kId)) column->addWidget(MakeCheckBox(text_id::kId));
-  if (draft_.Has(text_id::kAction)) column->addLayout(MakeActions());
-  column->addLayout(MakeChoices(text_id::kSmartRename, {3509, 3511, 3513}, {3510, 3512, 3514}));
-  column->addLayout(MakeChoices(text_id::kExtractType, {4351, 4353}, {4352, 4354}));
+  if (draft_.Has(text_id::kAction)) AddChoiceRow(grid, text_id::kAction, MakeActions());
+  AddChoiceRow(grid, text_id::kSmartRename,
+               MakeChoices(text_id::kSmartRename, QBoxLayout::TopToBottom,
+                           {{3509, 3510}, {3511, 3512}, {3513, 3514}}));
+  AddChoiceRow(grid, text_id::kExtractType,
+               MakeChoices(text_id::kExtractType, QBoxLayout::LeftToRight, {{4351, 4352}, {4353, 4354}}));
+  column->addLayout(grid);
   for (const int key : {text_id::kSmartMakeDir, text_id::kOpenDir}) {
     column->addWidget(MakeCheckBox(key));
     own_.push_back(chk[key]);
