@@ -22,6 +22,8 @@ namespace {
 
 constexpr int kFieldCharacters = 36;  // that a field has room for at first
 
+constexpr int kLongestText = 1 << 17;  // as long as what is read from a file: nothing is cut by showing it
+
 constexpr int kLabelColumn = 0;
 constexpr int kFieldColumn = 1;
 constexpr int kButtonColumn = 2;
@@ -122,6 +124,7 @@ void frmEdit::Register(int key, QLineEdit* field) {
   field->setToolTip(Text(RuleOf(key).tool_tip));
   field->setAccessibleName(ToQt(KeyName(key)));
   field->setMinimumWidth(fontMetrics().averageCharWidth() * kFieldCharacters);
+  field->setMaxLength(kLongestText);
   SelectAllOnFocus(field);
   txt[key] = field;
 }

@@ -210,45 +210,6 @@ GTEST_TEST(EditDraft, LongValuesAreShownWhole) {
   EXPECT_EQ(DraftOf(settings, clsPropItem::kEditingProfile).Text(kInclude), longest);
 }
 
-GTEST_TEST(EditDraft, OthersChangesAreKeptOrAskedAbout) {
-  const test::Settings settings("[A]\nPattern=p\nMoveTo=/m\nInclude=i\nExclude=e\n");
-  EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
-  draft.SetText(kPattern, "mine");
-  draft.SetText(kMoveTo, "/mine");
-  draft.SetText(kInclude, "same");
-  test::WriteFile(settings.folder / "items.ini",
-                  "[A]\nPattern=theirs\nMoveTo=/theirs\nInclude=same\nExclude=theirs\nOther=1\n");
-  const EditDraft::Comparison comparison = draft.CompareWithFile();
-  ASSERT_EQ(comparison.conflicts.size(), 2U);
-  EXPECT_EQ(comparison.conflicts[0].theirs, "theirs");
-  EXPECT_EQ(draft.ChangedByOthers(), std::vector<int>{kExclude});
-  draft.Settle(comparison.conflicts[0], true);
-  draft.Settle(comparison.conflicts[1], false);
-  EXPECT_TRUE(draft.CompareWithFile().conflicts.empty());
-  EXPECT_EQ(draft.ChangedKeys(), std::vector<int>{kPattern});
-  EXPECT_TRUE(draft.Save().ok());
-  EXPECT_EQ(test::ReadFile(settings.folder / "items.ini"),
-            "[A]\nPattern=mine\nMoveTo=/theirs\nInclude=same\nExclude=theirs\nOther=1\n");
-}
-
-GTEST_TEST(EditDraft, ProfilesThatWentOrCameAreNoticed) {
-  const test::Settings settings("[A]\nPattern=p\nAction=2\n[B]\n\n");
-  EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
-  draft.SetText(kInclude, "i");
-  EditDraft fresh = DraftOf(settings, clsPropItem::kEditingNew, "b");
-  EXPECT_TRUE(fresh.CompareWithFile().is_title_taken);
-  const std::string renamed = "[C]\nPattern=p\nAction=2\n";
-  test::WriteFile(settings.folder / "items.ini", renamed);
-  EXPECT_FALSE(fresh.CompareWithFile().is_title_taken);
-  EXPECT_TRUE(draft.CompareWithFile().is_gone);
-  draft.BecomeNew();
-  EXPECT_FALSE(draft.CompareWithFile().is_gone);
-  EXPECT_TRUE(draft.Save().ok());
-  EXPECT_TRUE(fresh.Save().ok());
-  EXPECT_EQ(test::ReadFile(settings.folder / "items.ini"),
-            renamed + "[A]\nPattern=p\nAction=2\nInclude=i\n[b]\nPattern=\n");
-}
-
 GTEST_TEST(EditDraft, FailureSaysWhereAndWhyAndKeepsTheRest) {
   const test::Settings settings("[A]\n\n");
   EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
