@@ -119,6 +119,11 @@ bool IsAbsolutePath(std::string_view path, PathStyle style) {
   return path.find(':') != std::string_view::npos || path.substr(0, 2) == "\\\\";
 }
 
+bool HasParentComponent(std::string_view path, PathStyle style) {
+  const char separator = Separator(style);
+  return AddBackslash(path, style).find(std::string{separator, '.', '.', separator}) != std::string::npos;
+}
+
 std::string MakeAbsolute(std::string_view path, std::string_view folder, PathStyle style) {
   return IsAbsolutePath(path, style) ? std::string(path) : AddBackslash(folder, style).append(path);
 }

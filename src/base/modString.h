@@ -41,6 +41,10 @@ std::string RemoveBackslashes(std::string_view path, PathStyle style = kHostStyl
 //   Posix:   "/x" => true      "x:y" => false               "" => false
 bool IsAbsolutePath(std::string_view path, PathStyle style = kHostStyle);
 
+// Does an absolute path have ".." as one of its components?
+//   Posix: "/a/../b" => true    "/a/.." => true    "/a/..b" => false
+bool HasParentComponent(std::string_view path, PathStyle style = kHostStyle);
+
 // An absolute path as it is, any other after `folder` and a separator.
 //   Posix: ("x", "/home") => "/home/x"    ("", "/home") => "/home/"    ("/x", "/home") => "/x"
 std::string MakeAbsolute(std::string_view path, std::string_view folder, PathStyle style = kHostStyle);

@@ -103,6 +103,13 @@ constexpr Row kOwn[] = {
     {"this kind of encryption is not supported: %1", 6080},
     {"it is neither a file nor a folder nor a symbolic link", 6081},
     {"there are only %1 bytes free, %2 are needed", 6082},
+    {"the section name ends in \"]\"", 6621},
+    {"the section name contains a line break or NUL", 6674},
+    {"the value contains a line break or NUL", 6674},
+    {"the file begins like UTF-16 but not with the little-endian mark, so it is not changed", 6623},
+    {"another program holds the settings folder", 6699},
+    {"not a regular file", 6053},
+    {"the file is too large", 6094},
     {"xdg-open, which opens files, is not on the search path", 6083},
 };
 

@@ -17,13 +17,6 @@ namespace {
 
 constexpr const char* kArchiveExtensions[] = {"LZH", "ZIP", "CAB", "RAR", "EXE", "7Z"};
 
-// The settings give no more than 1,023 bytes of a value, so one of that length may have been longer.
-constexpr std::size_t kLongestValue = 1023;
-
-bool MayBeCut(const std::string& value) {
-  return platform::CutToAnsiBytes(value, kLongestValue - 2).size() < value.size();
-}
-
 bool HasArchiveExtension(const std::string& extension) {
   const std::string upper = platform::UpperCase(extension);
   return std::find(std::begin(kArchiveExtensions), std::end(kArchiveExtensions), upper) !=

@@ -17,11 +17,6 @@ bool Includes(std::int16_t action, StepKind kind) {
 }
 
 // Through links it would not lead where it seems to, and folders that are made on the way would stay.
-bool HasParentComponent(const std::string& path) {
-  const char separator = Separator(kHostStyle);
-  return AddBackslash(path).find(std::string{separator, '.', '.', separator}) != std::string::npos;
-}
-
 class BusyScope {
  public:
   explicit BusyScope(UserInterface& user) : user_(user) { user_.SetBusy(true); }

@@ -4,6 +4,7 @@
 
 #include "base/modString.h"
 #include "base/modSystem.h"
+#include "platform/code_page.h"
 #include "platform/profile.h"
 #include "platform/profile_lines.h"
 #include "platform/unicode.h"
@@ -148,6 +149,12 @@ void clsIniFile::OptimizeFile(bool sort) {
     std::stable_partition(names.begin(), names.end(), [](const std::string& name) { return !name.empty(); });
     return names;
   });
+}
+
+// One byte of the buffer is for the end. A character of two bytes may not have fitted into the last one.
+bool MayBeCut(const std::string& value) {
+  constexpr std::size_t kLongestValue = kDefaultBuffer - 1;
+  return platform::CutToAnsiBytes(value, kLongestValue - 2).size() < value.size();
 }
 
 }  // namespace quendle

@@ -67,4 +67,7 @@ class clsIniFile {
   platform::Result last_failure_;
 };
 
+// Is a value so long that the buffer of a new object may have cut it, or would cut it once it is stored?
+bool MayBeCut(const std::string& value);
+
 }  // namespace quendle

@@ -94,6 +94,8 @@ class clsPropDefault {
   // Why the initial files could not be made; ok() when they were, or were there.
   const platform::Result& CreationFailure() const { return creation_failure_; }
   const std::string& FileName() const { return ini_.pFileName; }
+  // What a folder reads as that nobody has set.
+  const std::string& DefaultDestination() const { return folders_.default_destination; }
 
  private:
   void CreateDefaultFiles();

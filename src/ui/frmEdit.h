@@ -1,9 +1,27 @@
 // The editor of one profile, of the standard and test settings, and of the general settings.
 #pragma once
 
-#include <QWidget>
+#include <QBoxLayout>
+#include <QDialog>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
 
+#include "core/edit_draft.h"
 #include "core/modMain.h"
+#include "ui/frmRegex.h"
+#include "ui/modMsgBox.h"
+#include "ui/pickers.h"
+
+class QCheckBox;
+class QComboBox;
+class QGridLayout;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
 
 namespace quendle {
 
@@ -11,5 +29,97 @@ namespace quendle {
 //   1 the profile Title    2 a new profile NEWTITLE    0 standard settings    4 general settings    6 test settings
 // True when something was saved; NEWTITLE is the title of the profile then. EDITMODE is 0 afterwards.
 bool OpenEditor(QWidget* owner, Globals& globals);
+
+// The other windows that the editor opens.
+struct EditServices {
+  std::function<std::string(QWidget*, const std::string&, const std::string&)> pick_folder = PickFolder;
+  std::function<std::string(QWidget*, const FileDialogRequest&)> pick_file = ShowFileDialog;
+  std::function<std::int32_t(const std::string&, std::int32_t, std::int32_t, const std::string&)>
+      show_message = ShowMessage;
+  std::function<void(QWidget*, const std::string&, const std::string&)> open_tester = OpenRegexTester;
+};
+
+// The controls are named after the keys: "txt.MoveTo", "chk.OpenDir", "opt.SmartRename.2", "cmd.MoveTo", "hint.MoveTo".
+class frmEdit : public QDialog {
+ public:
+  // `target`: the file at hand, if it has a name.
+  frmEdit(QWidget* owner, EditDraft& draft, const clsFileInfo& target, EditServices services = {});
+
+  // Cancel, Esc, Ctrl+W and the close box: asks when something has changed.
+  void reject() override;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  // Layout
+  QWidget* MakePatternGroup();
+  QWidget* MakeBehaviourGroup();
+  QWidget* MakeFolderGroup();
+  QWidget* MakeMemberGroup();
+  QWidget* MakeGeneralGroup();
+  QWidget* MakeFilerGroup();
+  QWidget* MakeCharsetGroup();
+  QLayout* MakeButtons();
+  QLayout* MakeColumns();
+  QWidget* MakeGroup(int caption, QLayout* layout);
+  QPushButton* MakeButton(const char* name, int caption, int tool_tip, int accessible_name = 0);
+  QCheckBox* MakeCheckBox(int key);
+  struct ChoiceTexts {
+    int caption, tool_tip;
+  };
+  QWidget* MakeChoices(int key, QBoxLayout::Direction direction, const std::vector<ChoiceTexts>& texts);
+  QWidget* MakeActions();
+  void AddChoiceRow(QGridLayout* grid, int key, QWidget* choices);
+  void AddField(QGridLayout* grid, int key, QPushButton* button = nullptr);
+  void Register(int key, QLineEdit* field);
+  QLabel* MakeHint(int key);
+  void ArrangeControls();
+  QString Name(const char* kind, int key) const;
+
+  // State
+  void Connect();
+  void Fill();
+  void FocusOnFirst();
+  void ApplyNumbers();
+  void ApplyHint(int key);
+  void PaintHints();
+
+  // Commands
+  void BrowseFolder(int key);
+  void BrowseFiler();
+  void ProposePattern();
+  void TryPattern();
+  void Save();
+  bool MaySave();
+  bool Settle();
+  bool AskWhoseValue(const EditDraft::Comparison::Conflict& conflict);
+  void TellOthersChanges();
+  void TellFailure(const platform::Result& failure);
+  void FocusOn(int key);
+  bool Ask(const std::string& question);
+  void Tell(const std::string& text, std::int32_t icon);
+
+  EditDraft& draft_;
+  const clsFileInfo& target_;
+  EditServices services_;
+
+  std::map<int, QLineEdit*> txt;
+  std::map<int, QCheckBox*> chk;
+  std::map<int, QCheckBox*> chkAction;              // by bit
+  std::map<int, std::map<int, QRadioButton*>> opt;  // by key and number
+  std::map<int, QPushButton*> cmdFolder;
+  std::map<int, QLabel*> hint;
+  std::vector<QWidget*> own_;  // what is dimmed while it is inherited
+  QComboBox* cboCharset = nullptr;
+  QPushButton* cmdFiler = nullptr;
+  QPushButton* cmdPropose = nullptr;
+  QPushButton* cmdTest = nullptr;
+  QPushButton* cmdOk = nullptr;
+  QPushButton* cmdCancel = nullptr;
+  bool is_filling_ = false;
+  bool is_busy_ = false;  // a window is open above this one
+};
 
 }  // namespace quendle

@@ -1,0 +1,212 @@
+// What the editor does when the user wants something.
+#include <QGuiApplication>
+#include <QInputMethod>
+#include <QLineEdit>
+#include <algorithm>
+
+#include "base/display.h"
+#include "base/modString.h"
+#include "base/reasons.h"
+#include "core/edit_keys.h"
+#include "core/profile_pattern.h"
+#include "platform/unicode.h"
+#include "resources/string_table.h"
+#include "ui/frmEdit.h"
+#include "ui/text.h"
+
+namespace quendle {
+namespace {
+
+constexpr const char* kLineBreak = "\r\n";
+
+std::string ListOfValues(const EditDraft& draft, const std::vector<int>& keys) {
+  std::string list;
+  for (const int key : keys) {
+    list.append(kLineBreak).append(KeyName(key)).append(": ").append(ValueText(key, draft.Stored(key)));
+  }
+  return list;
+}
+
+std::string ListOfNames(const std::vector<int>& keys) {
+  std::string list;
+  for (const int key : keys) list.append(list.empty() ? "" : "、").append(KeyName(key));
+  return list;
+}
+
+// No second command begins while a window is open above this one.
+class Busy {
+ public:
+  explicit Busy(bool* flag) : flag_(flag) { *flag_ = true; }
+  ~Busy() { *flag_ = false; }
+  Busy(const Busy&) = delete;
+  Busy& operator=(const Busy&) = delete;
+
+ private:
+  bool* flag_;
+};
+
+}  // namespace
+
+bool frmEdit::Ask(const std::string& question) {
+  return services_.show_message(question, kButtonsYesNo, kIconQuestion, "") == kAnswerYes;
+}
+
+void frmEdit::Tell(const std::string& text, std::int32_t icon) {
+  services_.show_message(text, kButtonsOk, icon, "");
+}
+
+void frmEdit::BrowseFolder(int key) {
+  const std::map<int, int> prompts = {{text_id::kExtractTo, text_id::kAskExtractFolder},
+                                      {text_id::kMoveTo, text_id::kAskMoveFolder},
+                                      {text_id::kCopyTo, text_id::kAskCopyFolder}};
+  const Busy busy(&is_busy_);
+  const std::string& typed = draft_.Text(key);
+  const std::string start = typed.empty() ? draft_.InheritedFolder(key) : typed;
+  const std::string picked = services_.pick_folder(this, LoadText(prompts.at(key)), start);
+  FocusOn(key);
+  if (picked.empty()) return;
+  if (!platform::IsUtf8(picked)) {
+    Tell(LoadText(6675, {ForDisplay(picked)}), kIconExclamation);
+    return;
+  }
+  txt[key]->setText(ToQt(draft_.PickedFolder(picked)));
+  txt[key]->selectAll();
+}
+
+void frmEdit::BrowseFiler() {
+  const Busy busy(&is_busy_);
+  FileDialogRequest request;
+  request.title = LoadText(6669);
+  request.filter = {{LoadText(6678), "*"}};
+  request.folder = SplitPath(draft_.Text(text_id::kFiler)).folder;
+  const std::string picked = services_.pick_file(this, request);
+  FocusOn(text_id::kFiler);
+  if (picked.empty()) return;
+  if (!platform::IsUtf8(picked)) {
+    Tell(LoadText(6675, {ForDisplay(picked)}), kIconExclamation);
+    return;
+  }
+  txt[text_id::kFiler]->setText(ToQt(picked));
+  txt[text_id::kFiler]->selectAll();
+}
+
+void frmEdit::ProposePattern() {
+  const Busy busy(&is_busy_);
+  std::string pattern = MakePatternFromTarget(target_);
+  if (target_.pFileNameLong().empty()) {
+    FileDialogRequest request;
+    request.title = LoadText(6679);
+    request.filter = {{LoadText(6678), "*"}};
+    const std::string picked = services_.pick_file(this, request);
+    if (picked.empty()) return;
+    clsFileInfo file;
+    if (!file.SetFilename(picked)) {
+      const platform::Result& failure = file.LastFailure();
+      Tell(ForDisplay(picked) + kLineBreak + InJapanese(failure.reason), kIconExclamation);
+      return;
+    }
+    pattern = MakePatternFromTarget(file);
+  }
+  txt[text_id::kPattern]->setText(ToQt(platform::WithReplacementCharacters(pattern)));
+  FocusOn(text_id::kPattern);
+  txt[text_id::kPattern]->selectAll();
+}
+
+void frmEdit::TryPattern() {
+  const Busy busy(&is_busy_);
+  services_.open_tester(this, draft_.Text(text_id::kPattern), target_.pFileNameLong());
+}
+
+void frmEdit::Save() {
+  if (is_busy_) return;
+  const Busy busy(&is_busy_);
+  QGuiApplication::inputMethod()->commit();  // what is being typed counts
+  if (!MaySave() || !Settle()) return;
+  const platform::Result saved = draft_.Save();
+  Fill();
+  if (!saved.ok()) {
+    TellFailure(saved);
+    return;
+  }
+  TellOthersChanges();
+  accept();
+}
+
+// Is what would be written fit to be written, or at least meant?
+bool frmEdit::MaySave() {
+  const std::vector<int> changed = draft_.ChangedKeys();
+  for (const int key : changed) {
+    const auto problem = draft_.ProblemOf(key);
+    if (!problem) continue;
+    const std::string text = KeyName(key) + ": " + problem->text;
+    if (problem->can_be_saved && Ask(LoadText(6681, {text}))) continue;
+    if (!problem->can_be_saved) Tell(LoadText(6680, {text}), kIconExclamation);
+    FocusOn(key);
+    return false;
+  }
+  const bool is_new = draft_.Mode() == clsPropItem::kEditingNew;
+  if (is_new && draft_.Text(text_id::kPattern).empty() && !Ask(LoadText(6682))) {
+    FocusOn(text_id::kPattern);
+    return false;
+  }
+  return true;
+}
+
+// Until the file holds nothing that the user does not know. The window shows what has come from the file.
+bool frmEdit::Settle() {
+  for (;;) {
+    const EditDraft::Comparison comparison = draft_.CompareWithFile();
+    Fill();
+    if (comparison.is_title_taken) {
+      Tell(LoadText(text_id::kSameProfileName), kIconCritical);
+      return false;
+    }
+    if (comparison.is_gone) {
+      if (!Ask(LoadText(6684, {ForDisplay(draft_.Title())}))) return false;
+      draft_.BecomeNew();
+      continue;
+    }
+    if (comparison.conflicts.empty()) return true;
+    for (const EditDraft::Comparison::Conflict& conflict : comparison.conflicts) {
+      if (!AskWhoseValue(conflict)) return false;
+    }
+  }
+}
+
+// False when the user wants to think about it.
+bool frmEdit::AskWhoseValue(const EditDraft::Comparison::Conflict& conflict) {
+  const int key = conflict.key;
+  const std::string question =
+      LoadText(6683, {KeyName(key), ValueText(key, draft_.Stored(key)), ValueText(key, conflict.theirs)});
+  const std::int32_t answer = services_.show_message(question, kButtonsYesNoCancel, kIconQuestion, "");
+  if (answer != kAnswerYes && answer != kAnswerNo) return false;
+  draft_.Settle(conflict, answer == kAnswerYes);
+  return true;
+}
+
+void frmEdit::TellOthersChanges() {
+  if (draft_.ChangedByOthers().empty()) return;
+  Tell(LoadText(6685, {ListOfValues(draft_, draft_.ChangedByOthers())}), kIconInformation);
+}
+
+void frmEdit::TellFailure(const platform::Result& failure) {
+  std::string text = LoadText(6686, {ForDisplay(failure.path), InJapanese(failure.reason)});
+  if (draft_.IsSaved()) text += kLineBreak + LoadText(6690, {ListOfNames(draft_.SavedKeys())});
+  Tell(text, kIconCritical);
+}
+
+void frmEdit::reject() {
+  if (is_busy_) return;
+  const Busy busy(&is_busy_);
+  QGuiApplication::inputMethod()->commit();
+  const std::vector<int> changed = draft_.ChangedKeys();
+  if (!changed.empty()) {
+    std::string question = LoadText(6676, {ListOfNames(changed)});
+    if (draft_.IsSaved())
+      question = LoadText(6690, {ListOfNames(draft_.SavedKeys())}) + kLineBreak + question;
+    if (!Ask(question)) return;
+  }
+  QDialog::reject();
+}
+
+}  // namespace quendle

@@ -1,0 +1,226 @@
+#include "core/edit_draft.h"
+
+#include <functional>
+#include <initializer_list>
+
+#include "base/text.h"
+#include "core/edit_keys.h"
+#include "core/pattern_problem.h"
+#include "resources/string_table.h"
+#include "support/settings.h"
+
+namespace quendle {
+namespace {
+
+using namespace text_id;
+
+constexpr std::int16_t kModes[] = {clsPropItem::kEditingProfile, clsPropItem::kEditingNew,
+                                   clsPropItem::kEditingStandard, clsPropItem::kEditingGeneral,
+                                   clsPropItem::kEditingTest};
+
+EditDraft DraftOf(const test::Settings& settings, std::int16_t mode, const std::string& title = "A") {
+  return EditDraft(mode, title, {settings.profiles, settings.standard, settings.test});
+}
+
+GTEST_TEST(EditDraft, NumbersCountAsTheSettingsReadThem) {
+  for (const char* id : {"0", "1", "-1", "yes"}) {
+    for (const char* text : {"", "0", "1", "2", "3", "7", "8", "-1", "1.4", "2.6", "x", "True"}) {
+      SCOPED_TRACE(std::string(id) + " " + text);
+      std::string keys;
+      for (const char* key :
+           {"Action", "SmartRename", "ExtractType", "SmartMakeDir", "OpenDir", "AutoCompDir"}) {
+        keys.append(key).append("=").append(text).append("\n");
+      }
+      test::Settings settings(std::string("[A]\nID=").append(id).append("\n").append(keys),
+                              "[General]\n" + keys);
+      settings.profiles.Title = "A";
+      const EditDraft own = DraftOf(settings, clsPropItem::kEditingProfile);
+      EXPECT_EQ(own.Number(kId), settings.profiles.ID());
+      EXPECT_EQ(own.Number(kAction), settings.profiles.ACTION());
+      EXPECT_EQ(own.Number(kSmartRename), settings.profiles.SMARTRENAME());
+      EXPECT_EQ(own.Number(kExtractType), settings.profiles.EXTRACTTYPE());
+      EXPECT_EQ(own.Number(kSmartMakeDir), settings.profiles.SMARTMAKEDIR());
+      EXPECT_EQ(own.Number(kOpenDir), settings.profiles.OPENDIR());
+      const EditDraft standard = DraftOf(settings, clsPropItem::kEditingStandard);
+      EXPECT_EQ(standard.Number(kAction), settings.standard.ACTION());
+      EXPECT_EQ(standard.Number(kSmartRename), settings.standard.SMARTRENAME());
+      EXPECT_EQ(standard.Number(kExtractType), settings.standard.EXTRACTTYPE());
+      EXPECT_EQ(standard.Number(kOpenDir), settings.standard.OPENDIR());
+      const EditDraft general = DraftOf(settings, clsPropItem::kEditingGeneral);
+      EXPECT_EQ(general.Number(kAutoCompDir), settings.standard.AUTOCOMPDIR());
+    }
+  }
+}
+
+GTEST_TEST(EditDraft, EveryTextComesBackAsItWasTyped) {
+  for (const char* text : {"plain", "  blanks\t", "\"quoted\"", "'quoted'", "\"half", "a=b;c", ";c", "[x]",
+                           "\"", "日本語 表", "한국어 𠮷 ¥ ‾ 〜 — é", "%1", "a\\b\\"}) {
+    for (const std::int16_t mode : kModes) {
+      SCOPED_TRACE(std::string(text) + " in mode " + std::to_string(mode));
+      const test::Settings settings("[A]\nOther=1\n[B]\nPattern=b\n", "[General]\n", "[General]\n");
+      const std::string title = mode == clsPropItem::kEditingNew ? "N" : "A";
+      EditDraft draft = DraftOf(settings, mode, title);
+      for (const int key : draft.Keys()) {
+        const auto kind = RuleOf(key).kind;
+        if (kind == EditKey::Kind::kText) draft.SetText(key, text);
+        if (kind == EditKey::Kind::kFolder) draft.SetText(key, std::string("/").append(text));
+        if (kind == EditKey::Kind::kFlag) draft.SetNumber(key, 1 - draft.Number(key));
+      }
+      ASSERT_TRUE(draft.Save().ok());
+      const std::int16_t again = mode == clsPropItem::kEditingNew ? std::int16_t{1} : mode;
+      const EditDraft read = DraftOf(settings, again, title);
+      for (const int key : draft.Keys()) {
+        EXPECT_EQ(read.Text(key), draft.Text(key)) << LoadText(key);
+        EXPECT_TRUE(RuleOf(key).kind != EditKey::Kind::kText || read.Text(key) == text) << LoadText(key);
+      }
+      EXPECT_EQ(DraftOf(settings, clsPropItem::kEditingProfile, "B").Text(kPattern), "b");
+    }
+  }
+}
+
+GTEST_TEST(EditDraft, OnlyWhatChangedIsWritten) {
+  const std::string before =
+      "[A]\nOther=x\nID=-1\nAction=9\nMoveTo=rel/../x\nOpenDir=True\nPattern= a \n\n[B]\nID=0\n";
+  const struct {
+    const char* name;
+    std::function<void(EditDraft&)> change;
+    const char* old_text;
+    const char* new_text;
+  } rows[] = {
+      {"nothing", [](EditDraft&) {}, "", ""},
+      {"the same again",
+       [](EditDraft& draft) {
+         for (const int key : draft.Keys()) {
+           draft.SetText(key, draft.Text(key));
+           if (RuleOf(key).kind != EditKey::Kind::kText && RuleOf(key).kind != EditKey::Kind::kFolder) {
+             draft.SetNumber(key, draft.Number(key));
+           }
+         }
+       },
+       "", ""},
+      {"there and back",
+       [](EditDraft& draft) {
+         draft.SetNumber(kId, 0);
+         draft.SetNumber(kId, 1);
+         draft.SetNumber(kOpenDir, 0);
+         draft.SetNumber(kOpenDir, 1);
+       },
+       "", ""},
+      {"a number", [](EditDraft& draft) { draft.SetNumber(kAction, 6); }, "Action=9", "Action=6"},
+      {"a text to nothing", [](EditDraft& draft) { draft.SetText(kPattern, ""); }, "Pattern= a ", "Pattern="},
+      {"a missing key", [](EditDraft& draft) { draft.SetText(kInclude, "*.c"); }, " a \n",
+       " a \nInclude=*.c\n"},
+      {"back to the standard", [](EditDraft& draft) { draft.SetNumber(kId, 0); }, "ID=-1", "ID=0"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const test::Settings settings(before);
+    EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
+    row.change(draft);
+    EXPECT_TRUE(draft.Save().ok());
+    std::string expected = before;
+    const std::string old_text = row.old_text;
+    if (!old_text.empty()) expected.replace(expected.find(old_text), old_text.size(), row.new_text);
+    EXPECT_EQ(test::ReadFile(settings.folder / "items.ini"), expected);
+    EXPECT_EQ(draft.IsSaved(), !old_text.empty());
+  }
+}
+
+GTEST_TEST(EditDraft, OwnSettingsBeginWithTheInheritedOnes) {
+  const test::Settings settings("[A]\nSmartRename=2\n", "[General]\nAction=5\nOpenDir=1\nSmartRename=1\n");
+  EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
+  EXPECT_TRUE(draft.IsInherited(kAction));
+  EXPECT_EQ(draft.Number(kSmartRename), 1);
+  draft.SetNumber(kId, 1);
+  EXPECT_FALSE(draft.IsInherited(kAction));
+  EXPECT_EQ(draft.Number(kAction), 5);
+  EXPECT_EQ(draft.Number(kSmartRename), 2);
+  EXPECT_EQ(draft.ChangedKeys(), (std::vector<int>{kId, kAction, kOpenDir}));
+  draft.SetNumber(kId, 0);
+  EXPECT_EQ(draft.ChangedKeys(), std::vector<int>());
+}
+
+GTEST_TEST(EditDraft, FoldersStandForOthersAndTakeTheTitle) {
+  const test::Settings settings("[a/b]\n[A]\n", "[General]\nMoveTo=/m\n", "[General]\nExtractTo=/t\n");
+  const EditDraft profile = DraftOf(settings, clsPropItem::kEditingProfile, "a/b");
+  EXPECT_EQ(profile.InheritedFolder(kMoveTo), "/m");
+  EXPECT_EQ(profile.InheritedFolder(kCopyTo), "/standard");
+  EXPECT_EQ(profile.PickedFolder("/x"), "/x/a／b");
+  EXPECT_EQ(DraftOf(settings, clsPropItem::kEditingNew, "..").PickedFolder("/x"), "/x");
+  const EditDraft standard = DraftOf(settings, clsPropItem::kEditingStandard);
+  EXPECT_EQ(standard.InheritedFolder(kMoveTo), "/standard");
+  EXPECT_EQ(standard.PickedFolder("/x"), "/x");
+  const test::Settings plain("[A]\n", "[General]\nAutoCompDir=0\n");
+  EXPECT_EQ(DraftOf(plain, clsPropItem::kEditingProfile).PickedFolder("/x"), "/x");
+}
+
+GTEST_TEST(EditDraft, ProblemsAreFound) {
+  const struct {
+    int key;
+    std::string text;
+    const char* problem;  // its beginning
+    bool can_be_saved;
+  } rows[] = {
+      {kMoveTo, "", "", false},
+      {kMoveTo, "/a/..b/c", "", false},
+      {kMoveTo, "a/b", "フォルダが絶対パス", false},
+      {kMoveTo, "/a/../b", "フォルダの指定に「..」", false},
+      {kMoveTo, "/a/..", "フォルダの指定に「..」", false},
+      {kMoveTo, "/" + std::string(1020, 'x'), "", false},
+      {kMoveTo, "/" + std::string(1021, 'x'), "長すぎて", false},
+      {kInclude, "*.c\n*.d", "改行", false},
+      {kExclude, std::string(1022, 'x'), "長すぎて", false},
+      {kPattern, ".*\\.zip", "", false},
+      {kPattern, "日本(", "3 文字目: 閉じ括弧", true},
+      {kPattern, std::string(1022, '('), "長すぎて", false},
+  };
+  const test::Settings settings("[A]\n");
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.text.substr(0, 20));
+    EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
+    draft.SetText(row.key, row.text);
+    const auto problem = draft.ProblemOf(row.key);
+    EXPECT_EQ(problem.has_value(), *row.problem != '\0');
+    if (!problem) continue;
+    EXPECT_EQ(problem->text.rfind(row.problem, 0), 0U) << problem->text;
+    EXPECT_EQ(problem->can_be_saved, row.can_be_saved);
+  }
+  EditDraft general = DraftOf(settings, clsPropItem::kEditingGeneral);
+  general.SetText(kArchiveCharset, "EUC-JP");
+  EXPECT_FALSE(general.ProblemOf(kArchiveCharset).has_value());
+  general.SetText(kArchiveCharset, "EUC-XX");
+  EXPECT_TRUE(general.ProblemOf(kArchiveCharset).value().can_be_saved);
+}
+
+GTEST_TEST(EditDraft, PatternProblemsSpeakTheUsersLanguage) {
+  for (const char* pattern : {"a)", "[a", "*a", "a\\", "[z-a]", "a{2,1}", "a{99999}", "(a"}) {
+    const std::string problem = PatternProblem(pattern);
+    EXPECT_NE(problem.find(" 文字目: "), std::string::npos) << pattern;
+    const std::string reason = problem.substr(problem.find(": ") + 2);
+    EXPECT_GE(static_cast<unsigned char>(reason.front()), 0x80) << problem;
+  }
+  EXPECT_EQ(PatternProblem("(?<n>a)|(?<n>b)").rfind("13 文字目: ", 0), 0U)
+      << PatternProblem("(?<n>a)|(?<n>b)");
+}
+
+// A value that is too long for the settings is not cut by editing another one, and can be made shorter.
+GTEST_TEST(EditDraft, LongValuesAreShownWhole) {
+  const std::string longest(3000, 'x');
+  const test::Settings settings("[A]\nInclude=" + longest + "\n");
+  EXPECT_EQ(DraftOf(settings, clsPropItem::kEditingProfile).Text(kInclude), longest);
+}
+
+GTEST_TEST(EditDraft, FailureSaysWhereAndWhyAndKeepsTheRest) {
+  const test::Settings settings("[A]\n\n");
+  EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
+  draft.SetText(kPattern, "p");
+  draft.SetText(kInclude, "a\nb");
+  const platform::Result failure = draft.Save();
+  EXPECT_EQ(failure.path, settings.folder / "items.ini");
+  EXPECT_EQ(failure.reason, "the value contains a line break or NUL");
+  EXPECT_EQ(draft.SavedKeys(), std::vector<int>{kPattern});
+  EXPECT_EQ(draft.ChangedKeys(), std::vector<int>{kInclude});
+}
+
+}  // namespace
+}  // namespace quendle
