@@ -98,6 +98,8 @@ void frmAction::Connect() {
 void frmAction::changeEvent(QEvent* event) {
   QDialog::changeEvent(event);
   if (event->type() == QEvent::PaletteChange && lbl[8] != nullptr) PaintMarks();
+  // Whoever comes back may have made room for a file, or put one in its way.
+  if (event->type() == QEvent::ActivationChange && isActiveWindow() && plan_ != nullptr) SchedulePlan(0);
 }
 
 void frmAction::showEvent(QShowEvent* event) {

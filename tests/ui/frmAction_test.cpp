@@ -331,10 +331,17 @@ GTEST_TEST(FrmAction, PlanFollowsWhatIsChosen) {
   const test::TempFolder to;
   ActionWindow opened(MovingTo(to.path()), {"a.txt"});
   EXPECT_EQ(opened.Plan(), "移動 → " + to / "a.txt");
-  test::WriteFile(to / "a.txt", "taken");
+  {
+    QWidget other;
+    other.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    test::WriteFile(to / "a.txt", "taken");
+  }
+  opened.window->activateWindow();
+  const std::string asks = "移動 → " + to / "a.txt（同じ名前のものがあるため、上書きするか確認します）";
+  EXPECT_EQ(opened.Plan(), asks);
   opened.Click(opened.chk(2));
-  EXPECT_EQ(opened.Plan(), "コピー → /standard/a.txt\n移動 → " +
-                               to / "a.txt（同じ名前のものがあるため、上書きするか確認します）");
+  EXPECT_EQ(opened.Plan(), "コピー → /standard/a.txt\n" + asks);
   opened.Click(opened.chk(2));
   opened.txt(2)->setFocus();
   opened.txt(2)->clear();
