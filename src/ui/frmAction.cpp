@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QEvent>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
@@ -194,9 +195,11 @@ void frmAction::ApplyFolder() {
   for (QWidget* control : controls) control->setVisible(is_file);
   mnuEdit[11]->setVisible(is_file);
   mnuEdit[16]->setVisible(is_file);
+  for (QGroupBox* frame : fra) frame->layout()->activate();
   body_->layout()->activate();
   layout()->activate();
   setFixedHeight(layout()->totalSizeHint().height());
+  if (isVisible()) KeepOnScreen(this);
 }
 
 void frmAction::SchedulePlan(int milliseconds) {

@@ -2,6 +2,7 @@
 
 #include <QGroupBox>
 #include <QMenu>
+#include <QScreen>
 #include <QTimer>
 
 #include "ui/action_window.h"
@@ -200,20 +201,26 @@ GTEST_TEST(FrmAction, ControlsShowTheView) {
 }
 
 GTEST_TEST(FrmAction, FolderHasNoExtraction) {
-  ActionWindow opened(kItems, {"d/", "a.all"}, 1);
+  ActionWindow opened(kItems, {"d/", "a.all", "e/"}, 1);
   const int full_height = [] { return ActionWindow(kItems, {"a.all"}, 1).window->height(); }();
-  EXPECT_EQ(opened.window->windowTitle(), "1/2 - フォルダ");
+  EXPECT_EQ(opened.window->windowTitle(), "1/3 - フォルダ");
   for (const char* name : {"fra(1)", "fra(2)", "lbl(1)", "chk(0)", "txt(1)", "cmd(3)", "cmd(2)"}) {
     EXPECT_FALSE(opened.Get<QWidget>(name)->isVisible()) << name;
   }
   EXPECT_FALSE(opened.Get<QAction>("mnuEdit(11)")->isVisible());
-  EXPECT_LT(opened.window->height(), full_height);
+  const int height = opened.window->height();
+  EXPECT_LT(height, full_height);
+  const int lower_edge = opened.window->screen()->availableGeometry().bottom();
+  opened.window->move(0, lower_edge - height);
   opened.Press(Qt::Key_1, Qt::ControlModifier);
   EXPECT_EQ(opened.run.mover->ACTION & 1, 0);
   opened.Click(opened.cmd(0));
-  EXPECT_EQ(opened.window->windowTitle(), "2/2 - A");
+  EXPECT_EQ(opened.window->windowTitle(), "2/3 - A");
   EXPECT_TRUE(opened.chk(0)->isVisible());
   EXPECT_EQ(opened.window->height(), full_height);
+  EXPECT_LE(opened.window->frameGeometry().bottom(), lower_edge);
+  opened.Click(opened.cmd(0));
+  EXPECT_EQ(opened.window->height(), height);
 }
 
 GTEST_TEST(FrmAction, RunGoesThroughAllPaths) {
