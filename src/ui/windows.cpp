@@ -7,6 +7,7 @@
 #include "resources/version.h"
 #include "ui/form_helpers.h"
 #include "ui/frmAction.h"
+#include "ui/held_keys.h"
 #include "ui/pictures.h"
 #include "ui/qt_texts.h"
 #include "ui/qt_user.h"
@@ -52,6 +53,7 @@ QtWindows::QtWindows(const WindowsHost& host) : host_(host) {
                      [] { QApplication::setWindowIcon(Picture("quendle")); });
   QApplication::setFont(DialogFont());
   InstallQtTexts(&application_);
+  TellHeldKeys(&application_);
   user_ = MakeQtUser(host_);
   if (host_.copy != nullptr) {
     ListenTo(host_.copy->WaitHandle(), [this](QSocketNotifier*) {
