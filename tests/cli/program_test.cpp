@@ -23,11 +23,12 @@ struct Ended {
 };
 
 // Runs the program by the shell with `arguments` as they stand, in `folder`, with the settings in folder/s.
-Ended RunProgram(const test::TempFolder& folder, const std::string& arguments) {
+Ended RunProgram(const test::TempFolder& folder, const std::string& arguments,
+                 const std::string& variables = "") {
   const std::string command = "cd '" + folder.path() +
-                              "' && unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM; QUENDLE_HOME='" +
-                              folder / "s" + "' '" QUENDLE_PROGRAM "' " + arguments + " >'" + folder / "out" +
-                              "' 2>'" + folder / "err" + "' </dev/null";
+                              "' && unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM; " + variables +
+                              " QUENDLE_HOME='" + folder / "s" + "' '" QUENDLE_PROGRAM "' " + arguments +
+                              " >'" + folder / "out" + "' 2>'" + folder / "err" + "' </dev/null";
   const int status = std::system(command.c_str());
   return {WEXITSTATUS(status), test::ReadFile(folder / "out"), test::ReadFile(folder / "err")};
 }
@@ -74,6 +75,20 @@ GTEST_TEST(Program, ExitStatusAndStreams) {
     EXPECT_NE(ended.err.find(row.err), std::string::npos) << ended.err;
     EXPECT_EQ(ended.out.empty(), *row.out == '\0') << ended.out;
     EXPECT_EQ(ended.err.empty(), *row.err == '\0') << ended.err;
+  }
+}
+
+GTEST_TEST(Program, WithoutADisplayThatAnswersNoWindowIsTried) {
+  test::TempFolder folder;
+  WriteSettings(folder, "[Texts]\r\nPattern=.*\\.txt\r\nID=1\r\nAction=2\r\n");
+  for (const char* variables : {"QT_QPA_PLATFORM=xcb", "DISPLAY=:9999", "DISPLAY=:9999 QT_QPA_PLATFORM=xcb",
+                                "WAYLAND_DISPLAY=/nowhere"}) {
+    SCOPED_TRACE(variables);
+    fs::remove(folder / "m/a.txt");
+    test::WriteFile(folder / "a.txt", "x");
+    const Ended ended = RunProgram(folder, "--confirm a.txt", variables);
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_NE(ended.err.find("no window can be shown here"), std::string::npos) << ended.err;
   }
 }
 
