@@ -4,6 +4,7 @@
 
 #include "base/display.h"
 #include "base/modString.h"
+#include "platform/keyboard.h"
 #include "platform/library.h"
 #include "platform/process.h"
 
@@ -88,6 +89,11 @@ void LazyWindows::OpenFile(const std::string& path, const std::string& untrusted
 }
 
 std::unique_ptr<Windows> LoadWindows(const WindowsHost& host, std::string* reason) {
+  // It may have ended since the program began, and a toolkit that does not find it would end the process.
+  if (!platform::HasDisplay()) {
+    *reason = "the display does not answer";
+    return nullptr;
+  }
   const std::string path =
       AddBackslash(FindModuleFolder()) + kWindowsLibrary + std::string(platform::kLibrarySuffix);
   std::unique_ptr<platform::Library> library;

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "base/display.h"
+#include "base/modString.h"
 #include "base/text.h"
 #include "cli/lazy_windows.h"
 #include "cli/start.h"
@@ -12,6 +13,7 @@
 #include "core/action_form.h"
 #include "core/modMain.h"
 #include "platform/keyboard.h"
+#include "platform/paths.h"
 #include "platform/process.h"
 #include "platform/running_copy.h"
 #include "resources/string_table.h"
@@ -23,7 +25,9 @@ namespace {
 // True when this is the first copy, or nobody can tell, which must not keep anybody from working.
 bool BecomeFirst(const Options& options, const SettingsFolders& folders,
                  std::unique_ptr<platform::RunningCopy>* copy) {
-  const platform::Result claim = platform::RunningCopy::Claim(folders.application, copy);
+  // However its path is written, a folder with settings is one.
+  const std::string key = platform::WithRealFolder(AddBackslash(folders.application));
+  const platform::Result claim = platform::RunningCopy::Claim(key, copy);
   if (!claim.ok()) {
     TerminalUser::Warn(claim.path + ": whether another copy is running cannot be found out: " + claim.reason);
     return true;

@@ -163,7 +163,7 @@ bool ActionForm::Execute() {
     return !Fill();
   }
   std::string problem = view_.problem;
-  if (problem.empty() && !title.empty() && !mover.ProfileIsAsRead(title)) {
+  if (problem.empty() && !title.empty() && !(mover.ProfileIsAsRead(title) && MarksHold())) {
     problem = InJapanese("the profile has been changed or removed, or cannot be read any more");
   }
   if (!problem.empty()) {

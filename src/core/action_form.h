@@ -130,6 +130,7 @@ class ActionForm {
   void ComputeFields();
   void UpdateView();
   void UpdateMarks();
+  bool MarksHold();
   std::string TitleText() const;
   void ReportFailure();
   void NoteUndone(const std::string& path, const std::string& reason);

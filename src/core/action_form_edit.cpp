@@ -160,6 +160,13 @@ void ActionForm::UpdateMarks() {
   view_.marks = {items.INCLUDE(), items.EXCLUDE(), items.OPENFILE()};
 }
 
+// An extraction reads them from the store, and is to do what the user has seen.
+bool ActionForm::MarksHold() {
+  const std::array<std::string, 3> shown = view_.marks;
+  UpdateMarks();
+  return view_.marks == shown;
+}
+
 std::string ActionForm::TitleText() const {
   const clsMover& mover = environment_.mover;
   const std::string counter =

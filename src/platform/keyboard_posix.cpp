@@ -120,8 +120,10 @@ bool IsKeyDown(Key key) {
 }
 
 bool HasDisplay() {
+  const std::string place = EnvironmentVariable("QT_QPA_PLATFORM").value_or("");
+  if (place == "xcb") return AnswersOnX();
   // Somebody who says where windows go is believed: not every place is a server that could be asked.
-  return EnvironmentVariable("QT_QPA_PLATFORM") || AnswersOnWayland() || AnswersOnX();
+  return !place.empty() || AnswersOnWayland() || AnswersOnX();
 }
 
 }  // namespace quendle::platform

@@ -25,7 +25,7 @@ Result AppearedMeanwhile(const std::string& path) {
 StagedEntry::StagedEntry(const std::string& destination)
     : destination_(destination), path_(TemporaryPath(destination)) {}
 
-StagedEntry::~StagedEntry() {
+void StagedEntry::Clear() {
   if (under_path_ == Under::kNewEntry) DiscardTree(path_);
   if (under_path_ == Under::kReplacedFile) unlink(path_.c_str());
 }

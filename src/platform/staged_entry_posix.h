@@ -8,15 +8,16 @@
 #include "platform/descriptor_posix.h"
 #include "platform/result.h"
 #include "platform/trash_posix.h"
+#include "platform/undone_at_exit.h"
 
 namespace quendle::platform {
 
-// What is under the temporary name when the object goes is removed: a half-made copy, or what a complete one
-// replaced.
-class StagedEntry {
+// What is under the temporary name is removed when the object goes, or the process by std::exit: a half-made
+// copy, or what a complete one replaced.
+class StagedEntry final : private UndoneAtExit {
  public:
   explicit StagedEntry(const std::string& destination);
-  ~StagedEntry();
+  ~StagedEntry() { Clear(); }
   StagedEntry(const StagedEntry&) = delete;
   StagedEntry& operator=(const StagedEntry&) = delete;
 
@@ -36,6 +37,8 @@ class StagedEntry {
  private:
   enum class Under { kNothing, kNewEntry, kReplacedFile };
 
+  void Clear();
+  void UndoAtExit() override { Clear(); }
   Result Swap(const struct stat& replaced);
 
   const std::string destination_;

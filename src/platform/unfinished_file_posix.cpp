@@ -40,7 +40,7 @@ UnfinishedFile::UnfinishedFile(FolderHandle folder, std::string temporary_name, 
       shown_(std::move(shown)),
       file_(std::move(file)) {}
 
-UnfinishedFile::~UnfinishedFile() {
+void UnfinishedFile::Clear() {
   if (!has_its_name_) unlinkat(folder_->get(), temporary_name_.c_str(), 0);
 }
 

@@ -12,18 +12,19 @@
 #include "platform/extraction_folder.h"
 #include "platform/open_folders_posix.h"
 #include "platform/result.h"
+#include "platform/undone_at_exit.h"
 
 namespace quendle::platform {
 
 timespec SystemTime(const EntryTime& time);
 
-// Removed when the object goes, unless it has got its own name by then.
-class UnfinishedFile {
+// Removed when the object goes, or the process by std::exit, unless it has got its own name by then.
+class UnfinishedFile final : private UndoneAtExit {
  public:
   // `shown` is the path that failures name.
   static Result Make(FolderHandle folder, const std::string& temporary_name, std::string shown,
                      std::unique_ptr<UnfinishedFile>* made);
-  ~UnfinishedFile();
+  ~UnfinishedFile() { Clear(); }
   UnfinishedFile(const UnfinishedFile&) = delete;
   UnfinishedFile& operator=(const UnfinishedFile&) = delete;
 
@@ -41,6 +42,9 @@ class UnfinishedFile {
 
  private:
   UnfinishedFile(FolderHandle folder, std::string temporary_name, std::string shown, Descriptor file);
+
+  void Clear();
+  void UndoAtExit() override { Clear(); }
 
   FolderHandle folder_;
   std::string temporary_name_;

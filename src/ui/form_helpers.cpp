@@ -132,4 +132,11 @@ void CentreOnScreen(QWidget* form) {
   form->move(std::max(place.left(), available.left()), std::max(place.top(), available.top()));
 }
 
+void KeepOnScreen(QWidget* form) {
+  const QRect available = form->screen()->availableGeometry();
+  const QRect place = form->frameGeometry();
+  const int top = std::max(available.top(), available.bottom() + 1 - place.height());
+  if (top < place.top()) form->move(place.left(), top);
+}
+
 }  // namespace quendle

@@ -43,4 +43,7 @@ void EnableDropOnControls(QWidget* form);
 // In the middle of the screen that has the pointer, and no larger than it.
 void CentreOnScreen(QWidget* form);
 
+// Moves a window that has grown up until its lower edge is on the screen, but not beyond the upper one.
+void KeepOnScreen(QWidget* form);
+
 }  // namespace quendle

@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QEvent>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
@@ -98,6 +99,8 @@ void frmAction::Connect() {
 void frmAction::changeEvent(QEvent* event) {
   QDialog::changeEvent(event);
   if (event->type() == QEvent::PaletteChange && lbl[8] != nullptr) PaintMarks();
+  // Whoever comes back may have made room for a file, or put one in its way.
+  if (event->type() == QEvent::ActivationChange && isActiveWindow() && plan_ != nullptr) SchedulePlan(0);
 }
 
 void frmAction::showEvent(QShowEvent* event) {
@@ -199,9 +202,11 @@ void frmAction::ApplyFolder() {
   for (QWidget* control : controls) control->setVisible(is_file);
   mnuEdit[11]->setVisible(is_file);
   mnuEdit[16]->setVisible(is_file);
+  for (QGroupBox* frame : fra) frame->layout()->activate();
   body_->layout()->activate();
   layout()->activate();
   setFixedHeight(layout()->totalSizeHint().height());
+  if (isVisible()) KeepOnScreen(this);
 }
 
 void frmAction::SchedulePlan(int milliseconds) {

@@ -56,7 +56,6 @@ bool frmAction::eventFilter(QObject* watched, QEvent* event) {
       const auto& key = *static_cast<QKeyEvent*>(event);
       const std::function<void()> command = CommandOf(key);
       if (!command) return false;
-      // A key that is held down must not go through all paths of the run.
       if (!key.isAutoRepeat()) command();
       return true;
     }
@@ -80,11 +79,6 @@ bool frmAction::eventFilter(QObject* watched, QEvent* event) {
 // Empty for a key that is left to the controls.
 std::function<void()> frmAction::CommandOf(const QKeyEvent& key) {
   const Qt::KeyboardModifiers modifiers = key.modifiers() & ~Qt::KeypadModifier;
-  if (modifiers == Qt::NoModifier && key.isAutoRepeat()) {
-    const bool ends_path =
-        key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter || key.key() == Qt::Key_Escape;
-    if (ends_path) return [] {};
-  }
   if (modifiers != Qt::ControlModifier) return {};
   switch (key.key()) {
     case Qt::Key_Return:

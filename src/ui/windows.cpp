@@ -10,6 +10,7 @@
 #include "ui/frmAction.h"
 #include "ui/frmEdit.h"
 #include "ui/frmMain.h"
+#include "ui/held_keys.h"
 #include "ui/pictures.h"
 #include "ui/qt_texts.h"
 #include "ui/qt_user.h"
@@ -56,6 +57,7 @@ QtWindows::QtWindows(const WindowsHost& host) : host_(host) {
                      [] { QApplication::setWindowIcon(Picture("quendle")); });
   QApplication::setFont(DialogFont());
   InstallQtTexts(&application_);
+  TellHeldKeys(&application_);
   user_ = MakeQtUser(host_);
   if (host_.copy != nullptr) {
     ListenTo(host_.copy->WaitHandle(), [this](QSocketNotifier*) {

@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -22,11 +23,12 @@ struct Ended {
 };
 
 // Runs the program by the shell with `arguments` as they stand, in `folder`, with the settings in folder/s.
-Ended RunProgram(const test::TempFolder& folder, const std::string& arguments) {
+Ended RunProgram(const test::TempFolder& folder, const std::string& arguments,
+                 const std::string& variables = "") {
   const std::string command = "cd '" + folder.path() +
-                              "' && unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM; QUENDLE_HOME='" +
-                              folder / "s" + "' '" QUENDLE_PROGRAM "' " + arguments + " >'" + folder / "out" +
-                              "' 2>'" + folder / "err" + "' </dev/null";
+                              "' && unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM; " + variables +
+                              " QUENDLE_HOME='" + folder / "s" + "' '" QUENDLE_PROGRAM "' " + arguments +
+                              " >'" + folder / "out" + "' 2>'" + folder / "err" + "' </dev/null";
   const int status = std::system(command.c_str());
   return {WEXITSTATUS(status), test::ReadFile(folder / "out"), test::ReadFile(folder / "err")};
 }
@@ -73,6 +75,20 @@ GTEST_TEST(Program, ExitStatusAndStreams) {
     EXPECT_NE(ended.err.find(row.err), std::string::npos) << ended.err;
     EXPECT_EQ(ended.out.empty(), *row.out == '\0') << ended.out;
     EXPECT_EQ(ended.err.empty(), *row.err == '\0') << ended.err;
+  }
+}
+
+GTEST_TEST(Program, WithoutADisplayThatAnswersNoWindowIsTried) {
+  test::TempFolder folder;
+  WriteSettings(folder, "[Texts]\r\nPattern=.*\\.txt\r\nID=1\r\nAction=2\r\n");
+  for (const char* variables : {"QT_QPA_PLATFORM=xcb", "DISPLAY=:9999", "DISPLAY=:9999 QT_QPA_PLATFORM=xcb",
+                                "WAYLAND_DISPLAY=/nowhere"}) {
+    SCOPED_TRACE(variables);
+    fs::remove(folder / "m/a.txt");
+    test::WriteFile(folder / "a.txt", "x");
+    const Ended ended = RunProgram(folder, "--confirm a.txt", variables);
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_NE(ended.err.find("no window can be shown here"), std::string::npos) << ended.err;
   }
 }
 
@@ -141,6 +157,35 @@ GTEST_TEST(Program, OnlyTenPathsWithoutBatch) {
   EXPECT_NE(ended.err.find("f21: left out"), std::string::npos) << ended.err;
   EXPECT_TRUE(fs::exists(folder / "m/f19"));
   EXPECT_TRUE(fs::exists(folder / "f20"));
+}
+
+GTEST_TEST(Program, OneCopyForEachFolderWithSettings) {
+  test::TempFolder folder;
+  WriteSettings(folder, "[Texts]\r\nPattern=.*\\.txt\r\nID=1\r\nAction=2\r\n");
+  fs::copy(folder / "s", folder / "other");
+  fs::create_directory_symlink(folder / "s", folder / "link");
+  fs::create_directory(folder / "run");
+  fs::permissions(folder / "run", fs::perms::owner_all);
+  const std::string windowed =
+      "XDG_RUNTIME_DIR='" + folder / "run" + "' QT_QPA_PLATFORM=offscreen '" QUENDLE_PROGRAM "' --settings ";
+  const auto start = [&](const std::string& command) {
+    return std::system(("cd '" + folder.path() + "' || exit; exec >>err 2>&1; " + command).c_str());
+  };
+  test::WriteFile(folder / "a.txt", "x");
+  ASSERT_EQ(start(windowed + "s --confirm a.txt & echo $! >first"), 0);
+  const auto listens = [&] {
+    const auto in = fs::directory_iterator(folder / "run");
+    return std::any_of(begin(in), end(in), [](const auto& entry) { return entry.is_socket(); });
+  };
+  for (int i = 0; i < 20'000 && !listens(); ++i) usleep(1000);
+  for (const std::string settings : {"s", "./s", "s//", "link", "link/../s", "other"}) {
+    SCOPED_TRACE(settings);
+    test::WriteFile(folder / "b.txt", "x");
+    EXPECT_EQ(WEXITSTATUS(start(windowed + settings + " b.txt")), settings == "other" ? 0 : 1);
+    EXPECT_EQ(fs::exists(folder / "b.txt"), settings != "other");
+  }
+  EXPECT_NE(test::ReadFile(folder / "err").find("another copy is running"), std::string::npos);
+  EXPECT_EQ(start("kill $(cat first)"), 0);
 }
 
 GTEST_TEST(Program, DamagedSettingsGetAClearLine) {

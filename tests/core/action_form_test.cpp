@@ -266,6 +266,7 @@ GTEST_TEST(ActionForm, RefusesWhatIsNoLongerAsItWasShown) {
   const std::string changed = kMove + "[other]\nPattern=.*txt\nID=1\nAction=4\nCopyTo=~/c\n";
   const std::string too_long =
       "[one]\nPattern=.*txt\nID=1\nAction=7\nMoveTo=/" + std::string(1030, 'x') + "\n";
+  const std::string extract = "[one]\nPattern=.*txt\nID=1\nAction=1\nExtractTo=~/x\n";
   const struct {
     const char* what;
     std::string before;
@@ -278,13 +279,15 @@ GTEST_TEST(ActionForm, RefusesWhatIsNoLongerAsItWasShown) {
       {"pattern", kMove, "[one]\nPattern=.*t\n", "one: プロファイルが変更または削除", "1/1 - one"},
       {"too long", too_long, too_long, "one: フォルダの指定が長すぎて", "1/1 - one"},
       {"mended", too_long, changed, "one: フォルダの指定が長すぎて", "1/1 - one"},
+      {"entries", extract, extract + "Exclude=b\n", "one: プロファイルが変更または削除", "1/1 - one"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
-    Bench bench({"a.txt"}, row.before);
+    Bench bench({"a.txt"}, row.before, "CheckArchive=1\n");
+    bench.run.archiver->type = 1;
     ASSERT_TRUE(bench.form.Advance());
-    EXPECT_EQ(bench.form.View().problem.empty(), row.before == kMove);
-    EXPECT_EQ(bench.form.Plan().empty(), row.before != kMove);
+    EXPECT_EQ(bench.form.View().problem.empty(), row.before != too_long);
+    EXPECT_EQ(bench.form.Plan().empty(), row.before == too_long);
     bench.SetItems(row.after);
     EXPECT_FALSE(bench.form.Execute());
     ASSERT_EQ(bench.run.user.messages.size(), 1U);

@@ -105,7 +105,7 @@ TEST_P(Copying, KeepsMetadataHolesAndHardLinks) {
   }
 }
 
-TEST_P(Copying, ACancelLeavesBothSidesAsTheyWere) {
+TEST_P(Copying, ACancelOrAnExitLeavesBothSidesAsTheyWere) {
   WriteFile(source_ / "big", std::string(kBig, 'b'));
   WriteFile(source_ / "tree/a/big", std::string(kBig, 'b'));
   WriteFile(source_ / "tree/b/small", "s");
@@ -124,6 +124,12 @@ TEST_P(Copying, ACancelLeavesBothSidesAsTheyWere) {
     };
     EXPECT_EQ(Run(row.name).code, Code::kCancelled);
     EXPECT_EQ(observer_.reports > 1, row.report > 1 || row.bytes > 0);
+    observer_.reports = 0;
+    observer_.on_progress = [&](const FileProgress& progress) {
+      if (observer_.reports >= row.report && progress.bytes_done >= row.bytes) std::exit(3);
+      return true;
+    };
+    EXPECT_EXIT((void)Run(row.name), testing::ExitedWithCode(3), "");
     EXPECT_EQ(Picture(source_.path()), before);
     EXPECT_TRUE(Picture(destination_.path()).empty());
   }

@@ -346,5 +346,13 @@ TEST_F(ExtractionFolderTest, AKillLeavesNothingIncompleteUnderItsName) {
   EXPECT_EQ(inside, (Entries{{"old", "file old"}, {"whole", "file whole"}}));
 }
 
+TEST_F(ExtractionFolderTest, AnExitLeavesNothingIncomplete) {
+  const auto exit_half_way = [&] {
+    if (Extract("whole", "whole").ok() && folder_->BeginFile("d/half", 1 << 20).ok()) std::exit(3);
+  };
+  EXPECT_EXIT(exit_half_way(), testing::ExitedWithCode(3), "");
+  EXPECT_EQ(Inside(), (Entries{{"d", "folder"}, {"whole", "file whole"}}));
+}
+
 }  // namespace
 }  // namespace quendle::platform

@@ -2,6 +2,7 @@
 
 #include <QGroupBox>
 #include <QMenu>
+#include <QScreen>
 #include <QTimer>
 
 #include "ui/action_window.h"
@@ -82,13 +83,30 @@ GTEST_TEST(FrmAction, KeysThatEndAPath) {
 
 GTEST_TEST(FrmAction, AHeldKeyEndsNoPath) {
   ActionWindow opened(MovingTo("/m"), {"a.txt", "b.txt"});
-  for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
-    for (const auto modifiers : {Qt::NoModifier, Qt::ControlModifier}) {
-      QKeyEvent held(QEvent::KeyPress, key, modifiers, "", true);
-      QApplication::sendEvent(opened.window->focusWidget(), &held);
-    }
+  const struct {
+    Qt::Key key;
+    Qt::KeyboardModifiers modifiers;
+    quint64 pressed_again;  // milliseconds after it was let go
+    const char* title;
+    bool is_ticked;
+  } rows[] = {{Qt::Key_Return, Qt::NoModifier, 0, "1/2 - M", true},
+              {Qt::Key_Escape, Qt::NoModifier, 0, "1/2 - M", true},
+              {Qt::Key_Return, Qt::ControlModifier, 0, "1/2 - M", true},
+              {Qt::Key_2, Qt::ControlModifier, 0, "1/2 - M", true},
+              {Qt::Key_2, Qt::ControlModifier, 60, "1/2 - M", false},
+              {Qt::Key_Escape, Qt::NoModifier, 60, "2/2 - M", true}};
+  quint64 now = 1000;
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.key);
+    // As an X server sends it, without a mark that it is a repetition.
+    QKeyEvent release(QEvent::KeyRelease, row.key, row.modifiers);
+    QKeyEvent press(QEvent::KeyPress, row.key, row.modifiers);
+    release.setTimestamp(now += 500);
+    press.setTimestamp(now += row.pressed_again);
+    for (QKeyEvent* event : {&release, &press}) QApplication::sendEvent(opened.window->windowHandle(), event);
+    EXPECT_EQ(opened.window->windowTitle(), row.title);
+    EXPECT_EQ(opened.chk(1)->isChecked(), row.is_ticked);
   }
-  EXPECT_EQ(opened.window->windowTitle(), "1/2 - M");
 }
 
 GTEST_TEST(FrmAction, MnemonicsReachTheirControls) {
@@ -183,20 +201,26 @@ GTEST_TEST(FrmAction, ControlsShowTheView) {
 }
 
 GTEST_TEST(FrmAction, FolderHasNoExtraction) {
-  ActionWindow opened(kItems, {"d/", "a.all"}, 1);
+  ActionWindow opened(kItems, {"d/", "a.all", "e/"}, 1);
   const int full_height = [] { return ActionWindow(kItems, {"a.all"}, 1).window->height(); }();
-  EXPECT_EQ(opened.window->windowTitle(), "1/2 - フォルダ");
+  EXPECT_EQ(opened.window->windowTitle(), "1/3 - フォルダ");
   for (const char* name : {"fra(1)", "fra(2)", "lbl(1)", "chk(0)", "txt(1)", "cmd(3)", "cmd(2)"}) {
     EXPECT_FALSE(opened.Get<QWidget>(name)->isVisible()) << name;
   }
   EXPECT_FALSE(opened.Get<QAction>("mnuEdit(11)")->isVisible());
-  EXPECT_LT(opened.window->height(), full_height);
+  const int height = opened.window->height();
+  EXPECT_LT(height, full_height);
+  const int lower_edge = opened.window->screen()->availableGeometry().bottom();
+  opened.window->move(0, lower_edge - height);
   opened.Press(Qt::Key_1, Qt::ControlModifier);
   EXPECT_EQ(opened.run.mover->ACTION & 1, 0);
   opened.Click(opened.cmd(0));
-  EXPECT_EQ(opened.window->windowTitle(), "2/2 - A");
+  EXPECT_EQ(opened.window->windowTitle(), "2/3 - A");
   EXPECT_TRUE(opened.chk(0)->isVisible());
   EXPECT_EQ(opened.window->height(), full_height);
+  EXPECT_LE(opened.window->frameGeometry().bottom(), lower_edge);
+  opened.Click(opened.cmd(0));
+  EXPECT_EQ(opened.window->height(), height);
 }
 
 GTEST_TEST(FrmAction, RunGoesThroughAllPaths) {
@@ -314,10 +338,17 @@ GTEST_TEST(FrmAction, PlanFollowsWhatIsChosen) {
   const test::TempFolder to;
   ActionWindow opened(MovingTo(to.path()), {"a.txt"});
   EXPECT_EQ(opened.Plan(), "移動 → " + to / "a.txt");
-  test::WriteFile(to / "a.txt", "taken");
+  {
+    QWidget other;
+    other.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    test::WriteFile(to / "a.txt", "taken");
+  }
+  opened.window->activateWindow();
+  const std::string asks = "移動 → " + to / "a.txt（同じ名前のものがあるため、上書きするか確認します）";
+  EXPECT_EQ(opened.Plan(), asks);
   opened.Click(opened.chk(2));
-  EXPECT_EQ(opened.Plan(), "コピー → /standard/a.txt\n移動 → " +
-                               to / "a.txt（同じ名前のものがあるため、上書きするか確認します）");
+  EXPECT_EQ(opened.Plan(), "コピー → /standard/a.txt\n" + asks);
   opened.Click(opened.chk(2));
   opened.txt(2)->setFocus();
   opened.txt(2)->clear();

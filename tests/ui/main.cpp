@@ -3,9 +3,12 @@
 
 #include <QApplication>
 
+#include "ui/held_keys.h"
+
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-  const QApplication application(argc, argv);
+  QApplication application(argc, argv);
+  quendle::TellHeldKeys(&application);
   return RUN_ALL_TESTS();
 }
