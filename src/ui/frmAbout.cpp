@@ -5,7 +5,6 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QScreen>
-#include <QScrollBar>
 #include <QShortcut>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
@@ -102,10 +101,10 @@ frmAbout::frmAbout(QWidget* owner, const std::string& module_folder)
   lblCopyright->setText(ToQt(CopyrightText()));
   lst->setAccessibleName(Text(6516));
   lst->setItemDelegate(new ColumnDelegate(lst));
+  lst->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents);
   lst->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
   ArchiverLibraries libraries(module_folder);
   for (const char* name : kLibraries) lst->addItem(ToQt(LibraryLine(name, &libraries)));
-  lst->setCurrentRow(0);
   cmd->setDefault(true);
   connect(cmd, &QPushButton::clicked, this, &QDialog::accept);
   connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_W), this), &QShortcut::activated, this,
@@ -123,19 +122,14 @@ void frmAbout::LayOut() {
   foot->addWidget(cmd);
   auto* column = new QVBoxLayout(this);
   column->addLayout(head);
+  column->addSpacing(column->spacing());
   column->addWidget(lst, 1);
   column->addLayout(foot);
 
   ApplyFormFont(this, true);
   lst->setFont(FixedPitchFont());
   cmd->setMinimumWidth(fontMetrics().horizontalAdvance(cmd->text()) + kButtonPadding);
-  // All rows, and on a screen that is wide enough their whole text.
-  const int frame = 2 * lst->frameWidth();
-  lst->setMinimumHeight(lst->count() * lst->sizeHintForRow(0) + frame +
-                        lst->horizontalScrollBar()->sizeHint().height());
-  const int margins = column->contentsMargins().left() + column->contentsMargins().right();
-  const QSize wanted(lst->sizeHintForColumn(0) + frame + margins, 0);
-  resize(wanted.expandedTo(sizeHint()).boundedTo(screen()->availableSize()));
+  resize(sizeHint().boundedTo(screen()->availableSize()));
   cmd->setFocus();
 }
 
