@@ -68,6 +68,7 @@ QCheckBox* frmEdit::MakeCheckBox(int key) {
 void frmEdit::AddChoiceRow(QGridLayout* grid, int key, QWidget* choices) {
   auto* label = new QLabel(Text(RuleOf(key).label), this);
   label->setToolTip(Text(RuleOf(key).tool_tip));
+  choices->setAccessibleName(ToQt(KeyName(key)));
   label->setMinimumHeight(choices->findChild<QAbstractButton*>()->sizeHint().height());
   const int row = grid->rowCount();
   grid->addWidget(label, row, kLabelColumn, Qt::AlignTop);
