@@ -6,7 +6,7 @@
 #include "base/modString.h"
 #include "base/modSystem.h"
 #include "base/text.h"
-#include "platform/code_page.h"
+#include "core/profile_match.h"
 #include "platform/known_folders.h"
 #include "platform/paths.h"
 #include "platform/unicode.h"
@@ -16,13 +16,6 @@ namespace quendle {
 namespace {
 
 constexpr const char* kArchiveExtensions[] = {"LZH", "ZIP", "CAB", "RAR", "EXE", "7Z"};
-
-// The settings give no more than 1,023 bytes of a value, so one of that length may have been longer.
-constexpr std::size_t kLongestValue = 1023;
-
-bool MayBeCut(const std::string& value) {
-  return platform::CutToAnsiBytes(value, kLongestValue - 2).size() < value.size();
-}
 
 bool HasArchiveExtension(const std::string& extension) {
   const std::string upper = platform::UpperCase(extension);
@@ -85,16 +78,14 @@ void clsMover::SetItemDataToArray() {
     }
     items.Title = title;
     std::string pattern = items.pattern();
-    Regex expression =
-        MayBeCut(pattern) ? Regex::Unusable("it is too long to be read whole") : Regex(pattern);
+    Regex expression = ProfileRegex(pattern);
     ProfileIndex.push_back({std::move(title), std::move(pattern), std::move(expression)});
   }
   items.EDITMODE = clsPropItem::kNotEditing;
 }
 
 std::vector<std::string> clsMover::GetAccordantTitles() {
-  const std::string subject =
-      platform::UpperCase(platform::WithReplacementCharacters(environment_.file_info.pFileNameLong()));
+  const std::string subject = MatchSubject(environment_.file_info.pFileNameLong());
   std::vector<std::string> titles = {"", LoadText(text_id::kNoProfile)};
   for (const ProfileIndexEntry& profile : ProfileIndex) {
     if (profile.expression.MatchWhole(subject) == RegexAnswer::kWhole) titles.push_back(profile.Title);
