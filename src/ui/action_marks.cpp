@@ -71,7 +71,7 @@ void ActionMarks::paint(QPainter* painter, const QStyleOptionViewItem& option,
   painter->setClipRect(cell.rect);
   painter->setRenderHint(QPainter::Antialiasing);
   painter->setFont(MarkFont(cell.font));
-  painter->setOpacity(row.inherits_action ? 0.45 : 1.0);
+  painter->setOpacity(row.inherits_action ? 0.55 : 1.0);
   const QFontMetrics metrics(painter->font());
   const int height = std::min(metrics.height() + 2, cell.rect.height() - 2);
   int x = cell.rect.left() + kMargin;

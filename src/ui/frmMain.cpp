@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QItemSelection>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTreeView>
 #include <unordered_set>
@@ -22,7 +23,6 @@
 #include "ui/frmRegex.h"
 #include "ui/modListBox.h"
 #include "ui/text.h"
-#include "ui/wrapped_label.h"
 
 namespace quendle {
 namespace {
@@ -34,6 +34,8 @@ constexpr int kNoMatches = 6743;
 constexpr int kNoProfiles = 6750;
 constexpr int kNoHits = 6751;
 constexpr int kUnreadable = 6752;
+constexpr int kHintWidth =
+    240;  // of what was typed, in logical pixels: a word that is too long is not wrapped
 
 }  // namespace
 
@@ -70,7 +72,7 @@ frmMain::frmMain(clsPropItem& items, const clsPropDefault& standard, MainService
   RestoreLooks();
   Connect();
   Refresh();
-  if (model_.rowCount() > 0) view_->setCurrentIndex(model_.index(0, 0));
+  if (model_.rowCount() > 0) SelectRow(0);
   view_->setFocus();
 }
 
@@ -136,7 +138,7 @@ bool frmMain::HandleFieldKey(QLineEdit* field, int key) {
   if (key != Qt::Key_Down && key != Qt::Key_Return && key != Qt::Key_Enter) return false;
   view_->setFocus(Qt::TabFocusReason);
   if (!view_->selectionModel()->hasSelection() && model_.rowCount() > 0) {
-    view_->setCurrentIndex(model_.index(0, 0));
+    SelectRow(0);
   }
   return true;
 }
@@ -167,11 +169,18 @@ void frmMain::Refresh(const std::string& select) {
   UpdateTexts();
 }
 
+// Alone, whatever keys are down at the moment.
+void frmMain::SelectRow(int row) {
+  const QModelIndex index = model_.index(row, 0);
+  view_->selectionModel()->setCurrentIndex(index,
+                                           QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+  view_->scrollTo(index);
+}
+
 bool frmMain::SelectTitle(const std::string& title) {
   const int row = FindListString(model_, ForDisplay(title), -1);
   if (row < 0) return false;
-  view_->setCurrentIndex(model_.index(row, 0));
-  view_->scrollTo(model_.index(row, 0));
+  SelectRow(row);
   return true;
 }
 
@@ -228,6 +237,7 @@ void frmMain::UpdateCommands() {
                              (command.needs == Needs::kSome && selected > 0) || selected == 1;
     command.action->setEnabled(is_possible);
   }
+  open_button_->setEnabled(selected == 1);
 }
 
 void frmMain::UpdateTexts() {
@@ -242,9 +252,10 @@ void frmMain::UpdateHint() {
   } else if (list_.Rows().empty()) {
     text = LoadText(kNoProfiles);
   } else if (model_.rowCount() == 0) {
-    text = LoadText(kNoHits, {FromQt(filter_->text())});
+    const QString wanted = hint_->fontMetrics().elidedText(filter_->text(), Qt::ElideMiddle, kHintWidth);
+    text = LoadText(kNoHits, {FromQt(wanted)});
   }
-  hint_->setText(ToQt(text));
+  hint_->setText(ToQt(text).remove('\r'));
   hint_->setVisible(!text.empty());
 }
 

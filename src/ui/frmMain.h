@@ -16,14 +16,15 @@
 
 class QDropEvent;
 class QEventLoop;
+class QLabel;
 class QLineEdit;
 class QMenu;
+class QToolBar;
 class QTreeView;
 
 namespace quendle {
 
 class ElidedLabel;
-class WrappedLabel;
 
 // Shows it until the user closes it.
 void RunProfileList(const WindowsHost& host);
@@ -78,6 +79,8 @@ class frmMain : public QMainWindow {
   void MakeProfileMenu();
   void MakeOtherMenus();
   void MakeToolBar();
+  void AddOpenButton(QToolBar* bar);
+  void MakeContextMenu();
   QLayout* MakeFields();
   void LetKeysBeTheLists(QAction* action);
   void Connect();
@@ -87,6 +90,7 @@ class frmMain : public QMainWindow {
 
   // State
   void Refresh(const std::string& select = "");
+  void SelectRow(int row);
   bool SelectTitle(const std::string& title);
   void Select(const std::vector<std::string>& titles, const std::string& current);
   std::vector<std::string> SelectedTitles() const;
@@ -126,8 +130,9 @@ class frmMain : public QMainWindow {
   QLineEdit* filter_ = nullptr;
   QLineEdit* test_ = nullptr;
   ElidedLabel* status_ = nullptr;
-  WrappedLabel* hint_ = nullptr;  // in place of rows
-  QMenu* profile_menu_ = nullptr;
+  QLabel* hint_ = nullptr;  // in place of rows
+  QMenu* context_menu_ = nullptr;
+  QWidget* open_button_ = nullptr;
   std::vector<Command> commands_;
   QString stamp_;             // of the files when they were read
   std::string read_problem_;  // why there are no rows

@@ -160,7 +160,7 @@ void frmMain::Remove() {
   }
   Refresh();
   if (model_.rowCount() == 0 || view_->selectionModel()->hasSelection()) return;
-  view_->setCurrentIndex(model_.index(std::min(first, model_.rowCount() - 1), 0));
+  SelectRow(std::min(first, model_.rowCount() - 1));
 }
 
 void frmMain::OpenFolder(std::size_t kind) {

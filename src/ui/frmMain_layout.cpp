@@ -18,13 +18,12 @@
 #include "ui/frmMain.h"
 #include "ui/pictures.h"
 #include "ui/text.h"
-#include "ui/wrapped_label.h"
 
 namespace quendle {
 namespace {
 
 // At first, in characters of average width.
-constexpr int kColumnCharacters[ProfileModel::kColumns] = {22, 20, 26, 0, 24, 24, 24};
+constexpr int kColumnCharacters[ProfileModel::kColumns] = {14, 13, 16, 0, 12, 12, 12};
 constexpr QSize kFirstSize(960, 520);
 constexpr int kFilterPlaceholder = 6731;
 constexpr int kFilterName = 6730;
@@ -41,6 +40,7 @@ constexpr struct {
     {"rename", "rename", 6762}, {"duplicate", "duplicate", 6763},
     {"remove", "remove", 6764},
 };
+constexpr const char* kOpenCommands[kActionRows] = {"openExtract", "openMove", "openCopy"};
 constexpr int kOpenButton = 6765;
 
 }  // namespace
@@ -61,9 +61,11 @@ void frmMain::MakeControls() {
   view_->setTextElideMode(Qt::ElideMiddle);
   view_->setContextMenuPolicy(Qt::CustomContextMenu);
   view_->setItemDelegateForColumn(ProfileModel::kAction, new ActionMarks(model_, view_));
-  hint_ = new WrappedLabel(view_->viewport());
+  hint_ = new QLabel(view_->viewport());
   hint_->setObjectName("hint");
   hint_->setAlignment(Qt::AlignCenter);
+  hint_->setTextFormat(Qt::PlainText);
+  hint_->setWordWrap(true);
   hint_->setAttribute(Qt::WA_TransparentForMouseEvents);
   hint_->setForegroundRole(QPalette::PlaceholderText);
   status_ = new ElidedLabel(this);
@@ -121,10 +123,11 @@ void frmMain::LetKeysBeTheLists(QAction* action) {
 void frmMain::MakeMenus() {
   MakeProfileMenu();
   MakeOtherMenus();
+  MakeContextMenu();
 }
 
 void frmMain::MakeProfileMenu() {
-  QMenu* menu = profile_menu_ = MakeMenu(1001);
+  QMenu* menu = MakeMenu(1001);
   AddCommand(menu, 1101, "add", {QKeySequence("Ctrl+N"), QKeySequence("Ins")}, Needs::kNothing,
              [this] { Add(); });
   LetKeysBeTheLists(AddCommand(menu, 1102, "edit",
@@ -135,11 +138,10 @@ void frmMain::MakeProfileMenu() {
   LetKeysBeTheLists(
       AddCommand(menu, 1105, "remove", {QKeySequence("Del")}, Needs::kSome, [this] { Remove(); }));
   menu->addSeparator();
-  const char* const names[kActionRows] = {"openExtract", "openMove", "openCopy"};
   for (std::size_t kind = 0; kind < kActionRows; ++kind) {
     const int number = static_cast<int>(kind) + 1;
-    AddCommand(menu, 1110 + number, names[kind], {QKeySequence(QString("Ctrl+%1").arg(number))}, Needs::kOne,
-               [this, kind] { OpenFolder(kind); });
+    AddCommand(menu, 1110 + number, kOpenCommands[kind], {QKeySequence(QString("Ctrl+%1").arg(number))},
+               Needs::kOne, [this, kind] { OpenFolder(kind); });
   }
   menu->addSeparator();
   AddCommand(menu, 1121, "tester", {QKeySequence("Ctrl+T")}, Needs::kNothing, [this] { OpenTester(); });
@@ -185,18 +187,33 @@ void frmMain::MakeToolBar() {
   }
   bar->insertSeparator(findChild<QAction*>("remove"));
   bar->addSeparator();
+  AddOpenButton(bar);
+  addToolBar(bar);
+}
+
+void frmMain::AddOpenButton(QToolBar* bar) {
   auto* open = new QToolButton(bar);
   open->setText(Text(kOpenButton));
   open->setToolTip(Text(kOpenTip));
   open->setIcon(Picture("folder"));
   open->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
   open->setPopupMode(QToolButton::InstantPopup);
-  for (const char* name : {"openExtract", "openMove", "openCopy"}) {
-    open->addAction(findChild<QAction*>(name));
-  }
-  open->setObjectName("open");
+  for (const char* name : kOpenCommands) open->addAction(findChild<QAction*>(name));
   bar->addWidget(open);
-  addToolBar(bar);
+  open_button_ = open;
+}
+
+void frmMain::MakeContextMenu() {
+  context_menu_ = new QMenu(this);
+  context_menu_->setObjectName("context");
+  for (const char* name : {"edit", "rename", "duplicate", "remove", "", "openExtract", "openMove", "openCopy",
+                           "", "tester", "", "add", "selectAll", "refresh"}) {
+    if (*name == '\0') {
+      context_menu_->addSeparator();
+    } else {
+      context_menu_->addAction(findChild<QAction*>(name));
+    }
+  }
 }
 
 void frmMain::RestoreLooks() {
@@ -236,7 +253,7 @@ void frmMain::ShowContextMenu(const QPoint& position) {
       QGuiApplication::mouseButtons() == Qt::NoButton && view_->indexAt(position).isValid()) {
     place = QPoint(position.x(), row.bottom());
   }
-  profile_menu_->popup(view_->viewport()->mapToGlobal(place));
+  context_menu_->popup(view_->viewport()->mapToGlobal(place));
 }
 
 }  // namespace quendle

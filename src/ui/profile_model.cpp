@@ -37,8 +37,13 @@ const ProfileRow::Folder& FolderOf(const ProfileRow& row, int column) {
   return row.folders[static_cast<std::size_t>(column - ProfileModel::kExtractFolder)];
 }
 
+// Paler than text, but not too pale to be read.
 QColor DimColour() {
-  return QGuiApplication::palette().color(QPalette::Disabled, QPalette::Text);
+  const QPalette theme = QGuiApplication::palette();
+  const QColor text = theme.color(QPalette::Text);
+  const QColor base = theme.color(QPalette::Base);
+  const auto mix = [](int a, int b) { return (a * 55 + b * 45) / 100; };
+  return QColor(mix(text.red(), base.red()), mix(text.green(), base.green()), mix(text.blue(), base.blue()));
 }
 
 }  // namespace
