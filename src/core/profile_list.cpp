@@ -25,7 +25,7 @@ constexpr int kTitleBroken = 6705;
 constexpr std::int16_t kActionBits[kActionRows] = {1, 2, 4};
 
 std::string SearchedText(const ProfileRow& row) {
-  std::string text = row.title + "\n" + row.pattern;
+  std::string text = std::string(row.title).append("\n").append(row.pattern);
   for (const ProfileRow::Folder& folder : row.folders) {
     if (folder.is_used) text.append("\n").append(folder.path);
   }
@@ -156,7 +156,7 @@ std::string ProfileList::TitleForCopy(const std::string& title) const {
   const std::vector<std::string> titles = Titles();
   const std::string base = WithoutNumber(title);
   for (int number = 2;; ++number) {
-    std::string copy = base + " (" + std::to_string(number) + ")";
+    std::string copy = std::string(base).append(" (").append(std::to_string(number)).append(")");
     if (!Contains(titles, copy)) return copy;
   }
 }
