@@ -31,8 +31,8 @@ class Regex {
   //   ("", "") => kWhole                ("(", "A") => kError                ("(a+)+\d", 255 "a"s) => kError
   RegexAnswer MatchWhole(std::string_view subject) const;
 
-  // After kNotWhole: does the pattern match some characters of the name, but not all? What profiles need is the
-  // answer above; this one tells their author what is missing.
+  // After kNotWhole: does the pattern match some characters of the name, but not all? What profiles need is
+  // the answer above; this one tells their author what is missing.
   //   ("\.zip", "A.ZIP") => true    ("A|AB", "ab") => true    ("b", "A.ZIP") => false    ("b*", "A") => false
   bool MatchesPart(std::string_view subject) const;
 

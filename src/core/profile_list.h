@@ -1,6 +1,6 @@
-// The list of profiles without its widgets: what its rows show, which of them a filter and a name on trial leave or
-// mark, and the commands that change the store. Commands work by title and look at the store as it is at that moment,
-// since other programs may have edited it.
+// The list of profiles without its widgets: what its rows show, which of them a filter and a name on trial
+// leave or mark, and the commands that change the store. Commands work by title and look at the store as it
+// is at that moment, since other programs may have edited it.
 #pragma once
 
 #include <array>
@@ -19,8 +19,8 @@
 
 namespace quendle {
 
-// Why no profile may have this title, as a sentence for the user; empty when one may. Whether another one has it is
-// not looked at.
+// Why no profile may have this title, as a sentence for the user; empty when one may. Whether another one has
+// it is not looked at.
 std::string TitleProblem(const std::string& title);
 
 struct ProfileRow {
@@ -67,8 +67,8 @@ class ProfileList {
   // Fails when no profile has a title that is spelled like that (any more).
   platform::Result CheckThere(const std::string& title) const;
 
-  // Why a profile may not be given that title, for the user; empty when it may. `old_title`: the profile that has
-  // that title now, which may be spelled anew.
+  // Why a profile may not be given that title, for the user; empty when it may. `old_title`: the profile that
+  // has that title now, which may be spelled anew.
   std::string NewTitleProblem(const std::string& title, const std::string& old_title = "") const;
 
   // A free title for a copy: "a" => "a (2)", "a (2)" => "a (3)"

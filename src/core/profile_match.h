@@ -14,8 +14,8 @@ bool MayBeCut(const std::string& value);
 // The pattern of a profile, which cannot be used when it may be cut.
 Regex ProfileRegex(const std::string& pattern);
 
-// What the patterns are matched against, by Regex::MatchWhole: the name in upper case, made valid UTF-8. `name` is
-// the last component of the path.
+// What the patterns are matched against, by Regex::MatchWhole: the name in upper case, made valid UTF-8.
+// `name` is the last component of the path.
 std::string MatchSubject(std::string_view name);
 
 }  // namespace quendle

@@ -36,9 +36,9 @@ namespace quendle::platform {
 std::string ReadProfileString(const std::string& file, const std::string& section, const std::string& key,
                               const std::string& fallback, std::size_t buffer_bytes);
 
-// Calls `visit` with each section of the file as it is now, in file order, also those whose name is there already,
-// with its keys and values as they stand: not cut, and those too that a key of the same name hides. What is handed
-// over is valid during the call.
+// Calls `visit` with each section of the file as it is now, in file order, also those whose name is there
+// already, with its keys and values as they stand: not cut, and those too that a key of the same name hides.
+// What is handed over is valid during the call.
 using ProfileKeys = std::vector<std::pair<std::string_view, std::string_view>>;
 using ProfileSectionVisitor = std::function<void(std::string_view name, const ProfileKeys& keys)>;
 void VisitProfileSections(const std::string& file, const ProfileSectionVisitor& visit);

@@ -44,8 +44,8 @@ class clsPropItem {
   // All titles in ascending order (SortStrings), which is the order of profiles everywhere, and their number.
   std::int32_t EnumSection(std::vector<std::string>* titles) const;
 
-  // All profiles in that order, each title once: of several sections only the first is ever read. The file is read once,
-  // not once for each property.
+  // All profiles in that order, each title once: of several sections only the first is ever read. The file is
+  // read once, not once for each property.
   std::vector<ProfileSummary> Summaries() const;
 
   // Writes the keys of one profile under another title, which the caller has made sure no profile has.

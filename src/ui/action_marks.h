@@ -7,8 +7,8 @@
 
 namespace quendle {
 
-// Each action has a place of its own, so that marks stand in columns. They are pale when the profile takes its
-// actions from the standard settings.
+// Each action has a place of its own, so that marks stand in columns. They are pale when the profile takes
+// its actions from the standard settings.
 class ActionMarks : public QStyledItemDelegate {
  public:
   ActionMarks(const ProfileModel& model, QObject* parent) : QStyledItemDelegate(parent), model_(model) {}

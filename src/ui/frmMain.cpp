@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QContextMenuEvent>
 #include <QDateTime>
 #include <QEventLoop>
 #include <QFileInfo>
@@ -121,6 +122,11 @@ void frmMain::changeEvent(QEvent* event) {
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {
   if (watched == view_->viewport() && event->type() == QEvent::Resize) {
     hint_->setGeometry(view_->viewport()->rect().adjusted(24, 12, -24, -12));
+  }
+  if (watched == view_ && event->type() == QEvent::ContextMenu &&
+      static_cast<QContextMenuEvent*>(event)->reason() == QContextMenuEvent::Keyboard) {
+    ShowContextMenuAtRow();
+    return true;
   }
   if (event->type() != QEvent::KeyPress) return QMainWindow::eventFilter(watched, event);
   const int key = static_cast<QKeyEvent*>(event)->key();

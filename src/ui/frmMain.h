@@ -87,6 +87,7 @@ class frmMain : public QMainWindow {
   void RestoreLooks();
   void KeepLooks() const;
   void ShowContextMenu(const QPoint& position);
+  void ShowContextMenuAtRow();
 
   // State
   void Refresh(const std::string& select = "");

@@ -1,7 +1,6 @@
 // What the list of profiles consists of.
 #include <QAction>
 #include <QBoxLayout>
-#include <QGuiApplication>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -246,14 +245,13 @@ void frmMain::KeepLooks() const {
 }
 
 void frmMain::ShowContextMenu(const QPoint& position) {
-  // Asked for with the key, it belongs to the row and not to where the pointer happens to be.
-  QPoint place = position;
+  context_menu_->popup(view_->viewport()->mapToGlobal(position));
+}
+
+// Asked for with the key, it belongs to the row and not to where the pointer happens to be.
+void frmMain::ShowContextMenuAtRow() {
   const QRect row = view_->visualRect(view_->currentIndex());
-  if (view_->viewport()->rect().contains(position) && !row.isEmpty() && !row.contains(position) &&
-      QGuiApplication::mouseButtons() == Qt::NoButton && view_->indexAt(position).isValid()) {
-    place = QPoint(position.x(), row.bottom());
-  }
-  context_menu_->popup(view_->viewport()->mapToGlobal(place));
+  ShowContextMenu(view_->viewport()->rect().intersects(row) ? row.bottomLeft() : QPoint(0, 0));
 }
 
 }  // namespace quendle

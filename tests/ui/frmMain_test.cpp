@@ -21,7 +21,7 @@ namespace quendle {
 namespace {
 
 const std::string kItems =
-    "[b]\nPattern=.*\\.zip\nID=1\nAction=3\nExtractTo=/x\nMoveTo=/m\n"
+    "[b]\nPattern=.*\\.zip\nID=1\nAction=3\nExtractTo=/x\nMoveTo=/no/such\n"
     "[A]\nPattern=.*\\.(zip|lzh)\nID=0\nCopyTo=/own\n"
     "[c]\nPattern=(\nID=1\nAction=0\n";
 
@@ -130,7 +130,7 @@ GTEST_TEST(FrmMain, ShowsWhatProfilesDo) {
   EXPECT_EQ(main.Column(ProfileModel::kPattern), ".*\\.(zip|lzh);.*\\.zip;(");
   EXPECT_EQ(main.Column(ProfileModel::kAction), "コピー;解凍・移動;何もしない");
   EXPECT_EQ(main.Column(ProfileModel::kExtractFolder), ";/x;");
-  EXPECT_EQ(main.Column(ProfileModel::kMoveFolder), ";/m;");
+  EXPECT_EQ(main.Column(ProfileModel::kMoveFolder), ";/no/such;");
   EXPECT_EQ(main.Column(ProfileModel::kCopyFolder), "/own;;");
   const QAbstractItemModel& model = *main.view->model();
   EXPECT_TRUE(model.index(0, ProfileModel::kAction).data(Qt::ForegroundRole).isValid());
@@ -181,7 +181,13 @@ GTEST_TEST(FrmMain, KeysAndClicksReachTheirCommands) {
       {"context menu",
        [](MainWindow& m) {
          const QPoint place = m.view->visualRect(m.view->model()->index(1, 0)).center();
-         QContextMenuEvent event(QContextMenuEvent::Mouse, place, m.view->viewport()->mapToGlobal(place));
+         const QPoint on_screen = m.view->viewport()->mapToGlobal(place);
+         QContextMenuEvent by_key(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+         QCoreApplication::sendEvent(m.view, &by_key);
+         ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+         EXPECT_LT((QApplication::activePopupWidget()->pos() - on_screen).manhattanLength(), 150);
+         QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+         QContextMenuEvent event(QContextMenuEvent::Mouse, place, on_screen);
          QCoreApplication::sendEvent(m.view->viewport(), &event);
          ASSERT_NE(QApplication::activePopupWidget(), nullptr);
          QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_E);
@@ -225,7 +231,7 @@ GTEST_TEST(FrmMain, RenamesAndDuplicates) {
   main.Press(Qt::Key_D, Qt::ControlModifier);
   EXPECT_EQ(main.Column(), "A;B;B (2);c");
   EXPECT_EQ(main.Selected(), "B (2)");
-  EXPECT_EQ(main.Column(ProfileModel::kMoveFolder), ";/m;/m;");
+  EXPECT_EQ(main.Column(ProfileModel::kMoveFolder), ";/no/such;/no/such;");
 }
 
 GTEST_TEST(FrmMain, RemovesWhatTheUserAgreedTo) {
@@ -328,7 +334,7 @@ GTEST_TEST(FrmMain, FailuresAreTold) {
   main.ClickRow(1);
   main.Press(Qt::Key_2, Qt::ControlModifier);
   ASSERT_EQ(main.messages.size(), 1U);
-  EXPECT_TRUE(main.messages[0].ends_with("/m"));
+  EXPECT_TRUE(main.messages[0].ends_with("/no/such"));
   std::filesystem::remove(main.settings.profiles.FileName());
   std::filesystem::create_directory(main.settings.profiles.FileName());
   main.Press(Qt::Key_Delete);
