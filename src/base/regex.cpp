@@ -54,6 +54,11 @@ std::string ErrorText(int code) {
   return reinterpret_cast<const char*>(text);
 }
 
+// In UTF-8, behind its first byte.
+bool IsInsideCharacter(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
 PCRE2_SPTR Units(std::string_view text) {
   return reinterpret_cast<PCRE2_SPTR>(text.data());
 }
@@ -90,6 +95,21 @@ RegexAnswer Regex::MatchWhole(std::string_view subject) const {
   }
   const PCRE2_SIZE* bounds = pcre2_get_ovector_pointer(engine.data);
   return bounds[0] == 0 && bounds[1] == subject.size() ? RegexAnswer::kWhole : RegexAnswer::kNotWhole;
+}
+
+bool Regex::MatchesPart(std::string_view subject) const {
+  if (code_ == nullptr) return false;
+  Engine& engine = SharedEngine();
+  for (std::size_t begin = 0; begin < subject.size(); ++begin) {
+    if (IsInsideCharacter(subject[begin])) continue;
+    const int found = pcre2_match(static_cast<const pcre2_code*>(code_.get()), Units(subject), subject.size(),
+                                  begin, 0, engine.data, engine.match);
+    if (found == PCRE2_ERROR_NOMATCH) continue;
+    if (found < 0) return false;
+    const PCRE2_SIZE* bounds = pcre2_get_ovector_pointer(engine.data);
+    if (bounds[1] > bounds[0]) return true;
+  }
+  return false;
 }
 
 }  // namespace quendle

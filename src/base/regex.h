@@ -31,6 +31,11 @@ class Regex {
   //   ("", "") => kWhole                ("(", "A") => kError                ("(a+)+\d", 255 "a"s) => kError
   RegexAnswer MatchWhole(std::string_view subject) const;
 
+  // After kNotWhole: does the pattern match some characters of the name, but not all? What profiles need is
+  // the answer above; this one tells their author what is missing.
+  //   ("\.zip", "A.ZIP") => true    ("A|AB", "ab") => true    ("b", "A.ZIP") => false    ("b*", "A") => false
+  bool MatchesPart(std::string_view subject) const;
+
   // Why an answer was kError, as one line: the compiler's words with the position in the pattern, or that the
   // limit was reached, which is remembered through later answers. Empty while there was no such answer.
   const std::string& Error() const { return error_; }

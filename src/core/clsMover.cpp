@@ -6,7 +6,7 @@
 #include "base/modString.h"
 #include "base/modSystem.h"
 #include "base/text.h"
-#include "platform/code_page.h"
+#include "core/profile_match.h"
 #include "platform/known_folders.h"
 #include "platform/paths.h"
 #include "platform/unicode.h"
@@ -78,16 +78,14 @@ void clsMover::SetItemDataToArray() {
     }
     items.Title = title;
     std::string pattern = items.pattern();
-    Regex expression =
-        MayBeCut(pattern) ? Regex::Unusable("it is too long to be read whole") : Regex(pattern);
+    Regex expression = ProfileRegex(pattern);
     ProfileIndex.push_back({std::move(title), std::move(pattern), std::move(expression)});
   }
   items.EDITMODE = clsPropItem::kNotEditing;
 }
 
 std::vector<std::string> clsMover::GetAccordantTitles() {
-  const std::string subject =
-      platform::UpperCase(platform::WithReplacementCharacters(environment_.file_info.pFileNameLong()));
+  const std::string subject = MatchSubject(environment_.file_info.pFileNameLong());
   std::vector<std::string> titles = {"", LoadText(text_id::kNoProfile)};
   for (const ProfileIndexEntry& profile : ProfileIndex) {
     if (profile.expression.MatchWhole(subject) == RegexAnswer::kWhole) titles.push_back(profile.Title);

@@ -1,1 +1,192 @@
 #include "core/profile_list.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+#include "base/modString.h"
+#include "base/text.h"
+#include "core/profile_match.h"
+#include "platform/durable_file.h"
+#include "platform/unicode.h"
+#include "resources/string_table.h"
+
+namespace quendle {
+namespace {
+
+constexpr int kTitleEmpty = 6700;
+constexpr int kTitleBlank = 6701;
+constexpr int kTitleBreak = 6702;
+constexpr int kTitleBracket = 6703;
+constexpr int kTitleReserved = 6704;
+constexpr int kTitleBroken = 6705;
+
+// In the order of the rows of folders.
+constexpr std::int16_t kActionBits[kActionRows] = {1, 2, 4};
+
+std::string SearchedText(const ProfileRow& row) {
+  std::string text = std::string(row.title).append("\n").append(row.pattern);
+  for (const ProfileRow::Folder& folder : row.folders) {
+    if (folder.is_used) text.append("\n").append(folder.path);
+  }
+  return platform::UpperCase(text);
+}
+
+// "a (2)" => "a"
+std::string WithoutNumber(const std::string& title) {
+  if (!title.ends_with(')')) return title;
+  const std::size_t begin = title.rfind(" (");
+  if (begin == std::string::npos || begin == 0) return title;
+  const std::string number = title.substr(begin + 2, title.size() - begin - 3);
+  const bool is_number = !number.empty() && number.find_first_not_of("0123456789") == std::string::npos;
+  return is_number ? title.substr(0, begin) : title;
+}
+
+bool Contains(const std::vector<std::string>& titles, const std::string& title) {
+  return std::any_of(titles.begin(), titles.end(),
+                     [&title](const std::string& other) { return EqualsIgnoringCase(other, title); });
+}
+
+}  // namespace
+
+// A title is the name of a section, and what the store would refuse is told here in words of its own.
+std::string TitleProblem(const std::string& title) {
+  if (title.empty()) return LoadText(kTitleEmpty);
+  if (!platform::IsUtf8(title)) return LoadText(kTitleBroken);
+  if (title.find_first_of(std::string("\r\n\0", 3)) != std::string::npos) return LoadText(kTitleBreak);
+  if (TrimBlanks(title).empty()) return LoadText(kTitleBlank);
+  if (title.ends_with(']')) return LoadText(kTitleBracket);
+  const std::string reserved = LoadText(text_id::kNoProfile);
+  if (EqualsIgnoringCase(title, reserved)) return LoadText(kTitleReserved, {reserved});
+  return "";
+}
+
+platform::Result ProfileList::Read() {
+  struct Standard {
+    std::int16_t action;
+    std::array<std::string, kActionRows> folders;
+  };
+  const Standard standard = {standard_.ACTION(),
+                             {standard_.EXTRACTTO(), standard_.MOVETO(), standard_.COPYTO()}};
+  rows_.clear();
+  searched_.clear();
+  expressions_.clear();
+  for (ProfileSummary& summary : items_.Summaries()) {
+    ProfileRow& row = rows_.emplace_back();
+    row.title = std::move(summary.title);
+    row.pattern = std::move(summary.pattern);
+    row.inherits_action = !summary.action;
+    row.action = summary.action.value_or(standard.action);
+    std::string* const own[kActionRows] = {&summary.extract_to, &summary.move_to, &summary.copy_to};
+    for (std::size_t i = 0; i < kActionRows; ++i) {
+      const bool is_inherited = own[i]->empty();
+      row.folders[i] = {is_inherited ? standard.folders[i] : std::move(*own[i]), is_inherited,
+                        (row.action & kActionBits[i]) != 0};
+    }
+  }
+  expressions_.resize(rows_.size());
+  TestName(std::string(tested_name_));
+  if (!rows_.empty()) return platform::Success();
+  std::string bytes;
+  platform::Result read = platform::ReadWholeFile(items_.FileName(), &bytes);
+  return read.code == platform::Code::kNotFound ? platform::Success() : read;
+}
+
+std::vector<std::size_t> ProfileList::Filtered(const std::string& text) const {
+  const std::string wanted = platform::UpperCase(text);
+  if (searched_.size() != rows_.size()) {
+    searched_.clear();
+    searched_.reserve(rows_.size());
+    for (const ProfileRow& row : rows_) searched_.push_back(SearchedText(row));
+  }
+  std::vector<std::size_t> found;
+  for (std::size_t i = 0; i < rows_.size(); ++i) {
+    if (searched_[i].find(wanted) != std::string::npos) found.push_back(i);
+  }
+  return found;
+}
+
+const Regex& ProfileList::ExpressionOf(std::size_t row) const {
+  if (!expressions_[row]) expressions_[row] = ProfileRegex(rows_[row].pattern);
+  return *expressions_[row];
+}
+
+void ProfileList::TestName(const std::string& name) {
+  tested_name_ = name;
+  match_count_ = 0;
+  ranks_.assign(rows_.size(), 0);
+  if (name.empty()) return;
+  const std::string subject = MatchSubject(name);
+  for (std::size_t i = 0; i < rows_.size(); ++i) {
+    if (ExpressionOf(i).MatchWhole(subject) == RegexAnswer::kWhole) ranks_[i] = ++match_count_;
+  }
+}
+
+// Why a profile does not match is found out for those rows only that are looked at.
+NameMatch ProfileList::MatchOf(std::size_t row) const {
+  using Kind = NameMatch::Kind;
+  if (tested_name_.empty()) return {};
+  if (ranks_[row] > 0) return {Kind::kMatches, ranks_[row], ""};
+  const std::string subject = MatchSubject(tested_name_);
+  const Regex& expression = ExpressionOf(row);
+  if (expression.MatchWhole(subject) == RegexAnswer::kError) return {Kind::kError, 0, expression.Error()};
+  return {expression.MatchesPart(subject) ? Kind::kPartOnly : Kind::kNoMatch, 0, ""};
+}
+
+std::vector<std::string> ProfileList::Titles() const {
+  std::vector<std::string> titles;
+  if (items_.EnumSection(&titles) == 0) titles.clear();
+  return titles;
+}
+
+platform::Result ProfileList::CheckThere(const std::string& title) const {
+  const std::vector<std::string> titles = Titles();
+  if (std::find(titles.begin(), titles.end(), title) != titles.end()) return platform::Success();
+  return Failure(platform::Code::kNotFound, title,
+                 "the profile has been changed or removed, or cannot be read any more");
+}
+
+std::string ProfileList::NewTitleProblem(const std::string& title, const std::string& old_title) const {
+  if (std::string problem = TitleProblem(title); !problem.empty()) return problem;
+  const bool only_respells = !old_title.empty() && EqualsIgnoringCase(title, old_title);
+  return !only_respells && Contains(Titles(), title) ? LoadText(text_id::kSameProfileName) : "";
+}
+
+std::string ProfileList::TitleForCopy(const std::string& title) const {
+  const std::vector<std::string> titles = Titles();
+  const std::string base = WithoutNumber(title);
+  for (int number = 2;; ++number) {
+    std::string copy = std::string(base).append(" (").append(std::to_string(number)).append(")");
+    if (!Contains(titles, copy)) return copy;
+  }
+}
+
+platform::Result ProfileList::Rename(const std::string& title, const std::string& new_title) {
+  if (platform::Result there = CheckThere(title); !there.ok()) return there;
+  items_.RenameSection(title, new_title);
+  return items_.LastFailure().ok() ? Sort() : items_.LastFailure();
+}
+
+platform::Result ProfileList::Duplicate(const std::string& title, const std::string& new_title) {
+  if (platform::Result there = CheckThere(title); !there.ok()) return there;
+  items_.CopySection(title, new_title);
+  return items_.LastFailure().ok() ? Sort() : items_.LastFailure();
+}
+
+platform::Result ProfileList::Remove(const std::vector<std::string>& titles) {
+  const std::unordered_set<std::string> meant(titles.begin(), titles.end());
+  std::vector<std::string> doomed;
+  for (const std::string& title : Titles()) {
+    // One that is spelled another way by now is not the one that the user meant.
+    if (meant.contains(title)) doomed.push_back(title);
+  }
+  items_.DelSections(doomed);
+  return items_.LastFailure();
+}
+
+platform::Result ProfileList::Sort() {
+  items_.OptimizeFile();
+  return items_.LastFailure();
+}
+
+}  // namespace quendle

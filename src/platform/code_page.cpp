@@ -21,6 +21,7 @@ bool IsUndecodableByte(char32_t code_point) {
 }
 
 std::string_view CutToAnsiBytes(std::string_view text, std::size_t limit) {
+  if (text.size() <= limit / 2) return text;  // no byte of UTF-8 takes more than two
   std::string_view rest = text;
   std::size_t kept = 0;
   while (!rest.empty()) {

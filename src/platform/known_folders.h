@@ -19,6 +19,10 @@ std::string RuntimeFolder();
 // none.
 std::string SettingsRoot();
 
+// Where a user's programs keep what they remember and nobody sets: $XDG_STATE_HOME, else ~/.local/state. A
+// relative value counts as none.
+std::string StateFolder();
+
 // The user's download folder: XDG_DOWNLOAD_DIR of user-dirs.dirs, else ~/Downloads, else the home folder.
 std::string DownloadFolder();
 

@@ -71,6 +71,11 @@ std::string SettingsRoot() {
   return root.empty() ? Below(HomeFolder(), ".config") : root;
 }
 
+std::string StateFolder() {
+  const std::string folder = FolderVariable("XDG_STATE_HOME");
+  return folder.empty() ? Below(HomeFolder(), ".local/state") : folder;
+}
+
 std::string DownloadFolder() {
   const std::string home = HomeFolder();
   if (std::string folder = ConfiguredDownloadFolder(home); !folder.empty()) return folder;

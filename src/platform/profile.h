@@ -22,6 +22,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -34,6 +35,13 @@ namespace quendle::platform {
 // string.
 std::string ReadProfileString(const std::string& file, const std::string& section, const std::string& key,
                               const std::string& fallback, std::size_t buffer_bytes);
+
+// Calls `visit` with each section of the file as it is now, in file order, also those whose name is there
+// already, with its keys and values as they stand: not cut, and those too that a key of the same name hides.
+// What is handed over is valid during the call.
+using ProfileKeys = std::vector<std::pair<std::string_view, std::string_view>>;
+using ProfileSectionVisitor = std::function<void(std::string_view name, const ProfileKeys& keys)>;
+void VisitProfileSections(const std::string& file, const ProfileSectionVisitor& visit);
 
 // Sets one key: in place when it is there, after the last line of its section that is not blank otherwise; a
 // missing section is appended at the end of the file, a missing file is made. A value that reading would
@@ -51,7 +59,8 @@ Result WriteProfileString(const std::string& file, const std::string& section, c
 using KeysAndValues = std::vector<std::pair<std::string, std::string>>;
 Result CreateProfile(const std::string& file, const std::string& section, const KeysAndValues& keys);
 
-// Removes every section of that name, header and body. A missing file or section is a success.
+// Removes every section of these names, header and body, all at once. A missing file or section is a success.
+Result DeleteProfileSections(const std::string& file, const std::vector<std::string>& sections);
 Result DeleteProfileSection(const std::string& file, const std::string& section);
 
 // Replaces the whole body of the first section of that name, or appends the section. `body` is lines joined

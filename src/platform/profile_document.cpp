@@ -80,4 +80,20 @@ std::optional<std::string_view> ProfileDocument::FindValue(std::string_view sect
   return std::nullopt;
 }
 
+void ProfileDocument::VisitSections(const ProfileSectionVisitor& visit) const {
+  std::optional<std::string_view> name;
+  ProfileKeys keys;
+  ProfileLineReader reader(text_, separator_);
+  for (std::string_view line; reader.Next(&line);) {
+    if (IsHeaderLine(line)) {
+      if (name) visit(*name, keys);
+      name = HeaderName(line);
+      keys.clear();
+    } else if (const std::optional<KeyLine> parsed = name ? ParseKeyLine(line) : std::nullopt) {
+      keys.emplace_back(parsed->key, parsed->value);
+    }
+  }
+  if (name) visit(*name, keys);
+}
+
 }  // namespace quendle::platform

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/profile.h"
+
 namespace quendle::platform {
 
 // What a body line says about a key, as parts of that line: both without the blanks around them, the value
@@ -28,6 +30,9 @@ class ProfileDocument {
 
   // The value of the first key of that name in the first section of that name.
   std::optional<std::string_view> FindValue(std::string_view section, std::string_view key) const;
+
+  // As VisitProfileSections says.
+  void VisitSections(const ProfileSectionVisitor& visit) const;
 
  private:
   std::optional<std::string_view> TextBehindHeader(std::string_view section) const;

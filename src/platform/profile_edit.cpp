@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 #include "platform/code_page.h"
@@ -71,13 +72,18 @@ void VisitSections(const ProfileEditor& editor, Visit visit) {
   if (section) visit(*section, name);
 }
 
-std::vector<LineRange> FindSections(const ProfileEditor& editor, std::string_view wanted) {
-  const std::string upper_name = UpperCase(wanted);
+std::vector<LineRange> FindSections(const ProfileEditor& editor, const std::vector<std::string>& wanted) {
+  std::unordered_set<std::string> upper_names;
+  for (const std::string& name : wanted) upper_names.insert(UpperCase(name));
   std::vector<LineRange> sections;
   VisitSections(editor, [&](const LineRange& lines, std::string_view name) {
-    if (UpperCase(name) == upper_name) sections.push_back(lines);
+    if (upper_names.contains(UpperCase(name))) sections.push_back(lines);
   });
   return sections;
+}
+
+std::vector<LineRange> FindSections(const ProfileEditor& editor, std::string_view wanted) {
+  return FindSections(editor, std::vector<std::string>{std::string(wanted)});
 }
 
 // The line of the key, or the empty range behind the last line of the section that is not blank.
@@ -168,9 +174,9 @@ Result SetKey(std::string_view section, std::string_view key, std::string_view v
   return result;
 }
 
-Result RemoveSections(std::string_view section, std::string* bytes) {
+Result RemoveSections(const std::vector<std::string>& sections, std::string* bytes) {
   ProfileEditor editor(*bytes);
-  const std::vector<LineRange> found = FindSections(editor, section);
+  const std::vector<LineRange> found = FindSections(editor, sections);
   if (found.empty()) return Success();
   if (Result check = CheckFile(*bytes); !check.ok()) return check;
   editor.RemoveLines(found);

@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/profile.h"
 #include "platform/result.h"
@@ -11,7 +12,7 @@
 namespace quendle::platform {
 
 Result SetKey(std::string_view section, std::string_view key, std::string_view value, std::string* bytes);
-Result RemoveSections(std::string_view section, std::string* bytes);
+Result RemoveSections(const std::vector<std::string>& sections, std::string* bytes);
 Result SetBody(std::string_view section, std::string_view body, std::string* bytes);
 Result RenameFirstSection(std::string_view old_name, std::string_view new_name, std::string* bytes);
 Result ArrangeSections(const SectionOrder& order, std::string* bytes);

@@ -74,6 +74,11 @@ class ParseCache {
   std::vector<Entry> entries_;
 };
 
+Parse ParseOf(const std::string& file) {
+  static ParseCache cache;
+  return cache.Get(file);
+}
+
 // A failure of an edit knows no file.
 Result At(const std::string& file, Result edited) {
   edited.path = file;
@@ -95,12 +100,15 @@ Result ChangeProfile(const std::string& file, const std::function<Result(std::st
 
 std::string ReadProfileString(const std::string& file, const std::string& section, const std::string& key,
                               const std::string& fallback, std::size_t buffer_bytes) {
-  static ParseCache cache;
-  const Parse parse = cache.Get(file);
+  const Parse parse = ParseOf(file);
   const std::string_view instead = std::string_view(fallback).substr(0, fallback.find_last_not_of(" \t") + 1);
   std::string_view value = parse == nullptr ? instead : parse->FindValue(section, key).value_or(instead);
   value = value.substr(0, value.find('\0'));
   return std::string(CutToAnsiBytes(value, std::max<std::size_t>(buffer_bytes, 1) - 1));
+}
+
+void VisitProfileSections(const std::string& file, const ProfileSectionVisitor& visit) {
+  if (const Parse parse = ParseOf(file)) parse->VisitSections(visit);
 }
 
 Result WriteProfileString(const std::string& file, const std::string& section, const std::string& key,
@@ -120,9 +128,13 @@ Result CreateProfile(const std::string& file, const std::string& section, const 
   return ReplaceFile(file, bytes);
 }
 
-Result DeleteProfileSection(const std::string& file, const std::string& section) {
-  Result result = ChangeProfile(file, [&](std::string* bytes) { return RemoveSections(section, bytes); });
+Result DeleteProfileSections(const std::string& file, const std::vector<std::string>& sections) {
+  Result result = ChangeProfile(file, [&](std::string* bytes) { return RemoveSections(sections, bytes); });
   return result.code == Code::kNotFound ? Success() : result;
+}
+
+Result DeleteProfileSection(const std::string& file, const std::string& section) {
+  return DeleteProfileSections(file, {section});
 }
 
 Result WriteProfileSection(const std::string& file, const std::string& section, const std::string& body) {

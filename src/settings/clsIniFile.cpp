@@ -92,6 +92,10 @@ void clsIniFile::DeleteSection(const std::string& section) {
   last_failure_ = platform::DeleteProfileSection(pFileName, section);
 }
 
+void clsIniFile::DeleteSections(const std::vector<std::string>& sections) {
+  last_failure_ = platform::DeleteProfileSections(pFileName, sections);
+}
+
 std::int32_t clsIniFile::EnumSection(std::vector<std::string>* names) const {
   const std::string text = ReadText(pFileName);
   names->clear();

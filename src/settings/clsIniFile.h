@@ -30,6 +30,7 @@ class clsIniFile {
   std::string GetStr(const std::string& section, const std::string& key, const std::string& fallback) const;
 
   void DeleteSection(const std::string& section);
+  void DeleteSections(const std::vector<std::string>& sections);  // all of them or, after a failure, none
 
   // The names of all headers in file order, duplicates included. None (0) when the first name is empty or the
   // file has only one line.

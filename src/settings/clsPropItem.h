@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,16 @@
 #include "settings/clsPropDefault.h"
 
 namespace quendle {
+
+// What a list shows of a profile. What it inherits from the standard settings is left open.
+struct ProfileSummary {
+  std::string title;
+  std::string pattern;
+  std::optional<std::int16_t> action;  // nothing: inherited
+  std::string extract_to;              // empty: inherited, as are the following
+  std::string move_to;
+  std::string copy_to;
+};
 
 class clsPropItem {
  public:
@@ -28,9 +39,17 @@ class clsPropItem {
   clsPropItem(const std::string& application_folder, Fallbacks fallbacks);
 
   void DelSection(const std::string& title);
+  void DelSections(const std::vector<std::string>& titles);  // all of them or, after a failure, none
 
   // All titles in ascending order (SortStrings), which is the order of profiles everywhere, and their number.
   std::int32_t EnumSection(std::vector<std::string>* titles) const;
+
+  // All profiles in that order, each title once: of several sections only the first is ever read. The file is
+  // read once, not once for each property.
+  std::vector<ProfileSummary> Summaries() const;
+
+  // Writes the keys of one profile under another title, which the caller has made sure no profile has.
+  void CopySection(const std::string& title, const std::string& new_title);
 
   // Renames a profile in place; the caller has made sure that no profile has the new name.
   void RenameSection(const std::string& old_title, const std::string& new_title);
@@ -99,6 +118,9 @@ class clsPropItem {
   void OPENDIR(std::int16_t value);
 
   const std::string& FileName() const { return ini_.pFileName; }
+
+  // Why the last write did not succeed; no failure if it did.
+  const platform::Result& LastFailure() const { return ini_.LastFailure(); }
 
  private:
   std::string Read(int key, const char* fallback) const;

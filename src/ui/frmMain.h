@@ -1,11 +1,144 @@
-// The list of profiles.
+// The list of profiles: everything that is not done with a file at hand is reached from here.
 #pragma once
 
+#include <QMainWindow>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/profile_list.h"
 #include "core/windows.h"
+#include "ui/modMsgBox.h"
+#include "ui/profile_model.h"
+#include "ui/window_memory.h"
+
+class QDropEvent;
+class QEventLoop;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QToolBar;
+class QTreeView;
 
 namespace quendle {
 
+class ElidedLabel;
+
 // Shows it until the user closes it.
 void RunProfileList(const WindowsHost& host);
+
+// What the list opens and starts.
+struct MainServices {
+  std::function<std::int32_t(const std::string&, std::int32_t, std::int32_t, const std::string&)>
+      show_message = ShowMessage;
+  std::function<std::string(const std::string&, const std::string&, const std::string&)> show_input =
+      ShowInput;
+  std::function<bool(QWidget*)> open_editor;  // for what the store's EDITMODE says, as OpenEditor
+  std::function<void(QWidget*, const std::string& pattern, const std::string& name)> open_tester;
+  std::function<void(QWidget*)> show_about;
+  std::function<platform::Result(const std::string& folder)> open_folder;
+  std::function<void(const std::vector<std::string>& paths)> dispatch;
+  std::function<bool()> is_interrupted = [] { return false; };
+};
+
+class frmMain : public QMainWindow {
+ public:
+  // `memory_file`: where the window remembers how it looked; empty: nowhere.
+  frmMain(clsPropItem& items, const clsPropDefault& standard, MainServices services,
+          const std::string& memory_file);
+  ~frmMain() override;
+
+  // Shows the window until the user closes it.
+  void Run();
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  // What a command needs to have any sense.
+  enum class Needs { kNothing, kRows, kSome, kOne };
+  struct Command {
+    QAction* action;
+    Needs needs;
+  };
+  class Busy;
+
+  // Layout
+  void MakeControls();
+  void MakeMenus();
+  QMenu* MakeMenu(int caption);
+  QAction* AddCommand(QMenu* menu, int caption, const char* name, const QList<QKeySequence>& keys,
+                      Needs needs, std::function<void()> act);
+  void MakeProfileMenu();
+  void MakeOtherMenus();
+  void MakeToolBar();
+  void AddOpenButton(QToolBar* bar);
+  void MakeContextMenu();
+  QLayout* MakeFields();
+  void LetKeysBeTheLists(QAction* action);
+  void Connect();
+  void RestoreLooks();
+  void KeepLooks() const;
+  void ShowContextMenu(const QPoint& position);
+  void ShowContextMenuAtRow();
+
+  // State
+  void Refresh(const std::string& select = "");
+  void SelectRow(int row);
+  bool SelectTitle(const std::string& title);
+  void Select(const std::vector<std::string>& titles, const std::string& current);
+  std::vector<std::string> SelectedTitles() const;
+  std::string CurrentTitle() const;
+  void ApplyFilter();
+  void ApplyTest();
+  void UpdateCommands();
+  void UpdateTexts();
+  void UpdateHint();
+  QString StatusText() const;
+  QString FilesStamp() const;
+  bool HandleFieldKey(QLineEdit* field, int key);
+
+  // Commands
+  void Add();
+  void Edit();
+  void Rename();
+  void Duplicate();
+  void Remove();
+  void OpenFolder(std::size_t kind);
+  void OpenTester();
+  void OpenSettings(std::int16_t mode);
+  void Dispatch(const std::vector<std::string>& paths);
+  bool OpenEditor(std::int16_t mode, const std::string& title);
+  std::string AskTitle(const std::string& prompt, int caption, const std::string& old_title);
+  bool Tell(const platform::Result& result);
+  bool TellsSurplus(std::vector<std::string>* paths);
+
+  clsPropItem& items_;
+  std::string settings_file_;
+  MainServices services_;
+  WindowMemory memory_;
+  ProfileList list_;
+  ProfileModel model_;
+
+  QTreeView* view_ = nullptr;
+  QLineEdit* filter_ = nullptr;
+  QLineEdit* test_ = nullptr;
+  ElidedLabel* status_ = nullptr;
+  QLabel* hint_ = nullptr;  // in place of rows
+  QMenu* context_menu_ = nullptr;
+  QWidget* open_button_ = nullptr;
+  std::vector<Command> commands_;
+  QString stamp_;             // of the files when they were read
+  std::string read_problem_;  // why there are no rows
+  QEventLoop* loop_ = nullptr;
+  bool is_busy_ = false;  // a command runs, which may handle events
+};
 
 }  // namespace quendle

@@ -1,5 +1,6 @@
 #include "ui/modListBox.h"
 
+#include <QAbstractItemModel>
 #include <QListWidget>
 
 #include "base/modString.h"
@@ -8,10 +9,14 @@
 namespace quendle {
 
 int FindListString(const QListWidget& list, const std::string& text, int start) {
-  const int count = list.count();
+  return FindListString(*list.model(), text, start);
+}
+
+int FindListString(const QAbstractItemModel& model, const std::string& text, int start) {
+  const int count = model.rowCount();
   for (int i = 1; i <= count; ++i) {
     const int row = (start + i) % count;
-    if (EqualsIgnoringCase(FromQt(list.item(row)->text()), text)) return row;
+    if (EqualsIgnoringCase(FromQt(model.index(row, 0).data().toString()), text)) return row;
   }
   return -1;
 }

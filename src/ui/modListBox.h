@@ -3,6 +3,7 @@
 
 #include <string>
 
+class QAbstractItemModel;
 class QListWidget;
 
 namespace quendle {
@@ -11,5 +12,8 @@ namespace quendle {
 // beginning; -1 when there is none.
 //   "b", "A", "a" with "A" from -1 => 1, from 1 => 2, from 2 => 1
 int FindListString(const QListWidget& list, const std::string& text, int start);
+
+// The same in the first column of what a view shows.
+int FindListString(const QAbstractItemModel& model, const std::string& text, int start);
 
 }  // namespace quendle

@@ -1,0 +1,267 @@
+// What the list of profiles does when the user wants something.
+#include <QCoreApplication>
+#include <QDropEvent>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QTimer>
+#include <QToolBar>
+#include <QTreeView>
+#include <algorithm>
+
+#include "base/display.h"
+#include "base/modString.h"
+#include "base/reasons.h"
+#include "core/modMain.h"
+#include "resources/string_table.h"
+#include "ui/dropped_files.h"
+#include "ui/elided_label.h"
+#include "ui/frmMain.h"
+#include "ui/text.h"
+
+namespace quendle {
+namespace {
+
+constexpr int kRenamePrompt = 6710;
+constexpr int kRenameCaption = 6711;
+constexpr int kRemoveCaption = 6712;
+constexpr int kRemovePrompt = 6713;
+constexpr int kNotChanged = 6714;
+constexpr int kNoSuchFolder = 6715;
+constexpr int kNoFolderSet = 6021;
+constexpr int kFolderNotOpened = 6348;
+constexpr int kTooMany = 6755;
+constexpr int kFilesCaption = 6756;
+constexpr int kAtWork = 6757;
+constexpr std::size_t kMostNames = 10;  // in a message
+
+constexpr const char* kLineBreak = "\r\n";
+
+// A line for each of the first few.
+std::string NameLines(const std::vector<std::string>& names) {
+  std::string lines;
+  const std::size_t shown = std::min(names.size(), kMostNames);
+  for (std::size_t i = 0; i < shown; ++i) lines += kLineBreak + ForDisplay(names[i]);
+  if (shown == names.size()) return lines;
+  return lines + kLineBreak + LoadText(text_id::kMoreProblems, {std::to_string(names.size() - shown)});
+}
+
+}  // namespace
+
+// Other windows open and events are handled while a command runs: no second one may begin, and the window may
+// not go.
+class frmMain::Busy {
+ public:
+  explicit Busy(frmMain* form) : form_(form) { form_->is_busy_ = true; }
+  ~Busy() { form_->is_busy_ = false; }
+  Busy(const Busy&) = delete;
+  Busy& operator=(const Busy&) = delete;
+
+ private:
+  frmMain* form_;
+};
+
+// False when it has failed.
+bool frmMain::Tell(const platform::Result& result) {
+  if (result.ok()) return true;
+  services_.show_message(LoadText(kNotChanged) + kLineBreak + kLineBreak + ForDisplay(result.path) +
+                             kLineBreak + ForDisplay(InJapanese(result.reason)),
+                         kButtonsOk, kIconCritical, "");
+  return false;
+}
+
+// A title that may be given, or empty when the user gave up. What was typed is not lost when it may not.
+std::string frmMain::AskTitle(const std::string& prompt, int caption, const std::string& old_title) {
+  std::string title = old_title;
+  for (;;) {
+    title = services_.show_input(prompt, LoadText(caption), title);
+    if (title.empty() || title == old_title) return "";
+    const std::string problem = list_.NewTitleProblem(title, old_title);
+    if (problem.empty()) return title;
+    services_.show_message(problem, kButtonsOk, kIconCritical, "");
+  }
+}
+
+bool frmMain::OpenEditor(std::int16_t mode, const std::string& title) {
+  items_.Title = title;
+  items_.NEWTITLE = title;
+  items_.EDITMODE = mode;
+  const bool is_saved = services_.open_editor(this);
+  items_.EDITMODE = clsPropItem::kNotEditing;
+  items_.Title.clear();
+  return is_saved;
+}
+
+void frmMain::Add() {
+  std::string added;
+  {
+    const Busy busy(this);
+    const std::string title = AskTitle(LoadText(text_id::kAskProfileName), text_id::kAddProfile, "");
+    if (title.empty()) return;
+    if (OpenEditor(clsPropItem::kEditingNew, title)) {
+      added = items_.NEWTITLE;
+      Tell(list_.Sort());
+    }
+  }
+  Refresh(added);
+}
+
+void frmMain::Edit() {
+  const std::vector<std::string> titles = SelectedTitles();
+  if (titles.size() != 1) return;
+  std::string edited;
+  {
+    const Busy busy(this);
+    if (Tell(list_.CheckThere(titles.front())) && OpenEditor(clsPropItem::kEditingProfile, titles.front())) {
+      edited = items_.NEWTITLE;
+    }
+  }
+  Refresh(edited);
+}
+
+void frmMain::Rename() {
+  const std::vector<std::string> titles = SelectedTitles();
+  if (titles.size() != 1) return;
+  std::string title;
+  {
+    const Busy busy(this);
+    const std::string prompt = LoadText(kRenamePrompt, {ForDisplay(titles.front())});
+    title = AskTitle(prompt, kRenameCaption, titles.front());
+    if (title.empty()) return;
+    Tell(list_.Rename(titles.front(), title));
+  }
+  Refresh(title);
+}
+
+void frmMain::Duplicate() {
+  const std::vector<std::string> titles = SelectedTitles();
+  if (titles.size() != 1) return;
+  std::string copy = list_.TitleForCopy(titles.front());
+  {
+    const Busy busy(this);
+    if (!Tell(list_.Duplicate(titles.front(), copy))) copy.clear();
+  }
+  Refresh(copy);
+}
+
+void frmMain::Remove() {
+  const std::vector<std::string> titles = SelectedTitles();
+  if (titles.empty()) return;
+  int first = model_.rowCount();
+  for (const QModelIndex& index : view_->selectionModel()->selectedRows())
+    first = std::min(first, index.row());
+  {
+    const Busy busy(this);
+    const std::string prompt = LoadText(kRemovePrompt) + kLineBreak + NameLines(titles);
+    const std::int32_t answer =
+        services_.show_message(prompt, kButtonsYesNo, kIconExclamation, LoadText(kRemoveCaption));
+    if (answer != kAnswerYes) return;
+    Tell(list_.Remove(titles));
+  }
+  Refresh();
+  if (model_.rowCount() == 0 || view_->selectionModel()->hasSelection()) return;
+  SelectRow(std::min(first, model_.rowCount() - 1));
+}
+
+void frmMain::OpenFolder(std::size_t kind) {
+  const QModelIndexList selected = view_->selectionModel()->selectedRows();
+  if (selected.size() != 1) return;
+  const std::string folder = model_.RowAt(selected.front().row()).folders[kind].path;
+  const Busy busy(this);
+  if (folder.empty()) {
+    services_.show_message(LoadText(kNoFolderSet), kButtonsOk, kIconExclamation, "");
+  } else if (!FolderExists(folder)) {
+    services_.show_message(LoadText(kNoSuchFolder) + kLineBreak + ForDisplay(folder), kButtonsOk,
+                           kIconExclamation, "");
+  } else if (const platform::Result opened = services_.open_folder(folder); !opened.ok()) {
+    services_.show_message(LoadText(kFolderNotOpened) + kLineBreak + kLineBreak + ForDisplay(folder) +
+                               kLineBreak + ForDisplay(InJapanese(opened.reason)),
+                           kButtonsOk, kIconExclamation, "");
+  }
+}
+
+void frmMain::OpenTester() {
+  const std::vector<std::string> titles = SelectedTitles();
+  const Busy busy(this);
+  const std::string pattern =
+      titles.size() == 1 ? model_.RowAt(view_->selectionModel()->selectedRows().front().row()).pattern : "";
+  services_.open_tester(this, pattern, list_.TestedName());
+}
+
+void frmMain::OpenSettings(std::int16_t mode) {
+  {
+    const Busy busy(this);
+    OpenEditor(mode, "");
+  }
+  Refresh();
+}
+
+// Leaves out what is too much for one run; false when the user does not want the rest either.
+bool frmMain::TellsSurplus(std::vector<std::string>* paths) {
+  constexpr std::size_t kMost = kMostPaths;
+  if (paths->size() <= kMost) return true;
+  const std::vector<std::string> surplus(paths->begin() + kMost, paths->end());
+  paths->resize(kMost);
+  const std::string prompt = LoadText(kTooMany, {std::to_string(kMost), std::to_string(surplus.size())}) +
+                             kLineBreak + NameLines(surplus);
+  return services_.show_message(prompt, kButtonsOkCancel, kIconExclamation, LoadText(kFilesCaption)) ==
+         kAnswerOk;
+}
+
+// The list stays in sight, but does nothing while the files are worked through.
+void frmMain::Dispatch(const std::vector<std::string>& dropped) {
+  if (is_busy_) return;
+  std::vector<std::string> paths = dropped;
+  {
+    const Busy busy(this);
+    if (!TellsSurplus(&paths)) return;
+    QWidget* focus = focusWidget();
+    std::vector<QWidget*> parts = {menuBar(), centralWidget(), findChild<QToolBar*>()};
+    for (QWidget* part : parts) part->setEnabled(false);
+    status_->SetText(Text(kAtWork));
+    services_.dispatch(paths);
+    QCoreApplication::processEvents();  // what was typed meanwhile was not meant for the list
+    for (QWidget* part : parts) part->setEnabled(true);
+    if (focus != nullptr) focus->setFocus(Qt::OtherFocusReason);
+  }
+  Refresh();
+  if (services_.is_interrupted()) {
+    close();
+  } else {
+    activateWindow();
+  }
+}
+
+void frmMain::dragEnterEvent(QDragEnterEvent* event) {
+  dragMoveEvent(event);
+}
+
+void frmMain::dragMoveEvent(QDragMoveEvent* event) {
+  if (is_busy_ || DroppedPaths(*event->mimeData()).empty()) {
+    event->ignore();
+    return;
+  }
+  // Whatever becomes of the files is up to this program: the one they come from must not remove them.
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
+}
+
+void frmMain::dropEvent(QDropEvent* event) {
+  const std::vector<std::string> paths = DroppedPaths(*event->mimeData());
+  if (is_busy_ || paths.empty()) {
+    event->ignore();
+    return;
+  }
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
+  const QRect test_place(test_->mapTo(this, QPoint(0, 0)), test_->size());
+  if (test_place.contains(event->position().toPoint())) {
+    test_->setText(ToQt(ForDisplay(SplitPath(RemoveBackslashes(paths.front())).name)));
+    test_->setFocus(Qt::OtherFocusReason);
+    return;
+  }
+  // The program that the files come from waits until this returns.
+  QTimer::singleShot(0, this, [this, paths] { Dispatch(paths); });
+}
+
+}  // namespace quendle
