@@ -8,9 +8,6 @@
 
 namespace quendle {
 
-// The settings give no more than 1,023 bytes of a value: could there have been more of this one?
-bool MayBeCut(const std::string& value);
-
 // The pattern of a profile, which cannot be used when it may be cut.
 Regex ProfileRegex(const std::string& pattern);
 
