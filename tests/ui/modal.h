@@ -17,6 +17,8 @@ namespace quendle::test {
 class WithModal {
  public:
   explicit WithModal(std::function<void(QWidget&)> action) : action_(std::move(action)) {
+    // A window that is there already, such as that of the progress, is not the one to come.
+    if (QWidget* window = QApplication::activeModalWidget()) seen_.emplace_back(window);
     QObject::connect(&timer_, &QTimer::timeout, [this] { Look(); });
     timer_.start(5);
   }
