@@ -54,6 +54,20 @@ stop() {
   program=
 }
 
+# The list of profiles, the editor, the tester and About, from the first start on.
+mkdir "$work/fresh"
+"$root/build/release/src/quendle" --settings "$work/fresh" >"$work/log" 2>&1 &
+program=$!
+await 'Quendle [0-9]'
+shoot main-empty
+press Insert
+await 'プロファイル追加'
+xdotool type --delay 30 photos
+press Return
+await 'photos'
+shoot edit-new
+stop
+
 cat >"$work/settings/items.ini" <<END
 [Archives]
 Pattern=.*\\.zip
@@ -81,6 +95,42 @@ printf '[General]\nConfirmAlways=1\nShowResult=1\nOpenDir=0\nAction=2\nMoveTo=%s
 (cd "$work" && mkdir album && echo one >album/readme.txt && echo two >album/a.bak && zip -qr in/photos_01.zip album)
 echo text >"$work/in/notes.txt"
 mkdir "$work/in/photos 2026"
+
+start
+await 'Quendle [0-9]'
+press ctrl+e
+xdotool type --delay 30 photos_01.zip
+sleep 0.5
+shoot main
+xdotool mousemove --window "$(xdotool getactivewindow)" 60 122 click --repeat 2 --delay 80 1
+await 'Archives'
+shoot edit
+press Escape
+await 'Quendle [0-9]'
+press ctrl+t
+await 'Regex'
+xdotool type --delay 30 'photos.*zip'
+press Tab
+xdotool type --delay 30 photos_01.zip
+sleep 0.3
+shoot regex
+press Escape
+await 'Quendle [0-9]'
+for settings in o t e; do
+  press alt+o
+  sleep 0.3
+  press "$settings"
+  sleep 1
+  shoot "settings-$settings"
+  press Escape
+  sleep 0.3
+done
+press alt+h
+sleep 0.3
+press a
+await 'About'
+shoot about
+stop
 
 start "$work/in/photos_01.zip" "$work/in/notes.txt"
 await '1/2'
