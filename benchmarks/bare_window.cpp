@@ -1,4 +1,4 @@
-// The least that a Qt program with a window does.
+// The least that a Qt program with a window does: bare_window [TEXT FONT_FAMILY]
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
@@ -6,9 +6,11 @@
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
+  const QStringList arguments = QApplication::arguments();
+  if (arguments.size() > 2) QApplication::setFont(QFont(arguments[2], 9));
   QDialog window;
   QVBoxLayout layout(&window);
-  QLabel label("Quendle");
+  QLabel label(arguments.size() > 2 ? arguments[1] : "Quendle");
   layout.addWidget(&label);
   return window.exec();
 }
