@@ -78,15 +78,6 @@ class FirstSteps : public testing::Test {
     test::Click(editor, "OK");
     EXPECT_FALSE(editor.isVisible());
   }
-  void DropOn(QWidget* window, const QPoint& place) const {
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(ToQt(file_))});
-    QDragEnterEvent enter(place, Qt::MoveAction | Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(window, &enter);
-    ASSERT_TRUE(enter.isAccepted());
-    QDropEvent drop(place, Qt::MoveAction | Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(window, &drop);
-  }
   void TellStory() {
     ASSERT_TRUE(QTest::qWaitFor([] { return QApplication::activeWindow() != nullptr; }));
     QWidget* window = QApplication::activeWindow();
@@ -108,10 +99,17 @@ class FirstSteps : public testing::Test {
       EXPECT_TRUE(std::filesystem::exists(file_));
       test::Click(shown, "OK");
     });
-    DropOn(window, list->viewport()->mapTo(window, list->viewport()->rect().center()));
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(ToQt(file_))});
+    const QPoint place = list->mapTo(window, list->rect().center());
+    QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window, &enter);
+    QDropEvent drop(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window, &drop);
     EXPECT_TRUE(QTest::qWaitFor([&] { return confirmation.windows() == 1 && list->hasFocus(); }));
     EXPECT_FALSE(std::filesystem::exists(file_));
     EXPECT_EQ(test::ReadFile(files_ / "sorted/data12.txt"), "text");
+    EXPECT_EQ(globals_.g_FileInfo->pFileNameLong(), "") << "the next pattern would be made from it";
     EXPECT_TRUE(window->isVisible() && window->isActiveWindow() && list->isEnabled());
     EXPECT_TRUE(list->selectionModel()->isRowSelected(0));
   }
