@@ -71,6 +71,7 @@ void Globals::BeginRun(const std::vector<std::string>& paths) {
 void Globals::EndRun() {
   g_Mover.reset();
   g_Output.reset();
+  g_FileInfo->Class_Initialize();  // no file is at hand any more: the editor is to ask for one
 }
 
 void Globals::EndProgram() {

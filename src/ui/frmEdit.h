@@ -103,6 +103,7 @@ class frmEdit : public QDialog {
 
   EditDraft& draft_;
   const clsFileInfo& target_;
+  std::string example_name_;  // of the file that a pattern was proposed for, when there is no target
   EditServices services_;
 
   std::map<int, QLineEdit*> txt;

@@ -106,6 +106,7 @@ void frmEdit::ProposePattern() {
       return;
     }
     pattern = MakePatternFromTarget(file);
+    example_name_ = file.pFileNameLong();
   }
   txt[text_id::kPattern]->setText(ToQt(platform::WithReplacementCharacters(pattern)));
   FocusOn(text_id::kPattern);
@@ -114,7 +115,8 @@ void frmEdit::ProposePattern() {
 
 void frmEdit::TryPattern() {
   const Busy busy(&is_busy_);
-  services_.open_tester(this, draft_.Text(text_id::kPattern), target_.pFileNameLong());
+  const std::string& name = target_.pFileNameLong();
+  services_.open_tester(this, draft_.Text(text_id::kPattern), name.empty() ? example_name_ : name);
 }
 
 void frmEdit::Save() {
