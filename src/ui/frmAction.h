@@ -67,7 +67,6 @@ class frmAction : public QDialog {
   static constexpr int kTypingPause = 150;  // milliseconds
 
   using Actions = std::map<int, QAction*>;
-  class Busy;
 
   // Layout
   void MakeControls();

@@ -12,7 +12,9 @@
 #include <QPushButton>
 #include <algorithm>
 
+#include "core/profile_list.h"
 #include "resources/string_table.h"
+#include "ui/busy.h"
 #include "ui/frmAction.h"
 #include "ui/plan_view.h"
 #include "ui/text.h"
@@ -30,19 +32,6 @@ bool IsInput(QEvent::Type type) {
 }
 
 }  // namespace
-
-// Other windows open and events are handled while a command runs: no second one may begin, and the window may
-// not go.
-class frmAction::Busy {
- public:
-  explicit Busy(frmAction* form) : form_(form) { form_->is_busy_ = true; }
-  ~Busy() { form_->is_busy_ = false; }
-  Busy(const Busy&) = delete;
-  Busy& operator=(const Busy&) = delete;
-
- private:
-  frmAction* form_;
-};
 
 // The window sees its keys before its controls do.
 bool frmAction::eventFilter(QObject* watched, QEvent* event) {
@@ -135,7 +124,7 @@ void frmAction::ConnectMenus() {
   on(mnuOption, 1, [this] { Edit(clsPropItem::kEditingTest); });
   on(mnuOption, 6, [this] { Edit(clsPropItem::kEditingGeneral); });
   on(mnuAbout, 0, [this] {
-    const Busy busy(this);
+    const Busy busy(&is_busy_);
     services_.show_about(this);
   });
 }
@@ -147,7 +136,7 @@ void frmAction::Finish(bool execute) {
   QWidget* focus = focusWidget();
   bool is_over = false;
   {
-    const Busy busy(this);
+    const Busy busy(&is_busy_);
     plan_timer_.stop();
     menu_bar_->setEnabled(false);
     body_->setEnabled(false);
@@ -197,7 +186,7 @@ void frmAction::Browse(std::size_t row) {
                                          text_id::kAskCopyFolder};
   std::string folder;
   {
-    const Busy busy(this);
+    const Busy busy(&is_busy_);
     folder = services_.pick_folder(this, LoadText(kPrompts[row]), form_.StartFolder(row));
   }
   txt[row + 1]->setFocus(Qt::OtherFocusReason);
@@ -222,14 +211,16 @@ void frmAction::EditProfile() {
   Edit(clsPropItem::kEditingProfile);
 }
 
-// True when the user has given a name that no profile has.
+// True when the user has given a name that a profile can have and none has.
 bool frmAction::NameNewProfile() {
-  const Busy busy(this);
+  const Busy busy(&is_busy_);
   const std::string title =
       services_.show_input(LoadText(text_id::kAskProfileName), LoadText(text_id::kAddProfile), "");
   if (title.empty()) return false;
-  if (mover_.CheckDupTitle(title)) {
-    services_.show_message(LoadText(text_id::kSameProfileName), kButtonsOk, kIconCritical, "");
+  std::string problem = TitleProblem(title);
+  if (problem.empty() && mover_.CheckDupTitle(title)) problem = LoadText(text_id::kSameProfileName);
+  if (!problem.empty()) {
+    services_.show_message(problem, kButtonsOk, kIconCritical, "");
     return false;
   }
   items_.NEWTITLE = title;
@@ -242,7 +233,7 @@ void frmAction::Edit(std::int16_t mode) {
   const bool is_profile = mode == clsPropItem::kEditingNew || mode == clsPropItem::kEditingProfile;
   bool is_saved = false;
   {
-    const Busy busy(this);
+    const Busy busy(&is_busy_);
     if (is_profile) items_.Title = items_.NEWTITLE;
     items_.EDITMODE = mode;
     is_saved = services_.open_editor(this, &items_);
@@ -272,7 +263,7 @@ void frmAction::RenewPlan() {
     SchedulePlan(kTypingPause);
     return;
   }
-  const Busy busy(this);
+  const Busy busy(&is_busy_);
   const std::string& problem = form_.View().problem;
   if (problem.empty()) {
     plan_->Show(PlanLines(form_.Plan()));

@@ -11,6 +11,7 @@
 #include "core/profile_pattern.h"
 #include "platform/unicode.h"
 #include "resources/string_table.h"
+#include "ui/busy.h"
 #include "ui/frmEdit.h"
 #include "ui/text.h"
 
@@ -32,18 +33,6 @@ std::string ListOfNames(const std::vector<int>& keys) {
   for (const int key : keys) list.append(list.empty() ? "" : "、").append(KeyName(key));
   return list;
 }
-
-// No second command begins while a window is open above this one.
-class Busy {
- public:
-  explicit Busy(bool* flag) : flag_(flag) { *flag_ = true; }
-  ~Busy() { *flag_ = false; }
-  Busy(const Busy&) = delete;
-  Busy& operator=(const Busy&) = delete;
-
- private:
-  bool* flag_;
-};
 
 }  // namespace
 

@@ -68,7 +68,6 @@ class frmMain : public QMainWindow {
     QAction* action;
     Needs needs;
   };
-  class Busy;
 
   // Layout
   void MakeControls();

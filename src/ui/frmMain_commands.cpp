@@ -14,6 +14,7 @@
 #include "base/reasons.h"
 #include "core/modMain.h"
 #include "resources/string_table.h"
+#include "ui/busy.h"
 #include "ui/dropped_files.h"
 #include "ui/elided_label.h"
 #include "ui/frmMain.h"
@@ -47,19 +48,6 @@ std::string NameLines(const std::vector<std::string>& names) {
 }
 
 }  // namespace
-
-// Other windows open and events are handled while a command runs: no second one may begin, and the window may
-// not go.
-class frmMain::Busy {
- public:
-  explicit Busy(frmMain* form) : form_(form) { form_->is_busy_ = true; }
-  ~Busy() { form_->is_busy_ = false; }
-  Busy(const Busy&) = delete;
-  Busy& operator=(const Busy&) = delete;
-
- private:
-  frmMain* form_;
-};
 
 // False when it has failed.
 bool frmMain::Tell(const platform::Result& result) {
@@ -95,7 +83,7 @@ bool frmMain::OpenEditor(std::int16_t mode, const std::string& title) {
 void frmMain::Add() {
   std::string added;
   {
-    const Busy busy(this);
+    const Busy busy(&is_busy_);
     const std::string title = AskTitle(LoadText(text_id::kAskProfileName), text_id::kAddProfile, "");
     if (title.empty()) return;
     if (OpenEditor(clsPropItem::kEditingNew, title)) {
@@ -111,7 +99,7 @@ void frmMain::Edit() {
   if (titles.size() != 1) return;
   std::string edited;
   {
-    const Busy busy(this);
+    const Busy busy(&is_busy_);
     if (Tell(list_.CheckThere(titles.front())) && OpenEditor(clsPropItem::kEditingProfile, titles.front())) {
       edited = items_.NEWTITLE;
     }
@@ -124,7 +112,7 @@ void frmMain::Rename() {
   if (titles.size() != 1) return;
   std::string title;
   {
-    const Busy busy(this);
+    const Busy busy(&is_busy_);
     const std::string prompt = LoadText(kRenamePrompt, {ForDisplay(titles.front())});
     title = AskTitle(prompt, kRenameCaption, titles.front());
     if (title.empty()) return;
@@ -138,7 +126,7 @@ void frmMain::Duplicate() {
   if (titles.size() != 1) return;
   std::string copy = list_.TitleForCopy(titles.front());
   {
-    const Busy busy(this);
+    const Busy busy(&is_busy_);
     if (!Tell(list_.Duplicate(titles.front(), copy))) copy.clear();
   }
   Refresh(copy);
@@ -151,7 +139,7 @@ void frmMain::Remove() {
   for (const QModelIndex& index : view_->selectionModel()->selectedRows())
     first = std::min(first, index.row());
   {
-    const Busy busy(this);
+    const Busy busy(&is_busy_);
     const std::string prompt = LoadText(kRemovePrompt) + kLineBreak + NameLines(titles);
     const std::int32_t answer =
         services_.show_message(prompt, kButtonsYesNo, kIconExclamation, LoadText(kRemoveCaption));
@@ -167,7 +155,7 @@ void frmMain::OpenFolder(std::size_t kind) {
   const QModelIndexList selected = view_->selectionModel()->selectedRows();
   if (selected.size() != 1) return;
   const std::string folder = model_.RowAt(selected.front().row()).folders[kind].path;
-  const Busy busy(this);
+  const Busy busy(&is_busy_);
   if (folder.empty()) {
     services_.show_message(LoadText(kNoFolderSet), kButtonsOk, kIconExclamation, "");
   } else if (!FolderExists(folder)) {
@@ -182,7 +170,7 @@ void frmMain::OpenFolder(std::size_t kind) {
 
 void frmMain::OpenTester() {
   const std::vector<std::string> titles = SelectedTitles();
-  const Busy busy(this);
+  const Busy busy(&is_busy_);
   const std::string pattern =
       titles.size() == 1 ? model_.RowAt(view_->selectionModel()->selectedRows().front().row()).pattern : "";
   services_.open_tester(this, pattern, list_.TestedName());
@@ -190,7 +178,7 @@ void frmMain::OpenTester() {
 
 void frmMain::OpenSettings(std::int16_t mode) {
   {
-    const Busy busy(this);
+    const Busy busy(&is_busy_);
     OpenEditor(mode, "");
   }
   Refresh();
@@ -213,7 +201,7 @@ void frmMain::Dispatch(const std::vector<std::string>& dropped) {
   if (is_busy_) return;
   std::vector<std::string> paths = dropped;
   {
-    const Busy busy(this);
+    const Busy busy(&is_busy_);
     if (!TellsSurplus(&paths)) return;
     QWidget* focus = focusWidget();
     std::vector<QWidget*> parts = {menuBar(), centralWidget(), findChild<QToolBar*>()};

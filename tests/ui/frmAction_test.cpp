@@ -312,6 +312,9 @@ GTEST_TEST(FrmAction, ProfilesAreMadeAndEdited) {
   opened.typed = "b";
   opened.Click(opened.cmd(2));
   EXPECT_EQ(opened.messages, std::vector<std::string>{"16|同名のプロファイルが既に存在します。"});
+  opened.typed = "（なし）";  // which stands for no profile
+  opened.Click(opened.cmd(2));
+  EXPECT_EQ(opened.messages.size(), 2U);
   EXPECT_TRUE(opened.edited.empty());
   opened.typed = "New";
   opened.Trigger("mnuEdit(11)");
