@@ -7,7 +7,7 @@ namespace quendle {
 namespace {
 
 constexpr int kMostQuestionsForPassword = 3;
-constexpr std::chrono::milliseconds kBetweenReports{50};
+constexpr std::chrono::milliseconds kBetweenReports{20};
 
 }  // namespace
 

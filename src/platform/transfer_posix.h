@@ -38,7 +38,7 @@ class ProgressMeter {
   bool Tick() { return std::chrono::steady_clock::now() - last_ < kInterval || Report(); }
 
  private:
-  static constexpr std::chrono::milliseconds kInterval{50};
+  static constexpr std::chrono::milliseconds kInterval{20};
   static constexpr std::uint64_t kStep = 16 << 20;  // a fast disk is not so far ahead of a cancel then
 
   bool Report() {

@@ -10,7 +10,7 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 constexpr seconds kQuietTime{1};
-// Reports come every 50 milliseconds, so that a window that skipped one of them would lag by 100.
+// Reports come every 20 milliseconds, so that a window that skipped one of them would lag by 40.
 constexpr milliseconds kBetweenEvents{15};
 constexpr milliseconds kBetweenUpdates{50};
 

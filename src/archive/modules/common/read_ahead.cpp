@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kItemBytes = 64U << 10;
 constexpr std::size_t kMostBytes = 1U << 20;  // that wait to be taken
 constexpr std::size_t kItemOverhead = 1000;   // of memory, about
-constexpr std::chrono::milliseconds kBetweenCalls{50};
+constexpr std::chrono::milliseconds kBetweenCalls{20};
 
 }  // namespace
 

@@ -5,7 +5,7 @@
 namespace quendle::modules {
 namespace {
 
-constexpr std::chrono::milliseconds kBetweenReports{50};
+constexpr std::chrono::milliseconds kBetweenReports{20};
 
 ArchiverVersion ForHost(const platform::FileVersion& version) {
   return {version.path.c_str(), version.size, version.write_time};

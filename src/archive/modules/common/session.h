@@ -18,7 +18,7 @@ class Session {
 
   const std::string& Charset() const { return charset_; }
 
-  // At most one call to the host in 50 milliseconds. False: cancelled.
+  // At most one call to the host in 20 milliseconds. False: cancelled.
   bool Progress(const std::string& entry, std::uint64_t done, std::uint64_t total);
 
   enum class Answer { kNo, kYes, kCancel };
