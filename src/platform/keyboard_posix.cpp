@@ -27,7 +27,8 @@ constexpr KeySymbols kAltSymbols = {0xffe9, 0xffea};      // XK_Alt_L, XK_Alt_R
 template <typename Reply>
 using ReplyPointer = std::unique_ptr<Reply, decltype(&std::free)>;
 
-// The X server of the session, by a library that is only loaded here: most runs never ask.
+// The X server of the session, by a library that is only loaded here: most runs never ask. It stays loaded, since
+// whoever asked often opens a window next, for which it would be loaded again.
 class Display {
  public:
   Display() : library_(dlopen("libxcb.so.1", RTLD_NOW | RTLD_LOCAL)) {
@@ -35,7 +36,6 @@ class Display {
   }
   ~Display() {
     if (connection_ != nullptr) disconnect_(connection_);
-    if (library_ != nullptr) dlclose(library_);
   }
   Display(const Display&) = delete;
   Display& operator=(const Display&) = delete;
