@@ -3,7 +3,9 @@
 
 #include <QtWidgets>
 #include <clocale>
+#include <thread>
 
+#include "platform/fonts.h"
 #include "resources/version.h"
 #include "ui/form_helpers.h"
 #include "ui/frmAbout.h"
@@ -12,6 +14,7 @@
 #include "ui/frmMain.h"
 #include "ui/held_keys.h"
 #include "ui/pictures.h"
+#include "ui/program_style.h"
 #include "ui/qt_texts.h"
 #include "ui/qt_user.h"
 #include "ui/text.h"
@@ -45,12 +48,16 @@ class QtWindows final : public Windows {
   static void CloseAll();
 
   WindowsHost host_;
+  // While the application object talks to the display.
+  std::jthread fonts_{platform::ReadFontList};
   QApplication application_{argument_count, arguments};
   std::unique_ptr<UserInterface> user_;
 };
 
 QtWindows::QtWindows(const WindowsHost& host) : host_(host) {
+  fonts_.join();
   std::setlocale(LC_NUMERIC, "C");  // the program reads and writes numbers of its own
+  QApplication::setStyle(new ProgramStyle);
   QApplication::setDesktopFileName("quendle");
   QApplication::setQuitOnLastWindowClosed(false);
   QTimer::singleShot(kAfterFirstPaint, &application_,
