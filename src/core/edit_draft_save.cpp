@@ -77,7 +77,7 @@ EditDraft::Comparison EditDraft::CompareWithFile() {
     const std::string theirs = Read(value.key);
     if (theirs == value.original) continue;
     if (!IsChanged(value)) {
-      changed_by_others_.push_back(value.key);
+      value.is_changed_by_others = true;
       value.original = value.current = theirs;
     } else if (Stored(value.key) == theirs) {
       value.original = value.current = theirs;
@@ -99,24 +99,48 @@ void EditDraft::BecomeNew() {
   for (Value& value : values_) value.original.clear();
 }
 
-platform::Result EditDraft::Write(Value* value) {
-  const std::string stored = Stored(value->key);
-  if (!ini_.SetStr(title_, LoadText(value->key), stored)) return ini_.LastFailure();
-  value->original = value->current = stored;
-  saved_keys_.push_back(value->key);
-  return platform::Success();
+std::vector<int> EditDraft::ChangedByOthers() const {
+  std::vector<int> keys;
+  for (const Value& value : values_) {
+    if (value.is_changed_by_others) keys.push_back(value.key);
+  }
+  return keys;
 }
 
-platform::Result EditDraft::Save() {
-  // One key makes the section, and then it is a profile like any other.
-  if (mode_ == clsPropItem::kEditingNew) {
-    if (platform::Result made = Write(&Find(text_id::kPattern)); !made.ok()) return made;
-    mode_ = clsPropItem::kEditingProfile;
+// One key makes the section of a new profile.
+bool EditDraft::IsToBeWritten(const Value& value) const {
+  return IsChanged(value) || (mode_ == clsPropItem::kEditingNew && value.key == text_id::kPattern);
+}
+
+clsIniFile::KeysAndValues EditDraft::Unsaved() const {
+  clsIniFile::KeysAndValues keys;
+  for (const Value& value : values_) {
+    if (IsToBeWritten(value)) keys.emplace_back(LoadText(value.key), Stored(value.key));
   }
+  return keys;
+}
+
+void EditDraft::MarkSaved() {
   for (Value& value : values_) {
-    if (!IsChanged(value)) continue;
-    if (platform::Result written = Write(&value); !written.ok()) return written;
+    if (!IsToBeWritten(value)) continue;
+    value.original = value.current = Stored(value.key);
+    value.is_changed_by_others = false;
+    is_saved_ = true;
   }
+  if (mode_ == clsPropItem::kEditingNew) mode_ = clsPropItem::kEditingProfile;  // like any other from now on
+}
+
+platform::Result EditDraft::Save(Comparison* comparison) {
+  const auto choose = [this, comparison] {
+    *comparison = CompareWithFile();
+    return comparison->IsSettled() ? Unsaved() : clsIniFile::KeysAndValues();
+  };
+  if (Unsaved().empty()) {  // also where nothing can be written
+    choose();
+  } else if (!ini_.SetStrings(title_, choose)) {
+    return ini_.LastFailure();
+  }
+  if (comparison->IsSettled()) MarkSaved();
   return platform::Success();
 }
 

@@ -93,10 +93,9 @@ class frmEdit : public QDialog {
   void TryPattern();
   void Save();
   bool MaySave();
-  bool Settle();
+  bool Settle(const EditDraft::Comparison& comparison);
   bool AskWhoseValue(const EditDraft::Comparison::Conflict& conflict);
   void TellOthersChanges();
-  void TellFailure(const platform::Result& failure);
   void FocusOn(int key);
   bool Ask(const std::string& question);
   void Tell(const std::string& text, std::int32_t icon);

@@ -112,13 +112,17 @@ void frmEdit::Save() {
   if (is_busy_) return;
   const Busy busy(&is_busy_);
   QGuiApplication::inputMethod()->commit();  // what is being typed counts
-  if (!MaySave() || !Settle()) return;
-  const platform::Result saved = draft_.Save();
-  Fill();
-  if (!saved.ok()) {
-    TellFailure(saved);
-    return;
-  }
+  if (!MaySave()) return;
+  EditDraft::Comparison comparison;
+  do {
+    const platform::Result saved = draft_.Save(&comparison);
+    Fill();  // what has come from the file is to be seen
+    if (!saved.ok()) {
+      Tell(LoadText(6686, {ForDisplay(saved.path), InJapanese(saved.reason)}), kIconCritical);
+      return;
+    }
+    if (!Settle(comparison)) return;
+  } while (!comparison.IsSettled());
   TellOthersChanges();
   accept();
 }
@@ -143,28 +147,21 @@ bool frmEdit::MaySave() {
   return true;
 }
 
-// Until the file holds nothing that the user does not know. The window shows what has come from the file.
-bool frmEdit::Settle() {
-  for (;;) {
-    const EditDraft::Comparison comparison = draft_.CompareWithFile();
-    Fill();
-    if (comparison.is_title_taken) {
-      Tell(LoadText(text_id::kSameProfileName), kIconCritical);
-      return false;
-    }
-    if (comparison.is_gone) {
-      if (!Ask(LoadText(6684, {ForDisplay(draft_.Title())}))) return false;
-      draft_.BecomeNew();
-      continue;
-    }
-    if (comparison.conflicts.empty()) return true;
-    for (const EditDraft::Comparison::Conflict& conflict : comparison.conflicts) {
-      if (!AskWhoseValue(conflict)) return false;
-    }
+// False when it cannot be settled here, or the user wants to think about it.
+bool frmEdit::Settle(const EditDraft::Comparison& comparison) {
+  if (comparison.is_title_taken) {
+    Tell(LoadText(text_id::kSameProfileName), kIconCritical);
+    return false;
   }
+  if (comparison.is_gone) {
+    if (!Ask(LoadText(6684, {ForDisplay(draft_.Title())}))) return false;
+    draft_.BecomeNew();
+  }
+  return std::all_of(comparison.conflicts.begin(), comparison.conflicts.end(),
+                     [this](const auto& conflict) { return AskWhoseValue(conflict); });
 }
 
-// False when the user wants to think about it.
+// False when the user does not decide.
 bool frmEdit::AskWhoseValue(const EditDraft::Comparison::Conflict& conflict) {
   const int key = conflict.key;
   const std::string question =
@@ -180,23 +177,12 @@ void frmEdit::TellOthersChanges() {
   Tell(LoadText(6685, {ListOfValues(draft_, draft_.ChangedByOthers())}), kIconInformation);
 }
 
-void frmEdit::TellFailure(const platform::Result& failure) {
-  std::string text = LoadText(6686, {ForDisplay(failure.path), InJapanese(failure.reason)});
-  if (draft_.IsSaved()) text += kLineBreak + LoadText(6690, {ListOfNames(draft_.SavedKeys())});
-  Tell(text, kIconCritical);
-}
-
 void frmEdit::reject() {
   if (is_busy_) return;
   const Busy busy(&is_busy_);
   QGuiApplication::inputMethod()->commit();
   const std::vector<int> changed = draft_.ChangedKeys();
-  if (!changed.empty()) {
-    std::string question = LoadText(6676, {ListOfNames(changed)});
-    if (draft_.IsSaved())
-      question = LoadText(6690, {ListOfNames(draft_.SavedKeys())}) + kLineBreak + question;
-    if (!Ask(question)) return;
-  }
+  if (!changed.empty() && !Ask(LoadText(6676, {ListOfNames(changed)}))) return;
   QDialog::reject();
 }
 

@@ -1,5 +1,8 @@
 #include "core/edit_draft.h"
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <functional>
 #include <initializer_list>
 
@@ -17,6 +20,13 @@ using namespace text_id;
 constexpr std::int16_t kModes[] = {clsPropItem::kEditingProfile, clsPropItem::kEditingNew,
                                    clsPropItem::kEditingStandard, clsPropItem::kEditingGeneral,
                                    clsPropItem::kEditingTest};
+
+platform::Result Save(EditDraft& draft) {
+  EditDraft::Comparison comparison;
+  platform::Result saved = draft.Save(&comparison);
+  EXPECT_TRUE(comparison.IsSettled());
+  return saved;
+}
 
 EditDraft DraftOf(const test::Settings& settings, std::int16_t mode, const std::string& title = "A") {
   return EditDraft(mode, title, {settings.profiles, settings.standard, settings.test});
@@ -66,7 +76,7 @@ GTEST_TEST(EditDraft, EveryTextComesBackAsItWasTyped) {
         if (kind == EditKey::Kind::kFolder) draft.SetText(key, std::string("/").append(text));
         if (kind == EditKey::Kind::kFlag) draft.SetNumber(key, 1 - draft.Number(key));
       }
-      ASSERT_TRUE(draft.Save().ok());
+      ASSERT_TRUE(Save(draft).ok());
       const std::int16_t again = mode == clsPropItem::kEditingNew ? std::int16_t{1} : mode;
       const EditDraft read = DraftOf(settings, again, title);
       for (const int key : draft.Keys()) {
@@ -117,7 +127,7 @@ GTEST_TEST(EditDraft, OnlyWhatChangedIsWritten) {
     const test::Settings settings(before);
     EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
     row.change(draft);
-    EXPECT_TRUE(draft.Save().ok());
+    EXPECT_TRUE(Save(draft).ok());
     std::string expected = before;
     const std::string old_text = row.old_text;
     if (!old_text.empty()) expected.replace(expected.find(old_text), old_text.size(), row.new_text);
@@ -210,16 +220,34 @@ GTEST_TEST(EditDraft, LongValuesAreShownWhole) {
   EXPECT_EQ(DraftOf(settings, clsPropItem::kEditingProfile).Text(kInclude), longest);
 }
 
-GTEST_TEST(EditDraft, FailureSaysWhereAndWhyAndKeepsTheRest) {
+// Each takes the text of a key and adds to it, and begins anew when the text was no longer what it took.
+GTEST_TEST(EditDraft, NobodyWritesBetweenComparingAndSaving) {
+  const test::Settings settings("[A]\nInclude=\n");
+  constexpr int kRounds = 40;
+  const pid_t child = fork();
+  for (int done = 0; done < kRounds;) {
+    EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
+    draft.SetText(kInclude, draft.Text(kInclude) + (child == 0 ? "c" : "p"));
+    EditDraft::Comparison comparison;
+    if (!draft.Save(&comparison).ok()) break;
+    if (comparison.IsSettled()) ++done;
+  }
+  if (child == 0) _exit(0);
+  EXPECT_EQ(waitpid(child, nullptr, 0), child);
+  EXPECT_EQ(DraftOf(settings, clsPropItem::kEditingProfile).Text(kInclude).size(), 2U * kRounds);
+}
+
+GTEST_TEST(EditDraft, FailureSaysWhereAndWhyAndWritesNothing) {
   const test::Settings settings("[A]\n\n");
   EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
   draft.SetText(kPattern, "p");
   draft.SetText(kInclude, "a\nb");
-  const platform::Result failure = draft.Save();
+  const platform::Result failure = Save(draft);
   EXPECT_EQ(failure.path, settings.folder / "items.ini");
   EXPECT_EQ(failure.reason, "the value contains a line break or NUL");
-  EXPECT_EQ(draft.SavedKeys(), std::vector<int>{kPattern});
-  EXPECT_EQ(draft.ChangedKeys(), std::vector<int>{kInclude});
+  EXPECT_FALSE(draft.IsSaved());
+  EXPECT_EQ(draft.ChangedKeys(), (std::vector<int>{kPattern, kInclude}));
+  EXPECT_EQ(test::ReadFile(settings.folder / "items.ini"), "[A]\n\n");
 }
 
 }  // namespace
