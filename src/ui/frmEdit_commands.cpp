@@ -169,6 +169,7 @@ bool frmEdit::AskWhoseValue(const EditDraft::Comparison::Conflict& conflict) {
   const std::int32_t answer = services_.show_message(question, kButtonsYesNoCancel, kIconQuestion, "");
   if (answer != kAnswerYes && answer != kAnswerNo) return false;
   draft_.Settle(conflict, answer == kAnswerYes);
+  Fill();  // also when a later question is left open
   return true;
 }
 

@@ -292,6 +292,18 @@ GTEST_TEST(FrmEdit, OthersChangesAreToldOrAskedAbout) {
   }
 }
 
+GTEST_TEST(FrmEdit, WhatIsSettledIsShownWhileTheRestIsOpen) {
+  test::Settings settings("[A]\nPattern=p\nInclude=i\n");
+  EditWindow edit(settings, 1);
+  edit.Type("Pattern", "mine");
+  edit.Type("Include", "mine");
+  WriteFile(settings.folder / "items.ini", "[A]\nPattern=t\nInclude=t\n");
+  edit.answers = {kAnswerNo, kAnswerCancel};
+  edit.Click("cmd.OK");
+  EXPECT_EQ(edit.Field("Pattern"), "t");
+  EXPECT_EQ(edit.Field("Include"), "mine");
+}
+
 // What changes while the user answers is asked about, too.
 GTEST_TEST(FrmEdit, AnswersAreNotOutrun) {
   test::Settings settings("[A]\nPattern=p\n");
