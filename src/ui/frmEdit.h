@@ -87,6 +87,8 @@ class frmEdit : public QDialog {
   void PaintHints();
 
   // Commands
+  bool IsFitForSettings(const std::string& picked);
+  void Put(int key, const std::string& text);
   void BrowseFolder(int key);
   void BrowseFiler();
   void ProposePattern();

@@ -44,6 +44,20 @@ void frmEdit::Tell(const std::string& text, std::int32_t icon) {
   services_.show_message(text, kButtonsOk, icon, "");
 }
 
+// Nothing was picked, or a path that is no text: the settings are text.
+bool frmEdit::IsFitForSettings(const std::string& picked) {
+  if (platform::IsUtf8(picked)) return !picked.empty();
+  Tell(LoadText(6675, {ForDisplay(picked)}), kIconExclamation);
+  return false;
+}
+
+// As if it were typed over what is there: it can be undone.
+void frmEdit::Put(int key, const std::string& text) {
+  txt[key]->selectAll();
+  txt[key]->insert(ToQt(text));
+  txt[key]->selectAll();
+}
+
 void frmEdit::BrowseFolder(int key) {
   const std::map<int, int> prompts = {{text_id::kExtractTo, text_id::kAskExtractFolder},
                                       {text_id::kMoveTo, text_id::kAskMoveFolder},
@@ -53,13 +67,7 @@ void frmEdit::BrowseFolder(int key) {
   const std::string start = typed.empty() ? draft_.InheritedFolder(key) : typed;
   const std::string picked = services_.pick_folder(this, LoadText(prompts.at(key)), start);
   FocusOn(key);
-  if (picked.empty()) return;
-  if (!platform::IsUtf8(picked)) {
-    Tell(LoadText(6675, {ForDisplay(picked)}), kIconExclamation);
-    return;
-  }
-  txt[key]->setText(ToQt(draft_.PickedFolder(picked)));
-  txt[key]->selectAll();
+  if (IsFitForSettings(picked)) Put(key, draft_.PickedFolder(picked));
 }
 
 void frmEdit::BrowseFiler() {
@@ -70,13 +78,7 @@ void frmEdit::BrowseFiler() {
   request.folder = SplitPath(draft_.Text(text_id::kFiler)).folder;
   const std::string picked = services_.pick_file(this, request);
   FocusOn(text_id::kFiler);
-  if (picked.empty()) return;
-  if (!platform::IsUtf8(picked)) {
-    Tell(LoadText(6675, {ForDisplay(picked)}), kIconExclamation);
-    return;
-  }
-  txt[text_id::kFiler]->setText(ToQt(picked));
-  txt[text_id::kFiler]->selectAll();
+  if (IsFitForSettings(picked)) Put(text_id::kFiler, picked);
 }
 
 void frmEdit::ProposePattern() {
@@ -97,9 +99,8 @@ void frmEdit::ProposePattern() {
     pattern = MakePatternFromTarget(file);
     example_name_ = file.pFileNameLong();
   }
-  txt[text_id::kPattern]->setText(ToQt(platform::WithReplacementCharacters(pattern)));
   FocusOn(text_id::kPattern);
-  txt[text_id::kPattern]->selectAll();
+  Put(text_id::kPattern, pattern);
 }
 
 void frmEdit::TryPattern() {

@@ -210,6 +210,9 @@ GTEST_TEST(FrmEdit, ButtonsFillTheirFields) {
   edit.Click("cmd.Propose");
   edit.Click("cmd.Test");
   EXPECT_EQ(edit.tested, "x.*\\.lzh|x1.lzh");
+  edit.Get<QLineEdit>("txt.Pattern")->setFocus();
+  edit.Press(Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(edit.Field("Pattern"), "abc_.*\\.zip");
   EditWindow general(settings, 4);
   general.picked = "/usr/bin/filer";
   general.Click("cmd.FILER");
