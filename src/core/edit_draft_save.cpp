@@ -22,6 +22,16 @@ bool HasBreak(const std::string& text) {
   return text.find_first_of(std::string_view("\r\n\0", 3)) != std::string::npos;
 }
 
+// Of the first of several patterns that the engine refuses.
+std::string PatternListProblem(const std::string& patterns) {
+  const std::string list = patterns + ";";
+  for (std::size_t begin = 0, end; (end = list.find(';', begin)) != std::string::npos; begin = end + 1) {
+    const std::string pattern = list.substr(begin, end - begin);
+    if (const std::string why = PatternProblem(pattern); !why.empty()) return pattern + ": " + why;
+  }
+  return "";
+}
+
 }  // namespace
 
 std::string EditDraft::Stored(int key) const {
@@ -38,9 +48,10 @@ std::optional<EditDraft::Problem> EditDraft::ProblemOf(int key) const {
     if (!IsAbsolutePath(stored)) return Problem{LoadText(kNotAbsolute)};
     if (HasParentComponent(stored)) return Problem{LoadText(kHasParent)};
   }
-  if (key == text_id::kPattern) {
-    if (const std::string why = PatternProblem(stored); !why.empty()) return Problem{why, true};
-  }
+  std::string why;
+  if (key == text_id::kPattern) why = PatternProblem(stored);
+  if (key == text_id::kInclude || key == text_id::kExclude) why = PatternListProblem(stored);
+  if (!why.empty()) return Problem{why, true};
   if (key == text_id::kArchiveCharset && !platform::TextFromEncoding("", stored)) {
     return Problem{LoadText(kUnknownCharset, {stored}), true};
   }

@@ -225,9 +225,10 @@ GTEST_TEST(FrmEdit, ProblemsAreToldAtOnceAndBeforeSaving) {
     const char* key;
     const char* text;
     bool can_be_saved;
-  } rows[] = {{1, "Pattern", "a(", true},    {1, "MoveTo", "rel", false},
-              {1, "Include", "a\nb", false}, {0, "CopyTo", "/a/../b", false},
-              {6, "ExtractTo", "~", false},  {4, "ArchiveCharset", "x-none", true}};
+  } rows[] = {{1, "Pattern", "a(", true},           {1, "MoveTo", "rel", false},
+              {1, "Include", "a\nb", false},        {1, "Exclude", "*.c", true},
+              {0, "CopyTo", "/a/../b", false},      {6, "ExtractTo", "~", false},
+              {4, "ArchiveCharset", "x-none", true}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.key);
     test::Settings settings("[A]\n\n", "[General]\n", "[General]\n");
