@@ -13,8 +13,8 @@
 
 namespace quendle {
 
-// Keys are named by their identifiers in the string table (text_id::kPattern ...). One that the use does not have is a
-// programming error.
+// Keys are named by their identifiers in the string table (text_id::kPattern ...). One that the use does not
+// have is a programming error.
 class EditDraft {
  public:
   struct Stores {
@@ -23,8 +23,8 @@ class EditDraft {
     const clsPropDefault& test;
   };
 
-  // `mode` is one of clsPropItem's kEditing... values, `title` that of the profile for the two that edit one. Reads
-  // the file; what a profile inherits is read whenever it is asked for.
+  // `mode` is one of clsPropItem's kEditing... values, `title` that of the profile for the two that edit one.
+  // Reads the file; what a profile inherits is read whenever it is asked for.
   EditDraft(std::int16_t mode, std::string title, const Stores& stores);
 
   std::int16_t Mode() const { return mode_; }
@@ -36,12 +36,12 @@ class EditDraft {
   // Texts and folders as they are typed; empty stands for missing.
   const std::string& Text(int key) const;
   void SetText(int key, const std::string& text);
-  // Numbers and flags (0 or 1) as they count: what is missing or out of range reads as the settings read it, and what
-  // is inherited as the standard settings say.
+  // Numbers and flags (0 or 1) as they count: what is missing or out of range reads as the settings read it,
+  // and what is inherited as the standard settings say.
   int Number(int key) const;
   void SetNumber(int key, int number);
-  // Does the profile leave this to the standard settings? When it stops doing so, what it has no value of its own for
-  // begins with the inherited one.
+  // Does the profile leave this to the standard settings? When it stops doing so, what it has no value of its
+  // own for begins with the inherited one.
   bool IsInherited(int key) const;
   // What an empty folder stands for.
   std::string InheritedFolder(int key) const;
@@ -59,8 +59,8 @@ class EditDraft {
   // The keys that saving would write.
   std::vector<int> ChangedKeys() const;
 
-  // What became of the file since it was read, and the user has to settle: for each of `conflicts` whose value holds.
-  // Of a profile that is gone, or a title that is taken, no key is looked at.
+  // What became of the file since it was read, and the user has to settle: for each of `conflicts` whose
+  // value holds. Of a profile that is gone, or a title that is taken, no key is looked at.
   struct Comparison {
     bool is_gone = false;         // the profile was removed or renamed
     bool is_title_taken = false;  // the new profile has the title of another
@@ -75,10 +75,10 @@ class EditDraft {
   // The profile that is gone is to be made anew, with everything in it.
   void BecomeNew();
 
-  // Compares with the file and, if there is nothing to settle, writes the keys that changed, and those only, all at once
-  // or, after a failure, none; a new profile exists afterwards even if none did. No other copy of this program writes
-  // between the two. Keys that only others changed have their new values afterwards. Having to settle something is no
-  // failure, but nothing is written.
+  // Compares with the file and, if there is nothing to settle, writes the keys that changed, and those only,
+  // all at once or, after a failure, none; a new profile exists afterwards even if none did. No other copy of
+  // this program writes between the two. Keys that only others changed have their new values afterwards.
+  // Having to settle something is no failure, but nothing is written.
   platform::Result Save(Comparison* comparison);
   std::vector<int> ChangedByOthers() const;  // and not by the user since
   // Was anything written?

@@ -283,7 +283,8 @@ GTEST_TEST(FrmEdit, OthersChangesAreToldOrAskedAbout) {
   }
 }
 
-// What changes while the user answers is asked about, too; what he has settled is shown, whatever he leaves open.
+// What changes while the user answers is asked about, too; what he has settled is shown, whatever he leaves
+// open.
 GTEST_TEST(FrmEdit, AnswersAreNotOutrun) {
   test::Settings settings("[A]\nPattern=p\n");
   EditWindow edit(settings, 1);
