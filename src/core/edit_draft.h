@@ -13,8 +13,8 @@
 
 namespace quendle {
 
-// Keys are named by their identifiers in the string table (text_id::kPattern ...). One that the use does not have is a
-// programming error.
+// Keys are named by their identifiers in the string table (text_id::kPattern ...). One that the use does not
+// have is a programming error.
 class EditDraft {
  public:
   struct Stores {
@@ -23,8 +23,8 @@ class EditDraft {
     const clsPropDefault& test;
   };
 
-  // `mode` is one of clsPropItem's kEditing... values, `title` that of the profile for the two that edit one. Reads
-  // the file; what a profile inherits is read whenever it is asked for.
+  // `mode` is one of clsPropItem's kEditing... values, `title` that of the profile for the two that edit one.
+  // Reads the file; what a profile inherits is read whenever it is asked for.
   EditDraft(std::int16_t mode, std::string title, const Stores& stores);
 
   std::int16_t Mode() const { return mode_; }
@@ -36,12 +36,12 @@ class EditDraft {
   // Texts and folders as they are typed; empty stands for missing.
   const std::string& Text(int key) const;
   void SetText(int key, const std::string& text);
-  // Numbers and flags (0 or 1) as they count: what is missing or out of range reads as the settings read it, and what
-  // is inherited as the standard settings say.
+  // Numbers and flags (0 or 1) as they count: what is missing or out of range reads as the settings read it,
+  // and what is inherited as the standard settings say.
   int Number(int key) const;
   void SetNumber(int key, int number);
-  // Does the profile leave this to the standard settings? When it stops doing so, what it has no value of its own for
-  // begins with the inherited one.
+  // Does the profile leave this to the standard settings? When it stops doing so, what it has no value of its
+  // own for begins with the inherited one.
   bool IsInherited(int key) const;
   // What an empty folder stands for.
   std::string InheritedFolder(int key) const;
@@ -59,9 +59,8 @@ class EditDraft {
   // The keys that saving would write.
   std::vector<int> ChangedKeys() const;
 
-  // What became of the file since it was read. Keys that only others changed have their new values afterwards, and are
-  // listed by ChangedByOthers; for each of `conflicts` the user has to settle whose value holds. Of a profile that is
-  // gone, or a title that is taken, no key is looked at.
+  // What became of the file since it was read, and the user has to settle: for each of `conflicts` whose
+  // value holds. Of a profile that is gone, or a title that is taken, no key is looked at.
   struct Comparison {
     bool is_gone = false;         // the profile was removed or renamed
     bool is_title_taken = false;  // the new profile has the title of another
@@ -70,20 +69,20 @@ class EditDraft {
       std::string theirs;
     };
     std::vector<Conflict> conflicts;
+    bool IsSettled() const { return !is_gone && !is_title_taken && conflicts.empty(); }
   };
-  Comparison CompareWithFile();
   void Settle(const Comparison::Conflict& conflict, bool mine);
   // The profile that is gone is to be made anew, with everything in it.
   void BecomeNew();
-  const std::vector<int>& ChangedByOthers() const { return changed_by_others_; }
 
-  // Writes the keys that changed, and those only; a new profile exists afterwards even if none did. Stops at the first
-  // that cannot be written: what was written before is no change any more, the rest still is.
-  platform::Result Save();
-  // Those that were written so far.
-  const std::vector<int>& SavedKeys() const { return saved_keys_; }
-  // Was anything?
-  bool IsSaved() const { return !saved_keys_.empty(); }
+  // Compares with the file and, if there is nothing to settle, writes the keys that changed, and those only,
+  // all at once or, after a failure, none; a new profile exists afterwards even if none did. No other copy of
+  // this program writes between the two. Keys that only others changed have their new values afterwards.
+  // Having to settle something is no failure, but nothing is written.
+  platform::Result Save(Comparison* comparison);
+  std::vector<int> ChangedByOthers() const;  // and not by the user since
+  // Was anything written?
+  bool IsSaved() const { return is_saved_; }
 
  private:
   struct Value {
@@ -91,6 +90,7 @@ class EditDraft {
     std::string original;  // in the file, as far as the user knows
     std::string current;
     std::string seed;  // inherited, when that became the current one
+    bool is_changed_by_others = false;
   };
 
   const Value& Find(int key) const;
@@ -100,16 +100,18 @@ class EditDraft {
   int Meaning(int key, const std::string& text) const;
   const clsPropDefault& Settings() const;
   bool IsChanged(const Value& value) const;
+  bool IsToBeWritten(const Value& value) const;
   void SeedOwnValues(bool on);
-  platform::Result Write(Value* value);
+  Comparison CompareWithFile();
+  clsIniFile::KeysAndValues Unsaved() const;
+  void MarkSaved();
 
   std::int16_t mode_;
   std::string title_;
   Stores stores_;
   clsIniFile ini_;
   std::vector<Value> values_;
-  std::vector<int> changed_by_others_;
-  std::vector<int> saved_keys_;
+  bool is_saved_ = false;
 };
 
 }  // namespace quendle

@@ -22,6 +22,16 @@ bool HasBreak(const std::string& text) {
   return text.find_first_of(std::string_view("\r\n\0", 3)) != std::string::npos;
 }
 
+// Of the first of several patterns that the engine refuses.
+std::string PatternListProblem(const std::string& patterns) {
+  const std::string list = patterns + ";";
+  for (std::size_t begin = 0, end; (end = list.find(';', begin)) != std::string::npos; begin = end + 1) {
+    const std::string pattern = list.substr(begin, end - begin);
+    if (const std::string why = PatternProblem(pattern); !why.empty()) return pattern + ": " + why;
+  }
+  return "";
+}
+
 }  // namespace
 
 std::string EditDraft::Stored(int key) const {
@@ -38,9 +48,10 @@ std::optional<EditDraft::Problem> EditDraft::ProblemOf(int key) const {
     if (!IsAbsolutePath(stored)) return Problem{LoadText(kNotAbsolute)};
     if (HasParentComponent(stored)) return Problem{LoadText(kHasParent)};
   }
-  if (key == text_id::kPattern) {
-    if (const std::string why = PatternProblem(stored); !why.empty()) return Problem{why, true};
-  }
+  std::string why;
+  if (key == text_id::kPattern) why = PatternProblem(stored);
+  if (key == text_id::kInclude || key == text_id::kExclude) why = PatternListProblem(stored);
+  if (!why.empty()) return Problem{why, true};
   if (key == text_id::kArchiveCharset && !platform::TextFromEncoding("", stored)) {
     return Problem{LoadText(kUnknownCharset, {stored}), true};
   }
@@ -77,7 +88,7 @@ EditDraft::Comparison EditDraft::CompareWithFile() {
     const std::string theirs = Read(value.key);
     if (theirs == value.original) continue;
     if (!IsChanged(value)) {
-      changed_by_others_.push_back(value.key);
+      value.is_changed_by_others = true;
       value.original = value.current = theirs;
     } else if (Stored(value.key) == theirs) {
       value.original = value.current = theirs;
@@ -99,24 +110,48 @@ void EditDraft::BecomeNew() {
   for (Value& value : values_) value.original.clear();
 }
 
-platform::Result EditDraft::Write(Value* value) {
-  const std::string stored = Stored(value->key);
-  if (!ini_.SetStr(title_, LoadText(value->key), stored)) return ini_.LastFailure();
-  value->original = value->current = stored;
-  saved_keys_.push_back(value->key);
-  return platform::Success();
+std::vector<int> EditDraft::ChangedByOthers() const {
+  std::vector<int> keys;
+  for (const Value& value : values_) {
+    if (value.is_changed_by_others) keys.push_back(value.key);
+  }
+  return keys;
 }
 
-platform::Result EditDraft::Save() {
-  // One key makes the section, and then it is a profile like any other.
-  if (mode_ == clsPropItem::kEditingNew) {
-    if (platform::Result made = Write(&Find(text_id::kPattern)); !made.ok()) return made;
-    mode_ = clsPropItem::kEditingProfile;
+// One key makes the section of a new profile.
+bool EditDraft::IsToBeWritten(const Value& value) const {
+  return IsChanged(value) || (mode_ == clsPropItem::kEditingNew && value.key == text_id::kPattern);
+}
+
+clsIniFile::KeysAndValues EditDraft::Unsaved() const {
+  clsIniFile::KeysAndValues keys;
+  for (const Value& value : values_) {
+    if (IsToBeWritten(value)) keys.emplace_back(LoadText(value.key), Stored(value.key));
   }
+  return keys;
+}
+
+void EditDraft::MarkSaved() {
   for (Value& value : values_) {
-    if (!IsChanged(value)) continue;
-    if (platform::Result written = Write(&value); !written.ok()) return written;
+    if (!IsToBeWritten(value)) continue;
+    value.original = value.current = Stored(value.key);
+    value.is_changed_by_others = false;
+    is_saved_ = true;
   }
+  if (mode_ == clsPropItem::kEditingNew) mode_ = clsPropItem::kEditingProfile;  // like any other from now on
+}
+
+platform::Result EditDraft::Save(Comparison* comparison) {
+  const auto choose = [this, comparison] {
+    *comparison = CompareWithFile();
+    return comparison->IsSettled() ? Unsaved() : clsIniFile::KeysAndValues();
+  };
+  if (Unsaved().empty()) {  // also where nothing can be written
+    choose();
+  } else if (!ini_.SetStrings(title_, choose)) {
+    return ini_.LastFailure();
+  }
+  if (comparison->IsSettled()) MarkSaved();
   return platform::Success();
 }
 

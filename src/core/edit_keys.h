@@ -20,8 +20,8 @@ struct EditKey {
   bool is_behaviour = false;  // a profile without settings of its own inherits it
 };
 
-// In the order in which they are shown and written. `mode` is one of clsPropItem's kEditing... values; any other is a
-// programming error, and so is a key that the editor never shows.
+// In the order in which they are shown and written. `mode` is one of clsPropItem's kEditing... values; any
+// other is a programming error, and so is a key that the editor never shows.
 const std::vector<int>& KeysOfEditor(std::int16_t mode);
 const EditKey& RuleOf(int key);
 

@@ -54,9 +54,15 @@ void VisitProfileSections(const std::string& file, const ProfileSectionVisitor& 
 Result WriteProfileString(const std::string& file, const std::string& section, const std::string& key,
                           const std::string& value);
 
+// Sets keys of one section, all at once or, after a failure, none of them; each is written and refused as
+// WriteProfileString does. `choose` answers which, and is asked under the lock: what it reads is what will be
+// changed. It must not write itself. No keys leave the file alone.
+using KeysAndValues = std::vector<std::pair<std::string, std::string>>;
+Result WriteProfileStrings(const std::string& file, const std::string& section,
+                           const std::function<KeysAndValues()>& choose);
+
 // Makes a file of one section with these keys and values, each written and refused as WriteProfileString
 // does. A file that is there already is left as it is, also one that another process has just made.
-using KeysAndValues = std::vector<std::pair<std::string, std::string>>;
 Result CreateProfile(const std::string& file, const std::string& section, const KeysAndValues& keys);
 
 // Removes every section of these names, header and body, all at once. A missing file or section is a success.

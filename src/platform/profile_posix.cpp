@@ -85,15 +85,27 @@ Result At(const std::string& file, Result edited) {
   return edited;
 }
 
-Result ChangeProfile(const std::string& file, const std::function<Result(std::string*)>& edit) {
-  std::unique_ptr<FolderLock> lock;
-  if (Result taken = FolderLock::Take(file, &lock); !taken.ok()) return taken;
+// The caller holds the lock.
+Result ChangeLocked(const std::string& file, const std::function<Result(std::string*)>& edit) {
   std::string old_bytes;
   Result read = ReadWholeFile(file, &old_bytes);
   if (!read.ok() && read.code != Code::kNotFound) return read;
   std::string bytes = old_bytes;
   if (const Result edited = edit(&bytes); !edited.ok()) return At(file, edited);
   return bytes == old_bytes ? Success() : ReplaceFile(file, bytes);
+}
+
+Result ChangeProfile(const std::string& file, const std::function<Result(std::string*)>& edit) {
+  std::unique_ptr<FolderLock> lock;
+  if (Result taken = FolderLock::Take(file, &lock); !taken.ok()) return taken;
+  return ChangeLocked(file, edit);
+}
+
+Result SetKeys(const std::string& section, const KeysAndValues& keys, std::string* bytes) {
+  for (const auto& [key, value] : keys) {
+    if (Result set = SetKey(section, key, value, bytes); !set.ok()) return set;
+  }
+  return Success();
 }
 
 }  // namespace
@@ -116,15 +128,21 @@ Result WriteProfileString(const std::string& file, const std::string& section, c
   return ChangeProfile(file, [&](std::string* bytes) { return SetKey(section, key, value, bytes); });
 }
 
+Result WriteProfileStrings(const std::string& file, const std::string& section,
+                           const std::function<KeysAndValues()>& choose) {
+  std::unique_ptr<FolderLock> lock;
+  if (Result taken = FolderLock::Take(file, &lock); !taken.ok()) return taken;
+  const KeysAndValues keys = choose();
+  return ChangeLocked(file, [&](std::string* bytes) { return SetKeys(section, keys, bytes); });
+}
+
 Result CreateProfile(const std::string& file, const std::string& section, const KeysAndValues& keys) {
   std::unique_ptr<FolderLock> lock;
   if (Result taken = FolderLock::Take(file, &lock); !taken.ok()) return taken;
   struct stat present;
   if (stat(file.c_str(), &present) == 0 && !S_ISDIR(present.st_mode)) return Success();
   std::string bytes;
-  for (const auto& [key, value] : keys) {
-    if (const Result set = SetKey(section, key, value, &bytes); !set.ok()) return At(file, set);
-  }
+  if (const Result set = SetKeys(section, keys, &bytes); !set.ok()) return At(file, set);
   return ReplaceFile(file, bytes);
 }
 

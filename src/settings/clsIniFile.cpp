@@ -81,6 +81,11 @@ bool clsIniFile::SetStr(const std::string& section, const std::string& key, cons
   return last_failure_.ok();
 }
 
+bool clsIniFile::SetStrings(const std::string& section, const std::function<KeysAndValues()>& choose) {
+  last_failure_ = platform::WriteProfileStrings(pFileName, section, choose);
+  return last_failure_.ok();
+}
+
 std::string clsIniFile::GetStr(const std::string& section, const std::string& key,
                                const std::string& fallback) const {
   const std::string value =

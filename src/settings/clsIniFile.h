@@ -6,8 +6,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/result.h"
@@ -25,6 +27,11 @@ class clsIniFile {
 
   // False when the key could not be written; LastFailure says why.
   bool SetStr(const std::string& section, const std::string& key, const std::string& value);
+
+  // Sets several keys, all at once or, after a failure (false), none. `choose` answers which while no other
+  // copy of this program can write: what it reads is what will be changed. It must not write itself.
+  using KeysAndValues = std::vector<std::pair<std::string, std::string>>;
+  bool SetStrings(const std::string& section, const std::function<KeysAndValues()>& choose);
 
   // The default stands in for an empty value as well as for a missing one.
   std::string GetStr(const std::string& section, const std::string& key, const std::string& fallback) const;

@@ -26,7 +26,8 @@ class QRadioButton;
 namespace quendle {
 
 // Opens the editor for what EDITMODE, Title and NEWTITLE of the profile store say, modal to `owner`:
-//   1 the profile Title    2 a new profile NEWTITLE    0 standard settings    4 general settings    6 test settings
+//   1 the profile Title      2 a new profile NEWTITLE
+//   0 standard settings      4 general settings      6 test settings
 // True when something was saved; NEWTITLE is the title of the profile then. EDITMODE is 0 afterwards.
 bool OpenEditor(QWidget* owner, Globals& globals);
 
@@ -39,7 +40,8 @@ struct EditServices {
   std::function<void(QWidget*, const std::string&, const std::string&)> open_tester = OpenRegexTester;
 };
 
-// The controls are named after the keys: "txt.MoveTo", "chk.OpenDir", "opt.SmartRename.2", "cmd.MoveTo", "hint.MoveTo".
+// The controls are named after the keys: "txt.MoveTo", "chk.OpenDir", "opt.SmartRename.2", "cmd.MoveTo",
+// "hint.MoveTo".
 class frmEdit : public QDialog {
  public:
   // `target`: the file at hand, if it has a name.
@@ -87,16 +89,17 @@ class frmEdit : public QDialog {
   void PaintHints();
 
   // Commands
+  bool IsFitForSettings(const std::string& picked);
+  void Put(int key, const std::string& text);
   void BrowseFolder(int key);
   void BrowseFiler();
   void ProposePattern();
   void TryPattern();
   void Save();
   bool MaySave();
-  bool Settle();
+  bool Settle(const EditDraft::Comparison& comparison);
   bool AskWhoseValue(const EditDraft::Comparison::Conflict& conflict);
   void TellOthersChanges();
-  void TellFailure(const platform::Result& failure);
   void FocusOn(int key);
   bool Ask(const std::string& question);
   void Tell(const std::string& text, std::int32_t icon);

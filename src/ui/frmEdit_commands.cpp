@@ -44,6 +44,20 @@ void frmEdit::Tell(const std::string& text, std::int32_t icon) {
   services_.show_message(text, kButtonsOk, icon, "");
 }
 
+// Nothing was picked, or a path that is no text: the settings are text.
+bool frmEdit::IsFitForSettings(const std::string& picked) {
+  if (platform::IsUtf8(picked)) return !picked.empty();
+  Tell(LoadText(6675, {ForDisplay(picked)}), kIconExclamation);
+  return false;
+}
+
+// As if it were typed over what is there: it can be undone.
+void frmEdit::Put(int key, const std::string& text) {
+  txt[key]->selectAll();
+  txt[key]->insert(ToQt(text));
+  txt[key]->selectAll();
+}
+
 void frmEdit::BrowseFolder(int key) {
   const std::map<int, int> prompts = {{text_id::kExtractTo, text_id::kAskExtractFolder},
                                       {text_id::kMoveTo, text_id::kAskMoveFolder},
@@ -53,13 +67,7 @@ void frmEdit::BrowseFolder(int key) {
   const std::string start = typed.empty() ? draft_.InheritedFolder(key) : typed;
   const std::string picked = services_.pick_folder(this, LoadText(prompts.at(key)), start);
   FocusOn(key);
-  if (picked.empty()) return;
-  if (!platform::IsUtf8(picked)) {
-    Tell(LoadText(6675, {ForDisplay(picked)}), kIconExclamation);
-    return;
-  }
-  txt[key]->setText(ToQt(draft_.PickedFolder(picked)));
-  txt[key]->selectAll();
+  if (IsFitForSettings(picked)) Put(key, draft_.PickedFolder(picked));
 }
 
 void frmEdit::BrowseFiler() {
@@ -70,13 +78,7 @@ void frmEdit::BrowseFiler() {
   request.folder = SplitPath(draft_.Text(text_id::kFiler)).folder;
   const std::string picked = services_.pick_file(this, request);
   FocusOn(text_id::kFiler);
-  if (picked.empty()) return;
-  if (!platform::IsUtf8(picked)) {
-    Tell(LoadText(6675, {ForDisplay(picked)}), kIconExclamation);
-    return;
-  }
-  txt[text_id::kFiler]->setText(ToQt(picked));
-  txt[text_id::kFiler]->selectAll();
+  if (IsFitForSettings(picked)) Put(text_id::kFiler, picked);
 }
 
 void frmEdit::ProposePattern() {
@@ -97,9 +99,8 @@ void frmEdit::ProposePattern() {
     pattern = MakePatternFromTarget(file);
     example_name_ = file.pFileNameLong();
   }
-  txt[text_id::kPattern]->setText(ToQt(platform::WithReplacementCharacters(pattern)));
   FocusOn(text_id::kPattern);
-  txt[text_id::kPattern]->selectAll();
+  Put(text_id::kPattern, pattern);
 }
 
 void frmEdit::TryPattern() {
@@ -112,13 +113,17 @@ void frmEdit::Save() {
   if (is_busy_) return;
   const Busy busy(&is_busy_);
   QGuiApplication::inputMethod()->commit();  // what is being typed counts
-  if (!MaySave() || !Settle()) return;
-  const platform::Result saved = draft_.Save();
-  Fill();
-  if (!saved.ok()) {
-    TellFailure(saved);
-    return;
-  }
+  if (!MaySave()) return;
+  EditDraft::Comparison comparison;
+  do {
+    const platform::Result saved = draft_.Save(&comparison);
+    Fill();  // what has come from the file is to be seen
+    if (!saved.ok()) {
+      Tell(LoadText(6686, {ForDisplay(saved.path), InJapanese(saved.reason)}), kIconCritical);
+      return;
+    }
+    if (!Settle(comparison)) return;
+  } while (!comparison.IsSettled());
   TellOthersChanges();
   accept();
 }
@@ -143,28 +148,21 @@ bool frmEdit::MaySave() {
   return true;
 }
 
-// Until the file holds nothing that the user does not know. The window shows what has come from the file.
-bool frmEdit::Settle() {
-  for (;;) {
-    const EditDraft::Comparison comparison = draft_.CompareWithFile();
-    Fill();
-    if (comparison.is_title_taken) {
-      Tell(LoadText(text_id::kSameProfileName), kIconCritical);
-      return false;
-    }
-    if (comparison.is_gone) {
-      if (!Ask(LoadText(6684, {ForDisplay(draft_.Title())}))) return false;
-      draft_.BecomeNew();
-      continue;
-    }
-    if (comparison.conflicts.empty()) return true;
-    for (const EditDraft::Comparison::Conflict& conflict : comparison.conflicts) {
-      if (!AskWhoseValue(conflict)) return false;
-    }
+// False when it cannot be settled here, or the user wants to think about it.
+bool frmEdit::Settle(const EditDraft::Comparison& comparison) {
+  if (comparison.is_title_taken) {
+    Tell(LoadText(text_id::kSameProfileName), kIconCritical);
+    return false;
   }
+  if (comparison.is_gone) {
+    if (!Ask(LoadText(6684, {ForDisplay(draft_.Title())}))) return false;
+    draft_.BecomeNew();
+  }
+  return std::all_of(comparison.conflicts.begin(), comparison.conflicts.end(),
+                     [this](const auto& conflict) { return AskWhoseValue(conflict); });
 }
 
-// False when the user wants to think about it.
+// False when the user does not decide.
 bool frmEdit::AskWhoseValue(const EditDraft::Comparison::Conflict& conflict) {
   const int key = conflict.key;
   const std::string question =
@@ -172,6 +170,7 @@ bool frmEdit::AskWhoseValue(const EditDraft::Comparison::Conflict& conflict) {
   const std::int32_t answer = services_.show_message(question, kButtonsYesNoCancel, kIconQuestion, "");
   if (answer != kAnswerYes && answer != kAnswerNo) return false;
   draft_.Settle(conflict, answer == kAnswerYes);
+  Fill();  // also when a later question is left open
   return true;
 }
 
@@ -180,23 +179,12 @@ void frmEdit::TellOthersChanges() {
   Tell(LoadText(6685, {ListOfValues(draft_, draft_.ChangedByOthers())}), kIconInformation);
 }
 
-void frmEdit::TellFailure(const platform::Result& failure) {
-  std::string text = LoadText(6686, {ForDisplay(failure.path), InJapanese(failure.reason)});
-  if (draft_.IsSaved()) text += kLineBreak + LoadText(6690, {ListOfNames(draft_.SavedKeys())});
-  Tell(text, kIconCritical);
-}
-
 void frmEdit::reject() {
   if (is_busy_) return;
   const Busy busy(&is_busy_);
   QGuiApplication::inputMethod()->commit();
   const std::vector<int> changed = draft_.ChangedKeys();
-  if (!changed.empty()) {
-    std::string question = LoadText(6676, {ListOfNames(changed)});
-    if (draft_.IsSaved())
-      question = LoadText(6690, {ListOfNames(draft_.SavedKeys())}) + kLineBreak + question;
-    if (!Ask(question)) return;
-  }
+  if (!changed.empty() && !Ask(LoadText(6676, {ListOfNames(changed)}))) return;
   QDialog::reject();
 }
 

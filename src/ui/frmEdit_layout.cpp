@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "core/edit_keys.h"
 #include "resources/string_table.h"
@@ -35,6 +36,20 @@ QGridLayout* MakeGrid() {
   auto* grid = new QGridLayout;
   grid->setColumnStretch(kFieldColumn, 1);
   return grid;
+}
+
+// The fields of groups that stand one below the other begin at the same place.
+void AlignCaptions(const QLayout& column) {
+  std::vector<QLabel*> captions;
+  int width = 0;
+  for (int i = 0; i < column.count(); ++i) {
+    for (auto* label : column.itemAt(i)->widget()->findChildren<QLabel*>()) {
+      if (label->buddy() == nullptr) continue;
+      captions.push_back(label);
+      width = std::max(width, label->sizeHint().width());
+    }
+  }
+  for (QLabel* caption : captions) caption->setMinimumWidth(width);
 }
 
 }  // namespace
@@ -262,6 +277,7 @@ QLayout* frmEdit::MakeColumns() {
     right->addWidget(MakeFolderGroup(), 1);
     if (draft_.IsProfile()) right->addWidget(MakeMemberGroup());
   }
+  AlignCaptions(*right);
   auto* columns = new QHBoxLayout;
   columns->addLayout(left);
   columns->addLayout(right, 1);
