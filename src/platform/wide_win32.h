@@ -1,0 +1,48 @@
+// What all Windows back ends share: the system's header, UTF-16 names and handles.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "platform/result.h"
+
+namespace quendle::platform {
+
+// Names on Windows are 16-bit units that only usually are valid UTF-16. A surrogate without its other half is its three
+// bytes in the inner text, so that every name comes back the same.
+std::wstring WideFromText(std::string_view text);
+std::string TextFromWide(std::wstring_view wide);
+
+// The path as system calls take it, whatever its length and whatever its last letters: absolute, with the prefix that turns
+// the system's own rewriting off, so that "con", "a." and "a " are names like any other.
+//   "C:\a/b" => "\\?\C:\a\b"    "\\server\share\a" => "\\?\UNC\server\share\a"    "C:\a\..\b" => "\\?\C:\b"
+// What is relative, or relative to a drive ("C:a", "\a"), counts from where the process is. A path that has the prefix keeps it.
+std::wstring SystemPath(std::string_view path);
+// And back, without the prefix.
+std::string TextFromSystemPath(std::wstring_view path);
+
+class Handle {
+ public:
+  explicit Handle(HANDLE handle = INVALID_HANDLE_VALUE) : handle_(handle) {}
+  Handle(Handle&& other) noexcept : handle_(std::exchange(other.handle_, INVALID_HANDLE_VALUE)) {}
+  Handle& operator=(Handle&& other) noexcept {
+    std::swap(handle_, other.handle_);
+    return *this;
+  }
+  ~Handle() { Close(); }
+
+  bool ok() const { return handle_ != INVALID_HANDLE_VALUE && handle_ != nullptr; }
+  HANDLE get() const { return handle_; }
+  void Close() {
+    if (ok()) CloseHandle(handle_);
+    handle_ = INVALID_HANDLE_VALUE;
+  }
+
+ private:
+  HANDLE handle_;
+};
+
+}  // namespace quendle::platform
