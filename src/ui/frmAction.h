@@ -39,7 +39,7 @@ struct ActionServices {
       show_message = ShowMessage;
   std::function<std::string(const std::string&, const std::string&, const std::string&)> show_input =
       ShowInput;
-  std::function<bool(QWidget*, clsPropItem*)> open_editor;
+  std::function<bool(QWidget*)> open_editor;  // for what the store's EDITMODE says, as OpenEditor
   std::function<void(QWidget*)> show_about;
 };
 

@@ -236,7 +236,7 @@ void frmAction::Edit(std::int16_t mode) {
     const Busy busy(&is_busy_);
     if (is_profile) items_.Title = items_.NEWTITLE;
     items_.EDITMODE = mode;
-    is_saved = services_.open_editor(this, &items_);
+    is_saved = services_.open_editor(this);
     items_.EDITMODE = clsPropItem::kNotEditing;
     items_.Title = current;
   }
