@@ -6,6 +6,7 @@
 
 #include "base/modString.h"
 #include "base/text.h"
+#include "core/pattern_problem.h"
 #include "core/profile_match.h"
 #include "platform/durable_file.h"
 #include "platform/unicode.h"
@@ -129,7 +130,9 @@ NameMatch ProfileList::MatchOf(std::size_t row) const {
   if (ranks_[row] > 0) return {Kind::kMatches, ranks_[row], ""};
   const std::string subject = MatchSubject(tested_name_);
   const Regex& expression = ExpressionOf(row);
-  if (expression.MatchWhole(subject) == RegexAnswer::kError) return {Kind::kError, 0, expression.Error()};
+  if (expression.MatchWhole(subject) == RegexAnswer::kError) {
+    return {Kind::kError, 0, PatternProblem(rows_[row].pattern, expression.Error())};
+  }
   return {expression.MatchesPart(subject) ? Kind::kPartOnly : Kind::kNoMatch, 0, ""};
 }
 
