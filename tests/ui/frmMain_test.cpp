@@ -314,8 +314,8 @@ GTEST_TEST(FrmMain, DispatchesWhatIsDropped) {
   EXPECT_TRUE(main.window->isVisible() && main.view->isEnabled());
   EXPECT_EQ(main.Column(), "A;b");
   main.dispatched.clear();
-  const QUrl remote("https://example.org/a.txt"), share("file://elsewhere/a.txt");
-  for (const QList<QUrl>& urls : {QList<QUrl>{remote}, {share}, {text, remote}, {}}) {
+  const QUrl remote("https://example.org/a.txt"), share("file://elsewhere/a.txt"), relative("file:a.txt");
+  for (const QList<QUrl>& urls : {QList<QUrl>{remote}, {share}, {relative}, {text, remote}, {}}) {
     EXPECT_FALSE(main.Drop(main.view->viewport(), urls));
   }
   QList<QUrl> many;
