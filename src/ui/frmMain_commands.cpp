@@ -111,7 +111,7 @@ void frmMain::Rename() {
     const std::string prompt = LoadText(kRenamePrompt, {ForDisplay(titles.front())});
     title = AskFreeTitle(prompt, kRenameCaption, titles.front());
     if (title.empty()) return;
-    Tell(list_.Rename(titles.front(), title));
+    if (!Tell(list_.Rename(titles.front(), title))) title.clear();
   }
   Refresh(title);
 }

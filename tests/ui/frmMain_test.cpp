@@ -267,6 +267,7 @@ GTEST_TEST(FrmMain, SeesWhatOthersChange) {
                                       {Qt::Key_Delete, Qt::NoModifier}}) {
     SCOPED_TRACE(key);
     MainWindow changed;
+    changed.filter->setText("/");
     changed.ClickRow(1);
     changed.typed = {"mine"};
     const std::string theirs = "[B]\r\nPattern=theirs\r\n[n]\r\n";
@@ -276,6 +277,7 @@ GTEST_TEST(FrmMain, SeesWhatOthersChange) {
     EXPECT_TRUE(changed.edited.empty());
     EXPECT_EQ(test::ReadFile(changed.settings.profiles.FileName()), theirs);
     EXPECT_EQ(changed.Column(), "B;n");
+    EXPECT_EQ(changed.filter->text(), "/");
   }
   QWidget other;
   other.show();
