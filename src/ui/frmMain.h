@@ -55,6 +55,7 @@ class frmMain : public QMainWindow {
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dragMoveEvent(QDragMoveEvent* event) override;
+  void dragLeaveEvent(QDragLeaveEvent* event) override;
   void dropEvent(QDropEvent* event) override;
 
  private:
@@ -113,6 +114,7 @@ class frmMain : public QMainWindow {
   bool OpenEditor(std::int16_t mode, const std::string& title);
   std::string AskFreeTitle(const std::string& prompt, int caption, const std::string& old_title);
   bool Tell(const platform::Result& result);
+  QRect TestPlace() const;
   bool TellsSurplus(std::vector<std::string>* paths);
 
   clsPropItem& items_;

@@ -35,6 +35,8 @@ constexpr int kFolderNotOpened = 6348;
 constexpr int kTooMany = 6755;
 constexpr int kFilesCaption = 6756;
 constexpr int kAtWork = 6757;
+constexpr int kDropTries = 6734;
+constexpr int kDropDispatches = 6735;
 constexpr std::size_t kMostNames = 10;  // in a message
 
 constexpr const char* kLineBreak = "\r\n";
@@ -227,6 +229,19 @@ void frmMain::dragMoveEvent(QDragMoveEvent* event) {
   // Whatever becomes of the files is up to this program: the one they come from must not remove them.
   event->setDropAction(Qt::CopyAction);
   event->accept();
+  status_->SetText(Text(TestPlace().contains(event->position().toPoint()) ? kDropTries : kDropDispatches));
+}
+
+void frmMain::dragLeaveEvent(QDragLeaveEvent* event) {
+  UpdateTexts();
+  QMainWindow::dragLeaveEvent(event);
+}
+
+// A file that misses the field by a little must not be moved away: all that is beside the filter counts.
+QRect frmMain::TestPlace() const {
+  const int left = filter_->mapTo(this, filter_->rect().topRight()).x() + 1;
+  const int top = centralWidget()->y();
+  return {left, top, width() - left, view_->mapTo(this, QPoint(0, 0)).y() - top};
 }
 
 void frmMain::dropEvent(QDropEvent* event) {
@@ -237,8 +252,8 @@ void frmMain::dropEvent(QDropEvent* event) {
   }
   event->setDropAction(Qt::CopyAction);
   event->accept();
-  const QRect test_place(test_->mapTo(this, QPoint(0, 0)), test_->size());
-  if (test_place.contains(event->position().toPoint())) {
+  UpdateTexts();
+  if (TestPlace().contains(event->position().toPoint())) {
     test_->setText(ToQt(ForDisplay(SplitPath(RemoveBackslashes(paths.front())).name)));
     test_->setFocus(Qt::OtherFocusReason);
     return;

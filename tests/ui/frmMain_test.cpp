@@ -10,6 +10,7 @@
 #include <QTreeView>
 #include <QUrl>
 #include <QtTest/QTest>
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 
@@ -302,6 +303,11 @@ GTEST_TEST(FrmMain, MarksWhatANameMatches) {
   EXPECT_EQ(main.test->text(), "x.lzh.txt");
   EXPECT_EQ(main.Cell(0, ProfileModel::kMatch), "一部だけに一致");
   EXPECT_EQ(main.Cell(1, ProfileModel::kMatch), "一致しません");
+  const QList<QLabel*> labels = main.window->findChildren<QLabel*>();
+  const auto label = std::find_if(labels.begin(), labels.end(),
+                                  [&main](const QLabel* one) { return one->buddy() == main.test; });
+  EXPECT_TRUE(main.Drop(*label, {QUrl::fromLocalFile("/in/near.miss")}));
+  EXPECT_EQ(main.test->text(), "near.miss");
   EXPECT_TRUE(main.dispatched.empty());
   main.Press(Qt::Key_Escape);
   EXPECT_TRUE(main.view->isColumnHidden(ProfileModel::kMatch));
