@@ -355,6 +355,9 @@ GTEST_TEST(FrmMain, RemembersHowItLooked) {
   MainWindow main;
   main.window->setGeometry(50, 60, 500, 300);
   main.view->setColumnWidth(0, 77);
+  main.test->setText("a");
+  main.view->setColumnWidth(ProfileModel::kMatch, 99);
+  main.test->clear();
   main.view->sortByColumn(ProfileModel::kPattern, Qt::DescendingOrder);
   EXPECT_EQ(main.Column(), "b;A;c");
   main.Press(Qt::Key_W, Qt::ControlModifier);
@@ -363,6 +366,8 @@ GTEST_TEST(FrmMain, RemembersHowItLooked) {
   {
     frmMain again(main.settings.profiles, main.settings.standard, {}, file);
     const auto* view = again.findChild<QTreeView*>("list");
+    again.findChild<QLineEdit*>("test")->setText("a");
+    EXPECT_EQ(view->columnWidth(ProfileModel::kMatch), 99);
     EXPECT_EQ(QRect(again.pos(), again.size()), QRect(main.window->pos(), main.window->size()));
     EXPECT_EQ(view->columnWidth(0), 77);
     EXPECT_EQ(FromQt(view->model()->index(0, 0).data().toString()), "b");
