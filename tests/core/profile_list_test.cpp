@@ -124,7 +124,7 @@ GTEST_TEST(ProfileList, TellsWhyANameDoesNotMatch) {
       {"a.Zip",
        {Kind::kMatches, Kind::kPartOnly, Kind::kPartOnly, Kind::kMatches, Kind::kError, Kind::kNoMatch,
         Kind::kNoMatch, Kind::kError, Kind::kNoMatch}},
-      {std::string(200, 'a') + "\xFF",
+      {std::string(200, 'a').append("\xFF"),
        {Kind::kNoMatch, Kind::kNoMatch, Kind::kPartOnly, Kind::kNoMatch, Kind::kError, Kind::kNoMatch,
         Kind::kNoMatch, Kind::kError, Kind::kError}},
   };

@@ -79,13 +79,13 @@ class MainWindow {
   std::string Column(int column = 0) const {
     std::string cells;
     for (int row = 0; row < view->model()->rowCount(); ++row)
-      cells += (row == 0 ? "" : ";") + Cell(row, column);
+      cells.append(row == 0 ? "" : ";").append(Cell(row, column));
     return cells;
   }
   std::string Selected() const {
     std::string titles;
     for (const QModelIndex& index : view->selectionModel()->selectedRows()) {
-      titles += (titles.empty() ? "" : ";") + FromQt(index.data().toString());
+      titles.append(titles.empty() ? "" : ";").append(FromQt(index.data().toString()));
     }
     return titles;
   }
