@@ -141,17 +141,23 @@ void frmAction::Finish(bool execute) {
     plan_timer_.stop();
     menu_bar_->setEnabled(false);
     body_->setEnabled(false);
-    bool is_settled = true;
-    if (execute) {
-      is_settled = form_.Execute();
-    } else {
-      form_.Skip();
-    }
-    if (is_settled) {
-      for (QLineEdit* field : txt) field->clear();
-      for (QComboBox* combo : cbo) combo->setCurrentIndex(-1);
-      focus = nullptr;
-      is_over = !form_.Advance();
+    // The toolkit does not bear what is thrown through it.
+    try {
+      bool is_settled = true;
+      if (execute) {
+        is_settled = form_.Execute();
+      } else {
+        form_.Skip();
+      }
+      if (is_settled) {
+        for (QLineEdit* field : txt) field->clear();
+        for (QComboBox* combo : cbo) combo->setCurrentIndex(-1);
+        focus = nullptr;
+        is_over = !form_.Advance();
+      }
+    } catch (...) {
+      fault_ = std::current_exception();
+      is_over = true;
     }
     // What was typed and clicked while it ran was not meant for the next path.
     QCoreApplication::processEvents();
