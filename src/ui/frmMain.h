@@ -90,6 +90,7 @@ class frmMain : public QMainWindow {
   void SelectRow(int row);
   bool SelectTitle(const std::string& title);
   void Select(const std::vector<std::string>& titles, const std::string& current);
+  std::vector<int> SelectedRows() const;
   std::vector<std::string> SelectedTitles() const;
   std::string CurrentTitle() const;
   void ApplyFilter();

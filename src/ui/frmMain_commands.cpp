@@ -132,9 +132,7 @@ void frmMain::Duplicate() {
 void frmMain::Remove() {
   const std::vector<std::string> titles = SelectedTitles();
   if (titles.empty()) return;
-  int first = model_.rowCount();
-  for (const QModelIndex& index : view_->selectionModel()->selectedRows())
-    first = std::min(first, index.row());
+  const int first = SelectedRows().front();
   {
     const Busy busy(&is_busy_);
     const std::string prompt = LoadText(kRemovePrompt) + kLineBreak + NameLines(titles);
@@ -149,9 +147,9 @@ void frmMain::Remove() {
 }
 
 void frmMain::OpenFolder(std::size_t kind) {
-  const QModelIndexList selected = view_->selectionModel()->selectedRows();
+  const std::vector<int> selected = SelectedRows();
   if (selected.size() != 1) return;
-  const std::string folder = model_.RowAt(selected.front().row()).folders[kind].path;
+  const std::string folder = model_.RowAt(selected.front()).folders[kind].path;
   const Busy busy(&is_busy_);
   if (folder.empty()) {
     services_.show_message(LoadText(kNoFolderSet), kButtonsOk, kIconExclamation, "");
@@ -166,10 +164,9 @@ void frmMain::OpenFolder(std::size_t kind) {
 }
 
 void frmMain::OpenTester() {
-  const std::vector<std::string> titles = SelectedTitles();
+  const std::vector<int> selected = SelectedRows();
   const Busy busy(&is_busy_);
-  const std::string pattern =
-      titles.size() == 1 ? model_.RowAt(view_->selectionModel()->selectedRows().front().row()).pattern : "";
+  const std::string pattern = selected.size() == 1 ? model_.RowAt(selected.front()).pattern : "";
   services_.open_tester(this, pattern, list_.TestedName());
 }
 
