@@ -22,9 +22,9 @@ namespace quendle {
 namespace {
 
 // At first, in characters of average width.
-constexpr int kColumnCharacters[ProfileModel::kColumns] = {14, 13, 16, 0, 12, 12, 12};
-constexpr int kWidestColumn = 4000;  // that anybody could have made
-constexpr QSize kFirstSize(960, 520);
+constexpr int kColumnCharacters[ProfileModel::kColumns] = {13, 12, 15, 0, 11, 11, 11};
+constexpr int kWidestColumn = 4000;     // that anybody could have made
+constexpr QSize kFirstSize(1040, 540);  // so that all columns are in sight
 constexpr int kFilterPlaceholder = 6731;
 constexpr int kFilterName = 6730;
 constexpr int kTestName = 6732;
