@@ -10,6 +10,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QShortcut>
 #include <QTreeView>
 #include <algorithm>
 #include <unordered_set>
@@ -92,6 +93,9 @@ void frmMain::Connect() {
   });
   connect(view_, &QTreeView::customContextMenuRequested, this,
           [this](const QPoint& position) { ShowContextMenu(position); });
+  // For keyboards without a key for it.
+  connect(new QShortcut(QKeySequence("Shift+F10"), view_, nullptr, nullptr, Qt::WidgetShortcut),
+          &QShortcut::activated, this, [this] { ShowContextMenuAtRow(); });
   connect(view_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
           [this] { UpdateCommands(); });
 }

@@ -188,6 +188,9 @@ GTEST_TEST(FrmMain, KeysAndClicksReachTheirCommands) {
          ASSERT_NE(QApplication::activePopupWidget(), nullptr);
          EXPECT_LT((QApplication::activePopupWidget()->pos() - on_screen).manhattanLength(), 150);
          QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+         m.Press(Qt::Key_F10, Qt::ShiftModifier);
+         ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+         QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
          QContextMenuEvent event(QContextMenuEvent::Mouse, place, on_screen);
          QCoreApplication::sendEvent(m.view->viewport(), &event);
          ASSERT_NE(QApplication::activePopupWidget(), nullptr);
