@@ -81,8 +81,8 @@ platform::Result ProfileList::Read() {
     std::string* const own[kActionRows] = {&summary.extract_to, &summary.move_to, &summary.copy_to};
     for (std::size_t i = 0; i < kActionRows; ++i) {
       const bool is_inherited = own[i]->empty();
-      row.folders[i] = {is_inherited ? standard.folders[i] : std::move(*own[i]), is_inherited,
-                        (row.action & kActionBits[i]) != 0};
+      if (is_inherited) *own[i] = standard.folders[i];
+      row.folders[i] = {std::move(*own[i]), is_inherited, (row.action & kActionBits[i]) != 0};
     }
   }
   expressions_.resize(rows_.size());
