@@ -106,9 +106,12 @@ class MainWindow {
     QDragEnterEvent enter(place, actions, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(window.get(), &enter);
     QDropEvent drop(place, actions, &data, Qt::LeftButton, Qt::NoModifier);
-    if (enter.isAccepted()) QCoreApplication::sendEvent(window.get(), &drop);
+    drop.setDropAction(Qt::MoveAction);  // after which the other program would remove the files
+    QCoreApplication::sendEvent(window.get(), &drop);
     EXPECT_EQ(enter.isAccepted(), drop.isAccepted());
-    EXPECT_TRUE(!enter.isAccepted() || enter.dropAction() == Qt::CopyAction);
+    for (const QDropEvent* event : {static_cast<QDropEvent*>(&enter), &drop}) {
+      EXPECT_TRUE(!event->isAccepted() || event->dropAction() == Qt::CopyAction);
+    }
     QTest::qWait(1);
     return enter.isAccepted();
   }
@@ -318,8 +321,11 @@ GTEST_TEST(FrmMain, MarksWhatANameMatches) {
 
 GTEST_TEST(FrmMain, DispatchesWhatIsDropped) {
   MainWindow main;
-  main.on_dispatch = [&main] { main.settings.profiles.DelSection("c"); };
   const QUrl text = QUrl::fromEncoded("file:///in/%FF%20a.txt");
+  main.on_dispatch = [&main, &text] {
+    EXPECT_FALSE(main.Drop(main.view->viewport(), {text}));
+    main.settings.profiles.DelSection("c");
+  };
   EXPECT_TRUE(main.Drop(main.view->viewport(), {text, QUrl("file://localhost/in/%E8%A1%A8")}));
   EXPECT_EQ(main.dispatched, (std::vector<std::string>{"/in/\xFF a.txt", "/in/表"}));
   EXPECT_TRUE(main.window->isVisible() && main.view->isEnabled());
