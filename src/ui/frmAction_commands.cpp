@@ -14,6 +14,7 @@
 
 #include "core/profile_list.h"
 #include "resources/string_table.h"
+#include "ui/ask_title.h"
 #include "ui/busy.h"
 #include "ui/frmAction.h"
 #include "ui/plan_view.h"
@@ -140,17 +141,23 @@ void frmAction::Finish(bool execute) {
     plan_timer_.stop();
     menu_bar_->setEnabled(false);
     body_->setEnabled(false);
-    bool is_settled = true;
-    if (execute) {
-      is_settled = form_.Execute();
-    } else {
-      form_.Skip();
-    }
-    if (is_settled) {
-      for (QLineEdit* field : txt) field->clear();
-      for (QComboBox* combo : cbo) combo->setCurrentIndex(-1);
-      focus = nullptr;
-      is_over = !form_.Advance();
+    // The toolkit does not bear what is thrown through it.
+    try {
+      bool is_settled = true;
+      if (execute) {
+        is_settled = form_.Execute();
+      } else {
+        form_.Skip();
+      }
+      if (is_settled) {
+        for (QLineEdit* field : txt) field->clear();
+        for (QComboBox* combo : cbo) combo->setCurrentIndex(-1);
+        focus = nullptr;
+        is_over = !form_.Advance();
+      }
+    } catch (...) {
+      fault_ = std::current_exception();
+      is_over = true;
     }
     // What was typed and clicked while it ran was not meant for the next path.
     QCoreApplication::processEvents();
@@ -214,15 +221,13 @@ void frmAction::EditProfile() {
 // True when the user has given a name that a profile can have and none has.
 bool frmAction::NameNewProfile() {
   const Busy busy(&is_busy_);
-  const std::string title =
-      services_.show_input(LoadText(text_id::kAskProfileName), LoadText(text_id::kAddProfile), "");
+  const std::string title = AskTitle(services_, LoadText(text_id::kAskProfileName),
+                                     LoadText(text_id::kAddProfile), "", [this](const std::string& typed) {
+                                       const std::string problem = TitleProblem(typed);
+                                       const bool is_taken = problem.empty() && mover_.CheckDupTitle(typed);
+                                       return is_taken ? LoadText(text_id::kSameProfileName) : problem;
+                                     });
   if (title.empty()) return false;
-  std::string problem = TitleProblem(title);
-  if (problem.empty() && mover_.CheckDupTitle(title)) problem = LoadText(text_id::kSameProfileName);
-  if (!problem.empty()) {
-    services_.show_message(problem, kButtonsOk, kIconCritical, "");
-    return false;
-  }
   items_.NEWTITLE = title;
   return true;
 }
@@ -236,7 +241,7 @@ void frmAction::Edit(std::int16_t mode) {
     const Busy busy(&is_busy_);
     if (is_profile) items_.Title = items_.NEWTITLE;
     items_.EDITMODE = mode;
-    is_saved = services_.open_editor(this, &items_);
+    is_saved = services_.open_editor(this);
     items_.EDITMODE = clsPropItem::kNotEditing;
     items_.Title = current;
   }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace quendle {
@@ -33,5 +34,13 @@ std::string ShowInput(const std::string& prompt, const std::string& title, const
 
 // The same with what is typed hidden.
 std::string ShowPasswordInput(const std::string& prompt, const std::string& title);
+
+// The boxes as a window opens them.
+struct MessageBoxes {
+  std::function<std::int32_t(const std::string&, std::int32_t, std::int32_t, const std::string&)>
+      show_message = ShowMessage;
+  std::function<std::string(const std::string&, const std::string&, const std::string&)> show_input =
+      ShowInput;
+};
 
 }  // namespace quendle

@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/run.h"
@@ -38,13 +39,15 @@ class ActionWindow {
       messages.push_back(std::to_string(icon) + "|" + text);
       return kAnswerOk;
     };
-    services.show_input = [this](const std::string& prompt, const std::string& title, const std::string&) {
-      asked.push_back(title + "|" + prompt);
-      return typed;
+    services.show_input = [this](const std::string& prompt, const std::string& title,
+                                 const std::string& text) {
+      asked.push_back(title + "|" + prompt + (text.empty() ? "" : "|" + text));
+      return std::exchange(typed, "");
     };
-    services.open_editor = [this](QWidget*, clsPropItem* store) {
-      edited.push_back(std::to_string(store->EDITMODE) + "|" + store->Title + "|" + store->NEWTITLE);
-      return on_edit && on_edit(store);
+    services.open_editor = [this](QWidget*) {
+      clsPropItem& store = run.settings.profiles;
+      edited.push_back(std::to_string(store.EDITMODE) + "|" + store.Title + "|" + store.NEWTITLE);
+      return on_edit && on_edit(&store);
     };
     services.show_about = [this](QWidget*) { asked.emplace_back("about"); };
     form.emplace(ActionForm::Environment{*run.mover, run.file_info, run.settings.profiles,
@@ -90,7 +93,7 @@ class ActionWindow {
   TempFolder files;
   Run run;
   ActionServices services;
-  std::string picked, typed;                  // the answers
+  std::string picked, typed;                  // the answers; what is typed is typed once
   std::function<bool(clsPropItem*)> on_edit;  // true: saved
   std::vector<std::string> asked, messages, edited;
   std::optional<ActionForm> form;

@@ -312,7 +312,8 @@ GTEST_TEST(FrmAction, ProfilesAreMadeAndEdited) {
   opened.typed = "b";
   opened.Click(opened.cmd(2));
   EXPECT_EQ(opened.messages, std::vector<std::string>{"16|同名のプロファイルが既に存在します。"});
-  opened.typed = "（なし）";  // which stands for no profile
+  EXPECT_TRUE(opened.asked.back().ends_with("|b")) << opened.asked.back();  // asked again, and given up
+  opened.typed = "（なし）";                                                // which stands for no profile
   opened.Click(opened.cmd(2));
   EXPECT_EQ(opened.messages.size(), 2U);
   EXPECT_TRUE(opened.edited.empty());
@@ -324,6 +325,7 @@ GTEST_TEST(FrmAction, ProfilesAreMadeAndEdited) {
     store->pattern(".*none");
     return true;
   };
+  opened.typed = "New";
   opened.Click(opened.cmd(2));
   EXPECT_EQ(opened.window->windowTitle(), "1/1 - New");
   EXPECT_EQ(opened.Get<QAction>("mnuEdit(11)")->text(), "プロファイルを編集(&E)");
@@ -335,6 +337,14 @@ GTEST_TEST(FrmAction, ProfilesAreMadeAndEdited) {
   EXPECT_EQ(opened.edited, (std::vector<std::string>{"1|New|New", "0|New|New", "6|New|New", "4|New|New"}));
   EXPECT_EQ(opened.asked.back(), "about");
   EXPECT_EQ(opened.run.settings.profiles.EDITMODE, clsPropItem::kNotEditing);
+}
+
+GTEST_TEST(FrmAction, WhatIsThrownComesOutOfTheWindow) {
+  ActionWindow opened("[a]\nPattern=.*\nID=1\nAction=1\nExtractTo=/x\n", {"a.zip", "b.zip"}, 1);
+  opened.run.archiver->throws = true;
+  QTimer::singleShot(0, [&opened] { opened.Press(Qt::Key_Return, Qt::ControlModifier); });
+  EXPECT_THROW(opened.window->Run(), std::runtime_error);
+  EXPECT_FALSE(opened.window->isVisible());
 }
 
 GTEST_TEST(FrmAction, PlanFollowsWhatIsChosen) {
