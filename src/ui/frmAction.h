@@ -34,8 +34,12 @@ namespace quendle {
 class PlanView;
 
 // The other windows that the action window opens.
-struct ActionServices : MessageBoxes {
+struct ActionServices {
   std::function<std::string(QWidget*, const std::string&, const std::string&)> pick_folder = PickFolder;
+  std::function<std::int32_t(const std::string&, std::int32_t, std::int32_t, const std::string&)>
+      show_message = ShowMessage;
+  std::function<std::string(const std::string&, const std::string&, const std::string&)> show_input =
+      ShowInput;
   std::function<bool(QWidget*)> open_editor;  // for what the store's EDITMODE says, as OpenEditor
   std::function<void(QWidget*)> show_about;
 };

@@ -14,7 +14,6 @@
 
 #include "core/profile_list.h"
 #include "resources/string_table.h"
-#include "ui/ask_title.h"
 #include "ui/busy.h"
 #include "ui/frmAction.h"
 #include "ui/plan_view.h"
@@ -221,13 +220,15 @@ void frmAction::EditProfile() {
 // True when the user has given a name that a profile can have and none has.
 bool frmAction::NameNewProfile() {
   const Busy busy(&is_busy_);
-  const std::string title = AskTitle(services_, LoadText(text_id::kAskProfileName),
-                                     LoadText(text_id::kAddProfile), "", [this](const std::string& typed) {
-                                       const std::string problem = TitleProblem(typed);
-                                       const bool is_taken = problem.empty() && mover_.CheckDupTitle(typed);
-                                       return is_taken ? LoadText(text_id::kSameProfileName) : problem;
-                                     });
+  const std::string title =
+      services_.show_input(LoadText(text_id::kAskProfileName), LoadText(text_id::kAddProfile), "");
   if (title.empty()) return false;
+  std::string problem = TitleProblem(title);
+  if (problem.empty() && mover_.CheckDupTitle(title)) problem = LoadText(text_id::kSameProfileName);
+  if (!problem.empty()) {
+    services_.show_message(problem, kButtonsOk, kIconCritical, "");
+    return false;
+  }
   items_.NEWTITLE = title;
   return true;
 }

@@ -30,7 +30,11 @@ class ElidedLabel;
 void RunProfileList(const WindowsHost& host);
 
 // What the list opens and starts.
-struct MainServices : MessageBoxes {
+struct MainServices {
+  std::function<std::int32_t(const std::string&, std::int32_t, std::int32_t, const std::string&)>
+      show_message = ShowMessage;
+  std::function<std::string(const std::string&, const std::string&, const std::string&)> show_input =
+      ShowInput;
   std::function<bool(QWidget*)> open_editor;  // for what the store's EDITMODE says, as OpenEditor
   std::function<void(QWidget*, const std::string& pattern, const std::string& name)> open_tester;
   std::function<void(QWidget*)> show_about;
@@ -113,7 +117,7 @@ class frmMain : public QMainWindow {
   void OpenSettings(std::int16_t mode);
   void Dispatch(const std::vector<std::string>& paths);
   bool OpenEditor(std::int16_t mode, const std::string& title);
-  std::string AskFreeTitle(const std::string& prompt, int caption, const std::string& old_title);
+  std::string AskTitle(const std::string& prompt, int caption, const std::string& old_title);
   bool Tell(const platform::Result& result);
   QRect TestPlace() const;
   bool TellsSurplus(std::vector<std::string>* paths);

@@ -14,7 +14,6 @@
 #include "base/reasons.h"
 #include "core/modMain.h"
 #include "resources/string_table.h"
-#include "ui/ask_title.h"
 #include "ui/busy.h"
 #include "ui/dropped_files.h"
 #include "ui/elided_label.h"
@@ -61,10 +60,16 @@ bool frmMain::Tell(const platform::Result& result) {
   return false;
 }
 
-// `old_title`: empty for a new profile.
-std::string frmMain::AskFreeTitle(const std::string& prompt, int caption, const std::string& old_title) {
-  return AskTitle(services_, prompt, LoadText(caption), old_title,
-                  [&](const std::string& typed) { return list_.NewTitleProblem(typed, old_title); });
+// A title that may be given, or empty when the user gave up. What was typed is not lost when it may not.
+std::string frmMain::AskTitle(const std::string& prompt, int caption, const std::string& old_title) {
+  std::string title = old_title;
+  for (;;) {
+    title = services_.show_input(prompt, LoadText(caption), title);
+    if (title.empty() || title == old_title) return "";
+    const std::string problem = list_.NewTitleProblem(title, old_title);
+    if (problem.empty()) return title;
+    services_.show_message(problem, kButtonsOk, kIconCritical, "");
+  }
 }
 
 bool frmMain::OpenEditor(std::int16_t mode, const std::string& title) {
@@ -81,7 +86,7 @@ void frmMain::Add() {
   std::string added;
   {
     const Busy busy(&is_busy_);
-    const std::string title = AskFreeTitle(LoadText(text_id::kAskProfileName), text_id::kAddProfile, "");
+    const std::string title = AskTitle(LoadText(text_id::kAskProfileName), text_id::kAddProfile, "");
     if (title.empty()) return;
     if (OpenEditor(clsPropItem::kEditingNew, title)) {
       added = items_.NEWTITLE;
@@ -111,7 +116,7 @@ void frmMain::Rename() {
   {
     const Busy busy(&is_busy_);
     const std::string prompt = LoadText(kRenamePrompt, {ForDisplay(titles.front())});
-    title = AskFreeTitle(prompt, kRenameCaption, titles.front());
+    title = AskTitle(prompt, kRenameCaption, titles.front());
     if (title.empty()) return;
     if (!Tell(list_.Rename(titles.front(), title))) title.clear();
   }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 
 namespace quendle {
@@ -34,13 +33,5 @@ std::string ShowInput(const std::string& prompt, const std::string& title, const
 
 // The same with what is typed hidden.
 std::string ShowPasswordInput(const std::string& prompt, const std::string& title);
-
-// The boxes as a window opens them.
-struct MessageBoxes {
-  std::function<std::int32_t(const std::string&, std::int32_t, std::int32_t, const std::string&)>
-      show_message = ShowMessage;
-  std::function<std::string(const std::string&, const std::string&, const std::string&)> show_input =
-      ShowInput;
-};
 
 }  // namespace quendle

@@ -11,7 +11,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "support/run.h"
@@ -39,10 +38,9 @@ class ActionWindow {
       messages.push_back(std::to_string(icon) + "|" + text);
       return kAnswerOk;
     };
-    services.show_input = [this](const std::string& prompt, const std::string& title,
-                                 const std::string& text) {
-      asked.push_back(title + "|" + prompt + (text.empty() ? "" : "|" + text));
-      return std::exchange(typed, "");
+    services.show_input = [this](const std::string& prompt, const std::string& title, const std::string&) {
+      asked.push_back(title + "|" + prompt);
+      return typed;
     };
     services.open_editor = [this](QWidget*) {
       clsPropItem& store = run.settings.profiles;
@@ -93,7 +91,7 @@ class ActionWindow {
   TempFolder files;
   Run run;
   ActionServices services;
-  std::string picked, typed;                  // the answers; what is typed is typed once
+  std::string picked, typed;                  // the answers
   std::function<bool(clsPropItem*)> on_edit;  // true: saved
   std::vector<std::string> asked, messages, edited;
   std::optional<ActionForm> form;

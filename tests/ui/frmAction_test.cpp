@@ -312,8 +312,7 @@ GTEST_TEST(FrmAction, ProfilesAreMadeAndEdited) {
   opened.typed = "b";
   opened.Click(opened.cmd(2));
   EXPECT_EQ(opened.messages, std::vector<std::string>{"16|同名のプロファイルが既に存在します。"});
-  EXPECT_TRUE(opened.asked.back().ends_with("|b")) << opened.asked.back();  // asked again, and given up
-  opened.typed = "（なし）";                                                // which stands for no profile
+  opened.typed = "（なし）";  // which stands for no profile
   opened.Click(opened.cmd(2));
   EXPECT_EQ(opened.messages.size(), 2U);
   EXPECT_TRUE(opened.edited.empty());
@@ -325,7 +324,6 @@ GTEST_TEST(FrmAction, ProfilesAreMadeAndEdited) {
     store->pattern(".*none");
     return true;
   };
-  opened.typed = "New";
   opened.Click(opened.cmd(2));
   EXPECT_EQ(opened.window->windowTitle(), "1/1 - New");
   EXPECT_EQ(opened.Get<QAction>("mnuEdit(11)")->text(), "プロファイルを編集(&E)");
