@@ -38,7 +38,7 @@ GTEST_TEST(EditDraft, NumbersCountAsTheSettingsReadThem) {
         keys.append(key).append("=").append(text).append("\n");
       }
       test::Settings settings("[A]\nID=" + id + "\n" + keys, "[General]\n" + keys);
-      settings.profiles.Title = "A";
+      settings.profiles.Title = std::string("A");
       const auto expect_same = [](const EditDraft& draft, const auto& read) {
         EXPECT_EQ(draft.Number(kAction), read.ACTION());
         EXPECT_EQ(draft.Number(kSmartRename), read.SMARTRENAME());
