@@ -104,3 +104,17 @@ build_nlohmann-json3() {
   use_cmake -DJSON_BuildTests=OFF
   cmake --build build-windows --target install
 }
+
+# What the windows do not need is left out; tabletevent also because Debian's source lacks the header that it needs. The
+# tools that run while building are those of Debian's Qt, which must be of the same version.
+build_qt6-base() {
+  local host feature features=()
+  host=/usr/lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)/cmake
+  for feature in sql network dbus printsupport xml icu vulkan concurrent tabletevent zstd; do
+    features+=("-DFEATURE_$feature=OFF")
+  done
+  use_cmake "${features[@]}" -DINPUT_opengl=no \
+    -DQT_BUILD_EXAMPLES=OFF -DQT_BUILD_TESTS=OFF -DQT_HOST_PATH=/usr \
+    -DQT_HOST_PATH_CMAKE_DIR="$host" -DQt6HostInfo_DIR="$host/Qt6HostInfo"
+  cmake --build build-windows --target install
+}
