@@ -22,3 +22,12 @@ set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(ENV{PKG_CONFIG_LIBDIR} ${QUENDLE_WINDOWS_DEPS}/lib/pkgconfig)
 set(ENV{PKG_CONFIG_PATH} "")
+
+# Debian's Qt has the tools that run while building.
+set(QT_HOST_PATH /usr)
+set(QT_HOST_PATH_CMAKE_DIR /usr/lib/x86_64-linux-gnu/cmake)
+
+# The libraries are static: they need what they are linked with themselves.
+set(PKG_CONFIG_ARGN --static)
+
+set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../scripts/wine.sh)

@@ -14,9 +14,10 @@
 
 int main(int argc, char** argv) {
   using namespace quendle;
+  platform::SecureProcess();
   platform::OpenStandardStreams();
   std::string problem;
-  const auto options = ParseOptions(std::vector<std::string>(argv, argv + argc), &problem);
+  const auto options = ParseOptions(platform::ProgramArguments(argc, argv), &problem);
   if (!options) {
     std::fprintf(stderr, "quendle: %s\n%s", ForDisplay(problem).c_str(), UsageText().c_str());
     return kExitUsage;

@@ -92,6 +92,7 @@ std::vector<std::string> SplitCommandLine(std::string_view text, std::int16_t gr
 
 void ProgrammingError(const char* what) {
   std::fprintf(stderr, "quendle: programming error: %s\n", what);
+  std::fflush(stderr);
   std::abort();
 }
 

@@ -125,6 +125,7 @@ void TerminalUser::OpenFile(const std::string& path, const std::string& untruste
 void TerminalUser::Warn(const std::string& text) {
   std::fflush(stdout);
   std::fprintf(stderr, "quendle: %s\n", text.c_str());
+  std::fflush(stderr);
 }
 
 }  // namespace quendle

@@ -3,21 +3,9 @@
 #include "platform/unicode.h"
 
 namespace quendle::platform {
-namespace {
-
-bool IsInRange(char32_t code_point, char32_t first, char32_t last) {
-  return code_point >= first && code_point <= last;
-}
-
-std::size_t AnsiWidth(char32_t code_point) {
-  const bool half_width_katakana = IsInRange(code_point, 0xFF61, 0xFF9F);
-  return code_point < 0x80 || half_width_katakana || IsUndecodableByte(code_point) ? 1 : 2;
-}
-
-}  // namespace
 
 bool IsUndecodableByte(char32_t code_point) {
-  return IsInRange(code_point, kFirstUndecodableByte, kFirstUndecodableByte + 0x7F);
+  return code_point >= kFirstUndecodableByte && code_point <= kFirstUndecodableByte + 0x7F;
 }
 
 std::string_view CutToAnsiBytes(std::string_view text, std::size_t limit) {

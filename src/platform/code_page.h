@@ -1,6 +1,6 @@
-// The ANSI code page: the encoding of the settings files and of the archiver libraries' strings. On systems
-// that have none of their own it is Windows-31J (CP932, the Microsoft form of Shift_JIS, in which 0x5C is the
-// backslash).
+// The ANSI code page: the encoding of the settings files and of the archiver libraries' strings. On Windows it is the
+// system's. On systems that have none of their own it is Windows-31J (CP932, the Microsoft form of Shift_JIS, in which
+// 0x5C is the backslash), which the examples here mean.
 #pragma once
 
 #include <cstddef>
@@ -34,13 +34,16 @@ std::optional<std::string> AnsiFromText(std::string_view text);
 // stored in another encoding those would never become the characters again that they are.
 Result CheckDecoded(std::string_view text);
 
-// Bytes of another encoding, by its usual name, as UTF-8. The names of Shift_JIS all mean the code page above.
+// Bytes of another encoding, by its usual name, as UTF-8. The names of Shift_JIS all mean Windows-31J.
 // Nothing when not all of them are characters of that encoding, or when the system does not know it.
 //   ("\xA4\xA2", "EUC-JP") => "あ"    ("\xA4", "EUC-JP") => nothing
 std::optional<std::string> TextFromEncoding(std::string_view bytes, const std::string& encoding);
 
+// How many bytes the character takes in the code page; a character outside of it counts as two.
+std::size_t AnsiWidth(char32_t code_point);
+
 // The longest beginning of `text` that takes at most `limit` bytes in the code page, without cutting a
-// character. Characters outside the code page count as two bytes.
+// character.
 //   ("aソb", 2) => "a"    ("aソb", 3) => "aソ"
 std::string_view CutToAnsiBytes(std::string_view text, std::size_t limit);
 

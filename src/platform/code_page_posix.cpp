@@ -118,6 +118,11 @@ std::optional<std::string> AnsiFromText(std::string_view text) {
   return bytes;
 }
 
+std::size_t AnsiWidth(char32_t code_point) {
+  const bool is_half_width_katakana = code_point >= 0xFF61 && code_point <= 0xFF9F;
+  return code_point < 0x80 || is_half_width_katakana || IsUndecodableByte(code_point) ? 1 : 2;
+}
+
 std::optional<std::string> TextFromEncoding(std::string_view bytes, const std::string& encoding) {
   // The names of an archive all have one encoding, and opening a converter for each would take most of the time.
   thread_local std::string opened;

@@ -1,0 +1,7 @@
+#include "platform/fonts.h"
+
+namespace quendle::platform {
+
+void ReadFontList() {}
+
+}  // namespace quendle::platform

@@ -24,14 +24,15 @@ class InputFile {
   // Reads `size` bytes at `position` unless the file ends before; `*got` is the number of bytes read.
   Result ReadAt(std::uint64_t position, void* buffer, std::size_t size, std::size_t* got) const;
 
-  // Equal for two objects only when they read the same, unchanged file: device, inode, size, time of change.
+  // Equal for two objects only when they read the same, unchanged file: device and number on it, size, time of
+  // change.
   const std::string& Identity() const { return identity_; }
 
  private:
-  InputFile(std::string path, int handle, std::uint64_t size, std::string identity);
+  InputFile(std::string path, std::intptr_t handle, std::uint64_t size, std::string identity);
 
   std::string path_;
-  int handle_;
+  std::intptr_t handle_;  // a descriptor, or a HANDLE
   std::uint64_t size_;
   std::string identity_;
 };

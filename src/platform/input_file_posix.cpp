@@ -29,18 +29,18 @@ Result InputFile::Open(const std::string& path, std::unique_ptr<InputFile>* file
   return Success();
 }
 
-InputFile::InputFile(std::string path, int handle, std::uint64_t size, std::string identity)
+InputFile::InputFile(std::string path, std::intptr_t handle, std::uint64_t size, std::string identity)
     : path_(std::move(path)), handle_(handle), size_(size), identity_(std::move(identity)) {}
 
 InputFile::~InputFile() {
-  close(handle_);
+  close(static_cast<int>(handle_));
 }
 
 Result InputFile::ReadAt(std::uint64_t position, void* buffer, std::size_t size, std::size_t* got) const {
   *got = 0;
   while (*got < size) {
     const ssize_t n = Retried([&] {
-      return pread(handle_, static_cast<char*>(buffer) + *got, size - *got,
+      return pread(static_cast<int>(handle_), static_cast<char*>(buffer) + *got, size - *got,
                    static_cast<off_t>(position + *got));
     });
     if (n < 0) return LastSystemFailure(path_);

@@ -12,18 +12,19 @@ std::string ExecutableFolder();
 std::string TemporaryFolder();
 
 // For small files that are gone with the session, in memory as a rule: $XDG_RUNTIME_DIR. Empty where a session
-// has none.
+// has none, as on Windows.
 std::string RuntimeFolder();
 
 // Where a user's programs keep their settings: $XDG_CONFIG_HOME, else ~/.config. A relative value counts as
-// none.
+// none. Windows: the roaming application data.
 std::string SettingsRoot();
 
 // Where a user's programs keep what they remember and nobody sets: $XDG_STATE_HOME, else ~/.local/state. A
-// relative value counts as none.
+// relative value counts as none. Windows: the local application data.
 std::string StateFolder();
 
 // The user's download folder: XDG_DOWNLOAD_DIR of user-dirs.dirs, else ~/Downloads, else the home folder.
+// Windows: wherever the user has moved it.
 std::string DownloadFolder();
 
 // An environment variable; an empty one counts as missing.

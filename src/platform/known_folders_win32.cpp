@@ -1,0 +1,88 @@
+#include "platform/known_folders.h"
+
+#include "platform/wide_win32.h"
+
+// They need the system's header before them.
+#include <knownfolders.h>
+#include <shlobj.h>
+
+namespace quendle::platform {
+namespace {
+
+// A folder without the separator at its end, except a root.
+std::string FolderText(std::wstring_view folder) {
+  std::string text = TextFromSystemPath(folder);
+  while (text.size() > 3 && text.back() == '\\') text.pop_back();
+  return text;
+}
+
+// Empty when the system has none, or the flags ask for one that is there and it is not.
+std::string KnownFolder(const KNOWNFOLDERID& id, DWORD flags) {
+  PWSTR path = nullptr;
+  const HRESULT found = SHGetKnownFolderPath(id, flags, nullptr, &path);
+  std::string folder = SUCCEEDED(found) ? FolderText(path) : "";
+  CoTaskMemFree(path);
+  return folder;
+}
+
+// What a call writes that returns the length, or the size it needs when the buffer is too small.
+template <typename Call>
+std::wstring WholeText(Call call) {
+  std::wstring text(MAX_PATH, L'\0');
+  while (true) {
+    const DWORD length = call(text.data(), static_cast<DWORD>(text.size()));
+    const bool fits = length < text.size();
+    text.resize(fits ? length : length + std::size_t{1});
+    if (fits) return text;
+  }
+}
+
+}  // namespace
+
+std::string CurrentFolder() {
+  return FolderText(WholeText([](wchar_t* text, DWORD size) { return GetCurrentDirectoryW(size, text); }));
+}
+
+std::string ExecutableFolder() {
+  const std::wstring program = WholeText([](wchar_t* text, DWORD size) {
+    const DWORD length = GetModuleFileNameW(nullptr, text, size);
+    return length < size ? length : size * 2;  // cut off, and does not say what it needs
+  });
+  return FolderText(std::wstring_view(program).substr(0, program.rfind(L'\\') + 1));
+}
+
+std::string TemporaryFolder() {
+  const std::wstring folder = WholeText([](wchar_t* text, DWORD size) { return GetTempPathW(size, text); });
+  // The variable behind it often has a short name in it.
+  const std::wstring system_path = SystemPath(TextFromWide(folder));
+  const std::wstring spelled =
+      WholeText([&](wchar_t* text, DWORD size) { return GetLongPathNameW(system_path.c_str(), text, size); });
+  return FolderText(spelled.empty() ? folder : spelled);
+}
+
+std::string RuntimeFolder() {
+  return "";
+}
+
+std::string SettingsRoot() {
+  return KnownFolder(FOLDERID_RoamingAppData, KF_FLAG_DONT_VERIFY);
+}
+
+std::string StateFolder() {
+  return KnownFolder(FOLDERID_LocalAppData, KF_FLAG_DONT_VERIFY);
+}
+
+std::string DownloadFolder() {
+  const std::string folder = KnownFolder(FOLDERID_Downloads, KF_FLAG_DEFAULT);
+  return folder.empty() ? KnownFolder(FOLDERID_Profile, KF_FLAG_DONT_VERIFY) : folder;
+}
+
+std::optional<std::string> EnvironmentVariable(const char* name) {
+  const std::wstring wide_name = WideFromText(name);
+  const std::wstring value = WholeText(
+      [&](wchar_t* text, DWORD size) { return GetEnvironmentVariableW(wide_name.c_str(), text, size); });
+  if (value.empty()) return std::nullopt;
+  return TextFromWide(value);
+}
+
+}  // namespace quendle::platform

@@ -27,11 +27,17 @@ extern "C" void NoteInterrupt(int) {
 
 }  // namespace
 
+void SecureProcess() {}
+
 void OpenStandardStreams() {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     // The lowest free number is this one: those below it are open by now.
     if (fcntl(stream, F_GETFD) == -1 && open("/dev/null", O_RDWR) != stream) _exit(1);
   }
+}
+
+std::vector<std::string> ProgramArguments(int argc, char** argv) {
+  return {argv, argv + argc};
 }
 
 void CatchInterrupts() {

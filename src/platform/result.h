@@ -14,7 +14,7 @@ enum class Code {
   kOk,
   kNotFound,   // the path does not exist
   kExists,     // something of that name is there already and was not replaced
-  kDenied,     // permissions or a read-only file system
+  kDenied,     // permissions, a read-only file system or, on Windows, another program that uses it
   kNoSpace,    // disk or quota full
   kIsFolder,   // a folder where a file is meant
   kNotFolder,  // a file where a folder is meant

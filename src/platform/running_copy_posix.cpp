@@ -8,14 +8,13 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstdio>
-#include <string_view>
 #include <thread>
 #include <utility>
 
 #include "platform/descriptor_posix.h"
 #include "platform/known_folders.h"
 #include "platform/local_socket_posix.h"
+#include "platform/text_hash.h"
 
 namespace quendle::platform {
 namespace {
@@ -23,15 +22,6 @@ namespace {
 constexpr std::chrono::milliseconds kPatience{1000};  // with a first copy that is just beginning or ending
 constexpr std::chrono::milliseconds kBetweenTries{10};
 constexpr int kWaitingRequests = 16;
-
-// FNV-1a: every build has to come to the same name.
-std::string HashText(std::string_view text) {
-  std::uint64_t hash = 0xcbf29ce484222325U;
-  for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3U;
-  char digits[17];
-  std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(hash));
-  return digits;
-}
 
 // Opens a folder that nobody but this user can put anything into.
 Result OpenPrivateFolder(const std::string& path, Descriptor* folder) {

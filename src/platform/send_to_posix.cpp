@@ -6,7 +6,7 @@
 #include <system_error>
 
 #include "platform/durable_file.h"
-#include "platform/entry_names_posix.h"
+#include "platform/entry_names.h"
 #include "platform/known_folders.h"
 #include "platform/launch.h"
 #include "platform/paths.h"

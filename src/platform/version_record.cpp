@@ -1,5 +1,7 @@
 #include "platform/version_record.h"
 
+#include "platform/input_file.h"
+
 namespace quendle::platform {
 
 std::uint64_t NumberAt(std::string_view bytes, std::size_t position, std::size_t width, ByteOrder order) {
@@ -30,6 +32,19 @@ std::optional<VersionNumbers> FindVersion(const ReadBytes& read) {
       "ELF")
     return FindElfVersion(read);
   return std::nullopt;
+}
+
+std::optional<VersionNumbers> FindVersionIn(const std::string& path) {
+  std::unique_ptr<InputFile> file;
+  if (!InputFile::Open(path, &file).ok()) return std::nullopt;
+  return FindVersion([&file](std::uint64_t position, std::size_t size) -> std::optional<std::string> {
+    // Sizes come from the file: nothing is allocated for what it does not hold.
+    if (position > file->Size() || size > file->Size() - position) return std::nullopt;
+    std::string bytes(size, '\0');
+    std::size_t got = 0;
+    if (!file->ReadAt(position, bytes.data(), size, &got).ok() || got != size) return std::nullopt;
+    return bytes;
+  });
 }
 
 }  // namespace quendle::platform

@@ -37,6 +37,8 @@ std::optional<VersionNumbers> FindVersion(const ReadBytes& read);
 std::optional<VersionNumbers> FindPeVersion(const ReadBytes& read);
 std::optional<VersionNumbers> FindElfVersion(const ReadBytes& read);
 
+std::optional<VersionNumbers> FindVersionIn(const std::string& path);
+
 // ---- for the two of them ----
 
 enum class ByteOrder { kLittle, kBig };

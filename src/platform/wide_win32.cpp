@@ -1,5 +1,6 @@
 #include "platform/wide_win32.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "platform/unicode.h"
@@ -76,11 +77,23 @@ std::wstring Resolved(const std::wstring& path, std::size_t root) {
   return resolved;
 }
 
+// What the system makes of "." and the like; not asked about names, whose last letters it would change.
 std::wstring FullPath(const std::wstring& path) {
   const DWORD size = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
   std::wstring full(size, L'\0');
   full.resize(size == 0 ? 0 : GetFullPathNameW(path.c_str(), size, full.data(), nullptr));
-  return full.empty() ? path : full;
+  return full;
+}
+
+bool IsDrive(std::wstring_view path) {
+  return path.size() >= 2 && path[1] == L':';
+}
+
+// Counted from where the process is.
+std::wstring Absolute(const std::wstring& path) {
+  if (IsDrive(path)) return FullPath(path.substr(0, 2) + L'.') + L'\\' + path.substr(2);
+  const bool is_below_root = !path.empty() && IsSeparator(path.front());
+  return FullPath(is_below_root ? L"\\" : L".") + L'\\' + path;
 }
 
 }  // namespace
@@ -122,24 +135,34 @@ std::string TextFromWide(std::wstring_view wide) {
 
 std::wstring SystemPath(std::string_view path) {
   std::wstring wide = WideFromText(path);
-  if (wide.starts_with(kPrefix) || wide.starts_with(kDevicePrefix)) return wide;
-  std::size_t root = RootLength(wide);
-  if (root == 0) {
-    wide = FullPath(wide);
-    root = RootLength(wide);
-  }
-  if (root == 0) return wide;
-  const std::wstring resolved = Resolved(wide, root);
+  if (wide.empty() || wide.starts_with(kPrefix) || wide.starts_with(kDevicePrefix)) return wide;
+  if (RootLength(wide) == 0) wide = Absolute(wide);
+  if (wide.starts_with(kPrefix)) return wide;
+  const std::wstring resolved = Resolved(wide, RootLength(wide));
   if (resolved.starts_with(L"\\\\")) return std::wstring(kNetworkPrefix) + resolved.substr(2);
   return std::wstring(kPrefix) + resolved;
 }
 
+std::wstring WithoutPrefix(std::wstring_view path) {
+  if (path.starts_with(kNetworkPrefix)) return L"\\\\" + std::wstring(path.substr(kNetworkPrefix.size()));
+  // Volumes and the like have no other name.
+  if (path.starts_with(kPrefix) && IsDrive(path.substr(kPrefix.size()))) path.remove_prefix(kPrefix.size());
+  return std::wstring(path);
+}
+
 std::string TextFromSystemPath(std::wstring_view path) {
-  if (path.starts_with(kNetworkPrefix)) {
-    return "\\\\" + TextFromWide(path.substr(kNetworkPrefix.size()));
+  return TextFromWide(WithoutPrefix(path));
+}
+
+Result ToShellPath(const std::string& path, std::wstring* shell_path) {
+  *shell_path = WithoutPrefix(SystemPath(path));
+  if (shell_path->size() >= MAX_PATH) {
+    return Failure(Code::kRefused, path, "the path is too long for other programs");
   }
-  if (path.starts_with(kPrefix)) path.remove_prefix(kPrefix.size());
-  return TextFromWide(path);
+  if (FullPath(*shell_path) != *shell_path) {
+    return Failure(Code::kRefused, path, "other programs would take the path for a different one");
+  }
+  return Success();
 }
 
 }  // namespace quendle::platform

@@ -16,13 +16,20 @@ namespace quendle::platform {
 std::wstring WideFromText(std::string_view text);
 std::string TextFromWide(std::wstring_view wide);
 
-// The path as system calls take it, whatever its length and whatever its last letters: absolute, with the prefix that turns
-// the system's own rewriting off, so that "con", "a." and "a " are names like any other.
+// The path as system calls take it, whatever its length and whatever its last letters: absolute, with the prefix that
+// turns the system's own rewriting off, so that "con", "a." and "a " are names like any other.
 //   "C:\a/b" => "\\?\C:\a\b"    "\\server\share\a" => "\\?\UNC\server\share\a"    "C:\a\..\b" => "\\?\C:\b"
-// What is relative, or relative to a drive ("C:a", "\a"), counts from where the process is. A path that has the prefix keeps it.
+// What is relative, or relative to a drive ("C:a", "\a"), counts from where the process is. A path that has the prefix
+// keeps it, and no path is none.
 std::wstring SystemPath(std::string_view path);
-// And back, without the prefix.
+
+// And back; a volume that has no name without the prefix keeps it.
 std::string TextFromSystemPath(std::wstring_view path);
+std::wstring WithoutPrefix(std::wstring_view path);
+
+// The path as other programs and the shell take it: absolute, without the prefix. Refused when it is too long for them,
+// or when they would rewrite it ("C:\a." means "C:\a" to them).
+Result ToShellPath(const std::string& path, std::wstring* shell_path);
 
 class Handle {
  public:
@@ -36,6 +43,7 @@ class Handle {
 
   bool ok() const { return handle_ != INVALID_HANDLE_VALUE && handle_ != nullptr; }
   HANDLE get() const { return handle_; }
+  HANDLE Release() { return std::exchange(handle_, INVALID_HANDLE_VALUE); }
   void Close() {
     if (ok()) CloseHandle(handle_);
     handle_ = INVALID_HANDLE_VALUE;

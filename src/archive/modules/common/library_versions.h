@@ -3,7 +3,6 @@
 
 namespace quendle::modules {
 
-inline constexpr const char* kUnarrVersion = "libunarr " QUENDLE_UNARR_VERSION;
 inline constexpr const char* kLhasaVersion = "lhasa " QUENDLE_LHASA_VERSION;
 inline constexpr const char* kMspackVersion = "libmspack " QUENDLE_MSPACK_VERSION;
 

@@ -116,6 +116,10 @@ class UnarrReader : public EntryReader {
 
 }  // namespace
 
+std::string AndUnarrVersion() {
+  return ", libunarr " QUENDLE_UNARR_VERSION;
+}
+
 std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput& input, UnarrFormat format,
                                        DescribeUnarrEntry describe, std::string* reason) {
   std::string memory;

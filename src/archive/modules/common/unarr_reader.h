@@ -5,6 +5,9 @@
 
 namespace quendle::modules {
 
+// ", libunarr 1.0.1", to be put behind the versions of others; empty in a build without it, where nothing is read by it.
+std::string AndUnarrVersion();
+
 enum class UnarrFormat { kZip, kRar };
 
 // Completes what unarr tells of an entry from the archive's own header at `offset`, as ar_entry_get_offset

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "archive/modules/common/libarchive_reader.h"
-#include "archive/modules/common/library_versions.h"
 #include "archive/modules/common/signature_scan.h"
+#include "archive/modules/common/unarr_reader.h"
 #include "archive/modules/common/volumes.h"
 #include "archive/modules/rar/rar_headers.h"
 #include "archive/modules/rar/rar_reader.h"
@@ -66,7 +66,7 @@ std::vector<Engine> RarEngines(const ArchiveInput& input) {
 }
 
 std::string RarLibraries() {
-  return LibarchiveVersion() + ", " + kUnarrVersion;
+  return LibarchiveVersion() + AndUnarrVersion();
 }
 
 }  // namespace

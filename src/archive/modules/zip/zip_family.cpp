@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "archive/modules/common/libarchive_reader.h"
-#include "archive/modules/common/library_versions.h"
 #include "archive/modules/common/unarr_reader.h"
 #include "archive/modules/common/volumes.h"
 #include "archive/modules/zip/zip_directory.h"
@@ -94,7 +93,7 @@ platform::Result CheckZip(const ArchiveInput& input) {
 }
 
 std::string ZipLibraries() {
-  return LibarchiveVersion() + ", " + kUnarrVersion;
+  return LibarchiveVersion() + AndUnarrVersion();
 }
 
 }  // namespace

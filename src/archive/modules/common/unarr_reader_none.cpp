@@ -1,0 +1,15 @@
+// For builds without unarr, whose archives the other library reads.
+#include "archive/modules/common/unarr_reader.h"
+
+namespace quendle::modules {
+
+std::string AndUnarrVersion() {
+  return "";
+}
+
+std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput&, UnarrFormat, DescribeUnarrEntry, std::string* reason) {
+  *reason = "unarr is not part of this build";
+  return nullptr;
+}
+
+}  // namespace quendle::modules

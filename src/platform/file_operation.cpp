@@ -1,0 +1,57 @@
+#include "platform/file_operation.h"
+
+#include "platform/entry_names.h"
+#include "platform/place_entry.h"
+#include "platform/remove_tree.h"
+#include "platform/renaming.h"
+#include "platform/transfer.h"
+#include "platform/trash.h"
+
+namespace quendle::platform {
+namespace {
+
+// Roots, "." and ".." are places, not entries that could be moved or removed.
+Result CheckNamesEntry(const std::string& path) {
+  const std::string name = NameOf(path);
+  if (!name.empty() && name != "." && name != "..") return Success();
+  return Failure(Code::kRefused, path, "this is not the path of an entry in a folder");
+}
+
+Result Run(Transfer& transfer, const std::string& source, const std::string& destination) {
+  Result result = CheckNamesEntry(source);
+  if (result.ok()) result = CheckNamesEntry(destination);
+  if (!result.ok()) return result;
+  if (!transfer.meter.StartEntry(source)) return Cancelled(source);
+  // By far the most common case, settled by a single call.
+  if (transfer.moving && RenameWithoutReplacing(source, destination) == 0) return Success();
+  result = PlaceEntry(transfer, source, destination);
+  return result.ok() ? LeftoverResult(transfer.leftovers, destination) : result;
+}
+
+}  // namespace
+
+Result MoveEntry(const std::string& source, const std::string& destination,
+                 const FileOperationOptions& options, FileOperationObserver* observer) {
+  Transfer transfer(true, options, observer);
+  return Run(transfer, WithoutTrailingSlashes(source), WithoutTrailingSlashes(destination));
+}
+
+Result CopyEntry(const std::string& source, const std::string& destination,
+                 const FileOperationOptions& options, FileOperationObserver* observer) {
+  Transfer transfer(false, options, observer);
+  return Run(transfer, WithoutTrailingSlashes(source), WithoutTrailingSlashes(destination));
+}
+
+Result DeleteEntry(const std::string& path, const FileOperationOptions& options,
+                   FileOperationObserver* observer) {
+  const std::string entry = WithoutTrailingSlashes(path);
+  Result named = CheckNamesEntry(entry);
+  if (!named.ok()) return named;
+  Transfer transfer(true, options, observer);
+  if (!options.allow_undo) return RemoveTree(transfer, entry);
+  if (!transfer.meter.StartEntry(entry)) return Cancelled(entry);
+  TrashedEntry trashed;
+  return TrashEntry(entry, &trashed);
+}
+
+}  // namespace quendle::platform

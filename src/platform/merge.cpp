@@ -1,0 +1,84 @@
+#include <utility>
+#include <vector>
+
+#include "platform/open_folder.h"
+#include "platform/paths.h"
+#include "platform/place_entry.h"
+#include "platform/source_tree.h"
+
+namespace quendle::platform {
+namespace {
+
+Result ListNames(const std::string& path, std::vector<std::string>* names) {
+  OpenFolder folder;
+  Result result = OpenFolder::OpenItself(path, path, OpenFolder::Use::kList, &folder);
+  return result.ok() ? folder.List(names) : result;
+}
+
+// A failure of one entry that says nothing about the next.
+bool MayGoOn(const Result& result) {
+  return result.ok() || result.code == Code::kExists || result.code == Code::kIsFolder ||
+         result.code == Code::kNotFolder || result.code == Code::kRefused;
+}
+
+void CountLeftover(Leftovers* leftovers, Result result) {
+  if (result.code == Code::kExists) {
+    ++leftovers->existing;
+  } else if (leftovers->others++ == 0) {
+    leftovers->first_other = std::move(result);
+  }
+}
+
+Result RemoveEmptied(const std::string& folder, bool may_hold_leftovers) {
+  Result result = RemoveEmptyFolder(folder);
+  if (result.code != Code::kExists) return result;
+  if (may_hold_leftovers) return Success();
+  return Failure(Code::kFailed, folder, "entries that appeared meanwhile were left");
+}
+
+}  // namespace
+
+Result MergeFolders(Transfer& transfer, const std::string& source, const EntryStatus& status,
+                    const std::string& destination, const EntryStatus& existing) {
+  if (!transfer.meter.is_total_known() && (!transfer.moving || status.id.volume != existing.id.volume)) {
+    SourceTree tree;
+    Result result = tree.Scan(transfer, source, status);
+    if (!result.ok()) return result;
+    transfer.meter.Expect(tree.bytes());
+  }
+  if (transfer.moving) {
+    Result result = CheckRemovable(source, status);
+    if (!result.ok()) return result;
+  }
+  std::vector<std::string> names;
+  Result listed = ListNames(source, &names);
+  if (!listed.ok()) return listed;
+
+  const unsigned left_before = transfer.leftovers.count();
+  for (const std::string& name : names) {
+    const std::string from = PathBelow(source, name);
+    if (!transfer.meter.StartEntry(from)) return Cancelled(from);
+    Result result = PlaceEntry(transfer, from, PathBelow(destination, name));
+    if (!MayGoOn(result)) return result;
+    if (!result.ok()) CountLeftover(&transfer.leftovers, std::move(result));
+  }
+  return transfer.moving ? RemoveEmptied(source, transfer.leftovers.count() > left_before) : Success();
+}
+
+Result LeftoverResult(const Leftovers& leftovers, const std::string& destination) {
+  if (leftovers.count() == 0) return Success();
+  std::string reason;
+  if (leftovers.existing > 0) {
+    reason = leftovers.existing == 1
+                 ? "1 file exists already and was left"
+                 : std::to_string(leftovers.existing) + " files exist already and were left";
+  }
+  if (leftovers.others > 0) {
+    reason += (reason.empty() ? "" : "; ") + std::to_string(leftovers.others) +
+              (leftovers.others == 1 ? " entry was left: " : " entries were left: ") +
+              leftovers.first_other.reason + ": " + leftovers.first_other.path;
+  }
+  return Failure(Code::kExists, destination, std::move(reason));
+}
+
+}  // namespace quendle::platform

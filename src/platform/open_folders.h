@@ -1,0 +1,45 @@
+// Folders below an open one, entered without following links and kept open while they are on the way.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/open_folder.h"
+#include "platform/result.h"
+
+namespace quendle::platform {
+
+// Shared, so that what was begun in a folder can be ended there whatever has happened to its name.
+using FolderHandle = std::shared_ptr<const OpenFolder>;
+
+class OpenFolders {
+ public:
+  explicit OpenFolders(OpenFolder top) : top_(std::make_shared<OpenFolder>(std::move(top))) {}
+
+  const OpenFolder& top() const { return *top_; }
+
+  // The path, with "/" between its parts, as failures name it.
+  std::string Shown(const std::string& path) const;
+
+  // Opens a folder by its path below the top, "" for the top itself, for passing through. With `make` missing folders are made. kNotFolder, with the path of that part, for a file or link on the
+  // way.
+  Result Enter(const std::string& folder, bool make, FolderHandle* handle);
+
+ private:
+  struct Level {
+    std::size_t end;      // of its path in path_
+    FolderHandle handle;  // null: closed again
+  };
+
+  Result EnterNext(const OpenFolder& parent, std::size_t begin, std::size_t end, bool make,
+                   FolderHandle* handle) const;
+
+  FolderHandle top_;
+  std::string path_;  // the levels are folders on it
+  std::vector<Level> levels_;
+};
+
+}  // namespace quendle::platform

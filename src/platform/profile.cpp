@@ -1,0 +1,169 @@
+#include "platform/profile.h"
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+
+#include "platform/code_page.h"
+#include "platform/durable_file.h"
+#include "platform/entry_status.h"
+#include "platform/profile_document.h"
+#include "platform/profile_edit.h"
+
+namespace quendle::platform {
+namespace {
+
+constexpr std::size_t kMostParses = 4;
+
+using Clock = std::chrono::system_clock;
+
+// A file changed only just before it was read may be changed once more under the same stamp. The clock that
+// stamps files advances in steps of up to 16 ms. FAT keeps whole, even seconds: so may any file without
+// nanoseconds. A stamp far in the future says that the clock was set back since, so it is old too.
+bool IsSettled(const EntryStatus& entry, Clock::time_point now) {
+  using namespace std::chrono_literals;
+  const EntryTime& stamp = entry.change_time;
+  const auto age = now.time_since_epoch() - std::chrono::seconds(stamp.seconds) -
+                   std::chrono::nanoseconds(stamp.nanoseconds);
+  return std::chrono::abs(age) > (stamp.nanoseconds == 0 ? 2500ms : 20ms);
+}
+
+using Parse = std::shared_ptr<const ProfileDocument>;
+
+// The parses of the files read last. A settings window reads some twenty keys in a row, a list of profiles
+// one key of each of thousands of sections. The time of change, which is among what is compared, cannot be
+// set by anyone and moves with every write and rename.
+class ParseCache {
+ public:
+  Parse Get(const std::string& file) {
+    EntryStatus before;
+    if (!ReadTargetStatus(file, &before).ok()) return nullptr;
+    const auto kept = std::find_if(entries_.begin(), entries_.end(),
+                                   [&](const Entry& entry) { return entry.file == file; });
+    if (kept != entries_.end() && IsUnchanged(kept->status, before)) {
+      std::rotate(entries_.begin(), kept, kept + 1);  // the one used last comes first
+      return entries_.front().parse;
+    }
+    if (kept != entries_.end()) entries_.erase(kept);
+    return Read(file, before);
+  }
+
+ private:
+  struct Entry {
+    std::string file;
+    EntryStatus status;
+    Parse parse;
+  };
+
+  Parse Read(const std::string& file, const EntryStatus& before) {
+    const Clock::time_point now = Clock::now();
+    std::string bytes;
+    if (!ReadWholeFile(file, &bytes).ok()) return nullptr;
+    Parse parse = std::make_shared<const ProfileDocument>(bytes);
+    EntryStatus after;
+    if (IsSettled(before, now) && ReadTargetStatus(file, &after).ok() && IsUnchanged(before, after)) {
+      if (entries_.size() == kMostParses) entries_.pop_back();
+      entries_.insert(entries_.begin(), {file, before, parse});
+    }
+    return parse;
+  }
+
+  std::vector<Entry> entries_;
+};
+
+Parse ParseOf(const std::string& file) {
+  static ParseCache cache;
+  return cache.Get(file);
+}
+
+// A failure of an edit knows no file.
+Result At(const std::string& file, Result edited) {
+  edited.path = file;
+  return edited;
+}
+
+// The caller holds the lock.
+Result ChangeLocked(const std::string& file, const std::function<Result(std::string*)>& edit) {
+  std::string old_bytes;
+  Result read = ReadWholeFile(file, &old_bytes);
+  if (!read.ok() && read.code != Code::kNotFound) return read;
+  std::string bytes = old_bytes;
+  if (const Result edited = edit(&bytes); !edited.ok()) return At(file, edited);
+  return bytes == old_bytes ? Success() : ReplaceFile(file, bytes);
+}
+
+Result ChangeProfile(const std::string& file, const std::function<Result(std::string*)>& edit) {
+  std::unique_ptr<FolderLock> lock;
+  if (Result taken = FolderLock::Take(file, &lock); !taken.ok()) return taken;
+  return ChangeLocked(file, edit);
+}
+
+Result SetKeys(const std::string& section, const KeysAndValues& keys, std::string* bytes) {
+  for (const auto& [key, value] : keys) {
+    if (Result set = SetKey(section, key, value, bytes); !set.ok()) return set;
+  }
+  return Success();
+}
+
+}  // namespace
+
+std::string ReadProfileString(const std::string& file, const std::string& section, const std::string& key,
+                              const std::string& fallback, std::size_t buffer_bytes) {
+  const Parse parse = ParseOf(file);
+  const std::string_view instead = std::string_view(fallback).substr(0, fallback.find_last_not_of(" \t") + 1);
+  std::string_view value = parse == nullptr ? instead : parse->FindValue(section, key).value_or(instead);
+  value = value.substr(0, value.find('\0'));
+  return std::string(CutToAnsiBytes(value, std::max<std::size_t>(buffer_bytes, 1) - 1));
+}
+
+void VisitProfileSections(const std::string& file, const ProfileSectionVisitor& visit) {
+  if (const Parse parse = ParseOf(file)) parse->VisitSections(visit);
+}
+
+Result WriteProfileString(const std::string& file, const std::string& section, const std::string& key,
+                          const std::string& value) {
+  return ChangeProfile(file, [&](std::string* bytes) { return SetKey(section, key, value, bytes); });
+}
+
+Result WriteProfileStrings(const std::string& file, const std::string& section,
+                           const std::function<KeysAndValues()>& choose) {
+  std::unique_ptr<FolderLock> lock;
+  if (Result taken = FolderLock::Take(file, &lock); !taken.ok()) return taken;
+  const KeysAndValues keys = choose();
+  return ChangeLocked(file, [&](std::string* bytes) { return SetKeys(section, keys, bytes); });
+}
+
+Result CreateProfile(const std::string& file, const std::string& section, const KeysAndValues& keys) {
+  std::unique_ptr<FolderLock> lock;
+  if (Result taken = FolderLock::Take(file, &lock); !taken.ok()) return taken;
+  EntryStatus present;
+  if (ReadTargetStatus(file, &present).ok() && !present.is_folder()) return Success();
+  std::string bytes;
+  if (const Result set = SetKeys(section, keys, &bytes); !set.ok()) return At(file, set);
+  return ReplaceFile(file, bytes);
+}
+
+Result DeleteProfileSections(const std::string& file, const std::vector<std::string>& sections) {
+  Result result = ChangeProfile(file, [&](std::string* bytes) { return RemoveSections(sections, bytes); });
+  return result.code == Code::kNotFound ? Success() : result;
+}
+
+Result DeleteProfileSection(const std::string& file, const std::string& section) {
+  return DeleteProfileSections(file, {section});
+}
+
+Result WriteProfileSection(const std::string& file, const std::string& section, const std::string& body) {
+  return ChangeProfile(file, [&](std::string* bytes) { return SetBody(section, body, bytes); });
+}
+
+Result RenameProfileSection(const std::string& file, const std::string& old_name,
+                            const std::string& new_name) {
+  return ChangeProfile(file,
+                       [&](std::string* bytes) { return RenameFirstSection(old_name, new_name, bytes); });
+}
+
+Result ArrangeProfile(const std::string& file, const SectionOrder& order) {
+  return ChangeProfile(file, [&](std::string* bytes) { return ArrangeSections(order, bytes); });
+}
+
+}  // namespace quendle::platform
