@@ -41,7 +41,7 @@ GTEST_TEST(Reasons, AreTranslatedWithTheirNamesAndNumbers) {
 std::string Sources(const std::string& but) {
   std::string all;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(QUENDLE_SOURCES)) {
-    if (entry.path().extension() == ".cpp" && entry.path().filename() != but) {
+    if (entry.is_regular_file() && entry.path().filename() != but) {
       all += test::ReadFile(entry.path().string());
     }
   }
