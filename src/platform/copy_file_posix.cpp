@@ -1,4 +1,4 @@
-#include "platform/copy_file_posix.h"
+#include "platform/copy_file.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 #include "platform/descriptor_posix.h"
-#include "platform/entry_names_posix.h"
+#include "platform/entry_status_posix.h"
 
 namespace quendle::platform {
 namespace {
@@ -19,20 +19,23 @@ constexpr off_t kBuffer = 256 << 10;  // for reading and writing; more only cost
 constexpr off_t kWriteBackStep = 4 << 20;
 constexpr off_t kWriteBackAhead = 64 << 20;  // enough to keep any disk busy
 
+int FdOf(OpenEntry entry) {
+  return static_cast<int>(entry.handle);
+}
+
 class DataCopy {
  public:
   DataCopy(Transfer& transfer, OpenEntry from, OpenEntry to, bool sync)
-      : transfer_(transfer), from_(from), to_(to), sync_(sync) {}
+      : transfer_(transfer), from_{FdOf(from), from.path}, to_{FdOf(to), to.path}, sync_(sync) {}
 
-  Result Run(const struct stat& source) {
-    if (source.st_size > 0 && transfer_.can_clone) {
-      if (ioctl(to_.fd, FICLONE, from_.fd) == 0) return Count(source.st_size);
+  Result Run(const EntryStatus& source) {
+    const auto size = static_cast<off_t>(source.size);
+    if (size > 0 && transfer_.can_clone) {
+      if (ioctl(to_.fd, FICLONE, from_.fd) == 0) return Count(size);
       transfer_.can_clone = false;
     }
-    constexpr off_t kBlock = 512;  // the unit of st_blocks on every Linux file system
-    Result result = source.st_blocks * kBlock < source.st_size ? CopySparse(source.st_size)
-                                                               : CopyRange(0, source.st_size);
-    return result.ok() && transfer_.moving ? FinishWriteBack(source.st_size) : result;
+    Result result = source.has_holes ? CopySparse(size) : CopyRange(0, size);
+    return result.ok() && transfer_.moving ? FinishWriteBack(size) : result;
   }
 
  private:
@@ -130,9 +133,14 @@ class DataCopy {
     return Success();
   }
 
+  struct Side {
+    int fd;
+    const std::string& path;
+  };
+
   Transfer& transfer_;
-  OpenEntry from_;
-  OpenEntry to_;
+  Side from_;
+  Side to_;
   bool sync_;
   off_t started_ = 0;   // up to where data is on its way to the disk
   off_t finished_ = 0;  // up to where it has arrived
@@ -141,47 +149,42 @@ class DataCopy {
 // Files of the kernel have a size of 0 and content nevertheless.
 Result CheckEmpty(OpenEntry from) {
   char byte;
-  const ssize_t n = Retried([&] { return pread(from.fd, &byte, 1, 0); });
+  const ssize_t n = Retried([&] { return pread(FdOf(from), &byte, 1, 0); });
   if (n < 0) return LastSystemFailure(from.path);
   return n == 0 ? Success()
                 : Failure(Code::kFailed, from.path, "the file system does not know the file's size");
 }
 
-Result CheckUnchanged(OpenEntry from, const struct stat& recorded) {
+Result CheckUnchanged(OpenEntry from, const EntryStatus& recorded) {
   struct stat now;
-  if (fstat(from.fd, &now) != 0) return LastSystemFailure(from.path);
-  return IsUnchanged(recorded, now) ? Success() : SourceChanged(from.path);
+  if (fstat(FdOf(from), &now) != 0) return LastSystemFailure(from.path);
+  return IsUnchanged(recorded, StatusFrom(now)) ? Success() : SourceChanged(from.path);
 }
 
-Result CheckSize(OpenEntry to, off_t size) {
+Result CheckSize(OpenEntry to, std::uint64_t size) {
   struct stat copy;
-  if (fstat(to.fd, &copy) != 0) return LastSystemFailure(to.path);
-  if (copy.st_size == size) return Success();
+  if (fstat(FdOf(to), &copy) != 0) return LastSystemFailure(to.path);
+  if (static_cast<std::uint64_t>(copy.st_size) == size) return Success();
   return Failure(Code::kFailed, to.path, "the copy has another size than the source");
 }
 
 }  // namespace
 
-Result CopyFileContent(Transfer& transfer, OpenEntry from, const struct stat& recorded, OpenEntry to,
+Result CopyFileContent(Transfer& transfer, OpenEntry from, const EntryStatus& recorded, OpenEntry to,
                        bool sync) {
   Result result = CheckUnchanged(from, recorded);
   if (result.ok())
-    result = recorded.st_size == 0 ? CheckEmpty(from) : DataCopy(transfer, from, to, sync).Run(recorded);
-  if (result.ok()) result = CheckSize(to, recorded.st_size);
+    result = recorded.size == 0 ? CheckEmpty(from) : DataCopy(transfer, from, to, sync).Run(recorded);
+  if (result.ok()) result = CheckSize(to, recorded.size);
   if (result.ok()) result = CopyMetadata(transfer, from, recorded, to);
   if (!result.ok()) return result;
-  if (sync && Retried([&] { return fsync(to.fd); }) != 0) return LastSystemFailure(to.path);
+  if (sync && Retried([&] { return fsync(FdOf(to)); }) != 0) return LastSystemFailure(to.path);
   return CheckUnchanged(from, recorded);
 }
 
-Result ReadLink(int folder, const char* name, const std::string& shown, const struct stat& recorded,
-                std::string* target) {
-  target->resize(static_cast<std::size_t>(recorded.st_size) + 1);
-  const ssize_t size = readlinkat(folder, name, target->data(), target->size());
-  if (size < 0) return LastSystemFailure(shown);
-  if (size != recorded.st_size) return SourceChanged(shown);
-  target->resize(static_cast<std::size_t>(size));
-  return Success();
+Result SyncCopies(OpenEntry folder) {
+  // Once for everything: a sync of each file would take minutes for thousands of them.
+  return syncfs(FdOf(folder)) == 0 ? Success() : LastSystemFailure(folder.path);
 }
 
 }  // namespace quendle::platform

@@ -6,6 +6,8 @@
 
 #include <unistd.h>
 
+#include "platform/system_handle.h"
+
 namespace quendle::platform {
 
 class Descriptor {
@@ -32,6 +34,10 @@ class Descriptor {
  private:
   int fd_ = -1;
 };
+
+inline int FdOf(const SystemHandle& handle) {
+  return static_cast<int>(handle.get());
+}
 
 // Repeats a system call for as long as signals interrupt it.
 template <typename Call>

@@ -10,8 +10,9 @@
 
 #include "platform/descriptor_posix.h"
 #include "platform/durable_file.h"
-#include "platform/entry_names_posix.h"
+#include "platform/entry_names.h"
 #include "platform/process.h"
+#include "platform/renaming_posix.h"
 
 namespace quendle::platform {
 namespace {

@@ -12,15 +12,11 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/entry_time.h"
 #include "platform/file_operation.h"
 #include "platform/result.h"
 
 namespace quendle::platform {
-
-struct EntryTime {
-  std::int64_t seconds = 0;  // since 1970, UTC
-  std::int32_t nanoseconds = 0;
-};
 
 struct EntryAttributes {
   std::optional<EntryTime> write_time;  // none: now

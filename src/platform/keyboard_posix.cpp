@@ -10,7 +10,7 @@
 #include <string>
 
 #include "platform/descriptor_posix.h"
-#include "platform/entry_names_posix.h"
+#include "platform/entry_names.h"
 #include "platform/known_folders.h"
 #include "platform/local_socket_posix.h"
 

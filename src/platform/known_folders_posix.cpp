@@ -5,7 +5,8 @@
 #include <fstream>
 #include <memory>
 
-#include "platform/entry_names_posix.h"
+#include "platform/entry_names.h"
+#include "platform/entry_status.h"
 #include "platform/known_folders.h"
 #include "platform/paths.h"
 

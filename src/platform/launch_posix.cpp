@@ -8,7 +8,8 @@
 #include <cerrno>
 
 #include "platform/descriptor_posix.h"
-#include "platform/entry_names_posix.h"
+#include "platform/entry_names.h"
+#include "platform/entry_status.h"
 #include "platform/launch_words.h"
 #include "platform/paths.h"
 

@@ -1,5 +1,3 @@
-#include "platform/metadata_posix.h"
-
 #include <cerrno>
 #include <string_view>
 #include <vector>
@@ -7,6 +5,9 @@
 #include <fcntl.h>
 #include <sys/xattr.h>
 #include <unistd.h>
+
+#include "platform/copy_file.h"
+#include "platform/entry_status_posix.h"
 
 namespace quendle::platform {
 namespace {
@@ -28,15 +29,19 @@ bool IsPrivilege(std::string_view attribute) {
   return attribute.starts_with("security.");
 }
 
+int FdOf(OpenEntry entry) {
+  return static_cast<int>(entry.handle);
+}
+
 Result CopyAttribute(OpenEntry from, OpenEntry to, const char* name) {
   std::vector<char> value(256);
-  ssize_t size = fgetxattr(from.fd, name, value.data(), value.size());
+  ssize_t size = fgetxattr(FdOf(from), name, value.data(), value.size());
   if (size < 0 && errno == ERANGE) {
     value.resize(kLongest);
-    size = fgetxattr(from.fd, name, value.data(), value.size());
+    size = fgetxattr(FdOf(from), name, value.data(), value.size());
   }
   if (size < 0) return CannotBeHeld(errno) || errno == ENODATA ? Success() : LastSystemFailure(from.path);
-  return UnlessItCannotBeHeld(fsetxattr(to.fd, name, value.data(), static_cast<std::size_t>(size), 0),
+  return UnlessItCannotBeHeld(fsetxattr(FdOf(to), name, value.data(), static_cast<std::size_t>(size), 0),
                               to.path);
 }
 
@@ -44,11 +49,11 @@ Result CopyAttributes(OpenEntry from, OpenEntry to, bool with_privileges) {
   char first_try[512];
   std::vector<char> more;
   char* names = first_try;
-  ssize_t size = flistxattr(from.fd, names, sizeof first_try);
+  ssize_t size = flistxattr(FdOf(from), names, sizeof first_try);
   if (size < 0 && errno == ERANGE) {
     more.resize(kLongest);
     names = more.data();
-    size = flistxattr(from.fd, names, more.size());
+    size = flistxattr(FdOf(from), names, more.size());
   }
   if (size < 0) return CannotBeHeld(errno) ? Success() : LastSystemFailure(from.path);
   for (const char* name = names; name < names + size; name += std::string_view(name).size() + 1) {
@@ -61,12 +66,13 @@ Result CopyAttributes(OpenEntry from, OpenEntry to, bool with_privileges) {
 
 }  // namespace
 
-Result CopyMetadata(const Transfer& transfer, OpenEntry from, const struct stat& recorded, OpenEntry to) {
+Result CopyMetadata(const Transfer& transfer, OpenEntry from, const EntryStatus& recorded, OpenEntry to) {
   bool owner_kept = false;
   if (transfer.moving) {
-    owner_kept = fchown(to.fd, recorded.st_uid, recorded.st_gid) == 0;
+    owner_kept = fchown(FdOf(to), recorded.owner, recorded.group) == 0;
     // The group alone often may be kept.
-    if (!owner_kept && fchown(to.fd, static_cast<uid_t>(-1), recorded.st_gid) != 0 && !CannotBeHeld(errno)) {
+    if (!owner_kept && fchown(FdOf(to), static_cast<uid_t>(-1), recorded.group) != 0 &&
+        !CannotBeHeld(errno)) {
       return LastSystemFailure(to.path);
     }
   }
@@ -74,22 +80,23 @@ Result CopyMetadata(const Transfer& transfer, OpenEntry from, const struct stat&
   // some.
   Result result = CopyAttributes(from, to, owner_kept);
   if (!result.ok()) return result;
-  const mode_t mode = recorded.st_mode & (owner_kept ? 07777U : 01777U);
-  result = UnlessItCannotBeHeld(fchmod(to.fd, mode), to.path);
+  const mode_t mode = recorded.mode & (owner_kept ? 07777U : 01777U);
+  result = UnlessItCannotBeHeld(fchmod(FdOf(to), mode), to.path);
   if (!result.ok()) return result;
-  const timespec times[] = {recorded.st_atim, recorded.st_mtim};
-  return UnlessItCannotBeHeld(futimens(to.fd, times), to.path);
+  const timespec times[] = {SystemTime(recorded.access_time), SystemTime(recorded.write_time)};
+  return UnlessItCannotBeHeld(futimens(FdOf(to), times), to.path);
 }
 
-Result CopyLinkMetadata(const Transfer& transfer, const struct stat& recorded, int folder, const char* name,
-                        const std::string& shown) {
+Result CopyLinkMetadata(const Transfer& transfer, const EntryStatus& recorded, const OpenFolder& folder,
+                        const std::string& name, const std::string& shown) {
+  const auto fd = static_cast<int>(folder.get());
   if (transfer.moving) {
     Result result = UnlessItCannotBeHeld(
-        fchownat(folder, name, recorded.st_uid, recorded.st_gid, AT_SYMLINK_NOFOLLOW), shown);
+        fchownat(fd, name.c_str(), recorded.owner, recorded.group, AT_SYMLINK_NOFOLLOW), shown);
     if (!result.ok()) return result;
   }
-  const timespec times[] = {recorded.st_atim, recorded.st_mtim};
-  return UnlessItCannotBeHeld(utimensat(folder, name, times, AT_SYMLINK_NOFOLLOW), shown);
+  const timespec times[] = {SystemTime(recorded.access_time), SystemTime(recorded.write_time)};
+  return UnlessItCannotBeHeld(utimensat(fd, name.c_str(), times, AT_SYMLINK_NOFOLLOW), shown);
 }
 
 }  // namespace quendle::platform

@@ -14,7 +14,8 @@
 #include <memory>
 #include <string_view>
 
-#include "platform/entry_names_posix.h"
+#include "platform/entry_names.h"
+#include "platform/entry_status_posix.h"
 #include "platform/known_folders.h"
 #include "platform/unicode.h"
 
@@ -36,7 +37,7 @@ std::string SwappedCase(const std::string& name) {
 std::string ListedName(const std::string& folder, const std::string& name, const struct stat& entry) {
   const std::string swapped = SwappedCase(name);
   struct stat other;
-  if (swapped == name || lstat((folder + "/" + swapped).c_str(), &other) != 0 || !IsSameEntry(entry, other)) {
+  if (swapped == name || lstat((folder + "/" + swapped).c_str(), &other) != 0 || !IsSameEntry(StatusFrom(entry), StatusFrom(other))) {
     return name;
   }
   const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(folder.empty() ? "/" : folder.c_str()), closedir);

@@ -1,4 +1,4 @@
-#include "platform/trash_posix.h"
+#include "platform/trash.h"
 
 #include <cerrno>
 #include <climits>
@@ -11,7 +11,9 @@
 #include <unistd.h>
 
 #include "platform/descriptor_posix.h"
-#include "platform/entry_names_posix.h"
+#include "platform/entry_names.h"
+#include "platform/entry_status.h"
+#include "platform/renaming.h"
 
 namespace quendle::platform {
 namespace {

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "platform/source_tree_posix.h"
-#include "platform/transfer_posix.h"
+#include "platform/source_tree.h"
+#include "platform/transfer.h"
 
 namespace quendle::platform {
 

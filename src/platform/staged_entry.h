@@ -3,11 +3,10 @@
 
 #include <string>
 
-#include <sys/stat.h>
-
-#include "platform/descriptor_posix.h"
+#include "platform/open_folder.h"
 #include "platform/result.h"
-#include "platform/trash_posix.h"
+#include "platform/system_handle.h"
+#include "platform/trash.h"
 #include "platform/undone_at_exit.h"
 
 namespace quendle::platform {
@@ -21,15 +20,21 @@ class StagedEntry final : private UndoneAtExit {
   StagedEntry(const StagedEntry&) = delete;
   StagedEntry& operator=(const StagedEntry&) = delete;
 
-  const std::string& path() const { return path_; }
+  // Comes first.
+  Result OpenItsFolder();
 
-  Result MakeFile(Descriptor* file);
-  Result MakeLink(const std::string& target);
+  const std::string& path() const { return path_; }
+  const OpenFolder& folder() const { return folder_; }
+  const std::string& name() const { return name_; }
+
+  Result MakeFile(SystemHandle* file);
+  // As OpenFolder::MakeLinkLike.
+  Result MakeLink(const std::string& content, const EntryStatus& recorded);
   Result MakeFolder();
 
   // Gives the complete entry its final name. With `replaced` it takes the place of that existing file, which
   // goes to the trash or is kept aside until this object goes; otherwise the name must be free.
-  Result Put(const struct stat* replaced, bool to_trash);
+  Result Put(const EntryStatus* replaced, bool to_trash);
 
   // Makes Put undone: what was replaced is back, and the new entry under its temporary name again.
   Result TakeBack();
@@ -39,16 +44,23 @@ class StagedEntry final : private UndoneAtExit {
 
   void Clear();
   void UndoAtExit() override { Clear(); }
-  Result Swap(const struct stat& replaced);
+  Result Made(Result result);
+  Result Swap(const EntryStatus& replaced);
 
   const std::string destination_;
   const std::string path_;
+  const std::string name_;
+  OpenFolder folder_;
   Under under_path_ = Under::kNothing;
   bool is_old_lost_ = false;
-  TrashedEntry trashed_;  // `file` is empty when nothing went there
+  TrashedEntry trashed_;
 };
 
 // Renames onto an existing file that goes to the trash, or stays if the rename fails.
 Result ReplaceThroughTrash(const std::string& from, const std::string& to, TrashedEntry* trashed);
+
+inline Result AppearedMeanwhile(const std::string& path) {
+  return Failure(Code::kExists, path, "something of that name has appeared meanwhile");
+}
 
 }  // namespace quendle::platform

@@ -1,20 +1,18 @@
-#include <cerrno>
+#include <utility>
+#include <vector>
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include "platform/descriptor_posix.h"
-#include "platform/entry_names_posix.h"
-#include "platform/folder_listing_posix.h"
-#include "platform/place_entry_posix.h"
-#include "platform/source_tree_posix.h"
+#include "platform/open_folder.h"
+#include "platform/paths.h"
+#include "platform/place_entry.h"
+#include "platform/source_tree.h"
 
 namespace quendle::platform {
 namespace {
 
 Result ListNames(const std::string& path, std::vector<std::string>* names) {
-  const Descriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-  return folder.ok() ? ListFolder(folder.get(), path, names) : LastSystemFailure(path);
+  OpenFolder folder;
+  Result result = OpenFolder::OpenItself(path, path, OpenFolder::Use::kList, &folder);
+  return result.ok() ? folder.List(names) : result;
 }
 
 // A failure of one entry that says nothing about the next.
@@ -32,37 +30,35 @@ void CountLeftover(Leftovers* leftovers, Result result) {
 }
 
 Result RemoveEmptied(const std::string& folder, bool may_hold_leftovers) {
-  if (rmdir(folder.c_str()) == 0) return Success();
-  if (errno != ENOTEMPTY && errno != EEXIST) return LastSystemFailure(folder);
+  Result result = RemoveEmptyFolder(folder);
+  if (result.code != Code::kExists) return result;
   if (may_hold_leftovers) return Success();
   return Failure(Code::kFailed, folder, "entries that appeared meanwhile were left");
 }
 
 }  // namespace
 
-Result MergeFolders(Transfer& transfer, const std::string& source, const struct stat& status,
-                    const std::string& destination, const struct stat& existing) {
-  if (!transfer.meter.is_total_known() && (!transfer.moving || status.st_dev != existing.st_dev)) {
+Result MergeFolders(Transfer& transfer, const std::string& source, const EntryStatus& status,
+                    const std::string& destination, const EntryStatus& existing) {
+  if (!transfer.meter.is_total_known() && (!transfer.moving || status.id.volume != existing.id.volume)) {
     SourceTree tree;
     Result result = tree.Scan(transfer, source, status);
     if (!result.ok()) return result;
     transfer.meter.Expect(tree.bytes());
   }
   if (transfer.moving) {
-    Result result = CheckRemovable(AT_FDCWD, FolderOf(source).c_str(), FolderOf(source), status);
+    Result result = CheckRemovable(source, status);
     if (!result.ok()) return result;
   }
   std::vector<std::string> names;
   Result listed = ListNames(source, &names);
   if (!listed.ok()) return listed;
 
-  const std::string below_source = source + "/";
-  const std::string below_destination = destination + "/";
   const unsigned left_before = transfer.leftovers.count();
   for (const std::string& name : names) {
-    const std::string from = below_source + name;
+    const std::string from = PathBelow(source, name);
     if (!transfer.meter.StartEntry(from)) return Cancelled(from);
-    Result result = PlaceEntry(transfer, from, below_destination + name);
+    Result result = PlaceEntry(transfer, from, PathBelow(destination, name));
     if (!MayGoOn(result)) return result;
     if (!result.ok()) CountLeftover(&transfer.leftovers, std::move(result));
   }

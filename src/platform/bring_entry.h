@@ -3,15 +3,14 @@
 
 #include <string>
 
-#include <sys/stat.h>
-
-#include "platform/transfer_posix.h"
+#include "platform/entry_status.h"
+#include "platform/transfer.h"
 
 namespace quendle::platform {
 
 // Moves or copies the entry, in the state of `status`, to `destination`, which is free or, with `replaced`,
 // that existing file. After a failure both sides are as they were, unless the reason says otherwise.
-Result BringEntry(Transfer& transfer, const std::string& source, const struct stat& status,
-                  const std::string& destination, const struct stat* replaced);
+Result BringEntry(Transfer& transfer, const std::string& source, const EntryStatus& status,
+                  const std::string& destination, const EntryStatus* replaced);
 
 }  // namespace quendle::platform

@@ -3,9 +3,8 @@
 
 #include <string>
 
-#include <sys/stat.h>
-
-#include "platform/transfer_posix.h"
+#include "platform/entry_status.h"
+#include "platform/transfer.h"
 
 namespace quendle::platform {
 
@@ -13,8 +12,8 @@ Result PlaceEntry(Transfer& transfer, const std::string& source, const std::stri
 
 // Places what the folder `source` holds in the existing folder `destination`. Entries that cannot go there
 // are counted in the transfer's leftovers; other failures, and a cancel, end it.
-Result MergeFolders(Transfer& transfer, const std::string& source, const struct stat& status,
-                    const std::string& destination, const struct stat& existing);
+Result MergeFolders(Transfer& transfer, const std::string& source, const EntryStatus& status,
+                    const std::string& destination, const EntryStatus& existing);
 
 // What leftovers mean for the whole operation.
 Result LeftoverResult(const Leftovers& leftovers, const std::string& destination);

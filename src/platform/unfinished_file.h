@@ -6,17 +6,16 @@
 #include <string>
 #include <string_view>
 
-#include <sys/stat.h>
-
-#include "platform/descriptor_posix.h"
 #include "platform/extraction_folder.h"
-#include "platform/open_folders_posix.h"
+#include "platform/open_folders.h"
 #include "platform/result.h"
+#include "platform/system_handle.h"
 #include "platform/undone_at_exit.h"
 
 namespace quendle::platform {
 
-timespec SystemTime(const EntryTime& time);
+// Archives hold anything; a wrong fraction would have the system refuse the whole time.
+EntryTime ValidTime(const EntryTime& time);
 
 // Removed when the object goes, or the process by std::exit, unless it has got its own name by then.
 class UnfinishedFile final : private UndoneAtExit {
@@ -36,12 +35,12 @@ class UnfinishedFile final : private UndoneAtExit {
   // Does all but the name. Nothing can be written afterwards; to be called once more does nothing.
   Result Complete(const EntryAttributes& attributes);
 
-  const Descriptor& folder() const { return *folder_; }
-  const struct stat& status() const { return status_; }  // when it was complete
+  const OpenFolder& folder() const { return *folder_; }
+  const EntryId& id() const { return id_; }  // once it is complete
   void HasItsName() { has_its_name_ = true; }
 
  private:
-  UnfinishedFile(FolderHandle folder, std::string temporary_name, std::string shown, Descriptor file);
+  UnfinishedFile(FolderHandle folder, std::string temporary_name, std::string shown, SystemHandle file);
 
   void Clear();
   void UndoAtExit() override { Clear(); }
@@ -49,8 +48,8 @@ class UnfinishedFile final : private UndoneAtExit {
   FolderHandle folder_;
   std::string temporary_name_;
   std::string shown_;
-  Descriptor file_;
-  struct stat status_ = {};
+  SystemHandle file_;
+  EntryId id_;
   std::uint64_t written_ = 0;
   std::uint64_t set_aside_ = 0;
   bool has_its_name_ = false;

@@ -1,21 +1,14 @@
-#include <cerrno>
-#include <cstdio>
+#include "platform/extraction_folder.h"
+
 #include <map>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/statvfs.h>
-#include <unistd.h>
-
-#include "platform/descriptor_posix.h"
-#include "platform/entry_names_posix.h"
+#include "platform/entry_names.h"
 #include "platform/entry_path.h"
-#include "platform/extraction_folder.h"
-#include "platform/open_folders_posix.h"
-#include "platform/unfinished_file_posix.h"
+#include "platform/open_folders.h"
+#include "platform/unfinished_file.h"
 
 namespace quendle::platform {
 namespace {
@@ -49,7 +42,7 @@ Result NoFile(const std::string& path) {
 
 class ExtractionFolder::Impl {
  public:
-  Impl(Descriptor top, std::string shown) : folders(std::move(top), std::move(shown)) {}
+  explicit Impl(OpenFolder top) : folders(std::move(top)) {}
 
   // Opens the folder that `path` is in.
   Result EnterParent(const std::string& path, bool make, FolderHandle* folder) {
@@ -62,31 +55,18 @@ class ExtractionFolder::Impl {
   }
 
   // Gives what has the temporary name in `from` its own.
-  Result Place(const Descriptor& from, const Descriptor& to, const std::string& path, Replace replace) const {
+  Result Place(const OpenFolder& from, const OpenFolder& to, const std::string& path, Replace replace) const {
     const std::string name = NameOf(path);
-    int error = 0;
-    if (replace == Replace::kNothing) {
-      error = RenameWithoutReplacing(from.get(), temporary_name.c_str(), to.get(), name.c_str());
-    } else if (renameat(from.get(), temporary_name.c_str(), to.get(), name.c_str()) != 0) {
-      error = errno;
-    }
+    const int error = from.Rename(temporary_name, to, name, replace == Replace::kFile);
     if (error == 0) return Success();
-    struct stat taken;
-    if (fstatat(to.get(), name.c_str(), &taken, AT_SYMLINK_NOFOLLOW) == 0) {
-      if (S_ISDIR(taken.st_mode))
-        return Failure(Code::kIsFolder, folders.Shown(path), "a folder of that name is there");
-      if (error == EEXIST)
-        return Failure(Code::kExists, folders.Shown(path), "something of that name is there");
-    }
-    return SystemFailure(error, folders.Shown(path));
+    Result result = SystemFailure(error, folders.Shown(path));
+    EntryStatus taken;
+    if (!to.StatusOf(name, &taken).ok()) return result;
+    if (taken.is_folder())
+      return Failure(Code::kIsFolder, folders.Shown(path), "a folder of that name is there");
+    if (result.code == Code::kExists) result.reason = "something of that name is there";
+    return result;
   }
-
-  bool IsOurs(const struct stat& entry) const {
-    const auto found = ours.find(entry.st_dev);
-    return found != ours.end() && found->second.contains(entry.st_ino);
-  }
-
-  void AddOurs(const struct stat& entry) { ours[entry.st_dev].insert(entry.st_ino); }
 
   Result MakeLink(const Link& link);
 
@@ -95,11 +75,11 @@ class ExtractionFolder::Impl {
   // One for all: it is in use for one entry at a time.
   std::string temporary_name = TemporaryPath("");
   std::unique_ptr<UnfinishedFile> unfinished;
-  std::map<dev_t, std::unordered_set<ino_t>> ours;         // the files that were committed
+  std::unordered_set<EntryId, EntryIdHash> ours;           // the files that were committed
   std::unordered_map<std::string, unsigned> last_numbers;  // that FreeName gave
   std::vector<Link> links;
   std::unordered_set<std::string> link_paths;  // of those, which nothing else is to get
-  std::map<std::string, timespec> folder_times;
+  std::map<std::string, EntryTime> folder_times;
 };
 
 Result ExtractionFolder::Impl::MakeLink(const Link& link) {
@@ -107,33 +87,29 @@ Result ExtractionFolder::Impl::MakeLink(const Link& link) {
   Result result = EnterParent(link.path, true, &folder);
   if (!result.ok()) return result;
   const std::string name = NameOf(link.path);
-  struct stat status;
+  EntryStatus status;
   Replace replace = link.replace;
   // Another entry of the archive came to have the name since the link was noted.
-  if (fstatat(folder->get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && IsOurs(status))
-    replace = Replace::kNothing;
-  const char* temporary = temporary_name.c_str();
-  if (symlinkat(link.target.c_str(), folder->get(), temporary) != 0)
-    return LastSystemFailure(folders.Shown(link.path));
-  if (fstatat(folder->get(), temporary, &status, AT_SYMLINK_NOFOLLOW) != 0) {
-    result = LastSystemFailure(folders.Shown(link.path));
-  } else {
-    result = Place(*folder, *folder, link.path, replace);
-  }
+  if (folder->StatusOf(name, &status).ok() && ours.contains(status.id)) replace = Replace::kNothing;
+  result = folder->MakeLink(temporary_name, link.target);
+  result.path = result.ok() ? "" : folders.Shown(link.path);
+  if (!result.ok()) return result;
+  result = folder->StatusOf(temporary_name, &status);
+  if (!result.ok()) return Failure(result.code, folders.Shown(link.path), result.reason);
+  result = Place(*folder, *folder, link.path, replace);
   if (result.ok()) {
-    AddOurs(status);
+    ours.insert(status.id);
   } else {
-    unlinkat(folder->get(), temporary, 0);
+    (void)folder->Remove(temporary_name);
   }
   return result;
 }
 
 Result ExtractionFolder::Open(const std::string& folder, std::unique_ptr<ExtractionFolder>* opened) {
-  Descriptor top(Retried([&] { return open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC); }));
-  if (!top.ok()) return LastSystemFailure(folder);
-  auto impl = std::make_unique<Impl>(std::move(top), WithoutTrailingSlashes(folder));
-  opened->reset(new ExtractionFolder(std::move(impl)));
-  return Success();
+  OpenFolder top;
+  Result result = OpenFolder::Open(folder, WithoutTrailingSlashes(folder), OpenFolder::Use::kPass, &top);
+  if (result.ok()) opened->reset(new ExtractionFolder(std::make_unique<Impl>(std::move(top))));
+  return result;
 }
 
 ExtractionFolder::ExtractionFolder(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
@@ -141,16 +117,12 @@ ExtractionFolder::ExtractionFolder(std::unique_ptr<Impl> impl) : impl_(std::move
 ExtractionFolder::~ExtractionFolder() = default;
 
 Result ExtractionFolder::CheckSpace(std::uint64_t bytes) const {
-  struct statvfs space;
-  const std::string shown = impl_->folders.Shown("");
-  if (Retried([&] { return fstatvfs(impl_->folders.top(), &space); }) != 0) return LastSystemFailure(shown);
-  // Without blocks, as some network file systems are, there is no telling.
-  if (space.f_blocks == 0 || space.f_frsize == 0) return Success();
-  const std::uint64_t blocks = bytes / space.f_frsize + (bytes % space.f_frsize == 0 ? 0 : 1);
-  if (blocks <= space.f_bavail) return Success();
-  return Failure(Code::kNoSpace, shown,
-                 "there are only " + std::to_string(space.f_bavail * space.f_frsize) + " bytes free, " +
-                     std::to_string(bytes) + " are needed");
+  std::optional<std::uint64_t> free;
+  Result result = impl_->folders.top().FreeBytes(&free);
+  if (!result.ok() || !free || bytes <= *free) return result;
+  return Failure(
+      Code::kNoSpace, impl_->folders.Shown(""),
+      "there are only " + std::to_string(*free) + " bytes free, " + std::to_string(bytes) + " are needed");
 }
 
 Result ExtractionFolder::Look(const std::string& path, Occupant* occupant) {
@@ -159,13 +131,13 @@ Result ExtractionFolder::Look(const std::string& path, Occupant* occupant) {
   Result result = impl_->EnterParent(path, false, &folder);
   if (result.code == Code::kNotFound) return Success();
   if (!result.ok()) return result;
-  struct stat status;
-  if (fstatat(folder->get(), NameOf(path).c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
-    return errno == ENOENT ? Success() : LastSystemFailure(impl_->folders.Shown(path));
-  const bool is_folder = S_ISDIR(status.st_mode);
-  occupant->taken = is_folder ? Taken::kFolder : impl_->IsOurs(status) ? Taken::kOurs : Taken::kFile;
-  occupant->version = {impl_->folders.Shown(path), is_folder ? 0 : static_cast<std::uint64_t>(status.st_size),
-                       status.st_mtim.tv_sec};
+  EntryStatus status;
+  result = folder->StatusOf(NameOf(path), &status);
+  if (!result.ok()) return result.code == Code::kNotFound ? Success() : result;
+  const bool is_ours = impl_->ours.contains(status.id);
+  occupant->taken = status.is_folder() ? Taken::kFolder : is_ours ? Taken::kOurs : Taken::kFile;
+  occupant->version = {impl_->folders.Shown(path), status.is_folder() ? 0 : status.size,
+                       status.write_time.seconds};
   return Success();
 }
 
@@ -175,7 +147,7 @@ Result ExtractionFolder::MakeFolder(const std::string& path, const EntryAttribut
   FolderHandle folder;
   result = impl_->folders.Enter(path, true, &folder);
   if (result.ok() && attributes.write_time)
-    impl_->folder_times.insert_or_assign(path, SystemTime(*attributes.write_time));
+    impl_->folder_times.insert_or_assign(path, ValidTime(*attributes.write_time));
   return result;
 }
 
@@ -209,7 +181,7 @@ Result ExtractionFolder::CommitFile(const std::string& path, const EntryAttribut
   if (result.code == Code::kExists || result.code == Code::kIsFolder) return result;
   if (result.ok()) {
     impl_->unfinished->HasItsName();
-    impl_->AddOurs(impl_->unfinished->status());
+    impl_->ours.insert(impl_->unfinished->id());
   }
   DiscardFile();
   return result;
@@ -257,9 +229,8 @@ std::vector<Result> ExtractionFolder::Finish() {
   const auto folder_times = std::exchange(impl_->folder_times, {});
   for (auto entry = folder_times.rbegin(); entry != folder_times.rend(); ++entry) {
     FolderHandle parent;
-    if (!impl_->folders.Enter(ParentOf(entry->first), false, &parent).ok()) continue;
-    const timespec times[] = {{0, UTIME_OMIT}, entry->second};
-    utimensat(parent->get(), NameOf(entry->first).c_str(), times, AT_SYMLINK_NOFOLLOW);
+    if (impl_->folders.Enter(ParentOf(entry->first), false, &parent).ok())
+      parent->SetWriteTime(NameOf(entry->first), entry->second);
   }
   return failures;
 }

@@ -1,10 +1,6 @@
-#include "platform/open_folders_posix.h"
+#include "platform/open_folders.h"
 
 #include <algorithm>
-#include <cerrno>
-
-#include <fcntl.h>
-#include <sys/stat.h>
 
 namespace quendle::platform {
 namespace {
@@ -16,8 +12,11 @@ constexpr std::size_t kMostOpen = 32;
 }  // namespace
 
 std::string OpenFolders::Shown(const std::string& path) const {
-  if (path.empty()) return shown_;
-  return shown_ == "/" ? shown_ + path : shown_ + "/" + path;
+  if (path.empty()) return WithoutTrailingSlashes(top_->Shown(""));
+  std::string shown = top_->Shown(path);
+  const std::size_t below = shown.size() - path.size();
+  std::replace(shown.begin() + static_cast<std::ptrdiff_t>(below), shown.end(), '/', kSeparators.front());
+  return shown;
 }
 
 Result OpenFolders::Enter(const std::string& folder, bool make, FolderHandle* handle) {
@@ -34,7 +33,7 @@ Result OpenFolders::Enter(const std::string& folder, bool make, FolderHandle* ha
   for (std::size_t begin = levels_.empty() ? 0 : levels_.back().end + 1; begin < folder.size();
        begin = levels_.back().end + 1) {
     const std::size_t end = std::min(folder.find('/', begin), folder.size());
-    Result result = EnterNext(entered->get(), begin, end, make, &entered);
+    Result result = EnterNext(*entered, begin, end, make, &entered);
     if (!result.ok()) return result;
     if (levels_.size() > kMostOpen) levels_.back().handle.reset();
     levels_.push_back({end, entered});
@@ -43,28 +42,18 @@ Result OpenFolders::Enter(const std::string& folder, bool make, FolderHandle* ha
   return Success();
 }
 
-Result OpenFolders::EnterNext(int parent, std::size_t begin, std::size_t end, bool make,
+Result OpenFolders::EnterNext(const OpenFolder& parent, std::size_t begin, std::size_t end, bool make,
                               FolderHandle* handle) const {
   const std::string name = path_.substr(begin, end - begin);
-  const auto enter = [&] {
-    return Retried(
-        [&] { return openat(parent, name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC); });
-  };
-  Descriptor opened(enter());
-  if (!opened.ok() && errno == ENOENT && make) {
-    if (mkdirat(parent, name.c_str(), S_IRWXU | S_IRWXG | S_IRWXO) != 0 && errno != EEXIST)
-      return LastSystemFailure(Shown(path_.substr(0, end)));
-    opened = Descriptor(enter());
+  OpenFolder opened;
+  Result result = parent.Enter(name, OpenFolder::Use::kPass, &opened);
+  if (result.code == Code::kNotFound && make) {
+    result = parent.MakeFolder(name, {});
+    if (result.ok() || result.code == Code::kExists)
+      result = parent.Enter(name, OpenFolder::Use::kPass, &opened);
   }
-  if (!opened.ok()) {
-    if (errno == ENOTDIR || errno == ELOOP) {
-      return Failure(Code::kNotFolder, Shown(path_.substr(0, end)),
-                     "a file or a link is where a folder would be");
-    }
-    return LastSystemFailure(Shown(path_.substr(0, end)));
-  }
-  *handle = std::make_shared<Descriptor>(std::move(opened));
-  return Success();
+  if (result.ok()) *handle = std::make_shared<OpenFolder>(std::move(opened));
+  return result;
 }
 
 }  // namespace quendle::platform

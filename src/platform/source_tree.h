@@ -2,20 +2,19 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
-#include <sys/stat.h>
-
-#include "platform/descriptor_posix.h"
-#include "platform/transfer_posix.h"
+#include "platform/open_folder.h"
+#include "platform/transfer.h"
 
 namespace quendle::platform {
 
 struct TreeEntry {
   std::string name;        // the whole path for the top
   std::size_t folder = 0;  // index of the folder that holds it
-  struct stat status {};
+  EntryStatus status;
   std::size_t children_begin = 0;  // of a folder: the range of its entries
   std::size_t children_end = 0;
 };
@@ -23,7 +22,7 @@ struct TreeEntry {
 class SourceTree {
  public:
   // Reads the tree. Refuses what cannot be copied or, for a move, could not be removed afterwards.
-  Result Scan(Transfer& transfer, const std::string& top, const struct stat& status);
+  Result Scan(Transfer& transfer, const std::string& top, const EntryStatus& status);
 
   // Fails when anything was added, removed or changed since.
   Result CheckUnchanged(Transfer& transfer) const;
@@ -42,12 +41,12 @@ class SourceTree {
   std::string PathBelow(const std::string& top, std::size_t index) const;
   std::string Path(std::size_t index) const { return PathBelow(entries_.front().name, index); }
 
-  // The folder, unless another has taken its name since.
-  Result OpenFolder(std::size_t index, Descriptor* folder) const;
+  // Opens the folder, unless another has taken its name since.
+  Result Enter(std::size_t index, OpenFolder* folder) const;
 
  private:
   Result ScanFolder(const Transfer& transfer, std::size_t index);
-  Result AddChild(const Transfer& transfer, int folder, std::size_t index, std::string name);
+  Result AddChild(const Transfer& transfer, const OpenFolder& folder, std::size_t index, std::string name);
   Result CheckFolder(std::size_t index) const;
   Result RemoveChildren(Transfer& transfer, std::size_t index, bool* removed_any) const;
 
@@ -56,6 +55,6 @@ class SourceTree {
 };
 
 // Refuses devices, sockets and pipes: their content is not theirs to copy.
-Result CheckCopyable(const struct stat& status, const std::string& path);
+Result CheckCopyable(const EntryStatus& status, const std::string& path);
 
 }  // namespace quendle::platform

@@ -1,15 +1,16 @@
 #include "platform/file_operation.h"
 
-#include "platform/entry_names_posix.h"
-#include "platform/place_entry_posix.h"
-#include "platform/remove_tree_posix.h"
-#include "platform/transfer_posix.h"
-#include "platform/trash_posix.h"
+#include "platform/entry_names.h"
+#include "platform/place_entry.h"
+#include "platform/remove_tree.h"
+#include "platform/renaming.h"
+#include "platform/transfer.h"
+#include "platform/trash.h"
 
 namespace quendle::platform {
 namespace {
 
-// "/", "." and ".." are places, not entries that could be moved or removed.
+// Roots, "." and ".." are places, not entries that could be moved or removed.
 Result CheckNamesEntry(const std::string& path) {
   const std::string name = NameOf(path);
   if (!name.empty() && name != "." && name != "..") return Success();

@@ -1,15 +1,12 @@
-#include <sys/stat.h>
+#include "platform/profile.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
-#include <ctime>
+#include <chrono>
 #include <memory>
 
 #include "platform/code_page.h"
 #include "platform/durable_file.h"
-#include "platform/entry_names_posix.h"
-#include "platform/profile.h"
+#include "platform/entry_status.h"
 #include "platform/profile_document.h"
 #include "platform/profile_edit.h"
 
@@ -18,16 +15,17 @@ namespace {
 
 constexpr std::size_t kMostParses = 4;
 
-std::int64_t Nanoseconds(const timespec& time) {
-  return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
-}
+using Clock = std::chrono::system_clock;
 
 // A file changed only just before it was read may be changed once more under the same stamp. The clock that
-// stamps files advances in steps of up to 10 ms. FAT keeps whole, even seconds: so may any file without
+// stamps files advances in steps of up to 16 ms. FAT keeps whole, even seconds: so may any file without
 // nanoseconds. A stamp far in the future says that the clock was set back since, so it is old too.
-bool IsSettled(const struct stat& entry, const timespec& now) {
-  const std::int64_t step = entry.st_ctim.tv_nsec == 0 ? 2'500'000'000 : 20'000'000;
-  return std::abs(Nanoseconds(now) - Nanoseconds(entry.st_ctim)) > step;
+bool IsSettled(const EntryStatus& entry, Clock::time_point now) {
+  using namespace std::chrono_literals;
+  const EntryTime& stamp = entry.change_time;
+  const auto age = now.time_since_epoch() - std::chrono::seconds(stamp.seconds) -
+                   std::chrono::nanoseconds(stamp.nanoseconds);
+  return std::chrono::abs(age) > (stamp.nanoseconds == 0 ? 2500ms : 20ms);
 }
 
 using Parse = std::shared_ptr<const ProfileDocument>;
@@ -38,8 +36,8 @@ using Parse = std::shared_ptr<const ProfileDocument>;
 class ParseCache {
  public:
   Parse Get(const std::string& file) {
-    struct stat before;
-    if (stat(file.c_str(), &before) != 0) return nullptr;
+    EntryStatus before;
+    if (!ReadTargetStatus(file, &before).ok()) return nullptr;
     const auto kept = std::find_if(entries_.begin(), entries_.end(),
                                    [&](const Entry& entry) { return entry.file == file; });
     if (kept != entries_.end() && IsUnchanged(kept->status, before)) {
@@ -53,18 +51,17 @@ class ParseCache {
  private:
   struct Entry {
     std::string file;
-    struct stat status;
+    EntryStatus status;
     Parse parse;
   };
 
-  Parse Read(const std::string& file, const struct stat& before) {
-    timespec now;
-    clock_gettime(CLOCK_REALTIME, &now);
+  Parse Read(const std::string& file, const EntryStatus& before) {
+    const Clock::time_point now = Clock::now();
     std::string bytes;
     if (!ReadWholeFile(file, &bytes).ok()) return nullptr;
     Parse parse = std::make_shared<const ProfileDocument>(bytes);
-    struct stat after;
-    if (IsSettled(before, now) && stat(file.c_str(), &after) == 0 && IsUnchanged(before, after)) {
+    EntryStatus after;
+    if (IsSettled(before, now) && ReadTargetStatus(file, &after).ok() && IsUnchanged(before, after)) {
       if (entries_.size() == kMostParses) entries_.pop_back();
       entries_.insert(entries_.begin(), {file, before, parse});
     }
@@ -139,8 +136,8 @@ Result WriteProfileStrings(const std::string& file, const std::string& section,
 Result CreateProfile(const std::string& file, const std::string& section, const KeysAndValues& keys) {
   std::unique_ptr<FolderLock> lock;
   if (Result taken = FolderLock::Take(file, &lock); !taken.ok()) return taken;
-  struct stat present;
-  if (stat(file.c_str(), &present) == 0 && !S_ISDIR(present.st_mode)) return Success();
+  EntryStatus present;
+  if (ReadTargetStatus(file, &present).ok() && !present.is_folder()) return Success();
   std::string bytes;
   if (const Result set = SetKeys(section, keys, &bytes); !set.ok()) return At(file, set);
   return ReplaceFile(file, bytes);

@@ -7,27 +7,24 @@
 #include <utility>
 #include <vector>
 
-#include "platform/descriptor_posix.h"
+#include "platform/open_folder.h"
 #include "platform/result.h"
 
 namespace quendle::platform {
 
 // Shared, so that what was begun in a folder can be ended there whatever has happened to its name.
-using FolderHandle = std::shared_ptr<const Descriptor>;
+using FolderHandle = std::shared_ptr<const OpenFolder>;
 
 class OpenFolders {
  public:
-  // `shown` is the path of `top` for failures.
-  OpenFolders(Descriptor top, std::string shown)
-      : top_(std::make_shared<Descriptor>(std::move(top))), shown_(std::move(shown)) {}
+  explicit OpenFolders(OpenFolder top) : top_(std::make_shared<OpenFolder>(std::move(top))) {}
 
-  int top() const { return top_->get(); }
+  const OpenFolder& top() const { return *top_; }
 
-  // The path as failures name it.
+  // The path, with "/" between its parts, as failures name it.
   std::string Shown(const std::string& path) const;
 
-  // The handle of a folder by its path below the top, "" for the top itself; it cannot be read from (O_PATH).
-  // With `make` missing folders are made. kNotFolder, with the path of that part, for a file or link on the
+  // Opens a folder by its path below the top, "" for the top itself, for passing through. With `make` missing folders are made. kNotFolder, with the path of that part, for a file or link on the
   // way.
   Result Enter(const std::string& folder, bool make, FolderHandle* handle);
 
@@ -37,10 +34,10 @@ class OpenFolders {
     FolderHandle handle;  // null: closed again
   };
 
-  Result EnterNext(int parent, std::size_t begin, std::size_t end, bool make, FolderHandle* handle) const;
+  Result EnterNext(const OpenFolder& parent, std::size_t begin, std::size_t end, bool make,
+                   FolderHandle* handle) const;
 
   FolderHandle top_;
-  std::string shown_;
   std::string path_;  // the levels are folders on it
   std::vector<Level> levels_;
 };

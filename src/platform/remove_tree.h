@@ -3,7 +3,8 @@
 
 #include <string>
 
-#include "platform/transfer_posix.h"
+#include "platform/open_folder.h"
+#include "platform/transfer.h"
 
 namespace quendle::platform {
 
@@ -12,6 +13,6 @@ namespace quendle::platform {
 Result RemoveTree(Transfer& transfer, const std::string& path);
 
 // The same for something half-made that nobody else knows of, whatever rights it has by now. Nobody is asked.
-void DiscardTree(const std::string& path);
+void DiscardTree(const OpenFolder& folder, const std::string& name);
 
 }  // namespace quendle::platform

@@ -1,4 +1,4 @@
-// The freedesktop.org trash.
+// The trash: that of freedesktop.org, or the recycle bin on Windows.
 #pragma once
 
 #include <string>
@@ -9,15 +9,16 @@ namespace quendle::platform {
 
 // Where an entry went, and what has to be undone to bring it back.
 struct TrashedEntry {
-  std::string original;
-  std::string file;
+  std::string original;  // empty: nothing went there
+  std::string file;      // on Windows only the recycle bin itself knows
   std::string info;
 };
 
 // Puts the entry into the trash of its own file system. On failure it is where it was.
 Result TrashEntry(const std::string& path, TrashedEntry* trashed);
 
-// Brings it back to where it was, unless that name has been taken meanwhile.
+// Brings it back to where it was, unless that name has been taken meanwhile. On Windows always a failure: only the user
+// gets things out of the recycle bin.
 Result RestoreTrashed(const TrashedEntry& trashed);
 
 }  // namespace quendle::platform
