@@ -57,10 +57,9 @@ std::string ExecutableFolder() {
 
 std::string TemporaryFolder() {
   const std::wstring folder = WholeText([](wchar_t* text, DWORD size) { return GetTempPathW(size, text); });
-  // The variable behind it often has a short name in it.
-  const std::wstring system_path = SystemPath(TextFromWide(folder));
+  // The variable behind it often has a short name in it, and is never longer than what needs no prefix.
   const std::wstring spelled =
-      WholeText([&](wchar_t* text, DWORD size) { return GetLongPathNameW(system_path.c_str(), text, size); });
+      WholeText([&](wchar_t* text, DWORD size) { return GetLongPathNameW(folder.c_str(), text, size); });
   return FolderText(spelled.empty() ? folder : spelled);
 }
 

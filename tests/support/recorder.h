@@ -12,22 +12,27 @@ namespace quendle::test {
 
 class Recorder {
  public:
-  // A script at `path`, whose record lies beside it.
+  // A program at `path`, whose record lies beside it.
   explicit Recorder(const std::string& path) : record_(path + ".record") {
+#ifdef _WIN32
+    std::filesystem::create_directories(FsPath(path).parent_path());
+    std::filesystem::copy_file(QUENDLE_RECORDER, FsPath(path));
+#else
     WriteFile(path, "#!/bin/sh\n{ echo \"$#\"; printf '%s\\n' \"$@\"; } >'" + record_ + ".part' && mv '" +
                         record_ + ".part' '" + record_ + "'\n");
-    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    std::filesystem::permissions(FsPath(path), std::filesystem::perms::owner_all);
+#endif
   }
 
   // The number of arguments and each of them on a line; "not started" when nothing comes for `patience`.
   std::string Take(std::chrono::milliseconds patience = std::chrono::seconds(10)) {
     constexpr std::chrono::milliseconds kStep{10};
-    for (auto left = patience; left.count() > 0 && !std::filesystem::exists(record_); left -= kStep) {
+    for (auto left = patience; left.count() > 0 && !std::filesystem::exists(FsPath(record_)); left -= kStep) {
       std::this_thread::sleep_for(kStep);
     }
-    if (!std::filesystem::exists(record_)) return "not started";
+    if (!std::filesystem::exists(FsPath(record_))) return "not started";
     std::string record = ReadFile(record_);
-    std::filesystem::remove(record_);
+    std::filesystem::remove(FsPath(record_));
     return record;
   }
 

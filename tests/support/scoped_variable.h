@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdlib>
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -11,13 +12,35 @@ class ScopedVariable {
  public:
   ScopedVariable(const char* name, const std::string& value) : name_(name) {
     if (const char* old = std::getenv(name)) old_ = old;
-    setenv(name, value.c_str(), 1);
+    Set(value);
   }
-  ~ScopedVariable() { old_ ? setenv(name_, old_->c_str(), 1) : unsetenv(name_); }
+  ~ScopedVariable() {
+    if (old_) {
+      Set(*old_);
+    } else {
+      Remove();
+    }
+  }
   ScopedVariable(const ScopedVariable&) = delete;
   ScopedVariable& operator=(const ScopedVariable&) = delete;
 
  private:
+#ifdef _WIN32
+  void Set(const std::string& value) {
+    _putenv_s(name_, value.c_str());
+  }  // in the code page
+  void Remove() {
+    _putenv_s(name_, "");
+  }
+#else
+  void Set(const std::string& value) {
+    setenv(name_, value.c_str(), 1);
+  }
+  void Remove() {
+    unsetenv(name_);
+  }
+#endif
+
   const char* name_;
   std::optional<std::string> old_;
 };

@@ -1,43 +1,66 @@
 // A folder of its own for a test, gone with the object.
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 
-#include <stdlib.h>
-
 namespace quendle::test {
+
+inline constexpr char kSeparator = static_cast<char>(std::filesystem::path::preferred_separator);
+
+// A path that a test writes with slashes, as the system writes it.
+inline std::string Native(std::string path) {
+  std::replace(path.begin(), path.end(), '/', kSeparator);
+  return path;
+}
+
+// The library takes plain strings for text of the C locale, save on POSIX.
+inline std::filesystem::path FsPath(const std::string& path) {
+  return std::filesystem::path(std::u8string(path.begin(), path.end()));
+}
+inline std::string TextOf(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
 
 class TempFolder {
  public:
   // `parent` chooses the file system.
-  explicit TempFolder(const std::string& parent = std::filesystem::temp_directory_path().string()) {
-    std::string pattern = parent + "/quendle-test-XXXXXX";
-    path_ = mkdtemp(pattern.data()) == nullptr ? "" : pattern;
+  explicit TempFolder(const std::string& parent = TextOf(std::filesystem::temp_directory_path())) {
+    std::random_device random;
+    std::error_code error;
+    do {
+      const auto name = "quendle-test-" + std::to_string(random());
+      path_ = TextOf((FsPath(parent) / name).make_preferred());
+    } while (!std::filesystem::create_directory(FsPath(path_), error) && !error);
+    if (error) path_.clear();
+    std::filesystem::permissions(FsPath(path_), std::filesystem::perms::owner_all, error);
   }
   ~TempFolder() {
     std::error_code ignored;  // a test that took rights away gives them back itself
-    std::filesystem::remove_all(path_, ignored);
+    std::filesystem::remove_all(FsPath(path_), ignored);
   }
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;
 
   const std::string& path() const { return path_; }
-  std::string operator/(const std::string& name) const { return path_ + "/" + name; }
+  std::string operator/(const std::string& name) const { return path_ + kSeparator + Native(name); }
 
  private:
   std::string path_;
 };
 
 inline void WriteFile(const std::string& path, const std::string& bytes) {
-  std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-  std::ofstream(path, std::ios::binary) << bytes;
+  std::filesystem::create_directories(FsPath(path).parent_path());
+  std::ofstream(FsPath(path), std::ios::binary) << bytes;
 }
 
 inline std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
+  std::ifstream in(FsPath(path), std::ios::binary);
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 

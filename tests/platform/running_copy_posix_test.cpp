@@ -1,0 +1,168 @@
+#include "platform/running_copy.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/file.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <functional>
+
+#include "platform/descriptor_posix.h"
+#include "support/scoped_variable.h"
+#include "support/temp_folder.h"
+
+namespace quendle::platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+using test::ScopedVariable;
+
+// "first", "asked another" or why nobody can tell.
+std::string Claimed(const std::string& key, std::unique_ptr<RunningCopy>* copy) {
+  const Result result = RunningCopy::Claim(key, copy);
+  EXPECT_TRUE(result.ok() || (*copy == nullptr && !result.path.empty()));
+  if (!result.ok()) return result.reason;
+  return *copy == nullptr ? "asked another" : "first";
+}
+
+std::string Claimed(const std::string& key) {
+  std::unique_ptr<RunningCopy> copy;
+  return Claimed(key, &copy);
+}
+
+// A process that has claimed the key. `is_first` tells how that went; it then stays until it is killed.
+class OtherProcess {
+ public:
+  explicit OtherProcess(const std::string& key) {
+    int channel[2];
+    if (pipe(channel) != 0) return;
+    process_ = fork();
+    if (process_ == 0) {
+      std::unique_ptr<RunningCopy> copy;
+      const char answer = Claimed(key, &copy) == "first" ? 'f' : 'o';
+      if (write(channel[1], &answer, 1) == 1) pause();
+      _exit(0);
+    }
+    close(channel[1]);
+    char answer = '\0';
+    is_first = read(channel[0], &answer, 1) == 1 && answer == 'f';
+    close(channel[0]);
+  }
+  ~OtherProcess() { Kill(); }
+  OtherProcess(const OtherProcess&) = delete;
+  OtherProcess& operator=(const OtherProcess&) = delete;
+
+  void Kill() {
+    if (process_ <= 0) return;
+    kill(process_, SIGKILL);
+    waitpid(process_, nullptr, 0);
+    process_ = 0;
+  }
+
+  bool is_first = false;
+
+ private:
+  pid_t process_ = 0;
+};
+
+bool IsReadable(const RunningCopy& copy) {
+  pollfd waiting = {static_cast<int>(copy.WaitHandle()), POLLIN, 0};
+  return poll(&waiting, 1, 0) == 1;
+}
+
+GTEST_TEST(RunningCopyPosix, ProcessesMeetBySockets) {
+  const test::TempFolder folder;
+  // Far deeper than the address of a socket can say.
+  const std::string deep = folder / std::string(200, 'd');
+  fs::create_directory(deep);
+  fs::permissions(deep, fs::perms::owner_all);
+  for (const std::string& runtime : {folder.path(), deep}) {
+    SCOPED_TRACE(runtime);
+    const ScopedVariable variable("XDG_RUNTIME_DIR", runtime);
+    std::unique_ptr<RunningCopy> copy;
+    ASSERT_EQ(Claimed("key", &copy), "first");
+    EXPECT_FALSE(IsReadable(*copy) || copy->TakeRequest());
+    EXPECT_FALSE(OtherProcess("key").is_first);
+    EXPECT_TRUE(IsReadable(*copy));
+    EXPECT_TRUE(copy->TakeRequest());
+    EXPECT_FALSE(IsReadable(*copy) || copy->TakeRequest());
+    EXPECT_TRUE(OtherProcess("kez").is_first);
+    EXPECT_FALSE(copy->TakeRequest());
+  }
+}
+
+GTEST_TEST(RunningCopyPosix, WhatACrashLeavesBehindDoesNotCount) {
+  const test::TempFolder folder;
+  const ScopedVariable variable("XDG_RUNTIME_DIR", folder.path());
+  OtherProcess other("key");
+  ASSERT_TRUE(other.is_first);
+  EXPECT_EQ(Claimed("key"), "asked another");
+  other.Kill();
+  std::unique_ptr<RunningCopy> copy;
+  ASSERT_EQ(Claimed("key", &copy), "first");
+  EXPECT_FALSE(OtherProcess("key").is_first);
+  EXPECT_TRUE(copy->TakeRequest());
+}
+
+GTEST_TEST(RunningCopyPosix, AFirstOneThatDoesNotListenIsNotWaitedForLong) {
+  const test::TempFolder folder;
+  const ScopedVariable variable("XDG_RUNTIME_DIR", folder.path());
+  ASSERT_EQ(Claimed("key"), "first");  // leaves its lock file
+  const std::string path = fs::directory_iterator(folder.path())->path();
+  Descriptor lock(open(path.c_str(), O_RDWR | O_CLOEXEC));
+  ASSERT_EQ(flock(lock.get(), LOCK_EX), 0) << path;
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_EQ(Claimed("key"), "another copy is running, but does not listen");
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+  lock.Close();
+  EXPECT_EQ(Claimed("key"), "first");
+}
+
+GTEST_TEST(RunningCopyPosix, WithoutARuntimeFolderMeetsInOneOfTheUsersOwn) {
+  const char* const kRefused = "a link or a file is in the place of the user's own folder";
+  const auto make_folder = [](fs::perms rights) {
+    return [rights](const std::string& path) {
+      fs::create_directory(path);
+      fs::permissions(path, rights);
+    };
+  };
+  const struct {
+    const char* what;
+    std::function<void(const std::string&)> prepare;
+    const char* expected;
+  } rows[] = {
+      {"nothing there", [](const std::string&) {}, "first"},
+      {"the user's", make_folder(fs::perms::owner_all), "first"},
+      {"readable by the group", make_folder(fs::perms::owner_all | fs::perms::group_read),
+       "the folder is open to other users"},
+      {"writable by all", make_folder(fs::perms::all), "the folder is open to other users"},
+      {"a file", [](const std::string& path) { test::WriteFile(path, ""); }, kRefused},
+      {"a link",
+       [](const std::string& path) { fs::create_directory_symlink(fs::path(path).parent_path(), path); },
+       kRefused},
+  };
+  for (const auto& row : rows) {
+    for (const bool has_open_runtime_folder : {false, true}) {
+      SCOPED_TRACE(std::string(row.what) + (has_open_runtime_folder ? ", open runtime folder" : ""));
+      const test::TempFolder folder;
+      fs::create_directory(folder / "run");
+      fs::permissions(folder / "run", fs::perms::all);
+      const ScopedVariable runtime("XDG_RUNTIME_DIR", has_open_runtime_folder ? folder / "run" : "");
+      const ScopedVariable temporary("TMPDIR", folder.path());
+      const std::string own = folder / "quendle-" + std::to_string(geteuid());
+      row.prepare(own);
+      EXPECT_EQ(Claimed("key"), row.expected);
+      EXPECT_TRUE(fs::is_empty(folder / "run"));
+      if (row.expected == std::string("first")) {
+        EXPECT_EQ(fs::status(own).permissions(), fs::perms::owner_all);
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace quendle::platform
