@@ -87,6 +87,7 @@ build_libmspack() {
 build_pcre2() {
   use_cmake -DPCRE2_SUPPORT_JIT=ON -DPCRE2_SUPPORT_UNICODE=ON -DPCRE2_BUILD_PCRE2GREP=OFF -DPCRE2_BUILD_TESTS=OFF
   cmake --build build-windows --target install
+  sed -i 's/^Cflags:.*/& -DPCRE2_STATIC/' "$deps/lib/pkgconfig/libpcre2-8.pc"
 }
 
 build_utf8proc() {

@@ -22,6 +22,9 @@
 namespace quendle {
 namespace {
 
+constexpr int kRunFault = 6758;
+constexpr int kNoSuchProfile = 6759;
+
 // True when this is the first copy, or nobody can tell, which must not keep anybody from working.
 bool BecomeFirst(const Options& options, const SettingsFolders& folders,
                  std::unique_ptr<platform::RunningCopy>* copy) {
@@ -88,9 +91,18 @@ int Run(const Options& options, const SettingsFolders& folders, const platform::
   const auto dispatch = [&](const std::vector<std::string>& paths) {
     Options dropped = options;
     dropped.paths = paths;
-    made->BeginRun(TakenPaths(dropped));
-    RunPaths(dropped, made, all_windows);
-    made->EndRun();
+    // The list of profiles outlives a run that goes wrong.
+    try {
+      const RunScope run(*made, TakenPaths(dropped));
+      if (RunPaths(dropped, made, all_windows) == kExitUsage) {
+        all_windows->ShowMessage(UserInterface::MessageKind::kCritical,
+                                 LoadText(kNoSuchProfile, {ForDisplay(*options.profile)}));
+      }
+    } catch (const std::exception& fault) {
+      TerminalUser::Warn(fault.what());
+      all_windows->ShowMessage(UserInterface::MessageKind::kCritical,
+                               LoadText(kRunFault, {ForDisplay(fault.what())}));
+    }
   };
   LazyWindows windows(terminal, [&](std::string* reason) {
     return LoadWindows({*made, copy, &platform::InterruptRequested, platform::InterruptHandle(), password,

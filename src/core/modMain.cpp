@@ -74,6 +74,11 @@ void Globals::EndRun() {
   g_FileInfo->Class_Initialize();  // no file is at hand any more: the editor is to ask for one
 }
 
+// Handed on to another constructor, so that a run whose beginning throws ends, too.
+RunScope::RunScope(Globals& globals, const std::vector<std::string>& paths) : RunScope(globals) {
+  globals_.BeginRun(paths);
+}
+
 void Globals::EndProgram() {
   g_FileInfo.reset();
   g_PropItem.reset();

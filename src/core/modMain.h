@@ -51,6 +51,20 @@ class Globals {
   std::string module_folder_;
 };
 
+// A run that ends with this object, also when something throws.
+class RunScope {
+ public:
+  RunScope(Globals& globals, const std::vector<std::string>& paths);
+  ~RunScope() { globals_.EndRun(); }
+  RunScope(const RunScope&) = delete;
+  RunScope& operator=(const RunScope&) = delete;
+
+ private:
+  explicit RunScope(Globals& globals) : globals_(globals) {}
+
+  Globals& globals_;
+};
+
 // Where the archiver libraries are looked for, and nowhere else: the folder "modules" beside the program, when
 // there is one, else ../lib/quendle/modules from there.
 std::string FindModuleFolder();

@@ -24,6 +24,9 @@ constexpr struct {
     {"range out of order in character class", 6696},
     {"numbers out of order in {} quantifier", 6697},
     {"number too big in {} quantifier", 6698},
+    {"match limit exceeded", 6707},
+    {"matching depth limit exceeded", 6707},
+    {"it is too long to be read whole", 6673},
 };
 
 std::string Translated(const std::string& reason) {
@@ -41,8 +44,11 @@ std::size_t CountCharacters(std::string_view utf8) {
 }  // namespace
 
 std::string PatternProblem(const std::string& pattern) {
+  return PatternProblem(pattern, Regex(pattern).Error());
+}
+
+std::string PatternProblem(const std::string& pattern, const std::string& error) {
   constexpr std::string_view kAt = " at offset ";
-  const std::string error = Regex(pattern).Error();
   const std::size_t at = error.rfind(kAt);
   if (at == std::string::npos) return Translated(error);
   std::size_t offset = 0;

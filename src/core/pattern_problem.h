@@ -10,4 +10,7 @@ namespace quendle {
 //   "a(" => 2 文字目: 閉じ括弧「)」がありません
 std::string PatternProblem(const std::string& pattern);
 
+// The same for what Regex::Error() has said of the pattern, which may also have taken too long on some name.
+std::string PatternProblem(const std::string& pattern, const std::string& error);
+
 }  // namespace quendle

@@ -6,6 +6,7 @@
 
 #include "base/modString.h"
 #include "base/text.h"
+#include "core/pattern_problem.h"
 #include "core/profile_match.h"
 #include "platform/durable_file.h"
 #include "platform/unicode.h"
@@ -80,8 +81,8 @@ platform::Result ProfileList::Read() {
     std::string* const own[kActionRows] = {&summary.extract_to, &summary.move_to, &summary.copy_to};
     for (std::size_t i = 0; i < kActionRows; ++i) {
       const bool is_inherited = own[i]->empty();
-      row.folders[i] = {is_inherited ? standard.folders[i] : std::move(*own[i]), is_inherited,
-                        (row.action & kActionBits[i]) != 0};
+      if (is_inherited) *own[i] = standard.folders[i];
+      row.folders[i] = {std::move(*own[i]), is_inherited, (row.action & kActionBits[i]) != 0};
     }
   }
   expressions_.resize(rows_.size());
@@ -129,7 +130,9 @@ NameMatch ProfileList::MatchOf(std::size_t row) const {
   if (ranks_[row] > 0) return {Kind::kMatches, ranks_[row], ""};
   const std::string subject = MatchSubject(tested_name_);
   const Regex& expression = ExpressionOf(row);
-  if (expression.MatchWhole(subject) == RegexAnswer::kError) return {Kind::kError, 0, expression.Error()};
+  if (expression.MatchWhole(subject) == RegexAnswer::kError) {
+    return {Kind::kError, 0, PatternProblem(rows_[row].pattern, expression.Error())};
+  }
   return {expression.MatchesPart(subject) ? Kind::kPartOnly : Kind::kNoMatch, 0, ""};
 }
 

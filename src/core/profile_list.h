@@ -43,7 +43,7 @@ struct NameMatch {
   enum class Kind { kNotTested, kMatches, kPartOnly, kNoMatch, kError };
   Kind kind = Kind::kNotTested;
   int rank = 0;        // of those that match, from 1
-  std::string reason;  // of an error: the engine's words
+  std::string reason;  // of an error, as PatternProblem tells it
 };
 
 class ProfileList {

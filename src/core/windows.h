@@ -42,8 +42,9 @@ struct WindowsHost {
   std::optional<std::string> password;  // the first to be tried for archives
   // When the operation in which the windows are loaded began; nothing when there is none.
   std::optional<std::chrono::steady_clock::time_point> operation_begin;
-  // For the list of profiles: works through these paths, of which ten are taken, as if they were dropped on the icon, with
-  // windows where the user is to be asked. Returns when that is over.
+  // For the list of profiles: works through these paths, of which ten are taken, as if they were dropped on the
+  // icon, with windows where the user is to be asked. Returns when that is over, and does not throw: what goes
+  // wrong has been told.
   std::function<void(const std::vector<std::string>& paths)> dispatch = {};
 };
 

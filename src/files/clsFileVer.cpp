@@ -18,7 +18,9 @@ std::string clsFileVer::pVersionFull() const {
   const auto version = platform::ReadFileVersion(file_name_);
   if (!version) return "";
   std::string text;
-  for (const std::uint16_t number : *version) text += (text.empty() ? "" : ".") + std::to_string(number);
+  for (const std::uint16_t number : *version) {
+    text.append(text.empty() ? "" : ".").append(std::to_string(number));
+  }
   return text;
 }
 

@@ -2,6 +2,7 @@
 // half of one.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,7 +20,8 @@ Result ReadWholeFile(const std::string& path, std::string* bytes);
 // file is left, unless only syncing the folder failed: then the new bytes are in place and the reason says
 // so. A path that is a symbolic link keeps the link; the file it names is replaced. A missing file is made. A
 // file that must not be written is kDenied. Who may not give the new file to the old owner gives it to the
-// old group; who may not do that either takes all rights from the group.
+// old group; who may not do that either takes all rights from the group. Windows: the old file's attributes, rights and
+// time of creation are kept.
 Result ReplaceFile(const std::string& path, std::string_view bytes);
 
 // Writes the content of a file that is for this run only and has been made before, such as one by
@@ -29,7 +31,7 @@ Result WriteTemporaryFile(const std::string& path, std::string_view bytes);
 
 // An exclusive lock over the folder in which `path` really lies, held until the object goes. It excludes
 // those who take it, in this and other processes, and nobody else. It is a lock on the folder so that no lock
-// file is left behind.
+// file is left behind. Windows: on this computer only.
 //
 // Taking it waits for the other holder: for ten seconds (kFailed), or until the user wants the program to
 // stop (kCancelled). Taking it a second time while holding it waits like that, too.
@@ -41,8 +43,8 @@ class FolderLock {
   FolderLock& operator=(const FolderLock&) = delete;
 
  private:
-  explicit FolderLock(int handle) : handle_(handle) {}
-  int handle_;
+  explicit FolderLock(std::intptr_t handle) : handle_(handle) {}
+  std::intptr_t handle_;
 };
 
 }  // namespace quendle::platform

@@ -216,7 +216,7 @@ Result FolderLock::Take(const std::string& path, std::unique_ptr<FolderLock>* lo
 }
 
 FolderLock::~FolderLock() {
-  close(handle_);
+  close(static_cast<int>(handle_));
 }
 
 }  // namespace quendle::platform

@@ -52,12 +52,16 @@ std::string PathBelow(const std::string& folder, const std::string& name) {
   return path += name;
 }
 
-std::string TemporaryPath(const std::string& path) {
+std::string RandomLetters() {
   constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyz234567";
   std::random_device random;
-  std::string name = ".quendle-";
-  for (int i = 0; i < 8; ++i) name += kLetters[random() % 32];
-  return path.substr(0, NameBegin(path)) + name + ".part";
+  std::string letters(8, '\0');
+  for (char& letter : letters) letter = kLetters[random() % 32];
+  return letters;
+}
+
+std::string TemporaryPath(const std::string& path) {
+  return path.substr(0, NameBegin(path)) + ".quendle-" + RandomLetters() + ".part";
 }
 
 std::string NumberedPath(const std::string& path, unsigned number, bool is_folder) {

@@ -21,6 +21,9 @@ std::string NameOf(const std::string& path);
 //   ("/d", "a") => "/d/a"    ("/", "a") => "/a"
 std::string PathBelow(const std::string& folder, const std::string& name);
 
+// Eight letters and digits at random.
+std::string RandomLetters();
+
 // A hidden name beside `path` for what is to become it. One that is taken all the same, of a million million,
 // makes the operation fail, nothing worse.
 //   "/d/name" => "/d/.quendle-abcdefgh.part"

@@ -71,7 +71,4 @@ std::uint32_t CurrentUser();
 // The path without links, "." and ".."; empty when it does not exist.
 std::string RealPath(const std::string& path);
 
-// Is `path`, an existing folder, the folder `top` or somewhere below it?
-bool IsAtOrBelow(const std::string& path, const EntryStatus& top);
-
 }  // namespace quendle::platform

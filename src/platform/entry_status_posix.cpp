@@ -5,8 +5,6 @@
 
 #include <unistd.h>
 
-#include "platform/entry_names.h"
-
 namespace quendle::platform {
 namespace {
 
@@ -60,16 +58,6 @@ std::uint32_t CurrentUser() {
 std::string RealPath(const std::string& path) {
   const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
   return real ? real.get() : "";
-}
-
-bool IsAtOrBelow(const std::string& path, const EntryStatus& top) {
-  std::string folder = RealPath(path);
-  if (folder.empty()) return false;
-  for (;; folder = FolderOf(folder)) {
-    EntryStatus status;
-    if (ReadTargetStatus(folder, &status).ok() && IsSameEntry(status, top)) return true;
-    if (folder == "/") return false;
-  }
 }
 
 }  // namespace quendle::platform

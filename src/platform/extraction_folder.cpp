@@ -8,6 +8,7 @@
 #include "platform/entry_names.h"
 #include "platform/entry_path.h"
 #include "platform/open_folders.h"
+#include "platform/origin_mark.h"
 #include "platform/unfinished_file.h"
 
 namespace quendle::platform {
@@ -75,6 +76,7 @@ class ExtractionFolder::Impl {
   // One for all: it is in use for one entry at a time.
   std::string temporary_name = TemporaryPath("");
   std::unique_ptr<UnfinishedFile> unfinished;
+  std::string mark;
   std::unordered_set<EntryId, EntryIdHash> ours;           // the files that were committed
   std::unordered_map<std::string, unsigned> last_numbers;  // that FreeName gave
   std::vector<Link> links;
@@ -115,6 +117,10 @@ Result ExtractionFolder::Open(const std::string& folder, std::unique_ptr<Extract
 ExtractionFolder::ExtractionFolder(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
 
 ExtractionFolder::~ExtractionFolder() = default;
+
+void ExtractionFolder::MarkLike(const std::string& archive) {
+  impl_->mark = ReadOriginMark(archive);
+}
 
 Result ExtractionFolder::CheckSpace(std::uint64_t bytes) const {
   std::optional<std::uint64_t> free;
@@ -182,6 +188,7 @@ Result ExtractionFolder::CommitFile(const std::string& path, const EntryAttribut
   if (result.ok()) {
     impl_->unfinished->HasItsName();
     impl_->ours.insert(impl_->unfinished->id());
+    if (!impl_->mark.empty()) WriteOriginMark(*folder, NameOf(path), impl_->mark);
   }
   DiscardFile();
   return result;

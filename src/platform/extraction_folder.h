@@ -31,6 +31,10 @@ class ExtractionFolder {
   ExtractionFolder(const ExtractionFolder&) = delete;
   ExtractionFolder& operator=(const ExtractionFolder&) = delete;
 
+  // From now on files get the mark of the archive, if it has one, by which Windows knows what comes from the internet.
+  // Elsewhere nothing happens.
+  void MarkLike(const std::string& archive);
+
   // kNoSpace when the file system has less than that many bytes for this user.
   Result CheckSpace(std::uint64_t bytes) const;
 

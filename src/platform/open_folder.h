@@ -84,6 +84,10 @@ class OpenFolder {
 };
 
 // The same for an entry by its path.
-Result CheckRemovable(const std::string& path, const EntryStatus& entry);
+inline Result CheckRemovable(const std::string& path, const EntryStatus& entry) {
+  OpenFolder folder;
+  Result result = OpenFolder::Open(FolderOf(path), FolderOf(path), OpenFolder::Use::kPass, &folder);
+  return result.ok() ? folder.CheckRemovable(NameOf(path), entry) : result;
+}
 
 }  // namespace quendle::platform

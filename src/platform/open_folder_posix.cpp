@@ -183,10 +183,4 @@ Result OpenFolder::FreeBytes(std::optional<std::uint64_t>* bytes) const {
   return Success();
 }
 
-Result CheckRemovable(const std::string& path, const EntryStatus& entry) {
-  OpenFolder folder;
-  Result result = OpenFolder::Open(FolderOf(path), FolderOf(path), OpenFolder::Use::kPass, &folder);
-  return result.ok() ? folder.CheckRemovable(NameOf(path), entry) : result;
-}
-
 }  // namespace quendle::platform

@@ -9,8 +9,6 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
-#include <ctime>
-#include <filesystem>
 #include <memory>
 #include <string_view>
 
@@ -37,7 +35,8 @@ std::string SwappedCase(const std::string& name) {
 std::string ListedName(const std::string& folder, const std::string& name, const struct stat& entry) {
   const std::string swapped = SwappedCase(name);
   struct stat other;
-  if (swapped == name || lstat((folder + "/" + swapped).c_str(), &other) != 0 || !IsSameEntry(StatusFrom(entry), StatusFrom(other))) {
+  if (swapped == name || lstat((folder + "/" + swapped).c_str(), &other) != 0 ||
+      !IsSameEntry(StatusFrom(entry), StatusFrom(other))) {
     return name;
   }
   const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(folder.empty() ? "/" : folder.c_str()), closedir);
@@ -61,16 +60,6 @@ bool IsExecutableFile(const std::string& path) {
 }
 
 }  // namespace
-
-bool IsFolder(const std::string& path) {
-  struct stat entry;
-  return stat(path.c_str(), &entry) == 0 && S_ISDIR(entry.st_mode);
-}
-
-bool IsTaken(const std::string& path) {
-  struct stat entry;
-  return lstat(path.c_str(), &entry) == 0;
-}
 
 std::string FindOnSearchPath(const std::string& name) {
   const std::string folders = EnvironmentVariable("PATH").value_or("/usr/local/bin:/usr/bin:/bin") + ":";
@@ -112,47 +101,6 @@ Result CheckPlace(const std::string& path) {
   } while (lstat(folder.c_str(), &entry) != 0 && folder != "/" && folder != ".");
   if (!IsFolder(folder)) return SystemFailure(ENOTDIR, folder);
   if (faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0) return LastSystemFailure(folder);
-  return Success();
-}
-
-Result CheckNoLinks(const std::string& folder, const std::string& path) {
-  for (std::size_t end = 0; end < path.size(); ++end) {
-    end = std::min(path.find('/', end), path.size());
-    const std::string part = folder + "/" + path.substr(0, end);
-    struct stat entry;
-    if (lstat(WithoutTrailingSlashes(part).c_str(), &entry) == 0 && S_ISLNK(entry.st_mode)) {
-      return Failure(Code::kRefused, part, "a link is in the place of the folder");
-    }
-  }
-  return Success();
-}
-
-bool FoldersCollide(const std::string& source, const std::string& destination) {
-  namespace fs = std::filesystem;
-  std::error_code error;
-  if (!fs::exists(fs::symlink_status(destination, error))) return false;
-  if (!fs::is_directory(fs::symlink_status(destination, error)) ||
-      !fs::is_directory(fs::symlink_status(source, error))) {
-    return true;
-  }
-  for (fs::directory_iterator entry(source, error), end; !error && entry != end; entry.increment(error)) {
-    const std::string name = entry->path().filename().string();
-    if (FoldersCollide(entry->path().string(), destination + "/" + name)) return true;
-  }
-  return false;
-}
-
-std::string WithRealFolder(const std::string& path) {
-  const std::string folder = RealPath(FolderOf(path));
-  return folder.empty() ? path : (folder == "/" ? "" : folder) + "/" + NameOf(path);
-}
-
-Result ReadLocalWriteTime(const std::string& path, std::int64_t* seconds) {
-  struct stat entry;
-  if (lstat(path.c_str(), &entry) != 0) return LastSystemFailure(path);
-  struct tm local;
-  *seconds = entry.st_mtim.tv_sec;
-  if (localtime_r(&entry.st_mtim.tv_sec, &local) != nullptr) *seconds += local.tm_gmtoff;
   return Success();
 }
 

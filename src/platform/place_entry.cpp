@@ -1,5 +1,7 @@
 #include "platform/place_entry.h"
 
+#include <utility>
+
 #include "platform/bring_entry.h"
 #include "platform/entry_names.h"
 #include "platform/renaming.h"
@@ -14,6 +16,18 @@ FileVersion VersionOf(const std::string& path, const EntryStatus& status) {
 bool LeadsTo(const std::string& path, const EntryStatus& entry) {
   EntryStatus target;
   return ReadTargetStatus(path, &target).ok() && IsSameEntry(target, entry);
+}
+
+// Is `path`, an existing folder, the folder `top` or somewhere below it?
+bool IsAtOrBelow(const std::string& path, const EntryStatus& top) {
+  std::string folder = RealPath(path);
+  while (!folder.empty()) {
+    if (LeadsTo(folder, top)) return true;
+    std::string above = FolderOf(folder);
+    if (above == folder) break;
+    folder = std::move(above);
+  }
+  return false;
 }
 
 bool LeadsToFolder(const std::string& path) {

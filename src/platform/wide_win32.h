@@ -2,6 +2,7 @@
 #pragma once
 
 #include <windows.h>
+#undef ReplaceFile  // a macro for the system's function, which would rename ours
 
 #include <string>
 #include <string_view>

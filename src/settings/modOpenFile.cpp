@@ -1,7 +1,6 @@
 #include "settings/modOpenFile.h"
 
 #include <cstdio>
-#include <fstream>
 #include <memory>
 #include <optional>
 #include <random>
@@ -9,6 +8,7 @@
 #include "base/modString.h"
 #include "platform/code_page.h"
 #include "platform/durable_file.h"
+#include "platform/input_file.h"
 #include "platform/known_folders.h"
 #include "platform/paths.h"
 #include "platform/unicode.h"
@@ -104,8 +104,11 @@ std::string FreeName(const std::string& folder) {
 }  // namespace
 
 bool IsUnicodeFile(const std::string& path) {
+  std::unique_ptr<platform::InputFile> file;
   char first = 0;
-  return std::ifstream(path, std::ios::binary).get(first) && platform::IsTakenForUtf16({&first, 1});
+  std::size_t got = 0;
+  return platform::InputFile::Open(path, &file).ok() && file->ReadAt(0, &first, 1, &got).ok() && got == 1 &&
+         platform::IsTakenForUtf16({&first, 1});
 }
 
 std::string ReadTextFile(const std::string& path, bool* is_unicode) {

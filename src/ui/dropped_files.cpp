@@ -14,7 +14,8 @@ bool IsHere(const QUrl& url) {
   const QString host = url.host();
   const bool is_own_host = host.isEmpty() || host == QLatin1String("localhost") ||
                            host.compare(QSysInfo::machineHostName(), Qt::CaseInsensitive) == 0;
-  return url.isLocalFile() && is_own_host;
+  // What is relative to some other program's folder is nowhere here.
+  return url.isLocalFile() && is_own_host && QDir::isAbsolutePath(url.toLocalFile());
 }
 
 // A name that is no text keeps its bytes, which stand in the address as they are.

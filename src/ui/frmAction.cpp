@@ -53,6 +53,7 @@ frmAction::~frmAction() = default;
 void frmAction::Run() {
   CentreOnScreen(this);
   exec();
+  if (fault_) std::rethrow_exception(std::exchange(fault_, nullptr));
 }
 
 // Only signals that the user causes, so that showing a view changes nothing.

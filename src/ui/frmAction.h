@@ -5,6 +5,7 @@
 #include <QTimer>
 #include <array>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <map>
 #include <optional>
@@ -39,7 +40,7 @@ struct ActionServices {
       show_message = ShowMessage;
   std::function<std::string(const std::string&, const std::string&, const std::string&)> show_input =
       ShowInput;
-  std::function<bool(QWidget*, clsPropItem*)> open_editor;
+  std::function<bool(QWidget*)> open_editor;  // for what the store's EDITMODE says, as OpenEditor
   std::function<void(QWidget*)> show_about;
 };
 
@@ -49,7 +50,8 @@ class frmAction : public QDialog {
   frmAction(ActionForm& form, clsPropItem& items, const clsMover& mover, ActionServices services = {});
   ~frmAction() override;
 
-  // Shows the window until no path is left or the user has ended the run.
+  // Shows the window until no path is left or the user has ended the run. Throws what doing a path has thrown,
+  // which ends the run, too.
   void Run();
 
   // Closing the window leaves the rest undone.
@@ -133,6 +135,7 @@ class frmAction : public QDialog {
   QTimer plan_timer_;
   std::optional<bool> shows_archive_;  // in the window's picture
   bool is_busy_ = false;               // a command runs, which may handle events
+  std::exception_ptr fault_;           // thrown while a path was done
 };
 
 }  // namespace quendle

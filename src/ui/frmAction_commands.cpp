@@ -140,17 +140,23 @@ void frmAction::Finish(bool execute) {
     plan_timer_.stop();
     menu_bar_->setEnabled(false);
     body_->setEnabled(false);
-    bool is_settled = true;
-    if (execute) {
-      is_settled = form_.Execute();
-    } else {
-      form_.Skip();
-    }
-    if (is_settled) {
-      for (QLineEdit* field : txt) field->clear();
-      for (QComboBox* combo : cbo) combo->setCurrentIndex(-1);
-      focus = nullptr;
-      is_over = !form_.Advance();
+    // The toolkit does not bear what is thrown through it.
+    try {
+      bool is_settled = true;
+      if (execute) {
+        is_settled = form_.Execute();
+      } else {
+        form_.Skip();
+      }
+      if (is_settled) {
+        for (QLineEdit* field : txt) field->clear();
+        for (QComboBox* combo : cbo) combo->setCurrentIndex(-1);
+        focus = nullptr;
+        is_over = !form_.Advance();
+      }
+    } catch (...) {
+      fault_ = std::current_exception();
+      is_over = true;
     }
     // What was typed and clicked while it ran was not meant for the next path.
     QCoreApplication::processEvents();
@@ -236,7 +242,7 @@ void frmAction::Edit(std::int16_t mode) {
     const Busy busy(&is_busy_);
     if (is_profile) items_.Title = items_.NEWTITLE;
     items_.EDITMODE = mode;
-    is_saved = services_.open_editor(this, &items_);
+    is_saved = services_.open_editor(this);
     items_.EDITMODE = clsPropItem::kNotEditing;
     items_.Title = current;
   }

@@ -10,7 +10,9 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QShortcut>
 #include <QTreeView>
+#include <algorithm>
 #include <unordered_set>
 
 #include "base/display.h"
@@ -91,6 +93,9 @@ void frmMain::Connect() {
   });
   connect(view_, &QTreeView::customContextMenuRequested, this,
           [this](const QPoint& position) { ShowContextMenu(position); });
+  // For keyboards without a key for it.
+  connect(new QShortcut(QKeySequence("Shift+F10"), view_, nullptr, nullptr, Qt::WidgetShortcut),
+          &QShortcut::activated, this, [this] { ShowContextMenuAtRow(); });
   connect(view_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
           [this] { UpdateCommands(); });
 }
@@ -194,11 +199,15 @@ void frmMain::Select(const std::vector<std::string>& titles, const std::string& 
   const std::unordered_set<std::string> wanted(titles.begin(), titles.end());
   QItemSelection selection;
   QModelIndex last;
-  for (int row = 0; row < model_.rowCount(); ++row) {
-    const std::string& title = model_.RowAt(row).title;
-    if (title == current) last = model_.index(row, 0);
-    if (wanted.contains(title))
-      selection.select(model_.index(row, 0), model_.index(row, ProfileModel::kColumns - 1));
+  int begin = -1;  // of the rows in a run that are wanted: thousands of ranges would take their time
+  for (int row = 0; row <= model_.rowCount(); ++row) {
+    const bool is_row = row < model_.rowCount();
+    if (is_row && model_.RowAt(row).title == current) last = model_.index(row, 0);
+    const bool is_wanted = is_row && wanted.contains(model_.RowAt(row).title);
+    if (is_wanted && begin < 0) begin = row;
+    if (is_wanted || begin < 0) continue;
+    selection.select(model_.index(begin, 0), model_.index(row - 1, ProfileModel::kColumns - 1));
+    begin = -1;
   }
   QItemSelectionModel* selected = view_->selectionModel();
   selected->setCurrentIndex(last, QItemSelectionModel::NoUpdate);
@@ -207,11 +216,20 @@ void frmMain::Select(const std::vector<std::string>& titles, const std::string& 
   UpdateCommands();
 }
 
+// From top to bottom. The model's own way of telling looks at all ranges for each row.
+std::vector<int> frmMain::SelectedRows() const {
+  std::vector<int> rows;
+  for (const QItemSelectionRange& range : view_->selectionModel()->selection()) {
+    if (range.left() > 0) continue;
+    for (int row = range.top(); row <= range.bottom(); ++row) rows.push_back(row);
+  }
+  std::sort(rows.begin(), rows.end());
+  return rows;
+}
+
 std::vector<std::string> frmMain::SelectedTitles() const {
   std::vector<std::string> titles;
-  for (const QModelIndex& index : view_->selectionModel()->selectedRows()) {
-    titles.push_back(model_.RowAt(index.row()).title);
-  }
+  for (const int row : SelectedRows()) titles.push_back(model_.RowAt(row).title);
   return titles;
 }
 
@@ -236,7 +254,7 @@ void frmMain::ApplyTest() {
 }
 
 void frmMain::UpdateCommands() {
-  const auto selected = view_->selectionModel()->selectedRows().size();
+  const std::size_t selected = SelectedRows().size();
   for (const Command& command : commands_) {
     const bool is_possible = command.needs == Needs::kNothing ||
                              (command.needs == Needs::kRows && model_.rowCount() > 0) ||

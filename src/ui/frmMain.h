@@ -59,6 +59,7 @@ class frmMain : public QMainWindow {
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dragMoveEvent(QDragMoveEvent* event) override;
+  void dragLeaveEvent(QDragLeaveEvent* event) override;
   void dropEvent(QDropEvent* event) override;
 
  private:
@@ -93,6 +94,7 @@ class frmMain : public QMainWindow {
   void SelectRow(int row);
   bool SelectTitle(const std::string& title);
   void Select(const std::vector<std::string>& titles, const std::string& current);
+  std::vector<int> SelectedRows() const;
   std::vector<std::string> SelectedTitles() const;
   std::string CurrentTitle() const;
   void ApplyFilter();
@@ -117,6 +119,7 @@ class frmMain : public QMainWindow {
   bool OpenEditor(std::int16_t mode, const std::string& title);
   std::string AskTitle(const std::string& prompt, int caption, const std::string& old_title);
   bool Tell(const platform::Result& result);
+  QRect TestPlace() const;
   bool TellsSurplus(std::vector<std::string>* paths);
 
   clsPropItem& items_;

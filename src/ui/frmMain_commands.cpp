@@ -34,6 +34,8 @@ constexpr int kFolderNotOpened = 6348;
 constexpr int kTooMany = 6755;
 constexpr int kFilesCaption = 6756;
 constexpr int kAtWork = 6757;
+constexpr int kDropTries = 6734;
+constexpr int kDropDispatches = 6735;
 constexpr std::size_t kMostNames = 10;  // in a message
 
 constexpr const char* kLineBreak = "\r\n";
@@ -116,7 +118,7 @@ void frmMain::Rename() {
     const std::string prompt = LoadText(kRenamePrompt, {ForDisplay(titles.front())});
     title = AskTitle(prompt, kRenameCaption, titles.front());
     if (title.empty()) return;
-    Tell(list_.Rename(titles.front(), title));
+    if (!Tell(list_.Rename(titles.front(), title))) title.clear();
   }
   Refresh(title);
 }
@@ -135,9 +137,7 @@ void frmMain::Duplicate() {
 void frmMain::Remove() {
   const std::vector<std::string> titles = SelectedTitles();
   if (titles.empty()) return;
-  int first = model_.rowCount();
-  for (const QModelIndex& index : view_->selectionModel()->selectedRows())
-    first = std::min(first, index.row());
+  const int first = SelectedRows().front();
   {
     const Busy busy(&is_busy_);
     const std::string prompt = LoadText(kRemovePrompt) + kLineBreak + NameLines(titles);
@@ -152,9 +152,9 @@ void frmMain::Remove() {
 }
 
 void frmMain::OpenFolder(std::size_t kind) {
-  const QModelIndexList selected = view_->selectionModel()->selectedRows();
+  const std::vector<int> selected = SelectedRows();
   if (selected.size() != 1) return;
-  const std::string folder = model_.RowAt(selected.front().row()).folders[kind].path;
+  const std::string folder = model_.RowAt(selected.front()).folders[kind].path;
   const Busy busy(&is_busy_);
   if (folder.empty()) {
     services_.show_message(LoadText(kNoFolderSet), kButtonsOk, kIconExclamation, "");
@@ -169,10 +169,9 @@ void frmMain::OpenFolder(std::size_t kind) {
 }
 
 void frmMain::OpenTester() {
-  const std::vector<std::string> titles = SelectedTitles();
+  const std::vector<int> selected = SelectedRows();
   const Busy busy(&is_busy_);
-  const std::string pattern =
-      titles.size() == 1 ? model_.RowAt(view_->selectionModel()->selectedRows().front().row()).pattern : "";
+  const std::string pattern = selected.size() == 1 ? model_.RowAt(selected.front()).pattern : "";
   services_.open_tester(this, pattern, list_.TestedName());
 }
 
@@ -232,6 +231,19 @@ void frmMain::dragMoveEvent(QDragMoveEvent* event) {
   // Whatever becomes of the files is up to this program: the one they come from must not remove them.
   event->setDropAction(Qt::CopyAction);
   event->accept();
+  status_->SetText(Text(TestPlace().contains(event->position().toPoint()) ? kDropTries : kDropDispatches));
+}
+
+void frmMain::dragLeaveEvent(QDragLeaveEvent* event) {
+  UpdateTexts();
+  QMainWindow::dragLeaveEvent(event);
+}
+
+// A file that misses the field by a little must not be moved away: all that is beside the filter counts.
+QRect frmMain::TestPlace() const {
+  const int left = filter_->mapTo(this, filter_->rect().topRight()).x() + 1;
+  const int top = centralWidget()->y();
+  return {left, top, width() - left, view_->mapTo(this, QPoint(0, 0)).y() - top};
 }
 
 void frmMain::dropEvent(QDropEvent* event) {
@@ -242,8 +254,8 @@ void frmMain::dropEvent(QDropEvent* event) {
   }
   event->setDropAction(Qt::CopyAction);
   event->accept();
-  const QRect test_place(test_->mapTo(this, QPoint(0, 0)), test_->size());
-  if (test_place.contains(event->position().toPoint())) {
+  UpdateTexts();
+  if (TestPlace().contains(event->position().toPoint())) {
     test_->setText(ToQt(ForDisplay(SplitPath(RemoveBackslashes(paths.front())).name)));
     test_->setFocus(Qt::OtherFocusReason);
     return;

@@ -22,8 +22,9 @@ namespace quendle {
 namespace {
 
 // At first, in characters of average width.
-constexpr int kColumnCharacters[ProfileModel::kColumns] = {14, 13, 16, 0, 12, 12, 12};
-constexpr QSize kFirstSize(960, 520);
+constexpr int kColumnCharacters[ProfileModel::kColumns] = {13, 12, 15, 0, 11, 11, 11};
+constexpr int kWidestColumn = 4000;     // that anybody could have made
+constexpr QSize kFirstSize(1040, 540);  // so that all columns are in sight
 constexpr int kFilterPlaceholder = 6731;
 constexpr int kFilterName = 6730;
 constexpr int kTestName = 6732;
@@ -222,7 +223,9 @@ void frmMain::RestoreLooks() {
   view_->header()->setStretchLastSection(true);
   for (int i = 0; i < ProfileModel::kColumns; ++i) {
     int width = i == ProfileModel::kAction ? ActionMarks::Width(font()) : kColumnCharacters[i] * character;
-    if (is_remembered && columns.widths[i] > 0) width = columns.widths[i];
+    if (is_remembered && columns.widths[i] > 0 && columns.widths[i] <= kWidestColumn) {
+      width = columns.widths[i];
+    }
     view_->setColumnWidth(i, width);
   }
   view_->setColumnHidden(ProfileModel::kMatch, true);
@@ -236,7 +239,11 @@ void frmMain::RestoreLooks() {
 
 void frmMain::KeepLooks() const {
   ColumnMemory columns;
+  // A column that is hidden says that it has no width.
+  const bool is_hidden = view_->isColumnHidden(ProfileModel::kMatch);
+  view_->setColumnHidden(ProfileModel::kMatch, false);
   for (int i = 0; i < ProfileModel::kColumns; ++i) columns.widths += view_->columnWidth(i);
+  view_->setColumnHidden(ProfileModel::kMatch, is_hidden);
   const QHeaderView* header = view_->header();
   columns.sorted = header->sortIndicatorSection();
   columns.descending = header->sortIndicatorOrder() == Qt::DescendingOrder;

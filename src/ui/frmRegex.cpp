@@ -9,6 +9,7 @@
 
 #include "base/display.h"
 #include "base/regex.h"
+#include "core/pattern_problem.h"
 #include "platform/unicode.h"
 #include "resources/string_table.h"
 #include "ui/form_helpers.h"
@@ -77,7 +78,8 @@ void frmRegex::Evaluate() {
   if (txt[kString]->text().isEmpty() || txt[kPattern]->text().isEmpty()) {
     return ShowResult(kNoText, black, "");
   }
-  const Regex regex(FromQt(txt[kPattern]->text()));
+  const std::string pattern = FromQt(txt[kPattern]->text());
+  const Regex regex(pattern);
   const std::string subject = FromDisplay(FromQt(txt[kString]->text()));
   switch (regex.MatchWhole(platform::WithReplacementCharacters(subject))) {
     case RegexAnswer::kWhole:
@@ -85,7 +87,7 @@ void frmRegex::Evaluate() {
     case RegexAnswer::kNotWhole:
       return ShowResult(text_id::kRegexUnmatch, NoColour(palette()), "");
     case RegexAnswer::kError:
-      return ShowResult(text_id::kRegexError, NoColour(palette()), regex.Error());
+      return ShowResult(text_id::kRegexError, NoColour(palette()), PatternProblem(pattern, regex.Error()));
   }
 }
 

@@ -21,7 +21,7 @@ std::string Note(const ActionStep& step, bool is_stopped) {
 }  // namespace
 
 std::string ReasonInOneLine(std::string reason) {
-  for (std::size_t at; (at = reason.find("\r\n")) != std::string::npos;) reason.replace(at, 2, " ");
+  for (std::size_t at; (at = reason.find("\r\n")) != std::string::npos;) reason.replace(at, 2, 1, ' ');
   return ForDisplay(reason);
 }
 

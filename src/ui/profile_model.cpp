@@ -7,7 +7,6 @@
 #include <numeric>
 
 #include "base/display.h"
-#include "base/reasons.h"
 #include "core/failure_text.h"
 #include "platform/unicode.h"
 #include "ui/hints.h"
@@ -182,7 +181,7 @@ QString ProfileModel::MatchText(std::size_t row) const {
     case NameMatch::Kind::kNoMatch:
       return Text(kNoMatch);
     case NameMatch::Kind::kError:
-      return ToQt(LoadText(kPatternError, {ForDisplay(InJapanese(match.reason))}));
+      return ToQt(LoadText(kPatternError, {match.reason}));
   }
   return "";
 }

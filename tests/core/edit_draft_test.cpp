@@ -38,7 +38,7 @@ GTEST_TEST(EditDraft, NumbersCountAsTheSettingsReadThem) {
         keys.append(key).append("=").append(text).append("\n");
       }
       test::Settings settings("[A]\nID=" + id + "\n" + keys, "[General]\n" + keys);
-      settings.profiles.Title = "A";
+      settings.profiles.Title = std::string("A");
       const auto expect_same = [](const EditDraft& draft, const auto& read) {
         EXPECT_EQ(draft.Number(kAction), read.ACTION());
         EXPECT_EQ(draft.Number(kSmartRename), read.SMARTRENAME());
@@ -155,8 +155,8 @@ GTEST_TEST(EditDraft, ProblemsAreFound) {
       {kMoveTo, "/a/..b/c", "", false},
       {kMoveTo, "a/b", "フォルダが絶対パス", false},
       {kMoveTo, "/a/../b", "フォルダの指定に「..」", false},
-      {kMoveTo, "/" + std::string(1020, 'x'), "", false},
-      {kMoveTo, "/" + std::string(1021, 'x'), "長すぎて", false},
+      {kMoveTo, std::string("/").append(1020, 'x'), "", false},
+      {kMoveTo, std::string("/").append(1021, 'x'), "長すぎて", false},
       {kInclude, "*.c\n*.d", "改行", false},
       {kExclude, std::string(1022, 'x'), "長すぎて", false},
       {kInclude, ".*\\.c;;a/.*;", "", false},

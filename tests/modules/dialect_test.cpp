@@ -91,7 +91,7 @@ GTEST_TEST(ResponseFile, ListedNamesComeBack) {
   for (const std::string name : {"a b/ｆ.txt", "\"a\"", "a\nb\r", "a\"b", "\x7F", "d/"}) {
     SCOPED_TRACE(name);
     const std::string listed = ListedName(name);
-    EXPECT_EQ(ParseResponseFile("\"" + ComparableName(listed) + "\""),
+    EXPECT_EQ(ParseResponseFile(std::string("\"").append(ComparableName(listed)).append("\"")),
               std::vector<std::string>{ComparableName(listed)});
   }
 }

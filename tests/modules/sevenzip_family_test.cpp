@@ -26,7 +26,7 @@ GTEST_TEST(SevenZip, ReadsMethods) {
     SCOPED_TRACE(method);
     const std::string bytes = Pack("7zip", std::string("compression=") + method, kEntries);
     EXPECT_EQ(Text(bytes), kText);
-    EXPECT_EQ(Text("MZ" + std::string(3000, 'x') + "7z\xBC\xAF\x27\x1C" + bytes), kText);
+    EXPECT_EQ(Text(std::string("MZ").append(3000, 'x').append("7z\xBC\xAF\x27\x1C").append(bytes)), kText);
   }
   EXPECT_EQ(Text("a text about 7z\xBC\xAF\x27\x1C"), "!no archive");
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,6 +22,7 @@ class ScriptedArchiver : public clsArchiver {
     return type;
   }
   bool mExtractArchive(const std::string& destination) override {
+    if (throws) throw std::runtime_error("scripted");
     extracted.push_back(pFileName + " to " + destination);
     report_ = plan;
     if (!succeeds) report_.problems.push_back({"a.txt", "scripted"});
@@ -30,6 +32,7 @@ class ScriptedArchiver : public clsArchiver {
 
   std::int16_t type = 0;
   bool succeeds = true;
+  bool throws = false;
   ExtractionReport plan;
   int asked_type = 0;
   std::vector<std::string> extracted;

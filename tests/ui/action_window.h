@@ -42,9 +42,10 @@ class ActionWindow {
       asked.push_back(title + "|" + prompt);
       return typed;
     };
-    services.open_editor = [this](QWidget*, clsPropItem* store) {
-      edited.push_back(std::to_string(store->EDITMODE) + "|" + store->Title + "|" + store->NEWTITLE);
-      return on_edit && on_edit(store);
+    services.open_editor = [this](QWidget*) {
+      clsPropItem& store = run.settings.profiles;
+      edited.push_back(std::to_string(store.EDITMODE) + "|" + store.Title + "|" + store.NEWTITLE);
+      return on_edit && on_edit(&store);
     };
     services.show_about = [this](QWidget*) { asked.emplace_back("about"); };
     form.emplace(ActionForm::Environment{*run.mover, run.file_info, run.settings.profiles,

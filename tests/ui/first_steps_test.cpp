@@ -32,13 +32,12 @@ class FirstSteps : public testing::Test {
  protected:
   // As the program does with what is dropped; `user_` stands for the questions of a run.
   void Dispatch(const std::vector<std::string>& paths) {
-    globals_.BeginRun(paths);
+    const RunScope run(globals_, paths);
     globals_.g_Mover->SHOWUSERFORM = WantsConfirmation(*globals_.g_PropDefault, [] { return false; });
     clsPropItem& items = *globals_.g_PropItem;
     ActionForm form({*globals_.g_Mover, *globals_.g_FileInfo, items, *globals_.g_PropDefault, user_}, {});
     if (form.Advance()) frmAction(form, items, *globals_.g_Mover).Run();
     EXPECT_EQ(form.Undone(), std::vector<std::string>());
-    globals_.EndRun();
   }
   void AddProfile(QWidget* list) {
     QStringList met;
@@ -134,6 +133,20 @@ TEST_F(FirstSteps, LeadFromAnEmptyListToAMovedFile) {
   EXPECT_EQ(test::ReadFile(files_ / "settings/items.ini"),
             "[Reports]\r\nPattern=data.*\\.txt\r\nID=1\r\nAction=2\r\nSmartRename=3\r\nOpenDir=1\r\nMoveTo=" +
                 files_ / "sorted" + "\r\n");
+}
+
+TEST_F(FirstSteps, RunsThatGoWrongLeaveNothingBehind) {
+  test::WriteFile(file_, "text");
+  try {
+    const RunScope run(globals_, {file_});
+    globals_.g_Mover->CMDLINECURRENT = 1;
+    EXPECT_TRUE(globals_.g_Mover->SetTarget().ok());
+    EXPECT_EQ(globals_.g_FileInfo->pFileNameLong(), "data12.txt");
+    throw std::runtime_error("fault");
+  } catch (const std::runtime_error&) {
+    EXPECT_TRUE(globals_.g_Mover == nullptr && globals_.g_Output == nullptr);
+    EXPECT_EQ(globals_.g_FileInfo->pFileNameLong(), "");
+  }
 }
 
 }  // namespace

@@ -337,6 +337,14 @@ GTEST_TEST(FrmAction, ProfilesAreMadeAndEdited) {
   EXPECT_EQ(opened.run.settings.profiles.EDITMODE, clsPropItem::kNotEditing);
 }
 
+GTEST_TEST(FrmAction, WhatIsThrownComesOutOfTheWindow) {
+  ActionWindow opened("[a]\nPattern=.*\nID=1\nAction=1\nExtractTo=/x\n", {"a.zip", "b.zip"}, 1);
+  opened.run.archiver->throws = true;
+  QTimer::singleShot(0, [&opened] { opened.Press(Qt::Key_Return, Qt::ControlModifier); });
+  EXPECT_THROW(opened.window->Run(), std::runtime_error);
+  EXPECT_FALSE(opened.window->isVisible());
+}
+
 GTEST_TEST(FrmAction, PlanFollowsWhatIsChosen) {
   const test::TempFolder to;
   ActionWindow opened(MovingTo(to.path()), {"a.txt"});

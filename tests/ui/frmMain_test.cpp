@@ -10,6 +10,7 @@
 #include <QTreeView>
 #include <QUrl>
 #include <QtTest/QTest>
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 
@@ -78,13 +79,13 @@ class MainWindow {
   std::string Column(int column = 0) const {
     std::string cells;
     for (int row = 0; row < view->model()->rowCount(); ++row)
-      cells += (row == 0 ? "" : ";") + Cell(row, column);
+      cells.append(row == 0 ? "" : ";").append(Cell(row, column));
     return cells;
   }
   std::string Selected() const {
     std::string titles;
     for (const QModelIndex& index : view->selectionModel()->selectedRows()) {
-      titles += (titles.empty() ? "" : ";") + FromQt(index.data().toString());
+      titles.append(titles.empty() ? "" : ";").append(FromQt(index.data().toString()));
     }
     return titles;
   }
@@ -105,9 +106,12 @@ class MainWindow {
     QDragEnterEvent enter(place, actions, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(window.get(), &enter);
     QDropEvent drop(place, actions, &data, Qt::LeftButton, Qt::NoModifier);
-    if (enter.isAccepted()) QCoreApplication::sendEvent(window.get(), &drop);
+    drop.setDropAction(Qt::MoveAction);  // after which the other program would remove the files
+    QCoreApplication::sendEvent(window.get(), &drop);
     EXPECT_EQ(enter.isAccepted(), drop.isAccepted());
-    EXPECT_TRUE(!enter.isAccepted() || enter.dropAction() == Qt::CopyAction);
+    for (const QDropEvent* event : {static_cast<QDropEvent*>(&enter), &drop}) {
+      EXPECT_TRUE(!event->isAccepted() || event->dropAction() == Qt::CopyAction);
+    }
     QTest::qWait(1);
     return enter.isAccepted();
   }
@@ -186,6 +190,9 @@ GTEST_TEST(FrmMain, KeysAndClicksReachTheirCommands) {
          QCoreApplication::sendEvent(m.view, &by_key);
          ASSERT_NE(QApplication::activePopupWidget(), nullptr);
          EXPECT_LT((QApplication::activePopupWidget()->pos() - on_screen).manhattanLength(), 150);
+         QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+         m.Press(Qt::Key_F10, Qt::ShiftModifier);
+         ASSERT_NE(QApplication::activePopupWidget(), nullptr);
          QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
          QContextMenuEvent event(QContextMenuEvent::Mouse, place, on_screen);
          QCoreApplication::sendEvent(m.view->viewport(), &event);
@@ -267,6 +274,7 @@ GTEST_TEST(FrmMain, SeesWhatOthersChange) {
                                       {Qt::Key_Delete, Qt::NoModifier}}) {
     SCOPED_TRACE(key);
     MainWindow changed;
+    changed.filter->setText("/");
     changed.ClickRow(1);
     changed.typed = {"mine"};
     const std::string theirs = "[B]\r\nPattern=theirs\r\n[n]\r\n";
@@ -276,6 +284,7 @@ GTEST_TEST(FrmMain, SeesWhatOthersChange) {
     EXPECT_TRUE(changed.edited.empty());
     EXPECT_EQ(test::ReadFile(changed.settings.profiles.FileName()), theirs);
     EXPECT_EQ(changed.Column(), "B;n");
+    EXPECT_EQ(changed.filter->text(), "/");
   }
   QWidget other;
   other.show();
@@ -295,11 +304,16 @@ GTEST_TEST(FrmMain, MarksWhatANameMatches) {
   EXPECT_FALSE(main.view->isColumnHidden(ProfileModel::kMatch));
   EXPECT_EQ(main.Cell(0, ProfileModel::kMatch), "一致 1/2");
   EXPECT_EQ(main.Cell(1, ProfileModel::kMatch), "一致 2/2");
-  EXPECT_NE(main.Cell(2, ProfileModel::kMatch).find("parenthesis"), std::string::npos);
+  EXPECT_EQ(main.Cell(2, ProfileModel::kMatch), "誤り：1 文字目: 閉じ括弧「)」がありません");
   EXPECT_TRUE(main.Drop(main.test, {QUrl::fromLocalFile("/in/x.lzh.txt")}));
   EXPECT_EQ(main.test->text(), "x.lzh.txt");
   EXPECT_EQ(main.Cell(0, ProfileModel::kMatch), "一部だけに一致");
   EXPECT_EQ(main.Cell(1, ProfileModel::kMatch), "一致しません");
+  const QList<QLabel*> labels = main.window->findChildren<QLabel*>();
+  const auto label = std::find_if(labels.begin(), labels.end(),
+                                  [&main](const QLabel* one) { return one->buddy() == main.test; });
+  EXPECT_TRUE(main.Drop(*label, {QUrl::fromLocalFile("/in/near.miss")}));
+  EXPECT_EQ(main.test->text(), "near.miss");
   EXPECT_TRUE(main.dispatched.empty());
   main.Press(Qt::Key_Escape);
   EXPECT_TRUE(main.view->isColumnHidden(ProfileModel::kMatch));
@@ -307,15 +321,18 @@ GTEST_TEST(FrmMain, MarksWhatANameMatches) {
 
 GTEST_TEST(FrmMain, DispatchesWhatIsDropped) {
   MainWindow main;
-  main.on_dispatch = [&main] { main.settings.profiles.DelSection("c"); };
   const QUrl text = QUrl::fromEncoded("file:///in/%FF%20a.txt");
+  main.on_dispatch = [&main, &text] {
+    EXPECT_FALSE(main.Drop(main.view->viewport(), {text}));
+    main.settings.profiles.DelSection("c");
+  };
   EXPECT_TRUE(main.Drop(main.view->viewport(), {text, QUrl("file://localhost/in/%E8%A1%A8")}));
   EXPECT_EQ(main.dispatched, (std::vector<std::string>{"/in/\xFF a.txt", "/in/表"}));
   EXPECT_TRUE(main.window->isVisible() && main.view->isEnabled());
   EXPECT_EQ(main.Column(), "A;b");
   main.dispatched.clear();
-  const QUrl remote("https://example.org/a.txt"), share("file://elsewhere/a.txt");
-  for (const QList<QUrl>& urls : {QList<QUrl>{remote}, {share}, {text, remote}, {}}) {
+  const QUrl remote("https://example.org/a.txt"), share("file://elsewhere/a.txt"), relative("file:a.txt");
+  for (const QList<QUrl>& urls : {QList<QUrl>{remote}, {share}, {relative}, {text, remote}, {}}) {
     EXPECT_FALSE(main.Drop(main.view->viewport(), urls));
   }
   QList<QUrl> many;
@@ -347,6 +364,9 @@ GTEST_TEST(FrmMain, RemembersHowItLooked) {
   MainWindow main;
   main.window->setGeometry(50, 60, 500, 300);
   main.view->setColumnWidth(0, 77);
+  main.test->setText("a");
+  main.view->setColumnWidth(ProfileModel::kMatch, 99);
+  main.test->clear();
   main.view->sortByColumn(ProfileModel::kPattern, Qt::DescendingOrder);
   EXPECT_EQ(main.Column(), "b;A;c");
   main.Press(Qt::Key_W, Qt::ControlModifier);
@@ -355,6 +375,8 @@ GTEST_TEST(FrmMain, RemembersHowItLooked) {
   {
     frmMain again(main.settings.profiles, main.settings.standard, {}, file);
     const auto* view = again.findChild<QTreeView*>("list");
+    again.findChild<QLineEdit*>("test")->setText("a");
+    EXPECT_EQ(view->columnWidth(ProfileModel::kMatch), 99);
     EXPECT_EQ(QRect(again.pos(), again.size()), QRect(main.window->pos(), main.window->size()));
     EXPECT_EQ(view->columnWidth(0), 77);
     EXPECT_EQ(FromQt(view->model()->index(0, 0).data().toString()), "b");

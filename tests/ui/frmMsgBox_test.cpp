@@ -173,14 +173,14 @@ GTEST_TEST(MsgBox, LongPromptsCanBeReadToTheEnd) {
     std::string prompt;
     bool scrolls;
   };
-  const std::string path = "/" + std::string(300, 'W');
+  const std::string path = std::string("/").append(300, 'W');
   std::string many = "a";
   for (int i = 0; i < 200; ++i) many += "\r\n" + std::to_string(i);
-  const Row rows[] = {
-      {"one word", "a", false},
-      {"a path without blanks", path, false},
-      {"sentence and markup", "<b>とても長い文章です。</b> " + std::string(200, 'i') + " end", false},
-      {"more lines than the screen", many, true}};
+  const Row rows[] = {{"one word", "a", false},
+                      {"a path without blanks", path, false},
+                      {"sentence and markup",
+                       std::string("<b>とても長い文章です。</b> ").append(200, 'i').append(" end"), false},
+                      {"more lines than the screen", many, true}};
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
     OnBox([&row](QDialog* box) {

@@ -1,22 +1,19 @@
 #include "archive/modules/cab/cab_family.h"
 
-#include <filesystem>
 #include <memory>
-#include <system_error>
 #include <utility>
 
 #include "archive/modules/cab/cab_header.h"
 #include "archive/modules/cab/mspack_reader.h"
 #include "archive/modules/cab/plain_cab.h"
+#include "archive/modules/common/folder_names.h"
 #include "archive/modules/common/libarchive_reader.h"
 #include "archive/modules/common/library_versions.h"
 #include "archive/modules/common/signature_scan.h"
-#include "platform/unicode.h"
 
 namespace quendle::modules {
 namespace {
 
-namespace fs = std::filesystem;
 using File = std::shared_ptr<const platform::InputFile>;
 
 constexpr std::size_t kMostCabinets = 1000;
@@ -24,17 +21,11 @@ constexpr std::size_t kMostCabinets = 1000;
 // The file of that name, in any case, beside another one; null when there is none.
 File OpenBeside(const std::string& path, const std::string& name) {
   if (name.empty() || name.find_first_of("/\\") != name.npos) return nullptr;
-  std::error_code error;
-  fs::path found;
-  for (fs::directory_iterator i(fs::path(path).parent_path(), error), end; !error && i != end;
-       i.increment(error)) {
-    const std::string candidate = i->path().filename().string();
-    if (platform::UpperCase(candidate) != platform::UpperCase(name)) continue;
-    found = i->path();
-    if (candidate == name) break;
-  }
+  const std::string folder = path.substr(0, FolderSize(path));
+  const FolderNames names(folder, name);
+  const std::string* found = names.Find(name);
   std::unique_ptr<platform::InputFile> file;
-  if (found.empty() || !platform::InputFile::Open(found.string(), &file).ok()) return nullptr;
+  if (found == nullptr || !platform::InputFile::Open(folder + *found, &file).ok()) return nullptr;
   return file;
 }
 

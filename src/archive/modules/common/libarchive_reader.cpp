@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "archive/modules/common/entry_names.h"
+#include "archive/modules/common/libarchive_names.h"
 #include "archive/modules/common/libarchive_source.h"
 #include "platform/utf8_locale.h"
 
@@ -138,14 +139,14 @@ const char* LibarchiveReader::NextPassword(archive*, void* self) {
 }
 
 Entry LibarchiveReader::Convert(archive_entry* raw) const {
-  const auto decode = [this](const char* bytes) {
-    return DecodeName(bytes == nullptr ? "" : bytes, NamesAreUnicode(format_), options_.charset);
+  const auto decode = [this](const std::string& bytes) {
+    return DecodeName(bytes, NamesAreUnicode(format_), options_.charset);
   };
   Entry entry;
   entry.kind = KindOf(raw);
-  entry.path = decode(archive_entry_pathname(raw));
+  entry.path = decode(PathnameOf(raw));
   if (entry.kind == EntryKind::kFolder && !entry.path.ends_with('/')) entry.path += '/';
-  if (entry.kind == EntryKind::kLink) entry.link_target = decode(archive_entry_symlink(raw));
+  if (entry.kind == EntryKind::kLink) entry.link_target = decode(LinkTargetOf(raw));
   if (entry.kind == EntryKind::kFile) {
     if (archive_entry_size_is_set(raw)) entry.size = static_cast<std::uint64_t>(archive_entry_size(raw));
     // Where the system that made the archive has no such modes the library sets none of these bits.

@@ -7,7 +7,8 @@ std::string AndUnarrVersion() {
   return "";
 }
 
-std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput&, UnarrFormat, DescribeUnarrEntry, std::string* reason) {
+std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput&, UnarrFormat, DescribeUnarrEntry,
+                                       std::string* reason) {
   *reason = "unarr is not part of this build";
   return nullptr;
 }

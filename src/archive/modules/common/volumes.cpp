@@ -2,19 +2,17 @@
 
 #include <algorithm>
 #include <charconv>
-#include <filesystem>
 #include <functional>
 #include <limits>
-#include <map>
 #include <string_view>
 #include <utility>
 
+#include "archive/modules/common/folder_names.h"
 #include "platform/unicode.h"
 
 namespace quendle::modules {
 namespace {
 
-namespace fs = std::filesystem;
 using platform::InputFile;
 using platform::UpperCase;
 
@@ -27,35 +25,6 @@ struct Numbering {
   std::string last = {};  // of a set that is opened by its last file, that one's name
 };
 constexpr unsigned kLast = std::numeric_limits<unsigned>::max();
-
-// The names in a folder, found in any case.
-class FolderNames {
- public:
-  // Only names that begin like `stem` are kept.
-  FolderNames(const std::string& folder, const std::string& stem) {
-    const std::string wanted = UpperCase(stem);
-    std::error_code error;  // what cannot be listed has no other volumes that could be found
-    const std::string listed = folder.empty() ? "." : folder;
-    for (fs::directory_iterator entry(fs::path(std::u8string(listed.begin(), listed.end())), error), end;
-         !error && entry != end; entry.increment(error)) {
-      const std::u8string name = entry->path().filename().u8string();
-      std::string bytes(name.begin(), name.end());
-      std::string upper = UpperCase(bytes);
-      if (upper.starts_with(wanted)) names_.emplace(std::move(upper), std::move(bytes));
-    }
-  }
-
-  // That name if it is there, else one that differs in case only, else nothing.
-  const std::string* Find(const std::string& name) const {
-    const auto [first, last] = names_.equal_range(UpperCase(name));
-    if (first == last) return nullptr;
-    const auto exact = std::find_if(first, last, [&](const auto& entry) { return entry.second == name; });
-    return exact != last ? &exact->second : &first->second;
-  }
-
- private:
-  std::multimap<std::string, std::string> names_;
-};
 
 std::string Padded(unsigned number, std::size_t width) {
   const std::string digits = std::to_string(number);
@@ -198,7 +167,7 @@ class Collector {
 
 VolumeSet FindVolumes(std::shared_ptr<const InputFile> file) {
   const std::string& path = file->Path();
-  const std::size_t cut = path.find_last_of(fs::path::preferred_separator == '/' ? "/" : "/\\") + 1;
+  const std::size_t cut = FolderSize(path);
   const std::string name = path.substr(cut);
   const std::vector<Numbering> numberings = NumberingsOf(name);
   if (numberings.empty()) {

@@ -1,0 +1,22 @@
+// Here the library keeps in UTF-16 what it has converted; its functions for bytes would lose what the code page has not.
+#include "archive/modules/common/libarchive_names.h"
+#include "platform/wide_win32.h"
+
+namespace quendle::modules {
+namespace {
+
+std::string TextOf(const wchar_t* name) {
+  return name == nullptr ? "" : platform::TextFromWide(name);
+}
+
+}  // namespace
+
+std::string PathnameOf(archive_entry* entry) {
+  return TextOf(archive_entry_pathname_w(entry));
+}
+
+std::string LinkTargetOf(archive_entry* entry) {
+  return TextOf(archive_entry_symlink_w(entry));
+}
+
+}  // namespace quendle::modules
