@@ -62,7 +62,7 @@ build_libarchive() {
   autoreconf -fi
   use_autotools --disable-bsdtar --disable-bsdcat --disable-bsdcpio --disable-acl --disable-xattr --without-openssl \
     --without-xml2 --without-expat --without-iconv --without-lz4 --without-libb2 --with-cng \
-    CPPFLAGS="-I$deps/include -DLZMA_API_STATIC"
+    CPPFLAGS="-I$deps/include -DLZMA_API_STATIC -DLIBARCHIVE_STATIC"
   make -j"$jobs" install
   sed -i 's/^Cflags:.*/& -DLIBARCHIVE_STATIC/' "$deps/lib/pkgconfig/libarchive.pc"
 }

@@ -1,10 +1,8 @@
 #include "core/clsMover.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <ctime>
 
+#include "support/picture.h"
 #include "support/run.h"
 
 namespace quendle {
@@ -17,8 +15,7 @@ using Titles = std::vector<std::string>;
 void Date(const std::string& path) {
   std::tm local = {};
   local.tm_year = 103, local.tm_mon = 10, local.tm_mday = 7, local.tm_hour = 12, local.tm_isdst = -1;
-  const timespec times[2] = {{std::mktime(&local), 0}, {std::mktime(&local), 0}};
-  ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+  test::SetWriteTime(path, std::mktime(&local));
 }
 
 GTEST_TEST(ClsMover, CommandLinePathsAreMadeAbsolute) {

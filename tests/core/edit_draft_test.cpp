@@ -1,10 +1,8 @@
 #include "core/edit_draft.h"
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <functional>
 #include <initializer_list>
+#include <thread>
 
 #include "base/text.h"
 #include "core/edit_keys.h"
@@ -205,16 +203,18 @@ GTEST_TEST(EditDraft, LongValuesAreShownWhole) {
 GTEST_TEST(EditDraft, NobodyWritesBetweenComparingAndSaving) {
   const test::Settings settings("[A]\nInclude=\n");
   constexpr int kRounds = 40;
-  const pid_t child = fork();
-  for (int done = 0; done < kRounds;) {
-    EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
-    draft.SetText(kInclude, draft.Text(kInclude) + (child == 0 ? "c" : "p"));
-    EditDraft::Comparison comparison;
-    if (!draft.Save(&comparison).ok()) break;
-    if (comparison.IsSettled()) ++done;
-  }
-  if (child == 0) _exit(0);
-  EXPECT_EQ(waitpid(child, nullptr, 0), child);
+  const auto write = [&settings](const char* letter) {
+    for (int done = 0; done < kRounds;) {
+      EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
+      draft.SetText(kInclude, draft.Text(kInclude) + letter);
+      EditDraft::Comparison comparison;
+      if (!draft.Save(&comparison).ok()) break;
+      if (comparison.IsSettled()) ++done;
+    }
+  };
+  std::thread other(write, "c");
+  write("p");
+  other.join();
   EXPECT_EQ(DraftOf(settings, clsPropItem::kEditingProfile).Text(kInclude).size(), 2U * kRounds);
 }
 

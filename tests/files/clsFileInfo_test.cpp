@@ -1,11 +1,10 @@
 #include "files/clsFileInfo.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <ctime>
 
+#include "support/picture.h"
 #include "support/temp_folder.h"
+#include "support/time_zone.h"
 
 namespace quendle {
 namespace {
@@ -61,11 +60,9 @@ GTEST_TEST(ClsFileInfo, TimesAreLocal) {
   local.tm_hour = 23;
   local.tm_min = 30;
   local.tm_isdst = -1;
-  for (const char* zone : {"UTC0", "JST-9", "EST5"}) {
-    setenv("TZ", zone, 1);
-    tzset();
-    const timespec moment[2] = {{std::mktime(&local), 0}, {std::mktime(&local), 0}};
-    ASSERT_EQ(utimensat(AT_FDCWD, (folder / "x").c_str(), moment, 0), 0);
+  for (const char* zone : test::kZones) {
+    const test::TimeZone changed(zone);
+    test::SetWriteTime(folder / "x", std::mktime(&local));
     clsFileInfo info;
     ASSERT_TRUE(info.SetFilename(folder / "x"));
     EXPECT_EQ(info.WriteDay().year, 2003);
@@ -73,8 +70,6 @@ GTEST_TEST(ClsFileInfo, TimesAreLocal) {
     EXPECT_EQ(info.WriteDay().day, 7U);
     EXPECT_NEAR(info.pTimeWrite(), 37932 + 23.5 / 24, 1e-6) << zone;
   }
-  unsetenv("TZ");
-  tzset();
 }
 
 }  // namespace

@@ -2,7 +2,8 @@
 
 #include <filesystem>
 
-#include "support/file_systems.h"
+#include "support/picture.h"
+#include "support/scoped_variable.h"
 #include "support/scripted_user.h"
 #include "support/temp_folder.h"
 
@@ -163,7 +164,7 @@ TEST_F(FileOperationClass, DeletingAsksUnlessItCanBeUndone) {
   struct Row {
     bool responds, undo, answer, asks, deleted;
   };
-  setenv("XDG_DATA_HOME", (folder_ / "data").c_str(), 1);
+  const test::ScopedVariable data("XDG_DATA_HOME", folder_ / "data");
   for (const Row& row : {Row{false, false, false, true, false}, Row{false, false, true, true, true},
                          Row{true, false, false, false, true}, Row{false, true, false, false, true}}) {
     WriteFile(folder_ / "f", "f");
@@ -177,7 +178,6 @@ TEST_F(FileOperationClass, DeletingAsksUnlessItCanBeUndone) {
     EXPECT_EQ(fs::exists(folder_ / "f"), !row.deleted);
     EXPECT_EQ(fs::exists(folder_ / "data/Trash/files/f"), row.undo);
   }
-  unsetenv("XDG_DATA_HOME");
 }
 
 TEST_F(FileOperationClass, ProgressIsShownAsAskedAndEndsOnce) {

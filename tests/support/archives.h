@@ -84,7 +84,7 @@ inline std::string Pack(const char* format, const std::string& options,
   for (const PackedEntry& packed : entries) {
     archive_entry* entry = archive_entry_new();
     archive_entry_set_pathname_utf8(entry, packed.name.c_str());
-    archive_entry_set_mode(entry, packed.mode);
+    archive_entry_set_mode(entry, static_cast<decltype(archive_entry_mode(entry))>(packed.mode));
     archive_entry_set_mtime(entry, packed.seconds, packed.nanoseconds);
     const bool is_link = (packed.mode & AE_IFMT) == AE_IFLNK;
     if (is_link) archive_entry_set_symlink(entry, packed.content.c_str());

@@ -1,16 +1,13 @@
-// Places to test in, and pictures of what is there.
+// Places to test in, and what they are.
 #pragma once
 
 #include <filesystem>
-#include <fstream>
-#include <functional>
-#include <map>
 #include <string>
 
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "support/temp_folder.h"
+#include "support/picture.h"
 
 namespace quendle::test {
 
@@ -31,30 +28,6 @@ inline std::string OtherFileSystem() {
       return folder;
   }
   return "";
-}
-
-// Every entry below the folder, hidden ones too, with enough about it to notice any change of content.
-inline std::map<std::string, std::string> Picture(const std::string& folder) {
-  namespace fs = std::filesystem;
-  std::map<std::string, std::string> picture;
-  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
-    const fs::path& path = entry.path();
-    std::string& what = picture[path.lexically_relative(folder).string()];
-    if (entry.is_symlink()) {
-      what = "link to " + fs::read_symlink(path).string();
-    } else if (entry.is_directory()) {
-      what = "folder";
-    } else if (entry.is_regular_file()) {
-      std::string bytes(entry.file_size(), 0);
-      std::ifstream(path, std::ios::binary).read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-      what = bytes.size() < 100
-                 ? "file " + bytes
-                 : std::to_string(bytes.size()) + " " + std::to_string(std::hash<std::string>{}(bytes));
-    } else {
-      what = "other";
-    }
-  }
-  return picture;
 }
 
 // Root may write everywhere; while this lives the process is somebody else if it can be.
