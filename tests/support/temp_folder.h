@@ -18,6 +18,11 @@ inline std::string Native(std::string path) {
   return path;
 }
 
+// An absolute path that a test writes as on POSIX, as the system writes one: "/a/b" => "C:\a\b" on Windows.
+inline std::string Rooted(const std::string& path) {
+  return kSeparator == '/' ? path : "C:" + Native(path);
+}
+
 // The library takes plain strings for text of the C locale, save on POSIX.
 inline std::filesystem::path FsPath(const std::string& path) {
   return std::filesystem::path(std::u8string(path.begin(), path.end()));
