@@ -1,5 +1,7 @@
 #include "archive/archiver_table.h"
 
+#include "base/modString.h"
+
 namespace quendle {
 namespace {
 

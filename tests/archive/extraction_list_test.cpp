@@ -1,5 +1,7 @@
 #include "archive/extraction_list.h"
 
+#include "platform/entry_path.h"
+
 namespace quendle {
 namespace {
 

@@ -88,7 +88,7 @@ inline std::string Pack(const char* format, const std::string& options,
     archive_entry_set_mode(entry, static_cast<decltype(archive_entry_mode(entry))>(packed.mode));
     archive_entry_set_mtime(entry, packed.seconds, packed.nanoseconds);
     const bool is_link = (packed.mode & AE_IFMT) == AE_IFLNK;
-    if (is_link) archive_entry_copy_symlink_w(entry, FsPath(packed.content).wstring().c_str());
+    if (is_link) archive_entry_set_symlink(entry, packed.content.c_str());
     archive_entry_set_size(entry, is_link ? 0 : static_cast<la_int64_t>(packed.content.size()));
     good = good && archive_write_header(writer, entry) == ARCHIVE_OK;
     if (!is_link && !packed.content.empty()) {

@@ -59,13 +59,18 @@ class TempFolder {
   std::string path_;
 };
 
+// What Windows makes of a path is not wanted: it takes dots and blanks off the end of a name.
+inline std::filesystem::path ExactPath(const std::string& path) {
+  return FsPath(path.substr(1, 2) == ":\\" ? "\\\\?\\" + Native(path) : path);
+}
+
 inline void WriteFile(const std::string& path, const std::string& bytes) {
   std::filesystem::create_directories(FsPath(path).parent_path());
-  std::ofstream(FsPath(path), std::ios::binary) << bytes;
+  std::ofstream(ExactPath(path), std::ios::binary) << bytes;
 }
 
 inline std::string ReadFile(const std::string& path) {
-  std::ifstream in(FsPath(path), std::ios::binary);
+  std::ifstream in(ExactPath(path), std::ios::binary);
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
