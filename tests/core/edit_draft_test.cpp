@@ -150,11 +150,11 @@ GTEST_TEST(EditDraft, ProblemsAreFound) {
     bool can_be_saved;
   } rows[] = {
       {kMoveTo, "", "", false},
-      {kMoveTo, "/a/..b/c", "", false},
+      {kMoveTo, test::Rooted("/a/..b/c"), "", false},
       {kMoveTo, "a/b", "フォルダが絶対パス", false},
-      {kMoveTo, "/a/../b", "フォルダの指定に「..」", false},
-      {kMoveTo, std::string("/").append(1020, 'x'), "", false},
-      {kMoveTo, std::string("/").append(1021, 'x'), "長すぎて", false},
+      {kMoveTo, test::Rooted("/a/../b"), "フォルダの指定に「..」", false},
+      {kMoveTo, test::Rooted("/").append(1018, 'x'), "", false},
+      {kMoveTo, test::Rooted("/").append(1021, 'x'), "長すぎて", false},
       {kInclude, "*.c\n*.d", "改行", false},
       {kExclude, std::string(1022, 'x'), "長すぎて", false},
       {kInclude, ".*\\.c;;a/.*;", "", false},
