@@ -37,6 +37,7 @@ GTEST_TEST(ProfilePattern, OfNames) {
   const test::TempFolder folder;
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
+    if (kHostStyle == PathStyle::kWindows && !platform::IsUtf8(row.name)) continue;  // names are text there
     test::WriteFile(folder / row.name, "");
     clsFileInfo target;
     ASSERT_TRUE(target.SetFilename(folder / row.name));
