@@ -278,9 +278,9 @@ GTEST_TEST(ClsMover, OpensWhatWasExtracted) {
   const test::TempFolder folder;
   test::WriteFile(folder / "x.zip", "x");
   const std::string to = test::Rooted("/e");
-  test::Run run(
-      "[p]\nID=1\nAction=1\nOpenDir=1\nExtractType=2\nExtractTo=" + to + "\nOpenFile=readme.txt; sub/b.html;;\n", "",
-      {folder / "x.zip"});
+  test::Run run("[p]\nID=1\nAction=1\nOpenDir=1\nExtractType=2\nExtractTo=" + to +
+                    "\nOpenFile=readme.txt; sub/b.html;;\n",
+                "", {folder / "x.zip"});
   run.archiver->type = 1;
   ASSERT_TRUE(run.mover->SetTarget().ok());
   run.mover->GetAccordantTitles();
@@ -291,7 +291,8 @@ GTEST_TEST(ClsMover, OpensWhatWasExtracted) {
   EXPECT_EQ(run.archiver->extracted, (Titles{folder / "x.zip" + " to " + to}));
   EXPECT_EQ(run.archiver->EXTRACTTYPE, 2);
   EXPECT_EQ(run.user.opened_folders, (Titles{to}));
-  EXPECT_EQ(run.user.opened_files, (Titles{to + test::kSeparator + "readme.txt", to + test::kSeparator + "sub/b.html"}));
+  EXPECT_EQ(run.user.opened_files,
+            (Titles{to + test::kSeparator + "readme.txt", to + test::kSeparator + "sub/b.html"}));
   run.mover->OPENDIR = false;
   EXPECT_TRUE(run.mover->ActionMain());
   EXPECT_EQ(run.user.opened_folders.size(), 1U);

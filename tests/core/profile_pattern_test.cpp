@@ -1,5 +1,6 @@
 #include "core/profile_pattern.h"
 
+#include "base/modString.h"
 #include "base/regex.h"
 #include "platform/unicode.h"
 #include "support/temp_folder.h"
