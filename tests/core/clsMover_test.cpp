@@ -2,6 +2,8 @@
 
 #include <ctime>
 
+#include "base/modString.h"
+#include "platform/unicode.h"
 #include "support/picture.h"
 #include "support/run.h"
 
