@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#undef ReplaceFile  // a macro there, and a function of platform/durable_file.h
+
 #include <string>
 #include <string_view>
 #include <utility>
