@@ -139,4 +139,10 @@ void KeepOnScreen(QWidget* form) {
   if (top < place.top()) form->move(place.left(), top);
 }
 
+QColor MixedColour(const QColor& ground, const QColor& colour, int percent) {
+  const auto mix = [percent](int a, int b) { return a + (b - a) * percent / 100; };
+  return {mix(ground.red(), colour.red()), mix(ground.green(), colour.green()),
+          mix(ground.blue(), colour.blue())};
+}
+
 }  // namespace quendle

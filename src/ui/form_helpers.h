@@ -1,6 +1,7 @@
 // What all windows share.
 #pragma once
 
+#include <QColor>
 #include <QFont>
 #include <QWidget>
 #include <string>
@@ -45,5 +46,8 @@ void CentreOnScreen(QWidget* form);
 
 // Moves a window that has grown up until its lower edge is on the screen, but not beyond the upper one.
 void KeepOnScreen(QWidget* form);
+
+// ground with so many percent of colour in it, opaque.
+QColor MixedColour(const QColor& ground, const QColor& colour, int percent);
 
 }  // namespace quendle

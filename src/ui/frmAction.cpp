@@ -203,9 +203,11 @@ void frmAction::ApplyFolder() {
   for (QWidget* control : controls) control->setVisible(is_file);
   mnuEdit[11]->setVisible(is_file);
   mnuEdit[16]->setVisible(is_file);
-  for (QGroupBox* frame : fra) frame->layout()->activate();
-  body_->layout()->activate();
-  layout()->activate();
+  if (isVisible()) {  // what is not shown yet has no sizes that could be out of date
+    for (QGroupBox* frame : fra) frame->layout()->activate();
+    body_->layout()->activate();
+    layout()->activate();
+  }
   setFixedHeight(layout()->totalSizeHint().height());
   if (isVisible()) KeepOnScreen(this);
 }

@@ -232,8 +232,9 @@ void frmAction::ArrangeControls() {
 void frmAction::FinishControls() {
   for (QLineEdit* field : txt) field->setMinimumWidth(fontMetrics().averageCharWidth() * kFieldCharacters);
   for (std::size_t i = 3; i <= 5; ++i) cmd[i]->setFixedWidth(cmd[i]->sizeHint().height() * 5 / 4);
-  for (QComboBox* combo : cbo) combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-  cbo[1]->setMinimumContentsLength(14);
+  // Long names of profiles do not widen the window.
+  cbo[0]->setMinimumContentsLength(1);
+  cbo[0]->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
   txt[0]->setReadOnly(true);
   for (std::size_t i = 1; i <= kActionRows; ++i) SelectAllOnFocus(txt[i]);
   // Files cannot be dropped here, and the pointer is to show it.

@@ -9,6 +9,7 @@
 #include "base/display.h"
 #include "core/failure_text.h"
 #include "platform/unicode.h"
+#include "ui/form_helpers.h"
 #include "ui/hints.h"
 #include "ui/text.h"
 
@@ -39,10 +40,7 @@ const ProfileRow::Folder& FolderOf(const ProfileRow& row, int column) {
 // Paler than text, but not too pale to be read.
 QColor DimColour() {
   const QPalette theme = QGuiApplication::palette();
-  const QColor text = theme.color(QPalette::Text);
-  const QColor base = theme.color(QPalette::Base);
-  const auto mix = [](int a, int b) { return (a * 55 + b * 45) / 100; };
-  return QColor(mix(text.red(), base.red()), mix(text.green(), base.green()), mix(text.blue(), base.blue()));
+  return MixedColour(theme.color(QPalette::Text), theme.color(QPalette::Base), 45);
 }
 
 }  // namespace
