@@ -34,7 +34,7 @@ inline std::string TextOf(const std::filesystem::path& path) {
 
 // What Windows makes of a path is not wanted: it takes dots and blanks off the end of a name.
 inline std::filesystem::path ExactPath(const std::string& path) {
-  return FsPath(path.substr(1, 2) == ":\\" ? "\\\\?\\" + Native(path) : path);
+  return FsPath(path.size() > 2 && path.compare(1, 2, ":\\") == 0 ? "\\\\?\\" + Native(path) : path);
 }
 
 class TempFolder {
