@@ -79,9 +79,11 @@ build_lhasa() {
   cp liblhasa.pc "$deps/lib/pkgconfig"
 }
 
+# Its interface speaks of off_t, which is as wide as it was built.
 build_libmspack() {
   use_autotools
   make -j"$jobs" install
+  sed -i 's/^Cflags:.*/& -D_FILE_OFFSET_BITS=64/' "$deps/lib/pkgconfig/libmspack.pc"
 }
 
 build_pcre2() {

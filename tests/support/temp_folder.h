@@ -32,6 +32,11 @@ inline std::string TextOf(const std::filesystem::path& path) {
   return {text.begin(), text.end()};
 }
 
+// What Windows makes of a path is not wanted: it takes dots and blanks off the end of a name.
+inline std::filesystem::path ExactPath(const std::string& path) {
+  return FsPath(path.size() > 2 && path.compare(1, 2, ":\\") == 0 ? "\\\\?\\" + Native(path) : path);
+}
+
 class TempFolder {
  public:
   // `parent` chooses the file system.
@@ -47,7 +52,7 @@ class TempFolder {
   }
   ~TempFolder() {
     std::error_code ignored;  // a test that took rights away gives them back itself
-    std::filesystem::remove_all(FsPath(path_), ignored);
+    std::filesystem::remove_all(ExactPath(path_), ignored);
   }
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;
@@ -58,11 +63,6 @@ class TempFolder {
  private:
   std::string path_;
 };
-
-// What Windows makes of a path is not wanted: it takes dots and blanks off the end of a name.
-inline std::filesystem::path ExactPath(const std::string& path) {
-  return FsPath(path.substr(1, 2) == ":\\" ? "\\\\?\\" + Native(path) : path);
-}
 
 inline void WriteFile(const std::string& path, const std::string& bytes) {
   std::filesystem::create_directories(FsPath(path).parent_path());
