@@ -198,11 +198,13 @@ void frmAction::ApplyExtraction() {
 // A folder has nothing to be extracted and no profile of its own. The height follows; the width is the
 // user's.
 void frmAction::ApplyFolder() {
-  const bool is_file = !form_.View().is_folder;
-  const std::initializer_list<QWidget*> controls = {fra[1], fra[2], lbl[1], chk[0], txt[1], cmd[3], cmd[2]};
-  for (QWidget* control : controls) control->setVisible(is_file);
-  mnuEdit[11]->setVisible(is_file);
-  mnuEdit[16]->setVisible(is_file);
+  const bool is_folder = form_.View().is_folder;
+  if (std::exchange(shows_folder_, is_folder) != is_folder) {
+    const std::initializer_list<QWidget*> controls = {fra[1], fra[2], lbl[1], chk[0], txt[1], cmd[3], cmd[2]};
+    for (QWidget* control : controls) control->setVisible(!is_folder);
+    mnuEdit[11]->setVisible(!is_folder);
+    mnuEdit[16]->setVisible(!is_folder);
+  }
   if (isVisible()) {  // what is not shown yet has no sizes that could be out of date
     for (QGroupBox* frame : fra) frame->layout()->activate();
     body_->layout()->activate();

@@ -134,6 +134,7 @@ class frmAction : public QDialog {
 
   QTimer plan_timer_;
   std::optional<bool> shows_archive_;  // in the window's picture
+  bool shows_folder_ = false;  // as the controls are made
   bool is_busy_ = false;               // a command runs, which may handle events
   std::exception_ptr fault_;           // thrown while a path was done
 };
