@@ -97,6 +97,7 @@ Result ReadRegularFile(const std::string& path, std::string* bytes) {
 
 // Says whether the file at `real`, if there is one, may be replaced. `*exists` tells whether there is.
 Result CheckReplaceable(const std::string& real, EntryStatus* old, bool* exists) {
+  if (NameOf(real).empty()) return SystemFailure(ERROR_FILE_NOT_FOUND, real);
   Result result = ReadStatus(real, old);
   *exists = result.ok();
   if (!*exists) return result.code == Code::kNotFound ? Success() : result;

@@ -10,10 +10,11 @@
 namespace quendle::platform {
 namespace {
 
-// Roots, "." and ".." are places, not entries that could be moved or removed.
+// Roots, "." and ".." are places and streams parts, not entries that could be moved or removed.
 Result CheckNamesEntry(const std::string& path) {
   const std::string name = NameOf(path);
-  if (!name.empty() && name != "." && name != "..") return Success();
+  const bool is_stream = kHostNames == NameRules::kWindows && name.find(':') != std::string::npos;
+  if (!name.empty() && name != "." && name != ".." && !is_stream) return Success();
   return Failure(Code::kRefused, path, "this is not the path of an entry in a folder");
 }
 

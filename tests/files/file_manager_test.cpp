@@ -12,7 +12,9 @@ GTEST_TEST(FileManager, TheConfiguredOne) {
   const test::TempFolder folder;
   const std::string program = folder / (kHostStyle == PathStyle::kWindows ? "bin/fm.exe" : "bin/fm");
   test::Recorder filer(program);
-  const test::ScopedVariable path("PATH", folder / "bin");
+  // What records is a script on POSIX.
+  const std::string path_end = kHostStyle == PathStyle::kWindows ? "" : ":/bin:/usr/bin";
+  const test::ScopedVariable path("PATH", folder / "bin" + path_end);
   const std::string out = folder / "o 'u' $t";
   std::filesystem::create_directory(test::FsPath(out));
   const struct {

@@ -1,63 +1,28 @@
-#include "platform/extraction_folder.h"
-
 #include <filesystem>
 #include <functional>
-#include <map>
 
-#include <fcntl.h>
-#include <signal.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include "support/file_systems.h"
-#include "support/temp_folder.h"
+#include "platform/entry_status.h"
+#include "platform/file_operation.h"
+#include "support/extraction.h"
+#include "support/scripted_observer.h"
 
 namespace quendle::platform {
 namespace {
 
 namespace fs = std::filesystem;
+using test::Entries;
+using test::ExtractionFolderTest;
 using Replace = ExtractionFolder::Replace;
 using Taken = ExtractionFolder::Taken;
-using Entries = std::map<std::string, std::string>;
-
-class ExtractionFolderTest : public testing::Test {
- protected:
-  void SetUp() override {
-    fs::permissions(destination_.path(), fs::perms::all);  // for tests without privileges
-    test::WriteFile(outside_ / "victim", "safe");
-    fs::create_directory(outside_ / "empty");
-    ASSERT_TRUE(ExtractionFolder::Open(destination_.path(), &folder_).ok());
-  }
-
-  Result Extract(const std::string& path, const std::string& content, Replace replace = Replace::kNothing,
-                 const EntryAttributes& attributes = {}) {
-    Result result = folder_->BeginFile(path, content.size());
-    if (result.ok()) result = folder_->Write(content);
-    return result.ok() ? folder_->CommitFile(path, attributes, replace) : result;
-  }
-  Taken Look(const std::string& path) {
-    ExtractionFolder::Occupant occupant;
-    EXPECT_TRUE(folder_->Look(path, &occupant).ok());
-    return occupant.taken;
-  }
-  Entries Inside() const { return test::Picture(destination_.path()); }
-  Entries Outside() const { return test::Picture(outside_.path()); }
-  std::string At(const std::string& path) const { return path.empty() ? "" : destination_ / path; }
-
-  test::TempFolder destination_;
-  test::TempFolder outside_;
-  std::unique_ptr<ExtractionFolder> folder_;
-};
 
 // Whatever is in the way, everything outside stays as it is, and so does what was inside.
 TEST_F(ExtractionFolderTest, HostileEntriesChangeNothing) {
   const auto link = [&](const std::string& name, const std::string& target) {
-    fs::create_directory_symlink(target, At(name));
+    return test::MakeLink(target, At(name));
   };
   struct Row {
     const char* what;
-    std::function<void()> prepare;
+    std::function<bool()> prepare;  // false: this machine cannot do that
     std::string path;
     Code code;
     std::string failed;  // below the destination; "=": the path itself, as it is no safe one
@@ -71,31 +36,35 @@ TEST_F(ExtractionFolderTest, HostileEntriesChangeNothing) {
     std::vector<Result> failures = folder_->Finish();
     return failures.empty() ? Success() : failures.front();
   };
-  const auto nothing = [] {};
-  const std::string up = "../" + fs::path(outside_.path()).filename().string();
+  const auto nothing = [] { return true; };
+  const auto can_link = [&] { return link("l", "x") && fs::remove(At("l")); };
+  const std::string up = "../" + test::TextOf(test::FsPath(outside_.path()).filename());
   const Row rows[] = {
       {"up", nothing, up + "/victim", Code::kRefused, "="},
       {"up later", nothing, "a/../" + up + "/victim", Code::kRefused, "="},
       {"absolute", nothing, outside_ / "victim", Code::kRefused, "="},
       {"a folder up", nothing, up + "/new", Code::kRefused, "=", make_folder},
       {"a link up", nothing, up + "/new", Code::kRefused, "=", add_link},
-      {"through a link", [&] { link("d", outside_.path()); }, "d/victim", Code::kNotFolder, "d"},
-      {"through a deep link", [&] { link("f/d", outside_.path()); }, "f/d/victim", Code::kNotFolder, "f/d"},
-      {"behind a link", [&] { link("d", outside_.path()); }, "d/empty/x", Code::kNotFolder, "d"},
-      {"a folder through a link", [&] { link("d", outside_.path()); }, "d/x", Code::kNotFolder, "d",
+      {"through a link", [&] { return link("d", outside_.path()); }, "d/victim", Code::kNotFolder, "d"},
+      {"through a deep link", [&] { return link("f/d", outside_.path()); }, "f/d/victim", Code::kNotFolder,
+       "f/d"},
+      {"behind a link", [&] { return link("d", outside_.path()); }, "d/empty/x", Code::kNotFolder, "d"},
+      {"a folder through a link", [&] { return link("d", outside_.path()); }, "d/x", Code::kNotFolder, "d",
        make_folder},
-      {"a folder onto a link", [&] { link("d", outside_.path()); }, "d", Code::kNotFolder, "d", make_folder},
-      {"a link through a link", [&] { link("d", outside_.path()); }, "d/x", Code::kNotFolder, "=", add_link},
-      {"through a dangling link", [&] { link("d", outside_ / "new"); }, "d/x", Code::kNotFolder, "d"},
+      {"a folder onto a link", [&] { return link("d", outside_.path()); }, "d", Code::kNotFolder, "d",
+       make_folder},
+      {"a link through a link", [&] { return link("d", outside_.path()); }, "d/x", Code::kNotFolder, "=",
+       add_link},
+      {"through a dangling link", [&] { return link("d", outside_ / "new"); }, "d/x", Code::kNotFolder, "d"},
       {"below a file", nothing, "f/file/x", Code::kNotFolder, "f/file"},
-      {"below a pipe", [&] { mkfifo(At("p").c_str(), 0666); }, "p/x", Code::kNotFolder, "p"},
+      {"below a pipe", [&] { return test::MakePipe(At("p")); }, "p/x", Code::kNotFolder, "p"},
       {"onto a folder", nothing, "f", Code::kIsFolder, "f"},
-      {"a link onto a folder", nothing, "f", Code::kIsFolder, "=", add_link},
+      {"a link onto a folder", can_link, "f", Code::kIsFolder, "=", add_link},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
     test::WriteFile(At("f/file"), "mine");
-    row.prepare();
+    if (!row.prepare()) continue;
     ASSERT_TRUE(ExtractionFolder::Open(destination_.path(), &folder_).ok());
     const Entries inside = Inside();
     const Entries outside = Outside();
@@ -111,49 +80,30 @@ TEST_F(ExtractionFolderTest, HostileEntriesChangeNothing) {
 }
 
 TEST_F(ExtractionFolderTest, WhatIsReplacedIsTheEntryItself) {
-  fs::create_symlink(outside_ / "victim", At("link"));
-  fs::create_symlink(outside_ / "new", At("dangling"));
-  fs::create_directory_symlink(outside_.path(), At("folder"));
-  mkfifo(At("pipe").c_str(), 0666);
+  Entries expected;
+  const std::pair<const char*, std::string> links[] = {
+      {"link", outside_ / "victim"}, {"dangling", outside_ / "new"}, {"folder", outside_.path()}};
+  for (const auto& [name, target] : links) {
+    if (test::MakeLink(target, At(name))) expected[name] = "file new";
+  }
+  if (test::MakePipe(At("pipe"))) expected["pipe"] = "file new";
+  test::WriteFile(At("file"), "old");
+  expected["file"] = "file new";
   const Entries outside = Outside();
-  for (const char* name : {"link", "dangling", "folder", "pipe"}) {
+  for (const auto& [name, content] : expected) {
     SCOPED_TRACE(name);
     EXPECT_EQ(Look(name), Taken::kFile);
     EXPECT_EQ(Extract(name, "new").code, Code::kExists);
     EXPECT_TRUE(Extract(name, "new", Replace::kFile).ok());
     EXPECT_EQ(Look(name), Taken::kOurs);
   }
-  EXPECT_EQ(
-      Inside(),
-      (Entries{
-          {"link", "file new"}, {"dangling", "file new"}, {"folder", "file new"}, {"pipe", "file new"}}));
+  EXPECT_EQ(Inside(), expected);
   EXPECT_EQ(Outside(), outside);
-}
-
-// The handle of a folder outlives its name.
-TEST_F(ExtractionFolderTest, FoldersReplacedMeanwhileLeadNowhere) {
-  const Entries outside = Outside();
-  EXPECT_TRUE(Extract("a/b/1", "1").ok());
-  ASSERT_TRUE(folder_->BeginFile("a/b/2", {}).ok());
-  fs::rename(At("a/b"), At("a/moved"));
-  fs::create_directory_symlink(outside_.path(), At("a/b"));
-  EXPECT_TRUE(folder_->CommitFile("a/b/2", {}, Replace::kFile).ok());
-  EXPECT_TRUE(Extract("a/b/victim", "3", Replace::kFile).ok());
-  EXPECT_TRUE(Extract("c", "c").ok());
-  EXPECT_EQ(Extract("a/b/victim", "4", Replace::kFile).code, Code::kNotFolder);
-  EXPECT_EQ(Outside(), outside);
-  EXPECT_EQ(Inside(), (Entries{{"a", "folder"},
-                               {"a/b", "link to " + outside_.path()},
-                               {"a/moved", "folder"},
-                               {"a/moved/1", "file 1"},
-                               {"a/moved/2", "file "},
-                               {"a/moved/victim", "file 3"},
-                               {"c", "file c"}}));
 }
 
 TEST_F(ExtractionFolderTest, LinksComeLastAndNothingIsWrittenThroughThem) {
   test::WriteFile(At("old"), "old");
-  fs::create_symlink(outside_ / "victim", At("old link"));
+  if (!test::MakeLink(outside_ / "victim", At("old link"))) GTEST_SKIP() << "no links can be made here";
   const Entries outside = Outside();
   const struct {
     const char* path;
@@ -207,7 +157,9 @@ TEST_F(ExtractionFolderTest, EntriesOfEqualNamesAreToldApart) {
   EXPECT_EQ(Inside().count("none"), 0U);
 
   EXPECT_TRUE(Extract("a/b.txt", "new", Replace::kFile).ok());
-  fs::create_hard_link(At("a/b.txt"), At("a/B.TXT"));  // what a file system without letter case makes of it
+  // Where letter case tells names apart, they are made one as other file systems have it.
+  const bool are_one = fs::exists(At("a/B.TXT"));
+  if (!are_one) fs::create_hard_link(At("a/b.txt"), At("a/B.TXT"));
   EXPECT_EQ(Look("a/B.TXT"), Taken::kOurs);
   ASSERT_TRUE(folder_->BeginFile("a/B.TXT", {}).ok());
   EXPECT_EQ(folder_->CommitFile("a/B.TXT", {}, Replace::kNothing).code, Code::kExists);
@@ -219,37 +171,34 @@ TEST_F(ExtractionFolderTest, EntriesOfEqualNamesAreToldApart) {
     ASSERT_TRUE(folder_->BeginFile("a/B.TXT", {}).ok());
   }
   folder_.reset();
-  EXPECT_EQ(Inside(), (Entries{{"a", "folder"},
-                               {"a/b.txt", "file new"},
-                               {"a/B.TXT", "file new"},
-                               {"a/B (2).TXT", "file "},
-                               {"a/B (3).TXT", "file "}}));
+  Entries expected{{"a", "folder"},
+                   {"a/b.txt", "file new"},
+                   {"a/B.TXT", "file new"},
+                   {"a/B (2).TXT", "file "},
+                   {"a/B (3).TXT", "file "}};
+  if (are_one) expected.erase("a/B.TXT");
+  EXPECT_EQ(Inside(), expected);
 }
 
-TEST_F(ExtractionFolderTest, TimesAndModesAreSet) {
-  const mode_t umask_before = umask(027);
-  EntryAttributes attributes{EntryTime{1'000'000'000, 123'456'700}, true};
+TEST_F(ExtractionFolderTest, TimesAreSet) {
+  const auto time_of = [this](const std::string& path) {
+    EntryStatus status;
+    EXPECT_TRUE(ReadStatus(At(path), &status).ok()) << path;
+    return status.write_time;
+  };
+  const EntryTime then{1'000'000'000, 123'456'700};
+  EntryAttributes attributes{then, true};
   fs::create_directory(At("old"));
-  const struct stat old = test::StatusOf(At("old"));
   ASSERT_TRUE(folder_->MakeFolder("d/e", attributes).ok());
   ASSERT_TRUE(folder_->MakeFolder("d", attributes).ok());
   EXPECT_TRUE(Extract("d/e/run", "x", Replace::kNothing, attributes).ok());
   attributes = {EntryTime{-1, 2'000'000'000}, false};  // before 1970, with a fraction that makes no sense
   EXPECT_TRUE(Extract("d/text", "x", Replace::kNothing, attributes).ok());
-  fs::last_write_time(At("old"), fs::file_time_type::clock::now() - std::chrono::hours(1));
-  const struct stat aged = test::StatusOf(At("old"));
+  const EntryTime old = time_of("old");
   EXPECT_TRUE(folder_->Finish().empty());
-  umask(umask_before);
-  for (const char* path : {"d", "d/e", "d/e/run"}) {
-    SCOPED_TRACE(path);
-    EXPECT_EQ(test::StatusOf(At(path)).st_mtim.tv_sec, 1'000'000'000);
-    EXPECT_EQ(test::StatusOf(At(path)).st_mtim.tv_nsec, 123'456'700);
-    EXPECT_EQ(test::StatusOf(At(path)).st_mode & 07777U, 0750U);
-  }
-  EXPECT_EQ(test::StatusOf(At("d/text")).st_mtim.tv_sec, -1);
-  EXPECT_EQ(test::StatusOf(At("d/text")).st_mode & 07777U, 0640U);
-  EXPECT_LT(aged.st_mtim.tv_sec, old.st_mtim.tv_sec);
-  EXPECT_EQ(test::StatusOf(At("old")).st_mtim.tv_sec, aged.st_mtim.tv_sec);
+  for (const char* path : {"d", "d/e", "d/e/run"}) EXPECT_EQ(time_of(path), then) << path;
+  EXPECT_EQ(time_of("d/text").seconds, -1);
+  EXPECT_EQ(time_of("old"), old);
 }
 
 TEST_F(ExtractionFolderTest, SizesMayBeOtherThanExpected) {
@@ -267,12 +216,16 @@ TEST_F(ExtractionFolderTest, SizesMayBeOtherThanExpected) {
 
 TEST_F(ExtractionFolderTest, PathsMayBeDeeperThanOpenFilesAllow) {
   std::string path;
-  for (int i = 0; i < 1500; ++i) path += "d/";
+  const int depth = test::kSeparator == '/' ? 1500 : 200;  // Wine would take minutes
+  for (int i = 0; i < depth; ++i) path += "d/";
   EXPECT_TRUE(Extract(path + "1", "1").ok());
   EXPECT_TRUE(Extract(path + "2", "2").ok());
   EXPECT_TRUE(Extract(path.substr(0, 200) + "3", "3").ok());
   EXPECT_EQ(Look(path + "2"), Taken::kOurs);
-  EXPECT_EQ(test::ReadFile(At(path.substr(0, 200) + "3")), "3");
+  EXPECT_EQ(Look(path.substr(0, 200) + "3"), Taken::kOurs);
+  folder_.reset();
+  test::ScriptedObserver observer;  // the library does not remove such paths everywhere
+  EXPECT_TRUE(DeleteEntry(At("d"), {}, &observer).ok());
 }
 
 TEST_F(ExtractionFolderTest, FailuresSayWhyAndLeaveNothing) {
@@ -282,76 +235,13 @@ TEST_F(ExtractionFolderTest, FailuresSayWhyAndLeaveNothing) {
   EXPECT_EQ(ExtractionFolder::Open(At("file"), &folder_).code, Code::kNotFolder);
   fs::remove(At("file"));
 
-  fs::create_directory(At("locked"));
-  fs::permissions(At("locked"), fs::perms(0555));
-  {
-    const test::WithoutPrivileges nobody;
-    if (geteuid() != 0) {
-      result = Extract("locked/x", "x");
-      EXPECT_EQ(result.code, Code::kDenied);
-      EXPECT_EQ(result.path, At("locked/x"));
-      result = folder_->MakeFolder("locked/d/e", {});
-      EXPECT_EQ(result.code, Code::kDenied);
-      EXPECT_EQ(result.path, At("locked/d"));
-    }
-  }
-  EXPECT_EQ(Inside(), (Entries{{"locked", "folder"}}));
-
   EXPECT_EQ(folder_->Write("x").code, Code::kRefused);
   EXPECT_EQ(folder_->CommitFile("x", {}, Replace::kFile).code, Code::kRefused);
   ASSERT_TRUE(folder_->BeginFile("kept", {}).ok());
   ASSERT_TRUE(folder_->BeginFile("discarded", {}).ok());
-  EXPECT_EQ(Inside().size(), 2U);
-  folder_->DiscardFile();
   EXPECT_EQ(Inside().size(), 1U);
-
-  fs::remove_all(destination_.path());
-  result = Extract("d/x", "x");
-  EXPECT_EQ(result.code, Code::kNotFound);
-  EXPECT_EQ(result.path, At("d"));
-}
-
-TEST_F(ExtractionFolderTest, FilesFollowADestinationThatIsRenamed) {
-  EXPECT_TRUE(Extract("d/1", "1").ok());
-  const std::string moved = destination_.path() + "-moved";
-  fs::rename(destination_.path(), moved);
-  EXPECT_TRUE(Extract("d/2", "2").ok());
-  EXPECT_EQ(test::Picture(moved), (Entries{{"d", "folder"}, {"d/1", "file 1"}, {"d/2", "file 2"}}));
-  fs::rename(moved, destination_.path());
-}
-
-TEST_F(ExtractionFolderTest, AKillLeavesNothingIncompleteUnderItsName) {
-  test::WriteFile(At("old"), "old");
-  int started[2];
-  ASSERT_EQ(pipe(started), 0);
-  const pid_t child = fork();
-  ASSERT_GE(child, 0);
-  if (child == 0) {
-    const bool ok = Extract("whole", "whole").ok() && folder_->BeginFile("old", 1 << 20).ok() &&
-                    folder_->Write("half").ok() && folder_->AddLink("link", "whole", Replace::kFile).ok();
-    (void)!write(started[1], ok ? "y" : "n", 1);
-    for (;;) pause();
-  }
-  char answer = 0;
-  EXPECT_EQ(read(started[0], &answer, 1), 1);
-  EXPECT_EQ(answer, 'y');
-  kill(child, SIGKILL);
-  waitpid(child, nullptr, 0);
-  close(started[0]);
-  close(started[1]);
-  Entries inside = Inside();
-  const auto half = inside.begin();  // its name begins with a dot
-  EXPECT_TRUE(half->first.starts_with(".quendle-") && half->first.ends_with(".part")) << half->first;
-  inside.erase(half);
-  EXPECT_EQ(inside, (Entries{{"old", "file old"}, {"whole", "file whole"}}));
-}
-
-TEST_F(ExtractionFolderTest, AnExitLeavesNothingIncomplete) {
-  const auto exit_half_way = [&] {
-    if (Extract("whole", "whole").ok() && folder_->BeginFile("d/half", 1 << 20).ok()) std::exit(3);
-  };
-  EXPECT_EXIT(exit_half_way(), testing::ExitedWithCode(3), "");
-  EXPECT_EQ(Inside(), (Entries{{"d", "folder"}, {"whole", "file whole"}}));
+  folder_->DiscardFile();
+  EXPECT_TRUE(Inside().empty());
 }
 
 }  // namespace

@@ -1,68 +1,102 @@
 #include "platform/paths.h"
 
 #include "platform/known_folders.h"
+#include "support/file_systems.h"
 #include "support/scoped_variable.h"
-#include "support/temp_folder.h"
 
 namespace quendle::platform {
 namespace {
 
 namespace fs = std::filesystem;
 
-using test::ScopedVariable;
+using test::Native;
 
-GTEST_TEST(LongPath, ResolvesDotsAndKeepsLinks) {
+#ifdef _WIN32
+constexpr char kListSeparator[] = ";";
+constexpr char kProgram[] = "tool.exe";
+#else
+constexpr char kListSeparator[] = ":";
+constexpr char kProgram[] = "tool";
+#endif
+
+GTEST_TEST(LongPath, ResolvesDots) {
   const test::TempFolder folder;
-  const std::string root = fs::canonical(folder.path()).string();
-  test::WriteFile(root + "/Docs/ Report.txt ", "x");
-  fs::create_directory_symlink(root + "/Docs", root + "/link");
+  const std::string& root = folder.path();
+  test::WriteFile(folder / "Docs/表 Report.txt", "x");
+  const std::string top = test::TextOf(fs::path(root).root_path());
   const struct {
     std::string path;
     std::string expected;
   } rows[] = {
-      {root + "/Docs/ Report.txt ", root + "/Docs/ Report.txt "},
-      {root + "//Docs///", root + "/Docs"},
-      {root + "/Docs/./../Docs/ Report.txt ", root + "/Docs/ Report.txt "},
-      {root + "/link", root + "/link"},
-      {root + "/link/ Report.txt ", root + "/link/ Report.txt "},
-      {root + "/link/..", root},  // the parent of what the link names
-      {root + "/docs/none", ""},
-      {"/", "/"},
-      {"/..", "/"},
+      {folder / "Docs/表 Report.txt", folder / "Docs/表 Report.txt"},
+      {folder / "/Docs///", folder / "Docs"},
+      {folder / "Docs/./../Docs/表 Report.txt", folder / "Docs/表 Report.txt"},
+      {folder / "docs/none", ""},
+      {folder / "none/../Docs/none", ""},
+      {top, top},
+      {top + "..", top},
       {"", ""},
   };
   for (const auto& row : rows) EXPECT_EQ(LongPath(row.path), row.expected) << row.path;
-  fs::create_hard_link(root + "/Docs/ Report.txt ", root + "/Docs/ REPORT.TXT ");
-  EXPECT_EQ(LongPath(root + "/Docs/ Report.txt "), root + "/Docs/ Report.txt ") << "two names of one file";
-  EXPECT_EQ(LongPath("."), fs::current_path().string());
+  EXPECT_EQ(LongPath("."), CurrentFolder());
 }
 
 GTEST_TEST(SearchPath, SkipsTheCurrentFolderAndWhatCannotRun) {
   const test::TempFolder folder;
-  test::WriteFile(folder / "plain/tool", "x");
-  test::WriteFile(folder / "good/tool", "x");
-  fs::permissions(folder / "good/tool", fs::perms::owner_all);
-  fs::create_directories(folder / "folder/tool");
-  const ScopedVariable path(
-      "PATH", ".::relative:" + folder / "folder" + ":" + folder / "plain" + ":" + folder / "good");
-  EXPECT_EQ(FindOnSearchPath("tool"), folder / "good/tool");
+  test::WriteFile(folder / ("good/" + std::string(kProgram)), "x");
+  fs::permissions(folder / ("good/" + std::string(kProgram)), fs::perms::owner_all);
+  fs::create_directories(folder / ("folder/" + std::string(kProgram)));
+  std::string list = ".";
+  for (const std::string& entry :
+       {std::string(), std::string("relative"), folder / "folder", folder / "good"})
+    list += kListSeparator + entry;
+  const test::ScopedVariable path("PATH", list);
+  EXPECT_EQ(FindOnSearchPath("tool"), folder / ("good/" + std::string(kProgram)));
   EXPECT_EQ(FindOnSearchPath("other"), "");
 }
 
-GTEST_TEST(KnownFolders, FollowTheUsersSession) {
-  const test::TempFolder home;
-  const ScopedVariable home_variable("HOME", home.path());
-  const ScopedVariable config("XDG_CONFIG_HOME", "relative");
-  EXPECT_EQ(SettingsRoot(), home / ".config");
-  EXPECT_EQ(DownloadFolder(), home.path());
-  fs::create_directory(home / "Downloads");
-  EXPECT_EQ(DownloadFolder(), home / "Downloads");
-  test::WriteFile(home / ".config/user-dirs.dirs", "# comment\nXDG_DOWNLOAD_DIR=\"$HOME/ダウンロード\"\n");
-  EXPECT_EQ(DownloadFolder(), home / "ダウンロード");
-  test::WriteFile(home / ".config/user-dirs.dirs", "XDG_DOWNLOAD_DIR=\"$HOMEX/x\"\n");
-  EXPECT_EQ(DownloadFolder(), home / "Downloads");
-  const ScopedVariable absolute("XDG_CONFIG_HOME", "/etc/xdg/");
-  EXPECT_EQ(SettingsRoot(), "/etc/xdg");
+GTEST_TEST(Paths, TellWhatIsThere) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "d/e/f", "x");
+  EXPECT_TRUE(IsFolder(folder / "d") && IsFolder(folder / "d/") && !IsFolder(folder / "d/e/f"));
+  EXPECT_TRUE(IsTaken(folder / "d/e/f") && !IsTaken(folder / "d/none"));
+  EXPECT_EQ(MakeFolder(folder / "d").code, Code::kExists);
+  EXPECT_EQ(RemoveEmptyFolder(folder / "d/e").code, Code::kExists);
+  EXPECT_FALSE(RemoveEmptyFolder(folder / "d/e/f").ok());
+  EXPECT_FALSE(RemoveFile(folder / "d/e").ok());
+
+  test::WriteFile(folder / "other/e/g", "x");
+  EXPECT_FALSE(FoldersCollide(folder / "d", folder / "other"));
+  test::WriteFile(folder / "other/e/f", "x");
+  EXPECT_TRUE(FoldersCollide(folder / "d", folder / "other"));
+  EXPECT_FALSE(FoldersCollide(folder / "d", folder / "none"));
+
+  std::string temporary;
+  ASSERT_TRUE(MakeTemporaryFile(folder / "d", &temporary).ok());
+  EXPECT_TRUE(RemoveFile(temporary).ok());
+  EXPECT_FALSE(IsTaken(temporary));
+}
+
+GTEST_TEST(CheckPlace, LooksAtTheNearestFolderThatIsThere) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "file", "x");
+  EXPECT_TRUE(CheckPlace(folder / "new").ok());
+  EXPECT_TRUE(CheckPlace(folder / "new/deep/表").ok());
+  EXPECT_TRUE(CheckPlace(folder / "file").ok());
+  const Result below_file = CheckPlace(folder / "file/new");
+  EXPECT_EQ(below_file.code, Code::kNotFolder);
+  EXPECT_EQ(below_file.path, folder / "file");
+  EXPECT_FALSE(CheckPlace(folder / std::string(256, 'n')).ok());
+}
+
+GTEST_TEST(CheckNoLinks, FindsALinkOnTheWay) {
+  const test::TempFolder folder;
+  fs::create_directories(folder / "d/e");
+  EXPECT_TRUE(CheckNoLinks(folder.path(), Native("d/e/none")).ok());
+  if (!test::MakeLink(folder / "d", folder / "link")) GTEST_SKIP() << "no links can be made here";
+  const Result result = CheckNoLinks(folder.path(), Native("link/e"));
+  EXPECT_EQ(result.code, Code::kRefused);
+  EXPECT_EQ(result.path, folder / "link");
 }
 
 }  // namespace

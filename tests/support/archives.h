@@ -13,6 +13,7 @@
 
 #include "archive/modules/common/checksum.h"
 #include "archive/modules/common/family.h"
+#include "platform/unicode.h"
 #include "platform/utf8_locale.h"
 #include "support/temp_folder.h"
 
@@ -69,6 +70,20 @@ struct PackedEntry {
   std::int32_t nanoseconds = 0;
 };
 
+// Units of the system's own width; the C library's conversion would ask the locale.
+inline std::wstring WideName(std::string_view name) {
+  std::wstring wide;
+  for (char32_t character; !name.empty();) {
+    (void)platform::TakeCodePoint(&name, &character);
+    if (sizeof(wchar_t) == 2 && character > 0xFFFF) {
+      wide += static_cast<wchar_t>(0xD7C0 + (character >> 10));
+      character = 0xDC00 + (character & 0x3FF);
+    }
+    wide += static_cast<wchar_t>(character);
+  }
+  return wide;
+}
+
 // An archive by libarchive's writer for `format`, such as "zip" or "7zip", with its `options`. Empty when that
 // cannot write it.
 inline std::string Pack(const char* format, const std::string& options,
@@ -84,7 +99,7 @@ inline std::string Pack(const char* format, const std::string& options,
   good = good && archive_write_open_memory(writer, bytes.data(), bytes.size(), &used) == ARCHIVE_OK;
   for (const PackedEntry& packed : entries) {
     archive_entry* entry = archive_entry_new();
-    archive_entry_copy_pathname_w(entry, FsPath(packed.name).wstring().c_str());
+    archive_entry_copy_pathname_w(entry, WideName(packed.name).c_str());
     archive_entry_set_mode(entry, static_cast<decltype(archive_entry_mode(entry))>(packed.mode));
     archive_entry_set_mtime(entry, packed.seconds, packed.nanoseconds);
     const bool is_link = (packed.mode & AE_IFMT) == AE_IFLNK;

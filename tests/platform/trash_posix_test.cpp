@@ -7,6 +7,7 @@
 
 #include "platform/file_operation.h"
 #include "support/file_systems.h"
+#include "support/rights_posix.h"
 #include "support/scripted_observer.h"
 #include "support/temp_folder.h"
 
