@@ -49,8 +49,9 @@ GTEST_TEST(ClsFileInfo, WhatIsNotFoundLeavesNothing) {
     EXPECT_FALSE(info.SetFilename(path)) << path;
     EXPECT_EQ(info.pFilePathLong() + info.pFileNameLong() + info.pFolderPathLong(), "");
   }
-  ASSERT_TRUE(info.SetFilename(test::Rooted("/")));
-  EXPECT_EQ(info.pFilePathLong(), test::Rooted("/"));
+  if (kHostStyle == PathStyle::kWindows) return;  // a root is no entry of a folder there
+  ASSERT_TRUE(info.SetFilename("/"));
+  EXPECT_EQ(info.pFilePathLong(), "/");
 }
 
 GTEST_TEST(ClsFileInfo, TimesAreLocal) {

@@ -143,7 +143,7 @@ GTEST_TEST(GetTempFilePath, MakesOrNamesAFreeFile) {
   }
   EXPECT_EQ(GetTempFilePath(true, folder / "none"), "");
   const std::string elsewhere = GetTempFilePath(true, "");
-  EXPECT_TRUE(fs::equivalent(fs::path(elsewhere).parent_path(), fs::temp_directory_path()));
+  EXPECT_EQ(fs::path(elsewhere).parent_path() / "", fs::temp_directory_path() / "");
   EXPECT_TRUE(fs::remove(elsewhere));
 }
 

@@ -7,6 +7,7 @@
 
 #include "archive/clsArchiver.h"
 #include "platform/library.h"
+#include "support/picture.h"
 #include "support/scoped_variable.h"
 #include "support/scripted_user.h"
 #include "support/settings.h"
@@ -57,7 +58,7 @@ class ArchiverBench {
     for (std::size_t at; (at = calls.find(folder.path())) != std::string::npos;) {
       calls.replace(at, folder.path().size(), "~");
     }
-    return calls;
+    return Slashed(calls);
   }
 
   std::ptrdiff_t ResponseFilesLeft() const {
