@@ -62,7 +62,7 @@ build_libarchive() {
   autoreconf -fi
   use_autotools --disable-bsdtar --disable-bsdcat --disable-bsdcpio --disable-acl --disable-xattr --without-openssl \
     --without-xml2 --without-expat --without-iconv --without-lz4 --without-libb2 --with-cng \
-    CPPFLAGS="-I$deps/include -DLZMA_API_STATIC"
+    CPPFLAGS="-I$deps/include -DLZMA_API_STATIC -DLIBARCHIVE_STATIC"
   make -j"$jobs" install
   sed -i 's/^Cflags:.*/& -DLIBARCHIVE_STATIC/' "$deps/lib/pkgconfig/libarchive.pc"
 }
@@ -79,14 +79,17 @@ build_lhasa() {
   cp liblhasa.pc "$deps/lib/pkgconfig"
 }
 
+# Its interface speaks of off_t, which is as wide as it was built.
 build_libmspack() {
   use_autotools
   make -j"$jobs" install
+  sed -i 's/^Cflags:.*/& -D_FILE_OFFSET_BITS=64/' "$deps/lib/pkgconfig/libmspack.pc"
 }
 
 build_pcre2() {
   use_cmake -DPCRE2_SUPPORT_JIT=ON -DPCRE2_SUPPORT_UNICODE=ON -DPCRE2_BUILD_PCRE2GREP=OFF -DPCRE2_BUILD_TESTS=OFF
   cmake --build build-windows --target install
+  sed -i 's/^Cflags:.*/& -DPCRE2_STATIC/' "$deps/lib/pkgconfig/libpcre2-8.pc"
 }
 
 build_utf8proc() {

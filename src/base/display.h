@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/modString.h"
+
 namespace quendle {
 
 // For a line of text, in which different names look different. Bytes that are not UTF-8 become \xNN, control
@@ -14,11 +16,14 @@ namespace quendle {
 //   a, byte FF        => a\xFF
 //   a, line break, b  => a\nb
 //   a\b               => a\\b
-std::string ForDisplay(std::string_view name);
+// On Windows backslashes stand between the parts of a path, and are shown and typed as they are: there what is not shown
+// as it stands is its number, or that of a byte, between marks.
+//   a, line break, b  => a‹A›b      a, byte FF => a‹xFF›      a‹ => a‹2039›
+std::string ForDisplay(std::string_view name, PathStyle style = kHostStyle);
 
 // The name that ForDisplay shows so. What no name is shown as is taken as it stands, character by character.
 //   a.txt => a.txt      a\nb => a, line break, b      a\xFF => a, byte FF      a\\b => a\b      a\q => a\q
-std::string FromDisplay(std::string_view shown);
+std::string FromDisplay(std::string_view shown, PathStyle style = kHostStyle);
 
 // For a string that may hold any character of UTF-8, as in JSON: bytes that are not UTF-8 become \xNN, a
 // backslash \\.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "base/text.h"
@@ -31,6 +32,10 @@ constexpr Row kOwn[] = {
     {"the cabinet is damaged", 6806},
     {"there is not enough memory", 6807},
     {"%1 bytes came out of %2", 6810},
+    {"something else has this name already", 6811},
+    {"there is no home folder", 6812},
+    {"a line break in the path cannot be written into the entry", 6813},
+    {"there is no folder for the menu", 6814},
     {"something else has taken its place", 6015},
     {"not tried, because the step before it failed", 6016},
     {"files in it exist there already, and nothing is overwritten unasked", 6017},
@@ -118,6 +123,7 @@ constexpr Row kOwn[] = {
     {"the file begins like UTF-16 but not with the little-endian mark, so it is not changed", 6623},
     {"another program holds the settings folder", 6699},
     {"not a regular file", 6053},
+    {"another program uses it", 6096},
     {"the file is too large", 6094},
     {"xdg-open, which opens files, is not on the search path", 6083},
 };
@@ -125,7 +131,7 @@ constexpr Row kOwn[] = {
 // Behind the first of several reasons.
 constexpr Row kMore = {"%1 (and %2 more)", 6029};
 
-// The system's own words for its errors.
+// The systems' own words for their errors.
 constexpr Row kSystem[] = {
     {"No such file or directory", 6084},
     {"Permission denied", 6085},
@@ -152,6 +158,29 @@ constexpr Row kSystem[] = {
     {"Invalid argument", 6099},
 };
 
+constexpr Row kWindows[] = {
+    {"The system cannot find the file specified", 6084},
+    {"The system cannot find the path specified", 6084},
+    {"The network path was not found", 6084},
+    {"The network name cannot be found", 6084},
+    {"Access is denied", 6085},
+    {"A required privilege is not held by the client", 6086},
+    {"The requested operation requires elevation", 6086},
+    {"There is not enough space on the disk", 6087},
+    {"The media is write protected", 6089},
+    {"The file exists", 6090},
+    {"Cannot create a file when that file already exists", 6090},
+    {"The directory name is invalid", 6092},
+    {"The directory is not empty", 6093},
+    {"The filename or extension is too long", 6056},
+    {"Data error (cyclic redundancy check)", 6095},
+    {"The request could not be performed because of an I/O device error", 6095},
+    {"The device is not ready", 6098},
+    {"The request is not supported", 6099},
+    {"The parameter is incorrect", 6099},
+    {"The filename, directory name, or volume label syntax is incorrect", 6099},
+};
+
 // What stands at the placeholders of `form` in `text`, whose literal parts are looked for from the end: names
 // come first and may hold anything. Nothing when the text does not have that form.
 std::optional<std::vector<std::string>> Values(std::string_view form, std::string_view text) {
@@ -174,8 +203,10 @@ std::optional<std::vector<std::string>> Values(std::string_view form, std::strin
 }
 
 std::optional<std::string> Whole(std::string_view reason) {
-  for (const Row& row : kSystem) {
-    if (row.english == reason) return LoadText(row.text);
+  for (const auto rows : {std::span<const Row>(kSystem), std::span<const Row>(kWindows)}) {
+    for (const Row& row : rows) {
+      if (row.english == reason) return LoadText(row.text);
+    }
   }
   for (const Row& row : kOwn) {
     if (const auto values = Values(row.english, reason)) return LoadText(row.text, *values);

@@ -68,6 +68,8 @@ std::vector<std::string> CommandLineWords(std::string_view command_line) {
     if (!word) word.emplace();
     if (c == '"') {
       is_quoted = !is_quoted;
+      if (const std::size_t count = BackslashesAtEnd(*word); count % 2 == 0)
+        word->resize(word->size() - count / 2);
     } else {
       *word += c;
     }

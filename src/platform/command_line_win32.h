@@ -19,9 +19,10 @@ std::string QuotedWord(std::string_view word);
 //   "%1" -x   and C:\a b\   => "C:\a b\\" -x
 std::string FilledParameters(std::string_view parameters, std::string_view value);
 
-// The words of a command line that names files: separated by blanks or tabs outside quotes, which are not kept. A
-// backslash is always meant, since paths end with one and no name has a quote in it.
-//   "C:\a b\" x  => C:\a b\, x
+// The words of a command line that names files: separated by blanks or tabs outside quotes, which are not kept. No
+// backslash makes a quote meant, since paths end with one and no name has a quote in it; pairs of them in front of a
+// quote are how programs write single ones.
+//   "C:\a b\" x  => C:\a b\, x    "C:\a b\\" x  => C:\a b\, x
 std::vector<std::string> CommandLineWords(std::string_view command_line);
 
 }  // namespace quendle::platform

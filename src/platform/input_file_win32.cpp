@@ -23,7 +23,7 @@ std::string NumberOfFile(HANDLE file, const BY_HANDLE_FILE_INFORMATION& status) 
            std::to_string(Joined(status.nFileIndexHigh, status.nFileIndexLow));
   }
   std::string number = std::to_string(id.VolumeSerialNumber);
-  for (const unsigned byte : id.FileId.Identifier) number += "/" + std::to_string(byte);
+  for (const unsigned byte : id.FileId.Identifier) number.append("/").append(std::to_string(byte));
   return number;
 }
 

@@ -9,6 +9,8 @@ namespace quendle::platform {
 
 std::string CurrentFolder();
 std::string ExecutableFolder();
+// The file of this program, in that folder.
+std::string ExecutablePath();
 std::string TemporaryFolder();
 
 // For small files that are gone with the session, in memory as a rule: $XDG_RUNTIME_DIR. Empty where a session

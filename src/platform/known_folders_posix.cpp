@@ -52,8 +52,12 @@ std::string CurrentFolder() {
   return folder == nullptr ? "" : folder.get();
 }
 
+std::string ExecutablePath() {
+  return RealPath("/proc/self/exe");
+}
+
 std::string ExecutableFolder() {
-  const std::string path = RealPath("/proc/self/exe");
+  const std::string path = ExecutablePath();
   return path.empty() ? "" : FolderOf(path);
 }
 

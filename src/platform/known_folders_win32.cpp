@@ -43,11 +43,15 @@ std::string CurrentFolder() {
   return FolderText(WholeText([](wchar_t* text, DWORD size) { return GetCurrentDirectoryW(size, text); }));
 }
 
-std::string ExecutableFolder() {
-  const std::wstring program = WholeText([](wchar_t* text, DWORD size) {
+std::string ExecutablePath() {
+  return TextFromSystemPath(WholeText([](wchar_t* text, DWORD size) {
     const DWORD length = GetModuleFileNameW(nullptr, text, size);
     return length < size ? length : size * 2;  // cut off, and does not say what it needs
-  });
+  }));
+}
+
+std::string ExecutableFolder() {
+  const std::wstring program = WideFromText(ExecutablePath());
   return FolderText(std::wstring_view(program).substr(0, program.rfind(L'\\') + 1));
 }
 

@@ -24,7 +24,7 @@ bool ToLocalTime(std::int64_t seconds, std::tm* local) {
   SYSTEMTIME universal;
   SYSTEMTIME shown;
   if (FileTimeToSystemTime(&time, &universal) == 0 ||
-      SystemTimeToTzSpecificLocalTimeEx(nullptr, &universal, &shown) == 0) {
+      SystemTimeToTzSpecificLocalTime(nullptr, &universal, &shown) == 0) {
     return false;
   }
   *local = {};

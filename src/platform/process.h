@@ -15,11 +15,11 @@ void SecureProcess();
 // perhaps one of the user's, would become the stream that the program prints to. To be called before any file is opened.
 //
 // Windows: on the console of the shell that the program was started from, when there is one. The streams take UTF-8 and
-// change no byte. The error stream is buffered: who writes to it flushes it.
+// change no byte. The error stream is buffered, too: who writes to it flushes it.
 void OpenStandardStreams();
 
 // The words of the command line in UTF-8 (POSIX: as bytes), the name of the program first, from what main() was given.
-// Windows: quotes are only marks around blanks, and backslashes are always meant.
+// Windows: quotes only hold blanks together, and no backslash changes that.
 std::vector<std::string> ProgramArguments(int argc, char** argv);
 
 // From now on an interrupt, hang-up or termination request only sets a flag, so that the file operation in

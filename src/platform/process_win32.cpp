@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
 
 #include "platform/command_line_win32.h"
 #include "platform/wide_win32.h"
@@ -87,7 +88,7 @@ void OpenStandardStreams() {
     _setmode(_fileno(stream.file), _O_BINARY);  // the same bytes on all systems
   }
   // The runtime writes an unbuffered stream byte by byte, which tears characters apart.
-  std::setvbuf(stderr, nullptr, _IOFBF, BUFSIZ);
+  for (std::FILE* file : {stdout, stderr}) std::setvbuf(file, nullptr, _IOFBF, BUFSIZ);
   SpeakUtf8();
   console_understands_escapes = EnableEscapes(SystemHandle(stderr));
 }

@@ -10,7 +10,7 @@
 
 namespace quendle::platform {
 
-// `program` is the full path of this program, which keeps its place.
+// `program` is the full path of this program.
 
 // Do all of those entries start that program?
 bool IsInSendTo(const std::string& program);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <windows.h>
+#undef ReplaceFile  // a macro for the system's function, which would rename ours
 
 #undef ReplaceFile  // a macro there, and a function of platform/durable_file.h
 

@@ -96,6 +96,7 @@ void frmEdit::Connect() {
     connect(button, &QPushButton::clicked, this, [this, key = key] { BrowseFolder(key); });
   }
   if (cmdFiler != nullptr) connect(cmdFiler, &QPushButton::clicked, this, [this] { BrowseFiler(); });
+  if (cmdSendTo != nullptr) connect(cmdSendTo, &QPushButton::clicked, this, [this] { SwitchSendTo(); });
   if (cmdPropose != nullptr) connect(cmdPropose, &QPushButton::clicked, this, [this] { ProposePattern(); });
   if (cmdTest != nullptr) connect(cmdTest, &QPushButton::clicked, this, [this] { TryPattern(); });
   connect(cmdOk, &QPushButton::clicked, this, [this] { Save(); });

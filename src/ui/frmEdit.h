@@ -11,6 +11,7 @@
 
 #include "core/edit_draft.h"
 #include "core/modMain.h"
+#include "platform/known_folders.h"
 #include "ui/frmRegex.h"
 #include "ui/modMsgBox.h"
 #include "ui/pickers.h"
@@ -38,6 +39,7 @@ struct EditServices {
   std::function<std::int32_t(const std::string&, std::int32_t, std::int32_t, const std::string&)>
       show_message = ShowMessage;
   std::function<void(QWidget*, const std::string&, const std::string&)> open_tester = OpenRegexTester;
+  std::string program = platform::ExecutablePath();  // for the menus of file managers
 };
 
 // The controls are named after the keys: "txt.MoveTo", "chk.OpenDir", "opt.SmartRename.2", "cmd.MoveTo",
@@ -87,6 +89,7 @@ class frmEdit : public QDialog {
   void ApplyNumbers();
   void ApplyHint(int key);
   void PaintHints();
+  void ShowSendTo();
 
   // Commands
   bool IsFitForSettings(const std::string& picked);
@@ -95,6 +98,7 @@ class frmEdit : public QDialog {
   void BrowseFiler();
   void ProposePattern();
   void TryPattern();
+  void SwitchSendTo();
   void Save();
   bool MaySave();
   bool Settle(const EditDraft::Comparison& comparison);
@@ -118,6 +122,7 @@ class frmEdit : public QDialog {
   std::vector<QWidget*> own_;  // what is dimmed while it is inherited
   QComboBox* cboCharset = nullptr;
   QPushButton* cmdFiler = nullptr;
+  QPushButton* cmdSendTo = nullptr;
   QPushButton* cmdPropose = nullptr;
   QPushButton* cmdTest = nullptr;
   QPushButton* cmdOk = nullptr;

@@ -9,6 +9,7 @@
 #include "base/reasons.h"
 #include "core/edit_keys.h"
 #include "core/profile_pattern.h"
+#include "platform/send_to.h"
 #include "platform/unicode.h"
 #include "resources/string_table.h"
 #include "ui/busy.h"
@@ -79,6 +80,17 @@ void frmEdit::BrowseFiler() {
   const std::string picked = services_.pick_file(this, request);
   FocusOn(text_id::kFiler);
   if (IsFitForSettings(picked)) Put(text_id::kFiler, picked);
+}
+
+// At once: the menus are no part of the settings.
+void frmEdit::SwitchSendTo() {
+  if (is_busy_) return;
+  const Busy busy(&is_busy_);
+  const bool is_there = platform::IsInSendTo(services_.program);
+  const platform::Result done =
+      is_there ? platform::RemoveFromSendTo() : platform::AddToSendTo(services_.program);
+  ShowSendTo();
+  if (!done.ok()) Tell(LoadText(6824, {ForDisplay(done.path), InJapanese(done.reason)}), kIconCritical);
 }
 
 void frmEdit::ProposePattern() {

@@ -12,6 +12,7 @@
 #include <algorithm>
 
 #include "core/edit_keys.h"
+#include "platform/send_to.h"
 #include "resources/string_table.h"
 #include "ui/form_helpers.h"
 #include "ui/frmEdit.h"
@@ -20,6 +21,11 @@
 
 namespace quendle {
 namespace {
+
+constexpr int kAddToSendTo = 6820;
+constexpr int kRemoveFromSendTo = 6821;
+constexpr int kAddToSendToHint = 6822;
+constexpr int kRemoveFromSendToHint = 6823;
 
 constexpr int kFieldCharacters = 36;  // that a field has room for at first
 
@@ -221,7 +227,17 @@ QWidget* frmEdit::MakeGeneralGroup() {
     if (RuleOf(key).kind == EditKey::Kind::kFlag) column->addWidget(MakeCheckBox(key));
   }
   column->addStretch();
+  cmdSendTo = MakeButton("cmd.SendTo", kAddToSendTo, kAddToSendToHint);
+  column->addWidget(cmdSendTo, 0, Qt::AlignLeft);
+  ShowSendTo();
   return MakeGroup(6609, column);
+}
+
+// The button says what it will do.
+void frmEdit::ShowSendTo() {
+  const bool is_there = platform::IsInSendTo(services_.program);
+  cmdSendTo->setText(Text(is_there ? kRemoveFromSendTo : kAddToSendTo));
+  cmdSendTo->setToolTip(Text(is_there ? kRemoveFromSendToHint : kAddToSendToHint));
 }
 
 QWidget* frmEdit::MakeFilerGroup() {

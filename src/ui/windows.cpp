@@ -17,6 +17,7 @@
 #include "ui/program_style.h"
 #include "ui/qt_texts.h"
 #include "ui/qt_user.h"
+#include "ui/system_events.h"
 #include "ui/text.h"
 
 namespace quendle {
@@ -25,14 +26,6 @@ namespace {
 int argument_count = 1;
 char program_name[] = "quendle";
 char* arguments[] = {program_name, nullptr};
-
-// A toolkit without a way to the display ends the process.
-std::string MissingPlatform() {
-  if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") || !qEnvironmentVariableIsEmpty("DISPLAY")) return "";
-  const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms");
-  if (!plugins.entryList({"*wayland*"}).isEmpty()) return "";
-  return "Qt's Wayland support (qt6-wayland) is not installed";
-}
 
 class QtWindows final : public Windows {
  public:
@@ -43,7 +36,6 @@ class QtWindows final : public Windows {
   void RunMain() override { RunProfileList(host_); }
 
  private:
-  void ListenTo(std::intptr_t handle, const std::function<void(QSocketNotifier*)>& act);
   static void ComeToFront();
   static void CloseAll();
 
@@ -67,20 +59,16 @@ QtWindows::QtWindows(const WindowsHost& host) : host_(host) {
   TellHeldKeys(&application_);
   user_ = MakeQtUser(host_);
   if (host_.copy != nullptr) {
-    ListenTo(host_.copy->WaitHandle(), [this](QSocketNotifier*) {
+    WhenReady(host_.copy->WaitHandle(), &application_, [this] {
       if (host_.copy->TakeRequest()) ComeToFront();
+      return true;
     });
   }
-  ListenTo(host_.interrupt_handle, [](QSocketNotifier* notifier) {
-    notifier->setEnabled(false);  // nobody reads from it
+  // Nobody takes the request away, so that one is enough.
+  WhenReady(host_.interrupt_handle, &application_, [] {
     CloseAll();
+    return false;
   });
-}
-
-void QtWindows::ListenTo(std::intptr_t handle, const std::function<void(QSocketNotifier*)>& act) {
-  if (handle < 0) return;
-  auto* notifier = new QSocketNotifier(static_cast<qintptr>(handle), QSocketNotifier::Read, &application_);
-  QObject::connect(notifier, &QSocketNotifier::activated, notifier, [notifier, act] { act(notifier); });
 }
 
 // The window that the user worked with last: of several a modal one.

@@ -1,5 +1,7 @@
 #include "archive/archiver_table.h"
 
+#include "base/modString.h"
+
 namespace quendle {
 namespace {
 
@@ -44,7 +46,7 @@ GTEST_TEST(ArchiverTable, CommandLines) {
     for (const std::int16_t mode : {std::int16_t{1}, std::int16_t{2}, std::int16_t{3}}) {
       if (row.mode == 0 ? mode == 3 : mode != row.mode) continue;
       const CommandOptions options{*row.flat == '1', *row.confirm == '1', mode};
-      const std::string folder = row.type == 5 ? "" : " \"/d e/\"";
+      const std::string folder = row.type == 5 ? "" : std::string(" \"/d e") + Separator(kHostStyle) + "\"";
       EXPECT_EQ(CommandLine(ArchiverRowOf(row.type), options, "/a b.x", "/d e", "/tmp/r"),
                 row.line + std::string(" \"/a b.x\"") + folder + " \"@/tmp/r\"")
           << row.type << row.flat << row.confirm << mode;

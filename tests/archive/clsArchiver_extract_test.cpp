@@ -171,7 +171,7 @@ GTEST_TEST(ClsArchiverExtract, AResponseFileThatCannotBeNamed) {
   test::ArchiverBench bench;
   bench.Install("UnZIP32", "full");
   fs::create_directory(bench.folder / "t\"");
-  const test::ScopedVariable temporary("TMPDIR", bench.folder / "t\"");
+  const test::ScopedVariable temporary(test::ArchiverBench::kTemporaryFolder, bench.folder / "t\"");
   ASSERT_EQ(bench.Take("a.zip", "accept UnZip\nentry a\n"), 1);
   EXPECT_FALSE(bench.archiver.mExtractArchive(bench.folder / "d"));
   EXPECT_EQ(bench.Calls(), "");

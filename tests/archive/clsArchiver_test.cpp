@@ -1,7 +1,7 @@
 #include "archive/clsArchiver.h"
 
 #include "support/archiver_bench.h"
-#include "support/file_systems.h"
+#include "support/picture.h"
 
 namespace quendle {
 namespace {

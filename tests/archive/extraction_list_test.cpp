@@ -1,5 +1,7 @@
 #include "archive/extraction_list.h"
 
+#include "platform/entry_path.h"
+
 namespace quendle {
 namespace {
 
@@ -68,7 +70,9 @@ GTEST_TEST(ExtractionList, Groups) {
        true,
        {{"", {"T/"}}, {"sUB", {"t/sUB/A", "T/Sub/b"}}, {"Sub/Deep", {"T/Sub/Deep/x"}}}},
       {{"T/S/b", "T/z", "T/a"}, true, {{"", {"T/a"}}, {"S", {"T/S/b"}}, {"", {"T/z"}}}},
-      {{"T/C:x/a", "./y"}, true, {{"", {"./y"}}, {"C:x", {"T/C:x/a"}}}},
+      {{"T/C:x/a", "./y"},
+       true,
+       {{"", {"./y"}}, {platform::kHostNames == platform::NameRules::kPosix ? "C:x" : "C_x", {"T/C:x/a"}}}},
       {{}, true, {}},
   };
   for (const auto& row : rows) {

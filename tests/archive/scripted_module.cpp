@@ -18,7 +18,6 @@
 // required.
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -69,9 +68,9 @@ std::string Quoted(const std::string& line, const std::string& mark) {
 
 // The one quoted word that is an existing file.
 std::string ArchiveOf(const std::string& line) {
-  for (std::size_t at = line.find(" \"/"); at != std::string::npos; at = line.find(" \"/", at + 1)) {
+  for (std::size_t at = line.find(" \""); at != std::string::npos; at = line.find(" \"", at + 1)) {
     const std::string path = line.substr(at + 2, line.find('"', at + 2) - at - 2);
-    if (std::filesystem::is_regular_file(path)) return path;
+    if (std::ifstream file(path); file.peek() != std::ifstream::traits_type::eof()) return path;
   }
   return "";
 }

@@ -136,20 +136,13 @@ GTEST_TEST(ModString, Newlines) {
 GTEST_TEST(ModString, Existence) {
   const test::TempFolder folder;
   test::WriteFile(folder / "file", "x");
-  std::filesystem::create_symlink("nowhere", folder / "dangling");
-  std::filesystem::create_directory_symlink(folder.path(), folder / "link");
   const struct {
     std::string path;
     bool file;
     bool is_folder;
   } rows[] = {
-      {folder / "file", true, false},
-      {folder.path(), false, true},
-      {folder / "none", false, false},
-      {folder / "link", false, true},
-      {folder / "dangling", true, false},
-      {"sh", true, false},
-      {"", false, false},
+      {folder / "file", true, false},        {folder.path(), false, true},
+      {folder / "none", false, false},       {"", false, false},
       {folder / "file/below", false, false},
   };
   for (const auto& row : rows) {

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <regex>
 
+#include "base/modString.h"
 #include "support/temp_folder.h"
 
 namespace quendle {
@@ -41,8 +42,8 @@ GTEST_TEST(Reasons, AreTranslatedWithTheirNamesAndNumbers) {
 std::string Sources(const std::string& but) {
   std::string all;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(QUENDLE_SOURCES)) {
-    if (entry.path().extension() == ".cpp" && entry.path().filename() != but) {
-      all += test::ReadFile(entry.path().string());
+    if (entry.is_regular_file() && entry.path().filename() != but) {
+      all += test::ReadFile(test::TextOf(entry.path()));
     }
   }
   return std::regex_replace(all, std::regex("\"\\s*\\n\\s*\""), "");
@@ -53,14 +54,19 @@ GTEST_TEST(Reasons, RowsAreStillSaidByTheProgramOrTheSystem) {
   const std::string table = test::ReadFile(std::string(QUENDLE_SOURCES) + "/base/reasons.cpp");
   const std::string sources = Sources("reasons.cpp");
   const std::size_t system = table.find("kSystem[]");
+  const std::size_t windows = table.find("kWindows[]");
   ASSERT_NE(system, std::string::npos);
+  ASSERT_NE(windows, std::string::npos);
   std::string system_words = "\n";
   for (int error = 1; error < 134; ++error) system_words.append(std::strerror(error)).append("\n");
   const std::regex row("\\{\"((?:[^\"\\\\]|\\\\.)+)\",\\s*6\\d\\d\\d\\}");
   int rows = 0;
   for (std::sregex_iterator it(table.begin(), table.end(), row), end; it != end; ++it, ++rows) {
     const std::string english = (*it)[1];
+    // The words of Windows depend on its version.
+    if (static_cast<std::size_t>(it->position()) > windows) continue;
     if (static_cast<std::size_t>(it->position()) > system) {
+      if (kHostStyle == PathStyle::kWindows) continue;
       EXPECT_NE(system_words.find("\n" + english + "\n"), std::string::npos) << english;
       continue;
     }

@@ -52,7 +52,7 @@ GTEST_TEST(Dispatch, Outcomes) {
     EXPECT_EQ(report.profile.value_or(""), row.taken == nullptr ? "" : row.taken);
     EXPECT_EQ(report.error.empty(), row.outcome == Outcome::kDone);
     if (row.archive == 1 && row.outcome == Outcome::kDone) {
-      EXPECT_EQ(report.steps.at(0).to, "/test/a");
+      EXPECT_EQ(report.steps.at(0).to, test::Rooted("/test/a"));
       EXPECT_EQ(run.archiver->extracted.size(), 1U);
     }
   }
@@ -89,8 +89,11 @@ GTEST_TEST(Dispatch, PlansAreWhatIsDone) {
     }
     if (!row.paths[0].starts_with("3/")) fs::remove_all(folder / "dirs");
     if (row.paths[0].ends_with(".tx")) test::WriteFile(folder / row.paths[0], "");
-    fs::create_directory_symlink(folder / "1", folder / "link");
-    fs::create_directory_symlink(folder / "1/self", folder / "into");
+    std::error_code no_links;  // on Windows not everybody may make them
+    fs::create_directory_symlink(folder / "1", folder / "link", no_links);
+    if (!no_links) fs::create_directory_symlink(folder / "1/self", folder / "into", no_links);
+    const bool needs_links = row.paths[0] == "1/self" || row.paths.back().starts_with("link");
+    if (no_links && needs_links) continue;
     const auto profile = [&](const std::string& pattern, const std::string& keys, const std::string& move) {
       std::string text("[");
       text.append(pattern.substr(2)).append("]\nPattern=").append(pattern).append("\nID=1\n").append(keys);

@@ -1,10 +1,8 @@
 #include "core/edit_draft.h"
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <functional>
 #include <initializer_list>
+#include <thread>
 
 #include "base/text.h"
 #include "core/edit_keys.h"
@@ -60,11 +58,11 @@ GTEST_TEST(EditDraft, EveryTextComesBackAsItWasTyped) {
     const test::Settings settings("[A]\nOther=1\n[B]\nPattern=\x95\x5C\n");
     EditDraft draft = DraftOf(settings, clsPropItem::kEditingNew, "N");
     draft.SetText(kPattern, text);
-    draft.SetText(kMoveTo, std::string("/").append(text));
+    draft.SetText(kMoveTo, test::Rooted("/").append(text));
     ASSERT_TRUE(Save(draft).ok());
     const EditDraft read = DraftOf(settings, clsPropItem::kEditingProfile, "N");
     EXPECT_EQ(read.Text(kPattern), text);
-    EXPECT_EQ(read.Text(kMoveTo), std::string("/").append(text));
+    EXPECT_EQ(read.Text(kMoveTo), test::Rooted("/").append(text));
     EXPECT_EQ(DraftOf(settings, clsPropItem::kEditingProfile, "B").Text(kPattern), "表");
   }
 }
@@ -135,7 +133,7 @@ GTEST_TEST(EditDraft, FoldersStandForOthersAndTakeTheTitle) {
   const EditDraft profile = DraftOf(settings, clsPropItem::kEditingProfile, "a/b");
   EXPECT_EQ(profile.InheritedFolder(kMoveTo), "/m");
   EXPECT_EQ(profile.InheritedFolder(kCopyTo), "/standard");
-  EXPECT_EQ(profile.PickedFolder("/x"), "/x/a／b");
+  EXPECT_EQ(profile.PickedFolder("/x"), std::string("/x") + test::kSeparator + "a／b");
   EXPECT_EQ(DraftOf(settings, clsPropItem::kEditingNew, "..").PickedFolder("/x"), "/x");
   const EditDraft standard = DraftOf(settings, clsPropItem::kEditingStandard);
   EXPECT_EQ(standard.InheritedFolder(kMoveTo), "/standard");
@@ -152,11 +150,11 @@ GTEST_TEST(EditDraft, ProblemsAreFound) {
     bool can_be_saved;
   } rows[] = {
       {kMoveTo, "", "", false},
-      {kMoveTo, "/a/..b/c", "", false},
+      {kMoveTo, test::Rooted("/a/..b/c"), "", false},
       {kMoveTo, "a/b", "フォルダが絶対パス", false},
-      {kMoveTo, "/a/../b", "フォルダの指定に「..」", false},
-      {kMoveTo, std::string("/").append(1020, 'x'), "", false},
-      {kMoveTo, std::string("/").append(1021, 'x'), "長すぎて", false},
+      {kMoveTo, test::Rooted("/a/../b"), "フォルダの指定に「..」", false},
+      {kMoveTo, test::Rooted("/").append(1018, 'x'), "", false},
+      {kMoveTo, test::Rooted("/").append(1021, 'x'), "長すぎて", false},
       {kInclude, "*.c\n*.d", "改行", false},
       {kExclude, std::string(1022, 'x'), "長すぎて", false},
       {kInclude, ".*\\.c;;a/.*;", "", false},
@@ -205,16 +203,18 @@ GTEST_TEST(EditDraft, LongValuesAreShownWhole) {
 GTEST_TEST(EditDraft, NobodyWritesBetweenComparingAndSaving) {
   const test::Settings settings("[A]\nInclude=\n");
   constexpr int kRounds = 40;
-  const pid_t child = fork();
-  for (int done = 0; done < kRounds;) {
-    EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
-    draft.SetText(kInclude, draft.Text(kInclude) + (child == 0 ? "c" : "p"));
-    EditDraft::Comparison comparison;
-    if (!draft.Save(&comparison).ok()) break;
-    if (comparison.IsSettled()) ++done;
-  }
-  if (child == 0) _exit(0);
-  EXPECT_EQ(waitpid(child, nullptr, 0), child);
+  const auto write = [&settings](const char* letter) {
+    for (int done = 0; done < kRounds;) {
+      EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
+      draft.SetText(kInclude, draft.Text(kInclude) + letter);
+      EditDraft::Comparison comparison;
+      if (!draft.Save(&comparison).ok()) break;
+      if (comparison.IsSettled()) ++done;
+    }
+  };
+  std::thread other(write, "c");
+  write("p");
+  other.join();
   EXPECT_EQ(DraftOf(settings, clsPropItem::kEditingProfile).Text(kInclude).size(), 2U * kRounds);
 }
 

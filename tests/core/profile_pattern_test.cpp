@@ -1,5 +1,6 @@
 #include "core/profile_pattern.h"
 
+#include "base/modString.h"
 #include "base/regex.h"
 #include "platform/unicode.h"
 #include "support/temp_folder.h"
@@ -37,6 +38,7 @@ GTEST_TEST(ProfilePattern, OfNames) {
   const test::TempFolder folder;
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
+    if (kHostStyle == PathStyle::kWindows && !platform::IsUtf8(row.name)) continue;  // names are text there
     test::WriteFile(folder / row.name, "");
     clsFileInfo target;
     ASSERT_TRUE(target.SetFilename(folder / row.name));

@@ -1,5 +1,6 @@
 #include "files/file_manager.h"
 
+#include "base/modString.h"
 #include "support/recorder.h"
 #include "support/scoped_variable.h"
 #include "support/settings.h"
@@ -7,58 +8,31 @@
 namespace quendle {
 namespace {
 
-namespace fs = std::filesystem;
-
-GTEST_TEST(FileManager, TheConfiguredOneElseTheDesktops) {
+GTEST_TEST(FileManager, TheConfiguredOne) {
   const test::TempFolder folder;
-  test::Recorder filer(folder / "bin/fm");
-  test::Recorder desktop(folder / "bin/xdg-open");
-  test::WriteFile(folder / "bin/plain", "#!/bin/sh\n");
-  const test::ScopedVariable path("PATH", folder / "bin" + ":/bin:/usr/bin");
-  const std::string out = folder / "o \"u\" $t";
-  fs::create_directory(out);
-  const std::string alone = "1\n" + out + "\n";
+  const std::string program = folder / (kHostStyle == PathStyle::kWindows ? "bin/fm.exe" : "bin/fm");
+  test::Recorder filer(program);
+  const test::ScopedVariable path("PATH", folder / "bin");
+  const std::string out = folder / "o 'u' $t";
+  std::filesystem::create_directory(test::FsPath(out));
   const struct {
     std::string filer;
     std::string parameters;
-    bool is_by_filer;
     std::string record;
   } rows[] = {
-      {"fm", "", true, alone},
-      {folder / "bin/fm", "", true, alone},
-      {"fm", "/e,%1", true, "1\n/e," + out + "\n"},
-      {"fm", "--new \"%1\" x", true, "3\n--new\n" + out + "\nx\n"},
-      {"fm", "--here", true, "1\n--here\n"},
-      {"", "/e,%1", false, alone},
-      {"none", "", false, alone},
-      {folder / "none", "", false, alone},
-      {"plain", "", false, alone},
-      {folder / "bin/plain", "", false, alone},
-      {folder / "bin", "", false, alone},
-      {"bin/fm", "", false, alone},
-      {"./fm", "", false, alone},
+      {"fm", "", "1\n" + out + "\n"},         {program, "", "1\n" + out + "\n"},
+      {"fm", "/e,%1", "1\n/e," + out + "\n"}, {"fm", "--new \"%1\" x", "3\n--new\n" + out + "\nx\n"},
+      {"fm", "--here", "1\n--here\n"},
   };
-  const fs::path before = fs::current_path();
-  fs::current_path(folder.path());  // where "bin/fm" would be found
   for (const auto& row : rows) {
     SCOPED_TRACE(row.filer + " " + row.parameters);
     test::Settings settings("", "[General]\n");
     settings.standard.FILER(row.filer);
     settings.standard.FILERPARM(row.parameters);
-    EXPECT_TRUE(OpenFolderWithFiler(settings.standard, out + "/").ok());
-    EXPECT_EQ((row.is_by_filer ? filer : desktop).Take(), row.record);
-    EXPECT_EQ((row.is_by_filer ? desktop : filer).Take(std::chrono::milliseconds(50)), "not started");
+    EXPECT_TRUE(OpenFolderWithFiler(settings.standard, out + test::kSeparator).ok());
+    EXPECT_EQ(filer.Take(), row.record);
   }
-  fs::current_path(before);
-}
-
-GTEST_TEST(FileManager, FailuresOfTheDesktopsAreTold) {
-  const test::TempFolder folder;
-  const test::ScopedVariable path("PATH", folder.path());
-  const test::Settings settings("", "[General]\nFILER=none\n");
-  const platform::Result failed = OpenFolderWithFiler(settings.standard, folder.path());
-  EXPECT_EQ(failed.code, platform::Code::kNotFound);
-  EXPECT_EQ(failed.path, folder.path());
+  const test::Settings settings("", "[General]\nFILER=fm\n");
   EXPECT_TRUE(OpenFolderWithFiler(settings.standard, folder / "gone").ok()) << "there is nothing to open";
 }
 

@@ -20,13 +20,15 @@ GTEST_TEST(ModBrowseDir, TheNearestFolderThatIsThere) {
       {there + "//c//d", there + "/"},
       {there + "/file", there + "/"},
       {there + "/file/x", there + "/"},
-      {"/", "/"},
-      {"/none-of-that-name", ""},
-      {"/none-of-that-name/b/c", ""},
+      {test::Rooted("/"), test::Rooted("/")},
+      {test::Rooted("/none-of-that-name"), ""},
+      {test::Rooted("/none-of-that-name/b/c"), ""},
       {"none-of-that-name/b", ""},
       {"", ""},
   };
-  for (const auto& row : rows) EXPECT_EQ(PickerStartFolder(row.proposed), row.expected) << row.proposed;
+  for (const auto& row : rows) {
+    EXPECT_EQ(PickerStartFolder(test::Native(row.proposed)), test::Native(row.expected)) << row.proposed;
+  }
 }
 
 }  // namespace

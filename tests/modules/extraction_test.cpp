@@ -1,12 +1,9 @@
 #include "archive/modules/common/extraction.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <functional>
 
 #include "archive/modules/common/response_file.h"
-#include "support/file_systems.h"
+#include "support/picture.h"
 #include "support/scripted_family.h"
 #include "support/temp_folder.h"
 
@@ -178,8 +175,7 @@ GTEST_TEST(Extraction, WhatIsThereAlready) {
                                     << row.answer);
     Fixture fixture;
     test::WriteFile(fixture.folder / "out/a", "old");
-    const timespec times[2] = {{row.there, 0}, {row.there, 0}};
-    utimensat(AT_FDCWD, (fixture.folder / "out/a").c_str(), times, 0);
+    test::SetWriteTime(fixture.folder / "out/a", row.there);
     fixture.calls[0].request.existing = row.existing;
     fixture.host.overwrite = row.answer;
     test::g_first_engine.entries = {{"a", "new"}};

@@ -1,9 +1,8 @@
 #include "archive/modules/lzh/lzh_family.h"
 
-#include <ctime>
-
 #include "support/lzh_cab_rar.h"
 #include "support/temp_folder.h"
+#include "support/time_zone.h"
 
 namespace quendle::modules {
 namespace {
@@ -65,8 +64,7 @@ GTEST_TEST(Lzh, ReadsNamesOfAllLevels) {
 }
 
 GTEST_TEST(Lzh, TellsTimesAndModes) {
-  setenv("TZ", "JST-9", 1);
-  tzset();
+  const test::TimeZone japan("JST-9");
   constexpr std::int64_t kNoon = 1'744'686'000;  // 2025-04-15 12:00:00 in Japan
   const std::string ntfs =
       Number(0, 8) + Number((1'000'000'000ULL + 11'644'473'600) * 10'000'000 + 5, 8) + Number(0, 8);
@@ -120,8 +118,6 @@ GTEST_TEST(Lzh, TellsTimesAndModes) {
     EXPECT_EQ(attributes.write_time->nanoseconds, row.nanoseconds);
     EXPECT_EQ(attributes.executable, row.executable);
   }
-  unsetenv("TZ");
-  tzset();
 }
 
 GTEST_TEST(Lzh, DamageIsNoticed) {

@@ -2,7 +2,7 @@
 
 #include "archive/modules/zip/zip_family.h"
 #include "support/archives.h"
-#include "support/file_systems.h"
+#include "support/picture.h"
 #include "support/scripted_family.h"
 #include "support/temp_folder.h"
 

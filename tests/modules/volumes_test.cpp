@@ -67,6 +67,8 @@ GTEST_TEST(Volumes, SetsAreFoundByName) {
     const test::TempFolder folder;
     test::WriteFile(folder / row.given, "");
     for (const std::string& name : row.there) test::WriteFile(folder / name, "");
+    const auto made = std::filesystem::directory_iterator(folder.path());
+    if (std::distance(begin(made), end(made)) <= std::ssize(row.there)) continue;  // case does not count here
     std::unique_ptr<platform::InputFile> file;
     ASSERT_TRUE(platform::InputFile::Open(folder / row.given, &file).ok());
     const VolumeSet set = FindVolumes(std::move(file));

@@ -64,6 +64,7 @@ GTEST_TEST(CommandLine, NamesOfFilesKeepTheirBackslashes) {
       {"\"C:\\p q\\q.exe\" \"C:\\a b\\\" x", {"C:\\p q\\q.exe", "C:\\a b\\", "x"}},
       {"q \\\\s\\d\\ \"\" a\"b c\"d", {"q", "\\\\s\\d\\", "", "ab cd"}},
       {"q \"a b", {"q", "a b"}},
+      {"q \"C:\\a b\\\\\" \"\\\\s\\d\\\" x\\\\", {"q", "C:\\a b\\", "\\\\s\\d\\", "x\\\\"}},
   };
   for (const auto& row : rows) EXPECT_EQ(CommandLineWords(row.command_line), row.words) << row.command_line;
 }

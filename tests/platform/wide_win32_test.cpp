@@ -8,9 +8,10 @@ namespace quendle::platform {
 namespace {
 
 GTEST_TEST(Wide, EveryNameComesBackTheSame) {
-  const std::wstring rows[] = {
-      L"", L"a", L"表示.txt", L"\U0001F600", L"\xD800", L"a\xDC00\xD800x", L"\xFFFD\xEF80"};
-  for (const std::wstring& row : rows) EXPECT_EQ(WideFromText(TextFromWide(row)), row) << TextFromWide(row);
+  for (const wchar_t* name :
+       {L"", L"a", L"表示.txt", L"\U0001F600", L"\xD800", L"a\xDC00\xD800x", L"\xFFFD\xEF80"}) {
+    EXPECT_EQ(WideFromText(TextFromWide(name)), name) << TextFromWide(name);
+  }
   EXPECT_EQ(WideFromText("a\xFF\xE8\xA1"), L"a\xFFFD\xFFFD\xFFFD");
 }
 

@@ -12,28 +12,33 @@ namespace fs = std::filesystem;
 GTEST_TEST(ApplicationFolder, TheFirstOfFourThatApplies) {
   const test::TempFolder home;
   const std::string portable = platform::ExecutableFolder();
-  ASSERT_FALSE(fs::exists(portable + "/mover.ini"));
+  const std::string standard_file = portable + test::kSeparator + "mover.ini";
+  ASSERT_FALSE(fs::exists(standard_file));
+  const std::string chosen = test::Rooted("/chosen");
+  const std::string below = test::TextOf(fs::current_path()) + test::kSeparator + "chosen";
+  const std::string variable = test::Rooted("/variable");
+  test::WriteFile(home / "config/user-dirs.dirs", "XDG_DOWNLOAD_DIR=\"" + home / "files" + "\"\n");
+  const test::ScopedVariable config("XDG_CONFIG_HOME", home / "config");
+  const std::string of_user = platform::SettingsRoot() + test::kSeparator + "quendle";
   const struct {
-    const char* chosen;
-    const char* variable;
+    std::string chosen;
+    std::string variable;
     bool is_portable;
     std::string application;
     std::string destination;
   } rows[] = {
-      {"/chosen/", "/variable", true, "/chosen", "/chosen"},
-      {"chosen", "", false, fs::current_path().string() + "/chosen", fs::current_path().string() + "/chosen"},
-      {"", "/variable", true, "/variable", "/variable"},
+      {chosen + test::kSeparator, variable, true, chosen, chosen},
+      {"chosen", "", false, below, below},
+      {"", variable, true, variable, variable},
       {"", "", true, portable, portable},
-      {"", "", false, home / "config/quendle", home / "files"},
+      {"", "", false, of_user, platform::DownloadFolder()},
   };
-  test::WriteFile(home / "config/user-dirs.dirs", "XDG_DOWNLOAD_DIR=\"" + home / "files" + "\"\n");
-  const test::ScopedVariable config("XDG_CONFIG_HOME", home / "config");
   for (const auto& row : rows) {
     SCOPED_TRACE(row.application);
-    const test::ScopedVariable variable("QUENDLE_HOME", row.variable);
-    if (row.is_portable) test::WriteFile(portable + "/mover.ini", "");
+    const test::ScopedVariable set("QUENDLE_HOME", row.variable);
+    if (row.is_portable) test::WriteFile(standard_file, "");
     const SettingsFolders folders = FindSettingsFolders(row.chosen);
-    fs::remove(portable + "/mover.ini");
+    fs::remove(standard_file);
     EXPECT_EQ(folders.application, row.application);
     EXPECT_EQ(folders.default_destination, row.destination);
   }

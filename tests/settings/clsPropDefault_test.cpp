@@ -1,7 +1,6 @@
 #include "settings/clsPropDefault.h"
 
-#include <sys/wait.h>
-#include <unistd.h>
+#include <thread>
 
 #include "support/settings.h"
 
@@ -35,17 +34,14 @@ GTEST_TEST(ClsPropDefault, KeepsDestinationsThatReadingWouldStrip) {
 GTEST_TEST(ClsPropDefault, TwoFirstStartsLoseNothing) {
   for (int round = 0; round < 20; ++round) {
     const test::TempFolder folder;
-    const auto start = [&](bool is_child) {
+    const auto start = [&](bool is_second) {
       clsPropDefault settings({folder.path(), "/dl"}, true);
-      is_child ? settings.FILER("/filer") : settings.FILERPARM("%1");
-      return settings.CreationFailure().ok();
+      is_second ? settings.FILER("/filer") : settings.FILERPARM("%1");
+      EXPECT_TRUE(settings.CreationFailure().ok());
     };
-    const pid_t child = fork();
-    if (child == 0) _exit(start(true) ? 0 : 1);
-    EXPECT_TRUE(start(false));
-    int status = -1;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
+    std::thread second(start, true);
+    start(false);
+    second.join();
     const clsPropDefault settings({folder.path(), "/other"}, false);
     ASSERT_EQ(settings.FILER() + settings.FILERPARM() + settings.MOVETO(), "/filer%1/dl") << round;
   }

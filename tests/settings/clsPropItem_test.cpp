@@ -44,9 +44,11 @@ GTEST_TEST(ClsPropItem, FoldersFallBack) {
                           "[General]\nExtractTo=/t\n");
   const struct {
     const char* title;
-    const char* folders;
-  } rows[] = {
-      {"own", "/m /c /e"}, {"empty", "/sm /sc /se"}, {"", "/sm /sc /se"}, {"（なし）", "/sm /sc /t/data"}};
+    std::string folders;
+  } rows[] = {{"own", "/m /c /e"},
+              {"empty", "/sm /sc /se"},
+              {"", "/sm /sc /se"},
+              {"（なし）", std::string("/sm /sc /t") + test::kSeparator + "data"}};
   for (const auto& row : rows) {
     settings.profiles.Title = row.title;
     const clsPropItem& profile = settings.profiles;

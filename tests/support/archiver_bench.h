@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "archive/clsArchiver.h"
+#include "platform/library.h"
 #include "support/scoped_variable.h"
 #include "support/scripted_user.h"
 #include "support/settings.h"
@@ -14,17 +15,20 @@ namespace quendle::test {
 
 // Installs a variant ("plain", "full", "broken") of the scripted library under a library's name.
 inline void InstallModule(const std::string& folder, const std::string& name, const std::string& variant) {
-  std::filesystem::create_directories(folder);
-  std::filesystem::copy_file(std::string(QUENDLE_SCRIPTED_MODULES "/scripted_") + variant + ".so",
-                             folder + "/" + name + ".so");
+  const std::string suffix(platform::kLibrarySuffix);
+  std::filesystem::create_directories(FsPath(folder));
+  std::filesystem::copy_file(std::string(QUENDLE_SCRIPTED_MODULES "/scripted_") + variant + suffix,
+                             FsPath(folder + kSeparator + name + suffix));
 }
 
 class ArchiverBench {
  public:
+  static constexpr const char* kTemporaryFolder = kSeparator == '/' ? "TMPDIR" : "TMP";
+
   // `profile` and `standard` are keys of items.ini and mover.ini ("\n" between lines).
   explicit ArchiverBench(const std::string& profile = "", const std::string& standard = "")
       : settings("[p]\n" + profile, "[General]\n" + standard),
-        temporary("TMPDIR", MakeFolder("tmp")),
+        temporary(kTemporaryFolder, MakeFolder("tmp")),
         runtime("XDG_RUNTIME_DIR", ""),
         output(user),
         archiver({settings.profiles, settings.standard, user, [this]() -> clsOutput& { return output; },

@@ -14,6 +14,7 @@
 #include "archive/modules/common/checksum.h"
 #include "archive/modules/common/family.h"
 #include "platform/utf8_locale.h"
+#include "support/temp_folder.h"
 
 namespace quendle::test {
 
@@ -83,8 +84,8 @@ inline std::string Pack(const char* format, const std::string& options,
   good = good && archive_write_open_memory(writer, bytes.data(), bytes.size(), &used) == ARCHIVE_OK;
   for (const PackedEntry& packed : entries) {
     archive_entry* entry = archive_entry_new();
-    archive_entry_set_pathname_utf8(entry, packed.name.c_str());
-    archive_entry_set_mode(entry, packed.mode);
+    archive_entry_copy_pathname_w(entry, FsPath(packed.name).wstring().c_str());
+    archive_entry_set_mode(entry, static_cast<decltype(archive_entry_mode(entry))>(packed.mode));
     archive_entry_set_mtime(entry, packed.seconds, packed.nanoseconds);
     const bool is_link = (packed.mode & AE_IFMT) == AE_IFLNK;
     if (is_link) archive_entry_set_symlink(entry, packed.content.c_str());

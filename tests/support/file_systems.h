@@ -1,16 +1,12 @@
-// Places to test in, and pictures of what is there.
+// Places to test in, and what they are.
 #pragma once
 
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <functional>
-#include <map>
 #include <string>
 
 #include <sys/stat.h>
 
-#include "support/temp_folder.h"
+#include "support/picture.h"
 
 namespace quendle::test {
 
@@ -54,32 +50,5 @@ inline bool MakePipe(const std::string& path) {
   return mkfifo(path.c_str(), 0666) == 0;
 }
 #endif
-
-// Every entry below the folder, hidden ones too, with enough about it to notice any change of content. The paths are
-// written with slashes.
-inline std::map<std::string, std::string> Picture(const std::string& folder) {
-  namespace fs = std::filesystem;
-  std::map<std::string, std::string> picture;
-  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(FsPath(folder))) {
-    const fs::path& path = entry.path();
-    std::string below = TextOf(path.lexically_relative(FsPath(folder)));
-    std::replace(below.begin(), below.end(), kSeparator, '/');
-    std::string& what = picture[below];
-    if (entry.is_symlink()) {
-      what = "link to " + TextOf(fs::read_symlink(path));
-    } else if (entry.is_directory()) {
-      what = "folder";
-    } else if (entry.is_regular_file()) {
-      std::string bytes(entry.file_size(), 0);
-      std::ifstream(path, std::ios::binary).read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-      what = bytes.size() < 100
-                 ? "file " + bytes
-                 : std::to_string(bytes.size()) + " " + std::to_string(std::hash<std::string>{}(bytes));
-    } else {
-      what = "other";
-    }
-  }
-  return picture;
-}
 
 }  // namespace quendle::test

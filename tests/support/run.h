@@ -41,7 +41,7 @@ class ScriptedArchiver : public clsArchiver {
 class Run {
  public:
   Run(const std::string& items, const std::string& standard_text, std::vector<std::string> paths)
-      : settings(items, standard_text, "[General]\nExtractTo=/test\n") {
+      : settings(items, standard_text, "[General]\nExtractTo=" + Rooted("/test") + "\n") {
     paths.insert(paths.begin(), "");
     auto owned = std::make_unique<ScriptedArchiver>(
         clsArchiver::Environment{settings.profiles, settings.standard, user, nullptr, ""});

@@ -18,6 +18,11 @@ inline std::string Native(std::string path) {
   return path;
 }
 
+// An absolute path that a test writes as on POSIX, as the system writes one: "/a/b" => "C:\a\b" on Windows.
+inline std::string Rooted(const std::string& path) {
+  return kSeparator == '/' ? path : "C:" + Native(path);
+}
+
 // The library takes plain strings for text of the C locale, save on POSIX.
 inline std::filesystem::path FsPath(const std::string& path) {
   return std::filesystem::path(std::u8string(path.begin(), path.end()));
@@ -25,6 +30,11 @@ inline std::filesystem::path FsPath(const std::string& path) {
 inline std::string TextOf(const std::filesystem::path& path) {
   const std::u8string text = path.u8string();
   return {text.begin(), text.end()};
+}
+
+// What Windows makes of a path is not wanted: it takes dots and blanks off the end of a name.
+inline std::filesystem::path ExactPath(const std::string& path) {
+  return FsPath(path.size() > 2 && path.compare(1, 2, ":\\") == 0 ? "\\\\?\\" + Native(path) : path);
 }
 
 class TempFolder {
@@ -42,7 +52,7 @@ class TempFolder {
   }
   ~TempFolder() {
     std::error_code ignored;  // a test that took rights away gives them back itself
-    std::filesystem::remove_all(FsPath(path_), ignored);
+    std::filesystem::remove_all(ExactPath(path_), ignored);
   }
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;
@@ -56,11 +66,11 @@ class TempFolder {
 
 inline void WriteFile(const std::string& path, const std::string& bytes) {
   std::filesystem::create_directories(FsPath(path).parent_path());
-  std::ofstream(FsPath(path), std::ios::binary) << bytes;
+  std::ofstream(ExactPath(path), std::ios::binary) << bytes;
 }
 
 inline std::string ReadFile(const std::string& path) {
-  std::ifstream in(FsPath(path), std::ios::binary);
+  std::ifstream in(ExactPath(path), std::ios::binary);
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 

@@ -8,7 +8,9 @@
 #include <QTest>
 #include <set>
 
+#include "platform/paths.h"
 #include "resources/string_table.h"
+#include "support/scoped_variable.h"
 #include "support/scripted_user.h"
 #include "support/settings.h"
 #include "ui/modal.h"
@@ -216,6 +218,25 @@ GTEST_TEST(FrmEdit, ButtonsFillTheirFields) {
   general.picked = "/usr/bin/filer";
   general.Click("cmd.FILER");
   EXPECT_EQ(general.Field("FILER"), "/usr/bin/filer");
+}
+
+GTEST_TEST(FrmEdit, SendToIsSwitchedAtOnce) {
+  const test::TempFolder home;
+  const test::ScopedVariable data("XDG_DATA_HOME", home.path());
+  test::Settings settings("");
+  EditWindow edit(settings, 4);
+  const std::string entry = home / "applications/quendle.desktop";
+  EXPECT_EQ(edit.Get<QAbstractButton>("cmd.SendTo")->text(), "送るメニューに登録");
+  edit.Click("cmd.SendTo");
+  EXPECT_TRUE(platform::IsTaken(entry));
+  EXPECT_EQ(edit.Get<QAbstractButton>("cmd.SendTo")->text(), "送るメニューから削除");
+  edit.Click("cmd.SendTo");
+  EXPECT_FALSE(platform::IsTaken(entry));
+  EXPECT_TRUE(edit.messages.empty());
+  WriteFile(entry, "of somebody else");
+  edit.Click("cmd.SendTo");
+  ASSERT_EQ(edit.messages.size(), 1U);
+  EXPECT_NE(edit.messages.front().find(entry), std::string::npos) << edit.messages.front();
 }
 
 GTEST_TEST(FrmEdit, ProblemsAreToldAtOnceAndBeforeSaving) {

@@ -15,8 +15,10 @@ std::string PathnameOf(archive_entry* entry) {
   return TextOf(archive_entry_pathname_w(entry));
 }
 
+// Often it is what the archive has as content, which is not converted: each byte would become a character.
 std::string LinkTargetOf(archive_entry* entry) {
-  return TextOf(archive_entry_symlink_w(entry));
+  const char* bytes = archive_entry_symlink(entry);
+  return bytes != nullptr ? bytes : TextOf(archive_entry_symlink_w(entry));
 }
 
 }  // namespace quendle::modules

@@ -116,6 +116,10 @@ class UnarrReader : public EntryReader {
 
 }  // namespace
 
+bool HasUnarr() {
+  return true;
+}
+
 std::string AndUnarrVersion() {
   return ", libunarr " QUENDLE_UNARR_VERSION;
 }

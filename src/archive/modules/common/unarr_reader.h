@@ -5,7 +5,10 @@
 
 namespace quendle::modules {
 
-// ", libunarr 1.0.1", to be put behind the versions of others; empty in a build without it, where nothing is read by it.
+// Not every build for Windows has it.
+bool HasUnarr();
+
+// ", libunarr 1.0.1", to be put behind the versions of others; empty in a build without it.
 std::string AndUnarrVersion();
 
 enum class UnarrFormat { kZip, kRar };

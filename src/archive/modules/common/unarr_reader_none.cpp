@@ -1,7 +1,11 @@
-// For builds without unarr, whose archives the other library reads.
+// For builds without unarr, whose archives libarchive reads.
 #include "archive/modules/common/unarr_reader.h"
 
 namespace quendle::modules {
+
+bool HasUnarr() {
+  return false;
+}
 
 std::string AndUnarrVersion() {
   return "";

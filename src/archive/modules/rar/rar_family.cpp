@@ -61,7 +61,7 @@ std::optional<ArchiveInput> FindRar(std::shared_ptr<const platform::InputFile> f
 
 std::vector<Engine> RarEngines(const ArchiveInput& input) {
   if (RarVersionAt(input, 0) == RarVersion::kRar5) return {{"libarchive", &OpenRar5}};
-  if (input.VolumeCount() > 1) return {{"libarchive", &OpenRarByLibarchive}};
+  if (input.VolumeCount() > 1 || !HasUnarr()) return {{"libarchive", &OpenRarByLibarchive}};
   return {{"unarr", &OpenRarByUnarr}, {"libarchive", &OpenRarByLibarchive}};
 }
 

@@ -83,7 +83,9 @@ std::unique_ptr<EntryReader> OpenByUnarr(const ArchiveInput& input, const Reader
 }
 
 std::vector<Engine> ZipEngines(const ArchiveInput&) {
-  return {{"libarchive", &OpenZip}, {"unarr", &OpenByUnarr}};
+  std::vector<Engine> engines = {{"libarchive", &OpenZip}};
+  if (HasUnarr()) engines.push_back({"unarr", &OpenByUnarr});
+  return engines;
 }
 
 platform::Result CheckZip(const ArchiveInput& input) {

@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Builds Quendle for Windows (10 or later, 64 bits) with everything that it needs, and packs it:
+# build/Quendle-X.Y.Z-win64.zip. The first run also builds Qt, about half an hour on two cores.
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+install_missing zip
+"$windows/dependencies.sh" --windows
+# Anew, since the folder may have been configured before there was Qt.
+(cd "$root" && cmake --preset windows >/dev/null)
+build windows quendle
+
+version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$root/build/windows/CMakeCache.txt")
+name=Quendle-$version-win64
+staging=$(mktemp -d)
+trap 'rm -rf "$staging"' EXIT
+mkdir -p "$staging/$name"/{modules,licences}
+cp "$root/build/windows/src/Quendle.exe" "$staging/$name"
+cp "$root"/build/windows/src/modules/*.dll "$staging/$name/modules"
+cp "$root"/docs/manual*.md "$staging/$name"
+
+# What is linked in has licences that go with it. Debian keeps them with the packages for its own systems, which the build on
+# Linux needs and which are made from the same sources.
+for package in zlib1g libbz2-1.0 liblzma5 libzstd1 libarchive13 libunarr1 liblhasa0 libmspack0 libpcre2-8-0 libutf8proc2 \
+               libqt6core6 libstdc++6 mingw-w64-common; do
+  if [ -f "/usr/share/doc/$package/copyright" ]; then
+    cp "/usr/share/doc/$package/copyright" "$staging/$name/licences/$package.txt"
+  fi
+done
+
+archive=$root/build/$name.zip
+rm -f "$archive"
+(cd "$staging" && find "$name" -type f | sort | zip -q -9 -X "$archive" -@)
+echo "$archive"

@@ -1,0 +1,20 @@
+// What the toolkit does in another way on each system.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+class QObject;
+
+namespace quendle {
+
+// Why the toolkit cannot show windows here, although there is a display; empty when it can. One that tries and fails ends the
+// process.
+std::string MissingPlatform();
+
+// Calls `act` whenever the handle (RunningCopy::WaitHandle, platform::InterruptHandle) says so, on the thread of the windows,
+// until it answers false or `owner` goes. A handle of -1 never says anything.
+void WhenReady(std::intptr_t handle, QObject* owner, std::function<bool()> act);
+
+}  // namespace quendle
