@@ -18,8 +18,8 @@ namespace quendle::modules {
 
 class EntryWriter {
  public:
-  // Opens the lowest folder that the folders of all calls lie in. What is known of the archive's origin will be known
-  // of its files.
+  // Opens the lowest folder that the folders of all calls lie in. What is known of the archive's origin will
+  // be known of its files.
   static platform::Result Open(const std::string& archive, const std::vector<Call>& calls,
                                std::unique_ptr<EntryWriter>* writer);
 
