@@ -3,6 +3,9 @@
 # page, under which the settings files are written: wine.sh PROGRAM.EXE [ARGUMENT...]
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export WINEPREFIX=${WINEPREFIX:-$root/build/wine} WINEDEBUG=${WINEDEBUG:--all}
+# What tests throw away goes into the folder, too, not into the trash of whoever runs them.
+export XDG_DATA_HOME=$WINEPREFIX/data
+mkdir -p "$XDG_DATA_HOME"
 # No menu entries, no browser engine and no .NET for the folder.
 export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-winemenubuilder.exe=d;mscoree=d;mshtml=d}
 # Wine knows the characters of file names from the locale, which few machines have: it is made here.

@@ -16,7 +16,8 @@ struct OpenEntry {
 };
 
 // Copies data and metadata of `from` into the new, empty, writable file `to`, and makes sure that `from` is
-// in the state of `recorded` from beginning to end. `sync` puts the copy on the disk; without it SyncCopies does.
+// in the state of `recorded` from beginning to end. `sync` puts the copy on the disk; without it SyncCopies
+// does.
 Result CopyFileContent(Transfer& transfer, OpenEntry from, const EntryStatus& recorded, OpenEntry to,
                        bool sync);
 
@@ -24,8 +25,8 @@ Result CopyFileContent(Transfer& transfer, OpenEntry from, const EntryStatus& re
 Result SyncCopies(OpenEntry folder);
 
 // Gives `to` the owner, mode, times and extended attributes of `from`, as far as its file system can hold
-// them; on Windows attributes and times, since rights come from the folder. Owners are for moves; set-user-id and
-// set-group-id bits only follow their owner.
+// them; on Windows attributes and times, since rights come from the folder. Owners are for moves; set-user-id
+// and set-group-id bits only follow their owner.
 Result CopyMetadata(const Transfer& transfer, OpenEntry from, const EntryStatus& recorded, OpenEntry to);
 
 // The same for a new link, which has no mode and cannot be opened.

@@ -20,8 +20,8 @@ Result ReadWholeFile(const std::string& path, std::string* bytes);
 // file is left, unless only syncing the folder failed: then the new bytes are in place and the reason says
 // so. A path that is a symbolic link keeps the link; the file it names is replaced. A missing file is made. A
 // file that must not be written is kDenied. Who may not give the new file to the old owner gives it to the
-// old group; who may not do that either takes all rights from the group. Windows: the old file's attributes, rights and
-// time of creation are kept.
+// old group; who may not do that either takes all rights from the group. Windows: the old file's attributes,
+// rights and time of creation are kept.
 Result ReplaceFile(const std::string& path, std::string_view bytes);
 
 // Writes the content of a file that is for this run only and has been made before, such as one by

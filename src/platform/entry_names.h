@@ -13,7 +13,8 @@ inline constexpr std::string_view kSeparators = kHostNames == NameRules::kWindow
 // Without the separators at its end, which would make the system follow a link; a root keeps its own.
 std::string WithoutTrailingSlashes(std::string path);
 
-// The folder that holds the entry, "." for a bare name, and the entry's name in it, which is empty for a root.
+// The folder that holds the entry, "." for a bare name, and the entry's name in it, which is empty for a
+// root.
 std::string FolderOf(const std::string& path);
 std::string NameOf(const std::string& path);
 

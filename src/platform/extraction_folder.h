@@ -31,8 +31,8 @@ class ExtractionFolder {
   ExtractionFolder(const ExtractionFolder&) = delete;
   ExtractionFolder& operator=(const ExtractionFolder&) = delete;
 
-  // From now on files get the mark of the archive, if it has one, by which Windows knows what comes from the internet.
-  // Elsewhere nothing happens.
+  // From now on files get the mark of the archive, if it has one, by which Windows knows what comes from the
+  // internet. Elsewhere nothing happens.
   void MarkLike(const std::string& archive);
 
   // kNoSpace when the file system has less than that many bytes for this user.
@@ -74,8 +74,9 @@ class ExtractionFolder {
   // kRefused when its target is by CheckLinkTarget.
   Result AddLink(const std::string& path, const std::string& target, Replace replace);
 
-  // Makes the noted links and sets the times of the folders. All is tried; the failures, one for each link that
-  // was not made, have the link's path below the folder. To be called also after an extraction that failed.
+  // Makes the noted links and sets the times of the folders. All is tried; the failures, one for each link
+  // that was not made, have the link's path below the folder. To be called also after an extraction that
+  // failed.
   std::vector<Result> Finish();
 
  private:

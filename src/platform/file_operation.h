@@ -7,6 +7,9 @@
 // were not, behind "; " those that cannot go there at all), a deletion that ends early, and the source of a
 // moved folder when something in it cannot be removed any more: then the copy is complete and the rest of the
 // source stays. The observer is never null.
+//
+// Windows: what is given up to the recycle bin does not come back when a later step fails; the reason says
+// so. Parts of a file behind a ":" are no entries and kRefused.
 #pragma once
 
 #include <cstdint>
@@ -56,7 +59,9 @@ struct FileOperationOptions {
 // Within a file system this is a rename that replaces nothing. Across file systems it is a copy with mode,
 // times to the nanosecond, extended attributes, owner as far as permitted, holes and hard links inside a
 // folder kept, which is synced and compared before it gets its name; only then is the source removed, and
-// only if it did not change. Symbolic links are moved as links.
+// only if it did not change. Symbolic links are moved as links. Windows: attributes, times and named streams
+// are kept, rights are those of the new folder, junctions are links, and an encrypted file is kRefused whose
+// copy would not be. A file that is read-only may be moved, replaced by a yes, and deleted.
 //
 // A file onto an existing file asks; a folder onto an existing folder merges, and asks for each file that
 // exists on both sides; answering no leaves that file in the source and makes the result kExists. So does an
@@ -74,8 +79,8 @@ Result CopyEntry(const std::string& source, const std::string& destination,
                  const FileOperationOptions& options, FileOperationObserver* observer);
 
 // Removes a file or a folder with all it holds; with allow_undo it goes to the trash of its file system
-// (freedesktop.org trash on POSIX) and the result is a failure when there is none. Links are removed, not
-// followed.
+// (freedesktop.org trash on POSIX, the recycle bin on Windows) and the result is a failure when there is
+// none. Links are removed, not followed.
 Result DeleteEntry(const std::string& path, const FileOperationOptions& options,
                    FileOperationObserver* observer);
 

@@ -15,8 +15,8 @@ inline Result Outcome(DWORD error, std::string path) {
   return error == 0 ? Success() : SystemFailure(static_cast<int>(error), std::move(path));
 }
 
-// How an entry is opened or made: the rights, and the kernel's options. A link is opened itself, unless it is to be
-// followed.
+// How an entry is opened or made: the rights, and the kernel's options. A link is opened itself, unless it is
+// to be followed.
 struct NtOpening {
   ACCESS_MASK access = FILE_READ_ATTRIBUTES;
   ULONG options = 0;
@@ -29,8 +29,8 @@ struct NtOpening {
 inline constexpr ULONG kOnlyFolders = 0x1;  // FILE_DIRECTORY_FILE
 inline constexpr ULONG kOnlyFiles = 0x40;   // FILE_NON_DIRECTORY_FILE
 
-// Opens the entry `name` of the folder, or the folder itself without a name; a name with ":" in it is refused. The
-// functions answer 0 or an error as GetLastError has them.
+// Opens the entry `name` of the folder, or the folder itself without a name; a name with ":" in it is
+// refused. The functions answer 0 or an error as GetLastError has them.
 DWORD OpenBelow(HANDLE folder, std::wstring_view name, const NtOpening& how, Handle* opened);
 
 // Opens or makes a stream of the open file or folder by its name, which begins with ":".

@@ -1,5 +1,6 @@
-// A folder that is open, and what is done with the entries in it whatever becomes of its name meanwhile. Names are those
-// of single entries; links are never followed. Failures have the path of the entry below that of the folder.
+// A folder that is open, and what is done with the entries in it whatever becomes of its name meanwhile.
+// Names are those of single entries; links are never followed. Failures have the path of the entry below that
+// of the folder.
 #pragma once
 
 #include <cstdint>
@@ -14,8 +15,8 @@
 
 namespace quendle::platform {
 
-// Who sees a new file or folder besides the one who made it. What is hidden has a hidden name on POSIX, and an attribute
-// on Windows, where all rights come from the folder.
+// Who sees a new file or folder besides the one who made it. What is hidden has a hidden name on POSIX, and
+// an attribute on Windows, where all rights come from the folder.
 struct NewEntry {
   bool is_private = false;
   bool is_hidden = false;

@@ -23,8 +23,8 @@ Result NoFolder(const std::string& path) {
   return Failure(Code::kNotFolder, path, "a file or a link is where a folder would be");
 }
 
-// What was opened itself, which must be a folder. The content of some folders is elsewhere, and only shows when they
-// are not opened themselves.
+// What was opened itself, which must be a folder. The content of some folders is elsewhere, and only shows
+// when they are not opened themselves.
 Result TakeFolder(Handle opened, Use use, const std::string& shown, SystemHandle* handle) {
   EntryStatus status;
   if (const DWORD error = StatusOfOpen(opened.get(), &status); error != 0) return Outcome(error, shown);
@@ -57,7 +57,8 @@ DWORD OpenForRemoval(HANDLE folder, const std::wstring& name, Handle* entry) {
   return error == ERROR_ACCESS_DENIED ? OpenBelow(folder, name, {.access = kRemove}, entry) : error;
 }
 
-// A file that takes the place of a link to a folder, which the system does not replace. The link is back when that fails.
+// A file that takes the place of a link to a folder, which the system does not replace. The link is back when
+// that fails.
 DWORD ReplaceFolderLink(HANDLE entry, HANDLE folder, const std::wstring& name) {
   const std::wstring aside = WideFromText(TemporaryPath(""));
   Handle link;
@@ -135,8 +136,8 @@ Result OpenFolder::CheckRemovable(const std::string& name, const EntryStatus& /*
   return Outcome(OpenBelow(HandleFrom(get()), WideFromText(name), {.access = DELETE}, &opened), Shown(name));
 }
 
-// Followed, since only so the content is read that is kept elsewhere: whoever copies it looks whether it is still the
-// entry that is meant.
+// Followed, since only so the content is read that is kept elsewhere: whoever copies it looks whether it is
+// still the entry that is meant.
 Result OpenFolder::OpenFile(const std::string& name, SystemHandle* file) const {
   constexpr ULONG kReadAhead = 0x4;  // FILE_SEQUENTIAL_ONLY
   Handle opened;

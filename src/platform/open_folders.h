@@ -24,8 +24,8 @@ class OpenFolders {
   // The path, with "/" between its parts, as failures name it.
   std::string Shown(const std::string& path) const;
 
-  // Opens a folder by its path below the top, "" for the top itself, for passing through. With `make` missing folders are made. kNotFolder, with the path of that part, for a file or link on the
-  // way.
+  // Opens a folder by its path below the top, "" for the top itself, for passing through. With `make` missing
+  // folders are made. kNotFolder, with the path of that part, for a file or link on the way.
   Result Enter(const std::string& folder, bool make, FolderHandle* handle);
 
  private:

@@ -16,7 +16,8 @@ bool IsFolder(const std::string& path);
 bool IsTaken(const std::string& path);
 
 // Full path of an executable file of that bare name on the executable search path, or empty. Entries of the
-// path that are empty or relative are skipped: they would mean the current folder.
+// path that are empty or relative are skipped: they would mean the current folder. Windows: a name without a
+// dot gets ".exe".
 std::string FindOnSearchPath(const std::string& name);
 
 // Makes one folder; its parent must exist. kExists when the name is taken.
@@ -32,7 +33,8 @@ Result RemoveFile(const std::string& path);
 Result RemoveEmptyFolder(const std::string& path);
 
 // Could an entry be made at `path`, after making its missing folders? Looks without trying: the nearest
-// folder that is there must be one and let this process write, and no name may be too long.
+// folder that is there must be one and let this process write, and no name may be too long. Windows: nor may
+// one that is to be made be a device's, or one that other programs could not use.
 Result CheckPlace(const std::string& path);
 
 // kRefused when a part of `path` below `folder` is a link. What does not exist is none.
@@ -52,8 +54,9 @@ std::string WithRealFolder(const std::string& path);
 Result ReadLocalWriteTime(const std::string& path, std::int64_t* seconds);
 
 // The path made absolute against the current folder, "." and ".." resolved, each component spelled as its
-// folder lists it. A link that is the last component is kept as it is. Empty when a component cannot be
-// found, or the path is relative and the current folder has been removed.
+// folder lists it; on Windows with short names spelled out. A link that is the last component is kept as it
+// is. Empty when a component cannot be found, or the path is relative and the current folder has been
+// removed.
 std::string LongPath(const std::string& path);
 
 }  // namespace quendle::platform

@@ -35,8 +35,8 @@ Result CheckNewName(const std::string& name, const std::string& path) {
   return Failure(Code::kRefused, path, "the system has no files of the name " + name);
 }
 
-// The name under which its folder lists the entry; as it is given where the folder may not be listed, empty where there
-// is no such entry.
+// The name under which its folder lists the entry; as it is given where the folder may not be listed, empty
+// where there is no such entry.
 std::wstring ListedName(const std::wstring& path, std::wstring_view name) {
   WIN32_FIND_DATAW found;
   const HANDLE search = FindFirstFileW(path.c_str(), &found);

@@ -7,8 +7,8 @@
 
 namespace quendle::platform {
 
-// Gives the new file or folder `to` the named streams of `from`, both open, unless its file system has none. The paths are
-// for failures.
+// Gives the new file or folder `to` the named streams of `from`, both open, unless its file system has none.
+// The paths are for failures.
 Result CopyStreams(HANDLE from, const std::string& from_path, HANDLE to, const std::string& to_path);
 
 }  // namespace quendle::platform

@@ -17,8 +17,8 @@ struct TrashedEntry {
 // Puts the entry into the trash of its own file system. On failure it is where it was.
 Result TrashEntry(const std::string& path, TrashedEntry* trashed);
 
-// Brings it back to where it was, unless that name has been taken meanwhile. On Windows always a failure: only the user
-// gets things out of the recycle bin.
+// Brings it back to where it was, unless that name has been taken meanwhile. On Windows always a failure:
+// only the user gets things out of the recycle bin.
 Result RestoreTrashed(const TrashedEntry& trashed);
 
 }  // namespace quendle::platform

@@ -1,7 +1,6 @@
 // Places to test in, and what they are.
 #pragma once
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
 

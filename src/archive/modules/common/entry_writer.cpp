@@ -38,11 +38,14 @@ std::string_view LastPart(std::string_view path) {
 
 }  // namespace
 
-platform::Result EntryWriter::Open(const std::vector<Call>& calls, std::unique_ptr<EntryWriter>* writer) {
+platform::Result EntryWriter::Open(const std::string& archive, const std::vector<Call>& calls,
+                                   std::unique_ptr<EntryWriter>* writer) {
   std::string base = CommonFolder(calls);
   std::unique_ptr<platform::ExtractionFolder> folder;
   platform::Result result = platform::ExtractionFolder::Open(base, &folder);
-  if (result.ok()) writer->reset(new EntryWriter(std::move(base), std::move(folder)));
+  if (!result.ok()) return result;
+  folder->MarkLike(archive);
+  writer->reset(new EntryWriter(std::move(base), std::move(folder)));
   return result;
 }
 
