@@ -39,7 +39,7 @@ Result NotOpened(const std::string& path) {
   const std::string folder = FolderOf(path);
   if (result.code != Code::kNotFound || !ReadTargetStatus(folder, &above).ok() || above.is_folder())
     return result;
-  return Failure(Code::kNotFolder, path, "a file is where a folder would be");
+  return Failure(Code::kNotFolder, path, "a file or a link is where a folder would be");
 }
 
 // Follows links in the last component, so that the answer is where the file is or, when it is missing, would

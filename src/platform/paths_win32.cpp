@@ -108,7 +108,7 @@ Result CheckPlace(const std::string& path) {
     if (!is_there && FolderOf(folder) == folder) return SystemFailure(ERROR_PATH_NOT_FOUND, folder);
     if (!is_there) folder = FolderOf(folder);
   } while (!is_there);
-  if (!status.is_folder()) return Failure(Code::kNotFolder, folder, "a file is where a folder would be");
+  if (!status.is_folder()) return Failure(Code::kNotFolder, folder, "a file or a link is where a folder would be");
   const Handle writable(CreateFileW(SystemPath(folder).c_str(), FILE_ADD_FILE | FILE_ADD_SUBDIRECTORY,
                                     kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
   return writable.ok() ? Success() : LastSystemFailure(folder);

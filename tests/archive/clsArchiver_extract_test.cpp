@@ -3,6 +3,7 @@
 #include "archive/clsArchiver.h"
 #include "platform/code_page.h"
 #include "support/archiver_bench.h"
+#include "support/file_systems.h"
 
 namespace quendle {
 namespace {
@@ -44,7 +45,7 @@ GTEST_TEST(ClsArchiverExtract, StopsAtTheFirstResultThatIsNotZero) {
       EXPECT_EQ(bench.archiver.mExtractArchive(bench.folder / "d"), row.succeeds);
       EXPECT_TRUE(bench.archiver.SMARTMAKEDIR);
       EXPECT_EQ(bench.ResponseFilesLeft(), is_plain ? row.left : 0);
-      const std::string calls = is_plain ? platform::TextFromAnsi(bench.Calls()) : bench.Calls();
+      const std::string calls = bench.Calls(is_plain);
       EXPECT_TRUE(row.succeeds ? calls == kTreeCalls : kTreeCalls.starts_with(calls)) << calls;
       EXPECT_EQ(bench.user.logs, Texts{"Extracted from " + bench.folder / "a.lzh" + ":\r\n\r\n" + row.log});
       EXPECT_TRUE(fs::is_directory(bench.folder / "d/Sub") || row.left == 2);
@@ -123,7 +124,10 @@ GTEST_TEST(ClsArchiverExtract, PlacesThatCannotBeUsed) {
       test::ArchiverBench bench;
       bench.Install("7-zip32", variant);
       fs::create_directories(bench.folder / "linked");
-      fs::create_directory_symlink(bench.folder / "tmp", bench.folder / "linked/s");
+      const bool has_link = test::MakeLink(bench.folder / "tmp", bench.folder / "linked/s");
+      const bool has_quotes = test::kSeparator == '/';
+      if (!has_link && std::string(row.destination) == "linked") continue;
+      if (!has_quotes && std::string(row.reason) == "double quote") continue;
       ASSERT_EQ(bench.Take(row.archive, "accept SevenZip\nentry T/a\nentry T/s/b\n"), 5);
       bench.archiver.SMARTMAKEDIR = true;
       EXPECT_FALSE(bench.archiver.mExtractArchive(bench.folder / row.destination));
@@ -155,12 +159,14 @@ GTEST_TEST(ClsArchiverExtract, AnsiLibraries) {
   test::ArchiverBench bench;
   bench.Install("UnZIP32", "plain");
   const std::string script = "accept UnZip\nentry " + *platform::AnsiFromText("表\\ソ.txt") + "\n";
-  test::WriteFile(bench.folder / *platform::AnsiFromText("表.zip"), script);
-  ASSERT_EQ(bench.Take("表.zip", ""), 1);
+  // The name by which a library opens it: on POSIX its bytes, on Windows its characters.
+  const std::string archive =
+      bench.folder / (test::kSeparator == '/' ? *platform::AnsiFromText("表.zip") : "表.zip");
+  test::WriteFile(archive, script);
+  ASSERT_EQ(bench.Take("表.zip", script), 1);
   EXPECT_TRUE(bench.archiver.mExtractArchive(bench.folder / "ソ"));
-  bench.archiver.pFileName = bench.folder / *platform::AnsiFromText("表.zip");
-  EXPECT_EQ(platform::TextFromAnsi(bench.Calls()),
-            "-x -s -i -C -o \"~/表.zip\" \"~/ソ/\" \"@\"\n\"表/ソ.TXT\"\n");
+  bench.archiver.pFileName = archive;
+  EXPECT_EQ(bench.Calls(true), "-x -s -i -C -o \"~/表.zip\" \"~/ソ/\" \"@\"\n\"表/ソ.TXT\"\n");
   EXPECT_EQ(bench.Take("é.zip", script), 0) << "a path that it cannot be told";
   ASSERT_EQ(bench.Take("a.zip", script), 1);
   EXPECT_FALSE(bench.archiver.mExtractArchive(bench.folder / "é"));
@@ -170,7 +176,8 @@ GTEST_TEST(ClsArchiverExtract, AnsiLibraries) {
 GTEST_TEST(ClsArchiverExtract, AResponseFileThatCannotBeNamed) {
   test::ArchiverBench bench;
   bench.Install("UnZIP32", "full");
-  fs::create_directory(bench.folder / "t\"");
+  std::error_code error;
+  if (!fs::create_directory(bench.folder / "t\"", error)) GTEST_SKIP() << "no folder has such a name";
   const test::ScopedVariable temporary(test::ArchiverBench::kTemporaryFolder, bench.folder / "t\"");
   ASSERT_EQ(bench.Take("a.zip", "accept UnZip\nentry a\n"), 1);
   EXPECT_FALSE(bench.archiver.mExtractArchive(bench.folder / "d"));
@@ -243,9 +250,14 @@ GTEST_TEST(ClsArchiverExtract, QuestionsAndProgress) {
   EXPECT_FALSE(extract("proceed it looks like a bomb\n"));
   EXPECT_TRUE(bench.archiver.LastReport().by_user);
   EXPECT_EQ(bench.user.asked_proceed, Texts{"it looks like a bomb"});
+  int shown = 0;  // beside what a slow pass reports by itself
+  bench.user.on_progress = [&shown](const platform::FileProgress& progress) {
+    shown += progress.path == "x" ? 1 : 0;
+    return true;
+  };
   EXPECT_TRUE(extract("progress x\n"));
-  EXPECT_EQ(bench.user.shown_progress, 2);
-  EXPECT_EQ(bench.user.ended_progress, 1);
+  EXPECT_EQ(shown, 2);
+  EXPECT_GE(bench.user.ended_progress, 1);
 
   // A fault of the program's own shows a message, never passes through the library and is never a success.
   bench.user.on_progress = [](const platform::FileProgress&) -> bool { throw std::runtime_error("broken"); };

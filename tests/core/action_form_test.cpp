@@ -394,7 +394,7 @@ GTEST_TEST(ActionForm, ActsByTheSelectedProfile) {
   Bench bench({"a.zip", "b.none"},
               "[p]\nPattern=.*zip\nOpenFile=p.txt\nID=1\nAction=1\nExtractTo=~/x\n"
               "[q]\nPattern=q\nOpenFile=q.txt\n",
-              "CheckArchive=1\nAction=1\n");
+              "CheckArchive=1\nAction=1\nExtractTo=~/standard\n");
   bench.run.archiver->type = 1;
   ASSERT_TRUE(bench.form.Advance());
   bench.form.SetOpenDir(true);

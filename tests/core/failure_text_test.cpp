@@ -1,5 +1,7 @@
 #include "core/failure_text.h"
 
+#include "base/display.h"
+
 namespace quendle {
 namespace {
 
@@ -14,16 +16,20 @@ GTEST_TEST(FailureText, NamesTheStepsThatWereNotDone) {
   for (const char* name : {"a\n", "b", "", "d", "e", "f", "g"}) {
     broken.extraction->problems.push_back({name, "it cannot be read"});
   }
+  const std::string line_break = ForDisplay("\n");
+  const std::string in = "/in" + line_break;
   const struct {
     std::vector<ActionStep> steps;
-    const char* text;
+    std::string text;
   } rows[] = {
       {{copied, declined}, ""},
-      {{copied, refused}, "/in\\n\r\n移動できませんでした\r\nフォルダが指定されていません"},
-      {{copied, elsewhere}, "/in\\n\r\n移動できませんでした: /m/a\\nb\r\nアクセス権がありません: /m\\n"},
+      {{copied, refused}, in + "\r\n移動できませんでした\r\nフォルダが指定されていません"},
+      {{copied, elsewhere},
+       in + "\r\n移動できませんでした: /m/a" + line_break + "b\r\nアクセス権がありません: /m" + line_break},
       {{broken, declined},
-       "/in\\n\r\n解凍できませんでした: /x\r\na\\n: 読み込めません\r\nb: 読み込めません\r\n読み込めません\r\n"
-       "d: 読み込めません\r\ne: 読み込めません\r\nほか 2 件"},
+       in + "\r\n解凍できませんでした: /x\r\na" + line_break +
+           ": 読み込めません\r\nb: 読み込めません\r\n読み込めません\r\n"
+           "d: 読み込めません\r\ne: 読み込めません\r\nほか 2 件"},
   };
   for (const auto& row : rows) EXPECT_EQ(FailureText("/in\n", row.steps), row.text);
 }

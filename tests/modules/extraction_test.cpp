@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "archive/modules/common/response_file.h"
+#include "support/file_systems.h"
 #include "support/picture.h"
 #include "support/scripted_family.h"
 #include "support/temp_folder.h"
@@ -80,6 +81,7 @@ struct Fixture {
   }
 
   Files Out() const { return test::Picture(folder / "out"); }
+  bool HasLinks() const { return test::MakeLink("target", folder / "link"); }
 };
 
 GTEST_TEST(Extraction, EachEntryIsWrittenOrNamed) {
@@ -110,6 +112,7 @@ GTEST_TEST(Extraction, EachEntryIsWrittenOrNamed) {
     Files expected = row.out;
     expected["before"] = "file 1";
     expected["z"] = "file 2";
+    if (row.out.contains("l") && !fixture.HasLinks()) continue;
     EXPECT_EQ(fixture.Out(), expected);
     EXPECT_EQ(fixture.calls[0].failed, *row.problem != '\0');
     ASSERT_EQ(fixture.host.problems.size(), *row.problem == '\0' ? 0U : 1U);
@@ -126,13 +129,14 @@ GTEST_TEST(Extraction, WithoutPathsAColonIsNoDrive) {
   test::g_first_engine.entries = {{"T/x:y", "1"}, {"T/C:s/x", "2"}};
   fixture.calls[0].request.with_paths = false;
   fixture.Run();
-  EXPECT_EQ(fixture.Out(), (Files{{"x:y", "file 1"}, {"x", "file 2"}}));
+  EXPECT_EQ(fixture.Out(), (Files{{test::kSeparator == '/' ? "x:y" : "x_y", "file 1"}, {"x", "file 2"}}));
   EXPECT_EQ(fixture.host.problems, std::vector<std::string>{});
 }
 
 // Links are made last, but have had their names all along.
 GTEST_TEST(Extraction, LinksOfOneNameAreToldApart) {
   Fixture fixture;
+  if (!fixture.HasLinks()) GTEST_SKIP() << "no links can be made here";
   test::g_first_engine.entries = {{"l", "", ReadStatus::kEnd, EntryKind::kLink, "a"},
                                   {"l", "", ReadStatus::kEnd, EntryKind::kLink, "b"},
                                   {"l", "", ReadStatus::kEnd, EntryKind::kLink, "c"},
@@ -200,9 +204,12 @@ GTEST_TEST(Extraction, CallsWithoutPaths) {
   fixture.calls = {Call{request, {"T/", "T/A"}, {}, false}, Call{request, {"T/S/A", "T/GONE"}, {}, false}};
   fixture.calls[1].request.folder += "/s";
   fixture.Run();
-  EXPECT_EQ(
-      fixture.Out(),
-      (Files{{"a", "file 1"}, {"s", "folder"}, {"s/a", "file 2"}, {"s/A", "file 3"}, {"s/a (2)", "file 4"}}));
+  const bool ignores_case = test::kSeparator != '/';
+  EXPECT_EQ(fixture.Out(), (Files{{"a", "file 1"},
+                                  {"s", "folder"},
+                                  {"s/a", "file 2"},
+                                  {ignores_case ? "s/A (2)" : "s/A", "file 3"},
+                                  {ignores_case ? "s/a (3)" : "s/a (2)", "file 4"}}));
   EXPECT_FALSE(fixture.calls[0].failed);
   EXPECT_EQ(fixture.calls[0].log, std::vector<std::string>{"extracted  T/a"});
   EXPECT_TRUE(fixture.calls[1].failed);

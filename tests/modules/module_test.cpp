@@ -149,7 +149,7 @@ GTEST_TEST(Module, CallsOverOneArchive) {
   EXPECT_EQ(test::Picture(fixture.folder / "out"),
             (std::map<std::string, std::string>{{"a", "file 1"}, {"c", "file 3"}}));
   test::WriteFile(fixture.folder / "b", "archive");
-  lines[1].replace(lines[1].find("/a\""), 3, "/b\"");
+  lines[1].replace(lines[1].find("a\""), 2, "b\"");
   calls[1].command_line = lines[1].c_str();
   fixture.problems.clear();
   EXPECT_NE(fixture.module.ExtractCalls(calls.data(), 2), 0);

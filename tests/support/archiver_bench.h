@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "archive/clsArchiver.h"
+#include "platform/code_page.h"
 #include "platform/library.h"
 #include "support/picture.h"
 #include "support/scoped_variable.h"
@@ -41,6 +42,9 @@ class ArchiverBench {
   void Install(const std::string& name, const std::string& variant) {
     InstallModule(folder / "modules", name, variant);
   }
+  std::string Module(const std::string& name) const {
+    return folder / "modules" + kSeparator + name + std::string(platform::kLibrarySuffix);
+  }
 
   // Makes the archive folder/`name` of that script the one to work on; the answer is its type.
   std::int16_t Take(const std::string& name, const std::string& script) {
@@ -49,10 +53,12 @@ class ArchiverBench {
     return archiver.GetArcType();
   }
 
-  // What the library of the archive was asked to do, with the test's folder as "~" and response files as "@".
-  std::string Calls() const {
+  // What the library of the archive was asked to do, with the test's folder as "~" and response files as "@". A "plain"
+  // library was asked in the encoding of such libraries.
+  std::string Calls(bool is_plain = false) const {
     std::string calls = ReadFile(archiver.pFileName + ".calls");
-    for (std::size_t at; (at = calls.find("@" + folder / "tmp/")) != std::string::npos;) {
+    if (is_plain) calls = platform::TextFromAnsi(calls);
+    for (std::size_t at; (at = calls.find("@" + (folder / "tmp") + kSeparator)) != std::string::npos;) {
       calls = calls.substr(0, at + 1) + calls.substr(calls.find('"', at));
     }
     for (std::size_t at; (at = calls.find(folder.path())) != std::string::npos;) {

@@ -44,7 +44,7 @@ inline std::map<std::string, std::string> Picture(const std::string& folder) {
 
 inline void SetWriteTime(const std::string& path, std::int64_t seconds) {
   const std::chrono::sys_time<std::chrono::seconds> time{std::chrono::seconds(seconds)};
-  std::filesystem::last_write_time(FsPath(path), std::chrono::file_clock::from_sys(time));
+  std::filesystem::last_write_time(ExactPath(path), std::chrono::file_clock::from_sys(time));
 }
 
 }  // namespace quendle::test
