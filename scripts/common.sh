@@ -7,6 +7,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 packages=(g++ cmake ninja-build pkg-config ccache libpcre2-dev libutf8proc-dev nlohmann-json3-dev libgtest-dev xdg-utils
           libarchive-dev libunarr-dev zlib1g-dev liblhasa-dev libmspack-dev qt6-base-dev libgl-dev librsvg2-bin libxcb1-dev
           fonts-noto-cjk)
+# What the scripts drive and photograph windows with.
+window_packages=(xvfb openbox xdotool x11-utils imagemagick)
 
 is_installed() {
   [ "$(dpkg-query -W -f '${db:Status-Abbrev}' "$1" 2>/dev/null | cut -c1-2)" = ii ]

@@ -2,7 +2,7 @@
 # Photographs the windows in their states into docs/images/ (or a folder that is given), under an X server and a window manager
 # of its own: screenshots.sh [FOLDER [SCALE]]
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
-install_missing xvfb openbox xdotool x11-utils imagemagick zip
+install_missing "${window_packages[@]}" zip
 build release quendle
 
 out=$(mkdir -p "${1:-$root/docs/images}" && cd "${1:-$root/docs/images}" && pwd)
@@ -11,47 +11,11 @@ export HOME=$work/home XDG_RUNTIME_DIR=$work/run QT_SCALE_FACTOR=${2:-1}
 unset WAYLAND_DISPLAY XDG_CONFIG_HOME QT_QPA_PLATFORM
 mkdir -p "$HOME" "$work/in" "$work/out" "$work/settings"
 mkdir -m 700 "$XDG_RUNTIME_DIR"
-display_file=$work/display
-Xvfb -displayfd 3 -screen 0 1600x1200x24 -nolisten tcp 3>"$display_file" 2>/dev/null &
-server=$!
-manager=
-program=
-finish() {
-  for process in $program $manager $server; do kill "$process" 2>/dev/null || true; done
-  rm -rf "$work"
-}
-trap finish EXIT
-until [ -s "$display_file" ]; do sleep 0.1; done
-DISPLAY=:$(cat "$display_file")
-export DISPLAY
-openbox >/dev/null 2>&1 &
-manager=$!
-until xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q window; do sleep 0.1; done
-xdotool mousemove 5 5
+. "$(dirname "${BASH_SOURCE[0]}")/window_driver.sh"
 
 start() {
   "$root/build/release/src/quendle" --settings "$work/settings" "$@" >"$work/log" 2>&1 &
   program=$!
-}
-# Waits until a window with a title like this has the focus and has been painted.
-await() {
-  local tries=0
-  until xdotool getactivewindow getwindowname 2>/dev/null | grep -q -- "$1"; do
-    tries=$((tries + 1))
-    [ $tries -lt 100 ] || { echo "no window \"$1\" came" >&2; cat "$work/log" >&2; exit 1; }
-    sleep 0.1
-  done
-  sleep 0.5
-}
-shoot() {
-  import -window "$(xdotool getactivewindow)" "$out/$1.png"
-  echo "$out/$1.png"
-}
-press() { xdotool key --delay 60 "$@"; }
-stop() {
-  kill "$program" 2>/dev/null || true
-  wait "$program" 2>/dev/null || true
-  program=
 }
 
 # The list of profiles, the editor, the tester and About, from the first start on.

@@ -5,6 +5,7 @@
 #include <QPainter>
 
 #include "core/failure_text.h"
+#include "ui/form_helpers.h"
 #include "ui/text.h"
 
 namespace quendle {
@@ -30,11 +31,11 @@ QColor MarkColourOf(StepKind kind, const QColor& text) {
   return text.lightness() > 127 ? QColor::fromHsl(hue, 150, 190) : QColor::fromHsl(hue, 190, 80);
 }
 
-void PaintMark(QPainter* painter, const QRect& place, StepKind kind, const QColor& colour) {
-  QColor fill = colour;
-  fill.setAlphaF(0.13F);
+// On a ground of its own: how styles paint what is selected differs.
+void PaintMark(QPainter* painter, const QRect& place, StepKind kind, const QPalette& palette) {
+  const QColor colour = MarkColourOf(kind, palette.color(QPalette::WindowText));
   painter->setPen(colour);
-  painter->setBrush(fill);
+  painter->setBrush(MixedColour(palette.color(QPalette::Base), colour, 13));
   painter->drawRoundedRect(QRectF(place).adjusted(0.5, 0.5, -0.5, -0.5), 3, 3);
   painter->drawText(place, Qt::AlignCenter, ToQt(StepName(kind)));
 }
@@ -65,8 +66,6 @@ void ActionMarks::paint(QPainter* painter, const QStyleOptionViewItem& option,
   const QStyle* style = cell.widget == nullptr ? QApplication::style() : cell.widget->style();
   style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
 
-  const bool is_selected = cell.state.testFlag(QStyle::State_Selected);
-  const QColor text = cell.palette.color(is_selected ? QPalette::HighlightedText : QPalette::WindowText);
   painter->save();
   painter->setClipRect(cell.rect);
   painter->setRenderHint(QPainter::Antialiasing);
@@ -79,7 +78,7 @@ void ActionMarks::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const int width = MarkWidth(metrics, kind);
     const QRect place(x, cell.rect.center().y() - height / 2 + 1, width, height);
     if ((row.action & static_cast<std::int16_t>(kind)) != 0) {
-      PaintMark(painter, place, kind, is_selected ? text : MarkColourOf(kind, text));
+      PaintMark(painter, place, kind, cell.palette);
     }
     x += width + kGap;
   }
