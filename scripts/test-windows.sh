@@ -11,9 +11,13 @@ build windows all
 if [ -f "$root/build/windows/src/modules/QuendleWindows.dll" ]; then
   "$root/scripts/windows-pictures.sh" "$root/build/windows-pictures"
 fi
-# One start makes the folder of Wine, which tests that start at the same time would get in each other's way with.
+# Wine's folder, server and services are there before the tests: these start at the same time, a server that is about to end
+# would fail one of them, and services that one of them started would keep its output open.
+export WINEPREFIX=${WINEPREFIX:-$root/build/wine}
+mkdir -p "$WINEPREFIX"
+/usr/lib/wine/wineserver -k -w || true
+trap '/usr/lib/wine/wineserver -k || true' EXIT
+/usr/lib/wine/wineserver -p
 timeout 300 "$root/scripts/wine.sh" wineboot -i >/dev/null 2>&1
-# The server would go on for some seconds behind the last program and keep the folder.
-trap 'WINEPREFIX=${WINEPREFIX:-$root/build/wine} /usr/lib/wine/wineserver -k || true' EXIT
 cd "$root"
 ctest --preset windows --parallel "$(nproc)" "$@"
