@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QKeyEvent>
+#include <utility>
 
 namespace quendle {
 namespace {
@@ -17,7 +18,13 @@ class HeldKeys : public QObject {
   // Of the native windows, through which all keys come.
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (!watched->isWindowType()) return false;
-    if (event->type() == QEvent::KeyPress) return IsHandled(watched, *static_cast<QKeyEvent*>(event));
+    if (event->type() == QEvent::KeyPress) {
+      const auto& key = *static_cast<QKeyEvent*>(event);
+      const int before = std::exchange(pressed_, key.key());
+      // When a release went astray between two windows, the system takes the next press for a repetition.
+      if (key.isAutoRepeat() && key.key() != before) return Send(watched, key, false);
+      return IsHandled(watched, key);
+    }
     if (event->type() == QEvent::KeyRelease) {
       released_ = static_cast<QKeyEvent*>(event)->key();
       released_at_ = static_cast<QKeyEvent*>(event)->timestamp();
@@ -30,14 +37,18 @@ class HeldKeys : public QObject {
     const bool follows = key.key() == released_ && key.timestamp() - released_at_ <= kRepeatTime;
     if (!follows && !key.isAutoRepeat()) return false;
     if (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter || key.key() == Qt::Key_Escape) return true;
-    if (key.isAutoRepeat()) return false;
+    return !key.isAutoRepeat() && Send(window, key, true);
+  }
+
+  static bool Send(QObject* window, const QKeyEvent& key, bool is_repeat) {
     QKeyEvent told(key.type(), key.key(), key.modifiers(), key.nativeScanCode(), key.nativeVirtualKey(),
-                   key.nativeModifiers(), key.text(), true, static_cast<quint16>(key.count()));
+                   key.nativeModifiers(), key.text(), is_repeat, static_cast<quint16>(key.count()));
     told.setTimestamp(key.timestamp());
     QCoreApplication::sendEvent(window, &told);
     return true;
   }
 
+  int pressed_ = 0;
   int released_ = 0;
   quint64 released_at_ = 0;
 };

@@ -79,6 +79,14 @@ GTEST_TEST(MsgBox, AnswersOfKeysAndClicks) {
          Key(Qt::Key_Space)(box);
        },
        kAnswerNo},
+      {"a press taken for a repetition, since no release came", kButtonsOk,
+       [](QDialog* box) {
+         for (const auto key : {Qt::Key_X, Qt::Key_Return}) {
+           QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, "", key == Qt::Key_Return);
+           QApplication::sendEvent(box->windowHandle(), &press);
+         }
+       },
+       kAnswerOk},
       {"what answers nothing", kButtonsOk,
        [](QDialog* box) {
          Key(Qt::Key_Escape)(box);
