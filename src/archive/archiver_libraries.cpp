@@ -17,6 +17,11 @@ const ArchiverLibrary* ArchiverLibraries::Use(const ArchiverRow& row) {
   return library.get();
 }
 
+std::string ArchiverLibraries::Problem(const ArchiverRow& row) const {
+  const auto failure = failures_.find(row.type);
+  return failure == failures_.end() ? "" : failure->second.reason;
+}
+
 std::vector<std::string> ArchiverLibraries::Problems() const {
   std::vector<std::string> problems;
   for (const auto& [type, failure] : failures_) {

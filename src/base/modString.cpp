@@ -1,5 +1,6 @@
 #include "base/modString.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 #include <vector>
@@ -117,6 +118,24 @@ std::string RemoveBackslashes(std::string_view path, PathStyle style) {
 bool IsAbsolutePath(std::string_view path, PathStyle style) {
   if (style == PathStyle::kPosix) return path.substr(0, 1) == "/";
   return path.find(':') != std::string_view::npos || path.substr(0, 2) == "\\\\";
+}
+
+bool IsRootedPath(std::string_view path, PathStyle style) {
+  if (style == PathStyle::kPosix) return IsAbsolutePath(path, style);
+  return HasDriveRoot(path) || (path.starts_with("\\\\") && path.size() > 2 && path[2] != '\\');
+}
+
+std::string PlainPath(std::string_view path, PathStyle style) {
+  std::string plain(path);
+  if (style == PathStyle::kPosix) return plain;
+  std::replace(plain.begin(), plain.end(), '/', '\\');
+  constexpr std::size_t kPrefix = 4;
+  constexpr std::string_view kShare = "UNC\\";
+  if (!plain.starts_with("\\\\?\\") && !plain.starts_with("\\\\.\\")) return plain;
+  const std::string rest = plain.substr(kPrefix);
+  if (HasDriveRoot(rest)) return rest;
+  const bool is_share = EqualsIgnoringCase(rest.substr(0, kShare.size()), kShare);
+  return is_share ? "\\\\" + rest.substr(kShare.size()) : plain;
 }
 
 bool HasParentComponent(std::string_view path, PathStyle style) {

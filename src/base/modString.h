@@ -41,6 +41,17 @@ std::string RemoveBackslashes(std::string_view path, PathStyle style = kHostStyl
 //   Posix:   "/x" => true      "x:y" => false               "" => false
 bool IsAbsolutePath(std::string_view path, PathStyle style = kHostStyle);
 
+// Does it also not count from where the process is, as on Windows "C:x" does, which IsAbsolutePath lets pass?
+//   Windows: "C:\x" => true   "\\server\x" => true   "C:x" => false   "C:" => false   "ab:\x" => false
+//   Posix:   "/x" => true
+bool IsRootedPath(std::string_view path, PathStyle style = kHostStyle);
+
+// A path that somebody wrote, as the program writes paths: on Windows with "\" only, and without the prefixes
+// of the system's own ("\\?\", "\\.\") before a drive or a share.
+//   Windows: "C:/a/b" => "C:\a\b"    "\\?\C:\a/b" => "C:\a\b"    "//?/UNC/server/a" => "\\server\a"
+//   Posix:   "/a\b" => "/a\b"
+std::string PlainPath(std::string_view path, PathStyle style = kHostStyle);
+
 // Does an absolute path have ".." as one of its components?
 //   Posix: "/a/../b" => true    "/a/.." => true    "/a/..b" => false
 bool HasParentComponent(std::string_view path, PathStyle style = kHostStyle);

@@ -12,6 +12,7 @@ namespace quendle {
 std::vector<std::string> TakenPaths(const Options& options) {
   std::vector<std::string> paths = options.paths;
   for (std::string& path : paths) {
+    path = PlainPath(path);
     if (FolderExists(path)) path = RemoveBackslashes(path);
   }
   if (!IsWindowed(options) || paths.size() <= kMostPaths) return paths;

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "base/display.h"
+#include "base/modString.h"
 #include "base/modSystem.h"
 #include "base/text.h"
 #include "core/action_form.h"
@@ -60,7 +61,7 @@ void ActionForm::TypeFolder(std::size_t row, const std::string& shown) {
   if (shown == field.shown) return;
   // Only who saw something escaped writes so, too.
   const bool is_escaped = field.shown != field.path;
-  field.path = is_escaped ? FromDisplay(shown) : shown;
+  field.path = PlainPath(is_escaped ? FromDisplay(shown) : shown);
   field.shown = shown;
   field.is_typed = true;
   const bool is_folder = field.path.ends_with(Separator(kHostStyle)) || FolderExists(field.path);

@@ -16,7 +16,10 @@ bool Includes(std::int16_t action, StepKind kind) {
   return (action & static_cast<std::int16_t>(kind)) != 0;
 }
 
-// Through links it would not lead where it seems to, and folders that are made on the way would stay.
+std::string Described(const platform::Result& place) {
+  return place.ok() ? "" : place.reason + ": " + place.path;
+}
+
 class BusyScope {
  public:
   explicit BusyScope(UserInterface& user) : user_(user) { user_.SetBusy(true); }
@@ -101,9 +104,11 @@ bool clsMover::IsMoveIntoOwnFolder(StepKind kind) const {
 std::string clsMover::KnownProblem(const ActionStep& step) const {
   if (step.kind == StepKind::kExtract && ARCHIVETYPE == 0) return "not an archive that can be extracted";
   if (step.to.empty()) return "no destination folder is set";
-  if (!IsAbsolutePath(step.to)) return "the destination folder is not an absolute path";
+  if (!IsRootedPath(step.to)) return "the destination folder is not an absolute path";
+  // Through links it would not lead where it seems to, and folders that are made on the way would stay.
   if (HasParentComponent(step.to)) return "the destination folder has \"..\" in it";
-  return step.kind == StepKind::kExtract ? "" : PlaceProblem(step);
+  if (step.kind != StepKind::kExtract) return PlaceProblem(step);
+  return FolderExists(step.to) ? "" : Described(platform::CheckPlace(step.to));
 }
 
 std::string clsMover::PlaceProblem(const ActionStep& step) const {
@@ -118,7 +123,7 @@ std::string clsMover::PlaceProblem(const ActionStep& step) const {
   if (DOESFOLDER && FileExists(step.to)) return "a file of that name is in the way";
   platform::Result place = platform::CheckPlace(step.to);
   if (place.ok() && step.kind == StepKind::kMove) place = platform::CheckPlace(ORIGINALPATH);
-  return place.ok() ? "" : place.reason + ": " + place.path;
+  return Described(place);
 }
 
 // Would the user be asked whether to overwrite, after the steps that come before?

@@ -7,7 +7,8 @@
 
 namespace quendle {
 
-std::string clsMover::GetTargetPathByFolder(std::int16_t kind, const std::string& folder) const {
+std::string clsMover::GetTargetPathByFolder(std::int16_t kind, const std::string& written) const {
+  const std::string folder = PlainPath(written);
   if (kind == 1) return folder;
   if (kind != 2 && kind != 4) return "";
   if (DOESFOLDER) return folder;

@@ -70,9 +70,12 @@ Result WhyNotLoaded(const std::string& path, DWORD error) {
       break;
     case ERROR_DLL_INIT_FAILED:
     case ERROR_NOACCESS:
+    case ERROR_MR_MID_NOT_FOUND:  // an exception that has no error of its own
       failure.reason = "it failed while it was being loaded";
       break;
     default:
+      // An exception in it, which the system ends with the exception's own number.
+      if (error > 0xFFFF) failure.reason = "it failed while it was being loaded";
       break;
   }
   return failure;

@@ -135,6 +135,7 @@ std::string TextFromWide(std::wstring_view wide) {
 
 std::wstring SystemPath(std::string_view path) {
   std::wstring wide = WideFromText(path);
+  if (wide.starts_with(L"//?/")) std::replace(wide.begin(), wide.end(), L'/', L'\\');
   if (wide.empty() || wide.starts_with(kPrefix) || wide.starts_with(kDevicePrefix)) return wide;
   if (RootLength(wide) == 0) wide = Absolute(wide);
   if (wide.starts_with(kPrefix)) return wide;

@@ -23,7 +23,7 @@ std::string TextFromWide(std::wstring_view wide);
 // turns the system's own rewriting off, so that "con", "a." and "a " are names like any other.
 //   "C:\a/b" => "\\?\C:\a\b"    "\\server\share\a" => "\\?\UNC\server\share\a"    "C:\a\..\b" => "\\?\C:\b"
 // What is relative, or relative to a drive ("C:a", "\a"), counts from where the process is. A path that has the prefix
-// keeps it, and no path is none.
+// keeps it, also when it is written with "/", and no path is none.
 std::wstring SystemPath(std::string_view path);
 
 // And back; a volume that has no name without the prefix keeps it.

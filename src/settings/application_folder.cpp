@@ -9,7 +9,7 @@ namespace quendle {
 namespace {
 
 SettingsFolders Together(const std::string& folder) {
-  const std::string whole = RemoveBackslash(MakeAbsolute(folder, platform::CurrentFolder()));
+  const std::string whole = RemoveBackslash(MakeAbsolute(PlainPath(folder), platform::CurrentFolder()));
   return {whole, whole};
 }
 

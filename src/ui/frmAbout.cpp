@@ -13,6 +13,7 @@
 #include "archive/archiver_libraries.h"
 #include "base/display.h"
 #include "base/modString.h"
+#include "base/reasons.h"
 #include "core/modMain.h"
 #include "files/clsFileVer.h"
 #include "platform/library.h"
@@ -51,26 +52,34 @@ std::string Padded(std::string text, std::size_t columns) {
   return text;
 }
 
-// Empty for a library that does not say whose it is.
-std::string Credit(const std::string& name, ArchiverLibraries* libraries) {
+// Null for a library that no archives are given to.
+const ArchiverRow* RowOf(const std::string& name) {
   for (const ArchiverRow& row : ArchiverRows()) {
-    if (row.library != name) continue;
-    const ArchiverLibrary* library = libraries->Use(row);
-    const std::string credits = library == nullptr ? "" : library->Credits();
-    return credits.empty() ? "" : LoadText(text_id::kCredit, {ForDisplay(credits)});
+    if (row.library == name) return &row;
   }
-  return "";
+  return nullptr;
 }
 
+// Empty for a library that does not say whose it is.
+std::string Credit(const ArchiverLibrary* library) {
+  const std::string credits = library == nullptr ? "" : library->Credits();
+  return credits.empty() ? "" : LoadText(text_id::kCredit, {ForDisplay(credits)});
+}
+
+// One that cannot be used counts as missing.
 std::string LibraryLine(const std::string& name, ArchiverLibraries* libraries) {
   const std::string head = Padded(name + std::string(kShownSuffix), kNameColumns);
   if (!libraries->IsInstalled(name)) return head + LoadText(text_id::kNotInstalled);
+  const ArchiverRow* row = RowOf(name);
+  const ArchiverLibrary* library = row == nullptr ? nullptr : libraries->Use(*row);
+  if (row != nullptr && library == nullptr)
+    return head + LoadText(text_id::kNotInstalled) + " " + ForDisplay(InJapanese(libraries->Problem(*row)));
   clsFileVer file;
   file.pFileName(libraries->FileName(name));
   const std::string version = file.pVersionFull();
   return head + "\t" +
          Padded(version.empty() ? LoadText(text_id::kUnknownVersion) : version, kVersionColumns) +
-         Credit(name, libraries);
+         Credit(library);
 }
 
 // Qt's tabs are wider than a character of the list.

@@ -58,6 +58,40 @@ GTEST_TEST(ModString, AbsolutePaths) {
   }
 }
 
+GTEST_TEST(ModString, WhatUsersWriteForAPath) {
+  const struct {
+    PathStyle style;
+    const char* written;
+    const char* plain;
+    bool is_rooted;  // the plain path
+    bool has_parent;
+  } rows[] = {
+      {kWindows, "C:/a\\b/../c", "C:\\a\\b\\..\\c", true, true},
+      {kWindows, "\\\\?\\C:\\a/b", "C:\\a\\b", true, false},
+      {kWindows, "//?/unc/server/share", "\\\\server\\share", true, false},
+      {kWindows, "\\\\?\\Volume{1}\\a", "\\\\?\\Volume{1}\\a", true, false},
+      {kWindows, "\\\\.\\C:\\a", "C:\\a", true, false},
+      {kWindows, "\\\\.\\NUL", "\\\\.\\NUL", true, false},
+      {kWindows, "//", "\\\\", false, false},
+      {kWindows, "//server/share", "\\\\server\\share", true, false},
+      {kWindows, "C:", "C:", false, false},
+      {kWindows, "C:a/..", "C:a\\..", false, true},
+      {kWindows, "NUL:/a", "NUL:\\a", false, false},
+      {kWindows, "a:b\\c", "a:b\\c", false, false},
+      {kWindows, "/a", "\\a", false, false},
+      {kPosix, "/a\\..\\b", "/a\\..\\b", true, false},
+      {kPosix, "//?/C:/a", "//?/C:/a", true, false},
+      {kPosix, "C:/a/..", "C:/a/..", false, true},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.written);
+    const std::string plain = PlainPath(row.written, row.style);
+    EXPECT_EQ(plain, row.plain);
+    EXPECT_EQ(IsRootedPath(plain, row.style), row.is_rooted);
+    EXPECT_EQ(HasParentComponent(plain, row.style), row.has_parent);
+  }
+}
+
 GTEST_TEST(ModString, Splitting) {
   const struct {
     const char* path;

@@ -31,6 +31,7 @@ GTEST_TEST(Reasons, AreTranslatedWithTheirNamesAndNumbers) {
        "同名のファイルがあるため、3 個を残しました; 残した項目 1 個: フォルダです: /d/x"},
       {"the archive is cut off: its end is missing", "アーカイブが途中で切れています"},
       {"the volume /in/%2.7z.002 is missing", "分割ファイル /in/%2.7z.002 がありません"},
+      {"the library has no function Unlha", "ライブラリに関数 Unlha がありません"},
       {"the volume  is missing", "the volume  is missing"},
       {"something nobody ever said: /x", "something nobody ever said: /x"},
       {"", ""},

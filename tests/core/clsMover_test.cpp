@@ -225,6 +225,7 @@ GTEST_TEST(ClsMover, RefusesWhatCannotBeMeant) {
       {"in/x.txt", 4, "relative/x.txt"},
       {"in/x.txt", 4, folder / "new/../x.txt"},
       {"in/x.txt", 4, folder / "in/x.txt"},
+      {"in/x.txt", 1, folder / (kHostStyle == PathStyle::kWindows ? "con" : "in/x.txt/e")},
       {"in/d", 2, folder / "in/d"},
       {"in/d", 4, folder / "in/d/e"},
       {"in/d", 2, folder / "taken/x.txt"},
@@ -236,7 +237,8 @@ GTEST_TEST(ClsMover, RefusesWhatCannotBeMeant) {
     test::Run run("", "", {folder / row.target});
     ASSERT_TRUE(run.mover->SetTarget().ok());
     run.mover->ACTION = row.action;
-    run.mover->MOVETO = run.mover->COPYTO = row.to;
+    run.mover->ARCHIVETYPE = 1;
+    run.mover->EXTRACTTO = run.mover->MOVETO = run.mover->COPYTO = row.to;
     EXPECT_EQ(run.mover->PlanSteps().at(0).result, StepResult::kFailed);
     EXPECT_FALSE(run.mover->ActionMain());
     EXPECT_FALSE(run.mover->Steps().at(0).error.empty());

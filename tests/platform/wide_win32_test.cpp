@@ -33,6 +33,7 @@ GTEST_TEST(Wide, SystemPathsAreAbsoluteAndNotRewritten) {
       {"\\\\server\\share\\a", "\\\\?\\UNC\\server\\share\\a"},
       {"//server/share/../a", "\\\\?\\UNC\\server\\share\\a"},
       {"\\\\?\\C:\\a/..", "\\\\?\\C:\\a/.."},
+      {"//?/Volume{1}/a", "\\\\?\\Volume{1}\\a"},
       {"\\\\.\\pipe\\x", "\\\\.\\pipe\\x"},
       {"", ""},
       {"a.", here + "\\a."},

@@ -46,7 +46,8 @@ GTEST_TEST(About, LibrariesOfOthers) {
   ASSERT_EQ(lines.size(), 6U);
   EXPECT_EQ(lines[0], "UnLHA32.so     \tunknown     (c) A. Author; " + std::string(600, 'x') + "\\n日本");
   EXPECT_EQ(lines[1], "UnZIP32.so     \tunknown     ");
-  EXPECT_EQ(lines[2], "Cab32.so       \tunknown     ");
+  const std::string unusable = "Cab32.so       *** 未導入 *** ";
+  EXPECT_TRUE(lines[2].starts_with(unusable) && lines[2].size() > unusable.size()) << lines[2];
   EXPECT_EQ(lines[4], "UNRAR.so       \t" QUENDLE_MODULE_VERSION "     ");
 }
 
