@@ -17,6 +17,10 @@ mkdir -p "$staging/$name"/{modules,licences}
 cp "$root/build/windows/src/Quendle.exe" "$staging/$name"
 cp "$root"/build/windows/src/modules/*.dll "$staging/$name/modules"
 cp "$root"/docs/manual*.md "$staging/$name"
+mkdir "$staging/$name/images"
+grep -oh 'images/[a-z-]*\.png' "$root"/docs/manual*.md | sort -u | while read -r picture; do
+  cp "$root/docs/$picture" "$staging/$name/images"
+done
 
 # What is linked in has licences that go with it. Debian keeps them with the packages for its own systems, which the build on
 # Linux needs and which are made from the same sources.
