@@ -22,7 +22,10 @@ class HeldKeys : public QObject {
       const auto& key = *static_cast<QKeyEvent*>(event);
       const int before = std::exchange(pressed_, key.key());
       // When a release went astray between two windows, the system takes the next press for a repetition.
-      if (key.isAutoRepeat() && key.key() != before) return Send(watched, key, false);
+      if (key.isAutoRepeat() && key.key() != before) {
+        released_ = 0;  // together with the press, it made up a release as well
+        return Send(watched, key, false);
+      }
       return IsHandled(watched, key);
     }
     if (event->type() == QEvent::KeyRelease) {

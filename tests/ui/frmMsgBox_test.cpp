@@ -81,9 +81,16 @@ GTEST_TEST(MsgBox, AnswersOfKeysAndClicks) {
        kAnswerNo},
       {"a press taken for a repetition, since no release came", kButtonsOk,
        [](QDialog* box) {
-         for (const auto key : {Qt::Key_X, Qt::Key_Return}) {
-           QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, "", key == Qt::Key_Return);
-           QApplication::sendEvent(box->windowHandle(), &press);
+         const struct {
+           QEvent::Type type;
+           Qt::Key key;
+           bool is_repeat;
+         } events[] = {{QEvent::KeyPress, Qt::Key_X, false},
+                       {QEvent::KeyRelease, Qt::Key_Return, true},
+                       {QEvent::KeyPress, Qt::Key_Return, true}};
+         for (const auto& event : events) {
+           QKeyEvent key(event.type, event.key, Qt::NoModifier, "", event.is_repeat);
+           QApplication::sendEvent(box->windowHandle(), &key);
          }
        },
        kAnswerOk},
