@@ -1,6 +1,7 @@
 #include "archive/archiver_libraries.h"
 
 #include "base/modString.h"
+#include "platform/known_folders.h"
 
 namespace quendle {
 
@@ -32,7 +33,13 @@ std::vector<std::string> ArchiverLibraries::Problems() const {
 }
 
 std::string ArchiverLibraries::FileName(const std::string& library) const {
-  return AddBackslash(folder_) + library + std::string(platform::kLibrarySuffix);
+  const std::string name = library + std::string(platform::kLibrarySuffix);
+  const std::string own = AddBackslash(folder_) + name;
+  if (FileExists(own)) return own;
+  for (const std::string& folder : platform::LibraryFolders()) {
+    if (const std::string elsewhere = AddBackslash(folder) + name; FileExists(elsewhere)) return elsewhere;
+  }
+  return own;
 }
 
 }  // namespace quendle

@@ -1,4 +1,5 @@
-// The archiver libraries that are installed: those that the module folder holds at the moment.
+// The archiver libraries that are installed: those that the module folder holds at the moment and, where that has none of a
+// name, those that the user has put into one of platform::LibraryFolders.
 #pragma once
 
 #include <map>
@@ -13,14 +14,14 @@ namespace quendle {
 
 class ArchiverLibraries {
  public:
-  // Nothing is loaded yet. An empty folder holds no libraries.
+  // Nothing is loaded yet. With an empty folder there are no libraries.
   explicit ArchiverLibraries(std::string folder) : folder_(std::move(folder)) {}
 
   // Is its file there now? A folder of that name does not count.
   bool IsInstalled(const ArchiverRow& row) const { return IsInstalled(row.library); }
   bool IsInstalled(const std::string& library) const;
 
-  // Where the library of that name, without the system's suffix, would be.
+  // Where the library of that name, without the system's suffix, is, or would be.
   std::string FileName(const std::string& library) const;
 
   // The library, loaded if it is not. Null when it cannot be: then it counts as missing, and Problems tells

@@ -65,8 +65,8 @@ class RunScope {
   Globals& globals_;
 };
 
-// Where the archiver libraries are looked for, and nowhere else: the folder "modules" beside the program, when
-// there is one, else ../lib/quendle/modules from there.
+// Where the archiver libraries and the windows come from: the folder "modules" beside the program, when there is one, else
+// ../lib/quendle/modules from there.
 std::string FindModuleFolder();
 
 // What the user should know about the settings before the run: files that could not be made or read, or that

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quendle::platform {
 
@@ -12,6 +13,10 @@ std::string ExecutableFolder();
 // The file of this program, in that folder.
 std::string ExecutablePath();
 std::string TemporaryFolder();
+
+// Where users put libraries that programs look for by their names, the first ones first. Windows: the program's own folder and
+// the system's. POSIX: none; such libraries come with a program.
+std::vector<std::string> LibraryFolders();
 
 // For small files that are gone with the session, in memory as a rule: $XDG_RUNTIME_DIR. Empty where a session
 // has none, as on Windows.

@@ -61,6 +61,10 @@ std::string ExecutableFolder() {
   return path.empty() ? "" : FolderOf(path);
 }
 
+std::vector<std::string> LibraryFolders() {
+  return {};
+}
+
 std::string TemporaryFolder() {
   const std::string folder = FolderVariable("TMPDIR");
   return IsFolder(folder) ? folder : "/tmp";

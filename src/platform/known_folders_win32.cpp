@@ -55,6 +55,10 @@ std::string ExecutableFolder() {
   return FolderText(std::wstring_view(program).substr(0, program.rfind(L'\\') + 1));
 }
 
+std::vector<std::string> LibraryFolders() {
+  return {ExecutableFolder(), KnownFolder(FOLDERID_System, KF_FLAG_DEFAULT)};
+}
+
 std::string TemporaryFolder() {
   const std::wstring folder = WholeText([](wchar_t* text, DWORD size) { return GetTempPathW(size, text); });
   // The variable behind it often has a short name in it, and is never longer than what needs no prefix.

@@ -1,6 +1,5 @@
 #include "ui/frmMsgBox.h"
 
-#include <QApplication>
 #include <QCloseEvent>
 #include <QLineEdit>
 #include <QPushButton>
@@ -12,6 +11,7 @@
 #include "ui/form_helpers.h"
 #include "ui/modMsgBox.h"
 #include "ui/pictures.h"
+#include "ui/system_events.h"
 #include "ui/text.h"
 #include "ui/wrapped_label.h"
 
@@ -104,7 +104,7 @@ void frmMsgBox::InitForm() {
   input.has_icon = icon >= 0;
   if (icon >= 0) imgMsg->setPixmap(imgIcon[static_cast<std::size_t>(icon)]);
   Place(LayOutMessageBox(input));
-  if (icon >= 0) QApplication::beep();
+  if (icon >= 0) SoundMessage(icon_);
   FinishButtons();
   cmd[buttons_->default_button]->setFocus();
 }

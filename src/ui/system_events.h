@@ -13,6 +13,10 @@ namespace quendle {
 // process.
 std::string MissingPlatform();
 
+// The sound of a message with that icon: 16 critical, 32 question, 48 exclamation or 64 information. Windows: the one that the
+// user has chosen for it; else the desktop's bell.
+void SoundMessage(std::int32_t icon);
+
 // Calls `act` whenever the handle (RunningCopy::WaitHandle, platform::InterruptHandle) says so, on the thread of the windows,
 // until it answers false or `owner` goes. A handle of -1 never says anything.
 void WhenReady(std::intptr_t handle, QObject* owner, std::function<bool()> act);

@@ -1,3 +1,4 @@
+#include <QApplication>
 #include <QDir>
 #include <QLibraryInfo>
 #include <QSocketNotifier>
@@ -11,6 +12,10 @@ std::string MissingPlatform() {
   const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms");
   if (!plugins.entryList({"*wayland*"}).isEmpty()) return "";
   return "Qt's Wayland support (qt6-wayland) is not installed";
+}
+
+void SoundMessage(std::int32_t /*icon*/) {
+  QApplication::beep();
 }
 
 void WhenReady(std::intptr_t handle, QObject* owner, std::function<bool()> act) {

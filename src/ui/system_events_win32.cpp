@@ -1,11 +1,18 @@
+#include "ui/system_events.h"
+
 #include <QWinEventNotifier>
 
-#include "ui/system_events.h"
+#include "platform/wide_win32.h"
 
 namespace quendle {
 
 std::string MissingPlatform() {
   return "";  // it is a part of the windows' library
+}
+
+// The icons have the system's numbers.
+void SoundMessage(std::int32_t icon) {
+  MessageBeep(static_cast<UINT>(icon));
 }
 
 void WhenReady(std::intptr_t handle, QObject* owner, std::function<bool()> act) {

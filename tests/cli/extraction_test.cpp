@@ -84,5 +84,13 @@ GTEST_TEST(ProgramExtraction, TellsProblems) {
   EXPECT_NE(program.err.find(broken + ": "), std::string::npos) << program.err;
 }
 
+// What lies beside the program is the user's own library on Windows, and nobody's on POSIX.
+GTEST_TEST(ProgramExtraction, LibrariesBesideTheProgram) {
+  Installed program("entry T/a\n");
+  const std::string name = "UnZIP32" + std::string(platform::kLibrarySuffix);
+  fs::rename(program.folder / ("p/modules/" + name), program.folder / ("p/" + name));
+  EXPECT_EQ(program.Run("--dry-run a.zip"), test::kSeparator == '/' ? 1 : 0) << program.err;
+}
+
 }  // namespace
 }  // namespace quendle

@@ -14,6 +14,8 @@ GTEST_TEST(KnownFolders, AreAbsoluteAndEndWithTheirName) {
     EXPECT_EQ(SystemPath(folder), L"\\\\?\\" + WideFromText(folder));
   }
   EXPECT_NE(SettingsRoot(), StateFolder());
+  ASSERT_EQ(LibraryFolders().size(), 2U);
+  EXPECT_TRUE(std::filesystem::exists(LibraryFolders()[1] + "\\kernel32.dll")) << LibraryFolders()[1];
   EXPECT_TRUE(std::filesystem::exists(ExecutableFolder()));
 }
 
