@@ -20,5 +20,4 @@ trap '/usr/lib/wine/wineserver -k || true' EXIT
 /usr/lib/wine/wineserver -p
 timeout 300 "$root/scripts/wine.sh" wineboot -i >/dev/null 2>&1
 cd "$root"
-# One start in some thousands fails under Wine before the program begins, without a word. What fails twice is a fault.
-ctest --preset windows --parallel "$(nproc)" --repeat until-pass:2 "$@"
+ctest --preset windows --parallel "$(nproc)" "$@"

@@ -13,7 +13,7 @@ finish() {
 trap finish EXIT
 until [ -s "$display_file" ]; do sleep 0.1; done
 DISPLAY=:$(cat "$display_file")
-export DISPLAY
+export DISPLAY LC_ALL=C.UTF-8  # titles and names of files are Japanese
 openbox >/dev/null 2>&1 &
 manager=$!
 until xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q window; do sleep 0.1; done

@@ -4,8 +4,6 @@
 #include <windows.h>
 #undef ReplaceFile  // a macro for the system's function, which would rename ours
 
-#undef ReplaceFile  // a macro there, and a function of platform/durable_file.h
-
 #include <string>
 #include <string_view>
 #include <utility>
