@@ -45,23 +45,23 @@ std::optional<int> InRange(const EditKey& rule, const std::string& text, bool ro
 
 }  // namespace
 
-EditDraft::EditDraft(std::int16_t mode, std::string title, const Stores& stores)
+EditDraft::EditDraft(EditMode mode, std::string title, const Stores& stores)
     : mode_(mode), title_(std::move(title)), stores_(stores) {
   ini_.pFileName = IsProfile() ? stores_.items.FileName() : Settings().FileName();
   ini_.pBUFFER(kWholeValues);
   if (!IsProfile()) title_ = LoadText(text_id::kGeneral);
   for (const int key : KeysOfEditor(mode)) {
-    const std::string text = mode_ == clsPropItem::kEditingNew ? "" : Read(key);
+    const std::string text = mode_ == EditMode::kNew ? "" : Read(key);
     values_.push_back({key, text, text, ""});
   }
 }
 
 bool EditDraft::IsProfile() const {
-  return mode_ == clsPropItem::kEditingProfile || mode_ == clsPropItem::kEditingNew;
+  return mode_ == EditMode::kProfile || mode_ == EditMode::kNew;
 }
 
 const clsPropDefault& EditDraft::Settings() const {
-  return mode_ == clsPropItem::kEditingTest ? stores_.test : stores_.standard;
+  return mode_ == EditMode::kTest ? stores_.test : stores_.standard;
 }
 
 std::vector<int> EditDraft::Keys() const {

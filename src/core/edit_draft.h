@@ -1,11 +1,11 @@
 // What the editor works on, without its widgets: the keys of one use as they were read and as they are now.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "core/edit_mode.h"
 #include "platform/result.h"
 #include "settings/clsIniFile.h"
 #include "settings/clsPropDefault.h"
@@ -23,11 +23,11 @@ class EditDraft {
     const clsPropDefault& test;
   };
 
-  // `mode` is one of clsPropItem's kEditing... values, `title` that of the profile for the two that edit one.
+  // `title` is that of the profile for the two modes that edit one.
   // Reads the file; what a profile inherits is read whenever it is asked for.
-  EditDraft(std::int16_t mode, std::string title, const Stores& stores);
+  EditDraft(EditMode mode, std::string title, const Stores& stores);
 
-  std::int16_t Mode() const { return mode_; }
+  EditMode Mode() const { return mode_; }
   bool IsProfile() const;
   const std::string& Title() const { return title_; }
   std::vector<int> Keys() const;
@@ -106,7 +106,7 @@ class EditDraft {
   clsIniFile::KeysAndValues Unsaved() const;
   void MarkSaved();
 
-  std::int16_t mode_;
+  EditMode mode_;
   std::string title_;
   Stores stores_;
   clsIniFile ini_;

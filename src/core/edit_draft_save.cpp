@@ -81,9 +81,9 @@ bool EditDraft::IsTitleInFile() const {
 EditDraft::Comparison EditDraft::CompareWithFile() {
   Comparison comparison;
   const bool is_in_file = IsProfile() && IsTitleInFile();
-  comparison.is_title_taken = mode_ == clsPropItem::kEditingNew && is_in_file;
-  comparison.is_gone = mode_ == clsPropItem::kEditingProfile && !is_in_file;
-  if (comparison.is_gone || mode_ == clsPropItem::kEditingNew) return comparison;
+  comparison.is_title_taken = mode_ == EditMode::kNew && is_in_file;
+  comparison.is_gone = mode_ == EditMode::kProfile && !is_in_file;
+  if (comparison.is_gone || mode_ == EditMode::kNew) return comparison;
   for (Value& value : values_) {
     const std::string theirs = Read(value.key);
     if (theirs == value.original) continue;
@@ -106,7 +106,7 @@ void EditDraft::Settle(const Comparison::Conflict& conflict, bool mine) {
 }
 
 void EditDraft::BecomeNew() {
-  mode_ = clsPropItem::kEditingNew;
+  mode_ = EditMode::kNew;
   for (Value& value : values_) value.original.clear();
 }
 
@@ -120,7 +120,7 @@ std::vector<int> EditDraft::ChangedByOthers() const {
 
 // One key makes the section of a new profile.
 bool EditDraft::IsToBeWritten(const Value& value) const {
-  return IsChanged(value) || (mode_ == clsPropItem::kEditingNew && value.key == text_id::kPattern);
+  return IsChanged(value) || (mode_ == EditMode::kNew && value.key == text_id::kPattern);
 }
 
 clsIniFile::KeysAndValues EditDraft::Unsaved() const {
@@ -138,7 +138,7 @@ void EditDraft::MarkSaved() {
     value.is_changed_by_others = false;
     is_saved_ = true;
   }
-  if (mode_ == clsPropItem::kEditingNew) mode_ = clsPropItem::kEditingProfile;  // like any other from now on
+  if (mode_ == EditMode::kNew) mode_ = EditMode::kProfile;  // like any other from now on
 }
 
 platform::Result EditDraft::Save(Comparison* comparison) {

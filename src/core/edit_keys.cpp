@@ -7,7 +7,6 @@
 #include "base/text.h"
 #include "core/failure_text.h"
 #include "resources/string_table.h"
-#include "settings/clsPropItem.h"
 
 namespace quendle {
 namespace {
@@ -57,23 +56,21 @@ std::string ActionText(const std::string& stored) {
 
 }  // namespace
 
-const std::vector<int>& KeysOfEditor(std::int16_t mode) {
+const std::vector<int>& KeysOfEditor(EditMode mode) {
   using namespace text_id;
   static const std::vector<int> profile = {kPattern,      kId,      kAction,    kSmartRename, kExtractType,
                                            kSmartMakeDir, kOpenDir, kExtractTo, kMoveTo,      kCopyTo,
                                            kInclude,      kExclude, kOpenFile};
-  static const std::map<std::int16_t, std::vector<int>> keys = {
-      {clsPropItem::kEditingProfile, profile},
-      {clsPropItem::kEditingNew, profile},
-      {clsPropItem::kEditingStandard,
+  static const std::map<EditMode, std::vector<int>> keys = {
+      {EditMode::kProfile, profile},
+      {EditMode::kNew, profile},
+      {EditMode::kStandard,
        {kAction, kSmartRename, kExtractType, kSmartMakeDir, kOpenDir, kExtractTo, kMoveTo, kCopyTo}},
-      {clsPropItem::kEditingGeneral,
+      {EditMode::kGeneral,
        {kConfirmAlways, kKeyCheck, kCheckArchive, kConfirmOverwrite, kShowResult, kTest, kAutoCompDir, kFiler,
         kFilerParm, kArchiveCharset}},
-      {clsPropItem::kEditingTest, {kSmartRename, kExtractType, kSmartMakeDir, kOpenDir, kExtractTo}}};
-  const auto found = keys.find(mode);
-  if (found == keys.end()) ProgrammingError("the editor is called in a mode that it does not have");
-  return found->second;
+      {EditMode::kTest, {kSmartRename, kExtractType, kSmartMakeDir, kOpenDir, kExtractTo}}};
+  return keys.at(mode);
 }
 
 const EditKey& RuleOf(int key) {

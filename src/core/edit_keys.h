@@ -1,9 +1,10 @@
 // The keys that the editor shows in each of its uses, and what they are called.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
+
+#include "core/edit_mode.h"
 
 namespace quendle {
 
@@ -20,9 +21,8 @@ struct EditKey {
   bool is_behaviour = false;  // a profile without settings of its own inherits it
 };
 
-// In the order in which they are shown and written. `mode` is one of clsPropItem's kEditing... values; any
-// other is a programming error, and so is a key that the editor never shows.
-const std::vector<int>& KeysOfEditor(std::int16_t mode);
+// In the order in which they are shown and written. A key that the editor never shows is a programming error.
+const std::vector<int>& KeysOfEditor(EditMode mode);
 const EditKey& RuleOf(int key);
 
 // As messages call it: "解凍先(&X)：" => 解凍先

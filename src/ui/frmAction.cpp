@@ -29,8 +29,8 @@ void ShowPath(QLineEdit* field, const std::string& shown) {
 
 }  // namespace
 
-frmAction::frmAction(ActionForm& form, clsPropItem& items, const clsMover& mover, ActionServices services)
-    : form_(form), items_(items), mover_(mover), services_(std::move(services)) {
+frmAction::frmAction(ActionForm& form, const clsMover& mover, ActionServices services)
+    : form_(form), mover_(mover), services_(std::move(services)) {
   setWindowFlag(Qt::WindowContextHelpButtonHint, false);
   setWindowFlag(Qt::WindowMinimizeButtonHint);
   MakeControls();

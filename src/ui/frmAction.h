@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "core/action_form.h"
+#include "core/edit_mode.h"
 #include "ui/modMsgBox.h"
 #include "ui/pickers.h"
 
@@ -40,14 +41,15 @@ struct ActionServices {
       show_message = ShowMessage;
   std::function<std::string(const std::string&, const std::string&, const std::string&)> show_input =
       ShowInput;
-  std::function<bool(QWidget*)> open_editor;  // for what the store's EDITMODE says, as OpenEditor
+  // Opens the editor as OpenEditor does.
+  std::function<std::optional<std::string>(QWidget*, EditMode, const std::string& title)> open_editor;
   std::function<void(QWidget*)> show_about;
 };
 
 class frmAction : public QDialog {
  public:
   // `form` stands on the first path that the user is to settle.
-  frmAction(ActionForm& form, clsPropItem& items, const clsMover& mover, ActionServices services = {});
+  frmAction(ActionForm& form, const clsMover& mover, ActionServices services = {});
   ~frmAction() override;
 
   // Shows the window until no path is left or the user has ended the run. Throws what doing a path has thrown,
@@ -109,13 +111,12 @@ class frmAction : public QDialog {
   void Browse(std::size_t row);
   void StepProfile(int step);
   void EditProfile();
-  bool NameNewProfile();
-  void Edit(std::int16_t mode);
+  std::string NameNewProfile();
+  void Edit(EditMode mode, const std::string& title);
   void PopUpSettings();
   void ClickLabel(std::size_t index);
 
   ActionForm& form_;
-  clsPropItem& items_;
   const clsMover& mover_;
   ActionServices services_;
 
@@ -134,7 +135,7 @@ class frmAction : public QDialog {
 
   QTimer plan_timer_;
   std::optional<bool> shows_archive_;  // in the window's picture
-  bool shows_folder_ = false;  // as the controls are made
+  bool shows_folder_ = false;          // as the controls are made
   bool is_busy_ = false;               // a command runs, which may handle events
   std::exception_ptr fault_;           // thrown while a path was done
 };

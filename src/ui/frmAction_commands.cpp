@@ -120,9 +120,9 @@ void frmAction::ConnectMenus() {
     form_.StepRename();
     ApplyView();
   });
-  on(mnuOption, 0, [this] { Edit(clsPropItem::kEditingStandard); });
-  on(mnuOption, 1, [this] { Edit(clsPropItem::kEditingTest); });
-  on(mnuOption, 6, [this] { Edit(clsPropItem::kEditingGeneral); });
+  on(mnuOption, 0, [this] { Edit(EditMode::kStandard, ""); });
+  on(mnuOption, 1, [this] { Edit(EditMode::kTest, ""); });
+  on(mnuOption, 6, [this] { Edit(EditMode::kGeneral, ""); });
   on(mnuAbout, 0, [this] {
     const Busy busy(&is_busy_);
     services_.show_about(this);
@@ -209,45 +209,36 @@ void frmAction::StepProfile(int step) {
 }
 
 void frmAction::EditProfile() {
-  if (!form_.View().edits_profile) {
-    if (NameNewProfile()) Edit(clsPropItem::kEditingNew);
-    return;
+  if (form_.View().edits_profile) {
+    Edit(EditMode::kProfile, form_.SelectedTitle());
+  } else if (const std::string title = NameNewProfile(); !title.empty()) {
+    Edit(EditMode::kNew, title);
   }
-  items_.NEWTITLE = form_.SelectedTitle();
-  Edit(clsPropItem::kEditingProfile);
 }
 
-// True when the user has given a name that a profile can have and none has.
-bool frmAction::NameNewProfile() {
+// A name that a profile can have and none has; empty when the user has given none.
+std::string frmAction::NameNewProfile() {
   const Busy busy(&is_busy_);
   const std::string title =
       services_.show_input(LoadText(text_id::kAskProfileName), LoadText(text_id::kAddProfile), "");
-  if (title.empty()) return false;
+  if (title.empty()) return "";
   std::string problem = TitleProblem(title);
   if (problem.empty() && mover_.CheckDupTitle(title)) problem = LoadText(text_id::kSameProfileName);
   if (!problem.empty()) {
     services_.show_message(problem, kButtonsOk, kIconCritical, "");
-    return false;
+    return "";
   }
-  items_.NEWTITLE = title;
-  return true;
+  return title;
 }
 
-void frmAction::Edit(std::int16_t mode) {
-  // The dispatcher reads on from the profile on which the store stands.
-  const std::string current = items_.Title;
-  const bool is_profile = mode == clsPropItem::kEditingNew || mode == clsPropItem::kEditingProfile;
-  bool is_saved = false;
+void frmAction::Edit(EditMode mode, const std::string& title) {
+  std::optional<std::string> saved;
   {
     const Busy busy(&is_busy_);
-    if (is_profile) items_.Title = items_.NEWTITLE;
-    items_.EDITMODE = mode;
-    is_saved = services_.open_editor(this);
-    items_.EDITMODE = clsPropItem::kNotEditing;
-    items_.Title = current;
+    saved = services_.open_editor(this, mode, title);
   }
-  if (!is_saved) return;
-  form_.Reload(is_profile ? items_.NEWTITLE : form_.SelectedTitle());
+  if (!saved) return;
+  form_.Reload(saved->empty() ? form_.SelectedTitle() : *saved);
   Fill();
 }
 

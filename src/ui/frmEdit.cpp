@@ -27,13 +27,13 @@ QString Caption(const EditDraft& draft) {
     return ToQt(LoadText(id, {ForDisplay(draft.Title())})).replace("[*]", "[*][*]");
   };
   switch (draft.Mode()) {
-    case clsPropItem::kEditingProfile:
+    case EditMode::kProfile:
       return of_profile(6600);
-    case clsPropItem::kEditingNew:
+    case EditMode::kNew:
       return of_profile(6601);
-    case clsPropItem::kEditingStandard:
+    case EditMode::kStandard:
       return Text(6602);
-    case clsPropItem::kEditingGeneral:
+    case EditMode::kGeneral:
       return Text(6603);
     default:
       return Text(6604);
@@ -42,15 +42,13 @@ QString Caption(const EditDraft& draft) {
 
 }  // namespace
 
-bool OpenEditor(QWidget* owner, Globals& globals) {
-  clsPropItem& items = *globals.g_PropItem;
-  const std::string& title = items.EDITMODE == clsPropItem::kEditingNew ? items.NEWTITLE : items.Title;
-  EditDraft draft(items.EDITMODE, title, {items, *globals.g_PropDefault, *globals.g_PropTest});
+std::optional<std::string> OpenEditor(QWidget* owner, Globals& globals, EditMode mode,
+                                      const std::string& title) {
+  EditDraft draft(mode, title, {*globals.g_PropItem, *globals.g_PropDefault, *globals.g_PropTest});
   frmEdit window(owner, draft, *globals.g_FileInfo);
   window.exec();
-  items.EDITMODE = clsPropItem::kNotEditing;
-  if (draft.IsProfile() && draft.IsSaved()) items.NEWTITLE = draft.Title();
-  return draft.IsSaved();
+  if (!draft.IsSaved()) return std::nullopt;
+  return draft.IsProfile() ? draft.Title() : "";
 }
 
 frmEdit::frmEdit(QWidget* owner, EditDraft& draft, const clsFileInfo& target, EditServices services)

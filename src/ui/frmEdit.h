@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,11 +27,10 @@ class QRadioButton;
 
 namespace quendle {
 
-// Opens the editor for what EDITMODE, Title and NEWTITLE of the profile store say, modal to `owner`:
-//   1 the profile Title      2 a new profile NEWTITLE
-//   0 standard settings      4 general settings      6 test settings
-// True when something was saved; NEWTITLE is the title of the profile then. EDITMODE is 0 afterwards.
-bool OpenEditor(QWidget* owner, Globals& globals);
+// Opens the editor, modal to `owner`. `title`: of the profile, where `mode` is for one. When something was saved: the
+// title of that profile, empty for settings; else nothing.
+std::optional<std::string> OpenEditor(QWidget* owner, Globals& globals, EditMode mode,
+                                      const std::string& title);
 
 // The other windows that the editor opens.
 struct EditServices {

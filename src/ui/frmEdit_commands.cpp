@@ -152,7 +152,7 @@ bool frmEdit::MaySave() {
     FocusOn(key);
     return false;
   }
-  const bool is_new = draft_.Mode() == clsPropItem::kEditingNew;
+  const bool is_new = draft_.Mode() == EditMode::kNew;
   if (is_new && draft_.Text(text_id::kPattern).empty() && !Ask(LoadText(6682))) {
     FocusOn(text_id::kPattern);
     return false;

@@ -284,7 +284,7 @@ QLayout* frmEdit::MakeButtons() {
 QLayout* frmEdit::MakeColumns() {
   auto* left = new QVBoxLayout;
   auto* right = new QVBoxLayout;
-  if (draft_.Mode() == clsPropItem::kEditingGeneral) {
+  if (draft_.Mode() == EditMode::kGeneral) {
     left->addWidget(MakeGeneralGroup());
     right->addWidget(MakeFilerGroup());
     right->addWidget(MakeCharsetGroup(), 1);

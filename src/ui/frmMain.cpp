@@ -45,7 +45,9 @@ constexpr int kHintWidth =
 void RunProfileList(const WindowsHost& host) {
   Globals& globals = host.globals;
   MainServices services;
-  services.open_editor = [&globals](QWidget* owner) { return OpenEditor(owner, globals); };
+  services.open_editor = [&globals](QWidget* owner, EditMode mode, const std::string& title) {
+    return OpenEditor(owner, globals, mode, title);
+  };
   services.open_tester = OpenRegexTester;
   services.show_about = [](QWidget* owner) { ShowAbout(owner, FindModuleFolder()); };
   services.open_folder = [&globals](const std::string& folder) {
@@ -59,7 +61,7 @@ void RunProfileList(const WindowsHost& host) {
 
 frmMain::frmMain(clsPropItem& items, const clsPropDefault& standard, MainServices services,
                  const std::string& memory_file)
-    : items_(items),
+    : items_file_(items.FileName()),
       settings_file_(standard.FileName()),
       services_(std::move(services)),
       memory_(memory_file, "frmMain"),
@@ -157,7 +159,7 @@ bool frmMain::HandleFieldKey(QLineEdit* field, int key) {
 // Other programs, and other copies of this one, change the files.
 QString frmMain::FilesStamp() const {
   QString stamp;
-  for (const std::string& file : {items_.FileName(), settings_file_}) {
+  for (const std::string& file : {items_file_, settings_file_}) {
     const QFileInfo info(ToQt(file));
     const QDateTime changed = info.fileTime(QFileDevice::FileMetadataChangeTime);
     stamp += QString("%1 %2 %3;").arg(info.exists()).arg(changed.toMSecsSinceEpoch()).arg(info.size());

@@ -4,10 +4,12 @@
 #include <QMainWindow>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "core/edit_mode.h"
 #include "core/profile_list.h"
 #include "core/windows.h"
 #include "ui/modMsgBox.h"
@@ -35,7 +37,8 @@ struct MainServices {
       show_message = ShowMessage;
   std::function<std::string(const std::string&, const std::string&, const std::string&)> show_input =
       ShowInput;
-  std::function<bool(QWidget*)> open_editor;  // for what the store's EDITMODE says, as OpenEditor
+  // Opens the editor as OpenEditor does.
+  std::function<std::optional<std::string>(QWidget*, EditMode, const std::string& title)> open_editor;
   std::function<void(QWidget*, const std::string& pattern, const std::string& name)> open_tester;
   std::function<void(QWidget*)> show_about;
   std::function<platform::Result(const std::string& folder)> open_folder;
@@ -114,15 +117,14 @@ class frmMain : public QMainWindow {
   void Remove();
   void OpenFolder(std::size_t kind);
   void OpenTester();
-  void OpenSettings(std::int16_t mode);
+  void OpenSettings(EditMode mode);
   void Dispatch(const std::vector<std::string>& paths);
-  bool OpenEditor(std::int16_t mode, const std::string& title);
   std::string AskTitle(const std::string& prompt, int caption, const std::string& old_title);
   bool Tell(const platform::Result& result);
   QRect TestPlace() const;
   bool TellsSurplus(std::vector<std::string>* paths);
 
-  clsPropItem& items_;
+  std::string items_file_;
   std::string settings_file_;
   MainServices services_;
   WindowMemory memory_;

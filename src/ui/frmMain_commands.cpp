@@ -72,24 +72,14 @@ std::string frmMain::AskTitle(const std::string& prompt, int caption, const std:
   }
 }
 
-bool frmMain::OpenEditor(std::int16_t mode, const std::string& title) {
-  items_.Title = title;
-  items_.NEWTITLE = title;
-  items_.EDITMODE = mode;
-  const bool is_saved = services_.open_editor(this);
-  items_.EDITMODE = clsPropItem::kNotEditing;
-  items_.Title.clear();
-  return is_saved;
-}
-
 void frmMain::Add() {
   std::string added;
   {
     const Busy busy(&is_busy_);
     const std::string title = AskTitle(LoadText(text_id::kAskProfileName), text_id::kAddProfile, "");
     if (title.empty()) return;
-    if (OpenEditor(clsPropItem::kEditingNew, title)) {
-      added = items_.NEWTITLE;
+    if (const auto saved = services_.open_editor(this, EditMode::kNew, title)) {
+      added = *saved;
       Tell(list_.Sort());
     }
   }
@@ -102,8 +92,8 @@ void frmMain::Edit() {
   std::string edited;
   {
     const Busy busy(&is_busy_);
-    if (Tell(list_.CheckThere(titles.front())) && OpenEditor(clsPropItem::kEditingProfile, titles.front())) {
-      edited = items_.NEWTITLE;
+    if (Tell(list_.CheckThere(titles.front()))) {
+      edited = services_.open_editor(this, EditMode::kProfile, titles.front()).value_or("");
     }
   }
   Refresh(edited);
@@ -175,10 +165,10 @@ void frmMain::OpenTester() {
   services_.open_tester(this, pattern, list_.TestedName());
 }
 
-void frmMain::OpenSettings(std::int16_t mode) {
+void frmMain::OpenSettings(EditMode mode) {
   {
     const Busy busy(&is_busy_);
-    OpenEditor(mode, "");
+    services_.open_editor(this, mode, "");
   }
   Refresh();
 }

@@ -161,10 +161,10 @@ void frmMain::MakeOtherMenus() {
                                [this] { view_->selectAll(); }));
   AddCommand(shown, 1204, "refresh", {QKeySequence("F5")}, Needs::kNothing, [this] { Refresh(); });
   QMenu* settings = MakeMenu(1003);
-  const auto edit = [this](std::int16_t mode) { return [this, mode] { OpenSettings(mode); }; };
-  AddCommand(settings, 1301, "standard", {}, Needs::kNothing, edit(clsPropItem::kEditingStandard));
-  AddCommand(settings, 1302, "testSettings", {}, Needs::kNothing, edit(clsPropItem::kEditingTest));
-  AddCommand(settings, 1303, "general", {}, Needs::kNothing, edit(clsPropItem::kEditingGeneral));
+  const auto edit = [this](EditMode mode) { return [this, mode] { OpenSettings(mode); }; };
+  AddCommand(settings, 1301, "standard", {}, Needs::kNothing, edit(EditMode::kStandard));
+  AddCommand(settings, 1302, "testSettings", {}, Needs::kNothing, edit(EditMode::kTest));
+  AddCommand(settings, 1303, "general", {}, Needs::kNothing, edit(EditMode::kGeneral));
   AddCommand(MakeMenu(1004), 1401, "about", {}, Needs::kNothing, [this] {
     const auto show = services_.show_about;
     show(this);

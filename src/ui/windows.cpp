@@ -95,9 +95,11 @@ void QtWindows::CloseAll() {
 void QtWindows::RunActionWindow(ActionForm& form) {
   Globals& globals = host_.globals;
   ActionServices services;
-  services.open_editor = [&globals](QWidget* owner) { return OpenEditor(owner, globals); };
+  services.open_editor = [&globals](QWidget* owner, EditMode mode, const std::string& title) {
+    return OpenEditor(owner, globals, mode, title);
+  };
   services.show_about = [](QWidget* owner) { ShowAbout(owner, FindModuleFolder()); };
-  frmAction window(form, *globals.g_PropItem, *globals.g_Mover, std::move(services));
+  frmAction window(form, *globals.g_Mover, std::move(services));
   window.Run();
 }
 

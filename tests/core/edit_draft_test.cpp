@@ -23,7 +23,7 @@ platform::Result Save(EditDraft& draft) {
   return saved;
 }
 
-EditDraft DraftOf(const test::Settings& settings, std::int16_t mode, const std::string& title = "A") {
+EditDraft DraftOf(const test::Settings& settings, EditMode mode, const std::string& title = "A") {
   return EditDraft(mode, title, {settings.profiles, settings.standard, settings.test});
 }
 
@@ -44,10 +44,9 @@ GTEST_TEST(EditDraft, NumbersCountAsTheSettingsReadThem) {
         EXPECT_EQ(draft.Number(kExtractType), read.EXTRACTTYPE());
         EXPECT_EQ(draft.Number(kOpenDir), read.OPENDIR());
       };
-      expect_same(DraftOf(settings, clsPropItem::kEditingProfile), settings.profiles);
-      expect_same(DraftOf(settings, clsPropItem::kEditingStandard), settings.standard);
-      EXPECT_EQ(DraftOf(settings, clsPropItem::kEditingGeneral).Number(kAutoCompDir),
-                settings.standard.AUTOCOMPDIR());
+      expect_same(DraftOf(settings, EditMode::kProfile), settings.profiles);
+      expect_same(DraftOf(settings, EditMode::kStandard), settings.standard);
+      EXPECT_EQ(DraftOf(settings, EditMode::kGeneral).Number(kAutoCompDir), settings.standard.AUTOCOMPDIR());
     }
   }
 }
@@ -57,17 +56,17 @@ GTEST_TEST(EditDraft, EveryTextComesBackAsItWasTyped) {
                            "\"", "日本語 表", "한국어 𠮷 ¥ ‾ 〜 — é", "%1", "a\\b\\"}) {
     SCOPED_TRACE(text);
     const test::Settings settings("[A]\nOther=1\n[B]\nPattern=\x95\x5C\n");
-    EditDraft draft = DraftOf(settings, clsPropItem::kEditingNew, "N");
+    EditDraft draft = DraftOf(settings, EditMode::kNew, "N");
     draft.SetText(kPattern, text);
     draft.SetText(kMoveTo, test::Rooted("/").append(text));
     ASSERT_TRUE(Save(draft).ok());
-    const EditDraft read = DraftOf(settings, clsPropItem::kEditingProfile, "N");
+    const EditDraft read = DraftOf(settings, EditMode::kProfile, "N");
     EXPECT_EQ(read.Text(kPattern), text);
     // Some characters are in no Windows path, and are replaced as it is typed.
     if (test::kSeparator == '/' || std::strpbrk(text, "\";") == nullptr) {
       EXPECT_EQ(read.Text(kMoveTo), test::Rooted("/").append(text));
     }
-    EXPECT_EQ(DraftOf(settings, clsPropItem::kEditingProfile, "B").Text(kPattern), "表");
+    EXPECT_EQ(DraftOf(settings, EditMode::kProfile, "B").Text(kPattern), "表");
   }
 }
 
@@ -107,7 +106,7 @@ GTEST_TEST(EditDraft, OnlyWhatChangedIsWritten) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
     const test::Settings settings(before);
-    EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
+    EditDraft draft = DraftOf(settings, EditMode::kProfile);
     row.change(draft);
     EXPECT_TRUE(Save(draft).ok());
     std::string expected = before;
@@ -120,7 +119,7 @@ GTEST_TEST(EditDraft, OnlyWhatChangedIsWritten) {
 
 GTEST_TEST(EditDraft, OwnSettingsBeginWithTheInheritedOnes) {
   const test::Settings settings("[A]\nSmartRename=2\n", "[General]\nAction=5\nOpenDir=1\nSmartRename=1\n");
-  EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
+  EditDraft draft = DraftOf(settings, EditMode::kProfile);
   EXPECT_TRUE(draft.IsInherited(kAction));
   EXPECT_EQ(draft.Number(kSmartRename), 1);
   draft.SetNumber(kId, 1);
@@ -134,16 +133,16 @@ GTEST_TEST(EditDraft, OwnSettingsBeginWithTheInheritedOnes) {
 
 GTEST_TEST(EditDraft, FoldersStandForOthersAndTakeTheTitle) {
   const test::Settings settings("[a/b]\n[A]\n", "[General]\nMoveTo=/m\n", "[General]\nExtractTo=/t\n");
-  const EditDraft profile = DraftOf(settings, clsPropItem::kEditingProfile, "a/b");
+  const EditDraft profile = DraftOf(settings, EditMode::kProfile, "a/b");
   EXPECT_EQ(profile.InheritedFolder(kMoveTo), "/m");
   EXPECT_EQ(profile.InheritedFolder(kCopyTo), "/standard");
   EXPECT_EQ(profile.PickedFolder("/x"), std::string("/x") + test::kSeparator + "a／b");
-  EXPECT_EQ(DraftOf(settings, clsPropItem::kEditingNew, "..").PickedFolder("/x"), "/x");
-  const EditDraft standard = DraftOf(settings, clsPropItem::kEditingStandard);
+  EXPECT_EQ(DraftOf(settings, EditMode::kNew, "..").PickedFolder("/x"), "/x");
+  const EditDraft standard = DraftOf(settings, EditMode::kStandard);
   EXPECT_EQ(standard.InheritedFolder(kMoveTo), "/standard");
   EXPECT_EQ(standard.PickedFolder("/x"), "/x");
   const test::Settings plain("[A]\n", "[General]\nAutoCompDir=0\n");
-  EXPECT_EQ(DraftOf(plain, clsPropItem::kEditingProfile).PickedFolder("/x"), "/x");
+  EXPECT_EQ(DraftOf(plain, EditMode::kProfile).PickedFolder("/x"), "/x");
 }
 
 GTEST_TEST(EditDraft, ProblemsAreFound) {
@@ -170,7 +169,7 @@ GTEST_TEST(EditDraft, ProblemsAreFound) {
   const test::Settings settings("[A]\n");
   for (const auto& row : rows) {
     SCOPED_TRACE(row.text.substr(0, 20));
-    EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
+    EditDraft draft = DraftOf(settings, EditMode::kProfile);
     draft.SetText(row.key, row.text);
     const auto problem = draft.ProblemOf(row.key);
     EXPECT_EQ(problem.has_value(), *row.problem != '\0');
@@ -178,7 +177,7 @@ GTEST_TEST(EditDraft, ProblemsAreFound) {
     EXPECT_EQ(problem->text.rfind(row.problem, 0), 0U) << problem->text;
     EXPECT_EQ(problem->can_be_saved, row.can_be_saved);
   }
-  EditDraft general = DraftOf(settings, clsPropItem::kEditingGeneral);
+  EditDraft general = DraftOf(settings, EditMode::kGeneral);
   general.SetText(kArchiveCharset, "EUC-JP");
   EXPECT_FALSE(general.ProblemOf(kArchiveCharset).has_value());
   general.SetText(kArchiveCharset, "EUC-XX");
@@ -200,7 +199,7 @@ GTEST_TEST(EditDraft, PatternProblemsSpeakTheUsersLanguage) {
 GTEST_TEST(EditDraft, LongValuesAreShownWhole) {
   const std::string longest(3000, 'x');
   const test::Settings settings("[A]\nInclude=" + longest + "\n");
-  EXPECT_EQ(DraftOf(settings, clsPropItem::kEditingProfile).Text(kInclude), longest);
+  EXPECT_EQ(DraftOf(settings, EditMode::kProfile).Text(kInclude), longest);
 }
 
 // Each takes the text of a key and adds to it, and begins anew when the text was no longer what it took.
@@ -209,7 +208,7 @@ GTEST_TEST(EditDraft, NobodyWritesBetweenComparingAndSaving) {
   constexpr int kRounds = 40;
   const auto write = [&settings](const char* letter) {
     for (int done = 0; done < kRounds;) {
-      EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
+      EditDraft draft = DraftOf(settings, EditMode::kProfile);
       draft.SetText(kInclude, draft.Text(kInclude) + letter);
       EditDraft::Comparison comparison;
       if (!draft.Save(&comparison).ok()) break;
@@ -219,12 +218,12 @@ GTEST_TEST(EditDraft, NobodyWritesBetweenComparingAndSaving) {
   std::thread other(write, "c");
   write("p");
   other.join();
-  EXPECT_EQ(DraftOf(settings, clsPropItem::kEditingProfile).Text(kInclude).size(), 2U * kRounds);
+  EXPECT_EQ(DraftOf(settings, EditMode::kProfile).Text(kInclude).size(), 2U * kRounds);
 }
 
 GTEST_TEST(EditDraft, FailureSaysWhereAndWhyAndWritesNothing) {
   const test::Settings settings("[A]\n\n");
-  EditDraft draft = DraftOf(settings, clsPropItem::kEditingProfile);
+  EditDraft draft = DraftOf(settings, EditMode::kProfile);
   draft.SetText(kPattern, "p");
   draft.SetText(kInclude, "a\nb");
   const platform::Result failure = Save(draft);

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "support/run.h"
+#include "ui/editor_calls.h"
 #include "ui/frmAction.h"
 #include "ui/text.h"
 
@@ -42,17 +43,16 @@ class ActionWindow {
       asked.push_back(title + "|" + prompt);
       return typed;
     };
-    services.open_editor = [this](QWidget*) {
-      clsPropItem& store = run.settings.profiles;
-      edited.push_back(std::to_string(store.EDITMODE) + "|" + store.Title + "|" + store.NEWTITLE);
-      return on_edit && on_edit(&store);
+    services.open_editor = [this](QWidget*, EditMode mode, const std::string& title) {
+      edited.push_back(EditorCall(mode, title));
+      return on_edit ? on_edit() : std::nullopt;
     };
     services.show_about = [this](QWidget*) { asked.emplace_back("about"); };
     form.emplace(ActionForm::Environment{*run.mover, run.file_info, run.settings.profiles,
                                          run.settings.standard, run.user},
                  std::nullopt);
     if (!form->Advance()) return;
-    window = std::make_unique<frmAction>(*form, run.settings.profiles, *run.mover, services);
+    window = std::make_unique<frmAction>(*form, *run.mover, services);
     window->show();
     is_left = QTest::qWaitForWindowActive(window.get());
   }
@@ -91,8 +91,8 @@ class ActionWindow {
   TempFolder files;
   Run run;
   ActionServices services;
-  std::string picked, typed;                  // the answers
-  std::function<bool(clsPropItem*)> on_edit;  // true: saved
+  std::string picked, typed;                            // the answers
+  std::function<std::optional<std::string>()> on_edit;  // the title under which it saves
   std::vector<std::string> asked, messages, edited;
   std::optional<ActionForm> form;
   bool is_left = false;  // a path to be settled, and its window is shown

@@ -36,7 +36,7 @@ class FirstSteps : public testing::Test {
     globals_.g_Mover->SHOWUSERFORM = WantsConfirmation(*globals_.g_PropDefault, [] { return false; });
     clsPropItem& items = *globals_.g_PropItem;
     ActionForm form({*globals_.g_Mover, *globals_.g_FileInfo, items, *globals_.g_PropDefault, user_}, {});
-    if (form.Advance()) frmAction(form, items, *globals_.g_Mover).Run();
+    if (form.Advance()) frmAction(form, *globals_.g_Mover).Run();
     EXPECT_EQ(form.Undone(), std::vector<std::string>());
   }
   void AddProfile(QWidget* list) {

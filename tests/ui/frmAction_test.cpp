@@ -46,7 +46,7 @@ GTEST_TEST(FrmAction, KeysAreTheWindowsAlsoInAField) {
   opened.Press(Qt::Key_U, Qt::ControlModifier);
   ASSERT_NE(QApplication::activePopupWidget(), nullptr);
   QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_T);
-  EXPECT_EQ(opened.edited, std::vector<std::string>{"4|A|"});
+  EXPECT_EQ(opened.edited, std::vector<std::string>{"general|"});
   EXPECT_FALSE(opened.txt(3)->text().isEmpty());  // Ctrl+U has cleared nothing
 }
 
@@ -226,8 +226,7 @@ GTEST_TEST(FrmAction, FolderHasNoExtraction) {
 GTEST_TEST(FrmAction, RunGoesThroughAllPaths) {
   const test::TempFolder to;
   ActionWindow opened(MovingTo(to.path()), {"a.txt", "b.missing", "c.txt", "d.txt"});
-  opened.window = std::make_unique<frmAction>(*opened.form, opened.run.settings.profiles, *opened.run.mover,
-                                              opened.services);
+  opened.window = std::make_unique<frmAction>(*opened.form, *opened.run.mover, opened.services);
   std::vector<std::string> titles;
   const auto note = [&] { titles.push_back(FromQt(opened.window->windowTitle())); };
   Later([&] {
@@ -318,11 +317,12 @@ GTEST_TEST(FrmAction, ProfilesAreMadeAndEdited) {
   EXPECT_TRUE(opened.edited.empty());
   opened.typed = "New";
   opened.Trigger("mnuEdit(11)");
-  EXPECT_EQ(opened.edited, std::vector<std::string>{"2|New|New"});
+  EXPECT_EQ(opened.edited, std::vector<std::string>{"new|New"});
   EXPECT_EQ(opened.cmd(2)->text(), "新規作成(&E)");
-  opened.on_edit = [](clsPropItem* store) {
-    store->pattern(".*none");
-    return true;
+  opened.on_edit = [&opened] {
+    const std::string file = opened.run.settings.profiles.FileName();
+    test::WriteFile(file, test::ReadFile(file) + "\n[New]\nPattern=.*none\n");
+    return "New";
   };
   opened.Click(opened.cmd(2));
   EXPECT_EQ(opened.window->windowTitle(), "1/1 - New");
@@ -332,9 +332,8 @@ GTEST_TEST(FrmAction, ProfilesAreMadeAndEdited) {
   opened.Click(opened.cmd(2));
   for (const char* name : {"mnuOption(0)", "mnuOption(1)", "mnuOption(6)", "mnuAbout(0)"})
     opened.Trigger(name);
-  EXPECT_EQ(opened.edited, (std::vector<std::string>{"1|New|New", "0|New|New", "6|New|New", "4|New|New"}));
+  EXPECT_EQ(opened.edited, (std::vector<std::string>{"profile|New", "standard|", "test|", "general|"}));
   EXPECT_EQ(opened.asked.back(), "about");
-  EXPECT_EQ(opened.run.settings.profiles.EDITMODE, clsPropItem::kNotEditing);
 }
 
 GTEST_TEST(FrmAction, WhatIsThrownComesOutOfTheWindow) {

@@ -13,6 +13,7 @@
 #include "support/scoped_variable.h"
 #include "support/scripted_user.h"
 #include "support/settings.h"
+#include "ui/editor_calls.h"
 #include "ui/modal.h"
 #include "ui/text.h"
 
@@ -21,7 +22,8 @@ namespace {
 
 using test::WriteFile;
 
-constexpr std::int16_t kModes[] = {1, 2, 0, 4, 6};
+constexpr EditMode kModes[] = {EditMode::kProfile, EditMode::kNew, EditMode::kStandard, EditMode::kGeneral,
+                               EditMode::kTest};
 
 // A window as its user sees it.
 struct Driver {
@@ -63,7 +65,8 @@ struct Driver {
 
 class EditWindow : public Driver {
  public:
-  EditWindow(test::Settings& over, std::int16_t mode, const std::string& title = "A")
+  explicit EditWindow(test::Settings& over, EditMode mode = EditMode::kProfile,
+                      const std::string& title = "A")
       : settings(over), draft(mode, title, {over.profiles, over.standard, over.test}) {
     EditServices services;
     services.pick_folder = [this](QWidget*, const std::string&, const std::string& start) {
@@ -120,17 +123,15 @@ void ChangeEverything(const Driver& edit) {
 }
 
 GTEST_TEST(FrmEdit, EveryFieldOfEveryUseComesBack) {
-  for (const std::int16_t mode : kModes) {
-    SCOPED_TRACE(mode);
+  for (const EditMode mode : kModes) {
+    SCOPED_TRACE(test::EditorCall(mode, ""));
     const test::TempFolder folder;
     for (const char* name : {"mover.ini", "test.ini"}) WriteFile(folder / name, "[General]\n");
     WriteFile(folder / "items.ini", "[A]\nOther=1\n");
     test::ScriptedUser user;
     Globals globals({folder.path(), "/standard"}, true, user, "", {});
-    clsPropItem& items = *globals.g_PropItem;
-    const std::string title = mode == 2 ? "新 ~ €" : "A";
-    items.EDITMODE = mode;
-    (mode == 2 ? items.NEWTITLE : items.Title) = title;
+    const bool is_new = mode == EditMode::kNew;
+    const std::string title = is_new ? "新 ~ €" : "A";
     QStringList typed, read;
     const test::WithModal act([&](QWidget& window) {
       if (typed.empty()) ChangeEverything({&window});
@@ -138,14 +139,11 @@ GTEST_TEST(FrmEdit, EveryFieldOfEveryUseComesBack) {
       if (typed.empty()) typed = read;
       QTest::keyClick(&window, Qt::Key_Return, Qt::ControlModifier);
     });
-    EXPECT_TRUE(OpenEditor(nullptr, globals));
-    const char* file = mode == 6 ? "test.ini" : mode == 0 || mode == 4 ? "mover.ini" : "items.ini";
+    const bool is_profile = is_new || mode == EditMode::kProfile;
+    EXPECT_EQ(OpenEditor(nullptr, globals, mode, title), is_profile ? title : "");
+    const char* file = is_profile ? "items.ini" : mode == EditMode::kTest ? "test.ini" : "mover.ini";
     EXPECT_GT(test::ReadFile(folder / file).size(), 100U);
-    EXPECT_EQ(items.NEWTITLE, mode == 1 || mode == 2 ? title : "");
-    items.EDITMODE = mode == 2 ? clsPropItem::kEditingProfile : mode;
-    items.Title = title;
-    EXPECT_FALSE(OpenEditor(nullptr, globals));
-    EXPECT_EQ(items.EDITMODE, 0);
+    EXPECT_EQ(OpenEditor(nullptr, globals, is_new ? EditMode::kProfile : mode, title), std::nullopt);
     EXPECT_EQ(act.windows(), 2);
     EXPECT_EQ(read, typed);
   }
@@ -161,10 +159,10 @@ GTEST_TEST(FrmEdit, LeavingChangesNoByte) {
   for (const auto& leave : ways) {
     SCOPED_TRACE(&leave - ways);
     test::Settings settings(before);
-    EditWindow untouched(settings, 1);
+    EditWindow untouched(settings);
     leave(untouched);
     EXPECT_FALSE(untouched.window->isVisible());
-    EditWindow edit(settings, 1);
+    EditWindow edit(settings);
     edit.Type("Pattern", "q");
     leave(edit);
     EXPECT_TRUE(edit.window->isVisible());
@@ -178,7 +176,7 @@ GTEST_TEST(FrmEdit, LeavingChangesNoByte) {
 
 GTEST_TEST(FrmEdit, InheritedValuesAreShownDimmed) {
   test::Settings settings("[A]\nSmartRename=1\n", "[General]\nSmartRename=2\nMoveTo=/m\n");
-  EditWindow edit(settings, 1);
+  EditWindow edit(settings);
   EXPECT_TRUE(edit.Get<QRadioButton>("opt.SmartRename.2")->isChecked());
   EXPECT_FALSE(edit.Get<QRadioButton>("opt.SmartRename.2")->isEnabled());
   EXPECT_EQ(edit.Get<QLineEdit>("txt.MoveTo")->placeholderText(), "/m");
@@ -195,7 +193,7 @@ GTEST_TEST(FrmEdit, ButtonsFillTheirFields) {
   const test::TempFolder files;
   for (const char* name : {"abc_01.zip", "x1.lzh"}) WriteFile(files / name, "");
   test::Settings settings("[A]\nMoveTo=/start\n");
-  EditWindow edit(settings, 1);
+  EditWindow edit(settings);
   for (const char* picked : {"", "/\xFF", "/picked"}) {
     EXPECT_EQ(edit.Field("MoveTo"), "/start");
     edit.picked = picked;
@@ -214,7 +212,7 @@ GTEST_TEST(FrmEdit, ButtonsFillTheirFields) {
   edit.Get<QLineEdit>("txt.Pattern")->setFocus();
   edit.Press(Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(edit.Field("Pattern"), "abc_.*\\.zip");
-  EditWindow general(settings, 4);
+  EditWindow general(settings, EditMode::kGeneral);
   general.picked = "/usr/bin/filer";
   general.Click("cmd.FILER");
   EXPECT_EQ(general.Field("FILER"), "/usr/bin/filer");
@@ -224,7 +222,7 @@ GTEST_TEST(FrmEdit, SendToIsSwitchedAtOnce) {
   const test::TempFolder home;
   const test::ScopedVariable data("XDG_DATA_HOME", home.path());
   test::Settings settings("");
-  EditWindow edit(settings, 4);
+  EditWindow edit(settings, EditMode::kGeneral);
   const std::string entry = home / "applications/quendle.desktop";
   EXPECT_EQ(edit.Get<QAbstractButton>("cmd.SendTo")->text(), "送るメニューに登録");
   edit.Click("cmd.SendTo");
@@ -241,7 +239,7 @@ GTEST_TEST(FrmEdit, SendToIsSwitchedAtOnce) {
 
 GTEST_TEST(FrmEdit, ProblemsAreToldAtOnceAndBeforeSaving) {
   test::Settings settings("[A]\n\n");
-  EditWindow edit(settings, 1);
+  EditWindow edit(settings);
   edit.Type("Include", "a\nb");
   auto* hint = edit.Get<QLabel>("hint.Include");
   EXPECT_TRUE(hint->isVisible());
@@ -261,7 +259,7 @@ GTEST_TEST(FrmEdit, ProblemsAreToldAtOnceAndBeforeSaving) {
 
 GTEST_TEST(FrmEdit, NewProfileExistsAfterwards) {
   test::Settings settings("[A]\nPattern=p\n");
-  EditWindow edit(settings, 2, "a");
+  EditWindow edit(settings, EditMode::kNew, "a");
   edit.answers = {kAnswerNo, kAnswerYes, kAnswerYes};
   edit.Click("cmd.OK");  // no: without a pattern is not meant
   EXPECT_EQ(edit.window->focusWidget()->objectName(), "txt.Pattern");
@@ -293,7 +291,7 @@ GTEST_TEST(FrmEdit, OthersChangesAreToldOrAskedAbout) {
   for (const auto& row : rows) {
     SCOPED_TRACE(&row - rows);
     test::Settings settings("[A]\nPattern=p\n");
-    EditWindow edit(settings, 1);
+    EditWindow edit(settings);
     edit.Type("Pattern", "mine");
     edit.OthersWrite(row.theirs);
     edit.answers = row.answers;
@@ -308,7 +306,7 @@ GTEST_TEST(FrmEdit, OthersChangesAreToldOrAskedAbout) {
 // open.
 GTEST_TEST(FrmEdit, AnswersAreNotOutrun) {
   test::Settings settings("[A]\nPattern=p\n");
-  EditWindow edit(settings, 1);
+  EditWindow edit(settings);
   edit.Type("Pattern", "mine");
   edit.Type("Include", "mine");
   edit.OthersWrite("[A]\nPattern=t\n");
@@ -323,7 +321,7 @@ GTEST_TEST(FrmEdit, AnswersAreNotOutrun) {
 
 GTEST_TEST(FrmEdit, FailedWriteKeepsEverything) {
   test::Settings settings("");
-  EditWindow edit(settings, 4);
+  EditWindow edit(settings, EditMode::kGeneral);
   edit.Type("FILER", "f");
   const std::string folder = settings.folder.path();
   std::filesystem::remove_all(folder);
@@ -339,7 +337,7 @@ GTEST_TEST(FrmEdit, FailedWriteKeepsEverything) {
 
 GTEST_TEST(FrmEdit, TabGoesFromTopToBottom) {
   test::Settings settings("[A]\nID=1\n");
-  EditWindow edit(settings, 1);
+  EditWindow edit(settings);
   QStringList visited;
   while (!visited.contains(edit.window->focusWidget()->objectName())) {
     visited += edit.window->focusWidget()->objectName();
@@ -355,7 +353,7 @@ GTEST_TEST(FrmEdit, TabGoesFromTopToBottom) {
 GTEST_TEST(FrmEdit, FitsSmallScreensAndKeyboards) {
   static const QRegularExpression mnemonic("&(.)");
   test::Settings settings("[A]\nPattern=a(\nMoveTo=r\nCopyTo=r\nExtractTo=r\n", "", "[General]\n");
-  for (const std::int16_t mode : kModes) {
+  for (const EditMode mode : kModes) {
     const EditWindow edit(settings, mode);
     EXPECT_LE(edit.window->minimumSizeHint().width(), 1024);
     EXPECT_LE(edit.window->minimumSizeHint().height(), 600 - 30);
@@ -363,7 +361,8 @@ GTEST_TEST(FrmEdit, FitsSmallScreensAndKeyboards) {
     for (auto* control : edit.window->findChildren<QWidget*>()) {
       const QString caption = control->property("text").toString();
       const QString letter = mnemonic.match(caption).captured(1);
-      EXPECT_TRUE(letter.isEmpty() || letters.insert(letter).second) << mode << FromQt(caption);
+      EXPECT_TRUE(letter.isEmpty() || letters.insert(letter).second)
+          << test::EditorCall(mode, FromQt(caption));
     }
   }
 }

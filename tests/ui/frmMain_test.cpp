@@ -16,6 +16,7 @@
 
 #include "core/modMain.h"
 #include "support/settings.h"
+#include "ui/editor_calls.h"
 #include "ui/text.h"
 
 namespace quendle {
@@ -43,11 +44,12 @@ class MainWindow {
       typed.erase(typed.begin());
       return next;
     };
-    services.open_editor = [this](QWidget*) {
-      clsPropItem& store = settings.profiles;
-      edited.push_back(std::to_string(store.EDITMODE) + "|" + store.NEWTITLE);
-      if (store.EDITMODE == clsPropItem::kEditingNew) store.pattern("new");
-      return true;
+    services.open_editor = [this](QWidget*, EditMode mode, const std::string& title) {
+      edited.push_back(test::EditorCall(mode, title));
+      const std::string file = settings.profiles.FileName();
+      if (mode == EditMode::kNew)
+        test::WriteFile(file, test::ReadFile(file) + "[" + title + "]\nPattern=new\n");
+      return std::optional(title);
     };
     services.open_tester = [this](QWidget*, const std::string& pattern, const std::string& name) {
       opened.push_back(pattern + "|" + name);
@@ -148,24 +150,24 @@ GTEST_TEST(FrmMain, KeysAndClicksReachTheirCommands) {
     std::function<void(MainWindow&)> act;
     std::string edited, opened;
   } rows[] = {
-      {"Return", [](MainWindow& m) { m.Press(Qt::Key_Return); }, "1|b", ""},
-      {"Enter of the number pad", [](MainWindow& m) { m.Press(Qt::Key_Enter, Qt::KeypadModifier); }, "1|b",
-       ""},
+      {"Return", [](MainWindow& m) { m.Press(Qt::Key_Return); }, "profile|b", ""},
+      {"Enter of the number pad", [](MainWindow& m) { m.Press(Qt::Key_Enter, Qt::KeypadModifier); },
+       "profile|b", ""},
       {"double click",
        [](MainWindow& m) {
          m.ClickRow(2);
          const QPoint place = m.view->visualRect(m.view->model()->index(2, 0)).center();
          QTest::mouseDClick(m.view->viewport(), Qt::LeftButton, Qt::NoModifier, place);
        },
-       "1|c", ""},
-      {"Ctrl+N", [](MainWindow& m) { m.Press(Qt::Key_N, Qt::ControlModifier); }, "2|new", ""},
-      {"Ins", [](MainWindow& m) { m.Press(Qt::Key_Insert); }, "2|new", ""},
-      {"standard settings", [](MainWindow& m) { m.window->findChild<QAction*>("standard")->trigger(); }, "0|",
-       ""},
-      {"general settings", [](MainWindow& m) { m.window->findChild<QAction*>("general")->trigger(); }, "4|",
-       ""},
-      {"test settings", [](MainWindow& m) { m.window->findChild<QAction*>("testSettings")->trigger(); }, "6|",
-       ""},
+       "profile|c", ""},
+      {"Ctrl+N", [](MainWindow& m) { m.Press(Qt::Key_N, Qt::ControlModifier); }, "new|new", ""},
+      {"Ins", [](MainWindow& m) { m.Press(Qt::Key_Insert); }, "new|new", ""},
+      {"standard settings", [](MainWindow& m) { m.window->findChild<QAction*>("standard")->trigger(); },
+       "standard|", ""},
+      {"general settings", [](MainWindow& m) { m.window->findChild<QAction*>("general")->trigger(); },
+       "general|", ""},
+      {"test settings", [](MainWindow& m) { m.window->findChild<QAction*>("testSettings")->trigger(); },
+       "test|", ""},
       {"about", [](MainWindow& m) { m.window->findChild<QAction*>("about")->trigger(); }, "", "about"},
       {"tester", [](MainWindow& m) { m.Press(Qt::Key_T, Qt::ControlModifier); }, "", ".*\\.zip|"},
       {"Return with several",
@@ -199,7 +201,7 @@ GTEST_TEST(FrmMain, KeysAndClicksReachTheirCommands) {
          ASSERT_NE(QApplication::activePopupWidget(), nullptr);
          QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_E);
        },
-       "1|b", ""},
+       "profile|b", ""},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
@@ -209,7 +211,6 @@ GTEST_TEST(FrmMain, KeysAndClicksReachTheirCommands) {
     row.act(main);
     EXPECT_EQ(main.edited, row.edited.empty() ? std::vector<std::string>() : std::vector{row.edited});
     EXPECT_EQ(main.opened, row.opened.empty() ? std::vector<std::string>() : std::vector{row.opened});
-    EXPECT_EQ(main.settings.profiles.EDITMODE, 0);
   }
 }
 
