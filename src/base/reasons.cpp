@@ -130,6 +130,7 @@ constexpr Row kOwn[] = {
     {"the file begins like UTF-16 but not with the little-endian mark, so it is not changed", 6623},
     {"another program holds the settings folder", 6699},
     {"not a regular file", 6053},
+    {"it is being changed", 6950},
     {"another program uses it", 6096},
     {"the file is too large", 6094},
     {"xdg-open, which opens files, is not on the search path", 6083},

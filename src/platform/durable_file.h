@@ -7,13 +7,25 @@
 #include <string>
 #include <string_view>
 
+#include "platform/entry_status.h"
 #include "platform/result.h"
 
 namespace quendle::platform {
 
 // Reads the whole file into `*bytes`, which is empty after a failure. A folder is kIsFolder; pipes, devices
-// and files above 256 MiB are kRefused.
+// and files above 256 MiB are kRefused. What another program writes meanwhile may be in it or not, and in
+// part.
 Result ReadWholeFile(const std::string& path, std::string* bytes);
+
+// The same for who acts on what is read: these are the bytes of one moment, and the file had been left alone
+// for long enough that they are not half of what somebody is about to write. A file that has just been written
+// is waited for, usually 25 ms, and about a second when it is written again and again; then it is kFailed,
+// "it is being changed". (A file system that keeps whole seconds only: 2.5 s more.) kNotFound means that there
+// is nothing of that name; a link that leads nowhere is kFailed.
+//
+// `*status`, when wanted, is what the file was: for as long as ReadTargetStatus tells of an entry that
+// IsUnchanged, its bytes are these.
+Result ReadSettledFile(const std::string& path, std::string* bytes, EntryStatus* status = nullptr);
 
 // Replaces the file's content: a new hidden file beside it, written whole, synced, given the old file's owner
 // and mode, renamed over it, folder synced. After a failure the old file has its old bytes and no temporary

@@ -7,12 +7,15 @@
 #include <cerrno>
 #include <chrono>
 #include <climits>
+#include <csignal>
 
 #include "platform/descriptor_posix.h"
 #include "platform/durable_file.h"
 #include "platform/entry_names.h"
+#include "platform/entry_status_posix.h"
 #include "platform/process.h"
 #include "platform/renaming_posix.h"
+#include "platform/watched_read.h"
 
 namespace quendle::platform {
 namespace {
@@ -56,7 +59,16 @@ Result ReadUpTo(const Descriptor& file, off_t expected, const std::string& path,
   return Success();
 }
 
-Result ReadRegularFile(const std::string& path, std::string* bytes) {
+// The system lends a file to read only while nobody has it open for writing. Who opens it meanwhile waits, and
+// a signal tells of that which is to end nobody: one that is ignored unless somebody wants it.
+bool IsOpenForWriting(const Descriptor& file) {
+  if (fcntl(file.get(), F_SETSIG, SIGURG) != 0) return false;
+  if (fcntl(file.get(), F_SETLEASE, F_RDLCK) != 0) return errno == EAGAIN;
+  (void)fcntl(file.get(), F_SETLEASE, F_UNLCK);
+  return false;
+}
+
+Result ReadRegularFile(const std::string& path, std::string* bytes, WatchedRead* watched) {
   // Without O_NONBLOCK a pipe in the file's place would wait for a writer.
   const Descriptor file(
       Retried([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
@@ -65,7 +77,13 @@ Result ReadRegularFile(const std::string& path, std::string* bytes) {
   if (S_ISDIR(entry.st_mode)) return SystemFailure(EISDIR, path);
   if (!S_ISREG(entry.st_mode)) return Failure(Code::kRefused, path, "not a regular file");
   if (entry.st_size > kGreatestSize) return Failure(Code::kRefused, path, "the file is too large");
-  return ReadUpTo(file, entry.st_size, path, bytes);
+  if (watched == nullptr) return ReadUpTo(file, entry.st_size, path, bytes);
+  watched->before = StatusFrom(entry);
+  watched->is_open_for_writing = IsChangedLately(watched->before) && IsOpenForWriting(file);
+  Result result = ReadUpTo(file, entry.st_size, path, bytes);
+  if (result.ok() && fstat(file.get(), &entry) != 0) return LastSystemFailure(path);
+  watched->after = StatusFrom(entry);
+  return result;
 }
 
 // Says whether the file at `real`, if there is one, may be replaced. `*exists` tells whether there is.
@@ -173,8 +191,8 @@ Result WaitForLock(int handle, const std::string& folder) {
 
 }  // namespace
 
-Result ReadWholeFile(const std::string& path, std::string* bytes) {
-  Result result = ReadRegularFile(path, bytes);
+Result ReadWatched(const std::string& path, std::string* bytes, WatchedRead* watched) {
+  Result result = ReadRegularFile(path, bytes, watched);
   if (!result.ok()) bytes->clear();
   return result;
 }

@@ -13,6 +13,7 @@
 #include "platform/nt_file_win32.h"
 #include "platform/open_folder.h"
 #include "platform/process.h"
+#include "platform/watched_read.h"
 
 namespace quendle::platform {
 namespace {
@@ -83,7 +84,13 @@ Result CheckRegular(const EntryStatus& status, const std::string& path) {
   return status.is_file() ? Success() : Failure(Code::kRefused, path, "not a regular file");
 }
 
-Result ReadRegularFile(const std::string& path, std::string* bytes) {
+// The system opens it for who tolerates no writers only while there are none.
+bool IsOpenForWriting(HANDLE file) {
+  const Handle alone(ReOpenFile(file, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, 0));
+  return !alone.ok() && GetLastError() == ERROR_SHARING_VIOLATION;
+}
+
+Result ReadRegularFile(const std::string& path, std::string* bytes, WatchedRead* watched) {
   const Handle file = OpenForReading(path, 0);
   if (!file.ok()) return NotOpened(path);
   if (GetFileType(file.get()) != FILE_TYPE_DISK) return Failure(Code::kRefused, path, "not a regular file");
@@ -92,7 +99,11 @@ Result ReadRegularFile(const std::string& path, std::string* bytes) {
   if (result.ok()) result = CheckRegular(status, path);
   if (!result.ok()) return result;
   if (status.size > kGreatestSize) return Failure(Code::kRefused, path, "the file is too large");
-  return ReadUpTo(file.get(), status.size, path, bytes);
+  if (watched == nullptr) return ReadUpTo(file.get(), status.size, path, bytes);
+  watched->before = status;
+  watched->is_open_for_writing = IsChangedLately(status) && IsOpenForWriting(file.get());
+  result = ReadUpTo(file.get(), status.size, path, bytes);
+  return result.ok() ? Outcome(StatusOfOpen(file.get(), &watched->after), path) : result;
 }
 
 // Says whether the file at `real`, if there is one, may be replaced. `*exists` tells whether there is.
@@ -223,8 +234,8 @@ DWORD TryLock(const std::wstring& name, Handle* lock) {
 
 }  // namespace
 
-Result ReadWholeFile(const std::string& path, std::string* bytes) {
-  Result result = ReadRegularFile(path, bytes);
+Result ReadWatched(const std::string& path, std::string* bytes, WatchedRead* watched) {
+  Result result = ReadRegularFile(path, bytes, watched);
   if (!result.ok()) bytes->clear();
   return result;
 }

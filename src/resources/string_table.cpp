@@ -591,6 +591,7 @@ const StringTableEntry kStringTable[] = {
      "映されます。"},
     {6823, "「送る」メニューから、このプログラムを取り除きます。すぐに反映されます。"},
     {6824, "「送る」メニューを変更できませんでした。\r\n\r\n%1\r\n%2"},
+    {6950, "ほかのプログラムが書き換えています"},
 };
 
 const std::size_t kStringTableSize = sizeof kStringTable / sizeof kStringTable[0];

@@ -35,6 +35,8 @@ GTEST_TEST(ReplaceFile, KeepsLinks) {
   test::MakeLink(folder / "first", folder / "second");
   test::MakeLink("real/missing.ini", folder / "dangling");
   test::MakeLink("loop", folder / "loop");
+  std::string bytes;
+  EXPECT_EQ(ReadSettledFile(folder / "dangling", &bytes).code, Code::kFailed);
   EXPECT_TRUE(ReplaceFile(folder / "second", "new").ok());
   EXPECT_TRUE(ReplaceFile(folder / "dangling", "made").ok());
   EXPECT_FALSE(ReplaceFile(folder / "loop", "x").ok());
@@ -61,9 +63,12 @@ GTEST_TEST(ReplaceFile, RefusesWhatIsNoFile) {
       {"", Code::kNotFound, Code::kNotFound},
   };
   for (const auto& row : rows) {
-    std::string bytes = "left over";
-    EXPECT_EQ(ReadWholeFile(row.path, &bytes).code, row.read) << row.path;
-    EXPECT_EQ(bytes, "") << row.path;
+    for (const bool settled : {false, true}) {
+      std::string bytes = "left over";
+      const Result read = settled ? ReadSettledFile(row.path, &bytes) : ReadWholeFile(row.path, &bytes);
+      EXPECT_EQ(read.code, row.read) << row.path;
+      EXPECT_EQ(bytes, "") << row.path;
+    }
     const Result replaced = ReplaceFile(row.path, "x");
     EXPECT_EQ(replaced.code, row.replaced) << row.path;
     EXPECT_EQ(replaced.reason.empty(), replaced.ok()) << row.path;
@@ -77,6 +82,67 @@ GTEST_TEST(ReadWholeFile, RefusesFilesThatWouldFillTheMemory) {
   fs::resize_file(folder / "sparse", std::uintmax_t{1} << 30);
   std::string bytes;
   EXPECT_EQ(ReadWholeFile(folder / "sparse", &bytes).code, Code::kRefused);
+}
+
+// What an editor does that saves without a temporary file.
+void WriteInPlace(const std::string& path, const std::string& bytes, std::chrono::milliseconds pause) {
+  std::ofstream file(test::FsPath(path), std::ios::binary | std::ios::trunc);
+  file << std::flush;
+  std::this_thread::sleep_for(pause);
+  file << bytes.substr(0, bytes.size() / 2) << std::flush;
+  std::this_thread::sleep_for(pause);
+  file << bytes.substr(bytes.size() / 2);
+}
+
+GTEST_TEST(ReadSettledFile, WaitsForWhoWritesInPlace) {
+  using std::chrono::milliseconds;
+  const test::TempFolder folder;
+  const std::string path = folder / "a.ini";
+  const std::string whole = "[General]\nFolder=/new\n";
+  const struct {
+    const char* name;
+    milliseconds writing;
+    milliseconds pause;
+    Code code;
+  } rows[] = {
+      {"a few saves", milliseconds(100), milliseconds(3), Code::kOk},
+      {"a slow save", milliseconds(1), milliseconds(60), Code::kOk},
+      {"saves without end", milliseconds(9000), milliseconds(3), Code::kFailed},
+  };
+  for (const auto& row : rows) {
+    test::WriteFile(path, "old");
+    std::atomic<bool> has_read = false;
+    std::thread writer([&] {
+      const auto end = std::chrono::steady_clock::now() + row.writing;
+      do WriteInPlace(path, whole, row.pause);
+      while (!has_read && std::chrono::steady_clock::now() < end);
+    });
+    while (test::ReadFile(path) == "old") std::this_thread::yield();
+    std::string bytes;
+    const Result read = ReadSettledFile(path, &bytes);
+    has_read = true;
+    writer.join();
+    EXPECT_EQ(read.code, row.code) << row.name;
+    EXPECT_EQ(bytes, row.code == Code::kOk ? whole : "") << row.name;
+  }
+}
+
+// Whoever keeps a parse relies on it.
+GTEST_TEST(ReadSettledFile, TellsAStateThatEveryLaterChangeEnds) {
+  const test::TempFolder folder;
+  for (const char* bytes : {"one", "two", "six", "ten"}) {
+    WriteInPlace(folder / "a.ini", bytes, {});
+    EntryStatus then;
+    EntryStatus now;
+    std::string read;
+    ASSERT_TRUE(ReadSettledFile(folder / "a.ini", &read, &then).ok());
+    EXPECT_EQ(read, bytes);
+    ASSERT_TRUE(ReadTargetStatus(folder / "a.ini", &now).ok());
+    EXPECT_TRUE(IsUnchanged(then, now)) << bytes;
+    WriteInPlace(folder / "a.ini", "new", {});
+    ASSERT_TRUE(ReadTargetStatus(folder / "a.ini", &now).ok());
+    EXPECT_FALSE(IsUnchanged(then, now)) << bytes;
+  }
 }
 
 GTEST_TEST(FolderLock, HoldersWaitForEachOther) {

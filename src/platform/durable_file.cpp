@@ -1,0 +1,71 @@
+#include "platform/durable_file.h"
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+#include "platform/watched_read.h"
+
+namespace quendle::platform {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::system_clock;
+
+constexpr auto kLongestWait = 1s;  // beyond the first time that the file might have been left alone
+constexpr Clock::duration kLongestPause = 50ms;
+
+// For how long a file with this stamp has to be left alone. The clock that stamps files advances in steps of
+// up to 16 ms, and who empties a file to write it anew takes a moment. FAT keeps whole, even seconds: so may
+// any file without nanoseconds.
+Clock::duration QuietTime(const EntryTime& stamp) {
+  return stamp.nanoseconds == 0 ? 2500ms : 25ms;
+}
+
+// What is missing of it at that moment, nothing or less when the file has been left alone. A stamp far in the
+// future says that the clock was set back since.
+Clock::duration MissingQuiet(const EntryTime& stamp, Clock::time_point now) {
+  const Clock::duration age = AgeOf(stamp, now);
+  const Clock::duration quiet = QuietTime(stamp);
+  return age < -quiet ? Clock::duration::zero() : quiet - age;
+}
+
+bool IsSure(const WatchedRead& watched, std::size_t bytes_read) {
+  return !watched.is_open_for_writing && IsUnchanged(watched.before, watched.after) &&
+         bytes_read == watched.before.size;
+}
+
+bool IsDanglingLink(const std::string& path) {
+  EntryStatus status;
+  return ReadStatus(path, &status).ok() && status.is_link();
+}
+
+}  // namespace
+
+Result ReadWholeFile(const std::string& path, std::string* bytes) {
+  return ReadWatched(path, bytes, nullptr);
+}
+
+Result ReadSettledFile(const std::string& path, std::string* bytes, EntryStatus* status) {
+  const auto begin = std::chrono::steady_clock::now();
+  while (true) {
+    WatchedRead watched;
+    const Clock::time_point now = Clock::now();
+    Result result = ReadWatched(path, bytes, &watched);
+    if (result.code == Code::kNotFound && IsDanglingLink(path))
+      return Failure(Code::kFailed, path, "the link leads nowhere");
+    if (!result.ok()) return result;
+    const EntryTime& stamp = watched.before.change_time;
+    const Clock::duration missing = MissingQuiet(stamp, now);
+    if (missing <= 0s && IsSure(watched, bytes->size())) {
+      if (status != nullptr) *status = watched.before;
+      return result;
+    }
+    bytes->clear();
+    if (std::chrono::steady_clock::now() - begin > QuietTime(stamp) + kLongestWait)
+      return Failure(Code::kFailed, path, "it is being changed");
+    std::this_thread::sleep_for(std::clamp<Clock::duration>(missing, 1ms, kLongestPause));
+  }
+}
+
+}  // namespace quendle::platform

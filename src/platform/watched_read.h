@@ -1,0 +1,36 @@
+// What was seen of a file while it was read.
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "platform/entry_status.h"
+#include "platform/result.h"
+
+namespace quendle::platform {
+
+struct WatchedRead {
+  EntryStatus before;  // the first byte was read
+  EntryStatus after;   // the last one
+  // Did somebody have it open for writing in between? Asked only of a file that was changed lately, and false
+  // where the system does not tell.
+  bool is_open_for_writing = false;
+};
+
+// As ReadWholeFile, which watches nothing.
+Result ReadWatched(const std::string& path, std::string* bytes, WatchedRead* watched);
+
+inline std::chrono::system_clock::duration AgeOf(const EntryTime& stamp,
+                                                 std::chrono::system_clock::time_point now) {
+  using std::chrono::duration_cast;
+  return now.time_since_epoch() - std::chrono::seconds(stamp.seconds) -
+         duration_cast<std::chrono::system_clock::duration>(std::chrono::nanoseconds(stamp.nanoseconds));
+}
+
+// Who writes a file may be kept from the processor in the midst of it, on a busy machine for long.
+inline bool IsChangedLately(const EntryStatus& status) {
+  return std::chrono::abs(AgeOf(status.change_time, std::chrono::system_clock::now())) <
+         std::chrono::seconds(3);
+}
+
+}  // namespace quendle::platform
