@@ -10,6 +10,12 @@
 
 namespace quendle {
 
+// The program of the user's choice that shows folders, and its parameters; both may be empty.
+struct FileManager {
+  std::string program;
+  std::string parameters;
+};
+
 class UserInterface {
  public:
   virtual ~UserInterface() = default;
@@ -58,8 +64,8 @@ class UserInterface {
   // Work that keeps the user waiting begins or ends.
   virtual void SetBusy(bool busy) = 0;
 
-  // Shows the folder in the user's file manager. A failure is shown, not returned: the work is done by then.
-  virtual void OpenFolder(const std::string& folder) = 0;
+  // Shows the folder in that file manager. A failure is shown, not returned: the work is done by then.
+  virtual void OpenFolder(const std::string& folder, const FileManager& manager) = 0;
 
   // Opens a file with the program that the desktop has for it, which is never one from `untrusted_folder`. A
   // failure is shown, not returned.

@@ -80,8 +80,8 @@ void LazyWindows::SetBusy(bool busy) {
   if (windows_) windows_->Dialogs().SetBusy(busy);
 }
 
-void LazyWindows::OpenFolder(const std::string& folder) {
-  (windows_ ? windows_->Dialogs() : terminal_).OpenFolder(folder);
+void LazyWindows::OpenFolder(const std::string& folder, const FileManager& manager) {
+  (windows_ ? windows_->Dialogs() : terminal_).OpenFolder(folder, manager);
 }
 
 void LazyWindows::OpenFile(const std::string& path, const std::string& untrusted_folder) {

@@ -41,7 +41,7 @@ class LazyWindows : public UserInterface {
   bool ShowProgress(const platform::FileProgress& progress, bool simple) override;
   void EndProgress() override;
   void SetBusy(bool busy) override;
-  void OpenFolder(const std::string& folder) override;
+  void OpenFolder(const std::string& folder, const FileManager& manager) override;
   void OpenFile(const std::string& path, const std::string& untrusted_folder) override;
 
  private:

@@ -113,9 +113,8 @@ void TerminalUser::EndProgress() {
 
 void TerminalUser::SetBusy(bool) {}  // the terminal shows by itself that the program has not ended
 
-void TerminalUser::OpenFolder(const std::string& folder) {
-  WarnUnlessOpened(folder, settings_ == nullptr ? platform::OpenWithDesktop(folder, folder)
-                                                : OpenFolderWithFiler(*settings_, folder));
+void TerminalUser::OpenFolder(const std::string& folder, const FileManager& manager) {
+  WarnUnlessOpened(folder, OpenFolderWithFiler(manager, folder));
 }
 
 void TerminalUser::OpenFile(const std::string& path, const std::string& untrusted_folder) {

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "base/user_interface.h"
-#include "settings/clsPropDefault.h"
 
 namespace quendle {
 
@@ -17,10 +16,6 @@ class TerminalUser : public UserInterface {
   // `columns` of the terminal on which progress is shown; 0: none. `password`: for archives that need one.
   TerminalUser(int columns, std::optional<std::string> password)
       : columns_(columns), password_(std::move(password)) {}
-
-  // From now on, for as long as the settings live, folders are opened by the file manager that they name.
-  // Settings are made after the user of their run; until then the desktop's own is taken.
-  void OpenFoldersBy(const clsPropDefault& settings) { settings_ = &settings; }
 
   OverwriteAnswer AskOverwrite(const platform::FileVersion& existing,
                                const platform::FileVersion& incoming) override;
@@ -34,7 +29,7 @@ class TerminalUser : public UserInterface {
   bool ShowProgress(const platform::FileProgress& progress, bool simple) override;
   void EndProgress() override;
   void SetBusy(bool busy) override;
-  void OpenFolder(const std::string& folder) override;
+  void OpenFolder(const std::string& folder, const FileManager& manager) override;
   void OpenFile(const std::string& path, const std::string& untrusted_folder) override;
 
   // A line on the error stream, after anything printed so far.
@@ -44,7 +39,6 @@ class TerminalUser : public UserInterface {
   using Clock = std::chrono::steady_clock;
 
   int columns_;
-  const clsPropDefault* settings_ = nullptr;
   std::optional<std::string> password_;
   std::string asked_archive_;  // the one that the password was given for last
   bool running_ = false;       // an operation reports progress

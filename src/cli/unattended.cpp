@@ -60,7 +60,6 @@ int RunUnattended(const Options& options) {
   TerminalUser user(platform::ErrorStreamColumns(), std::move(password));
   const std::vector<std::string> paths = TakenPaths(options);
   Globals globals(FindSettingsFolders(options.settings), !options.dry_run, user, FindModuleFolder(), paths);
-  user.OpenFoldersBy(*globals.g_PropDefault);
   if (IsWindowed(options)) ExplainMissingWindows(options, &globals);
   for (const std::string& warning : SettingsWarnings(globals)) TerminalUser::Warn(ForDisplay(warning));
 
@@ -70,8 +69,7 @@ int RunUnattended(const Options& options) {
 
   int status = paths.size() == options.paths.size() ? kExitDone : kExitUndone;
   for (mover.CMDLINECURRENT = 1; mover.CMDLINECURRENT <= mover.CMDLINEMAX; ++mover.CMDLINECURRENT) {
-    const DispatchReport report =
-        DispatchCurrent(&mover, *globals.g_FileInfo, *globals.g_PropDefault, dispatch);
+    const DispatchReport report = DispatchCurrent(&mover, *globals.g_FileInfo, dispatch);
     if (!Print(options, report)) return Left(mover, "stopped");
     if (report.outcome != Outcome::kDone && report.outcome != Outcome::kPlanned) status = kExitUndone;
     if (platform::InterruptRequested() && mover.CMDLINECURRENT < mover.CMDLINEMAX) {
@@ -79,8 +77,8 @@ int RunUnattended(const Options& options) {
     }
   }
   for (const std::string& problem : mover.LibraryProblems()) TerminalUser::Warn(ForDisplay(problem));
-  if (options.dry_run) {
-    for (const std::string& problem : mover.ProfileProblems()) TerminalUser::Warn(ForDisplay(problem));
+  for (const std::string& problem : mover.ProfileProblems(options.dry_run)) {
+    TerminalUser::Warn(ForDisplay(problem));
   }
   return status;
 }

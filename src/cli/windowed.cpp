@@ -68,10 +68,10 @@ int RunPaths(const Options& options, Globals* globals, LazyWindows* windows) {
     return kExitUsage;
   }
   mover.SHOWUSERFORM = WantsForm(options, *globals);
-  ActionForm form({mover, *globals->g_FileInfo, *globals->g_PropItem, *globals->g_PropDefault, *windows},
-                  profile);
+  ActionForm form({mover, *globals->g_FileInfo, *windows}, profile);
   const bool all_done = WorkThrough(&form, windows);
   for (const std::string& problem : mover.LibraryProblems()) TerminalUser::Warn(ForDisplay(problem));
+  for (const std::string& problem : mover.ProfileProblems(false)) TerminalUser::Warn(ForDisplay(problem));
   return all_done ? kExitDone : kExitUndone;
 }
 
@@ -113,7 +113,6 @@ int Run(const Options& options, const SettingsFolders& folders, const platform::
   const std::vector<std::string> paths = TakenPaths(options);
   Globals globals(folders, true, windows, FindModuleFolder(), paths);
   made = &globals;
-  terminal.OpenFoldersBy(*globals.g_PropDefault);
   int status = kExitUndone;
   try {
     for (const std::string& warning : SettingsWarnings(globals)) TerminalUser::Warn(ForDisplay(warning));

@@ -52,7 +52,7 @@ bool ActionForm::NeedsUser() const {
   const clsMover& mover = environment_.mover;
   if (mover.SHOWUSERFORM) return true;
   if (profile_ || mover.PATTERNMATCHCOUNT() == 1) return false;
-  const bool is_tested = mover.ARCHIVETYPE != 0 && environment_.standard.TEST();
+  const bool is_tested = mover.ARCHIVETYPE != 0 && mover.Settings().Standard().Flag(text_id::kTest);
   return mover.PATTERNMATCHCOUNT() > 1 || !is_tested;
 }
 
@@ -73,6 +73,11 @@ bool ActionForm::Fill() {
   if (!found.ok()) {
     NoteUndone(path, found.reason);
     if (!IsMissing(found)) Refuse(path, InJapanese(found.reason));
+    return false;
+  }
+  if (const platform::Result read = environment_.mover.SetItemDataToArray(); !read.ok()) {
+    NoteUndone(path, "the settings cannot be read: " + read.reason);
+    Refuse(read.path, InJapanese(read.reason));
     return false;
   }
   FillProfiles("");
@@ -108,7 +113,6 @@ void ActionForm::FillProfiles(const std::string& wanted) {
 void ActionForm::LoadProfile() {
   clsMover& mover = environment_.mover;
   view_.problem = InJapanese(LoadValues());
-  store_title_ = environment_.items.Title;
   if (!view_.problem.empty()) {
     // What was read so far belongs to no profile.
     mover.ACTION = 0;
@@ -130,7 +134,7 @@ std::string ActionForm::LoadValues() {
   std::string why;
   if (const std::string title = SelectedTitle(); !title.empty()) {
     (void)mover.FillFromProfile(title, &why);
-  } else if (mover.ARCHIVETYPE != 0 && environment_.standard.TEST()) {
+  } else if (mover.ARCHIVETYPE != 0 && mover.Settings().Standard().Flag(text_id::kTest)) {
     (void)mover.FillFromTestSettings(&why);
   } else {
     mover.SetDefaultItemData();
@@ -163,7 +167,8 @@ bool ActionForm::Execute() {
     return !Fill();
   }
   std::string problem = view_.problem;
-  if (problem.empty() && !title.empty() && !(mover.ProfileIsAsRead(title) && MarksHold())) {
+  // Of what nobody has looked at, the files were read a moment ago.
+  if (problem.empty() && asks_ && !title.empty() && !mover.SettingsHold(title)) {
     problem = InJapanese("the profile has been changed or removed, or cannot be read any more");
   }
   if (!problem.empty()) {
@@ -171,7 +176,6 @@ bool ActionForm::Execute() {
     Reload(title);
     return false;
   }
-  StandOnProfile();
   mover.ActionMain();
   ReportFailure();
   return true;
@@ -180,11 +184,6 @@ bool ActionForm::Execute() {
 void ActionForm::Refuse(const std::string& name, const std::string& reason) {
   environment_.user.ShowMessage(UserInterface::MessageKind::kExclamation,
                                 ForDisplay(name) + ": " + ForDisplay(reason));
-}
-
-// Editors and checks leave the store on other profiles, and an extraction reads from it.
-void ActionForm::StandOnProfile() {
-  environment_.items.Title = store_title_;
 }
 
 void ActionForm::ReportFailure() {
@@ -217,9 +216,13 @@ std::string ActionForm::SelectedTitle() const {
 }
 
 void ActionForm::Reload(const std::string& title) {
-  environment_.mover.SetItemDataToArray();
+  const platform::Result read = environment_.mover.SetItemDataToArray();
   FillProfiles(title);
   LoadProfile();
+  if (read.ok()) return;
+  Refuse(read.path, InJapanese(read.reason));
+  view_.problem = InJapanese(read.reason);
+  UpdateView();
 }
 
 }  // namespace quendle

@@ -54,8 +54,6 @@ class ActionForm {
   struct Environment {
     clsMover& mover;
     const clsFileInfo& file_info;
-    clsPropItem& items;
-    const clsPropDefault& standard;
     UserInterface& user;
   };
 
@@ -92,7 +90,8 @@ class ActionForm {
   std::vector<ActionStep> Plan();
 
   // Does the current path. False when it was not tried, which the user has been told, with the reason, and the current
-  // path stays: the profile has been changed or removed meanwhile. Otherwise Advance is next.
+  // path stays: the profile has been changed or removed since the window shows it, or the settings cannot be read any
+  // more. Otherwise Advance is next.
   bool Execute();
   // Leaves it undone. Advance is next.
   void Skip();
@@ -104,7 +103,7 @@ class ActionForm {
 
   // For the editor: the title of the selected profile, empty for none.
   std::string SelectedTitle() const;
-  // Reads the profiles anew, after the editor has saved, and selects that title where it matches the path.
+  // Reads the settings anew, after the editor has saved, and selects that title where it matches the path.
   void Reload(const std::string& title);
 
  private:
@@ -124,13 +123,12 @@ class ActionForm {
   void LeaveOutExtraction();
   bool NeedsUser() const;
   void Refuse(const std::string& name, const std::string& reason);
-  void StandOnProfile();
   std::string& Destination(std::size_t row);
   void FillField(std::size_t row, const std::string& folder);
+  void RememberFolder(std::size_t row);
   void ComputeFields();
   void UpdateView();
   void UpdateMarks();
-  bool MarksHold();
   std::string TitleText() const;
   void ReportFailure();
   void NoteUndone(const std::string& path, const std::string& reason);
@@ -138,7 +136,6 @@ class ActionForm {
   Environment environment_;
   std::optional<std::string> profile_;
   std::vector<std::string> titles_;  // beside view_.profiles; empty for the unregistered entry
-  std::string store_title_;          // what the profile store stands on for the current path
   std::array<Field, kActionRows> fields_;
   bool asks_ = false;  // the user is to settle the current path
   ActionView view_;

@@ -30,6 +30,14 @@ std::string& ActionForm::Destination(std::size_t row) {
 // Shows the destination, which was computed from `folder`.
 void ActionForm::FillField(std::size_t row, const std::string& folder) {
   fields_[row] = {Destination(row), ForDisplay(Destination(row)), folder, false};
+  RememberFolder(row);
+}
+
+// A name that is computed from a folder is chosen anew when it is taken before the file is there.
+void ActionForm::RememberFolder(std::size_t row) {
+  clsMover& mover = environment_.mover;
+  if (row == 1) mover.MOVEINTO = fields_[row].folder;
+  if (row == 2) mover.COPYINTO = fields_[row].folder;
 }
 
 void ActionForm::SelectProfile(int index) {
@@ -66,6 +74,7 @@ void ActionForm::TypeFolder(std::size_t row, const std::string& shown) {
   field.is_typed = true;
   const bool is_folder = field.path.ends_with(Separator(kHostStyle)) || FolderExists(field.path);
   field.folder = is_folder ? field.path : "";
+  RememberFolder(row);
   Destination(row) =
       is_folder ? environment_.mover.GetTargetPathByFolder(kBits[row], field.folder) : field.path;
   UpdateView();
@@ -82,9 +91,9 @@ void ActionForm::SelectRename(int index) {
   CheckRange(index, kRenameEntries);
   clsMover& mover = environment_.mover;
   if (!view_.can_rename) return;
-  StandOnProfile();
-  const std::int16_t own =
-      SelectedTitle().empty() ? environment_.standard.SMARTRENAME() : environment_.items.SMARTRENAME();
+  const std::optional<ProfileValues> profile = mover.Settings().Profile(SelectedTitle());
+  const std::int16_t own = profile ? profile->Number(text_id::kSmartRename)
+                                   : mover.Settings().Standard().Number(text_id::kSmartRename);
   mover.SMARTRENAME = index == 0 ? own : static_cast<std::int16_t>(index);
   view_.rename = index;
   ComputeFields();
@@ -122,7 +131,6 @@ void ActionForm::SetOpenDir(bool on) {
 
 std::vector<ActionStep> ActionForm::Plan() {
   if (!view_.problem.empty()) return {};
-  StandOnProfile();
   return environment_.mover.PlanSteps(true);
 }
 
@@ -156,16 +164,8 @@ void ActionForm::UpdateView() {
 void ActionForm::UpdateMarks() {
   view_.marks = {};
   if (!view_.can_set_extraction) return;
-  StandOnProfile();
-  const clsPropItem& items = environment_.items;
-  view_.marks = {items.INCLUDE(), items.EXCLUDE(), items.OPENFILE()};
-}
-
-// An extraction reads them from the store, and is to do what the user has seen.
-bool ActionForm::MarksHold() {
-  const std::array<std::string, 3> shown = view_.marks;
-  UpdateMarks();
-  return view_.marks == shown;
+  const clsMover& mover = environment_.mover;
+  view_.marks = {mover.INCLUDE, mover.EXCLUDE, mover.OPENFILE};
 }
 
 std::string ActionForm::TitleText() const {

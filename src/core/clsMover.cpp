@@ -7,6 +7,7 @@
 #include "base/modSystem.h"
 #include "base/text.h"
 #include "core/profile_match.h"
+#include "core/profile_problem.h"
 #include "platform/known_folders.h"
 #include "platform/paths.h"
 #include "platform/unicode.h"
@@ -42,7 +43,8 @@ clsMover::clsMover(const Environment& environment, std::unique_ptr<clsArchiver> 
   operation_.pRespondDialog(false);
   operation_.pShowProgress(true);
   operation_.pSimpleProgress(false);
-  SetItemDataToArray();
+  snapshot_ = std::make_shared<const SettingsSnapshot>(SettingsSnapshot::Files(), "");
+  (void)SetItemDataToArray();  // who dispatches asks again, and is told
 }
 
 const std::string& clsMover::CurrentCmdLineString() const {
@@ -60,28 +62,21 @@ platform::Result clsMover::SetTarget() {
   return Failure(platform::Code::kNotFound, ORIGINALPATH, "an earlier path of this run takes it away");
 }
 
-void clsMover::SetItemDataToArray() {
-  clsPropItem& items = environment_.items;
-  std::vector<std::string> titles;
+platform::Result clsMover::SetItemDataToArray() {
+  const std::shared_ptr<const SettingsSnapshot> before = snapshot_;
+  platform::Result read = environment_.settings.Read(&snapshot_);
+  if (read.ok() && snapshot_ != before) ReadIndex();
+  return read;
+}
+
+void clsMover::ReadIndex() {
   ProfileIndex.clear();
-  repeated_titles_.clear();
-  if (items.EnumSection(&titles) == 0) return;
-  ProfileIndex.reserve(titles.size());
-  items.EDITMODE = clsPropItem::kReadingAll;
-  for (std::string& title : titles) {
-    // Sorted without regard to case, and of several sections only the first is ever read.
-    if (!ProfileIndex.empty() && EqualsIgnoringCase(ProfileIndex.back().Title, title)) {
-      if (repeated_titles_.empty() || !EqualsIgnoringCase(repeated_titles_.back(), title)) {
-        repeated_titles_.push_back(title);
-      }
-      continue;
-    }
-    items.Title = title;
-    std::string pattern = items.pattern();
+  ProfileIndex.reserve(snapshot_->Titles().size());
+  for (const std::string& title : snapshot_->Titles()) {
+    std::string pattern = snapshot_->Profile(title)->Text(text_id::kPattern);
     Regex expression = ProfileRegex(pattern);
-    ProfileIndex.push_back({std::move(title), std::move(pattern), std::move(expression)});
+    ProfileIndex.push_back({title, std::move(pattern), std::move(expression)});
   }
-  items.EDITMODE = clsPropItem::kNotEditing;
 }
 
 std::vector<std::string> clsMover::GetAccordantTitles() {
@@ -101,7 +96,7 @@ std::vector<std::string> clsMover::GetAccordantTitles() {
 std::int16_t clsMover::DetectArchiveType() {
   archiver_->pFileName = ORIGINALPATH;
   if (DOESFOLDER) return 0;
-  if (environment_.standard.CHECKARCHIVE() ||
+  if (snapshot_->Standard().Flag(text_id::kCheckArchive) ||
       HasArchiveExtension(environment_.file_info.pFileNameExtension())) {
     return archiver_->GetArcType();
   }
@@ -116,107 +111,80 @@ std::optional<std::string> clsMover::FindTitle(const std::string& title) const {
   return std::nullopt;
 }
 
-std::vector<std::string> clsMover::ProfileProblems() const {
-  std::vector<std::string> problems;
-  for (const ProfileIndexEntry& profile : ProfileIndex) {
-    const std::string& error = profile.expression.Error();
-    if (!error.empty())
-      problems.push_back("profile " + profile.Title + ": its pattern cannot be used: " + error);
-    environment_.items.Title = profile.Title;
-    const std::string entries =
-        EntryFilter(environment_.items.INCLUDE(), environment_.items.EXCLUDE()).Error();
-    if (!entries.empty()) {
-      problems.push_back("profile " + profile.Title +
-                         ": a pattern of its Include or Exclude cannot be used: " + entries);
-    }
-  }
-  environment_.items.Title.clear();
-  for (const std::string& title : repeated_titles_) {
-    problems.push_back("profile " + title + ": there are several of that name, and only the first is used");
-  }
-  return problems;
+bool clsMover::SettingsHold(const std::string& title) const {
+  std::shared_ptr<const SettingsSnapshot> now;
+  if (!environment_.settings.Read(&now).ok()) return false;
+  return now == snapshot_ || SameValues(*snapshot_, *now, title);
 }
 
-// Each property is read from the file as it is at that moment. An editor that saves in the midst of it, or a
-// file that has gone, would mix this profile with the standard settings, whose folders are not meant for this
-// target.
 bool clsMover::FillFromProfile(const std::string& title, std::string* why) {
-  if (!ProfileIsAsRead(title)) {
-    *why = "the profile has been changed or removed, or cannot be read any more";
-    return false;
-  }
-  *why = FillFromItems();
+  const std::optional<ProfileValues> profile = snapshot_->Profile(title);
+  *why = profile ? ProfileProblem(title, *profile) : "the profile has been changed or removed";
   if (!why->empty()) return false;
-  if (ProfileIsAsRead(title)) return true;
-  *why = "the profile is being changed";
-  return false;
+  FillFrom(*profile);
+  return true;
 }
 
-bool clsMover::ProfileIsAsRead(const std::string& title) const {
-  clsPropItem& items = environment_.items;
-  const auto profile =
-      std::find_if(ProfileIndex.begin(), ProfileIndex.end(),
-                   [&title](const ProfileIndexEntry& entry) { return entry.Title == title; });
-  items.Title = title;
-  if (profile == ProfileIndex.end() || items.pattern() != profile->Pattern) return false;
-  if (!profile->Pattern.empty()) return true;
-  // No pattern at all is what a missing section has too.
-  std::vector<std::string> titles;
-  items.EnumSection(&titles);
-  return std::find(titles.begin(), titles.end(), title) != titles.end();
-}
-
-// Why what was read cannot be used; empty when it can.
-std::string clsMover::FillFromItems() {
-  const clsPropItem& items = environment_.items;
-  ACTION = items.ACTION();
-  SMARTRENAME = DOESFOLDER ? std::int16_t{1} : items.SMARTRENAME();
-  EXTRACTTYPE = items.EXTRACTTYPE();
-  SMARTMAKEDIR = items.SMARTMAKEDIR();
-  OPENDIR = items.OPENDIR();
-  EXTRACTTO = items.EXTRACTTO();
-  MOVETO = items.MOVETO();
-  COPYTO = items.COPYTO();
-  if (MayBeCut(EXTRACTTO) || MayBeCut(MOVETO) || MayBeCut(COPYTO)) {
-    return "a folder of the profile is too long to be read whole";
-  }
-  const bool extracts = (ACTION & static_cast<std::int16_t>(StepKind::kExtract)) != 0;
-  if (extracts && (MayBeCut(items.INCLUDE()) || MayBeCut(items.EXCLUDE()))) {
-    return "Include or Exclude of the profile is too long to be read whole";
-  }
-  EXTRACTTO = GetTargetPathByFolder(1, EXTRACTTO);
-  MOVETO = GetTargetPathByFolder(2, MOVETO);
-  COPYTO = GetTargetPathByFolder(4, COPYTO);
-  return "";
+void clsMover::FillFrom(const ProfileValues& profile) {
+  ACTION = profile.Number(text_id::kAction);
+  SMARTRENAME = DOESFOLDER ? std::int16_t{1} : profile.Number(text_id::kSmartRename);
+  EXTRACTTYPE = profile.Number(text_id::kExtractType);
+  SMARTMAKEDIR = profile.Flag(text_id::kSmartMakeDir);
+  OPENDIR = profile.Flag(text_id::kOpenDir);
+  INCLUDE = profile.Text(text_id::kInclude);
+  EXCLUDE = profile.Text(text_id::kExclude);
+  OPENFILE = profile.Text(text_id::kOpenFile);
+  MOVEINTO = profile.Text(text_id::kMoveTo);
+  COPYINTO = profile.Text(text_id::kCopyTo);
+  EXTRACTTO = GetTargetPathByFolder(1, profile.Text(text_id::kExtractTo));
+  MOVETO = GetTargetPathByFolder(2, MOVEINTO);
+  COPYTO = GetTargetPathByFolder(4, COPYINTO);
 }
 
 bool clsMover::FillFromTestSettings(std::string* why) {
-  const clsPropDefault& test = environment_.test;
-  if (MayBeCut(test.EXTRACTTO())) {
-    *why = "the folder of the test settings is too long to be read whole";
-    return false;
-  }
-  environment_.items.Title = LoadText(text_id::kNoProfile);
+  const SettingsValues& test = snapshot_->Test();
+  *why = FolderProblem(test.Text(text_id::kExtractTo));
+  if (!why->empty()) return false;
+  SetDefaultItemData();
   ACTION = static_cast<std::int16_t>(StepKind::kExtract);
-  SMARTRENAME = DOESFOLDER ? std::int16_t{1} : test.SMARTRENAME();
-  EXTRACTTYPE = test.EXTRACTTYPE();
-  SMARTMAKEDIR = test.SMARTMAKEDIR();
-  OPENDIR = test.OPENDIR();
-  EXTRACTTO = GetTargetPathByFolder(1, environment_.items.EXTRACTTO());
-  MOVETO.clear();
-  COPYTO.clear();
+  SMARTRENAME = DOESFOLDER ? std::int16_t{1} : test.Number(text_id::kSmartRename);
+  EXTRACTTYPE = test.Number(text_id::kExtractType);
+  SMARTMAKEDIR = test.Flag(text_id::kSmartMakeDir);
+  OPENDIR = test.Flag(text_id::kOpenDir);
+  const std::string folder = AddBackslash(test.Text(text_id::kExtractTo)) + environment_.file_info.pFileNameNoExt();
+  EXTRACTTO = GetTargetPathByFolder(1, folder.empty() ? EXTRACTTO : folder);
+  for (std::string* path : {&MOVETO, &COPYTO, &MOVEINTO, &COPYINTO}) path->clear();
   return true;
 }
 
 void clsMover::SetDefaultItemData() {
-  const clsPropDefault& standard = environment_.standard;
-  environment_.items.Title.clear();
-  ACTION = standard.ACTION();
-  EXTRACTTO = standard.EXTRACTTO();
-  MOVETO = standard.MOVETO();
-  COPYTO = standard.COPYTO();
-  EXTRACTTYPE = standard.EXTRACTTYPE();
-  SMARTRENAME = DOESFOLDER ? std::int16_t{1} : standard.SMARTRENAME();
+  const SettingsValues& standard = snapshot_->Standard();
+  ACTION = standard.Number(text_id::kAction);
+  EXTRACTTO = standard.Text(text_id::kExtractTo);
+  MOVETO = MOVEINTO = standard.Text(text_id::kMoveTo);
+  COPYTO = COPYINTO = standard.Text(text_id::kCopyTo);
+  EXTRACTTYPE = standard.Number(text_id::kExtractType);
+  SMARTRENAME = DOESFOLDER ? std::int16_t{1} : standard.Number(text_id::kSmartRename);
+  for (std::string* patterns : {&INCLUDE, &EXCLUDE, &OPENFILE}) patterns->clear();
+}
+
+std::vector<std::string> clsMover::ProfileProblems(bool also_idle) const {
+  std::vector<std::string> problems;
+  for (const ProfileIndexEntry& entry : ProfileIndex) {
+    const auto tell = [&](const std::string& text) {
+      if (!text.empty()) problems.push_back("profile " + entry.Title + ": " + text);
+    };
+    const std::string& error = entry.expression.Error();
+    if (!error.empty()) tell("its pattern cannot be used: " + error);
+    const ProfileValues profile = *snapshot_->Profile(entry.Title);
+    tell(ProfileProblem(entry.Title, profile));
+    tell(EntryPatternProblem(profile));
+    if (also_idle) tell(IdleKeys(profile));
+  }
+  for (const std::string& title : snapshot_->RepeatedTitles()) {
+    problems.push_back("profile " + title + ": there are several of that name, and only the first is used");
+  }
+  return problems;
 }
 
 void clsMover::AssumeDone(const std::vector<ActionStep>& steps) {

@@ -1,9 +1,9 @@
 // The dispatcher: the paths of the run, the profiles that match the current one, what is to be done with it,
 // and doing it.
 //
-// For each path the caller sets CMDLINECURRENT, calls SetTarget and GetAccordantTitles, fills the state with
-// one of the Fill functions or from what the user chose, and calls ActionMain (or PlanSteps, to be told what
-// it would do).
+// For each path the caller sets CMDLINECURRENT, calls SetTarget, SetItemDataToArray and GetAccordantTitles, fills the
+// state with one of the Fill functions or from what the user chose, and calls ActionMain (or PlanSteps, to be told what
+// it would do). Matching, destinations and extraction all go by the settings as SetItemDataToArray has read them.
 #pragma once
 
 #include <cstdint>
@@ -19,8 +19,7 @@
 #include "base/user_interface.h"
 #include "files/clsFileInfo.h"
 #include "files/clsFileOperation.h"
-#include "settings/clsPropDefault.h"
-#include "settings/clsPropItem.h"
+#include "settings/run_settings.h"
 
 namespace quendle {
 
@@ -55,14 +54,12 @@ class clsMover {
   // What the dispatcher works with; all of it outlives the dispatcher.
   struct Environment {
     clsFileInfo& file_info;
-    clsPropItem& items;
-    const clsPropDefault& standard;
-    const clsPropDefault& test;
+    RunSettings& settings;
     UserInterface& user;
   };
 
   // `arguments` as SplitCommandLine gives them: element 0 is empty, paths count from 1. Relative ones are
-  // made absolute against the current folder now. Reads the profiles.
+  // made absolute against the current folder now. Reads the settings as SetItemDataToArray does.
   clsMover(const Environment& environment, std::unique_ptr<clsArchiver> archiver,
            std::vector<std::string> arguments);
 
@@ -81,6 +78,13 @@ class clsMover {
   std::int16_t EXTRACTTYPE = 2;     // 1 overwrite, 2 update
   bool SMARTMAKEDIR = false;        // no second folder level for an archive with a single root folder
   bool OPENDIR = false;             // open the extraction folder afterwards
+  std::string INCLUDE;              // patterns separated by ";" of the archive's entries to take
+  std::string EXCLUDE;              // and to leave
+  std::string OPENFILE;             // names separated by ";" of what to open in EXTRACTTO afterwards
+  // The folders from which MOVETO and COPYTO were computed by smart rename: a name that is taken meanwhile is chosen
+  // anew. Empty: the path is meant as it stands.
+  std::string MOVEINTO;
+  std::string COPYINTO;
 
   // The path at CMDLINECURRENT, absolute.
   const std::string& CurrentCmdLineString() const;
@@ -89,8 +93,12 @@ class clsMover {
   // answer says why, and there is no target.
   platform::Result SetTarget();
 
-  // Reads titles and patterns anew; to be called after profiles were edited.
-  void SetItemDataToArray();
+  // Reads the settings and profiles as they are now, for the current path. After a failure (RunSettings::Read) those
+  // that were read before stay, and nothing must be done by them.
+  platform::Result SetItemDataToArray();
+
+  // As they were read last.
+  const SettingsSnapshot& Settings() const { return *snapshot_; }
 
   // Matches the target's name against every profile; sets PATTERNMATCHCOUNT and ARCHIVETYPE. Element 0 is
   // empty, 1 is "（なし）", from 2 on come the titles of the profiles that match or, when none does, of all
@@ -104,22 +112,20 @@ class clsMover {
 
   const std::vector<ProfileIndexEntry>& Profiles() const { return ProfileIndex; }
 
-  // What is wrong with profiles: patterns that cannot be used or whose matching went over the limit so far,
-  // patterns for entries that cannot be used, and titles that stand more than once. One line each. No profile
-  // is the current one afterwards.
-  std::vector<std::string> ProfileProblems() const;
+  // What is wrong with profiles: why one is never acted on, patterns that cannot be used or whose matching went over
+  // the limit so far, and titles that stand more than once. With `also_idle`, which keys do not count, too. One line each.
+  std::vector<std::string> ProfileProblems(bool also_idle) const;
 
   // Archiver libraries that could not be used so far, one line each.
   std::vector<std::string> LibraryProblems() const { return archiver_->LibraryProblems(); }
 
-  // Is the profile still there, with the pattern that it had when the profiles were read? It is the current one
-  // afterwards.
-  bool ProfileIsAsRead(const std::string& title) const;
+  // Do the files still say what was read of this profile, or, of an empty title, of the standard and test settings?
+  bool SettingsHold(const std::string& title) const;
 
   // Fill the state of the current target: from a profile; from the test settings, for an archive that matches
   // none; from the standard settings, which leave SMARTMAKEDIR and OPENDIR as they are and compute no
-  // destinations. The first is false when the profile is not what it was when the profiles were read (then
-  // its folders may be anybody's) or has a folder that is too long to be read whole; the answer is in `*why`.
+  // destinations. The first two are false when there is no such profile or it must not be acted on: a value may have
+  // been cut, was saved in another encoding, or is a folder with control characters in it. The answer is in `*why`.
   bool FillFromProfile(const std::string& title, std::string* why);
   bool FillFromTestSettings(std::string* why);
   void SetDefaultItemData();
@@ -153,7 +159,8 @@ class clsMover {
 
  private:
   std::int16_t DetectArchiveType();
-  std::string FillFromItems();
+  void ReadIndex();
+  void FillFrom(const ProfileValues& profile);
   std::vector<ActionStep> WalkSteps(bool execute, bool somebody_answers);
   ActionStep MakeStep(StepKind kind) const;
   std::string FinalPath(StepKind kind) const;
@@ -168,6 +175,7 @@ class clsMover {
   bool CopyStep();
   bool MoveStep();
   void OpenFiles();
+  bool IsTarget(const std::string& path) const;
   bool NameIsTaken(const std::string& path) const;
   bool IsAssumedGone(std::string path) const;
 
@@ -176,7 +184,7 @@ class clsMover {
   clsFileOperation operation_;
   std::vector<std::string> CommandLineArgs;
   std::vector<ProfileIndexEntry> ProfileIndex;
-  std::vector<std::string> repeated_titles_;
+  std::shared_ptr<const SettingsSnapshot> snapshot_;
   std::int32_t pattern_match_count_ = 0;
   std::vector<ActionStep> steps_;
   // Both by the paths of WithRealFolder; the first with what is there now of the entry that will be there.

@@ -4,7 +4,9 @@
 #include "base/modString.h"
 #include "base/modSystem.h"
 #include "core/clsMover.h"
+#include "files/file_manager.h"
 #include "platform/paths.h"
+#include "resources/string_table.h"
 
 namespace quendle {
 namespace {
@@ -117,8 +119,7 @@ std::string clsMover::PlaceProblem(const ActionStep& step) const {
     const std::string into = SplitPath(platform::WithRealFolder(step.to)).folder;
     if (AddBackslash(into).starts_with(own)) return "a folder cannot go into itself";
   }
-  const bool is_there = EqualsIgnoringCase(ORIGINALPATH, MOVETO) || ORIGINALPATH == step.to;
-  if (step.kind == StepKind::kMove && is_there) return "it is there already";
+  if (step.kind == StepKind::kMove && IsTarget(step.to)) return "it is there already";
   if (!DOESFOLDER && FolderExists(step.to)) return "a folder of that name is in the way";
   if (DOESFOLDER && FileExists(step.to)) return "a file of that name is in the way";
   platform::Result place = platform::CheckPlace(step.to);
@@ -175,6 +176,10 @@ void clsMover::HandOptionsToArchiver() {
   archiver_->pFileName = ORIGINALPATH;
   archiver_->SMARTMAKEDIR = SMARTMAKEDIR;
   archiver_->EXTRACTTYPE = EXTRACTTYPE;
+  archiver_->INCLUDE = INCLUDE;
+  archiver_->EXCLUDE = EXCLUDE;
+  archiver_->CONFIRMOVERWRITE = snapshot_->Standard().Flag(text_id::kConfirmOverwrite);
+  archiver_->ARCHIVECHARSET = snapshot_->Standard().Text(text_id::kArchiveCharset);
 }
 
 void clsMover::PlanExtractStep(ActionStep* step, bool somebody_answers) {
@@ -190,14 +195,14 @@ bool clsMover::ExtractStep() {
   const bool extracted = archiver_->mExtractArchive(EXTRACTTO);
   SMARTMAKEDIR = archiver_->SMARTMAKEDIR;  // cleared where there is no folder level to save
   if (!extracted) return false;
-  if (OPENDIR) environment_.user.OpenFolder(EXTRACTTO);
+  if (OPENDIR) environment_.user.OpenFolder(EXTRACTTO, FileManagerOf(snapshot_->Standard()));
   OpenFiles();
   return true;
 }
 
 // Opening is a service on top: what cannot be opened does not make the extraction a failure.
 void clsMover::OpenFiles() {
-  const std::string names = environment_.items.OPENFILE() + ";";
+  const std::string names = OPENFILE + ";";
   for (std::size_t begin = 0, end; (end = names.find(';', begin)) != std::string::npos; begin = end + 1) {
     const std::string name = TrimBlanks(names.substr(begin, end - begin));
     if (name.empty()) continue;

@@ -4,6 +4,7 @@
 #include "base/modString.h"
 #include "base/modSystem.h"
 #include "core/clsMover.h"
+#include "platform/entry_status.h"
 
 namespace quendle {
 
@@ -17,9 +18,17 @@ std::string clsMover::GetTargetPathByFolder(std::int16_t kind, const std::string
   if (ACTION != 0 && ACTION != 2 && ACTION != 4) {
     // With other steps around it, a destination that is the file itself means that the file stays.
     std::string plain = AddBackslash(folder) + name;
-    if (EqualsIgnoringCase(plain, ORIGINALPATH)) return plain;
+    if (IsTarget(plain)) return plain;
   }
   return GetFilenameBySmartRename(folder, name);
+}
+
+// Whether /in and /IN are one folder is for the file system to say.
+bool clsMover::IsTarget(const std::string& path) const {
+  platform::EntryStatus there;
+  platform::EntryStatus target;
+  return platform::ReadStatus(path, &there).ok() && platform::ReadStatus(ORIGINALPATH, &target).ok() &&
+         IsSameEntry(there, target);
 }
 
 std::string clsMover::GetFilenameBySmartRename(const std::string& folder, const std::string& name) const {

@@ -1,5 +1,7 @@
 #include "core/dispatch.h"
 
+#include "resources/string_table.h"
+
 namespace quendle {
 namespace {
 
@@ -11,8 +13,7 @@ std::string JoinTitles(const std::vector<std::string>& titles) {
 
 // Fills the dispatcher's state from the one profile that is to act. False, with the report's outcome and
 // error set, when there is none or it cannot be used.
-bool ChooseProfile(clsMover* mover, const clsPropDefault& settings, const DispatchOptions& options,
-                   DispatchReport* report) {
+bool ChooseProfile(clsMover* mover, const DispatchOptions& options, DispatchReport* report) {
   if (options.profile) {
     report->profile = *options.profile;
   } else if (report->matches.size() == 1) {
@@ -22,20 +23,21 @@ bool ChooseProfile(clsMover* mover, const clsPropDefault& settings, const Dispat
     report->error = std::to_string(report->matches.size()) +
                     " profiles match, name one with --profile: " + JoinTitles(report->matches);
     return false;
-  } else if (mover->ARCHIVETYPE != 0 && settings.TEST()) {
+  } else if (mover->ARCHIVETYPE != 0 && mover->Settings().Standard().Flag(text_id::kTest)) {
     return mover->FillFromTestSettings(&report->error);
   } else {
     report->outcome = Outcome::kUnmatched;
     report->error = "no profile matches the name";
     return false;
   }
-  return mover->FillFromProfile(*report->profile, &report->error);
+  if (mover->FillFromProfile(*report->profile, &report->error)) return true;
+  report->error.insert(0, "profile " + *report->profile + ": ");
+  return false;
 }
 
 }  // namespace
 
-DispatchReport DispatchCurrent(clsMover* mover, const clsFileInfo& file_info, const clsPropDefault& settings,
-                               const DispatchOptions& options) {
+DispatchReport DispatchCurrent(clsMover* mover, const clsFileInfo& file_info, const DispatchOptions& options) {
   DispatchReport report;
   const platform::Result found = mover->SetTarget();
   report.path = mover->ORIGINALPATH;
@@ -51,10 +53,14 @@ DispatchReport DispatchCurrent(clsMover* mover, const clsFileInfo& file_info, co
     report.error = "this is not an entry of a folder";
     return report;
   }
+  if (const platform::Result read = mover->SetItemDataToArray(); !read.ok()) {
+    report.error = "the settings cannot be read: " + read.reason + ": " + read.path;
+    return report;
+  }
   const std::vector<std::string> titles = mover->GetAccordantTitles();
   report.archive_type = mover->ARCHIVETYPE;
   if (mover->PATTERNMATCHCOUNT() > 0) report.matches.assign(titles.begin() + 2, titles.end());
-  if (!ChooseProfile(mover, settings, options, &report)) return report;
+  if (!ChooseProfile(mover, options, &report)) return report;
 
   if (options.dry_run) {
     report.steps = mover->PlanSteps();

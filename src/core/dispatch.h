@@ -35,8 +35,7 @@ struct DispatchOptions {
   std::optional<std::string> profile;  // taken for every path, whether its pattern matches or not
 };
 
-// Does, or plans, the path at `mover`.CMDLINECURRENT. `settings` is the standard settings.
-DispatchReport DispatchCurrent(clsMover* mover, const clsFileInfo& file_info, const clsPropDefault& settings,
-                               const DispatchOptions& options);
+// Does, or plans, the path at `mover`.CMDLINECURRENT.
+DispatchReport DispatchCurrent(clsMover* mover, const clsFileInfo& file_info, const DispatchOptions& options);
 
 }  // namespace quendle

@@ -1,7 +1,6 @@
 #include "core/edit_draft.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "base/modString.h"
@@ -9,6 +8,7 @@
 #include "base/text.h"
 #include "core/edit_keys.h"
 #include "resources/string_table.h"
+#include "settings/setting_keys.h"
 
 namespace quendle {
 namespace {
@@ -16,32 +16,6 @@ namespace {
 // Larger than what the settings themselves read: a value that is too long for them is shown whole, and not lost when it
 // is made shorter.
 constexpr std::int32_t kWholeValues = 131073;
-
-int InheritedNumber(const clsPropDefault& standard, int key) {
-  switch (key) {
-    case text_id::kAction:
-      return standard.ACTION();
-    case text_id::kSmartRename:
-      return standard.SMARTRENAME();
-    case text_id::kExtractType:
-      return standard.EXTRACTTYPE();
-    case text_id::kSmartMakeDir:
-      return standard.SMARTMAKEDIR() ? 1 : 0;
-    case text_id::kOpenDir:
-      return standard.OPENDIR() ? 1 : 0;
-    default:
-      ProgrammingError("a key that no profile inherits");
-  }
-}
-
-// Profiles round, the settings do not.
-std::optional<int> InRange(const EditKey& rule, const std::string& text, bool rounds) {
-  double number = 0;
-  if (!ToNumber(text, &number)) return std::nullopt;
-  const double whole = std::nearbyint(number);
-  if (whole < rule.lowest || whole > rule.highest || (!rounds && whole != number)) return std::nullopt;
-  return static_cast<int>(whole);
-}
 
 }  // namespace
 
@@ -96,18 +70,16 @@ void EditDraft::SetText(int key, const std::string& text) {
 }
 
 int EditDraft::Number(int key) const {
-  return IsInherited(key) ? InheritedNumber(stores_.standard, key) : Meaning(key, Find(key).current);
+  return IsInherited(key) ? stores_.standard.Values().Number(key) : Meaning(key, Find(key).current);
 }
 
 // What the stored text of a key counts as, if it counts at all.
 int EditDraft::Meaning(int key, const std::string& text) const {
-  const EditKey& rule = RuleOf(key);
-  const int missing = IsProfile() ? rule.missing_in_profile : rule.missing_in_settings;
-  if (text.empty()) return missing;
-  if (rule.kind == EditKey::Kind::kFlag) return ToBoolean(text) ? 1 : 0;
-  const std::optional<int> number = InRange(rule, text, IsProfile());
-  if (number) return *number;
-  return IsProfile() ? InheritedNumber(stores_.standard, key) : missing;
+  if (!IsProfile()) return SettingsValues([&text](int) { return text; }, "").Number(key);
+  const SettingKey& rule = KeyOf(key);
+  if (text.empty()) return rule.missing_in_profile;
+  const std::optional<std::int16_t> number = NumberOf(rule, SettingsFile::kProfile, text);
+  return number ? *number : stores_.standard.Values().Number(key);
 }
 
 // A stored text that says the same already ("-1" for a ticked box) is left as it is.
@@ -120,15 +92,15 @@ void EditDraft::SetNumber(int key, int number) {
 }
 
 bool EditDraft::IsInherited(int key) const {
-  return IsProfile() && RuleOf(key).is_behaviour && Meaning(text_id::kId, Find(text_id::kId).current) == 0;
+  return IsProfile() && KeyOf(key).inherited == SettingKey::Inherited::kWithoutId && Meaning(text_id::kId, Find(text_id::kId).current) == 0;
 }
 
 // A profile that is taken from the standard settings would otherwise do nothing at first.
 void EditDraft::SeedOwnValues(bool on) {
   for (Value& value : values_) {
-    if (!RuleOf(value.key).is_behaviour) continue;
+    if (KeyOf(value.key).inherited != SettingKey::Inherited::kWithoutId) continue;
     if (on && value.current.empty()) {
-      SetNumber(value.key, InheritedNumber(stores_.standard, value.key));
+      SetNumber(value.key, stores_.standard.Values().Number(value.key));
       value.seed = value.current;
     } else if (!on && !value.seed.empty()) {
       if (value.current == value.seed) value.current = value.original;
@@ -138,9 +110,7 @@ void EditDraft::SeedOwnValues(bool on) {
 }
 
 std::string EditDraft::InheritedFolder(int key) const {
-  if (!IsProfile()) return Settings().DefaultDestination();
-  if (key == text_id::kExtractTo) return stores_.standard.EXTRACTTO();
-  return key == text_id::kMoveTo ? stores_.standard.MOVETO() : stores_.standard.COPYTO();
+  return IsProfile() ? stores_.standard.Values().Text(key) : Settings().DefaultDestination();
 }
 
 std::string EditDraft::PickedFolder(const std::string& folder) const {

@@ -8,6 +8,7 @@
 #include "core/pattern_problem.h"
 #include "platform/code_page.h"
 #include "resources/string_table.h"
+#include "settings/setting_keys.h"
 
 namespace quendle {
 namespace {
@@ -36,7 +37,7 @@ std::string PatternListProblem(const std::string& patterns) {
 
 std::string EditDraft::Stored(int key) const {
   const std::string& text = Text(key);
-  return RuleOf(key).kind == EditKey::Kind::kFolder ? NormalizePathChars(text, 0) : text;
+  return KeyOf(key).kind == SettingKey::Kind::kFolder ? NormalizePathChars(text, 0) : text;
 }
 
 std::optional<EditDraft::Problem> EditDraft::ProblemOf(int key) const {
@@ -44,7 +45,7 @@ std::optional<EditDraft::Problem> EditDraft::ProblemOf(int key) const {
   if (stored.empty()) return std::nullopt;
   if (HasBreak(stored)) return Problem{LoadText(kHasBreak)};
   if (MayBeCut(stored)) return Problem{LoadText(kTooLong)};
-  if (RuleOf(key).kind == EditKey::Kind::kFolder) {
+  if (KeyOf(key).kind == SettingKey::Kind::kFolder) {
     if (!IsAbsolutePath(stored)) return Problem{LoadText(kNotAbsolute)};
     if (HasParentComponent(stored)) return Problem{LoadText(kHasParent)};
   }

@@ -8,22 +8,17 @@
 
 namespace quendle {
 
-struct EditKey {
-  enum class Kind { kText, kFolder, kFlag, kNumber };
-  int key;  // identifier of its name in the string table
-  Kind kind;
-  int label;     // identifier of the caption, with its mnemonic
-  int tool_tip;  // likewise
-  int lowest = 0;
-  int highest = 0;
-  int missing_in_profile = 0;  // what a number or flag that is not there reads as
-  int missing_in_settings = 0;
-  bool is_behaviour = false;  // a profile without settings of its own inherits it
+// The captions of a key, with their mnemonics; identifiers.
+struct EditCaption {
+  int key;
+  int label;
+  int tool_tip;
 };
 
-// In the order in which they are shown and written. A key that the editor never shows is a programming error.
-const std::vector<int>& KeysOfEditor(EditMode mode);
-const EditKey& RuleOf(int key);
+// In the order in which they are shown and written.
+std::vector<int> KeysOfEditor(EditMode mode);
+// A key that the editor never shows is a programming error.
+const EditCaption& CaptionOf(int key);
 
 // As messages call it: "解凍先(&X)：" => 解凍先
 std::string KeyName(int key);

@@ -5,9 +5,8 @@
 
 #include "base/modString.h"
 #include "platform/code_page.h"
-#include "platform/durable_file.h"
 #include "platform/known_folders.h"
-#include "platform/unicode.h"
+#include "platform/profile_document.h"
 #include "resources/version.h"
 
 namespace quendle {
@@ -17,13 +16,6 @@ std::vector<std::string> Arguments(const std::vector<std::string>& paths) {
   std::vector<std::string> arguments = {""};
   arguments.insert(arguments.end(), paths.begin(), paths.end());
   return arguments;
-}
-
-// Text in the code page hardly ever makes valid UTF-8, apart from ASCII.
-bool LooksLikeUtf8(const std::string& bytes) {
-  const bool is_ascii =
-      std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<signed char>(c) >= 0; });
-  return !is_ascii && platform::IsUtf8(bytes);
 }
 
 std::string Describe(const platform::Result& failure) {
@@ -44,7 +36,7 @@ bool WantsConfirmation(const clsPropDefault& standard, const std::function<bool(
 
 Globals::Globals(const SettingsFolders& folders, bool create_files, UserInterface& user,
                  const std::string& module_folder, const std::vector<std::string>& paths)
-    : user_(user), module_folder_(module_folder) {
+    : folders_(folders), user_(user), module_folder_(module_folder) {
   g_FileInfo = std::make_unique<clsFileInfo>();
   g_PropItem = std::make_unique<clsPropItem>(
       folders.application,
@@ -61,16 +53,17 @@ Globals::Globals(const SettingsFolders& folders, bool create_files, UserInterfac
 void Globals::BeginRun(const std::vector<std::string>& paths) {
   auto archiver = std::make_unique<clsArchiver>(clsArchiver::Environment{
       *g_PropItem, *g_PropDefault, user_, [this]() -> clsOutput& { return *g_Output; }, module_folder_});
-  g_Mover = std::make_unique<clsMover>(
-      clsMover::Environment{*g_FileInfo, *g_PropItem, *g_PropDefault, *g_PropTest, user_},
-      std::move(archiver), Arguments(paths));
+  g_RunSettings = std::make_unique<RunSettings>(folders_);
+  g_Mover = std::make_unique<clsMover>(clsMover::Environment{*g_FileInfo, *g_RunSettings, user_},
+                                       std::move(archiver), Arguments(paths));
   g_Output = std::make_unique<clsOutput>(user_);
-  g_Output->SHOWRESULT = g_PropDefault->SHOWRESULT();
+  g_Output->SHOWRESULT = g_Mover->Settings().Standard().Flag(text_id::kShowResult);
 }
 
 void Globals::EndRun() {
   g_Mover.reset();
   g_Output.reset();
+  g_RunSettings.reset();
   g_FileInfo->Class_Initialize();  // no file is at hand any more: the editor is to ask for one
 }
 
@@ -86,6 +79,7 @@ void Globals::EndProgram() {
   g_PropTest.reset();
   g_Mover.reset();
   g_Output.reset();
+  g_RunSettings.reset();
 }
 
 std::string FindModuleFolder() {
@@ -101,26 +95,20 @@ std::vector<std::string> SettingsWarnings(const Globals& globals) {
   std::vector<std::string> warnings;
   const platform::Result& creation = globals.g_PropDefault->CreationFailure();
   if (!creation.ok()) warnings.push_back(Describe(creation) + ": the settings files could not be made");
+  std::shared_ptr<const SettingsSnapshot> settings;
+  if (!RunSettings(globals.g_PropDefault->Folders()).Read(&settings).ok()) return warnings;
   const std::string& items = globals.g_PropItem->FileName();
-  bool items_readable = true;
-  for (const std::string& file : {globals.g_PropDefault->FileName(), items, globals.g_PropTest->FileName()}) {
-    std::string bytes;
-    const platform::Result read = platform::ReadWholeFile(file, &bytes);
-    if (LooksLikeUtf8(bytes)) {
-      warnings.push_back(file + ": this looks like UTF-8, but is read as Japanese Windows text (CP932)");
-    }
-    if (read.ok() || (read.code == platform::Code::kNotFound && file != items)) continue;
-    if (file == items) items_readable = false;
-    if (read.path == creation.path) continue;
-    warnings.push_back(Describe(read) + (file == items ? ": there are no profiles" : ""));
+  if (settings->files().items == nullptr) {
+    warnings.push_back(items + ": there is no such file, and so there are no profiles");
+  } else if (const std::string& problem = settings->files().items->SectionProblem(); !problem.empty()) {
+    warnings.push_back(items + ": " + problem);
+  } else if (settings->Titles().empty()) {
+    warnings.push_back(items + ": there are no profiles in it");
   }
-  const std::string charset = globals.g_PropDefault->ARCHIVECHARSET();
+  const std::string charset = settings->Standard().Text(text_id::kArchiveCharset);
   if (!charset.empty() && !platform::TextFromEncoding("", charset)) {
     warnings.push_back(globals.g_PropDefault->FileName() +
                        ": ArchiveCharset is no known encoding: " + charset);
-  }
-  if (items_readable && globals.g_Mover && globals.g_Mover->Profiles().empty()) {
-    warnings.push_back(items + ": there are no profiles in it");
   }
   return warnings;
 }

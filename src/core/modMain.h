@@ -43,10 +43,12 @@ class Globals {
   std::unique_ptr<clsPropItem> g_PropItem;        // items.ini
   std::unique_ptr<clsPropDefault> g_PropDefault;  // mover.ini
   std::unique_ptr<clsPropDefault> g_PropTest;     // test.ini
+  std::unique_ptr<RunSettings> g_RunSettings;     // what the run has read of all three
   std::unique_ptr<clsMover> g_Mover;
   std::unique_ptr<clsOutput> g_Output;  // the log of an extraction
 
  private:
+  SettingsFolders folders_;
   UserInterface& user_;
   std::string module_folder_;
 };
@@ -69,8 +71,8 @@ class RunScope {
 // ../lib/quendle/modules from there.
 std::string FindModuleFolder();
 
-// What the user should know about the settings before the run: files that could not be made or read, or that
-// somebody seems to have edited in another encoding, and that there are no profiles. One line each.
+// What the user should know about the settings before the run: files that could not be made, or whose sections cannot be
+// told surely, and that there are no profiles. One line each. Files that cannot be read are told at each path.
 std::vector<std::string> SettingsWarnings(const Globals& globals);
 
 }  // namespace quendle

@@ -8,9 +8,9 @@
 #include "base/text.h"
 #include "core/pattern_problem.h"
 #include "core/profile_match.h"
-#include "platform/durable_file.h"
 #include "platform/unicode.h"
 #include "resources/string_table.h"
+#include "settings/run_settings.h"
 
 namespace quendle {
 namespace {
@@ -24,6 +24,17 @@ constexpr int kTitleBroken = 6705;
 
 // In the order of the rows of folders.
 constexpr std::int16_t kActionBits[kActionRows] = {1, 2, 4};
+
+ProfileRow RowOf(const std::string& title, const ProfileValues& profile) {
+  constexpr int kFolders[kActionRows] = {text_id::kExtractTo, text_id::kMoveTo, text_id::kCopyTo};
+  ProfileRow row{title, profile.Text(text_id::kPattern), profile.Number(text_id::kAction),
+                 profile.IsInherited(text_id::kAction), {}};
+  for (std::size_t i = 0; i < kActionRows; ++i) {
+    row.folders[i] = {profile.Text(kFolders[i]), profile.IsInherited(kFolders[i]),
+                      (row.action & kActionBits[i]) != 0};
+  }
+  return row;
+}
 
 std::string SearchedText(const ProfileRow& row) {
   std::string text = std::string(row.title).append("\n").append(row.pattern);
@@ -63,34 +74,17 @@ std::string TitleProblem(const std::string& title) {
 }
 
 platform::Result ProfileList::Read() {
-  struct Standard {
-    std::int16_t action;
-    std::array<std::string, kActionRows> folders;
-  };
-  const Standard standard = {standard_.ACTION(),
-                             {standard_.EXTRACTTO(), standard_.MOVETO(), standard_.COPYTO()}};
+  std::shared_ptr<const SettingsSnapshot> snapshot;
+  platform::Result read = RunSettings(standard_.Folders()).Read(&snapshot);
   rows_.clear();
   searched_.clear();
   expressions_.clear();
-  for (ProfileSummary& summary : items_.Summaries()) {
-    ProfileRow& row = rows_.emplace_back();
-    row.title = std::move(summary.title);
-    row.pattern = std::move(summary.pattern);
-    row.inherits_action = !summary.action;
-    row.action = summary.action.value_or(standard.action);
-    std::string* const own[kActionRows] = {&summary.extract_to, &summary.move_to, &summary.copy_to};
-    for (std::size_t i = 0; i < kActionRows; ++i) {
-      const bool is_inherited = own[i]->empty();
-      if (is_inherited) *own[i] = standard.folders[i];
-      row.folders[i] = {std::move(*own[i]), is_inherited, (row.action & kActionBits[i]) != 0};
-    }
+  if (read.ok()) {
+    for (const std::string& title : snapshot->Titles()) rows_.push_back(RowOf(title, *snapshot->Profile(title)));
   }
   expressions_.resize(rows_.size());
   TestName(std::string(tested_name_));
-  if (!rows_.empty()) return platform::Success();
-  std::string bytes;
-  platform::Result read = platform::ReadWholeFile(items_.FileName(), &bytes);
-  return read.code == platform::Code::kNotFound ? platform::Success() : read;
+  return read;
 }
 
 std::vector<std::size_t> ProfileList::Filtered(const std::string& text) const {

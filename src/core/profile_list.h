@@ -50,7 +50,7 @@ class ProfileList {
  public:
   ProfileList(clsPropItem& items, const clsPropDefault& standard) : items_(items), standard_(standard) {}
 
-  // Reads the store as it is now. A failure says why there are no rows; no file is none.
+  // Reads the store as it is now. A failure says why there are no rows (RunSettings::Read); no file is none.
   platform::Result Read();
 
   const std::vector<ProfileRow>& Rows() const { return rows_; }  // in the store's order

@@ -3,6 +3,7 @@
 #include "base/modString.h"
 #include "platform/launch.h"
 #include "platform/paths.h"
+#include "resources/string_table.h"
 
 namespace quendle {
 namespace {
@@ -17,11 +18,15 @@ std::string FindFiler(const std::string& filer) {
 
 }  // namespace
 
-platform::Result OpenFolderWithFiler(const clsPropDefault& settings, const std::string& folder) {
+FileManager FileManagerOf(const SettingsValues& standard) {
+  return {standard.Text(text_id::kFiler), standard.Text(text_id::kFilerParm)};
+}
+
+platform::Result OpenFolderWithFiler(const FileManager& manager, const std::string& folder) {
   const std::string path = RemoveBackslashes(folder);
   if (!FolderExists(path)) return platform::Success();
-  if (const std::string filer = FindFiler(settings.FILER()); !filer.empty()) {
-    std::string parameters = settings.FILERPARM();
+  if (const std::string filer = FindFiler(manager.program); !filer.empty()) {
+    std::string parameters = manager.parameters;
     if (parameters.empty()) parameters = "\"%1\"";
     if (platform::StartProgramFor(filer, parameters, path).ok()) return platform::Success();
   }

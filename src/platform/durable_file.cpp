@@ -30,9 +30,12 @@ Clock::duration MissingQuiet(const EntryTime& stamp, Clock::time_point now) {
   return age < -quiet ? Clock::duration::zero() : quiet - age;
 }
 
-bool IsSure(const WatchedRead& watched, std::size_t bytes_read) {
-  return !watched.is_open_for_writing && IsUnchanged(watched.before, watched.after) &&
-         bytes_read == watched.before.size;
+// Nobody wrote while it was read, and it was not the half of what somebody is about to write: known of a file that
+// nobody had open to write, else taken for granted of one that has been left alone.
+bool IsSure(const WatchedRead& watched, Clock::duration missing_quiet, std::size_t bytes_read) {
+  if (!IsUnchanged(watched.before, watched.after) || bytes_read != watched.before.size) return false;
+  if (watched.writers == WatchedRead::Writers::kUnknown) return missing_quiet <= 0s;
+  return watched.writers == WatchedRead::Writers::kNone;
 }
 
 bool IsDanglingLink(const std::string& path) {
@@ -57,14 +60,16 @@ Result ReadSettledFile(const std::string& path, std::string* bytes, EntryStatus*
     if (!result.ok()) return result;
     const EntryTime& stamp = watched.before.change_time;
     const Clock::duration missing = MissingQuiet(stamp, now);
-    if (missing <= 0s && IsSure(watched, bytes->size())) {
+    if (IsSure(watched, missing, bytes->size())) {
       if (status != nullptr) *status = watched.before;
       return result;
     }
     bytes->clear();
     if (std::chrono::steady_clock::now() - begin > QuietTime(stamp) + kLongestWait)
       return Failure(Code::kFailed, path, "it is being changed");
-    std::this_thread::sleep_for(std::clamp<Clock::duration>(missing, 1ms, kLongestPause));
+    // A writer may be through in no time; an unknown one has to leave the file alone.
+    const bool is_unknown = watched.writers == WatchedRead::Writers::kUnknown;
+    std::this_thread::sleep_for(std::clamp<Clock::duration>(is_unknown ? missing : 0s, 200us, kLongestPause));
   }
 }
 

@@ -17,14 +17,11 @@ namespace quendle::platform {
 // part.
 Result ReadWholeFile(const std::string& path, std::string* bytes);
 
-// The same for who acts on what is read: these are the bytes of one moment, and the file had been left alone
-// for long enough that they are not half of what somebody is about to write. A file that has just been written
-// is waited for, usually 25 ms, and about a second when it is written again and again; then it is kFailed,
-// "it is being changed". (A file system that keeps whole seconds only: 2.5 s more.) kNotFound means that there
-// is nothing of that name; a link that leads nowhere is kFailed.
-//
-// `*status`, when wanted, is what the file was: for as long as ReadTargetStatus tells of an entry that
-// IsUnchanged, its bytes are these.
+// The same for who acts on what is read: the bytes of one moment, which are not half of what somebody is about to
+// write. Nobody has the file open to write while it is read, and where the system does not tell (files of others,
+// network file systems), it has been left alone for 25 ms, or 2.5 s on a file system that keeps whole seconds only. A
+// file is waited for until it is so, about a second; then it is kFailed, "it is being changed". kNotFound means that
+// there is nothing of that name; a link that leads nowhere is kFailed. `*status`, when wanted, is what the file was then.
 Result ReadSettledFile(const std::string& path, std::string* bytes, EntryStatus* status = nullptr);
 
 // Replaces the file's content: a new hidden file beside it, written whole, synced, given the old file's owner

@@ -59,13 +59,12 @@ Result ReadUpTo(const Descriptor& file, off_t expected, const std::string& path,
   return Success();
 }
 
-// The system lends a file to read only while nobody has it open for writing. Who opens it meanwhile waits, and
-// a signal tells of that which is to end nobody: one that is ignored unless somebody wants it.
-bool IsOpenForWriting(const Descriptor& file) {
-  if (fcntl(file.get(), F_SETSIG, SIGURG) != 0) return false;
-  if (fcntl(file.get(), F_SETLEASE, F_RDLCK) != 0) return errno == EAGAIN;
-  (void)fcntl(file.get(), F_SETLEASE, F_UNLCK);
-  return false;
+// The system lends a file to read only while nobody has it open for writing, and until the file is closed whoever
+// opens it waits. A signal tells of that which is to end nobody: one that is ignored unless somebody wants it.
+WatchedRead::Writers KeepWritersOut(const Descriptor& file) {
+  if (fcntl(file.get(), F_SETSIG, SIGURG) != 0) return WatchedRead::Writers::kUnknown;
+  if (fcntl(file.get(), F_SETLEASE, F_RDLCK) == 0) return WatchedRead::Writers::kNone;
+  return errno == EAGAIN ? WatchedRead::Writers::kSome : WatchedRead::Writers::kUnknown;
 }
 
 Result ReadRegularFile(const std::string& path, std::string* bytes, WatchedRead* watched) {
@@ -79,7 +78,11 @@ Result ReadRegularFile(const std::string& path, std::string* bytes, WatchedRead*
   if (entry.st_size > kGreatestSize) return Failure(Code::kRefused, path, "the file is too large");
   if (watched == nullptr) return ReadUpTo(file, entry.st_size, path, bytes);
   watched->before = StatusFrom(entry);
-  watched->is_open_for_writing = IsChangedLately(watched->before) && IsOpenForWriting(file);
+  if (IsChangedLately(watched->before)) {
+    watched->writers = KeepWritersOut(file);
+    if (fstat(file.get(), &entry) != 0) return LastSystemFailure(path);
+    watched->before = StatusFrom(entry);
+  }
   Result result = ReadUpTo(file, entry.st_size, path, bytes);
   if (result.ok() && fstat(file.get(), &entry) != 0) return LastSystemFailure(path);
   watched->after = StatusFrom(entry);

@@ -84,10 +84,11 @@ Result CheckRegular(const EntryStatus& status, const std::string& path) {
   return status.is_file() ? Success() : Failure(Code::kRefused, path, "not a regular file");
 }
 
-// The system opens it for who tolerates no writers only while there are none.
-bool IsOpenForWriting(HANDLE file) {
-  const Handle alone(ReOpenFile(file, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, 0));
-  return !alone.ok() && GetLastError() == ERROR_SHARING_VIOLATION;
+// The system opens it for who tolerates no writers only while there are none, and lets none in until it is closed.
+WatchedRead::Writers KeepWritersOut(HANDLE file, Handle* alone) {
+  *alone = Handle(ReOpenFile(file, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, 0));
+  if (alone->ok()) return WatchedRead::Writers::kNone;
+  return GetLastError() == ERROR_SHARING_VIOLATION ? WatchedRead::Writers::kSome : WatchedRead::Writers::kUnknown;
 }
 
 Result ReadRegularFile(const std::string& path, std::string* bytes, WatchedRead* watched) {
@@ -100,8 +101,12 @@ Result ReadRegularFile(const std::string& path, std::string* bytes, WatchedRead*
   if (!result.ok()) return result;
   if (status.size > kGreatestSize) return Failure(Code::kRefused, path, "the file is too large");
   if (watched == nullptr) return ReadUpTo(file.get(), status.size, path, bytes);
+  Handle alone;
+  if (IsChangedLately(status)) {
+    watched->writers = KeepWritersOut(file.get(), &alone);
+    if (result = Outcome(StatusOfOpen(file.get(), &status), path); !result.ok()) return result;
+  }
   watched->before = status;
-  watched->is_open_for_writing = IsChangedLately(status) && IsOpenForWriting(file.get());
   result = ReadUpTo(file.get(), status.size, path, bytes);
   return result.ok() ? Outcome(StatusOfOpen(file.get(), &watched->after), path) : result;
 }

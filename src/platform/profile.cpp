@@ -28,53 +28,65 @@ bool IsSettled(const EntryStatus& entry, Clock::time_point now) {
   return std::chrono::abs(age) > (stamp.nanoseconds == 0 ? 2500ms : 20ms);
 }
 
-using Parse = std::shared_ptr<const ProfileDocument>;
+// Nothing there is an answer; a link that leads nowhere is something that cannot be read.
+Result CheckNothingThere(const std::string& file) {
+  EntryStatus link;
+  Result result = ReadStatus(file, &link);
+  if (result.ok()) return Failure(Code::kFailed, file, "the link leads nowhere");
+  return result.code == Code::kNotFound ? Success() : result;
+}
 
-// The parses of the files read last. A settings window reads some twenty keys in a row, a list of profiles
-// one key of each of thousands of sections. The time of change, which is among what is compared, cannot be
-// set by anyone and moves with every write and rename.
+// The parses of the files read last. A settings window reads some twenty keys in a row, a run asks for the same
+// three files at each of its paths. The time of change, which is among what is compared, cannot be set by
+// anyone and moves with every write and rename.
 class ParseCache {
  public:
-  Parse Get(const std::string& file) {
+  Result Get(const std::string& file, ProfileParse* parse) {
+    *parse = nullptr;
     EntryStatus before;
-    if (!ReadTargetStatus(file, &before).ok()) return nullptr;
+    if (Result found = ReadTargetStatus(file, &before); !found.ok()) {
+      return found.code == Code::kNotFound ? CheckNothingThere(file) : found;
+    }
     const auto kept = std::find_if(entries_.begin(), entries_.end(),
                                    [&](const Entry& entry) { return entry.file == file; });
-    if (kept != entries_.end() && IsUnchanged(kept->status, before)) {
+    if (kept == entries_.end()) {
+      if (entries_.size() == kMostParses) entries_.pop_back();
+      entries_.insert(entries_.begin(), {file, {}, false, "", nullptr});
+    } else {
       std::rotate(entries_.begin(), kept, kept + 1);  // the one used last comes first
-      return entries_.front().parse;
     }
-    if (kept != entries_.end()) entries_.erase(kept);
-    return Read(file, before);
+    Entry& entry = entries_.front();
+    if (!entry.is_settled || !IsUnchanged(entry.status, before)) {
+      if (Result read = Read(&entry); !read.ok()) return read;
+    }
+    *parse = entry.parse;
+    return Success();
   }
 
  private:
   struct Entry {
     std::string file;
     EntryStatus status;
-    Parse parse;
+    bool is_settled;  // the same status means the same content
+    std::string bytes;
+    ProfileParse parse;
   };
 
-  Parse Read(const std::string& file, const EntryStatus& before) {
+  static Result Read(Entry* entry) {
     const Clock::time_point now = Clock::now();
     std::string bytes;
-    if (!ReadWholeFile(file, &bytes).ok()) return nullptr;
-    Parse parse = std::make_shared<const ProfileDocument>(bytes);
-    EntryStatus after;
-    if (IsSettled(before, now) && ReadTargetStatus(file, &after).ok() && IsUnchanged(before, after)) {
-      if (entries_.size() == kMostParses) entries_.pop_back();
-      entries_.insert(entries_.begin(), {file, before, parse});
-    }
-    return parse;
+    entry->is_settled = false;
+    if (Result read = ReadSettledFile(entry->file, &bytes, &entry->status); !read.ok()) return read;
+    entry->is_settled = IsSettled(entry->status, now);
+    // Of a file that was only touched, whoever works with the parse need not begin anew.
+    if (entry->parse != nullptr && bytes == entry->bytes) return Success();
+    entry->parse = std::make_shared<const ProfileDocument>(bytes);
+    entry->bytes = std::move(bytes);
+    return Success();
   }
 
   std::vector<Entry> entries_;
 };
-
-Parse ParseOf(const std::string& file) {
-  static ParseCache cache;
-  return cache.Get(file);
-}
 
 // A failure of an edit knows no file.
 Result At(const std::string& file, Result edited) {
@@ -107,9 +119,15 @@ Result SetKeys(const std::string& section, const KeysAndValues& keys, std::strin
 
 }  // namespace
 
+Result ReadProfile(const std::string& file, ProfileParse* parse) {
+  static ParseCache cache;
+  return cache.Get(file, parse);
+}
+
 std::string ReadProfileString(const std::string& file, const std::string& section, const std::string& key,
                               const std::string& fallback, std::size_t buffer_bytes) {
-  const Parse parse = ParseOf(file);
+  ProfileParse parse;
+  (void)ReadProfile(file, &parse);  // as if nothing was in it
   const std::string_view instead = std::string_view(fallback).substr(0, fallback.find_last_not_of(" \t") + 1);
   std::string_view value = parse == nullptr ? instead : parse->FindValue(section, key).value_or(instead);
   value = value.substr(0, value.find('\0'));
@@ -117,7 +135,9 @@ std::string ReadProfileString(const std::string& file, const std::string& sectio
 }
 
 void VisitProfileSections(const std::string& file, const ProfileSectionVisitor& visit) {
-  if (const Parse parse = ParseOf(file)) parse->VisitSections(visit);
+  ProfileParse parse;
+  (void)ReadProfile(file, &parse);
+  if (parse != nullptr) parse->VisitSections(visit);
 }
 
 Result WriteProfileString(const std::string& file, const std::string& section, const std::string& key,

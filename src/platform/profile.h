@@ -7,8 +7,8 @@
 // are compared without regard to case; the first section and the first key of a name win.
 //
 // Reads see the file as it is now: the last parse of a file is kept and used again only while the file's
-// device, inode, mode, size and times of change stay the same. A missing or unreadable file reads as an empty
-// one.
+// device, inode, mode, size and times of change stay the same. For the functions that read single keys and visit
+// sections a missing or unreadable file is an empty one; ReadProfile tells the two apart.
 //
 // Writes replace the file as a whole (platform/durable_file.h) under the lock that every copy of this program
 // takes, so two processes that write different keys at the same time lose nothing, and a failed write leaves
@@ -21,6 +21,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -35,6 +36,13 @@ namespace quendle::platform {
 // string.
 std::string ReadProfileString(const std::string& file, const std::string& section, const std::string& key,
                               const std::string& fallback, std::size_t buffer_bytes);
+
+// The whole file as it is now, by one parse: the same object as before while the file has the same content. Null, and
+// a success, only when nothing is at that path. What is there and cannot be read whole is a failure: a link that leads
+// nowhere, a folder, a file without the right to read it or that is being changed all the time.
+class ProfileDocument;
+using ProfileParse = std::shared_ptr<const ProfileDocument>;
+Result ReadProfile(const std::string& file, ProfileParse* parse);
 
 // Calls `visit` with each section of the file as it is now, in file order, also those whose name is there
 // already, with its keys and values as they stand: not cut, and those too that a key of the same name hides.

@@ -28,6 +28,10 @@ class ProfileDocument {
   // `bytes` is the whole file, below 1 GiB.
   explicit ProfileDocument(std::string_view bytes);
 
+  const std::string& text() const { return text_; }  // without a mark
+
+  bool HasSection(std::string_view section) const { return TextBehindHeader(section).has_value(); }
+
   // The value of the first key of that name in the first section of that name.
   std::optional<std::string_view> FindValue(std::string_view section, std::string_view key) const;
 

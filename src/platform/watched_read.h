@@ -12,9 +12,9 @@ namespace quendle::platform {
 struct WatchedRead {
   EntryStatus before;  // the first byte was read
   EntryStatus after;   // the last one
-  // Did somebody have it open for writing in between? Asked only of a file that was changed lately, and false
-  // where the system does not tell.
-  bool is_open_for_writing = false;
+  // Who had it open for writing in between. Asked only of a file that was changed lately.
+  enum class Writers { kUnknown, kNone, kSome };
+  Writers writers = Writers::kUnknown;
 };
 
 // As ReadWholeFile, which watches nothing.

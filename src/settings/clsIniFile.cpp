@@ -102,12 +102,8 @@ void clsIniFile::DeleteSections(const std::vector<std::string>& sections) {
 }
 
 std::int32_t clsIniFile::EnumSection(std::vector<std::string>* names) const {
-  const std::string text = ReadText(pFileName);
-  names->clear();
-  for (const std::string_view line : LinesOf(text)) {
-    if (platform::IsHeaderLine(line)) names->emplace_back(platform::HeaderName(line));
-  }
-  return CountUnlessFirstIsEmpty(names);
+  *names = SectionNames(ReadText(pFileName));
+  return names->empty() ? LeaveOneEmpty(names) : static_cast<std::int32_t>(names->size());
 }
 
 std::int32_t clsIniFile::EnumSectionItem(const std::string& section, std::vector<std::string>* items) const {
@@ -158,6 +154,19 @@ void clsIniFile::OptimizeFile(bool sort) {
     std::stable_partition(names.begin(), names.end(), [](const std::string& name) { return !name.empty(); });
     return names;
   });
+}
+
+std::vector<std::string> SectionNames(std::string_view text) {
+  std::vector<std::string> names;
+  for (const std::string_view line : LinesOf(text)) {
+    if (platform::IsHeaderLine(line)) names.emplace_back(platform::HeaderName(line));
+  }
+  if (!names.empty() && names.front().empty()) names.clear();
+  return names;
+}
+
+std::string AsRead(std::string_view value) {
+  return std::string(platform::CutToAnsiBytes(value.substr(0, value.find('\0')), kDefaultBuffer - 1));
 }
 
 // One byte of the buffer is for the end. A character of two bytes may not have fitted into the last one.

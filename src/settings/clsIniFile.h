@@ -75,6 +75,12 @@ class clsIniFile {
   platform::Result last_failure_;
 };
 
+// The names that EnumSection lists of a file with that text, which has no mark.
+std::vector<std::string> SectionNames(std::string_view text);
+
+// A value in a file as GetStr of a new object reads it: cut to its buffer, and at the first NUL.
+std::string AsRead(std::string_view value);
+
 // Is a value so long that the buffer of a new object may have cut it, or would cut it once it is stored?
 bool MayBeCut(const std::string& value);
 

@@ -7,11 +7,11 @@
 
 #include <cstdint>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "platform/result.h"
+#include "resources/string_table.h"
 #include "settings/clsIniFile.h"
+#include "settings/setting_values.h"
 
 namespace quendle {
 
@@ -33,78 +33,59 @@ class clsPropDefault {
   // Points the object at the file of a mode. Any mode but 0 and 6 is a programming error.
   void SetMode(std::int16_t mode);
 
-  // Each pair of overloads below reads and writes one key. The columns are the key, what a missing or empty
-  // key reads as, and what a newly made mover.ini and test.ini hold ("-": nothing).
-  //
-  //   CONFIRMALWAYS     ConfirmAlways     0  1  -    always show the confirmation window
-  //   CHECKARCHIVE      CheckArchive      0  0  -    look for archives by content, not by extension only
-  //   CONFIRMOVERWRITE  ConfirmOverwrite  0  0  -    ask before overwriting while extracting
-  //   SHOWRESULT        ShowResult        0  1  -    show the extraction log
-  //   KEYCHECK          KeyCheck          0  0  -    the Ctrl key at start asks for confirmation
-  //   TEST              Test              0  0  -    extract archives without a profile by test.ini
-  //   AUTOCOMPDIR       AutoCompDir       1  1  -    append the profile's name to a folder that is picked
-  //   FILER             FILER             "" -  -    file manager
-  //   FILERPARM         FILERPARM         "" -  -    its parameters, "%1" for the folder
-  //   ARCHIVECHARSET    ArchiveCharset    "" -  -    encoding of entry names that do not say theirs ("CP932")
-  //   ACTION            Action            1  1  -    bits: 1 extract, 2 move, 4 copy; not 0 to 7 reads as 1
-  //   EXTRACTTO         ExtractTo         d  d  d    d: the default destination
-  //   MOVETO            MoveTo            d  d  -
-  //   COPYTO            CopyTo            d  d  -
-  //   SMARTRENAME       SmartRename       3  3  3    1 never, 2 always, 3 on a collision; else reads as 3
-  //   EXTRACTTYPE       ExtractType       1  1  1    1 overwrite, 2 update; else reads as 1
-  //   SMARTMAKEDIR      SmartMakeDir      0  0  0    no extra folder for a single root folder
-  //   OPENDIR           OpenDir           0  1  1    open the extraction folder
-  bool CONFIRMALWAYS() const;
-  void CONFIRMALWAYS(std::int16_t value);
-  bool CHECKARCHIVE() const;
-  void CHECKARCHIVE(std::int16_t value);
-  bool CONFIRMOVERWRITE() const;
-  void CONFIRMOVERWRITE(std::int16_t value);
-  bool SHOWRESULT() const;
-  void SHOWRESULT(std::int16_t value);
-  bool KEYCHECK() const;
-  void KEYCHECK(std::int16_t value);
-  bool TEST() const;
-  void TEST(std::int16_t value);
-  bool AUTOCOMPDIR() const;
-  void AUTOCOMPDIR(std::int16_t value);
-  std::string FILER() const;
-  void FILER(const std::string& value);
-  std::string FILERPARM() const;
-  void FILERPARM(const std::string& value);
-  std::string ARCHIVECHARSET() const;
-  void ARCHIVECHARSET(const std::string& value);
-  std::int16_t ACTION() const;
-  void ACTION(std::int16_t value);
-  std::string EXTRACTTO() const;
-  void EXTRACTTO(const std::string& value);
-  std::string MOVETO() const;
-  void MOVETO(const std::string& value);
-  std::string COPYTO() const;
-  void COPYTO(const std::string& value);
-  std::int16_t SMARTRENAME() const;
-  void SMARTRENAME(std::int16_t value);
-  std::int16_t EXTRACTTYPE() const;
-  void EXTRACTTYPE(std::int16_t value);
-  bool SMARTMAKEDIR() const;
-  void SMARTMAKEDIR(std::int16_t value);
-  bool OPENDIR() const;
-  void OPENDIR(std::int16_t value);
+  // All keys, read when one is asked for.
+  SettingsValues Values() const;
+
+  // Each pair of overloads reads and writes one key (settings/setting_keys.h has their meanings and defaults).
+  bool CONFIRMALWAYS() const { return Values().Flag(text_id::kConfirmAlways); }
+  void CONFIRMALWAYS(std::int16_t value) { Write(text_id::kConfirmAlways, value); }
+  bool CHECKARCHIVE() const { return Values().Flag(text_id::kCheckArchive); }
+  void CHECKARCHIVE(std::int16_t value) { Write(text_id::kCheckArchive, value); }
+  bool CONFIRMOVERWRITE() const { return Values().Flag(text_id::kConfirmOverwrite); }
+  void CONFIRMOVERWRITE(std::int16_t value) { Write(text_id::kConfirmOverwrite, value); }
+  bool SHOWRESULT() const { return Values().Flag(text_id::kShowResult); }
+  void SHOWRESULT(std::int16_t value) { Write(text_id::kShowResult, value); }
+  bool KEYCHECK() const { return Values().Flag(text_id::kKeyCheck); }
+  void KEYCHECK(std::int16_t value) { Write(text_id::kKeyCheck, value); }
+  bool TEST() const { return Values().Flag(text_id::kTest); }
+  void TEST(std::int16_t value) { Write(text_id::kTest, value); }
+  bool AUTOCOMPDIR() const { return Values().Flag(text_id::kAutoCompDir); }
+  void AUTOCOMPDIR(std::int16_t value) { Write(text_id::kAutoCompDir, value); }
+  std::string FILER() const { return Values().Text(text_id::kFiler); }
+  void FILER(const std::string& value) { Write(text_id::kFiler, value); }
+  std::string FILERPARM() const { return Values().Text(text_id::kFilerParm); }
+  void FILERPARM(const std::string& value) { Write(text_id::kFilerParm, value); }
+  std::string ARCHIVECHARSET() const { return Values().Text(text_id::kArchiveCharset); }
+  void ARCHIVECHARSET(const std::string& value) { Write(text_id::kArchiveCharset, value); }
+  std::int16_t ACTION() const { return Values().Number(text_id::kAction); }
+  void ACTION(std::int16_t value) { Write(text_id::kAction, value); }
+  std::string EXTRACTTO() const { return Values().Text(text_id::kExtractTo); }
+  void EXTRACTTO(const std::string& value) { Write(text_id::kExtractTo, value); }
+  std::string MOVETO() const { return Values().Text(text_id::kMoveTo); }
+  void MOVETO(const std::string& value) { Write(text_id::kMoveTo, value); }
+  std::string COPYTO() const { return Values().Text(text_id::kCopyTo); }
+  void COPYTO(const std::string& value) { Write(text_id::kCopyTo, value); }
+  std::int16_t SMARTRENAME() const { return Values().Number(text_id::kSmartRename); }
+  void SMARTRENAME(std::int16_t value) { Write(text_id::kSmartRename, value); }
+  std::int16_t EXTRACTTYPE() const { return Values().Number(text_id::kExtractType); }
+  void EXTRACTTYPE(std::int16_t value) { Write(text_id::kExtractType, value); }
+  bool SMARTMAKEDIR() const { return Values().Flag(text_id::kSmartMakeDir); }
+  void SMARTMAKEDIR(std::int16_t value) { Write(text_id::kSmartMakeDir, value); }
+  bool OPENDIR() const { return Values().Flag(text_id::kOpenDir); }
+  void OPENDIR(std::int16_t value) { Write(text_id::kOpenDir, value); }
 
   // Why the initial files could not be made; ok() when they were, or were there.
   const platform::Result& CreationFailure() const { return creation_failure_; }
   const std::string& FileName() const { return ini_.pFileName; }
+  const SettingsFolders& Folders() const { return folders_; }
   // What a folder reads as that nobody has set.
   const std::string& DefaultDestination() const { return folders_.default_destination; }
 
  private:
   void CreateDefaultFiles();
-  void CreateFile(const std::vector<std::pair<int, std::string>>& values);
-  std::string Read(int key, const std::string& fallback) const;
-  bool ReadFlag(int key, const char* fallback) const;
-  double ReadNumber(int key, const char* fallback) const;
+  void CreateFile(SettingsFile file);
   void Write(int key, const std::string& value);
-  void WriteNumber(int key, std::int16_t value);
+  void Write(int key, std::int16_t value) { Write(key, std::to_string(value)); }
 
   SettingsFolders folders_;
   clsIniFile ini_;

@@ -14,6 +14,7 @@
 #include "base/modSystem.h"
 #include "core/edit_keys.h"
 #include "resources/string_table.h"
+#include "settings/setting_keys.h"
 #include "ui/form_helpers.h"
 #include "ui/hints.h"
 #include "ui/text.h"
@@ -115,7 +116,7 @@ void frmEdit::Fill() {
   for (const auto& [key, field] : txt) {
     field->setText(ToQt(draft_.Text(key)));
     field->setCursorPosition(0);
-    if (RuleOf(key).kind == EditKey::Kind::kFolder) {
+    if (KeyOf(key).kind == SettingKey::Kind::kFolder) {
       field->setPlaceholderText(ToQt(ForDisplay(draft_.InheritedFolder(key))));
     }
     ApplyHint(key);

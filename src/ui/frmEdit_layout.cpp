@@ -14,6 +14,7 @@
 #include "core/edit_keys.h"
 #include "platform/send_to.h"
 #include "resources/string_table.h"
+#include "settings/setting_keys.h"
 #include "ui/form_helpers.h"
 #include "ui/frmEdit.h"
 #include "ui/text.h"
@@ -79,16 +80,16 @@ QPushButton* frmEdit::MakeButton(const char* name, int caption, int tool_tip, in
 }
 
 QCheckBox* frmEdit::MakeCheckBox(int key) {
-  auto* box = new QCheckBox(Text(RuleOf(key).label), this);
+  auto* box = new QCheckBox(Text(CaptionOf(key).label), this);
   box->setObjectName(Name("chk", key));
-  box->setToolTip(Text(RuleOf(key).tool_tip));
+  box->setToolTip(Text(CaptionOf(key).tool_tip));
   return chk[key] = box;
 }
 
 // A row of the behaviour's grid, in which a caption stands beside the first line of what it is for.
 void frmEdit::AddChoiceRow(QGridLayout* grid, int key, QWidget* choices) {
-  auto* label = new QLabel(Text(RuleOf(key).label), this);
-  label->setToolTip(Text(RuleOf(key).tool_tip));
+  auto* label = new QLabel(Text(CaptionOf(key).label), this);
+  label->setToolTip(Text(CaptionOf(key).tool_tip));
   choices->setAccessibleName(ToQt(KeyName(key)));
   label->setMinimumHeight(choices->findChild<QAbstractButton*>()->sizeHint().height());
   const int row = grid->rowCount();
@@ -143,7 +144,7 @@ QLabel* frmEdit::MakeHint(int key) {
 
 void frmEdit::Register(int key, QLineEdit* field) {
   field->setObjectName(Name("txt", key));
-  field->setToolTip(Text(RuleOf(key).tool_tip));
+  field->setToolTip(Text(CaptionOf(key).tool_tip));
   field->setAccessibleName(ToQt(KeyName(key)));
   field->setMinimumWidth(fontMetrics().averageCharWidth() * kFieldCharacters);
   field->setMaxLength(kLongestText);
@@ -154,7 +155,7 @@ void frmEdit::Register(int key, QLineEdit* field) {
 // A caption, the field, maybe a button, and below them what is wrong with what was typed.
 void frmEdit::AddField(QGridLayout* grid, int key, QPushButton* button) {
   const int row = grid->rowCount();
-  auto* label = new QLabel(Text(RuleOf(key).label), this);
+  auto* label = new QLabel(Text(CaptionOf(key).label), this);
   auto* field = new QLineEdit(this);
   Register(key, field);
   label->setBuddy(field);
@@ -224,7 +225,7 @@ QWidget* frmEdit::MakeMemberGroup() {
 QWidget* frmEdit::MakeGeneralGroup() {
   auto* column = new QVBoxLayout;
   for (const int key : draft_.Keys()) {
-    if (RuleOf(key).kind == EditKey::Kind::kFlag) column->addWidget(MakeCheckBox(key));
+    if (KeyOf(key).kind == SettingKey::Kind::kFlag) column->addWidget(MakeCheckBox(key));
   }
   column->addStretch();
   cmdSendTo = MakeButton("cmd.SendTo", kAddToSendTo, kAddToSendToHint);
@@ -250,7 +251,7 @@ QWidget* frmEdit::MakeFilerGroup() {
 
 QWidget* frmEdit::MakeCharsetGroup() {
   QGridLayout* grid = MakeGrid();
-  const EditKey& rule = RuleOf(text_id::kArchiveCharset);
+  const EditCaption& rule = CaptionOf(text_id::kArchiveCharset);
   auto* label = new QLabel(Text(rule.label), this);
   cboCharset = new QComboBox(this);
   cboCharset->setObjectName("cbo.ArchiveCharset");

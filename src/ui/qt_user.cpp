@@ -63,7 +63,7 @@ class QtUser : public UserInterface {
   bool ShowProgress(const platform::FileProgress& progress, bool simple) override;
   void EndProgress() override { progress_.End(); }
   void SetBusy(bool busy) override;
-  void OpenFolder(const std::string& folder) override;
+  void OpenFolder(const std::string& folder, const FileManager& manager) override;
   void OpenFile(const std::string& path, const std::string& untrusted_folder) override;
 
  private:
@@ -172,8 +172,8 @@ void QtUser::ShowFailure(int text, const platform::Result& failure, const std::s
                              "");
 }
 
-void QtUser::OpenFolder(const std::string& folder) {
-  ShowFailure(kFolderNotOpened, OpenFolderWithFiler(*host_.globals.g_PropDefault, folder), folder);
+void QtUser::OpenFolder(const std::string& folder, const FileManager& manager) {
+  ShowFailure(kFolderNotOpened, OpenFolderWithFiler(manager, folder), folder);
 }
 
 void QtUser::OpenFile(const std::string& path, const std::string& untrusted_folder) {

@@ -9,6 +9,7 @@
 #include "core/edit_keys.h"
 #include "core/pattern_problem.h"
 #include "resources/string_table.h"
+#include "settings/setting_keys.h"
 #include "support/settings.h"
 
 namespace quendle {
@@ -83,7 +84,7 @@ GTEST_TEST(EditDraft, OnlyWhatChangedIsWritten) {
        [](EditDraft& draft) {
          for (const int key : draft.Keys()) {
            draft.SetText(key, draft.Text(key));
-           if (RuleOf(key).kind != EditKey::Kind::kText && RuleOf(key).kind != EditKey::Kind::kFolder) {
+           if (KeyOf(key).kind != SettingKey::Kind::kText && KeyOf(key).kind != SettingKey::Kind::kFolder) {
              draft.SetNumber(key, draft.Number(key));
            }
          }

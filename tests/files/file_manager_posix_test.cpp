@@ -31,7 +31,7 @@ GTEST_TEST(FileManager, ElseTheDesktops) {
     test::Settings settings("", "[General]\n");
     settings.standard.FILER(row.filer);
     settings.standard.FILERPARM(row.parameters);
-    EXPECT_TRUE(OpenFolderWithFiler(settings.standard, out + "/").ok());
+    EXPECT_TRUE(OpenFolderWithFiler(FileManagerOf(settings.standard.Values()), out + "/").ok());
     EXPECT_EQ(desktop.Take(), "1\n" + out + "\n");
     EXPECT_EQ(filer.Take(std::chrono::milliseconds(50)), "not started");
   }
@@ -42,7 +42,7 @@ GTEST_TEST(FileManager, FailuresOfTheDesktopsAreTold) {
   const test::TempFolder folder;
   const test::ScopedVariable path("PATH", folder.path());
   const test::Settings settings("", "[General]\nFILER=none\n");
-  const platform::Result failed = OpenFolderWithFiler(settings.standard, folder.path());
+  const platform::Result failed = OpenFolderWithFiler(FileManagerOf(settings.standard.Values()), folder.path());
   EXPECT_EQ(failed.code, platform::Code::kNotFound);
   EXPECT_EQ(failed.path, folder.path());
 }

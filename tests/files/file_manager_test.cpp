@@ -31,11 +31,11 @@ GTEST_TEST(FileManager, TheConfiguredOne) {
     test::Settings settings("", "[General]\n");
     settings.standard.FILER(row.filer);
     settings.standard.FILERPARM(row.parameters);
-    EXPECT_TRUE(OpenFolderWithFiler(settings.standard, out + test::kSeparator).ok());
+    EXPECT_TRUE(OpenFolderWithFiler(FileManagerOf(settings.standard.Values()), out + test::kSeparator).ok());
     EXPECT_EQ(filer.Take(), row.record);
   }
   const test::Settings settings("", "[General]\nFILER=fm\n");
-  EXPECT_TRUE(OpenFolderWithFiler(settings.standard, folder / "gone").ok()) << "there is nothing to open";
+  EXPECT_TRUE(OpenFolderWithFiler(FileManagerOf(settings.standard.Values()), folder / "gone").ok()) << "there is nothing to open";
 }
 
 }  // namespace

@@ -30,6 +30,7 @@ class ScriptedUser : public UserInterface {
   std::vector<std::string> messages;
   std::vector<std::string> logs;
   std::vector<std::string> opened_folders;
+  std::string file_manager;  // that the last of them was opened by
   std::vector<std::string> opened_files;
   std::vector<bool> busy;  // each change
   int shown_progress = 0;
@@ -69,7 +70,10 @@ class ScriptedUser : public UserInterface {
   }
   void EndProgress() override { ++ended_progress; }
   void SetBusy(bool is_busy) override { busy.push_back(is_busy); }
-  void OpenFolder(const std::string& folder) override { opened_folders.push_back(folder); }
+  void OpenFolder(const std::string& folder, const FileManager& manager) override {
+    opened_folders.push_back(folder);
+    file_manager = manager.program;
+  }
   void OpenFile(const std::string& path, const std::string&) override { opened_files.push_back(path); }
 };
 

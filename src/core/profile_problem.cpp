@@ -1,0 +1,83 @@
+#include "core/profile_problem.h"
+
+#include <algorithm>
+
+#include "archive/extraction_list.h"
+#include "base/text.h"
+#include "platform/profile_document.h"
+#include "resources/string_table.h"
+#include "settings/clsIniFile.h"
+
+namespace quendle {
+namespace {
+
+using Kind = SettingKey::Kind;
+
+bool HasControlCharacter(const std::string& text) {
+  return std::any_of(text.begin(), text.end(),
+                     [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
+}
+
+// What saved files look like that were not saved in the code page.
+std::string Misread(const std::string& what) {
+  return what + " looks like UTF-8, but is read as Japanese Windows text (CP932): save the file as UTF-8 with a mark (BOM)";
+}
+
+}  // namespace
+
+std::string FolderProblem(const std::string& folder) {
+  if (MayBeCut(folder)) return "a folder of the profile is too long to be read whole";
+  if (HasControlCharacter(folder)) return "a folder of the profile has a control character in it";
+  if (platform::LooksLikeMisreadUtf8(folder)) return Misread("a folder of the profile");
+  return "";
+}
+
+std::string ProfileProblem(const std::string& title, const ProfileValues& profile) {
+  if (platform::LooksLikeMisreadUtf8(title)) return Misread("its title");
+  for (const SettingKey& key : SettingKeys()) {
+    if (!key.IsIn(SettingsFile::kProfile) || key.kind == Kind::kFlag || key.kind == Kind::kNumber) continue;
+    const std::string text = profile.Text(key.name);
+    if (key.kind == Kind::kFolder) {
+      if (std::string problem = FolderProblem(text); !problem.empty()) return problem;
+    } else if (platform::LooksLikeMisreadUtf8(text)) {
+      return Misread("its " + LoadText(key.name));
+    }
+  }
+  const bool extracts = (profile.Number(text_id::kAction) & 1) != 0;
+  if (extracts && (MayBeCut(profile.Text(text_id::kInclude)) || MayBeCut(profile.Text(text_id::kExclude)))) {
+    return "Include or Exclude of the profile is too long to be read whole";
+  }
+  return "";
+}
+
+std::string EntryPatternProblem(const ProfileValues& profile) {
+  const std::string error =
+      EntryFilter(profile.Text(text_id::kInclude), profile.Text(text_id::kExclude)).Error();
+  return error.empty() ? "" : "a pattern of its Include or Exclude cannot be used: " + error;
+}
+
+std::string IdleKeys(const ProfileValues& profile) {
+  if (profile.Flag(text_id::kId)) return "";
+  std::string names;
+  for (const SettingKey& key : SettingKeys()) {
+    if (key.inherited != SettingKey::Inherited::kWithoutId || profile.Stored(key.name).empty()) continue;
+    names += (names.empty() ? "" : ", ") + LoadText(key.name);
+  }
+  return names.empty() ? "" : names + ": not used, because ID is not 1";
+}
+
+bool SameValues(const SettingsSnapshot& a, const SettingsSnapshot& b, const std::string& title) {
+  if (title.empty()) return a.files().standard == b.files().standard && a.files().test == b.files().test;
+  const std::optional<ProfileValues> before = a.Profile(title);
+  const std::optional<ProfileValues> now = b.Profile(title);
+  if (!before || !now) return false;
+  const auto keys = SettingKeys();
+  return std::all_of(keys.begin(), keys.end(), [&](const SettingKey& key) {
+    if (!key.IsIn(SettingsFile::kProfile)) return true;
+    const bool is_number = key.kind == Kind::kFlag || key.kind == Kind::kNumber;
+    return is_number ? before->Number(key.name) == now->Number(key.name)
+                     : before->Text(key.name) == now->Text(key.name);
+  });
+}
+
+}  // namespace quendle

@@ -1,0 +1,28 @@
+// What keeps a profile from being acted on, and what its author should know of it. English, one line each without the
+// profile's title; empty when there is nothing to say.
+#pragma once
+
+#include <string>
+
+#include "settings/run_settings.h"
+
+namespace quendle {
+
+// Why nothing may be done by the profile: a value that may have been cut, that was saved as UTF-8 but is read as Japanese
+// Windows text, or a folder with control characters in it.
+std::string ProfileProblem(const std::string& title, const ProfileValues& profile);
+
+// The same for a folder alone.
+std::string FolderProblem(const std::string& folder);
+
+// Why a pattern of Include or Exclude cannot be used.
+std::string EntryPatternProblem(const ProfileValues& profile);
+
+// Which keys it has that do not count, because its ID is 0.
+std::string IdleKeys(const ProfileValues& profile);
+
+// Does the profile of that title count as the same in both? Of an empty title: are the standard and test settings the
+// same?
+bool SameValues(const SettingsSnapshot& a, const SettingsSnapshot& b, const std::string& title);
+
+}  // namespace quendle
