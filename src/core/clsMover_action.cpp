@@ -175,6 +175,10 @@ void clsMover::HandOptionsToArchiver() {
   archiver_->pFileName = ORIGINALPATH;
   archiver_->SMARTMAKEDIR = SMARTMAKEDIR;
   archiver_->EXTRACTTYPE = EXTRACTTYPE;
+  archiver_->INCLUDE = environment_.items.INCLUDE();
+  archiver_->EXCLUDE = environment_.items.EXCLUDE();
+  archiver_->CONFIRMOVERWRITE = environment_.standard.CONFIRMOVERWRITE();
+  archiver_->ARCHIVECHARSET = environment_.standard.ARCHIVECHARSET();
 }
 
 void clsMover::PlanExtractStep(ActionStep* step, bool somebody_answers) {

@@ -43,8 +43,7 @@ class Run {
   Run(const std::string& items, const std::string& standard_text, std::vector<std::string> paths)
       : settings(items, standard_text, "[General]\nExtractTo=" + Rooted("/test") + "\n") {
     paths.insert(paths.begin(), "");
-    auto owned = std::make_unique<ScriptedArchiver>(
-        clsArchiver::Environment{settings.profiles, settings.standard, user, nullptr, ""});
+    auto owned = std::make_unique<ScriptedArchiver>(clsArchiver::Environment{user, nullptr, ""});
     archiver = owned.get();
     mover = std::make_unique<clsMover>(
         clsMover::Environment{file_info, settings.profiles, settings.standard, settings.test, user},
