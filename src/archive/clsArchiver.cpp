@@ -113,7 +113,6 @@ ExtractionReport clsArchiver::PlanExtraction(const std::string& destination, boo
 
 // Looks where each file would go for what a run would stumble over.
 void clsArchiver::FindObstacles(const Work& work, bool somebody_answers) const {
-  const bool asks = environment_.standard.CONFIRMOVERWRITE();
   const auto tell = [&work](const std::string& entry, const platform::Result& result) {
     if (!result.ok()) work.report->problems.push_back({entry, result.reason + ": " + result.path});
   };
@@ -129,7 +128,7 @@ void clsArchiver::FindObstacles(const Work& work, bool somebody_answers) const {
       path.insert(0, AddBackslash(OutputFolder(work.destination, group.sub_folder)));
       if (FolderExists(path)) {
         tell(name, Failure(platform::Code::kExists, path, "a folder of that name is in the way"));
-      } else if (asks && FileExists(path)) {
+      } else if (CONFIRMOVERWRITE && FileExists(path)) {
         work.report->asks = true;
         if (somebody_answers) continue;
         tell(name,
@@ -143,13 +142,10 @@ void clsArchiver::FindObstacles(const Work& work, bool somebody_answers) const {
 
 clsArchiver::Work clsArchiver::Begin(const ArchiverRow& row, const ArchiverLibrary& library,
                                      const std::string& destination, ExtractionReport* report) const {
-  return Work{row,
-              library,
-              destination,
-              SMARTMAKEDIR,
-              report,
-              {library, environment_.user, pFileName, environment_.standard.ARCHIVECHARSET(), password_,
-               &report->problems}};
+  return Work{
+      row,         library,
+      destination, SMARTMAKEDIR,
+      report,      {library, environment_.user, pFileName, ARCHIVECHARSET, password_, &report->problems}};
 }
 
 // One that fitted may fit the next archive, too.
@@ -174,7 +170,7 @@ void clsArchiver::Choose(Work* work) const {
   report.all = work->names.size();
   work->flat = work->flat && HaveOneTopFolder(work->names);
   report.doubled_folder_avoided = work->flat;
-  const EntryFilter filter(environment_.items.INCLUDE(), environment_.items.EXCLUDE());
+  const EntryFilter filter(INCLUDE, EXCLUDE);
   std::erase_if(work->names, [&filter](const std::string& name) { return !filter.Passes(name); });
   Refuse(work);
   report.chosen = work->names.size();
@@ -203,7 +199,7 @@ void clsArchiver::Refuse(Work* work) const {
 }
 
 bool clsArchiver::Run(Work* work) {
-  const CommandOptions options{work->flat, environment_.standard.CONFIRMOVERWRITE(), EXTRACTTYPE};
+  const CommandOptions options{work->flat, CONFIRMOVERWRITE, EXTRACTTYPE};
   ExtractionRun run({work->row, work->library, work->session, environment_.output(), options, pFileName,
                      work->destination, work->report->problems,
                      [this](const std::function<void()>& step) { Guarded(&report_, step); }});

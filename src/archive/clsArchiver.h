@@ -13,8 +13,6 @@
 #include "archive/clsOutput.h"
 #include "archive/extraction_list.h"
 #include "base/user_interface.h"
-#include "settings/clsPropDefault.h"
-#include "settings/clsPropItem.h"
 
 namespace quendle {
 
@@ -37,8 +35,6 @@ class clsArchiver {
  public:
   // What the archiver works with; all of it outlives it, but the output, which is asked for at each run.
   struct Environment {
-    const clsPropItem& items;  // INCLUDE and EXCLUDE of the current profile
-    const clsPropDefault& standard;
     UserInterface& user;
     std::function<clsOutput&()> output;
     std::string module_folder;  // of the archiver libraries
@@ -46,9 +42,14 @@ class clsArchiver {
   explicit clsArchiver(Environment environment);
   virtual ~clsArchiver() = default;
 
-  std::string pFileName;         // full path of the file to inspect or extract
-  bool SMARTMAKEDIR = false;     // leave a single top folder out; an extraction clears it when there is none
-  std::int16_t EXTRACTTYPE = 1;  // 1 overwrite, 2 update
+  // To be set before each call.
+  std::string pFileName;          // full path of the file to inspect or extract
+  bool SMARTMAKEDIR = false;      // leave a single top folder out; an extraction clears it when there is none
+  std::int16_t EXTRACTTYPE = 1;   // 1 overwrite, 2 update
+  std::string INCLUDE;            // patterns of entries to take, as for EntryFilter
+  std::string EXCLUDE;            // and to leave
+  bool CONFIRMOVERWRITE = false;  // ask before a file is overwritten
+  std::string ARCHIVECHARSET;     // of entry names that do not say theirs; empty: the library's own rule
 
   // The type of pFileName: 1 ZIP, 2 LZH, 3 CAB, 4 RAR, 5 7Z, 0 when no installed archiver library accepts it.
   // Of several that do the first in that order counts.

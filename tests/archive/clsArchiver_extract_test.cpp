@@ -34,7 +34,8 @@ GTEST_TEST(ClsArchiverExtract, StopsAtTheFirstResultThatIsNotZero) {
   for (const auto& row : rows) {
     for (const char* variant : {"plain", "full"}) {
       SCOPED_TRACE(std::string(row.results) + variant);
-      test::ArchiverBench bench("", "ShowResult=1");
+      test::ArchiverBench bench;
+      bench.output.SHOWRESULT = true;
       bench.Install("UnLHA32", variant);
       std::string script =
           kTree + "output h\\nh\\none\noutput h\\nh\\ntwo\noutput h\\nh\\nthree\n" + row.results;
@@ -57,19 +58,15 @@ GTEST_TEST(ClsArchiverExtract, StopsAtTheFirstResultThatIsNotZero) {
 GTEST_TEST(ClsArchiverExtract, WhatIsLeftToExtract) {
   const struct {
     const char* script;
-    const char* profile;
+    const char* exclude;
     bool succeeds;
     const char* calls;
     Texts problems;
   } rows[] = {
       {"entry TOP/a\nentry b\n", "", true, "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"TOP/A\"\r\n\"B\"\n", {}},
-      {"entry a.txt\nentry b.dat\n",
-       "Exclude=.*dat",
-       true,
-       "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"A.TXT\"\n",
-       {}},
+      {"entry a.txt\nentry b.dat\n", ".*dat", true, "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"A.TXT\"\n", {}},
       {"", "", true, "", {}},
-      {"entry a\n", "Include=b", true, "", {}},
+      {"entry a\n", "a", true, "", {}},
       {"closed\n", "", true, "", {}},
       {"closed\nlisting it is cut\n", "", false, "", {": it is cut"}},
       {"entry ../a\nentry b\n", "", false, "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"B\"\n", {"../a: "}},
@@ -89,7 +86,8 @@ GTEST_TEST(ClsArchiverExtract, WhatIsLeftToExtract) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.script);
-    test::ArchiverBench bench(row.profile);
+    test::ArchiverBench bench;
+    bench.archiver.EXCLUDE = row.exclude;
     bench.Install("Cab32", "full");
     ASSERT_EQ(bench.Take("a.cab", std::string("accept Cab\n") + row.script), 3);
     bench.archiver.SMARTMAKEDIR = true;
@@ -143,7 +141,8 @@ GTEST_TEST(ClsArchiverExtract, PlacesThatCannotBeUsed) {
 GTEST_TEST(ClsArchiverExtract, OptionsReachTheCommand) {
   for (const bool confirm : {false, true}) {
     for (const std::int16_t mode : {std::int16_t{1}, std::int16_t{2}}) {
-      test::ArchiverBench bench("", confirm ? "ConfirmOverwrite=1" : "ConfirmOverwrite=0");
+      test::ArchiverBench bench;
+      bench.archiver.CONFIRMOVERWRITE = confirm;
       bench.Install("UnZIP32", "full");
       ASSERT_EQ(bench.Take("a.zip", "accept UnZip\nentry a\n"), 1);
       bench.archiver.EXTRACTTYPE = mode;
@@ -187,7 +186,8 @@ GTEST_TEST(ClsArchiverExtract, AResponseFileThatCannotBeNamed) {
 
 GTEST_TEST(ClsArchiverExtract, FullAndShortBuffers) {
   for (const bool shown : {true, false}) {
-    test::ArchiverBench bench("", shown ? "ShowResult=1" : "ShowResult=0");
+    test::ArchiverBench bench;
+    bench.output.SHOWRESULT = shown;
     bench.Install("UnZIP32", "plain");
     ASSERT_EQ(bench.Take("a.zip", "accept UnZip\nentry a\noutput fill\n"), 1);
     EXPECT_TRUE(bench.archiver.mExtractArchive(bench.folder / "d"));
@@ -220,7 +220,8 @@ GTEST_TEST(ClsArchiverExtract, Passwords) {
 
 GTEST_TEST(ClsArchiverExtract, QuestionsAndProgress) {
   using Answer = UserInterface::OverwriteAnswer;
-  test::ArchiverBench bench("", "ArchiveCharset=CP932");
+  test::ArchiverBench bench;
+  bench.archiver.ARCHIVECHARSET = "CP932";
   bench.Install("UnZIP32", "full");
   const auto extract = [&bench](const std::string& script) {
     bench.Take("a.zip", "accept UnZip\nentry T/a\nentry T/s/b\n" + script);

@@ -56,7 +56,7 @@ GTEST_TEST(ClsArchiver, Plans) {
   const struct {
     const char* variant;
     bool smart;
-    const char* profile;
+    const char* include;
     std::string script;
     std::size_t all, chosen;
     Texts folders;  // below the destination
@@ -66,8 +66,8 @@ GTEST_TEST(ClsArchiver, Plans) {
       {"full", true, "", "entry TOP/A.TXT\nentry Top\\Sub\\B.TXT\n", 2, 2, {"", "/Sub"}, true, {}},
       {"full", false, "", "entry TOP/A.TXT\nentry TOP/SUB/B.TXT\n", 2, 2, {""}, false, {}},
       {"full", true, "", "entry TOP/A.TXT\nentry B.TXT\n", 2, 2, {""}, false, {}},
-      {"full", true, "Include=.*\\.txt", "entry T/\nentry T/a.txt\nentry T/b.dat\n", 3, 1, {""}, true, {}},
-      {"full", true, "Include=\\.txt$", "entry T/a.txt\n", 1, 0, {}, true, {}},
+      {"full", true, ".*\\.txt", "entry T/\nentry T/a.txt\nentry T/b.dat\n", 3, 1, {""}, true, {}},
+      {"full", true, "\\.txt$", "entry T/a.txt\n", 1, 0, {}, true, {}},
       {"full", true, "", "", 0, 0, {}, false, {}},
       {"plain", false, "", "closed\n", 0, 0, {}, false, {}},
       {"full", false, "", "closed\nlisting it is cut\n", 0, 0, {}, false, {": it is cut"}},
@@ -84,14 +84,15 @@ GTEST_TEST(ClsArchiver, Plans) {
       {"full", true, "", "entry T/link/a\nentry T/b\n", 2, 2, {}, true, {": *"}},
       {"plain", true, "", "entry T/a\"b/c\nentry T/d\n", 2, 2, {"/a\"b", ""}, true, {": *"}},
       // Without a NUL the name fills the field; with the optional export it is whole.
-      {"plain", false, "Include=(a{200}/){2}a{111}", "entry " + deep_name + "\n", 1, 1, {""}, false, {}},
-      {"full", false, "Include=(a{200}/){2}a{200}", "entry " + deep_name + "\n", 1, 1, {""}, false, {}},
+      {"plain", false, "(a{200}/){2}a{111}", "entry " + deep_name + "\n", 1, 1, {""}, false, {}},
+      {"full", false, "(a{200}/){2}a{200}", "entry " + deep_name + "\n", 1, 1, {""}, false, {}},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.script.substr(0, 60));
     if (test::kSeparator != '/' && row.script.starts_with("entry T/a\""))
       continue;  // no name has a quote there
-    test::ArchiverBench bench(row.profile);
+    test::ArchiverBench bench;
+    bench.archiver.INCLUDE = row.include;
     bench.Install("UnZIP32", row.variant);
     ASSERT_EQ(bench.Take("a.zip", "accept UnZip\n" + row.script), 1);
     fs::create_directory(bench.folder / "d");
@@ -136,7 +137,8 @@ GTEST_TEST(ClsArchiver, PlansSeeWhatIsInTheWay) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.destination);
-    test::ArchiverBench bench("", row.confirm ? "ConfirmOverwrite=1" : "ConfirmOverwrite=0");
+    test::ArchiverBench bench;
+    bench.archiver.CONFIRMOVERWRITE = row.confirm;
     bench.Install("UnZIP32", "full");
     ASSERT_EQ(bench.Take("a.zip", "accept UnZip\nentry T/\nentry T/a\nentry T/s/b\n"), 1);
     for (const char* file : {"d/a", "d/T/a", "e/a/x", "e/s"}) test::WriteFile(bench.folder / file, "");

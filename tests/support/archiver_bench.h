@@ -1,4 +1,4 @@
-// An archiver over scripted libraries (tests/archive/scripted_module.cpp), settings and a user of a test.
+// An archiver over scripted libraries (tests/archive/scripted_module.cpp) and a user of a test.
 #pragma once
 
 #include <filesystem>
@@ -11,7 +11,7 @@
 #include "support/picture.h"
 #include "support/scoped_variable.h"
 #include "support/scripted_user.h"
-#include "support/settings.h"
+#include "support/temp_folder.h"
 
 namespace quendle::test {
 
@@ -27,17 +27,11 @@ class ArchiverBench {
  public:
   static constexpr const char* kTemporaryFolder = kSeparator == '/' ? "TMPDIR" : "TMP";
 
-  // `profile` and `standard` are keys of items.ini and mover.ini ("\n" between lines).
-  explicit ArchiverBench(const std::string& profile = "", const std::string& standard = "")
-      : settings("[p]\n" + profile, "[General]\n" + standard),
-        temporary(kTemporaryFolder, MakeFolder("tmp")),
+  ArchiverBench()
+      : temporary(kTemporaryFolder, MakeFolder("tmp")),
         runtime("XDG_RUNTIME_DIR", ""),
         output(user),
-        archiver({settings.profiles, settings.standard, user, [this]() -> clsOutput& { return output; },
-                  folder / "modules"}) {
-    settings.profiles.Title = "p";
-    output.SHOWRESULT = settings.standard.SHOWRESULT();
-  }
+        archiver({user, [this]() -> clsOutput& { return output; }, folder / "modules"}) {}
 
   void Install(const std::string& name, const std::string& variant) {
     InstallModule(folder / "modules", name, variant);
@@ -80,7 +74,6 @@ class ArchiverBench {
   }
 
   TempFolder folder;
-  Settings settings;
   ScopedVariable temporary;
   ScopedVariable runtime;
   ScriptedUser user;

@@ -41,19 +41,19 @@ class ScriptedArchiver : public clsArchiver {
 class Run {
  public:
   Run(const std::string& items, const std::string& standard_text, std::vector<std::string> paths)
-      : settings(items, standard_text, "[General]\nExtractTo=" + Rooted("/test") + "\n") {
+      : settings(items, standard_text, "[General]\nExtractTo=" + Rooted("/test") + "\n"),
+        run_settings(settings.standard.Folders()) {
     paths.insert(paths.begin(), "");
-    auto owned = std::make_unique<ScriptedArchiver>(
-        clsArchiver::Environment{settings.profiles, settings.standard, user, nullptr, ""});
+    auto owned = std::make_unique<ScriptedArchiver>(clsArchiver::Environment{user, nullptr, ""});
     archiver = owned.get();
     mover = std::make_unique<clsMover>(
-        clsMover::Environment{file_info, settings.profiles, settings.standard, settings.test, user},
+        clsMover::Environment{file_info, run_settings, user},
         std::move(owned), std::move(paths));
     mover->CMDLINECURRENT = 1;
-    settings.target_base_name = [this] { return file_info.pFileNameNoExt(); };
   }
 
   Settings settings;
+  RunSettings run_settings;
   clsFileInfo file_info;
   ScriptedUser user;
   ScriptedArchiver* archiver;  // the dispatcher's
