@@ -18,10 +18,12 @@ struct Row {
 
 constexpr Row kOwn[] = {
     {"the profile has been changed or removed, or cannot be read any more", 6010},
-    {"the profile is being changed", 6011},
-    {"a folder of the profile is too long to be read whole", 6012},
+    {"the settings cannot be read", 6011},
+    {"its section [General] has gone", 6850},
+    {"%1 looks like UTF-8, but is read as Japanese Windows text (CP932): save the file as UTF-8 with a mark (BOM)", 6852},
     {"Include or Exclude of the profile is too long to be read whole", 6013},
-    {"the folder of the test settings is too long to be read whole", 6012},
+    {"%1 is too long to be read whole", 6012},
+    {"%1 has a control character in it", 6851},
     {"this is not an entry of a folder", 6014},
     {"a file is where the folder should be", 6800},
     {"the name is empty", 6801},

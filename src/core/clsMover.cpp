@@ -119,7 +119,7 @@ bool clsMover::SettingsHold(const std::string& title) const {
 
 bool clsMover::FillFromProfile(const std::string& title, std::string* why) {
   const std::optional<ProfileValues> profile = snapshot_->Profile(title);
-  *why = profile ? ProfileProblem(title, *profile) : "the profile has been changed or removed";
+  *why = profile ? ProfileProblem(title, *profile) : "the profile has been changed or removed, or cannot be read any more";
   if (!why->empty()) return false;
   FillFrom(*profile);
   return true;
@@ -143,7 +143,7 @@ void clsMover::FillFrom(const ProfileValues& profile) {
 
 bool clsMover::FillFromTestSettings(std::string* why) {
   const SettingsValues& test = snapshot_->Test();
-  *why = FolderProblem(test.Text(text_id::kExtractTo));
+  *why = FolderProblem("the folder of the test settings", test.Text(text_id::kExtractTo));
   if (!why->empty()) return false;
   SetDefaultItemData();
   ACTION = static_cast<std::int16_t>(StepKind::kExtract);

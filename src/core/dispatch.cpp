@@ -54,7 +54,7 @@ DispatchReport DispatchCurrent(clsMover* mover, const clsFileInfo& file_info, co
     return report;
   }
   if (const platform::Result read = mover->SetItemDataToArray(); !read.ok()) {
-    report.error = "the settings cannot be read: " + read.reason + ": " + read.path;
+    report.error = "the settings cannot be read: " + read.path + ": " + read.reason;
     return report;
   }
   const std::vector<std::string> titles = mover->GetAccordantTitles();

@@ -9,6 +9,7 @@
 #include "archive/clsOutput.h"
 #include "base/user_interface.h"
 #include "core/clsMover.h"
+#include "settings/clsPropItem.h"
 
 namespace quendle {
 

@@ -13,6 +13,8 @@ namespace {
 
 using Kind = SettingKey::Kind;
 
+constexpr const char* kFolderOfProfile = "a folder of the profile";
+
 bool HasControlCharacter(const std::string& text) {
   return std::any_of(text.begin(), text.end(),
                      [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
@@ -25,10 +27,10 @@ std::string Misread(const std::string& what) {
 
 }  // namespace
 
-std::string FolderProblem(const std::string& folder) {
-  if (MayBeCut(folder)) return "a folder of the profile is too long to be read whole";
-  if (HasControlCharacter(folder)) return "a folder of the profile has a control character in it";
-  if (platform::LooksLikeMisreadUtf8(folder)) return Misread("a folder of the profile");
+std::string FolderProblem(const std::string& name, const std::string& folder) {
+  if (MayBeCut(folder)) return name + " is too long to be read whole";
+  if (HasControlCharacter(folder)) return name + " has a control character in it";
+  if (platform::LooksLikeMisreadUtf8(folder)) return Misread(name);
   return "";
 }
 
@@ -38,7 +40,7 @@ std::string ProfileProblem(const std::string& title, const ProfileValues& profil
     if (!key.IsIn(SettingsFile::kProfile) || key.kind == Kind::kFlag || key.kind == Kind::kNumber) continue;
     const std::string text = profile.Text(key.name);
     if (key.kind == Kind::kFolder) {
-      if (std::string problem = FolderProblem(text); !problem.empty()) return problem;
+      if (std::string problem = FolderProblem(kFolderOfProfile, text); !problem.empty()) return problem;
     } else if (platform::LooksLikeMisreadUtf8(text)) {
       return Misread("its " + LoadText(key.name));
     }

@@ -12,8 +12,8 @@ namespace quendle {
 // Windows text, or a folder with control characters in it.
 std::string ProfileProblem(const std::string& title, const ProfileValues& profile);
 
-// The same for a folder alone.
-std::string FolderProblem(const std::string& folder);
+// The same for a folder alone, which a reason calls `name`: "a folder of the profile", say.
+std::string FolderProblem(const std::string& name, const std::string& folder);
 
 // Why a pattern of Include or Exclude cannot be used.
 std::string EntryPatternProblem(const ProfileValues& profile);

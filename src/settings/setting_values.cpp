@@ -40,7 +40,7 @@ ProfileValues::ProfileValues(StoredText stored, SettingsValues standard)
 bool ProfileValues::IsInherited(int name) const {
   switch (KeyIn(SettingsFile::kProfile, name).inherited) {
     case Inherited::kWithoutId:
-      return !Flag(text_id::kId);
+      return !Flag(text_id::kId) || (!stored_(name).empty() && !OwnNumber(name));
     case Inherited::kWhenEmpty:
       return stored_(name).empty();
     case Inherited::kNever:
@@ -55,11 +55,13 @@ std::string ProfileValues::Text(int name) const {
 
 std::int16_t ProfileValues::Number(int name) const {
   if (IsInherited(name)) return standard_.Number(name);
-  const SettingKey& key = KeyOf(name);
+  return OwnNumber(name).value_or(KeyOf(name).missing_in_profile);
+}
+
+// Nothing for what is missing or out of range.
+std::optional<std::int16_t> ProfileValues::OwnNumber(int name) const {
   const std::string text = stored_(name);
-  if (text.empty()) return key.missing_in_profile;
-  const std::optional<std::int16_t> own = NumberOf(key, SettingsFile::kProfile, text);
-  return own ? *own : standard_.Number(name);
+  return text.empty() ? std::nullopt : NumberOf(KeyOf(name), SettingsFile::kProfile, text);
 }
 
 }  // namespace quendle

@@ -39,13 +39,16 @@ class ProfileValues {
   std::int16_t Number(int name) const;
   bool Flag(int name) const { return Number(name) != 0; }
 
-  // Does the standard settings' value count, since the profile has no ID of its own or leaves a folder empty?
+  // Does the standard settings' value count, since the profile has no ID of its own, leaves a folder empty, or has a
+  // number that is out of range?
   bool IsInherited(int name) const;
 
   // The text in the file, whether it counts or not.
   std::string Stored(int name) const { return stored_(name); }
 
  private:
+  std::optional<std::int16_t> OwnNumber(int name) const;
+
   StoredText stored_;
   SettingsValues standard_;
 };

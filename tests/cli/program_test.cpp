@@ -106,7 +106,6 @@ GTEST_TEST(Program, DamagedSettingsGetAClearLine) {
     std::string items;
     const char* err;
   } rows[] = {
-      {random, "there are no profiles in it"},
       {"[a\0b]\r\nPattern=\0x\r\n" + std::string(1, '\0'), "no profile matches"},
       {"[Slow]\r\nPattern=(x+)+\\d\r\n", "profile Slow: its pattern cannot be used: match limit exceeded"},
       {"", "there are no profiles"},

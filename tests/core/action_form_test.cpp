@@ -31,8 +31,7 @@ struct Bench {
   Bench(const Texts& names, const std::string& items, const std::string& standard = "",
         std::optional<std::string> profile = std::nullopt)
       : run(InFolder(items), "[General]\n" + InFolder(standard), Paths(names)),
-        form({*run.mover, run.file_info, run.settings.profiles, run.settings.standard, run.user},
-             std::move(profile)) {
+        form({*run.mover, run.file_info, run.user}, std::move(profile)) {
     run.mover->SHOWUSERFORM = true;
     for (const std::string& name : names) {
       if (!name.starts_with("gone")) Make({name.starts_with("dir") ? name + "/" : name});
@@ -389,7 +388,6 @@ GTEST_TEST(ActionForm, OnlyWhatTheUserDidNotWantIsTold) {
   }
 }
 
-// The store stands elsewhere after the editor or a check of the profiles, and an extraction reads from it.
 GTEST_TEST(ActionForm, ActsByTheSelectedProfile) {
   Bench bench({"a.zip", "b.none"},
               "[p]\nPattern=.*zip\nOpenFile=p.txt\nID=1\nAction=1\nExtractTo=~/x\n"
@@ -403,11 +401,9 @@ GTEST_TEST(ActionForm, ActsByTheSelectedProfile) {
   EXPECT_EQ(bench.run.mover->EXTRACTTYPE, 2);
   EXPECT_TRUE(bench.form.View().smart_make_dir && bench.form.View().open_dir &&
               !bench.form.View().overwrites);
-  bench.run.settings.profiles.Title = "q";
   EXPECT_TRUE(bench.form.Execute());
   ASSERT_TRUE(bench.form.Advance());
   bench.form.SetOpenDir(false);
-  bench.run.settings.profiles.Title = "q";
   EXPECT_TRUE(bench.form.Execute());
   EXPECT_EQ(bench.run.archiver->extracted.size(), 2U);
   EXPECT_EQ(bench.run.user.opened_files, Texts{bench.folder / "x/p.txt"});

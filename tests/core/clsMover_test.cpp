@@ -217,7 +217,7 @@ GTEST_TEST(ClsMover, RefusesWhatCannotBeMeant) {
     std::int16_t action;
     std::string to;
   } rows[] = {
-      {"in/x.txt", 2, folder / "in/X.TXT"},
+      {"in/x.txt", 2, folder / "in/x.txt"},
       {"in/x.txt", 2, folder / "taken/x.txt"},
       {"in/x.txt", 4, folder / "taken/x.txt"},
       {"in/x.txt", 2, folder / "deep/x.txt"},
@@ -230,7 +230,6 @@ GTEST_TEST(ClsMover, RefusesWhatCannotBeMeant) {
       {"in/d", 4, folder / "in/d/e"},
       {"in/d", 2, folder / "taken/x.txt"},
       {"in/d", 2, folder / "in"},
-      {"in/d", 2, folder / "in/D"},  // another folder, but equal without regard to case
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(std::string(row.target) + " to " + row.to);
@@ -302,35 +301,48 @@ GTEST_TEST(ClsMover, OpensWhatWasExtracted) {
   EXPECT_EQ(run.user.opened_folders.size(), 1U);
 }
 
-// The profile's section may be gone, changed or half there by the time it is used; the standard settings'
-// folders must not stand in for its own then.
-GTEST_TEST(ClsMover, AProfileThatIsNotWhatItWasIsNotUsed) {
+// The files may be edited at any moment: one path is done by what they said at one moment, and a window that shows
+// something else than they say now is told.
+GTEST_TEST(ClsMover, APathIsDoneByWhatWasReadForIt) {
   const test::TempFolder folder;
   test::WriteFile(folder / "x.txt", "x");
   const std::string items = "[p]\nPattern=.*\\.txt\nID=1\nAction=2\nMoveTo=/m\n[q]\nAction=2\n";
+  const auto long_text = [](std::size_t length) { return std::string(length, 'x') + "\n"; };
   const struct {
     std::string now;
     const char* title;
-    bool usable;
+    bool holds;
+    bool is_usable_then;
   } rows[] = {
-      {items, "p", true},
-      {items, "q", true},
-      {"", "p", false},
-      {"[p]\nPattern=.*\\.txt2\n[q]\n", "p", false},
-      {"[p]\nPattern=.*\\.txt\n\n", "q", false},
-      {"[p]\nPattern=.*\\.txt\nMoveTo=/" + std::string(1500, 'x') + "\n", "p", false},
-      {"[p]\nPattern=.*\\.txt\nID=1\nAction=3\nInclude=" + std::string(1500, 'x') + "\n", "p", false},
-      {"[p]\nPattern=.*\\.txt\nID=1\nAction=1\nExclude=" + std::string(1500, 'x') + "\n", "p", false},
-      {"[p]\nPattern=.*\\.txt\nID=1\nAction=2\nInclude=" + std::string(1500, 'x') + "\n", "p", true},
+      {items, "p", true, true},
+      {items + "[r]\nPattern=r\n", "p", true, true},
+      {items + "[r]\nPattern=r\n", "", true, true},
+      {"", "p", false, false},
+      {"[p]\nPattern=.*\\.txt2\n[q]\n", "p", false, true},
+      {"[p]\nPattern=.*\\.txt\nID=1\nAction=2\nMoveTo=/m2\n", "p", false, true},
+      {"[p]\nPattern=.*\\.txt\n\n", "q", false, false},
+      {"[p]\nPattern=.*\\.txt\nMoveTo=/" + long_text(1500), "p", false, false},
+      {"[p]\nPattern=.*\\.txt\nMoveTo=/m\t1\n", "p", false, false},
+      {"[p]\nPattern=.*\\.txt\nID=1\nAction=3\nInclude=" + long_text(1500), "p", false, false},
+      {"[p]\nPattern=.*\\.txt\nID=1\nAction=1\nExclude=" + long_text(1500), "p", false, false},
+      {"[p]\nPattern=.*\\.txt\nID=1\nAction=2\nInclude=" + long_text(1500), "p", false, true},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.now.substr(0, 60));
     test::Run run(items, "", {folder / "x.txt"});
-    ASSERT_TRUE(run.mover->SetTarget().ok());
+    clsMover& mover = *run.mover;
+    ASSERT_TRUE(mover.SetTarget().ok());
+    ASSERT_TRUE(mover.SetItemDataToArray().ok());
+    mover.GetAccordantTitles();
     test::WriteFile(run.settings.folder / "items.ini", row.now);
+    EXPECT_EQ(mover.SettingsHold(row.title), row.holds);
+    if (*row.title == '\0') continue;
     std::string why;
-    EXPECT_EQ(run.mover->FillFromProfile(row.title, &why), row.usable);
-    EXPECT_EQ(why.empty(), row.usable);
+    EXPECT_TRUE(mover.FillFromProfile(row.title, &why)) << why;
+    EXPECT_EQ(mover.MOVEINTO, *row.title == 'p' ? "/m" : "/standard");
+    ASSERT_TRUE(mover.SetItemDataToArray().ok());
+    EXPECT_EQ(mover.FillFromProfile(row.title, &why), row.is_usable_then);
+    EXPECT_EQ(why.empty(), row.is_usable_then) << why;
   }
 }
 
@@ -338,7 +350,7 @@ GTEST_TEST(ClsMover, SaysWhatIsWrongWithProfiles) {
   test::Run run("[a]\nPattern=x\n[A]\nPattern=(\n[a]\n[long]\nPattern=.*" + std::string(1100, 'x') +
                     "\n[bad]\nPattern=(\nInclude=a\nExclude=b;(\n",
                 "", {"/"});
-  const Titles problems = run.mover->ProfileProblems();
+  const Titles problems = run.mover->ProfileProblems(false);
   const char* const beginnings[] = {
       "profile bad: its pattern cannot be used: missing",
       "profile bad: a pattern of its Include or Exclude cannot be used: missing",

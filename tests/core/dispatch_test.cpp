@@ -12,7 +12,7 @@ std::vector<DispatchReport> DispatchAll(test::Run* run, const DispatchOptions& o
   std::vector<DispatchReport> reports;
   clsMover& mover = *run->mover;
   for (mover.CMDLINECURRENT = 1; mover.CMDLINECURRENT <= mover.CMDLINEMAX; ++mover.CMDLINECURRENT) {
-    reports.push_back(DispatchCurrent(&mover, run->file_info, run->settings.standard, options));
+    reports.push_back(DispatchCurrent(&mover, run->file_info, options));
   }
   return reports;
 }

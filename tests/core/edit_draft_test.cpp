@@ -38,15 +38,13 @@ GTEST_TEST(EditDraft, NumbersCountAsTheSettingsReadThem) {
         keys.append(key).append("=").append(text).append("\n");
       }
       test::Settings settings("[A]\nID=" + id + "\n" + keys, "[General]\n" + keys);
-      settings.profiles.Title = std::string("A");
       const auto expect_same = [](const EditDraft& draft, const auto& read) {
-        EXPECT_EQ(draft.Number(kAction), read.ACTION());
-        EXPECT_EQ(draft.Number(kSmartRename), read.SMARTRENAME());
-        EXPECT_EQ(draft.Number(kExtractType), read.EXTRACTTYPE());
-        EXPECT_EQ(draft.Number(kOpenDir), read.OPENDIR());
+        for (const int key : {kAction, kSmartRename, kExtractType, kOpenDir}) {
+          EXPECT_EQ(draft.Number(key), read.Number(key)) << key;
+        }
       };
-      expect_same(DraftOf(settings, EditMode::kProfile), settings.profiles);
-      expect_same(DraftOf(settings, EditMode::kStandard), settings.standard);
+      expect_same(DraftOf(settings, EditMode::kProfile), settings.profiles.Values("A"));
+      expect_same(DraftOf(settings, EditMode::kStandard), settings.standard.Values());
       EXPECT_EQ(DraftOf(settings, EditMode::kGeneral).Number(kAutoCompDir), settings.standard.AUTOCOMPDIR());
     }
   }

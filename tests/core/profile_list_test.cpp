@@ -57,8 +57,7 @@ GTEST_TEST(ProfileList, TitlesComeBackOrAreRefusedWithAReason) {
     EXPECT_NE(problem.find(row.problem), std::string::npos) << problem;
     if (!problem.empty()) continue;
     test::Settings settings("[m]\r\nPattern=m\r\n", kStandard);
-    settings.profiles.Title = row.title;
-    settings.profiles.pattern("p");
+    settings.profiles.pattern(row.title, "p");
     ProfileList list(settings.profiles, settings.standard);
     ASSERT_TRUE(list.Sort().ok());
     const std::string copy = list.TitleForCopy(row.title);
@@ -91,17 +90,16 @@ GTEST_TEST(ProfileList, RowsAreWhatTheStoreSays) {
   for (std::size_t i = 0; i < list.Rows().size(); ++i) {
     const ProfileRow& row = list.Rows()[i];
     SCOPED_TRACE(row.title);
-    clsPropItem& item = settings.profiles;
-    item.Title = row.title;
-    EXPECT_EQ(row.pattern, item.pattern());
-    EXPECT_EQ(row.action, item.ACTION());
+    const clsPropItem& items = settings.profiles;
+    EXPECT_EQ(row.pattern, items.pattern(row.title));
+    EXPECT_EQ(row.action, items.ACTION(row.title));
     EXPECT_EQ(row.inherits_action, inherits[i]);
-    const std::string folders[] = {item.EXTRACTTO(), item.MOVETO(), item.COPYTO()};
+    const std::string folders[] = {items.EXTRACTTO(row.title), items.MOVETO(row.title), items.COPYTO(row.title)};
     const int bits[] = {1, 2, 4};
     for (std::size_t kind = 0; kind < kActionRows; ++kind) {
       EXPECT_EQ(row.folders[kind].path, folders[kind]);
       EXPECT_EQ(row.folders[kind].is_inherited, folders[kind].starts_with("/s"));
-      EXPECT_EQ(row.folders[kind].is_used, (item.ACTION() & bits[kind]) != 0);
+      EXPECT_EQ(row.folders[kind].is_used, (row.action & bits[kind]) != 0);
     }
   }
 }
@@ -169,8 +167,7 @@ GTEST_TEST(ProfileList, CommandsWorkOnWhatIsThereNow) {
   EXPECT_TRUE(list.Duplicate("b", "0").ok());
   ASSERT_TRUE(list.Read().ok());
   EXPECT_EQ(Titles(list), "0;A;b;");
-  settings.profiles.Title = "0";
-  EXPECT_EQ(settings.profiles.OPENFILE(), "last line");
+  EXPECT_EQ(settings.profiles.OPENFILE("0"), "last line");
 }
 
 GTEST_TEST(ProfileList, FailuresAreTold) {

@@ -31,11 +31,10 @@ GTEST_TEST(ClsPropItem, OwnAndInheritedBehaviour) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.keys);
     test::Settings settings(std::string("[p]\n") + row.keys + "\n", kStandard);
-    settings.profiles.Title = std::string("P");
-    EXPECT_EQ(settings.profiles.ACTION(), row.action);
-    EXPECT_EQ(settings.profiles.SMARTRENAME(), row.rename);
-    EXPECT_EQ(settings.profiles.EXTRACTTYPE(), row.type);
-    EXPECT_EQ(settings.profiles.SMARTMAKEDIR(), row.make_dir);
+    EXPECT_EQ(settings.profiles.ACTION("P"), row.action);
+    EXPECT_EQ(settings.profiles.SMARTRENAME("P"), row.rename);
+    EXPECT_EQ(settings.profiles.EXTRACTTYPE("P"), row.type);
+    EXPECT_EQ(settings.profiles.SMARTMAKEDIR("P"), row.make_dir);
   }
 }
 
@@ -50,9 +49,8 @@ GTEST_TEST(ClsPropItem, FoldersFallBack) {
               {"", "/sm /sc /se"},
               {"（なし）", std::string("/sm /sc /t") + test::kSeparator + "data"}};
   for (const auto& row : rows) {
-    settings.profiles.Title = row.title;
-    const clsPropItem& profile = settings.profiles;
-    EXPECT_EQ(profile.MOVETO() + " " + profile.COPYTO() + " " + profile.EXTRACTTO(), row.folders)
+    const clsPropItem& items = settings.profiles;
+    EXPECT_EQ(items.MOVETO(row.title) + " " + items.COPYTO(row.title) + " " + items.EXTRACTTO(row.title), row.folders)
         << row.title;
   }
 }
@@ -64,14 +62,13 @@ GTEST_TEST(ClsPropItem, ProfilesAreSortedMadeRenamedAndRemoved) {
   EXPECT_EQ(profiles.EnumSection(&titles), 3);
   EXPECT_EQ(titles, (std::vector<std::string>{"A", "b", "c"}));
 
-  profiles.Title = "表[1]";
-  EXPECT_EQ(profiles.pattern(), "");
-  profiles.Title = "表1";
-  profiles.pattern("能.*"), profiles.INCLUDE("i;j"), profiles.EXCLUDE("x"), profiles.OPENFILE("o.txt;p"),
-      profiles.ID(1);
-  profiles.ACTION(3), profiles.SMARTRENAME(3), profiles.EXTRACTTYPE(2), profiles.SMARTMAKEDIR(1),
-      profiles.OPENDIR(0);
-  profiles.MOVETO("/m"), profiles.COPYTO("/c"), profiles.EXTRACTTO("/e");
+  EXPECT_EQ(profiles.pattern("表[1]"), "");
+  const std::string title = "表1";
+  profiles.pattern(title, "能.*"), profiles.INCLUDE(title, "i;j"), profiles.EXCLUDE(title, "x");
+  profiles.OPENFILE(title, "o.txt;p"), profiles.ID(title, 1), profiles.ACTION(title, 3);
+  profiles.SMARTRENAME(title, 3), profiles.EXTRACTTYPE(title, 2), profiles.SMARTMAKEDIR(title, 1);
+  profiles.OPENDIR(title, 0), profiles.MOVETO(title, "/m"), profiles.COPYTO(title, "/c");
+  profiles.EXTRACTTO(title, "/e");
   profiles.RenameSection("B", "d");
   profiles.DelSection("a");
   profiles.OptimizeFile();
@@ -80,7 +77,7 @@ GTEST_TEST(ClsPropItem, ProfilesAreSortedMadeRenamedAndRemoved) {
             "1]\r\nPattern=\x94\x5C.*\r\nInclude=i;j\r\n"
             "Exclude=x\r\nOpenFile=o.txt;p\r\nID=1\r\nAction=3\r\nSmartRename=3\r\nExtractType=2\r\n"
             "SmartMakeDir=1\r\nOpenDir=0\r\nMoveTo=/m\r\nCopyTo=/c\r\nExtractTo=/e\r\n");
-  EXPECT_EQ(profiles.pattern() + profiles.INCLUDE() + profiles.EXCLUDE() + profiles.OPENFILE(),
+  EXPECT_EQ(profiles.pattern(title) + profiles.INCLUDE(title) + profiles.EXCLUDE(title) + profiles.OPENFILE(title),
             "能.*i;jxo.txt;p");
 }
 

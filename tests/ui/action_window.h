@@ -48,9 +48,7 @@ class ActionWindow {
       return on_edit ? on_edit() : std::nullopt;
     };
     services.show_about = [this](QWidget*) { asked.emplace_back("about"); };
-    form.emplace(ActionForm::Environment{*run.mover, run.file_info, run.settings.profiles,
-                                         run.settings.standard, run.user},
-                 std::nullopt);
+    form.emplace(ActionForm::Environment{*run.mover, run.file_info, run.user}, std::nullopt);
     if (!form->Advance()) return;
     window = std::make_unique<frmAction>(*form, *run.mover, services);
     window->show();

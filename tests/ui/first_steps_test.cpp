@@ -34,8 +34,7 @@ class FirstSteps : public testing::Test {
   void Dispatch(const std::vector<std::string>& paths) {
     const RunScope run(globals_, paths);
     globals_.g_Mover->SHOWUSERFORM = WantsConfirmation(*globals_.g_PropDefault, [] { return false; });
-    clsPropItem& items = *globals_.g_PropItem;
-    ActionForm form({*globals_.g_Mover, *globals_.g_FileInfo, items, *globals_.g_PropDefault, user_}, {});
+    ActionForm form({*globals_.g_Mover, *globals_.g_FileInfo, user_}, {});
     if (form.Advance()) frmAction(form, *globals_.g_Mover).Run();
     EXPECT_EQ(form.Undone(), std::vector<std::string>());
   }
