@@ -65,6 +65,10 @@ inline Result SourceChanged(const std::string& path) {
 Result ReadStatus(const std::string& path, EntryStatus* status);
 Result ReadTargetStatus(const std::string& path, EntryStatus* status);
 
+// Where the link at the absolute `path` leads: an absolute path, in which there may be links and "..". Empty for anything
+// else, and for a link that cannot be read.
+std::string LinkTarget(const std::string& path);
+
 // The owner of what this process makes; 0 where owners decide nothing.
 std::uint32_t CurrentUser();
 

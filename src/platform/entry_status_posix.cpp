@@ -1,9 +1,12 @@
 #include "platform/entry_status_posix.h"
 
+#include <climits>
 #include <cstdlib>
 #include <memory>
 
 #include <unistd.h>
+
+#include "platform/entry_names.h"
 
 namespace quendle::platform {
 namespace {
@@ -49,6 +52,14 @@ Result ReadTargetStatus(const std::string& path, EntryStatus* status) {
   if (stat(path.c_str(), &entry) != 0) return LastSystemFailure(path);
   *status = StatusFrom(entry);
   return Success();
+}
+
+std::string LinkTarget(const std::string& path) {
+  char text[PATH_MAX];
+  const ssize_t length = readlink(path.c_str(), text, sizeof text);
+  if (length <= 0) return "";
+  const std::string target(text, static_cast<std::size_t>(length));
+  return target.front() == '/' ? target : PathBelow(FolderOf(path), target);
 }
 
 std::uint32_t CurrentUser() {

@@ -3,6 +3,8 @@
 #include <cstring>
 #include <limits>
 
+#include "platform/entry_names.h"
+#include "platform/link_win32.h"
 #include "platform/nt_file_win32.h"
 
 namespace quendle::platform {
@@ -91,6 +93,21 @@ Result ReadStatus(const std::string& path, EntryStatus* status) {
 
 Result ReadTargetStatus(const std::string& path, EntryStatus* status) {
   return StatusAt(path, 0, status);
+}
+
+std::string LinkTarget(const std::string& path) {
+  EntryStatus status;
+  if (!ReadStatus(path, &status).ok() || !status.is_link()) return "";
+  const Handle link(CreateFileW(SystemPath(path).c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr,
+                                OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT,
+                                nullptr));
+  std::string record;
+  if (!link.ok() || ReadLinkRecord(link.get(), &record) != 0) return "";
+  const auto target = SymbolicTarget(record);
+  if (!target) return RealPath(path);  // of a junction
+  const std::string text = TextFromWide(*target);
+  const bool is_whole = text.starts_with('\\') || text.find(':') != std::string::npos;
+  return is_whole ? text : PathBelow(FolderOf(path), text);
 }
 
 std::uint32_t CurrentUser() {

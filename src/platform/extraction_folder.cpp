@@ -52,12 +52,26 @@ class ExtractionFolder::Impl {
       if (!result.ok()) return result;
       checked_path = path;
     }
-    return folders.Enter(ParentOf(path), make, folder);
+    return Enter(ParentOf(path), make, folder);
+  }
+
+  Result Enter(const std::string& path, bool make, FolderHandle* folder) {
+    return top_allows.ok() ? folders.Enter(path, make, folder) : top_allows;
+  }
+
+  // At the last moment, since anything may have come to have the name meanwhile.
+  Result CheckTaking(const OpenFolder& to, const std::string& name, Replace replace) const {
+    Result result = protection.CheckName(to, name);
+    EntryStatus there;
+    if (result.ok() && replace == Replace::kFile && to.StatusOf(name, &there).ok())
+      result = protection.CheckEntry(to, name, there);
+    return result;
   }
 
   // Gives what has the temporary name in `from` its own.
   Result Place(const OpenFolder& from, const OpenFolder& to, const std::string& path, Replace replace) const {
     const std::string name = NameOf(path);
+    if (Result allowed = CheckTaking(to, name, replace); !allowed.ok()) return allowed;
     const int error = from.Rename(temporary_name, to, name, replace == Replace::kFile);
     if (error == 0) return Success();
     Result result = SystemFailure(error, folders.Shown(path));
@@ -72,6 +86,8 @@ class ExtractionFolder::Impl {
   Result MakeLink(const Link& link);
 
   OpenFolders folders;
+  ProtectedEntries protection;
+  Result top_allows;
   std::string checked_path;
   // One for all: it is in use for one entry at a time.
   std::string temporary_name = TemporaryPath("");
@@ -122,6 +138,12 @@ void ExtractionFolder::MarkLike(const std::string& archive) {
   impl_->mark = ReadOriginMark(archive);
 }
 
+void ExtractionFolder::Protect(ProtectedEntries entries) {
+  impl_->protection = std::move(entries);
+  impl_->folders.Protect(&impl_->protection);
+  impl_->top_allows = impl_->protection.CheckFolderAndAbove(impl_->folders.top());
+}
+
 Result ExtractionFolder::CheckSpace(std::uint64_t bytes) const {
   std::optional<std::uint64_t> free;
   Result result = impl_->folders.top().FreeBytes(&free);
@@ -137,9 +159,14 @@ Result ExtractionFolder::Look(const std::string& path, Occupant* occupant) {
   Result result = impl_->EnterParent(path, false, &folder);
   if (result.code == Code::kNotFound) return Success();
   if (!result.ok()) return result;
+  const std::string name = NameOf(path);
+  result = impl_->protection.CheckName(*folder, name);
+  if (!result.ok()) return result;
   EntryStatus status;
-  result = folder->StatusOf(NameOf(path), &status);
+  result = folder->StatusOf(name, &status);
   if (!result.ok()) return result.code == Code::kNotFound ? Success() : result;
+  result = impl_->protection.CheckEntry(*folder, name, status);
+  if (!result.ok()) return result;
   const bool is_ours = impl_->ours.contains(status.id);
   occupant->taken = status.is_folder() ? Taken::kFolder : is_ours ? Taken::kOurs : Taken::kFile;
   occupant->version = {impl_->folders.Shown(path), status.is_folder() ? 0 : status.size,
@@ -151,7 +178,7 @@ Result ExtractionFolder::MakeFolder(const std::string& path, const EntryAttribut
   Result result = CheckPath(path);
   if (!result.ok()) return result;
   FolderHandle folder;
-  result = impl_->folders.Enter(path, true, &folder);
+  result = impl_->Enter(path, true, &folder);
   if (result.ok() && attributes.write_time)
     impl_->folder_times.insert_or_assign(path, ValidTime(*attributes.write_time));
   return result;

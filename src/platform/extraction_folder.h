@@ -14,6 +14,7 @@
 
 #include "platform/entry_time.h"
 #include "platform/file_operation.h"
+#include "platform/protected_entries.h"
 #include "platform/result.h"
 
 namespace quendle::platform {
@@ -35,6 +36,10 @@ class ExtractionFolder {
   // internet. Elsewhere nothing happens.
   void MarkLike(const std::string& archive);
 
+  // From now on what would replace one of the entries, or take a name that is kept for one, is kRefused, by Look as by all
+  // that makes something.
+  void Protect(ProtectedEntries entries);
+
   // kNoSpace when the file system has less than that many bytes for this user.
   Result CheckSpace(std::uint64_t bytes) const;
 
@@ -49,7 +54,8 @@ class ExtractionFolder {
     Taken taken = Taken::kFree;
     FileVersion version;  // of what is there
   };
-  // A failure when a folder on the way cannot be entered: a file or a link is in its place, say.
+  // A failure when a folder on the way cannot be entered: a file or a link is in its place, say. kRefused, for a safe
+  // path, only by what Protect was told.
   Result Look(const std::string& path, Occupant* occupant);
 
   // Makes the folder with all its parents; fine when it is there. Its time is set by Finish.

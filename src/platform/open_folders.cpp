@@ -47,11 +47,15 @@ Result OpenFolders::EnterNext(const OpenFolder& parent, std::size_t begin, std::
   const std::string name = path_.substr(begin, end - begin);
   OpenFolder opened;
   Result result = parent.Enter(name, OpenFolder::Use::kPass, &opened);
+  if (result.code == Code::kNotFound && protected_ != nullptr) {
+    if (Result kept = protected_->CheckName(parent, name); !kept.ok()) return kept;
+  }
   if (result.code == Code::kNotFound && make) {
     result = parent.MakeFolder(name, {});
     if (result.ok() || result.code == Code::kExists)
       result = parent.Enter(name, OpenFolder::Use::kPass, &opened);
   }
+  if (result.ok() && protected_ != nullptr) result = protected_->CheckFolder(opened);
   if (result.ok()) *handle = std::make_shared<OpenFolder>(std::move(opened));
   return result;
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/open_folder.h"
+#include "platform/protected_entries.h"
 #include "platform/result.h"
 
 namespace quendle::platform {
@@ -20,6 +21,10 @@ class OpenFolders {
   explicit OpenFolders(OpenFolder top) : top_(std::make_shared<OpenFolder>(std::move(top))) {}
 
   const OpenFolder& top() const { return *top_; }
+
+  // From now on no folder is entered in which nothing may be made, nor made under a name that is kept for something else:
+  // Enter is kRefused, also without `make`. `entries` outlives the object.
+  void Protect(const ProtectedEntries* entries) { protected_ = entries; }
 
   // The path, with "/" between its parts, as failures name it.
   std::string Shown(const std::string& path) const;
@@ -38,6 +43,7 @@ class OpenFolders {
                    FolderHandle* handle) const;
 
   FolderHandle top_;
+  const ProtectedEntries* protected_ = nullptr;
   std::string path_;  // the levels are folders on it
   std::vector<Level> levels_;
 };

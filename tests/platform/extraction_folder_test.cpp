@@ -101,6 +101,65 @@ TEST_F(ExtractionFolderTest, WhatIsReplacedIsTheEntryItself) {
   EXPECT_EQ(Outside(), outside);
 }
 
+// Whichever way leads there, and whatever is to be made there.
+TEST_F(ExtractionFolderTest, WhatIsProtectedStays) {
+  for (const char* file : {"own.ini", "target", "m/module", "m/sub/x", "to/x"})
+    test::WriteFile(At(file), file);
+  fs::create_hard_link(At("own.ini"), At("second"));
+  fs::create_hard_link(At("m/module"), At("second module"));
+  const bool has_links = test::MakeLink("hop", At("linked.ini")) && test::MakeLink("target", At("hop")) &&
+                         test::MakeLink("to/none.ini", At("dangling.ini")) && test::MakeLink("to", At("way"));
+  ProtectedEntries entries;
+  for (const char* file : {"own.ini", "new.ini", "gone/deep.ini", "linked.ini", "dangling.ini", "way/x"})
+    entries.Add(At(file), ProtectedEntries::Owner::kProgram);
+  entries.Add(At("m"), ProtectedEntries::Owner::kArchive);
+  folder_->Protect(entries);
+  const struct {
+    const char* what;
+    const char* path;
+    bool needs_links = false;
+  } rows[] = {
+      {"a file", "own.ini"},
+      {"its other name", "second"},
+      {"a name that nobody has yet", "new.ini"},
+      {"that in other case", "NEW.Ini"},
+      {"the folder of one", "gone"},
+      {"a link", "linked.ini", true},
+      {"where it leads", "hop", true},
+      {"where that leads", "target", true},
+      {"where a link leads to nothing", "to/none.ini", true},
+      {"a link on the way", "way", true},
+      {"the file behind it", "to/x", true},
+      {"in a folder", "m/new"},
+      {"a file in it", "m/module"},
+      {"deeper in it", "m/sub/x"},
+      {"another name of what is in it", "second module"},
+  };
+  const Entries inside = Inside();
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    if (row.needs_links && !has_links) continue;
+    ExtractionFolder::Occupant occupant;
+    EXPECT_EQ(folder_->Look(row.path, &occupant).code, Code::kRefused);
+    EXPECT_EQ(Extract(row.path, "evil", Replace::kFile).code, Code::kRefused);
+    EXPECT_FALSE(folder_->MakeFolder(row.path, {}).ok());
+    EXPECT_FALSE(Extract(row.path + std::string("/x"), "evil", Replace::kFile).ok());
+    EXPECT_TRUE(folder_->AddLink(row.path, "x", Replace::kFile).ok());
+    EXPECT_EQ(folder_->Finish().size(), 1U);
+    EXPECT_EQ(Inside(), inside);
+  }
+  for (const char* path : {"own.ini.txt", "sub/new.ini", "to/y"})
+    EXPECT_TRUE(Extract(path, "1").ok()) << path;
+  // What appears between the look and the end.
+  ASSERT_TRUE(folder_->BeginFile("late", {}).ok());
+  fs::create_hard_link(At("own.ini"), At("late"));
+  EXPECT_EQ(folder_->CommitFile("late", {}, Replace::kFile).code, Code::kRefused);
+  // Below the folder to begin with.
+  ASSERT_TRUE(ExtractionFolder::Open(At("m/sub"), &folder_).ok());
+  folder_->Protect(entries);
+  EXPECT_EQ(folder_->MakeFolder("d", {}).code, Code::kRefused);
+}
+
 TEST_F(ExtractionFolderTest, LinksComeLastAndNothingIsWrittenThroughThem) {
   test::WriteFile(At("old"), "old");
   if (!test::MakeLink(outside_ / "victim", At("old link"))) GTEST_SKIP() << "no links can be made here";
