@@ -1,4 +1,5 @@
 // What is left when a disk fails, or somebody else does something, at any moment of an operation.
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
@@ -163,6 +164,14 @@ void RenameOver(const std::string& path, const std::string& bytes) {
   fs::rename(beside / "new", path);
 }
 
+// The path of a hidden temporary entry; empty when there is none.
+std::string HiddenIn(const std::string& folder) {
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    if (entry.path().filename().string().starts_with(kHidden)) return entry.path();
+  }
+  return "";
+}
+
 // What is there under any name, since hidden ones have letters by chance.
 std::multiset<std::string> ContentsOf(const std::string& folder) {
   std::multiset<std::string> contents;
@@ -241,7 +250,13 @@ TEST_F(DiskFailure, OnlyOnesOwnIsTakenBack) {
           DiskCall::kRename, 1, [&] { Append(changed); }, kHidden);
       disk.Before(row.call, row.nth, row.act, row.call == kAtPut ? kHidden : "");
       result = Move(row.name);
+      const auto hides = [](const std::string& call) {
+        return call.starts_with("rename") && call.find(kHidden) != std::string::npos;
+      };
+      // What is seen to be another's does not lose its name for a moment.
+      EXPECT_EQ(std::count_if(disk.calls().begin(), disk.calls().end(), hides) == 1, row.call == kAtSync);
     }
+    EXPECT_EQ(HiddenIn(destination_.path()), "");
     EXPECT_EQ(result.code, Code::kFailed);
     EXPECT_TRUE(result.reason.ends_with(row.reason)) << result.reason;
     EXPECT_EQ(ContentsOf(destination_.path()), row.left);
@@ -250,25 +265,46 @@ TEST_F(DiskFailure, OnlyOnesOwnIsTakenBack) {
   }
 }
 
-TEST_F(DiskFailure, OnlyTheFileThatWasAskedAboutIsReplaced) {
-  for (const bool comes_twice : {false, true}) {
+TEST_F(DiskFailure, OnlyTheFileThatWasAskedAboutIsReplacedAndRemoved) {
+  const auto put = [&](const char* bytes) {
+    return [this, bytes] { RenameOver(destination_ / "f", bytes); };
+  };
+  const struct {
+    const char* what;
+    std::function<void(FailingDisk&)> arrange;
+    Code code;
+    std::multiset<std::string> left;
+  } rows[] = {
+      {"another comes",
+       [&](FailingDisk& disk) { disk.Before(DiskCall::kRename, 1, put("his"), kHidden); },
+       Code::kExists,
+       {"his"}},
+      {"another comes, and one more",
+       [&](FailingDisk& disk) {
+         disk.Before(DiskCall::kRename, 1, put("his"), kHidden);
+         disk.Before(DiskCall::kRename, 2, put("hers"), kHidden);
+       },
+       Code::kExists,
+       {"his", "hers"}},
+      {"another comes where the old one is kept",
+       [&](FailingDisk& disk) {
+         const auto put_there = [&] { RenameOver(HiddenIn(destination_.path()), "his"); };
+         disk.Before(DiskCall::kUnlink, 1, put_there, source_.path());
+       },
+       Code::kOk,
+       {"file", "his"}},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
     Refill();
     WriteFile(destination_ / "f", "old");
     observer_.answers = {Answer::kYes};
-    Result result;
-    {
-      FailingDisk disk;
-      disk.Before(
-          DiskCall::kRename, 1, [&] { RenameOver(destination_ / "f", "his"); }, kHidden);
-      if (comes_twice)
-        disk.Before(
-            DiskCall::kRename, 2, [&] { RenameOver(destination_ / "f", "hers"); }, kHidden);
-      result = Move("f");
-    }
-    EXPECT_EQ(result.code, Code::kExists) << result.reason;
-    EXPECT_EQ(ReadFile(destination_ / "f"), "his");
-    EXPECT_EQ(ContentsOf(destination_.path()).count("hers"), comes_twice ? 1U : 0U);
-    EXPECT_EQ(ReadFile(source_ / "f"), "file");
+    FailingDisk disk;
+    row.arrange(disk);
+    const Result result = Move("f");
+    EXPECT_EQ(result.code, row.code) << result.reason;
+    EXPECT_EQ(ContentsOf(destination_.path()), row.left);
+    EXPECT_EQ(ContentsOf(source_.path()).count("file"), result.ok() ? 0U : 1U);
   }
 }
 
@@ -291,12 +327,12 @@ TEST_F(DiskFailure, ATornReadIsReadAgain) {
   std::this_thread::sleep_for(std::chrono::milliseconds(60));
   std::string bytes;
   FailingDisk disk;
-  disk.Before(DiskCall::kRead, 1, [&] { WriteFile(path, "[A]\n"); });
-  disk.Before(
-      DiskCall::kOpen, 2, [&] { WriteFile(path, "[A]\nID=0\n"); }, path);
+  const auto write = [&](const char* text) { return [&path, text] { WriteFile(path, text); }; };
+  disk.Before(DiskCall::kRead, 1, write("[B]\nID=1\n"));
+  disk.Before(DiskCall::kOpen, 2, write("[B]\nID=2\n"));
   const Result result = ReadSettledFile(path, &bytes);
   EXPECT_TRUE(result.ok()) << result.reason;
-  EXPECT_EQ(bytes, "[A]\nID=0\n");
+  EXPECT_EQ(bytes, "[B]\nID=2\n");
 }
 
 TEST_F(DiskFailure, SettingsAreTheOldOrTheNewOnes) {
