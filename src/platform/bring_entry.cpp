@@ -60,7 +60,7 @@ class StagedTransfer {
     if (result.ok() && transfer_.moving) result = CheckCanLeave();
     if (result.ok()) result = staged_.OpenItsFolder();
     if (result.ok()) result = Stage();
-    if (result.ok()) result = staged_.Put(replaced, transfer_.options.allow_undo);
+    if (result.ok()) result = staged_.Put(replaced, transfer_.options.allow_undo, transfer_.moving);
     return result.ok() && transfer_.moving ? Conclude() : result;
   }
 
@@ -128,7 +128,7 @@ class StagedTransfer {
     if (removed_any) {
       result.reason += "; the copy is complete, the rest of the source was left";
     } else if (const Result back = staged_.TakeBack(); !back.ok()) {
-      result.reason += "; the copy was left in place: " + back.reason;
+      result.reason += "; " + back.reason;
     }
     return result;
   }

@@ -57,6 +57,11 @@ inline bool IsUnchanged(const EntryStatus& before, const EntryStatus& now) {
          before.write_time == now.write_time && before.change_time == now.change_time;
 }
 
+// Is it the same entry with the same content, whatever has become of its name and of what else is known of it?
+inline bool IsSameContent(const EntryStatus& before, const EntryStatus& now) {
+  return IsSameEntry(before, now) && before.size == now.size && before.write_time == now.write_time;
+}
+
 inline Result SourceChanged(const std::string& path) {
   return Failure(Code::kFailed, path, "the source changed meanwhile");
 }

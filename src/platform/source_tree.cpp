@@ -12,7 +12,7 @@ namespace {
 bool MayBeRemoved(const EntryStatus& recorded, const EntryStatus& now) {
   if (recorded.is_folder()) return IsSameEntry(recorded, now);
   if (recorded.links == 1) return IsUnchanged(recorded, now);
-  return IsSameEntry(recorded, now) && recorded.size == now.size && recorded.write_time == now.write_time;
+  return IsSameContent(recorded, now);
 }
 
 Result OfRemoval(Result result) {
@@ -72,6 +72,17 @@ Result SourceTree::AddChild(const Transfer& transfer, const OpenFolder& folder, 
   }
   return status.is_file() || status.is_folder() ? Success()
                                                 : CheckCopyable(status, Path(entries_.size() - 1));
+}
+
+Result SourceTree::Follow(const std::string& top) {
+  TreeEntry& first = entries_.front();
+  EntryStatus now;
+  Result result = ReadStatus(top, &now);
+  if (result.ok() && !IsSameContent(first.status, now)) result = SourceChanged(top);
+  if (!result.ok()) return result;
+  first.name = top;
+  first.status = now;
+  return result;
 }
 
 Result SourceTree::CheckUnchanged(Transfer& transfer) const {

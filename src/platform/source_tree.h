@@ -24,6 +24,9 @@ class SourceTree {
   // Reads the tree. Refuses what cannot be copied or, for a move, could not be removed afterwards.
   Result Scan(Transfer& transfer, const std::string& top, const EntryStatus& status);
 
+  // The top has been renamed to `top`, which changes what is known of it. Fails when it is not there.
+  Result Follow(const std::string& top);
+
   // Fails when anything was added, removed or changed since.
   Result CheckUnchanged(Transfer& transfer) const;
 

@@ -9,8 +9,11 @@ StagedEntry::StagedEntry(const std::string& destination)
     : destination_(destination), path_(TemporaryPath(destination)), name_(NameOf(path_)) {}
 
 void StagedEntry::Clear() {
+  EntryStatus now;
+  const bool is_foreign =
+      under_path_ == Under::kReplacedFile && folder_.StatusOf(name_, &now).ok() && now.id != replaced_;
   if (under_path_ == Under::kNewEntry) DiscardTree(folder_, name_);
-  if (under_path_ == Under::kReplacedFile) (void)folder_.Remove(name_);
+  if (under_path_ == Under::kReplacedFile && !is_foreign) (void)folder_.Remove(name_);
 }
 
 Result StagedEntry::OpenItsFolder() {
@@ -40,7 +43,23 @@ Result StagedEntry::MakeFolder() {
   return Made(folder_.MakeFolder(name_, {.is_private = true, .is_hidden = true}));
 }
 
-Result StagedEntry::Put(const EntryStatus* replaced, bool to_trash) {
+Result StagedEntry::Put(const EntryStatus* replaced, bool to_trash, bool perhaps_taken_back) {
+  Result result = Record(perhaps_taken_back);
+  if (result.ok()) result = Rename(replaced, to_trash);
+  // When it is not there any more, it cannot be taken back either, and that is found then.
+  if (result.ok() && placed_.is_folder() && perhaps_taken_back) (void)placed_tree_.Follow(destination_);
+  return result;
+}
+
+Result StagedEntry::Record(bool with_all_it_holds) {
+  Result result = folder_.StatusOf(name_, &placed_);
+  if (result.ok() && placed_.is_folder() && with_all_it_holds)
+    result = placed_tree_.Scan(alone_, path_, placed_);
+  if (!result.ok()) result.path = destination_;
+  return result;
+}
+
+Result StagedEntry::Rename(const EntryStatus* replaced, bool to_trash) {
   if (replaced != nullptr && !to_trash) return Swap(*replaced);
   Result result;
   if (replaced != nullptr) {
@@ -60,14 +79,17 @@ Result StagedEntry::Swap(const EntryStatus& replaced) {
     EntryStatus old;
     if (ReadStatus(path_, &old).ok() && IsSameEntry(old, replaced)) {
       under_path_ = Under::kReplacedFile;
+      replaced_ = replaced.id;
       return Success();
     }
-    error = ExchangeNames(path_, destination_);
-    if (error != 0)
-      under_path_ = Under::kNothing;  // better a strange name than a file that nobody said to remove
-    return AppearedMeanwhile(destination_);
+    Result result = AppearedMeanwhile(destination_);
+    if (ExchangeNames(path_, destination_) != 0 || !IsPlaced(path_)) KeepUnderPath(&result);
+    return result;
   }
   if (!MeansUnsupported(error)) return SystemFailure(error, destination_);
+  EntryStatus now;
+  if (!ReadStatus(destination_, &now).ok() || !IsSameEntry(now, replaced))
+    return AppearedMeanwhile(destination_);
   error = RenameReplacing(path_, destination_);
   if (error != 0) return SystemFailure(error, destination_);
   under_path_ = Under::kNothing;
@@ -75,13 +97,62 @@ Result StagedEntry::Swap(const EntryStatus& replaced) {
   return Success();
 }
 
+bool StagedEntry::IsPlaced(const std::string& path) const {
+  EntryStatus now;
+  return ReadStatus(path, &now).ok() && IsSameContent(placed_, now);
+}
+
+Result StagedEntry::CheckPlaced() {
+  if (IsPlaced(destination_) && (!placed_.is_folder() || placed_tree_.CheckUnchanged(alone_).ok()))
+    return Success();
+  return Failure(Code::kFailed, destination_, "it has been changed since");
+}
+
 Result StagedEntry::TakeBack() {
-  if (is_old_lost_) return Failure(Code::kFailed, destination_, "the file that it replaced is gone");
-  const int error = under_path_ == Under::kReplacedFile ? ExchangeNames(path_, destination_)
-                                                        : RenameWithoutReplacing(destination_, path_);
-  if (error != 0) return SystemFailure(error, destination_);
-  under_path_ = Under::kNewEntry;
-  return trashed_.original.empty() ? Success() : RestoreTrashed(trashed_);
+  Result result = is_old_lost_ ? Failure(Code::kFailed, destination_, "the file that it replaced is gone")
+                               : CheckPlaced();
+  if (result.ok()) result = Withdraw();
+  if (!result.ok()) {
+    result.reason = "the copy was left in place: " + result.reason;
+    return result;
+  }
+  if (placed_.is_folder()) return RemoveTaken();
+  if (trashed_.original.empty() || RestoreTrashed(trashed_).ok()) return result;
+  return Failure(Code::kFailed, destination_, "the file that was there is in the trash");
+}
+
+// Back to the temporary name, and looked at there: between the look before and the rename somebody else may
+// have put something in the place, which gets its name back.
+Result StagedEntry::Withdraw() {
+  const bool exchanges = under_path_ == Under::kReplacedFile;
+  const auto rename = [&](const std::string& from, const std::string& to) {
+    return exchanges ? ExchangeNames(from, to) : RenameWithoutReplacing(from, to);
+  };
+  if (const int error = rename(destination_, path_); error != 0) return SystemFailure(error, destination_);
+  if (IsPlaced(path_)) {
+    under_path_ = Under::kNewEntry;
+    return Success();
+  }
+  Result result = Failure(Code::kFailed, destination_, "it has been changed since");
+  if (rename(path_, destination_) != 0) KeepUnderPath(&result);
+  return result;
+}
+
+// Better a strange name than a file removed that nobody said to remove.
+void StagedEntry::KeepUnderPath(Result* result) {
+  under_path_ = Under::kNothing;
+  result->reason += "; what was there has the name " + name_ + " now";
+}
+
+// What somebody else has put into the folder at the last moment gets the place back where it was put.
+Result StagedEntry::RemoveTaken() {
+  bool removed_any = false;
+  Result result = placed_tree_.Follow(path_);
+  if (result.ok()) result = placed_tree_.Remove(alone_, &removed_any);
+  under_path_ = Under::kNothing;
+  if (result.ok()) return result;
+  (void)RenameWithoutReplacing(path_, destination_);
+  return Failure(Code::kFailed, destination_, "what others have put into it was left");
 }
 
 Result ReplaceThroughTrash(const std::string& from, const std::string& to, TrashedEntry* trashed) {

@@ -5,7 +5,9 @@
 
 #include "platform/open_folder.h"
 #include "platform/result.h"
+#include "platform/source_tree.h"
 #include "platform/system_handle.h"
+#include "platform/transfer.h"
 #include "platform/trash.h"
 #include "platform/undone_at_exit.h"
 
@@ -33,19 +35,34 @@ class StagedEntry final : private UndoneAtExit {
   Result MakeFolder();
 
   // Gives the complete entry its final name. With `replaced` it takes the place of that existing file, which
-  // goes to the trash or is kept aside until this object goes; otherwise the name must be free.
-  Result Put(const EntryStatus* replaced, bool to_trash);
+  // goes to the trash or is kept aside until this object goes; otherwise the name must be free. What is to be
+  // taken back perhaps is remembered with all it holds.
+  Result Put(const EntryStatus* replaced, bool to_trash, bool perhaps_taken_back);
 
-  // Makes Put undone: what was replaced is back, and the new entry under its temporary name again.
+  // Makes Put undone: the new entry is gone, and what it replaced is back. Removes nothing but what was put,
+  // as it was put: when anything about it has changed, it stays. The reason of a failure says what is where.
   Result TakeBack();
 
  private:
   enum class Under { kNothing, kNewEntry, kReplacedFile };
 
+  // What is recorded of what was made here is read and removed without a question.
+  class Nobody final : public FileOperationObserver {
+    bool OnProgress(const FileProgress&) override { return true; }
+    Answer OnOverwrite(const FileVersion&, const FileVersion&) override { return Answer::kNo; }
+  };
+
   void Clear();
   void UndoAtExit() override { Clear(); }
   Result Made(Result result);
+  Result Record(bool with_all_it_holds);
+  Result Rename(const EntryStatus* replaced, bool to_trash);
   Result Swap(const EntryStatus& replaced);
+  Result CheckPlaced();
+  bool IsPlaced(const std::string& path) const;
+  Result Withdraw();
+  void KeepUnderPath(Result* result);
+  Result RemoveTaken();
 
   const std::string destination_;
   const std::string path_;
@@ -54,6 +71,12 @@ class StagedEntry final : private UndoneAtExit {
   Under under_path_ = Under::kNothing;
   bool is_old_lost_ = false;
   TrashedEntry trashed_;
+  EntryStatus placed_;
+  SourceTree placed_tree_;  // of a folder
+  EntryId replaced_;
+  Nobody nobody_;
+  const FileOperationOptions options_;
+  Transfer alone_{false, options_, &nobody_};
 };
 
 // Renames onto an existing file that goes to the trash, or stays if the rename fails.

@@ -12,7 +12,7 @@
 
 #include "platform/descriptor_posix.h"
 #include "platform/entry_names.h"
-#include "platform/entry_status.h"
+#include "platform/entry_status_posix.h"
 #include "platform/renaming.h"
 
 namespace quendle::platform {
@@ -152,6 +152,7 @@ Result TrashEntry(const std::string& path, TrashedEntry* trashed) {
     trashed->file = number == 1 ? plain : NumberedPath(plain, number, S_ISDIR(status.st_mode));
     trashed->info = trash.folder + "/info/" + NameOf(trashed->file) + ".trashinfo";
     trashed->original = path;
+    trashed->id = StatusFrom(status).id;
     int error = WriteNewFile(trashed->info, info_text);
     if (error == EEXIST) continue;
     if (error != 0) return SystemFailure(error, trashed->info);
@@ -163,6 +164,11 @@ Result TrashEntry(const std::string& path, TrashedEntry* trashed) {
 }
 
 Result RestoreTrashed(const TrashedEntry& trashed) {
+  EntryStatus now;
+  Result result = ReadStatus(trashed.file, &now);
+  if (result.ok() && now.id != trashed.id)
+    result = Failure(Code::kFailed, trashed.file, "something else has taken its place");
+  if (!result.ok()) return result;
   const int error = RenameWithoutReplacing(trashed.file, trashed.original);
   if (error != 0) return SystemFailure(error, trashed.original);
   unlink(trashed.info.c_str());

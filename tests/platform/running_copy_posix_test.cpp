@@ -1,9 +1,11 @@
 #include "platform/running_copy.h"
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/file.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,6 +15,20 @@
 #include "platform/descriptor_posix.h"
 #include "support/scoped_variable.h"
 #include "support/temp_folder.h"
+
+namespace {
+
+bool g_peer_is_another_user = false;
+
+}  // namespace
+
+// In a program it comes before that of the C library.
+extern "C" int getsockopt(int socket, int level, int name, void* value, socklen_t* size) noexcept {
+  static const auto next = reinterpret_cast<decltype(&getsockopt)>(dlsym(RTLD_NEXT, "getsockopt"));
+  const int outcome = next(socket, level, name, value, size);
+  if (g_peer_is_another_user && name == SO_PEERCRED) ++static_cast<ucred*>(value)->uid;
+  return outcome;
+}
 
 namespace quendle::platform {
 namespace {
@@ -92,6 +108,10 @@ GTEST_TEST(RunningCopyPosix, ProcessesMeetBySockets) {
     EXPECT_FALSE(IsReadable(*copy) || copy->TakeRequest());
     EXPECT_TRUE(OtherProcess("kez").is_first);
     EXPECT_FALSE(copy->TakeRequest());
+    EXPECT_FALSE(OtherProcess("key").is_first);
+    g_peer_is_another_user = true;
+    EXPECT_FALSE(copy->TakeRequest());
+    g_peer_is_another_user = false;
   }
 }
 

@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -6,6 +7,7 @@
 #include <unistd.h>
 
 #include "platform/file_operation.h"
+#include "support/failing_disk_posix.h"
 #include "support/file_systems.h"
 #include "support/rights_posix.h"
 #include "support/scripted_observer.h"
@@ -130,6 +132,33 @@ TEST_F(Trash, TakesWhatIsReplaced) {
     EXPECT_EQ(ReadFile(folder_ / "old"), "new");
     EXPECT_EQ(ReadFile(InTrash(is_copy ? "files/old (2)" : "files/old")),
               is_copy ? "copied over" : "moved over");
+  }
+}
+
+TEST_F(Trash, BringsBackOnlyWhatWentThere) {
+  observer_.answers = {FileOperationObserver::Answer::kYes};
+  for (const bool is_exchanged : {false, true}) {
+    SCOPED_TRACE(is_exchanged);
+    WriteFile(folder_ / "new", "new");
+    WriteFile(folder_ / "old", "old");
+    Result result;
+    {
+      test::FailingDisk disk;
+      const auto exchange = [&] {  // the trash is emptied, and something else goes there
+        if (is_exchanged) WriteFile(InTrash("other"), "other");
+        if (is_exchanged) fs::rename(InTrash("other"), InTrash("files/old"));
+      };
+      disk.Before(test::DiskCall::kRename, 3, exchange);
+      disk.Fail(test::DiskCall::kRename, 3, EIO);
+      result = MoveEntry(folder_ / "new", folder_ / "old", {.allow_undo = true}, &observer_);
+    }
+    EXPECT_EQ(result.code, Code::kFailed);
+    EXPECT_EQ(result.reason.ends_with("; the file that was there is in the trash"), is_exchanged)
+        << result.reason;
+    EXPECT_EQ(ReadFile(folder_ / "new"), "new");
+    EXPECT_EQ(ReadFile(is_exchanged ? InTrash("files/old") : folder_ / "old"),
+              is_exchanged ? "other" : "old");
+    EXPECT_EQ(fs::exists(InTrash("info/old.trashinfo")), is_exchanged);
   }
 }
 
