@@ -15,12 +15,16 @@ std::vector<std::string> TakenPaths(const Options& options) {
     path = PlainPath(path);
     if (FolderExists(path)) path = RemoveBackslashes(path);
   }
-  if (!IsWindowed(options) || paths.size() <= kMostPaths) return paths;
-  for (std::size_t i = kMostPaths; i < paths.size(); ++i) {
-    TerminalUser::Warn(ForDisplay(paths[i]) + ": left out, since only ten paths are taken without --batch");
+  for (const std::string& path : SurplusPaths(options)) {
+    TerminalUser::Warn(ForDisplay(path) + ": left out, since only ten paths are taken without --batch");
   }
-  paths.resize(kMostPaths);
+  if (IsWindowed(options) && paths.size() > kMostPaths) paths.resize(kMostPaths);
   return paths;
+}
+
+std::vector<std::string> SurplusPaths(const Options& options) {
+  if (!IsWindowed(options) || options.paths.size() <= kMostPaths) return {};
+  return {options.paths.begin() + kMostPaths, options.paths.end()};
 }
 
 bool ReadPassword(const std::string& file, std::optional<std::string>* password) {

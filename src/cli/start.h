@@ -13,6 +13,8 @@ namespace quendle {
 // The paths as they are taken: the separators that a shell puts behind the name of a folder are no part of it. A run with
 // windows takes ten; the others are named so that nobody believes them done.
 std::vector<std::string> TakenPaths(const Options& options);
+// Those others.
+std::vector<std::string> SurplusPaths(const Options& options);
 
 inline bool IsWindowed(const Options& options) {
   return !options.batch && !options.dry_run;

@@ -12,6 +12,7 @@
 #include "cli/unattended.h"
 #include "core/action_form.h"
 #include "core/modMain.h"
+#include "core/untold_paths.h"
 #include "platform/keyboard.h"
 #include "platform/paths.h"
 #include "platform/process.h"
@@ -30,7 +31,7 @@ bool BecomeFirst(const Options& options, const SettingsFolders& folders,
                  std::unique_ptr<platform::RunningCopy>* copy) {
   // However its path is written, a folder with settings is one.
   const std::string key = platform::WithRealFolder(AddBackslash(folders.application));
-  const platform::Result claim = platform::RunningCopy::Claim(key, copy);
+  const platform::Result claim = platform::RunningCopy::Claim(key, options.paths, copy);
   if (!claim.ok()) {
     TerminalUser::Warn(claim.path + ": whether another copy is running cannot be found out: " + claim.reason);
     return true;
@@ -44,6 +45,19 @@ bool BecomeFirst(const Options& options, const SettingsFolders& folders,
 bool WantsForm(const Options& options, const Globals& globals) {
   const auto ctrl_is_down = [] { return platform::IsKeyDown(platform::Key::kControl); };
   return options.confirm || WantsConfirmation(*globals.g_PropDefault, ctrl_is_down);
+}
+
+// Whoever has dropped files on an icon does not see the terminal. More of them may come while the message is there.
+void TellUntold(UntoldPaths untold, platform::RunningCopy* copy, LazyWindows* windows) {
+  while (!platform::InterruptRequested()) {
+    if (copy != nullptr) {
+      (void)copy->TakeRequest();
+      untold.left = copy->TakeLeftPaths();
+    }
+    if (untold.IsEmpty() || windows->Get() == nullptr) return;
+    windows->ShowMessage(UserInterface::MessageKind::kExclamation, MessageOf(untold));
+    untold = {};
+  }
 }
 
 // True when every path was done.
@@ -60,7 +74,7 @@ bool WorkThrough(ActionForm* form, LazyWindows* windows) {
 }
 
 // Works through the paths of the dispatcher.
-int RunPaths(const Options& options, Globals* globals, LazyWindows* windows) {
+int RunPaths(const Options& options, Globals* globals, platform::RunningCopy* copy, LazyWindows* windows) {
   clsMover& mover = *globals->g_Mover;
   std::optional<std::string> profile;
   if (options.profile && !(profile = mover.FindTitle(*options.profile))) {
@@ -72,6 +86,7 @@ int RunPaths(const Options& options, Globals* globals, LazyWindows* windows) {
   const bool all_done = WorkThrough(&form, windows);
   for (const std::string& problem : mover.LibraryProblems()) TerminalUser::Warn(ForDisplay(problem));
   for (const std::string& problem : mover.ProfileProblems(false)) TerminalUser::Warn(ForDisplay(problem));
+  TellUntold({form.Missing(), SurplusPaths(options), {}}, copy, windows);
   return all_done ? kExitDone : kExitUndone;
 }
 
@@ -83,7 +98,7 @@ int RunList(LazyWindows* windows) {
   return kExitDone;
 }
 
-int Run(const Options& options, const SettingsFolders& folders, const platform::RunningCopy* copy,
+int Run(const Options& options, const SettingsFolders& folders, platform::RunningCopy* copy,
         const std::optional<std::string>& password) {
   TerminalUser terminal(platform::ErrorStreamColumns(), password);
   Globals* made = nullptr;
@@ -94,7 +109,7 @@ int Run(const Options& options, const SettingsFolders& folders, const platform::
     // The list of profiles outlives a run that goes wrong.
     try {
       const RunScope run(*made, TakenPaths(dropped));
-      if (RunPaths(dropped, made, all_windows) == kExitUsage) {
+      if (RunPaths(dropped, made, copy, all_windows) == kExitUsage) {
         all_windows->ShowMessage(UserInterface::MessageKind::kCritical,
                                  LoadText(kNoSuchProfile, {ForDisplay(*options.profile)}));
       }
@@ -116,7 +131,7 @@ int Run(const Options& options, const SettingsFolders& folders, const platform::
   int status = kExitUndone;
   try {
     for (const std::string& warning : SettingsWarnings(globals)) TerminalUser::Warn(ForDisplay(warning));
-    status = paths.empty() ? RunList(&windows) : RunPaths(options, &globals, &windows);
+    status = paths.empty() ? RunList(&windows) : RunPaths(options, &globals, copy, &windows);
     if (paths.size() < options.paths.size() && status == kExitDone) status = kExitUndone;
   } catch (const std::exception& fault) {
     TerminalUser::Warn(fault.what());

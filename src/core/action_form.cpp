@@ -72,7 +72,11 @@ bool ActionForm::Fill() {
   const std::string& path = environment_.mover.ORIGINALPATH;
   if (!found.ok()) {
     NoteUndone(path, found.reason);
-    if (!IsMissing(found)) Refuse(path, InJapanese(found.reason));
+    if (IsMissing(found)) {
+      missing_.push_back(path);
+    } else {
+      Refuse(path, InJapanese(found.reason));
+    }
     return false;
   }
   if (const platform::Result read = environment_.mover.SetItemDataToArray(); !read.ok()) {

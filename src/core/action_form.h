@@ -71,6 +71,8 @@ class ActionForm {
   // The paths of the run that were not done: missing, failed, skipped, or never begun. As ForDisplay shows them, each
   // with the reason behind ": ".
   const std::vector<std::string>& Undone() const { return undone_; }
+  // Those of them that could not be found, of which nobody has been told through `user`. As they were given.
+  const std::vector<std::string>& Missing() const { return missing_; }
 
   // Each changes the state of the dispatcher and the view with it. Values outside the view's range are programming
   // errors.
@@ -140,6 +142,7 @@ class ActionForm {
   bool asks_ = false;  // the user is to settle the current path
   ActionView view_;
   std::vector<std::string> undone_;
+  std::vector<std::string> missing_;
 };
 
 }  // namespace quendle

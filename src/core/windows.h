@@ -36,7 +36,7 @@ class Windows {
 
 struct WindowsHost {
   Globals& globals;                     // outlive the windows
-  const platform::RunningCopy* copy;    // may be null: nobody can ask for the windows then
+  platform::RunningCopy* copy;          // may be null: nobody can ask for the windows then
   bool (*interrupt_requested)();        // the user wants the process to stop
   std::intptr_t interrupt_handle;       // becomes readable then; -1: there is none
   std::optional<std::string> password;  // the first to be tried for archives

@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/socket.h>
 #include <xcb/xcb.h>
 
 #include <cerrno>
@@ -105,7 +106,7 @@ bool AnswersOnWayland() {
     path.insert(0, folder + "/");
   }
   const Descriptor folder(open(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  const Descriptor connection = MakeLocalSocket();
+  const Descriptor connection = MakeLocalSocket(SOCK_STREAM);
   if (!folder.ok() || !connection.ok()) return false;
   const int error = ConnectSocket(connection.get(), folder.get(), NameOf(path));
   return error == 0 || error == EAGAIN;  // a full queue is a busy display

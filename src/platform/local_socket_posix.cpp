@@ -31,8 +31,8 @@ int AtAddress(Call call, int socket, int folder, const std::string& name) {
 
 }  // namespace
 
-Descriptor MakeLocalSocket() {
-  return Descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+Descriptor MakeLocalSocket(int type) {
+  return Descriptor(socket(AF_UNIX, type | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
 }
 
 int BindSocket(int socket, int folder, const std::string& name) {

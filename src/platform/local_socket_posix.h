@@ -7,8 +7,8 @@
 
 namespace quendle::platform {
 
-// A stream socket that never waits and is not handed on to other programs.
-Descriptor MakeLocalSocket();
+// A socket of that type (SOCK_STREAM ...) that never waits and is not handed on to other programs.
+Descriptor MakeLocalSocket(int type);
 
 // Names a socket `name` in the open folder, which may lie deeper than the 107 bytes that the address of a
 // socket holds; or connects it to the one of that name. 0 or an errno.

@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "platform/left_paths.h"
 #include "platform/result.h"
 
 namespace quendle::platform {
@@ -20,10 +22,11 @@ namespace quendle::platform {
 class RunningCopy {
  public:
   // True with `*copy` set: this is the first one. True with null: another one is running; it has been asked to show its
-  // window. A failure means that nobody can tell. Windows: a window of it that is there has also been brought to the
+  // window, and told of `paths`, which are done by nobody. A failure means that nobody can tell. Windows: a window of it that is there has also been brought to the
   // front, restored if it was an icon, which only a program that the user has just started may do; and when the system
   // lets no request through because the other one runs with more rights, that is a failure.
-  static Result Claim(const std::string& key, std::unique_ptr<RunningCopy>* copy);
+  static Result Claim(const std::string& key, const std::vector<std::string>& paths,
+                      std::unique_ptr<RunningCopy>* copy);
   ~RunningCopy();
   RunningCopy(const RunningCopy&) = delete;
   RunningCopy& operator=(const RunningCopy&) = delete;
@@ -33,7 +36,10 @@ class RunningCopy {
   std::intptr_t WaitHandle() const;
 
   // Has another copy asked since the last call? Never waits. Requests are taken only from processes of the same user.
-  bool TakeRequest() const;
+  bool TakeRequest();
+
+  // What the copies whose requests were taken were started with, since the last call.
+  LeftPaths TakeLeftPaths();
 
  private:
   struct State;

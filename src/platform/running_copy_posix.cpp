@@ -1,11 +1,13 @@
 #include "platform/running_copy.h"
 
 #include <fcntl.h>
+#include <sys/epoll.h>
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <thread>
@@ -21,7 +23,9 @@ namespace {
 
 constexpr std::chrono::milliseconds kPatience{1000};  // with a first copy that is just beginning or ending
 constexpr std::chrono::milliseconds kBetweenTries{10};
-constexpr int kWaitingRequests = 16;
+constexpr int kWaitingRequests = 128;
+constexpr std::size_t kSilentConnections = 128;  // that are kept
+constexpr std::size_t kMessageSize = 65536;
 
 // Opens a folder that nobody but this user can put anything into.
 Result OpenPrivateFolder(const std::string& path, Descriptor* folder) {
@@ -66,6 +70,9 @@ struct RunningCopy::State {
   Descriptor folder;
   Descriptor lock;
   Descriptor socket;
+  Descriptor events;                    // readable when the socket or a connection is
+  std::vector<Descriptor> connections;  // of copies that have said nothing yet
+  LeftPaths left_paths;
   bool is_first = false;
 
   ~State() {
@@ -97,8 +104,9 @@ struct RunningCopy::State {
     if (unlinkat(folder.get(), SocketName().c_str(), 0) != 0 && errno != ENOENT) {
       return LastSystemFailure(Shown(".socket"));
     }
-    Descriptor made = MakeLocalSocket();
-    if (!made.ok()) return LastSystemFailure(Shown(".socket"));
+    Descriptor made = MakeLocalSocket(SOCK_SEQPACKET);
+    events = Descriptor(epoll_create1(EPOLL_CLOEXEC));
+    if (!made.ok() || !events.ok() || !Watch(made)) return LastSystemFailure(Shown(".socket"));
     if (const int error = BindSocket(made.get(), folder.get(), SocketName()); error != 0) {
       return SystemFailure(error, Shown(".socket"));
     }
@@ -106,57 +114,91 @@ struct RunningCopy::State {
     return listen(socket.get(), kWaitingRequests) == 0 ? Success() : LastSystemFailure(Shown(".socket"));
   }
 
+  bool Watch(const Descriptor& watched) const {
+    epoll_event event = {};
+    event.events = EPOLLIN;
+    return epoll_ctl(events.get(), EPOLL_CTL_ADD, watched.get(), &event) == 0;
+  }
+
   // The connection itself is the request. Sets `*asked`; not when nobody listens (yet, or any more).
-  Result Ask(bool* asked) const {
-    const Descriptor connection = MakeLocalSocket();
+  Result Ask(const std::vector<std::string>& paths, bool* asked) const {
+    const Descriptor connection = MakeLocalSocket(SOCK_SEQPACKET);
     if (!connection.ok()) return LastSystemFailure(Shown(".socket"));
     const int error = ConnectSocket(connection.get(), folder.get(), SocketName());
     *asked = error == 0 || error == EAGAIN;  // a full queue: it has been asked, and has not looked yet
+    if (error == 0) {
+      // One that ends at this moment reads it no more, and brings no window to the front either.
+      const std::string message = PackPaths(paths, kMessageSize);
+      (void)!send(connection.get(), message.data(), message.size(), MSG_NOSIGNAL);
+    }
     if (*asked || error == ENOENT || error == ECONNREFUSED || error == EINTR) return Success();
     return SystemFailure(error, Shown(".socket"));
   }
 
   // Becomes the first copy or asks it.
-  Result Settle() {
+  Result Settle(const std::vector<std::string>& paths) {
     const auto end = std::chrono::steady_clock::now() + kPatience;
     while (true) {
       if (Result tried = TryLock(); !tried.ok()) return tried;
       if (is_first) return Listen();
       bool asked = false;
-      if (Result result = Ask(&asked); !result.ok() || asked) return result;
+      if (Result result = Ask(paths, &asked); !result.ok() || asked) return result;
       if (std::chrono::steady_clock::now() >= end) break;
       std::this_thread::sleep_for(kBetweenTries);
     }
     return Failure(Code::kFailed, Shown(".socket"), "another copy is running, but does not listen");
+  }
+
+  // True when there was a request of the same user.
+  bool Accept() {
+    bool is_asked = false;
+    while (true) {
+      Descriptor request(accept4(socket.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+      if (!request.ok() && errno != EINTR && errno != ECONNABORTED) return is_asked;
+      if (!request.ok() || !IsSameUser(request.get())) continue;
+      is_asked = true;
+      if (connections.size() < kSilentConnections && Watch(request))
+        connections.push_back(std::move(request));
+    }
+  }
+
+  // A copy says one thing, which may come a moment after its request.
+  void Hear() {
+    std::string message(kMessageSize, '\0');
+    std::erase_if(connections, [&](const Descriptor& connection) {
+      const ssize_t size = Retried([&] { return recv(connection.get(), message.data(), message.size(), 0); });
+      if (size < 0 && errno == EAGAIN) return false;
+      if (size > 0) left_paths.Add(UnpackPaths({message.data(), static_cast<std::size_t>(size)}));
+      return true;
+    });
   }
 };
 
 RunningCopy::RunningCopy(std::unique_ptr<State> state) : state_(std::move(state)) {}
 RunningCopy::~RunningCopy() = default;
 
-Result RunningCopy::Claim(const std::string& key, std::unique_ptr<RunningCopy>* copy) {
+Result RunningCopy::Claim(const std::string& key, const std::vector<std::string>& paths,
+                          std::unique_ptr<RunningCopy>* copy) {
   copy->reset();
   auto state = std::make_unique<State>();
   Result result = state->Open(key);
-  if (result.ok()) result = state->Settle();
+  if (result.ok()) result = state->Settle(paths);
   if (result.ok() && state->is_first) copy->reset(new RunningCopy(std::move(state)));
   return result;
 }
 
 std::intptr_t RunningCopy::WaitHandle() const {
-  return state_->socket.get();
+  return state_->events.get();
 }
 
-bool RunningCopy::TakeRequest() const {
-  bool is_asked = false;
-  while (true) {
-    const Descriptor request(accept4(state_->socket.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
-    if (request.ok()) {
-      is_asked = IsSameUser(request.get()) || is_asked;
-    } else if (errno != EINTR && errno != ECONNABORTED) {
-      return is_asked;
-    }
-  }
+bool RunningCopy::TakeRequest() {
+  const bool is_asked = state_->Accept();
+  state_->Hear();
+  return is_asked;
+}
+
+LeftPaths RunningCopy::TakeLeftPaths() {
+  return std::exchange(state_->left_paths, {});
 }
 
 }  // namespace quendle::platform

@@ -1,5 +1,6 @@
 #include "platform/running_copy.h"
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -27,32 +28,68 @@ std::string MeetingName(const std::string& key) {
   return "Local\\quendle-" + HashText(UserIdentity() + "/" + key);
 }
 
-std::wstring ProcessName(const std::string& name) {
-  return WideFromText(name + "-process");
-}
+// Memory under a name in which the first copy says which process it is, and the others what they leave.
+struct Board {
+  static constexpr DWORD kRoom = 65536;
 
-// A few bytes under a name in which the first copy says which process it is.
-Handle TellProcess(const std::string& name) {
-  Handle section(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(DWORD),
-                                    ProcessName(name).c_str()));
-  if (!section.ok()) return section;
-  if (void* view = MapViewOfFile(section.get(), FILE_MAP_WRITE, 0, 0, sizeof(DWORD))) {
-    *static_cast<DWORD*>(view) = GetCurrentProcessId();
-    UnmapViewOfFile(view);
+  DWORD process;  // 0 when it has not said it yet
+  DWORD used;     // of the messages, which are only touched under the lock
+  char messages[kRoom];
+};
+
+// Whoever comes first makes it, so that it is there before anybody can ask.
+class SharedBoard {
+ public:
+  explicit SharedBoard(const std::string& name)
+      : section_(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(Board),
+                                    WideFromText(name + "-board").c_str())),
+        lock_(CreateMutexW(nullptr, FALSE, WideFromText(name + "-lock").c_str())) {
+    if (section_.ok())
+      board_ = static_cast<Board*>(MapViewOfFile(section_.get(), FILE_MAP_WRITE, 0, 0, sizeof(Board)));
   }
-  return section;
-}
+  ~SharedBoard() {
+    if (board_ != nullptr) UnmapViewOfFile(board_);
+  }
+  SharedBoard(const SharedBoard&) = delete;
+  SharedBoard& operator=(const SharedBoard&) = delete;
 
-// 0 when it has not said it yet.
-DWORD ProcessOfFirst(const std::string& name) {
-  const Handle section(OpenFileMappingW(FILE_MAP_READ, FALSE, ProcessName(name).c_str()));
-  if (!section.ok()) return 0;
-  const void* view = MapViewOfFile(section.get(), FILE_MAP_READ, 0, 0, sizeof(DWORD));
-  if (view == nullptr) return 0;
-  const DWORD process = *static_cast<const DWORD*>(view);
-  UnmapViewOfFile(view);
-  return process;
-}
+  void TellProcess() {
+    if (board_ != nullptr) board_->process = GetCurrentProcessId();
+  }
+  DWORD Process() const { return board_ == nullptr ? 0 : board_->process; }
+
+  void Put(const std::vector<std::string>& paths) {
+    Locked([&paths](Board* board) {
+      const DWORD used = std::min(board->used, Board::kRoom);
+      const std::string message = PackPaths(paths, Board::kRoom - used);
+      std::copy(message.begin(), message.end(), board->messages + used);
+      board->used = used + static_cast<DWORD>(message.size());
+    });
+  }
+  LeftPaths Take() {
+    LeftPaths paths;
+    Locked([&paths](Board* board) {
+      paths = UnpackPaths({board->messages, std::min(board->used, Board::kRoom)});
+      board->used = 0;
+    });
+    return paths;
+  }
+
+ private:
+  template <typename Action>
+  void Locked(Action action) {
+    constexpr DWORD kPatience = 1000;  // milliseconds, with a copy that has been suspended
+    if (board_ == nullptr || !lock_.ok()) return;
+    const DWORD waited = WaitForSingleObject(lock_.get(), kPatience);
+    if (waited != WAIT_OBJECT_0 && waited != WAIT_ABANDONED) return;
+    action(board_);
+    ReleaseMutex(lock_.get());
+  }
+
+  Handle section_;
+  Handle lock_;
+  Board* board_ = nullptr;
+};
 
 struct WindowSearch {
   DWORD process;
@@ -86,32 +123,37 @@ void BringToFront(DWORD process) {
 
 // Who has made the event is the first copy, and the system forgets it with the process. Being set is the request.
 struct RunningCopy::State {
+  explicit State(const std::string& name) : board(name) {}
+
+  SharedBoard board;
   Handle request;
-  Handle process;
 };
 
 RunningCopy::RunningCopy(std::unique_ptr<State> state) : state_(std::move(state)) {}
 RunningCopy::~RunningCopy() = default;
 
-Result RunningCopy::Claim(const std::string& key, std::unique_ptr<RunningCopy>* copy) {
+Result RunningCopy::Claim(const std::string& key, const std::vector<std::string>& paths,
+                          std::unique_ptr<RunningCopy>* copy) {
   copy->reset();
   const std::string name = MeetingName(key);
+  auto state = std::make_unique<State>(name);
   Handle request(CreateEventW(nullptr, TRUE, FALSE, WideFromText(name).c_str()));
   const DWORD error = GetLastError();
-  if (!request.ok()) {
+  state->request = std::move(request);
+  if (!state->request.ok()) {
     if (error != ERROR_ACCESS_DENIED) return SystemFailure(static_cast<int>(error), name);
     return Failure(Code::kDenied, name, "another copy is running, but with other rights");
   }
   if (error != ERROR_ALREADY_EXISTS) {
-    auto state = std::make_unique<State>();
-    state->request = std::move(request);
-    state->process = TellProcess(name);
+    state->board.TellProcess();
     copy->reset(new RunningCopy(std::move(state)));
     return Success();
   }
-  if (SetEvent(request.get()) == 0) return LastSystemFailure(name);
-  request.Close();  // for a copy that begins now it would still be there when the first one is gone
-  BringToFront(ProcessOfFirst(name));
+  if (!paths.empty()) state->board.Put(paths);
+  if (SetEvent(state->request.get()) == 0) return LastSystemFailure(name);
+  const DWORD process = state->board.Process();
+  state.reset();  // for a copy that begins now the event would still be there when the first one is gone
+  BringToFront(process);
   return Success();
 }
 
@@ -119,9 +161,13 @@ std::intptr_t RunningCopy::WaitHandle() const {
   return reinterpret_cast<std::intptr_t>(state_->request.get());
 }
 
-bool RunningCopy::TakeRequest() const {
+bool RunningCopy::TakeRequest() {
   return WaitForSingleObject(state_->request.get(), 0) == WAIT_OBJECT_0 &&
          ResetEvent(state_->request.get()) != 0;
+}
+
+LeftPaths RunningCopy::TakeLeftPaths() {
+  return state_->board.Take();
 }
 
 }  // namespace quendle::platform

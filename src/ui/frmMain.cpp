@@ -17,6 +17,7 @@
 
 #include "base/display.h"
 #include "base/reasons.h"
+#include "core/untold_paths.h"
 #include "files/file_manager.h"
 #include "resources/version.h"
 #include "ui/elided_label.h"
@@ -55,6 +56,7 @@ void RunProfileList(const WindowsHost& host) {
   };
   services.dispatch = host.dispatch;
   services.is_interrupted = host.interrupt_requested;
+  if (host.copy != nullptr) services.take_left = [copy = host.copy] { return copy->TakeLeftPaths(); };
   frmMain window(*globals.g_PropItem, *globals.g_PropDefault, std::move(services), WindowMemory::UsualFile());
   window.Run();
 }
@@ -241,6 +243,7 @@ std::string frmMain::CurrentTitle() const {
 }
 
 void frmMain::ApplyFilter() {
+  left_ = {};
   const std::vector<std::string> titles = SelectedTitles();
   const std::string current = CurrentTitle();
   model_.SetFilter(filter_->text());
@@ -249,6 +252,7 @@ void frmMain::ApplyFilter() {
 }
 
 void frmMain::ApplyTest() {
+  left_ = {};
   const std::string name = FromDisplay(FromQt(test_->text()));
   view_->setColumnHidden(ProfileModel::kMatch, name.empty());
   model_.TestName(name);
@@ -266,7 +270,12 @@ void frmMain::UpdateCommands() {
   open_button_->setEnabled(selected == 1);
 }
 
+void frmMain::TellOfOtherCopy() {
+  if (centralWidget()->isEnabled()) UpdateTexts();
+}
+
 void frmMain::UpdateTexts() {
+  left_.Add(services_.take_left());
   UpdateHint();
   status_->SetText(StatusText());
 }
@@ -287,6 +296,7 @@ void frmMain::UpdateHint() {
 
 QString frmMain::StatusText() const {
   const std::string all = std::to_string(list_.Rows().size());
+  if (left_.count > 0) return ToQt(LineOf(left_));
   std::string text = model_.Filter().isEmpty()
                          ? LoadText(kCount, {all})
                          : LoadText(kFilteredCount, {all, std::to_string(model_.rowCount())});

@@ -44,6 +44,8 @@ struct MainServices {
   std::function<platform::Result(const std::string& folder)> open_folder;
   std::function<void(const std::vector<std::string>& paths)> dispatch;
   std::function<bool()> is_interrupted = [] { return false; };
+  // What other copies were started with, since the last call.
+  std::function<platform::LeftPaths()> take_left = [] { return platform::LeftPaths(); };
 };
 
 class frmMain : public QMainWindow {
@@ -55,6 +57,9 @@ class frmMain : public QMainWindow {
 
   // Shows the window until the user closes it.
   void Run();
+
+  // Another copy has been started. The files that it has left undone are told at the end of a run, else at once.
+  void TellOfOtherCopy();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -141,6 +146,7 @@ class frmMain : public QMainWindow {
   std::vector<Command> commands_;
   QString stamp_;             // of the files when they were read
   std::string read_problem_;  // why there are no rows
+  platform::LeftPaths left_;  // by other copies, until the user goes on
   QEventLoop* loop_ = nullptr;
   bool is_busy_ = false;  // a command runs, which may handle events
 };

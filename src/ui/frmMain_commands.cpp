@@ -13,6 +13,7 @@
 #include "base/modString.h"
 #include "base/reasons.h"
 #include "core/modMain.h"
+#include "core/untold_paths.h"
 #include "resources/string_table.h"
 #include "ui/busy.h"
 #include "ui/dropped_files.h"
@@ -36,18 +37,8 @@ constexpr int kFilesCaption = 6756;
 constexpr int kAtWork = 6757;
 constexpr int kDropTries = 6734;
 constexpr int kDropDispatches = 6735;
-constexpr std::size_t kMostNames = 10;  // in a message
 
 constexpr const char* kLineBreak = "\r\n";
-
-// A line for each of the first few.
-std::string NameLines(const std::vector<std::string>& names) {
-  std::string lines;
-  const std::size_t shown = std::min(names.size(), kMostNames);
-  for (std::size_t i = 0; i < shown; ++i) lines += kLineBreak + ForDisplay(names[i]);
-  if (shown == names.size()) return lines;
-  return lines + kLineBreak + LoadText(text_id::kMoreProblems, {std::to_string(names.size() - shown)});
-}
 
 }  // namespace
 
@@ -130,7 +121,7 @@ void frmMain::Remove() {
   const int first = SelectedRows().front();
   {
     const Busy busy(&is_busy_);
-    const std::string prompt = LoadText(kRemovePrompt) + kLineBreak + NameLines(titles);
+    const std::string prompt = LoadText(kRemovePrompt) + kLineBreak + NameLines(titles, titles.size());
     const std::int32_t answer =
         services_.show_message(prompt, kButtonsYesNo, kIconExclamation, LoadText(kRemoveCaption));
     if (answer != kAnswerYes) return;
@@ -180,7 +171,7 @@ bool frmMain::TellsSurplus(std::vector<std::string>* paths) {
   const std::vector<std::string> surplus(paths->begin() + kMost, paths->end());
   paths->resize(kMost);
   const std::string prompt = LoadText(kTooMany, {std::to_string(kMost), std::to_string(surplus.size())}) +
-                             kLineBreak + NameLines(surplus);
+                             kLineBreak + NameLines(surplus, surplus.size());
   return services_.show_message(prompt, kButtonsOkCancel, kIconExclamation, LoadText(kFilesCaption)) ==
          kAnswerOk;
 }
@@ -196,6 +187,7 @@ void frmMain::Dispatch(const std::vector<std::string>& dropped) {
     std::vector<QWidget*> parts = {menuBar(), centralWidget(), findChild<QToolBar*>()};
     for (QWidget* part : parts) part->setEnabled(false);
     status_->SetText(Text(kAtWork));
+    left_ = {};
     services_.dispatch(paths);
     QCoreApplication::processEvents();  // what was typed meanwhile was not meant for the list
     for (QWidget* part : parts) part->setEnabled(true);

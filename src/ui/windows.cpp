@@ -61,6 +61,9 @@ QtWindows::QtWindows(const WindowsHost& host) : host_(host) {
   if (host_.copy != nullptr) {
     WhenReady(host_.copy->WaitHandle(), &application_, [this] {
       if (host_.copy->TakeRequest()) ComeToFront();
+      for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (auto* list = dynamic_cast<frmMain*>(window)) list->TellOfOtherCopy();
+      }
       return true;
     });
   }

@@ -91,21 +91,64 @@ GTEST_TEST(Program, OneCopyForEachFolderWithSettings) {
   EXPECT_EQ(start("kill $(cat first)"), 0);
 }
 
-// Starts the program on every file of folder/in, interrupts it, and waits for its end.
-int InterruptedStatus(const test::TempFolder& folder) {
-  std::vector<std::string> arguments = {QUENDLE_PROGRAM, "--settings", folder / "s", "--batch"};
-  for (const auto& entry : fs::directory_iterator(folder / "in")) arguments.push_back(entry.path().string());
+// Starts the program beside the test; what it says goes nowhere.
+pid_t Start(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), QUENDLE_PROGRAM);
   std::vector<char*> raw;
   for (std::string& argument : arguments) raw.push_back(argument.data());
   raw.push_back(nullptr);
   const pid_t child = fork();
-  if (child == 0) {
-    if (std::freopen("/dev/null", "w", stdout) != nullptr &&
-        std::freopen("/dev/null", "w", stderr) != nullptr) {
-      execv(raw[0], raw.data());
-    }
-    _exit(127);
+  if (child != 0) return child;
+  if (std::freopen("/dev/null", "w", stdout) != nullptr &&
+      std::freopen("/dev/null", "w", stderr) != nullptr) {
+    execv(raw[0], raw.data());
   }
+  _exit(127);
+}
+
+// Whoever drops files on an icon sees no terminal.
+GTEST_TEST(Program, WhatIsLeftOutIsToldInAWindow) {
+  const test::TempFolder folder;
+  test::WriteSettings(folder, "[Texts]\r\nPattern=.*\\.txt\r\nID=1\r\nAction=2\r\n");
+  fs::create_directory(folder / "run");
+  fs::permissions(folder / "run", fs::perms::owner_all);
+  const test::ScopedVariable runtime("XDG_RUNTIME_DIR", folder / "run");
+  const test::ScopedVariable platform("QT_QPA_PLATFORM", "offscreen");
+  const struct {
+    int files;
+    bool one_is_missing, is_told;
+  } rows[] = {{1, false, false}, {1, true, true}, {10, false, false}, {11, false, true}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(std::to_string(row.files) + (row.one_is_missing ? " and a missing one" : ""));
+    std::vector<std::string> arguments = {"--settings", folder / "s"};
+    if (row.one_is_missing) arguments.push_back(folder / "missing.txt");
+    for (int i = 0; i < row.files; ++i) {
+      arguments.push_back(folder / (std::to_string(i) + ".txt"));
+      test::WriteFile(arguments.back(), "x");
+    }
+    fs::remove_all(folder / "m");
+    const pid_t process = Start(arguments);
+    const auto has_windows = [process] {
+      return test::ReadFile("/proc/" + std::to_string(process) + "/maps").find("QuendleWindows") !=
+             std::string::npos;
+    };
+    int status = -1;
+    bool is_told = false;
+    while (waitpid(process, &status, WNOHANG) == 0) {
+      if (!is_told && (is_told = has_windows())) kill(process, SIGINT);
+      usleep(1000);
+    }
+    EXPECT_EQ(is_told, row.is_told);
+    EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, row.is_told ? 1 : 0);
+    EXPECT_TRUE(fs::exists(folder / "m/0.txt"));
+  }
+}
+
+// Starts the program on every file of folder/in, interrupts it, and waits for its end.
+int InterruptedStatus(const test::TempFolder& folder) {
+  std::vector<std::string> arguments = {"--settings", folder / "s", "--batch"};
+  for (const auto& entry : fs::directory_iterator(folder / "in")) arguments.push_back(entry.path().string());
+  const pid_t child = Start(arguments);
   for (int i = 0; i < 20'000 && !fs::exists(folder / "moving"); ++i) usleep(1000);  // made by the first move
   kill(child, SIGINT);
   int status = 0;

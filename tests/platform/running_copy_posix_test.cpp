@@ -6,6 +6,7 @@
 #include <signal.h>
 #include <sys/file.h>
 #include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,6 +14,8 @@
 #include <functional>
 
 #include "platform/descriptor_posix.h"
+#include "platform/local_socket_posix.h"
+#include "support/rights_posix.h"
 #include "support/scoped_variable.h"
 #include "support/temp_folder.h"
 
@@ -39,7 +42,7 @@ using test::ScopedVariable;
 
 // "first", "asked another" or why nobody can tell.
 std::string Claimed(const std::string& key, std::unique_ptr<RunningCopy>* copy) {
-  const Result result = RunningCopy::Claim(key, copy);
+  const Result result = RunningCopy::Claim(key, {}, copy);
   EXPECT_TRUE(result.ok() || (*copy == nullptr && !result.path.empty()));
   if (!result.ok()) return result.reason;
   return *copy == nullptr ? "asked another" : "first";
@@ -126,6 +129,81 @@ GTEST_TEST(RunningCopyPosix, WhatACrashLeavesBehindDoesNotCount) {
   ASSERT_EQ(Claimed("key", &copy), "first");
   EXPECT_FALSE(OtherProcess("key").is_first);
   EXPECT_TRUE(copy->TakeRequest());
+}
+
+// Somebody who knows where the socket is, and speaks when the test says so.
+class Stranger {
+ public:
+  explicit Stranger(const std::string& folder) {
+    for (const auto& entry : fs::directory_iterator(folder)) {
+      if (!entry.is_socket()) continue;
+      sockaddr_un address = {};
+      address.sun_family = AF_UNIX;
+      entry.path().string().copy(address.sun_path, sizeof address.sun_path - 1);
+      const auto* generic = reinterpret_cast<const sockaddr*>(&address);
+      is_connected = connect(socket_.get(), generic, sizeof address) == 0;
+    }
+  }
+  void Say(std::string_view message) const {
+    EXPECT_EQ(send(socket_.get(), message.data(), message.size(), 0), std::ssize(message));
+  }
+  void Leave() { socket_.Close(); }
+
+  bool is_connected = false;
+
+ private:
+  Descriptor socket_ = MakeLocalSocket(SOCK_SEQPACKET);
+};
+
+GTEST_TEST(RunningCopyPosix, NobodyIsWaitedForOrBelieved) {
+  const test::TempFolder folder;
+  const ScopedVariable variable("XDG_RUNTIME_DIR", folder.path());
+  std::unique_ptr<RunningCopy> copy;
+  ASSERT_EQ(Claimed("key", &copy), "first");
+  const struct {
+    std::string message;
+    std::vector<std::string> names;
+    std::size_t count;
+  } rows[] = {
+      {{"2\0a\0\0", 5}, {"a"}, 2},        {"", {}, 0},
+      {{"1\0a\0b", 5}, {"a", "b"}, 2},    {"x", {}, 0},
+      {"99999999999999999999999", {}, 0}, {std::string(3, '\0'), {}, 0},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.message);
+    Stranger other(folder.path());
+    ASSERT_TRUE(other.is_connected);
+    EXPECT_TRUE(copy->TakeRequest());
+    EXPECT_FALSE(IsReadable(*copy)) << "it has not spoken yet";
+    other.Say(row.message);
+    other.Leave();
+    EXPECT_TRUE(IsReadable(*copy));
+    EXPECT_FALSE(copy->TakeRequest()) << "it has asked once";
+    EXPECT_FALSE(IsReadable(*copy));
+    const LeftPaths left = copy->TakeLeftPaths();
+    EXPECT_EQ(left.names, row.names);
+    EXPECT_EQ(left.count, row.count);
+  }
+}
+
+GTEST_TEST(RunningCopyPosix, OtherUsersAreNotHeard) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can be somebody else";
+  const test::TempFolder folder;
+  const ScopedVariable variable("XDG_RUNTIME_DIR", folder.path());
+  std::unique_ptr<RunningCopy> copy;
+  ASSERT_EQ(Claimed("key", &copy), "first");
+  for (const auto& entry : fs::directory_iterator(folder.path())) fs::permissions(entry, fs::perms::all);
+  fs::permissions(folder.path(), fs::perms::all);
+  {
+    const test::WithoutPrivileges nobody;
+    const Stranger other(folder.path());
+    ASSERT_TRUE(other.is_connected);
+    other.Say({"1\0a\0\0", 5});
+  }
+  EXPECT_TRUE(IsReadable(*copy));
+  EXPECT_FALSE(copy->TakeRequest());
+  EXPECT_FALSE(IsReadable(*copy));
+  EXPECT_EQ(copy->TakeLeftPaths().count, 0U);
 }
 
 GTEST_TEST(RunningCopyPosix, AFirstOneThatDoesNotListenIsNotWaitedForLong) {

@@ -16,7 +16,7 @@ std::string OwnKey() {
 }
 
 bool IsFirst(const std::string& key, std::unique_ptr<RunningCopy>* copy) {
-  const Result claimed = RunningCopy::Claim(key, copy);
+  const Result claimed = RunningCopy::Claim(key, {}, copy);
   EXPECT_TRUE(claimed.ok()) << claimed.reason;
   return *copy != nullptr;
 }

@@ -66,6 +66,7 @@ class MainWindow {
       EXPECT_TRUE(window->isVisible());
       if (on_dispatch) on_dispatch();
     };
+    services.take_left = [this] { return std::exchange(left, {}); };
     window = std::make_unique<frmMain>(settings.profiles, settings.standard, services,
                                        settings.folder / "w/w.ini");
     window->show();
@@ -120,6 +121,7 @@ class MainWindow {
 
   test::Settings settings;
   std::vector<std::string> messages, proposed, typed, edited, opened, dispatched;
+  platform::LeftPaths left;
   std::int32_t answer = kAnswerYes;
   std::function<void()> on_dispatch;
   std::unique_ptr<frmMain> window;
@@ -345,6 +347,29 @@ GTEST_TEST(FrmMain, DispatchesWhatIsDropped) {
   EXPECT_TRUE(main.Drop(main.filter, many));
   EXPECT_EQ(main.dispatched.size(), 10U);
   EXPECT_TRUE(main.messages.back().ends_with("\r\n/in/10\r\n/in/11")) << main.messages.back();
+}
+
+GTEST_TEST(FrmMain, WhatAnotherCopyHasLeftIsToldUntilTheUserGoesOn) {
+  MainWindow main;
+  const auto status = [&main] { return FromQt(main.window->findChild<QLabel*>("status")->text()); };
+  const std::string usual = status();
+  main.left = {{"/in/a", "b", "c"}, 5};
+  main.window->TellOfOtherCopy();
+  EXPECT_EQ(status(), "処理していません（この一覧にドロップしてください）：/in/a、b、ほか 3 件");
+  main.left = {{}, 1};
+  main.Press(Qt::Key_F5);
+  EXPECT_TRUE(status().ends_with("ほか 4 件")) << status();
+  main.test->setText("x");
+  main.test->clear();
+  EXPECT_EQ(status(), usual);
+  main.on_dispatch = [&main] {
+    main.left = {{}, 1};
+    main.window->TellOfOtherCopy();
+    EXPECT_EQ(main.left.count, 1U) << "the run tells it";
+    main.left = {};
+  };
+  EXPECT_TRUE(main.Drop(main.view->viewport(), {QUrl::fromLocalFile("/in/a")}));
+  EXPECT_EQ(status(), usual);
 }
 
 GTEST_TEST(FrmMain, FailuresAreTold) {
