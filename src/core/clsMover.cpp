@@ -57,9 +57,21 @@ platform::Result clsMover::SetTarget() {
   if (!environment_.file_info.SetFilename(path)) return environment_.file_info.LastFailure();
   // Without "." and ".." in it, so that comparing it with a destination means something.
   if (const std::string& real = environment_.file_info.pFilePathLong(); !real.empty()) ORIGINALPATH = real;
-  DOESFOLDER = FolderExists(ORIGINALPATH);
+  if (platform::Result read = ReadKind(); !read.ok()) return read;
   if (!IsAssumedGone(ORIGINALPATH)) return platform::Success();
   return Failure(platform::Code::kNotFound, ORIGINALPATH, "an earlier path of this run takes it away");
+}
+
+// A link to a folder counts as one, and a link that leads nowhere as a file.
+platform::Result clsMover::ReadKind() {
+  platform::EntryStatus target;
+  platform::Result read = platform::ReadStatus(ORIGINALPATH, &target);
+  if (read.ok() && target.is_link()) {
+    read = platform::ReadTargetStatus(ORIGINALPATH, &target);
+    if (read.code == platform::Code::kNotFound) read = platform::Success();
+  }
+  DOESFOLDER = read.ok() && target.is_folder();
+  return read;
 }
 
 platform::Result clsMover::SetItemDataToArray() {

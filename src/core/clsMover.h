@@ -19,6 +19,7 @@
 #include "base/user_interface.h"
 #include "files/clsFileInfo.h"
 #include "files/clsFileOperation.h"
+#include "platform/entry_status.h"
 #include "settings/run_settings.h"
 
 namespace quendle {
@@ -158,14 +159,15 @@ class clsMover {
   void AssumeDone(const std::vector<ActionStep>& steps);
 
  private:
+  platform::Result ReadKind();
   std::int16_t DetectArchiveType();
   void ReadIndex();
   void FillFrom(const ProfileValues& profile);
   std::vector<ActionStep> WalkSteps(bool execute, bool somebody_answers);
-  ActionStep MakeStep(StepKind kind) const;
+  ActionStep MakeStep(StepKind kind, bool execute) const;
   std::string FinalPath(StepKind kind) const;
-  std::string KnownProblem(const ActionStep& step) const;
-  std::string PlaceProblem(const ActionStep& step) const;
+  std::string KnownProblem(const ActionStep& step, bool execute) const;
+  std::string PlaceProblem(const ActionStep& step, bool execute) const;
   bool WouldAsk(const ActionStep& step, const std::vector<ActionStep>& earlier) const;
   bool IsMoveIntoOwnFolder(StepKind kind) const;
   void PlanExtractStep(ActionStep* step, bool somebody_answers);
@@ -175,7 +177,7 @@ class clsMover {
   bool CopyStep();
   bool MoveStep();
   void OpenFiles();
-  bool IsTarget(const std::string& path) const;
+  bool IsTarget(const platform::EntryStatus& entry) const;
   bool NameIsTaken(const std::string& path) const;
   bool IsAssumedGone(std::string path) const;
 

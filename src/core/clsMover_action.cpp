@@ -5,6 +5,7 @@
 #include "base/modSystem.h"
 #include "core/clsMover.h"
 #include "files/file_manager.h"
+#include "platform/entry_status.h"
 #include "platform/paths.h"
 #include "resources/string_table.h"
 
@@ -53,7 +54,7 @@ std::vector<ActionStep> clsMover::WalkSteps(bool execute, bool somebody_answers)
   bool stopped_by_user = false;
   for (const StepKind kind : kStepOrder) {
     if (!Includes(ACTION, kind)) continue;
-    ActionStep step = MakeStep(kind);
+    ActionStep step = MakeStep(kind, execute);
     if (stopped) {
       step.result = StepResult::kSkipped;
       step.error = "not tried, because the step before it failed";
@@ -79,14 +80,14 @@ std::vector<ActionStep> clsMover::WalkSteps(bool execute, bool somebody_answers)
   return steps;
 }
 
-ActionStep clsMover::MakeStep(StepKind kind) const {
+ActionStep clsMover::MakeStep(StepKind kind, bool execute) const {
   ActionStep step{kind, FinalPath(kind), StepResult::kPlanned, ""};
   if (IsMoveIntoOwnFolder(kind)) {
     step.result = StepResult::kSkipped;
     step.error = "it is in that folder already";
     return step;
   }
-  step.error = KnownProblem(step);
+  step.error = KnownProblem(step, execute);
   if (!step.error.empty()) step.result = StepResult::kFailed;
   return step;
 }
@@ -103,25 +104,30 @@ bool clsMover::IsMoveIntoOwnFolder(StepKind kind) const {
          RemoveBackslash(MOVETO) == environment_.file_info.pFolderPathLong();
 }
 
-std::string clsMover::KnownProblem(const ActionStep& step) const {
+std::string clsMover::KnownProblem(const ActionStep& step, bool execute) const {
   if (step.kind == StepKind::kExtract && ARCHIVETYPE == 0) return "not an archive that can be extracted";
   if (step.to.empty()) return "no destination folder is set";
   if (!IsRootedPath(step.to)) return "the destination folder is not an absolute path";
   // Through links it would not lead where it seems to, and folders that are made on the way would stay.
   if (HasParentComponent(step.to)) return "the destination folder has \"..\" in it";
-  if (step.kind != StepKind::kExtract) return PlaceProblem(step);
+  if (step.kind != StepKind::kExtract) return PlaceProblem(step, execute);
   return FolderExists(step.to) ? "" : Described(platform::CheckPlace(step.to));
 }
 
-std::string clsMover::PlaceProblem(const ActionStep& step) const {
+// What only the rights of folders tell, an operation that is done finds out by itself.
+std::string clsMover::PlaceProblem(const ActionStep& step, bool execute) const {
   if (DOESFOLDER) {
     const std::string own = AddBackslash(platform::WithRealFolder(ORIGINALPATH));
     const std::string into = SplitPath(platform::WithRealFolder(step.to)).folder;
     if (AddBackslash(into).starts_with(own)) return "a folder cannot go into itself";
   }
-  if (step.kind == StepKind::kMove && IsTarget(step.to)) return "it is there already";
-  if (!DOESFOLDER && FolderExists(step.to)) return "a folder of that name is in the way";
-  if (DOESFOLDER && FileExists(step.to)) return "a file of that name is in the way";
+  if (platform::EntryStatus there; platform::ReadStatus(step.to, &there).ok()) {
+    if (step.kind == StepKind::kMove && IsTarget(there)) return "it is there already";
+    const bool is_folder = there.is_folder() || (there.is_link() && FolderExists(step.to));
+    if (!DOESFOLDER && is_folder) return "a folder of that name is in the way";
+    if (DOESFOLDER && !is_folder) return "a file of that name is in the way";
+  }
+  if (execute) return "";
   platform::Result place = platform::CheckPlace(step.to);
   if (place.ok() && step.kind == StepKind::kMove) place = platform::CheckPlace(ORIGINALPATH);
   return Described(place);

@@ -18,17 +18,15 @@ std::string clsMover::GetTargetPathByFolder(std::int16_t kind, const std::string
   if (ACTION != 0 && ACTION != 2 && ACTION != 4) {
     // With other steps around it, a destination that is the file itself means that the file stays.
     std::string plain = AddBackslash(folder) + name;
-    if (IsTarget(plain)) return plain;
+    if (platform::EntryStatus there; platform::ReadStatus(plain, &there).ok() && IsTarget(there)) return plain;
   }
   return GetFilenameBySmartRename(folder, name);
 }
 
 // Whether /in and /IN are one folder is for the file system to say.
-bool clsMover::IsTarget(const std::string& path) const {
-  platform::EntryStatus there;
+bool clsMover::IsTarget(const platform::EntryStatus& entry) const {
   platform::EntryStatus target;
-  return platform::ReadStatus(path, &there).ok() && platform::ReadStatus(ORIGINALPATH, &target).ok() &&
-         IsSameEntry(there, target);
+  return platform::ReadStatus(ORIGINALPATH, &target).ok() && IsSameEntry(entry, target);
 }
 
 std::string clsMover::GetFilenameBySmartRename(const std::string& folder, const std::string& name) const {

@@ -157,7 +157,9 @@ Result CreateProfile(const std::string& file, const std::string& section, const 
   std::unique_ptr<FolderLock> lock;
   if (Result taken = FolderLock::Take(file, &lock); !taken.ok()) return taken;
   EntryStatus present;
-  if (ReadTargetStatus(file, &present).ok() && !present.is_folder()) return Success();
+  if (Result found = ReadStatus(file, &present); found.code != Code::kNotFound) {
+    return found.ok() && present.is_folder() ? Failure(Code::kIsFolder, file, "Is a directory") : found;
+  }
   std::string bytes;
   if (const Result set = SetKeys(section, keys, &bytes); !set.ok()) return At(file, set);
   return ReplaceFile(file, bytes);
