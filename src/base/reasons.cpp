@@ -132,6 +132,7 @@ constexpr Row kOwn[] = {
     {"the file begins like UTF-16 but not with the little-endian mark; save it as UTF-8 with its mark (BOM)",
      6902},
     {"the file ends in half a character; save it anew", 6903},
+    {"the file seems to be UTF-8; save it as UTF-8 with its mark (BOM)", 6911},
     {"the converter for the code page is not installed", 6904},
     {"line %1: line ends of several kinds at a section header; save the file with one kind of line ends",
      6905},

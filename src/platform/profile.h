@@ -15,10 +15,10 @@
 // Writes replace the file as a whole (platform/durable_file.h) under the lock that every copy of this program
 // takes, so two processes that write different keys at the same time lose nothing, and a failed write leaves
 // the old bytes. Lines that a write does not concern keep their bytes, and new lines end like the one before
-// them. UTF-8 stays UTF-8. Text that the code page cannot hold turns a file in it into UTF-16 little-endian with its mark
-// followed by a line break, so that the first header starts a line of its own; that is refused when the
-// system lacks the converter which the old text needs. Every change to a file is refused that begins with FF
-// or FE but not with the mark FF FE.
+// them. UTF-8 stays UTF-8. Text that the code page cannot hold turns a file in it into UTF-16 little-endian with
+// its mark followed by a line break, so that the first header starts a line of its own; that is refused when the
+// system lacks the converter which the old text needs, or when that seems to be UTF-8 without the mark. Every
+// change to a file is refused that begins with FF or FE but not with the mark FF FE.
 #pragma once
 
 #include <cstddef>

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/code_page.h"
+#include "platform/misread_utf8.h"
 #include "platform/unicode.h"
 
 namespace quendle::platform {
@@ -109,6 +110,9 @@ Result ProfileEditor::Encode(const std::string& text, std::string* encoded) {
 // The mark and the empty line behind it come before line 0, so that lines keep their numbers.
 Result ProfileEditor::TurnIntoUtf16() {
   if (Result check = CheckDecoded(text_); !check.ok()) return check;
+  if (LooksLikeUtf8(bytes_)) {  // which would stay misread for good
+    return Failure(Code::kRefused, "", "the file seems to be UTF-8; save it as UTF-8 with its mark (BOM)");
+  }
   const std::string start = std::string(kUtf16LeMark) + ToUtf16Le(separator_);
   bytes_ = start + ToUtf16Le(text_);
   encoding_ = ProfileEncoding::kUtf16;

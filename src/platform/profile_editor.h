@@ -45,8 +45,8 @@ class ProfileEditor {
   std::string_view LineBytes(std::size_t number) const;
   std::string NewSeparatorBytes() const;
 
-  // Lines which the code page cannot hold turn the file into UTF-16. That is refused, and nothing changed,
-  // when the old bytes cannot be decoded.
+  // Lines which the code page cannot hold turn a file in it into UTF-16. That is refused, and nothing changed,
+  // when the old bytes cannot be decoded or seem to be UTF-8.
   //
   // ReplaceLines puts new lines in place of the lines from `first` to before `last`, which are ended like the
   // line before `last`, or by the separator where that line has no end. ReplaceLine leaves the end of its line

@@ -604,6 +604,7 @@ const StringTableEntry kStringTable[] = {
     {6909,
      "%1 行目：NUL 文字があります。ファイルが壊れているか、BOM のない UTF-16 です。保存し直してください"},
     {6910, "%1 行目：文字として正しくないものがあります。書き直してください"},
+    {6911, "ファイルは UTF-8 のようです。BOM 付きの UTF-8 で保存し直してください"},
 };
 
 const std::size_t kStringTableSize = sizeof kStringTable / sizeof kStringTable[0];

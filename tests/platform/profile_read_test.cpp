@@ -1,32 +1,12 @@
 #include "platform/code_page.h"
+#include "platform/profile.h"
 #include "platform/profile_document.h"
-#include "platform/profile_lines.h"
 #include "support/temp_folder.h"
 
 namespace quendle::platform {
 namespace {
 
 using namespace std::string_literals;
-
-GTEST_TEST(ProfileLines, SplitsAtOneSeparator) {
-  const struct {
-    std::string text;
-    std::vector<std::string_view> lines;
-  } rows[] = {
-      {"a\r\nb\r\n", {"a", "b", ""}}, {"a\nb\r\nc", {"a\nb", "c"}},     {"", {""}},         {"a", {"a"}},
-      {"a\nb", {"a", "b"}},           {"a\rb\nc\r", {"a", "b\nc", ""}}, {"\r\n", {"", ""}},
-  };
-  for (const auto& row : rows) EXPECT_EQ(SplitProfileLines(row.text), row.lines) << row.text;
-}
-
-GTEST_TEST(ProfileLines, HeadersAreNotTrimmed) {
-  for (const char* header : {"[a]", "[]", "[a]]", "[ソ]", "[[a]"})
-    EXPECT_TRUE(IsHeaderLine(header)) << header;
-  for (const char* other : {" [a]", "[a] ", "[", "]", "", "[a", ";[a]"})
-    EXPECT_FALSE(IsHeaderLine(other)) << other;
-  EXPECT_EQ(HeaderName("[ a]]"), " a]");
-  EXPECT_EQ(HeaderName("[]"), "");
-}
 
 GTEST_TEST(ReadProfile, FindsKeys) {
   const test::TempFolder folder;
