@@ -91,36 +91,21 @@ GTEST_TEST(WriteProfile, RefusesWhatWouldComeBackDifferent) {
   const test::TempFolder folder;
   const std::string ansi = "[a]\nk=1\n";
   const std::string big_endian = "\xFE\xFF\0[\0a\0]"s;
+  const std::string misread = "[\xC3\x84]\n";  // UTF-8, which would stay misread as UTF-16
   const struct {
     std::string before;
     std::string section;
     std::string key;
     std::string value;
   } rows[] = {
-      {ansi, "", "k", "v"},
-      {ansi, "a\n", "k", "v"},
-      {ansi, "a\0"s, "k", "v"},
-      {ansi, "b]", "k", "v"},
-      {ansi, "a\xFF", "k", "v"},
-      {ansi, "a", "", "v"},
-      {ansi, "a", "k\r", "v"},
-      {ansi, "a", "k\0"s, "v"},
-      {ansi, "a", "k=x", "v"},
-      {ansi, "a", " k", "v"},
-      {ansi, "a", "k\t", "v"},
-      {ansi, "a", ";k", "v"},
-      {ansi, "a", "k\xFF", "v"},
-      {ansi, "a", "k", "v\n[b]"},
-      {ansi, "a", "k", "\r"},
-      {ansi, "a", "k", "v\0"s},
-      {ansi, "a", "k", "v\xFF"},
-      {ansi, "a", "[k", "v]"},
-      {ansi, "a", "[k", "] "},
-      {ansi, " b", "k", "v"},
-      {ansi, "b\t", "k", "v"},
-      {"[\xC3\x84]\n", "a", "k", "é"},  // turned into UTF-16, it would stay misread
-      {big_endian, "a", "k", "v"},
-      {"\xFF[a]", "a", "k", "v"},
+      {ansi, "", "k", "v"},      {ansi, "a\n", "k", "v"},     {ansi, "a\0"s, "k", "v"},
+      {ansi, "b]", "k", "v"},    {ansi, "a\xFF", "k", "v"},   {ansi, "a", "", "v"},
+      {ansi, "a", "k\r", "v"},   {ansi, "a", "k\0"s, "v"},    {ansi, "a", "k=x", "v"},
+      {ansi, "a", " k", "v"},    {ansi, "a", "k\t", "v"},     {ansi, "a", ";k", "v"},
+      {ansi, "a", "k\xFF", "v"}, {ansi, "a", "k", "v\n[b]"},  {ansi, "a", "k", "\r"},
+      {ansi, "a", "k", "v\0"s},  {ansi, "a", "k", "v\xFF"},   {ansi, "a", "[k", "v]"},
+      {ansi, "a", "[k", "] "},   {ansi, " b", "k", "v"},      {ansi, "b\t", "k", "v"},
+      {misread, "a", "k", "é"},  {big_endian, "a", "k", "v"}, {"\xFF[a]", "a", "k", "v"},
   };
   const std::string file = folder / "a.ini";
   for (const auto& row : rows) {
