@@ -21,6 +21,7 @@ constexpr int kTitleBreak = 6702;
 constexpr int kTitleBracket = 6703;
 constexpr int kTitleReserved = 6704;
 constexpr int kTitleBroken = 6705;
+constexpr int kTitleBlankEnd = 6900;
 
 // In the order of the rows of folders.
 constexpr std::int16_t kActionBits[kActionRows] = {1, 2, 4};
@@ -54,6 +55,12 @@ std::string WithoutNumber(const std::string& title) {
   return is_number ? title.substr(0, begin) : title;
 }
 
+bool HasBlankAtAnEnd(const std::string& title) {
+  constexpr std::string_view kBlanks = " \t";
+  return kBlanks.find(title.front()) != std::string_view::npos ||
+         kBlanks.find(title.back()) != std::string_view::npos;
+}
+
 bool Contains(const std::vector<std::string>& titles, const std::string& title) {
   return std::any_of(titles.begin(), titles.end(),
                      [&title](const std::string& other) { return EqualsIgnoringCase(other, title); });
@@ -67,6 +74,7 @@ std::string TitleProblem(const std::string& title) {
   if (!platform::IsUtf8(title)) return LoadText(kTitleBroken);
   if (title.find_first_of(std::string("\r\n\0", 3)) != std::string::npos) return LoadText(kTitleBreak);
   if (TrimBlanks(title).empty()) return LoadText(kTitleBlank);
+  if (HasBlankAtAnEnd(title)) return LoadText(kTitleBlankEnd);
   if (title.ends_with(']')) return LoadText(kTitleBracket);
   const std::string reserved = LoadText(text_id::kNoProfile);
   if (EqualsIgnoringCase(title, reserved)) return LoadText(kTitleReserved, {reserved});

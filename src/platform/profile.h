@@ -1,7 +1,9 @@
 // Profile (INI) functions as Windows documents them, on any system.
 //
-// A file is text in the ANSI code page, or UTF-16 little-endian when its first bytes are the mark FF FE.
-// Lines and section headers are those of platform/profile_lines.h. A key line is a body line with "=" in it
+// A file is text in the ANSI code page, UTF-16 little-endian when its first bytes are the mark FF FE, or UTF-8
+// when they are the mark EF BB BF. Lines and section headers are those of platform/profile_lines.h: those of
+// keys for what reads and writes single keys, both for what changes whole sections, which is refused, with the
+// line and what to do, where the two readings see different sections. A key line is a body line with "=" in it
 // whose first character, blanks aside, is not ";". Blanks (space and tab) around key and value do not count,
 // and one pair of quotes (" or ') that encloses the whole value is not part of it. Names of sections and keys
 // are compared without regard to case; the first section and the first key of a name win.
@@ -12,11 +14,11 @@
 //
 // Writes replace the file as a whole (platform/durable_file.h) under the lock that every copy of this program
 // takes, so two processes that write different keys at the same time lose nothing, and a failed write leaves
-// the old bytes. Lines that a write does not concern keep their bytes, and new lines end like the others of
-// the file. Text that the code page cannot hold turns the file into UTF-16 little-endian with its mark
-// followed by a line break, so that the first header starts a line of its own; that is refused when the
-// system lacks the converter which the old text needs. Every change to a file is refused that begins with FF
-// or FE but not with the mark FF FE.
+// the old bytes. Lines that a write does not concern keep their bytes, and new lines end like the one before
+// them. UTF-8 stays UTF-8. Text that the code page cannot hold turns a file in it into UTF-16 little-endian with
+// its mark followed by a line break, so that the first header starts a line of its own; that is refused when the
+// system lacks the converter which the old text needs, or when that seems to be UTF-8 without the mark. Every
+// change to a file is refused that begins with FF or FE but not with the mark FF FE.
 #pragma once
 
 #include <cstddef>
@@ -56,9 +58,9 @@ void VisitProfileSections(const std::string& file, const ProfileSectionVisitor& 
 // strip (blanks at an end, or a pair of enclosing quotes) is written in double quotes.
 //
 // Refused (kRefused, file untouched), since it would come back as something else: a line break or NUL in
-// section, key or value; text that is not UTF-8; an empty section or key; a section that ends in "]"; a key
-// with "=", with blanks at an end, or that begins with ";"; a key and value that together read as a header
-// line.
+// section, key or value; text that is not UTF-8; an empty section or key; a new section that ends in "]" or has
+// blanks at an end; a key with "=", with blanks at an end, or that begins with ";"; a key and value that
+// together read as a header line.
 Result WriteProfileString(const std::string& file, const std::string& section, const std::string& key,
                           const std::string& value);
 
@@ -79,8 +81,8 @@ Result DeleteProfileSection(const std::string& file, const std::string& section)
 
 // Replaces the whole body of the first section of that name, or appends the section. `body` is lines joined
 // by "\r\n", written as they are, each ended by the file's separator; a "\r\n" at its end adds no blank line.
-// Refused: a bad section name as above, text that is not UTF-8, a NUL, a body line that is a header line, and
-// a lone line break in a file whose lines are separated by such.
+// Refused: a bad section name as above, text that is not UTF-8, a NUL, a body line that is a header, and a lone
+// line break in a file whose lines are separated by such.
 Result WriteProfileSection(const std::string& file, const std::string& section, const std::string& body);
 
 // The following two leave a file without separators as it is: it has no sections then.

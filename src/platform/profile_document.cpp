@@ -5,6 +5,7 @@
 
 #include "platform/code_page.h"
 #include "platform/profile_lines.h"
+#include "platform/profile_problems.h"
 #include "platform/unicode.h"
 
 namespace quendle::platform {
@@ -40,17 +41,33 @@ std::optional<KeyLine> ParseKeyLine(std::string_view line) {
   return KeyLine{key, WithoutQuotes(TrimSpaces(line.substr(equals_sign + 1)))};
 }
 
+ProfileEncoding EncodingOf(std::string_view bytes) {
+  if (IsTakenForUtf16(bytes)) return ProfileEncoding::kUtf16;
+  return bytes.starts_with(kMark) ? ProfileEncoding::kUtf8 : ProfileEncoding::kAnsi;
+}
+
 std::string DecodeProfile(std::string_view bytes) {
-  return IsTakenForUtf16(bytes) ? WithoutMark(FromUtf16Le(bytes)) : TextFromAnsi(bytes);
+  switch (EncodingOf(bytes)) {
+    case ProfileEncoding::kUtf16:
+      return WithoutMark(FromUtf16Le(bytes));
+    case ProfileEncoding::kUtf8:
+      return WithoutMark(WithReplacementCharacters(bytes));
+    case ProfileEncoding::kAnsi:
+      break;
+  }
+  return TextFromAnsi(bytes);
 }
 
 ProfileDocument::ProfileDocument(std::string_view bytes)
-    : text_(DecodeProfile(bytes)), separator_(LineSeparatorOf(text_)) {
-  ProfileLineReader reader(text_, separator_);
+    : text_(DecodeProfile(bytes)),
+      section_problem_(SectionProblemOf(bytes, text_)),
+      decoding_problem_(DecodingProblemOf(bytes, text_)) {
+  ProfileLineReader reader(text_);
   for (std::string_view line; reader.Next(&line);) {
-    if (!IsHeaderLine(line)) continue;
+    const std::optional<std::string_view> name = KeyHeaderName(line);
+    if (!name) continue;
     const auto begin = static_cast<std::uint64_t>(line.data() - text_.data());
-    headers_.push_back(HashOf(UpperCase(HeaderName(line))) | begin);
+    headers_.push_back(HashOf(UpperCase(*name)) | begin);
   }
   std::sort(headers_.begin(), headers_.end());
 }
@@ -61,8 +78,9 @@ std::optional<std::string_view> ProfileDocument::TextBehindHeader(std::string_vi
   auto header = std::lower_bound(headers_.begin(), headers_.end(), hash);
   for (; header != headers_.end() && (*header & ~kOffsetMask) == hash; ++header) {
     const std::string_view rest = std::string_view(text_).substr(*header & kOffsetMask);
-    const std::string_view line = rest.substr(0, rest.find(separator_));
-    if (UpperCase(HeaderName(line)) == upper_name) return rest.substr(line.size());
+    std::string_view line;
+    ProfileLineReader(rest).Next(&line);
+    if (UpperCase(*KeyHeaderName(line)) == upper_name) return rest.substr(line.size());
   }
   return std::nullopt;
 }
@@ -72,8 +90,8 @@ std::optional<std::string_view> ProfileDocument::FindValue(std::string_view sect
   const std::optional<std::string_view> text = TextBehindHeader(section);
   if (!text) return std::nullopt;
   const std::string upper_key = UpperCase(key);
-  ProfileLineReader reader(*text, separator_);
-  for (std::string_view line; reader.Next(&line) && !IsHeaderLine(line);) {
+  ProfileLineReader reader(*text);
+  for (std::string_view line; reader.Next(&line) && !KeyHeaderName(line);) {
     const std::optional<KeyLine> parsed = ParseKeyLine(line);
     if (parsed && UpperCase(parsed->key) == upper_key) return parsed->value;
   }
@@ -83,11 +101,11 @@ std::optional<std::string_view> ProfileDocument::FindValue(std::string_view sect
 void ProfileDocument::VisitSections(const ProfileSectionVisitor& visit) const {
   std::optional<std::string_view> name;
   ProfileKeys keys;
-  ProfileLineReader reader(text_, separator_);
+  ProfileLineReader reader(text_);
   for (std::string_view line; reader.Next(&line);) {
-    if (IsHeaderLine(line)) {
+    if (const std::optional<std::string_view> header = KeyHeaderName(line)) {
       if (name) visit(*name, keys);
-      name = HeaderName(line);
+      name = header;
       keys.clear();
     } else if (const std::optional<KeyLine> parsed = name ? ParseKeyLine(line) : std::nullopt) {
       keys.emplace_back(parsed->key, parsed->value);

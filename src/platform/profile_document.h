@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/misread_utf8.h"
 #include "platform/profile.h"
 
 namespace quendle::platform {
@@ -20,7 +21,11 @@ struct KeyLine {
 };
 std::optional<KeyLine> ParseKeyLine(std::string_view line);
 
-// The text of a file: ANSI code page or UTF-16, whose mark is not part of the text.
+// Told by a file's first bytes: the first of UTF-16's marks, the whole mark of UTF-8.
+enum class ProfileEncoding { kAnsi, kUtf16, kUtf8 };
+ProfileEncoding EncodingOf(std::string_view bytes);
+
+// The text of a file without the mark. What cannot be decoded is U+FFFD, in the code page as TextFromAnsi says.
 std::string DecodeProfile(std::string_view bytes);
 
 class ProfileDocument {
@@ -39,11 +44,17 @@ class ProfileDocument {
   // As VisitProfileSections says.
   void VisitSections(const ProfileSectionVisitor& visit) const;
 
+  // Each is one line for the user, empty when there is no problem, as platform/profile_problems.h says: why
+  // whole sections are not those that keys are read from, and why the bytes cannot be read at all.
+  const std::string& SectionProblem() const { return section_problem_; }
+  const std::string& DecodingProblem() const { return decoding_problem_; }
+
  private:
   std::optional<std::string_view> TextBehindHeader(std::string_view section) const;
 
   std::string text_;
-  std::string_view separator_;
+  std::string section_problem_;
+  std::string decoding_problem_;
   // For each header a hash of its name above where it begins in the text, sorted: files of nothing but
   // headers have millions, and the first of equal names is found first.
   std::vector<std::uint64_t> headers_;

@@ -9,6 +9,7 @@
 #include "platform/profile_document.h"
 #include "platform/profile_editor.h"
 #include "platform/profile_lines.h"
+#include "platform/profile_problems.h"
 #include "platform/unicode.h"
 
 namespace quendle::platform {
@@ -30,9 +31,24 @@ Result CheckFile(std::string_view bytes) {
 Result CheckSection(std::string_view section) {
   if (section.empty()) return Refusal("the section name is empty");
   if (HasBreak(section)) return Refusal("the section name contains a line break or NUL");
-  if (section.ends_with(']')) return Refusal("the section name ends in \"]\"");
   if (!IsUtf8(section)) return Refusal("the section name is not valid UTF-8");
   return Success();
+}
+
+// Other programs may not find such a name: it ends at the first "]" for some, and blanks do not count for others.
+Result CheckNewSection(std::string_view section) {
+  if (Result check = CheckSection(section); !check.ok()) return check;
+  if (section.ends_with(']')) return Refusal("the section name ends in \"]\"");
+  const auto is_blank = [](char c) { return c == ' ' || c == '\t'; };
+  if (is_blank(section.front()) || is_blank(section.back())) {
+    return Refusal("the section name has blanks at an end");
+  }
+  return Success();
+}
+
+Result CheckSections(std::string_view bytes, const ProfileEditor& editor) {
+  std::string problem = SectionProblemOf(bytes, editor.text());
+  return problem.empty() ? Success() : Refusal(std::move(problem));
 }
 
 Result CheckKeyAndValue(std::string_view key, std::string_view value) {
@@ -61,13 +77,14 @@ template <typename Visit>
 void VisitSections(const ProfileEditor& editor, Visit visit) {
   std::optional<LineRange> section;
   std::string_view name;
-  ProfileLineReader reader(editor.text(), editor.separator());
+  ProfileLineReader reader = editor.Lines();
   std::size_t number = 0;
   for (std::string_view line; reader.Next(&line); ++number) {
-    if (!IsHeaderLine(line)) continue;
+    const std::optional<std::string_view> header = editor.HeaderOf(line);
+    if (!header) continue;
     if (section) visit(LineRange{section->first, number}, name);
     section = {number, editor.line_count()};
-    name = HeaderName(line);
+    name = *header;
   }
   if (section) visit(*section, name);
 }
@@ -90,7 +107,7 @@ std::vector<LineRange> FindSections(const ProfileEditor& editor, std::string_vie
 LineRange PlaceOfKey(const ProfileEditor& editor, const LineRange& section, std::string_view key) {
   const std::string upper_key = UpperCase(key);
   std::size_t behind_last = section.first + 1;
-  ProfileLineReader reader(editor.text(), editor.separator());
+  ProfileLineReader reader = editor.Lines();
   std::size_t number = 0;
   for (std::string_view line; number < section.last && reader.Next(&line); ++number) {
     if (number <= section.first) continue;
@@ -101,12 +118,21 @@ LineRange PlaceOfKey(const ProfileEditor& editor, const LineRange& section, std:
   return {behind_last, behind_last};
 }
 
+// To either reading.
+bool HasHeader(std::string_view body_line) {
+  ProfileLineReader reader(body_line);
+  for (std::string_view line; reader.Next(&line);) {
+    if (KeyHeaderName(line)) return true;
+  }
+  return IsHeaderLine(body_line);
+}
+
 Result SplitBody(std::string_view body, std::string_view separator, std::vector<std::string>* lines) {
   if (!IsUtf8(body)) return Refusal("the section body is not valid UTF-8");
   if (body.find('\0') != std::string_view::npos) return Refusal("the section body contains NUL");
   ProfileLineReader reader(body, ProfileEditor::kNewSeparator);
   for (std::string_view line; reader.Next(&line);) {
-    if (IsHeaderLine(line)) return Refusal("the section body contains a section header");
+    if (HasHeader(line)) return Refusal("the section body contains a section header");
     if (separator != ProfileEditor::kNewSeparator && HasBreak(line)) {
       return Refusal("a line of the section body contains a line break");
     }
@@ -161,13 +187,13 @@ Result SetKey(std::string_view section, std::string_view key, std::string_view v
     if (!check.ok()) return check;
   }
   const std::string line = KeyLineText(key, value);
-  if (IsHeaderLine(line)) return Refusal("the key and the value together read as a section header");
-  ProfileEditor editor(*bytes);
+  if (KeyHeaderName(line)) return Refusal("the key and the value together read as a section header");
+  ProfileEditor editor(*bytes, ProfileEditor::Reading::kKeys);
   Result result;
   if (const std::vector<LineRange> found = FindSections(editor, section); !found.empty()) {
     const LineRange place = PlaceOfKey(editor, found.front(), key);
     result = editor.ReplaceLines(place.first, place.last, {line});
-  } else {
+  } else if (result = CheckNewSection(section); result.ok()) {
     result = editor.ReplaceLines(editor.line_count(), editor.line_count(), {HeaderText(section), line});
   }
   *bytes = editor.TakeBytes();
@@ -175,7 +201,8 @@ Result SetKey(std::string_view section, std::string_view key, std::string_view v
 }
 
 Result RemoveSections(const std::vector<std::string>& sections, std::string* bytes) {
-  ProfileEditor editor(*bytes);
+  ProfileEditor editor(*bytes, ProfileEditor::Reading::kSections);
+  if (Result check = CheckSections(*bytes, editor); !check.ok()) return check;
   const std::vector<LineRange> found = FindSections(editor, sections);
   if (found.empty()) return Success();
   if (Result check = CheckFile(*bytes); !check.ok()) return check;
@@ -188,13 +215,14 @@ Result SetBody(std::string_view section, std::string_view body, std::string* byt
   for (const Result& check : {CheckFile(*bytes), CheckSection(section)}) {
     if (!check.ok()) return check;
   }
-  ProfileEditor editor(*bytes);
+  ProfileEditor editor(*bytes, ProfileEditor::Reading::kSections);
+  if (Result check = CheckSections(*bytes, editor); !check.ok()) return check;
   std::vector<std::string> lines;
   if (Result split = SplitBody(body, editor.separator(), &lines); !split.ok()) return split;
   Result result;
   if (const std::vector<LineRange> found = FindSections(editor, section); !found.empty()) {
     result = editor.ReplaceLines(found.front().first + 1, found.front().last, lines);
-  } else {
+  } else if (result = CheckNewSection(section); result.ok()) {
     lines.insert(lines.begin(), HeaderText(section));
     result = editor.ReplaceLines(editor.line_count(), editor.line_count(), lines);
   }
@@ -203,8 +231,9 @@ Result SetBody(std::string_view section, std::string_view body, std::string* byt
 }
 
 Result RenameFirstSection(std::string_view old_name, std::string_view new_name, std::string* bytes) {
-  if (Result check = CheckSection(new_name); !check.ok()) return check;
-  ProfileEditor editor(*bytes);
+  if (Result check = CheckNewSection(new_name); !check.ok()) return check;
+  ProfileEditor editor(*bytes, ProfileEditor::Reading::kSections);
+  if (Result check = CheckSections(*bytes, editor); !check.ok()) return check;
   const std::vector<LineRange> found = FindSections(editor, old_name);
   if (found.empty() || !editor.has_separators()) return Success();
   if (Result check = CheckFile(*bytes); !check.ok()) return check;
@@ -215,15 +244,16 @@ Result RenameFirstSection(std::string_view old_name, std::string_view new_name, 
 }
 
 Result ArrangeSections(const SectionOrder& order, std::string* bytes) {
-  const ProfileEditor editor(*bytes);
+  const ProfileEditor editor(*bytes, ProfileEditor::Reading::kSections);
   if (!editor.has_separators()) return Success();
+  if (Result check = CheckSections(*bytes, editor); !check.ok()) return check;
   SectionIndex index(editor);
   const std::vector<std::string> names = order(index.names());
   if (names.empty()) return Success();
   if (Result check = CheckFile(*bytes); !check.ok()) return check;
   std::string arranged = index.Arranged(names);
   std::optional<std::string> ansi;
-  if (editor.is_utf16()) ansi = AnsiFromText(DecodeProfile(arranged));
+  if (editor.encoding() == ProfileEncoding::kUtf16) ansi = AnsiFromText(DecodeProfile(arranged));
   *bytes = ansi ? *ansi : arranged;
   return Success();
 }

@@ -1,57 +1,70 @@
 #include "platform/profile_editor.h"
 
-#include <optional>
 #include <utility>
 
 #include "platform/code_page.h"
-#include "platform/profile_document.h"
-#include "platform/profile_lines.h"
+#include "platform/misread_utf8.h"
 #include "platform/unicode.h"
 
 namespace quendle::platform {
 namespace {
 
-std::string SeparatorBytes(std::string_view separator, bool is_utf16) {
-  return is_utf16 ? ToUtf16Le(separator) : std::string(separator);
+// One character for each unit: that of its number when it is ASCII, another for all others.
+std::string AsciiOfUnits(std::string_view utf16) {
+  std::string ascii;
+  ascii.reserve(utf16.size() / 2);
+  for (std::size_t i = 0; i + 1 < utf16.size(); i += 2) ascii += utf16[i + 1] == '\0' ? utf16[i] : 'x';
+  return ascii;
 }
 
 }  // namespace
 
-ProfileEditor::ProfileEditor(std::string_view bytes)
-    : bytes_(bytes), text_(DecodeProfile(bytes)), is_utf16_(IsTakenForUtf16(bytes)) {
+ProfileEditor::ProfileEditor(std::string_view bytes, Reading reading)
+    : bytes_(bytes), text_(DecodeProfile(bytes)), reading_(reading), encoding_(EncodingOf(bytes)) {
   // Half a unit at the end reads as nothing, and would shift everything written after it by one byte.
-  if (is_utf16_) bytes_.resize(bytes_.size() / 2 * 2);
+  if (encoding_ == ProfileEncoding::kUtf16) bytes_.resize(bytes_.size() / 2 * 2);
   separator_ = LineSeparatorOf(text_);
   if (text_.find(separator_) == std::string::npos) separator_ = kNewSeparator;
-  FindLines(bytes_.starts_with(kUtf16LeMark) ? kUtf16LeMark.size() : 0);
+  std::size_t begin = 0;
+  if (encoding_ == ProfileEncoding::kUtf8) begin = kMark.size();
+  if (bytes_.starts_with(kUtf16LeMark)) begin = kUtf16LeMark.size();
+  FindLines(begin);
+}
+
+ProfileLineReader ProfileEditor::Lines() const {
+  return ReaderOf(text_);
+}
+
+std::optional<std::string_view> ProfileEditor::HeaderOf(std::string_view line) const {
+  if (reading_ == Reading::kKeys) return KeyHeaderName(line);
+  return IsHeaderLine(line) ? std::optional(HeaderName(line)) : std::nullopt;
 }
 
 std::string_view ProfileEditor::LineBytes(std::size_t number) const {
-  const std::size_t begin = line_begins_[number];
-  std::size_t end = line_begins_[number + 1];
-  if (number + 1 < line_count()) end -= separator_.size() * (is_utf16_ ? 2 : 1);
-  return std::string_view(bytes_).substr(begin, end - begin);
+  const Line& line = lines_[number];
+  return std::string_view(bytes_).substr(line.begin, line.end - line.begin);
 }
 
 std::string ProfileEditor::NewSeparatorBytes() const {
-  return SeparatorBytes(kNewSeparator, is_utf16_);
+  return encoding_ == ProfileEncoding::kUtf16 ? ToUtf16Le(kNewSeparator) : std::string(kNewSeparator);
 }
 
 Result ProfileEditor::ReplaceLines(std::size_t first, std::size_t last,
                                    const std::vector<std::string>& lines) {
   const bool continues_open_line = first == line_count() && !text_.empty() && !text_.ends_with(separator_);
   std::string text(continues_open_line ? separator_ : "");
-  for (const std::string& line : lines) text.append(line).append(separator_);
+  const std::string line_break = BreakBefore(last);
+  for (const std::string& line : lines) text.append(line).append(line_break);
   std::string encoded;
   if (Result result = Encode(text, &encoded); !result.ok()) return result;
-  bytes_.replace(line_begins_[first], line_begins_[last] - line_begins_[first], encoded);
+  bytes_.replace(BeginOf(first), BeginOf(last) - BeginOf(first), encoded);
   return Success();
 }
 
 Result ProfileEditor::ReplaceLine(std::size_t number, const std::string& line) {
   std::string encoded;
   if (Result result = Encode(line, &encoded); !result.ok()) return result;
-  bytes_.replace(line_begins_[number], LineBytes(number).size(), encoded);
+  bytes_.replace(BeginOf(number), LineBytes(number).size(), encoded);
   return Success();
 }
 
@@ -59,8 +72,8 @@ void ProfileEditor::RemoveLines(const std::vector<LineRange>& ranges) {
   std::string kept;
   std::size_t next = 0;
   for (const LineRange& range : ranges) {
-    kept.append(bytes_, next, line_begins_[range.first] - next);
-    next = line_begins_[range.last];
+    kept.append(bytes_, next, BeginOf(range.first) - next);
+    next = BeginOf(range.last);
   }
   bytes_ = kept.append(bytes_, next);
 }
@@ -73,7 +86,7 @@ void ProfileEditor::RenewSeparators() {
     if (number > 0) bytes += separator;
     bytes += LineBytes(number);
   }
-  *this = ProfileEditor(bytes);
+  *this = ProfileEditor(bytes, reading_);
 }
 
 std::string ProfileEditor::TakeBytes() {
@@ -81,40 +94,62 @@ std::string ProfileEditor::TakeBytes() {
 }
 
 Result ProfileEditor::Encode(const std::string& text, std::string* encoded) {
-  std::optional<std::string> ansi;
-  if (!is_utf16_) ansi = AnsiFromText(text);
-  if (!is_utf16_ && !ansi) {
+  *encoded = text;
+  if (encoding_ == ProfileEncoding::kUtf8) return Success();
+  if (encoding_ == ProfileEncoding::kAnsi) {
+    if (const std::optional<std::string> ansi = AnsiFromText(text)) {
+      *encoded = *ansi;
+      return Success();
+    }
     if (Result turned = TurnIntoUtf16(); !turned.ok()) return turned;
   }
-  *encoded = ansi ? *ansi : ToUtf16Le(text);
+  *encoded = ToUtf16Le(text);
   return Success();
 }
 
 // The mark and the empty line behind it come before line 0, so that lines keep their numbers.
 Result ProfileEditor::TurnIntoUtf16() {
   if (Result check = CheckDecoded(text_); !check.ok()) return check;
+  if (LooksLikeUtf8(bytes_)) {  // which would stay misread for good
+    return Failure(Code::kRefused, "", "the file seems to be UTF-8; save it as UTF-8 with its mark (BOM)");
+  }
   const std::string start = std::string(kUtf16LeMark) + ToUtf16Le(separator_);
   bytes_ = start + ToUtf16Le(text_);
-  is_utf16_ = true;
+  encoding_ = ProfileEncoding::kUtf16;
   FindLines(start.size());
   return Success();
 }
 
-// The code page's second bytes of characters are all above those of line breaks, so that separators can be
-// looked for in its bytes as they are.
+// The code page's second bytes of characters are all above those of line breaks, so that breaks can be looked
+// for in its bytes as they are.
 void ProfileEditor::FindLines(std::size_t begin) {
-  const std::string separator = SeparatorBytes(separator_, is_utf16_);
-  const std::size_t unit = is_utf16_ ? 2 : 1;
-  line_begins_ = {begin};
-  for (std::size_t at = begin; (at = bytes_.find(separator, at)) != std::string::npos;) {
-    if (at % unit != 0) {
-      ++at;
-      continue;
-    }
-    at += separator.size();
-    line_begins_.push_back(at);
+  const bool is_utf16 = encoding_ == ProfileEncoding::kUtf16;
+  const std::string_view content = std::string_view(bytes_).substr(begin);
+  const std::string ascii = is_utf16 ? AsciiOfUnits(content) : "";
+  const std::string_view units = is_utf16 ? ascii : content;
+  const std::size_t unit_size = is_utf16 ? 2 : 1;
+  lines_.clear();
+  ProfileLineReader reader = ReaderOf(units);
+  for (std::string_view line; reader.Next(&line);) {
+    const std::size_t at = begin + unit_size * static_cast<std::size_t>(line.data() - units.data());
+    lines_.push_back({at, at + unit_size * line.size()});
   }
-  line_begins_.push_back(bytes_.size());
+}
+
+ProfileLineReader ProfileEditor::ReaderOf(std::string_view text) const {
+  return reading_ == Reading::kKeys ? ProfileLineReader(text) : ProfileLineReader(text, separator_);
+}
+
+std::size_t ProfileEditor::BeginOf(std::size_t number) const {
+  return number < line_count() ? lines_[number].begin : bytes_.size();
+}
+
+// What ends the line before that one, as text.
+std::string ProfileEditor::BreakBefore(std::size_t number) const {
+  if (number == 0 || number == line_count()) return std::string(separator_);
+  const std::size_t end = lines_[number - 1].end;
+  const std::string_view bytes = std::string_view(bytes_).substr(end, BeginOf(number) - end);
+  return encoding_ == ProfileEncoding::kUtf16 ? FromUtf16Le(bytes) : std::string(bytes);
 }
 
 }  // namespace quendle::platform

@@ -24,6 +24,10 @@ std::string Utf16FileOf(const std::string& text) {
 }
 
 platform::Result EncodeText(const std::string& text, bool as_unicode, std::string* bytes) {
+  if (!as_unicode && text.starts_with(platform::kMark)) {
+    *bytes = text;
+    return platform::Success();
+  }
   std::optional<std::string> ansi;
   if (!as_unicode) ansi = platform::AnsiFromText(text);
   // Bytes that would be taken for UTF-16 when they are read again do not hold the text either.
@@ -44,6 +48,10 @@ platform::Result AppendTo(const std::string& text, bool as_unicode, std::string*
     return platform::Success();
   }
   const std::string line = text + std::string(kLineBreak);
+  if (bytes->starts_with(platform::kMark)) {
+    *bytes += line;
+    return platform::Success();
+  }
   const std::string whole = platform::TextFromAnsi(*bytes) + line;
   if (const std::optional<std::string> ansi = platform::AnsiFromText(line)) {
     const std::string appended = *bytes + *ansi;
@@ -115,6 +123,7 @@ std::string ReadTextFile(const std::string& path, bool* is_unicode) {
   *is_unicode = false;
   std::string bytes;
   if (!platform::ReadWholeFile(path, &bytes).ok()) return "";
+  if (bytes.starts_with(platform::kMark)) return platform::WithReplacementCharacters(bytes);
   if (!platform::IsTakenForUtf16(bytes)) return platform::TextFromAnsi(bytes);
   if (bytes.size() == 1) return "";
   *is_unicode = true;

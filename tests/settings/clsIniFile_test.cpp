@@ -97,6 +97,7 @@ TEST_F(IniFile, EnumSectionListsHeadersInOrder) {
       {"[a]\r\n [b]\r\n[ c]\r\n[d] \r\n", 2, {"a", " c"}},
       {"[\x83\x5C]\r\n[\x81\x5D\r\n[\x94\x5C]\r\n", 2, {"ソ", "能"}},
       {Utf16("[a]\r\n[b]\r\n"), 2, {"a", "b"}},
+      {"\xEF\xBB\xBF[\xC3\x84]\n[b]\n", 2, {"Ä", "b"}},
       {"[a]\r\n[]\r\n[b]\r\n", 3, {"a", "", "b"}},
       {"[]\r\n[b]\r\n", 0, {""}},
       {"[General]", 0, {""}},
@@ -157,6 +158,7 @@ TEST_F(IniFile, AllData) {
               {"[a]", {""}},
               {"[a]\r\n", {"[a]", ""}},
               {"a\rb\nc", {"a", "b\nc"}},
+              {"\na\r\nb", {"\na", "b"}},
               {Utf16("a\nb"), {"a", "b"}}};
   for (const auto& row : rows) {
     Write(row.bytes);
@@ -182,7 +184,10 @@ TEST_F(IniFile, RenameSection) {
       {"[a]\n\xFFk=1\n", "a", "表", "[\x95\x5C]\r\n\xFFk=1\r\n"},
       {"[a]\nk=1", "missing", "b", "[a]\nk=1"},
       {"[a]", "a", "b", "[a]"},
-      {" [a]\r\n[ a]\r\n", "a", "b", " [a]\r\n[ a]\r\n"},
+      {"[ a]\r\n", "a", "b", "[ a]\r\n"},
+      {" [a]\r\n[ a]\r\n", "a", "b", " [a]\r\n[ a]\r\n", true},
+      {"[x]]\r\nk=1\r\n", "x]", "x", "[x]\r\nk=1\r\n"},
+      {"\xEF\xBB\xBF[a]\n\xC3\xA9\n", "a", "é", "\xEF\xBB\xBF[\xC3\xA9]\r\n\xC3\xA9\r\n"},
       {"[\x84\x71]\r\n", "б", "x", "[x]\r\n"},
       {Utf16("[a]\r\nk=1\r\n"), "a", "b", Utf16("[b]\r\nk=1\r\n")},
       {"x\n[a]\n", "a", "é", "\xFF\xFE\r\0\n\0x\0\r\0\n\0[\0\xE9\0]\0\r\0\n\0"s},
@@ -231,7 +236,12 @@ TEST_F(IniFile, OptimizeFile) {
     std::string before;
     bool sort;
     std::string after;
+    bool is_refused = false;
   } rows[] = {
+      // one of these lines was rewritten by a program that knows only "\n"
+      {"[b]\r\nk=1\r\n[a]\nk=2\r\n", true, "[b]\r\nk=1\r\n[a]\nk=2\r\n", true},
+      {"[b]\r\nID=1\nMoveTo=/m\r\n\r\n[a]\r\n", true, "[a]\r\n[b]\r\nID=1\nMoveTo=/m\r\n"},
+      {"\xEF\xBB\xBFx\n[b]\n\n[a]\n\xC3\xA9\n", true, "\xEF\xBB\xBF[a]\r\n\xC3\xA9\r\n[b]\r\n"},
       {"x\r\n[b]\r\nk=1\r\n\r\n[A]\r\n\r\n;y\r\n[c]\r\n", true, "[A]\r\n;y\r\n[b]\r\nk=1\r\n[c]\r\n"},
       {"[b]\r\nk=1\r\n\r\n[A]\r\n\xFF\r\n", false, "[b]\r\nk=1\r\n[A]\r\n\xFF\r\n"},
       {"[b]\nk=1\n[a]\nlast=1", true, "[a]\r\nlast=1\r\n[b]\r\nk=1\r\n"},  // the open line is kept
@@ -254,24 +264,8 @@ TEST_F(IniFile, OptimizeFile) {
     Write(row.before);
     ini_.OptimizeFile(row.sort);
     EXPECT_EQ(Bytes(), row.after) << row.before;
-    EXPECT_TRUE(ini_.LastFailure().ok());
+    EXPECT_EQ(ini_.LastFailure().ok(), !row.is_refused) << row.before;
   }
-}
-
-TEST_F(IniFile, BothViewsSeeTheSameSections) {
-  ASSERT_TRUE(ini_.SetStr("設定ソ", "表", "C:\\能\\"));
-  ASSERT_TRUE(ini_.SetStr("b", "k", "1"));
-  ini_.SetSectionData("c", ini_.GetSectionData("設定ソ"));
-  EXPECT_EQ(ini_.GetStr("c", "表", ""), "C:\\能\\");
-  ini_.RenameSection("c", "Été");  // now the file is UTF-16
-  ini_.DeleteSection("B");
-  EXPECT_EQ(ini_.GetStr("été", "表", ""), "C:\\能\\");
-  Texts names;
-  EXPECT_EQ(ini_.EnumSection(&names), 2);
-  EXPECT_EQ(names, (Texts{"設定ソ", "Été"}));
-  ini_.DeleteSection("Été");
-  ini_.OptimizeFile(true);
-  EXPECT_EQ(Bytes(), "[\x90\xDD\x92\xE8\x83\x5C]\r\n\x95\x5C=C:\\\x94\x5C\\\r\n");
 }
 
 }  // namespace

@@ -31,6 +31,7 @@ GTEST_TEST(ReadTextFile, DetectsUtf16ByTheFirstByte) {
       {"\xFE\xFF\0a"s, "\uFFFE\u6100", true, true},
       {"\xFEq", "", true, true},
       {"\xFF", "", false, true},
+      {"\xEF\xBB\xBF\xC3\xA9\xC3", "\uFEFFé\uFFFD", false, false},
       {"", "", false, false},
       {"a\xFF\xFE", "a\uEFFF\uEFFE", false, false},
   };
@@ -74,6 +75,8 @@ GTEST_TEST(WriteTextFile, ReplacesPrintsAndAppends) {
        "\xFF\xFE"
        "a\0"s},
       {"old", "é", 0, false, "\xFF\xFE\xE9\0"s},
+      {"old", "\uFEFFé", 0, false, "\xEF\xBB\xBF\xC3\xA9"},  // as it was read from UTF-8
+      {"\xEF\xBB\xBFx\xC3", "é", 2, true, "\xEF\xBB\xBFx\xC3\xC3\xA9\r\n"},
       {"old", "\uEFFF", 0, false, "\xFF\xFE\xFF\xEF"},  // as the byte FF it would be read as UTF-16
       {"old", "a\uEFFF", 0, false, "a\xFF"},
       {"old", "a", 1, true, "a\r\n"},
