@@ -75,12 +75,6 @@ std::string FolderOf(const std::string& path) {
   return cut == std::string::npos ? "" : RemoveBackslashes(path.substr(0, cut + 1));
 }
 
-std::string ExactDestination(const std::string& source, const std::string& destination) {
-  const bool is_folder = destination.ends_with(Separator(kHostStyle)) || FolderExists(destination);
-  if (!is_folder) return destination;
-  return AddBackslash(destination) + SplitPath(RemoveBackslashes(source)).name;
-}
-
 // The folders that have to be made for this one, topmost first.
 std::vector<std::string> MissingFolders(std::string folder) {
   std::vector<std::string> missing;
@@ -92,9 +86,9 @@ std::vector<std::string> MissingFolders(std::string folder) {
 }
 
 void RemoveEmptyFolders(const std::vector<std::string>& folders) {
-  for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder) {
-    if (!platform::RemoveEmptyFolder(*folder).ok()) return;
-  }
+  // Those that have something in them stay, and those above them do so by themselves.
+  for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder)
+    (void)platform::RemoveEmptyFolder(*folder);
 }
 
 }  // namespace
@@ -120,7 +114,9 @@ void clsFileOperation::Set(std::uint16_t flag, bool value) {
 }
 
 platform::FileOperationOptions clsFileOperation::Options() const {
-  return {.rename_on_collision = Has(FOF_RENAMEONCOLLISION), .allow_undo = Has(FOF_ALLOWUNDO)};
+  return {.rename_on_collision = Has(FOF_RENAMEONCOLLISION),
+          .allow_undo = Has(FOF_ALLOWUNDO),
+          .fail_if_taken = fails_if_taken_};
 }
 
 bool clsFileOperation::Operate(Kind kind, const std::string& source, const std::string& destination) {
@@ -137,38 +133,40 @@ Result clsFileOperation::Delete(const std::string& path) {
   return platform::DeleteEntry(path, Options(), &observer);
 }
 
+// Folders are looked for only when it does not go without, which it mostly does.
 Result clsFileOperation::Transfer(Kind kind, const std::string& source, const std::string& destination) {
-  std::vector<std::string> made;
-  std::string exact = destination;
-  Result result;
-  if (kind != Kind::kRename) {
-    exact = ExactDestination(source, destination);
-    result = MakeDestination(source, FolderOf(exact), &made);
+  Observer observer(user_, pShowDialog(), pSimpleProgress(), Has(FOF_NOCONFIRMATION));
+  const auto operation = kind == Kind::kCopy ? platform::CopyEntry : platform::MoveEntry;
+  const bool is_folder = kind != Kind::kRename && destination.ends_with(Separator(kHostStyle));
+  const std::string exact =
+      is_folder ? AddBackslash(destination) + SplitPath(RemoveBackslashes(source)).name : destination;
+  platform::FileOperationOptions options = Options();
+  options.into_folder = kind != Kind::kRename && !is_folder && !fails_if_taken_;
+  Result result = operation(source, exact, options, &observer);
+
+  const std::string folder = FolderOf(exact);
+  if (kind != Kind::kRename && result.code == Code::kNotFound && !folder.empty() && !FolderExists(folder) &&
+      platform::IsTaken(source)) {
+    std::vector<std::string> made;
+    result = MakeDestination(folder, &made);
+    if (result.ok()) result = operation(source, exact, options, &observer);
+    if (!result.ok()) RemoveEmptyFolders(made);
   }
-  if (result.ok()) {
-    Observer observer(user_, pShowDialog(), pSimpleProgress(), Has(FOF_NOCONFIRMATION));
-    const auto operation = kind == Kind::kCopy ? platform::CopyEntry : platform::MoveEntry;
-    result = operation(source, exact, Options(), &observer);
-    // Of a merge, entries that nobody was asked about come behind a semicolon.
-    failed_by_user_ = result.code == Code::kExists && observer.UserDeclined() &&
-                      result.reason.find("; ") == std::string::npos;
-  }
-  if (!result.ok()) RemoveEmptyFolders(made);
+  failed_by_user_ = result.code == Code::kExists && observer.UserDeclined();
   return result;
 }
 
-// `*made` are the folders that may not have been there before, topmost first, also after a failure.
-Result clsFileOperation::MakeDestination(const std::string& source, const std::string& folder,
-                                         std::vector<std::string>* made) {
-  if (folder.empty() || FolderExists(folder)) return platform::Success();
-  // Nobody should be asked for nothing.
-  if (!platform::IsTaken(source)) return Failure(Code::kNotFound, source, "there is no such file or folder");
+// `*made` are the folders that were not there before, topmost first, also after a failure.
+Result clsFileOperation::MakeDestination(const std::string& folder, std::vector<std::string>* made) {
   if (!Has(FOF_NOCONFIRMMKDIR) && !user_.AskMakeFolder(folder)) {
     return Failure(Code::kCancelled, folder, "the folder was not to be made");
   }
-  *made = MissingFolders(folder);
-  Result why;
-  return MakeDirNested(folder, &why) ? platform::Success() : why;
+  for (const std::string& missing : MissingFolders(folder)) {
+    Result result = platform::MakeFolder(missing);
+    if (result.ok()) made->push_back(missing);
+    if (!result.ok() && !FolderExists(missing)) return result;  // unless somebody else has made it
+  }
+  return platform::Success();
 }
 
 }  // namespace quendle

@@ -28,7 +28,7 @@ class clsFileOperation {
   bool mRename(const std::string& source, const std::string& destination);
 
   // Into the destination when it is an existing folder or ends in a separator, else to exactly that path.
-  // Missing folders are made, and go again if nothing comes into them.
+  // Missing folders are made, and those that were go again if nothing comes into them.
   bool mMove(const std::string& source, const std::string& destination);
   bool mCopy(const std::string& source, const std::string& destination);
 
@@ -50,6 +50,11 @@ class clsFileOperation {
   // A free name is taken when the name is taken.
   bool pRenameOnCollision() const { return Has(FOF_RENAMEONCOLLISION); }
   void pRenameOnCollision(bool value) { Set(FOF_RENAMEONCOLLISION, value); }
+
+  // Only to exactly the path that is given, and only when nothing has that name: else the failure is kExists,
+  // and nobody is asked.
+  bool pFailIfTaken() const { return fails_if_taken_; }
+  void pFailIfTaken(bool value) { fails_if_taken_ = value; }
 
   // Progress without names.
   bool pSimpleProgress() const { return Has(FOF_SIMPLEPROGRESS); }
@@ -76,13 +81,13 @@ class clsFileOperation {
   bool Operate(Kind kind, const std::string& source, const std::string& destination);
   platform::Result Delete(const std::string& path);
   platform::Result Transfer(Kind kind, const std::string& source, const std::string& destination);
-  platform::Result MakeDestination(const std::string& source, const std::string& folder,
-                                   std::vector<std::string>* made);
+  platform::Result MakeDestination(const std::string& folder, std::vector<std::string>* made);
   platform::FileOperationOptions Options() const;
 
   UserInterface& user_;
   void* target_ = nullptr;
   std::uint16_t flags_ = 0;
+  bool fails_if_taken_ = false;
   platform::Result last_failure_;
   bool failed_by_user_ = false;
 };

@@ -18,15 +18,22 @@ Result CheckNamesEntry(const std::string& path) {
   return Failure(Code::kRefused, path, "this is not the path of an entry in a folder");
 }
 
+Result Place(Transfer& transfer, const std::string& source, const std::string& destination,
+             bool perhaps_into) {
+  Result result = CheckNamesEntry(destination);
+  // By far the most common case, settled by a single call.
+  if (result.ok() && transfer.moving && RenameWithoutReplacing(source, destination) == 0) return Success();
+  if (perhaps_into && LeadsToFolder(destination))
+    return Place(transfer, source, PathBelow(destination, NameOf(source)), false);
+  if (result.ok()) result = PlaceEntry(transfer, source, destination);
+  return result.ok() ? LeftoverResult(transfer.leftovers, destination) : result;
+}
+
 Result Run(Transfer& transfer, const std::string& source, const std::string& destination) {
   Result result = CheckNamesEntry(source);
-  if (result.ok()) result = CheckNamesEntry(destination);
   if (!result.ok()) return result;
   if (!transfer.meter.StartEntry(source)) return Cancelled(source);
-  // By far the most common case, settled by a single call.
-  if (transfer.moving && RenameWithoutReplacing(source, destination) == 0) return Success();
-  result = PlaceEntry(transfer, source, destination);
-  return result.ok() ? LeftoverResult(transfer.leftovers, destination) : result;
+  return Place(transfer, source, destination, transfer.options.into_folder);
 }
 
 }  // namespace

@@ -3,10 +3,11 @@
 // What holds for every operation here: nothing is overwritten unless the observer says yes; a new file or
 // folder has its final name only when it is complete, and until then a hidden temporary name beside it; after
 // a failure or a cancel, source and destination are as they were and no temporary file is left. The
-// exceptions are the merge of two folders (entries already settled stay settled, and the Result says how many
-// were not, behind "; " those that cannot go there at all), a deletion that ends early, and the source of a
-// moved folder when something in it cannot be removed any more: then the copy is complete and the rest of the
-// source stays. The observer is never null.
+// exceptions are the merge of two folders (entries already settled stay settled, and the Result names the
+// first that was not and says how many more), a deletion that ends early, the source of a moved folder when
+// something in it cannot be removed any more (then the copy is complete and the rest of the source stays), and
+// a copy that somebody else has changed before it could be taken back: both sides stay, and the reason says
+// so. The observer is never null.
 //
 // Windows: what is given up to the recycle bin does not come back when a later step fails; the reason says
 // so. Parts of a file behind a ":" are no entries and kRefused.
@@ -52,6 +53,8 @@ class FileOperationObserver {
 struct FileOperationOptions {
   bool rename_on_collision = false;  // take a free name ("a (2).txt") instead of asking
   bool allow_undo = false;           // what is deleted or replaced goes to the trash instead
+  bool fail_if_taken = false;        // nobody is asked and nothing merged: kExists, whatever has the name
+  bool into_folder = false;          // a destination that is a folder, or leads to one, is to hold the entry
 };
 
 // Moves `source` to the exact path `destination`, whose folder must exist.
@@ -64,9 +67,9 @@ struct FileOperationOptions {
 // copy would not be. A file that is read-only may be moved, replaced by a yes, and deleted.
 //
 // A file onto an existing file asks; a folder onto an existing folder merges, and asks for each file that
-// exists on both sides; answering no leaves that file in the source and makes the result kExists. So does an
-// entry that cannot go where it would have to: a file where a folder is, or the reverse. Failures besides the
-// system's own: kRefused for a source and destination that are the same file (hard links too) or a folder
+// exists on both sides; answering no leaves that file in the source and makes the result kExists. An entry
+// that cannot go where it would have to (a file where a folder is, or the reverse) is left, too, and the code
+// of the result is that of the first one. Failures besides the system's own: kRefused for a source and destination that are the same file (hard links too) or a folder
 // into itself, kIsFolder or kNotFolder when one is a file and the other a folder, kExists for a no,
 // kCancelled for a cancel, kFailed when the source changed meanwhile, kRefused for what would have to be
 // copied and cannot be: devices, sockets and pipes, and folders with another file system mounted in them.

@@ -23,10 +23,15 @@ bool MayGoOn(const Result& result) {
 
 void CountLeftover(Leftovers* leftovers, Result result) {
   if (result.code == Code::kExists) {
-    ++leftovers->existing;
+    if (leftovers->existing++ == 0) leftovers->first_existing = std::move(result);
   } else if (leftovers->others++ == 0) {
     leftovers->first_other = std::move(result);
   }
+}
+
+std::string NameBelow(const std::string& folder, const std::string& path) {
+  const std::string begin = PathBelow(folder, "");
+  return path.starts_with(begin) ? path.substr(begin.size()) : path;
 }
 
 Result RemoveEmptied(const std::string& folder, bool may_hold_leftovers) {
@@ -69,16 +74,18 @@ Result LeftoverResult(const Leftovers& leftovers, const std::string& destination
   if (leftovers.count() == 0) return Success();
   std::string reason;
   if (leftovers.existing > 0) {
-    reason = leftovers.existing == 1
-                 ? "1 file exists already and was left"
-                 : std::to_string(leftovers.existing) + " files exist already and were left";
+    reason = NameBelow(destination, leftovers.first_existing.path);
+    reason += leftovers.existing == 1
+                  ? " exists already and was left"
+                  : " (and " + std::to_string(leftovers.existing - 1) + " more) exist already and were left";
   }
   if (leftovers.others > 0) {
     reason += (reason.empty() ? "" : "; ") + std::to_string(leftovers.others) +
               (leftovers.others == 1 ? " entry was left: " : " entries were left: ") +
               leftovers.first_other.reason + ": " + leftovers.first_other.path;
   }
-  return Failure(Code::kExists, destination, std::move(reason));
+  const Code code = leftovers.others > 0 ? leftovers.first_other.code : Code::kExists;
+  return Failure(code, destination, std::move(reason));
 }
 
 }  // namespace quendle::platform

@@ -30,11 +30,6 @@ bool IsAtOrBelow(const std::string& path, const EntryStatus& top) {
   return false;
 }
 
-bool LeadsToFolder(const std::string& path) {
-  EntryStatus target;
-  return ReadTargetStatus(path, &target).ok() && target.is_folder();
-}
-
 Result CheckFolder(const std::string& folder) {
   EntryStatus status;
   Result result = ReadTargetStatus(folder, &status);
@@ -84,6 +79,11 @@ Result PlaceOnFile(Transfer& transfer, const std::string& source, const EntrySta
 
 }  // namespace
 
+bool LeadsToFolder(const std::string& path) {
+  EntryStatus target;
+  return ReadTargetStatus(path, &target).ok() && target.is_folder();
+}
+
 Result PlaceEntry(Transfer& transfer, const std::string& source, const std::string& destination) {
   EntryStatus incoming;
   Result result = ReadStatus(source, &incoming);
@@ -99,6 +99,7 @@ Result PlaceEntry(Transfer& transfer, const std::string& source, const std::stri
   if (result.code == Code::kNotFound) return BringEntry(transfer, source, incoming, destination, nullptr);
   if (!result.ok()) return result;
   if (IsSameEntry(incoming, existing)) return PlaceOnItself(transfer, source, incoming, destination);
+  if (transfer.options.fail_if_taken) return AppearedMeanwhile(destination);
   if (transfer.options.rename_on_collision)
     return PlaceUnderFreeName(transfer, source, incoming, destination);
   if (incoming.is_folder()) {

@@ -8,6 +8,9 @@
 
 namespace quendle::platform {
 
+// Is there a folder, or a link to one?
+bool LeadsToFolder(const std::string& path);
+
 Result PlaceEntry(Transfer& transfer, const std::string& source, const std::string& destination);
 
 // Places what the folder `source` holds in the existing folder `destination`. Entries that cannot go there

@@ -82,8 +82,4 @@ class StagedEntry final : private UndoneAtExit {
 // Renames onto an existing file that goes to the trash, or stays if the rename fails.
 Result ReplaceThroughTrash(const std::string& from, const std::string& to, TrashedEntry* trashed);
 
-inline Result AppearedMeanwhile(const std::string& path) {
-  return Failure(Code::kExists, path, "something of that name has appeared meanwhile");
-}
-
 }  // namespace quendle::platform

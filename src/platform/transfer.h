@@ -59,6 +59,7 @@ class ProgressMeter {
 struct Leftovers {
   unsigned existing = 0;  // files whose names are taken
   unsigned others = 0;    // entries that cannot go there at all
+  Result first_existing;
   Result first_other;
 
   unsigned count() const { return existing + others; }
@@ -83,6 +84,10 @@ struct Transfer {
 
 inline Result Cancelled(const std::string& path) {
   return Failure(Code::kCancelled, path, "cancelled");
+}
+
+inline Result AppearedMeanwhile(const std::string& path) {
+  return Failure(Code::kExists, path, "something of that name has appeared meanwhile");
 }
 
 }  // namespace quendle::platform

@@ -72,7 +72,7 @@ TEST_F(FileOperationClass, DestinationsAndMissingFolders) {
       {"f", "new/er/", "new/er/f", true},    {"f", "new/er/g", "new/er/g", true},
       {"f", "new//er//g", "new/er/g", true}, {"f", "new/", "", true},
       {"d", "there", "there/d/x", false},    {"d/", "new/er/", "new/er/d/x", true},
-      {"d", "there/e", "there/e/x", false},
+      {"d", "there/e", "there/e/x", false},  {"d", "there/", "there/d/x", false},
   };
   for (const bool is_move : {false, true}) {
     for (const bool confirms : {true, false}) {
@@ -81,7 +81,7 @@ TEST_F(FileOperationClass, DestinationsAndMissingFolders) {
         const bool makes = *row.expected != 0 || !confirms;
         const std::string expected = folder_ / (*row.expected == 0 ? "new/f" : row.expected);
         for (const char* name : {"there", "new"}) fs::remove_all(folder_ / name);
-        fs::create_directory(folder_ / "there");
+        fs::create_directories(folder_ / "there/d");
         WriteFile(folder_ / "f", "content");
         WriteFile(folder_ / "d/x", "content");
         operation_.pConfirmMakeDir(confirms);
@@ -99,19 +99,53 @@ TEST_F(FileOperationClass, DestinationsAndMissingFolders) {
   }
 }
 
+TEST_F(FileOperationClass, ATakenNameIsTakenForWhoWantsAFreeOne) {
+  operation_.pFailIfTaken(true);
+  operation_.pConfirmMakeDir(false);
+  operation_.pRespondDialog(true);
+  for (const char* name : {"f", "d/x", "there/f", "there/d/y"}) WriteFile(folder_ / name, name);
+  const Files before = Picture(folder_.path());
+  for (const bool is_move : {false, true}) {
+    const auto operation = is_move ? &clsFileOperation::mMove : &clsFileOperation::mCopy;
+    const std::string to[][2] = {
+        {"f", "there/f"}, {"f", "there/d"}, {"f", "there"}, {"d", "there/d"}, {"d", "there/f"}};
+    for (const auto& [source, destination] : to) {
+      EXPECT_FALSE((operation_.*operation)(folder_ / source, folder_ / destination));
+      EXPECT_EQ(operation_.LastFailure().code, Code::kExists) << source << " to " << destination;
+      EXPECT_FALSE(operation_.FailedByUser());
+      EXPECT_EQ(Picture(folder_.path()), before);
+    }
+    EXPECT_TRUE((operation_.*operation)(folder_ / "f", folder_ / "there/new/f")) << is_move;
+    fs::rename(folder_ / "there/new/f", folder_ / "f");
+    fs::remove(folder_ / "there/new");
+  }
+}
+
 TEST_F(FileOperationClass, FoldersMadeForNothingGoAgain) {
   operation_.pConfirmMakeDir(false);
   WriteFile(folder_ / "d/x", "x");
   WriteFile(folder_ / "f", "f");
   const Files before = Picture(folder_.path());
-  struct Row {
-    const char* source;
-    const char* destination;
-    Code code;
+  // The second report comes when the folders have been made.
+  unsigned reports = 0;
+  bool loses_one = false;
+  user_.on_progress = [&](const platform::FileProgress&) {
+    if (++reports == 2 && loses_one) fs::remove(folder_ / "new/er");
+    return reports < 2;
   };
-  user_.on_progress = [](const platform::FileProgress&) { return false; };
-  for (const Row& row : {Row{"f", "new/er/", Code::kCancelled}, Row{"none", "new/er/", Code::kNotFound},
-                         Row{"f", "f/er/", Code::kNotFolder}, Row{"d", "d/e/r/", Code::kCancelled}}) {
+  const struct {
+    const char* source;
+    std::string destination;
+    Code code;
+    bool loses = false;
+  } rows[] = {
+      {"f", "new/er/", Code::kCancelled},   {"f", "new/er/", Code::kCancelled, true},
+      {"d", "d/e/r/", Code::kCancelled},    {"f", "new/" + std::string(300, 'x') + "/", Code::kFailed},
+      {"none", "new/er/", Code::kNotFound}, {"f", "f/er/", Code::kNotFolder},
+  };
+  for (const auto& row : rows) {
+    reports = 0;
+    loses_one = row.loses;
     EXPECT_FALSE(operation_.mMove(folder_ / row.source, folder_ / row.destination));
     EXPECT_EQ(operation_.LastFailure().code, row.code) << operation_.LastFailure().reason;
     EXPECT_EQ(Picture(folder_.path()), before) << row.destination;
