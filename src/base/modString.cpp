@@ -250,9 +250,8 @@ bool FolderExists(const std::string& path) {
 }
 
 bool FileExists(const std::string& path) {
-  if (FolderExists(path)) return false;
-  if (path.find(Separator(kHostStyle)) != std::string::npos) return platform::IsTaken(path);
-  return !path.empty() && !platform::FindOnSearchPath(path).empty();
+  if (path.find(Separator(kHostStyle)) != std::string::npos) return platform::IsTakenByFile(path);
+  return !path.empty() && !FolderExists(path) && !platform::FindOnSearchPath(path).empty();
 }
 
 }  // namespace quendle

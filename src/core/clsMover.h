@@ -172,6 +172,7 @@ class clsMover {
   bool IsMoveIntoOwnFolder(StepKind kind) const;
   void PlanExtractStep(ActionStep* step, bool somebody_answers);
   bool RunStep(ActionStep* step);
+  bool TransferStep(ActionStep* step);
   void HandOptionsToArchiver();
   bool ExtractStep();
   bool CopyStep();

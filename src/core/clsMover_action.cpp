@@ -144,29 +144,38 @@ bool clsMover::WouldAsk(const ActionStep& step, const std::vector<ActionStep>& e
 }
 
 bool clsMover::RunStep(ActionStep* step) {
-  bool done = false;
-  switch (step->kind) {
-    case StepKind::kExtract:
-      done = ExtractStep();
-      step->extraction = archiver_->LastReport();
-      if (!done) step->error = DescribeProblems(step->extraction->problems);
-      step->by_user = step->extraction->by_user;
-      return done;
-    case StepKind::kCopy:
-      done = CopyStep();
-      break;
-    case StepKind::kMove:
-      done = MoveStep();
-      break;
+  if (step->kind == StepKind::kExtract) {
+    const bool done = ExtractStep();
+    step->extraction = archiver_->LastReport();
+    if (!done) step->error = DescribeProblems(step->extraction->problems);
+    step->by_user = step->extraction->by_user;
+    return done;
   }
-  if (!done) {
-    const platform::Result& failure = operation_.LastFailure();
-    step->error = failure.reason;
-    step->by_user = operation_.FailedByUser();
-    const bool is_elsewhere = failure.path != step->to && failure.path != ORIGINALPATH;
-    if (is_elsewhere && !failure.path.empty()) step->error += ": " + failure.path;
+  if (TransferStep(step)) return true;
+  const platform::Result& failure = operation_.LastFailure();
+  step->error = failure.reason;
+  step->by_user = operation_.FailedByUser();
+  const bool is_elsewhere = failure.path != step->to && failure.path != ORIGINALPATH;
+  if (is_elsewhere && !failure.path.empty()) step->error += ": " + failure.path;
+  return false;
+}
+
+// A name that smart rename has found free may be taken by the time the file comes; then the next one is found.
+bool clsMover::TransferStep(ActionStep* step) {
+  constexpr int kMostTries = 100;
+  const bool moves = step->kind == StepKind::kMove;
+  std::string& to = moves ? MOVETO : COPYTO;
+  const std::string& folder = moves ? MOVEINTO : COPYINTO;
+  operation_.pFailIfTaken(SMARTRENAME != 1 && !DOESFOLDER && !folder.empty());
+  for (int tries = 1;; ++tries) {
+    if (moves ? MoveStep() : CopyStep()) return true;
+    const bool is_taken = operation_.pFailIfTaken() && operation_.LastFailure().code == platform::Code::kExists;
+    if (!is_taken || tries == kMostTries) return false;
+    std::string next = GetTargetPathByFolder(static_cast<std::int16_t>(step->kind), folder);
+    if (next == to) operation_.pFailIfTaken(false);  // it is taken by what belongs there: the user is asked
+    to = std::move(next);
+    step->to = to;
   }
-  return done;
 }
 
 bool clsMover::MoveStep() {

@@ -15,6 +15,9 @@ bool IsFolder(const std::string& path);
 // True when the name is taken by anything at all, a dangling link included. Any error is false.
 bool IsTaken(const std::string& path);
 
+// The same, but by anything that is neither a folder nor a link to one.
+bool IsTakenByFile(const std::string& path);
+
 // Full path of an executable file of that bare name on the executable search path, or empty. Entries of the
 // path that are empty or relative are skipped: they would mean the current folder. Windows: a name without a
 // dot gets ".exe".

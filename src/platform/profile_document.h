@@ -33,7 +33,6 @@ class ProfileDocument {
   // `bytes` is the whole file, below 1 GiB.
   explicit ProfileDocument(std::string_view bytes);
 
-  std::string SectionProblem() const { return ""; }  // STANDIN
   const std::string& text() const { return text_; }  // without a mark
 
   bool HasSection(std::string_view section) const { return TextBehindHeader(section).has_value(); }
@@ -61,4 +60,3 @@ class ProfileDocument {
 };
 
 }  // namespace quendle::platform
-namespace quendle::platform { inline bool LooksLikeMisreadUtf8(std::string_view) { return false; } }  // STANDIN

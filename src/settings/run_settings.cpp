@@ -92,8 +92,15 @@ RunSettings::RunSettings(const SettingsFolders& folders) : default_destination_(
   items_ = prefix + LoadText(text_id::kItemsFile);
 }
 
+// Nothing is done by text that may be somebody else's.
+Result RunSettings::ReadText(const std::string& file, ProfileParse* parse) {
+  Result read = platform::ReadProfile(file, parse);
+  if (!read.ok() || *parse == nullptr || (*parse)->DecodingProblem().empty()) return read;
+  return Failure(platform::Code::kFailed, file, (*parse)->DecodingProblem());
+}
+
 Result RunSettings::ReadGeneral(GeneralFile* file, ProfileParse* parse) {
-  if (Result read = platform::ReadProfile(file->path, parse); !read.ok()) return read;
+  if (Result read = ReadText(file->path, parse); !read.ok()) return read;
   const bool has_section = *parse != nullptr && (*parse)->HasSection(LoadText(text_id::kGeneral));
   if (!file->had_section) file->had_section = has_section;
   if (has_section || !*file->had_section) return platform::Success();
@@ -104,7 +111,7 @@ Result RunSettings::Read(std::shared_ptr<const SettingsSnapshot>* snapshot) {
   SettingsSnapshot::Files files;
   Result read = ReadGeneral(&standard_, &files.standard);
   if (read.ok()) read = ReadGeneral(&test_, &files.test);
-  if (read.ok()) read = platform::ReadProfile(items_, &files.items);
+  if (read.ok()) read = ReadText(items_, &files.items);
   if (!read.ok()) return read;
   if (last_ == nullptr || last_->files() != files) {
     last_ = std::make_shared<const SettingsSnapshot>(std::move(files), default_destination_);

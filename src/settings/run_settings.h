@@ -70,6 +70,7 @@ class RunSettings {
     std::string path;
     std::optional<bool> had_section;  // at the first reading
   };
+  static platform::Result ReadText(const std::string& file, platform::ProfileParse* parse);
   static platform::Result ReadGeneral(GeneralFile* file, platform::ProfileParse* parse);
 
   GeneralFile standard_;
