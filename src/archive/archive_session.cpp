@@ -12,22 +12,32 @@ constexpr std::chrono::milliseconds kBetweenReports{20};
 }  // namespace
 
 ArchiveSession::ArchiveSession(const ArchiverLibrary& library, UserInterface& user, std::string archive,
-                               std::string charset, std::string remembered_password,
-                               std::vector<ExtractionProblem>* problems)
+                               Settings settings, std::vector<ExtractionProblem>* problems)
     : library_(library),
       user_(user),
       archive_(std::move(archive)),
-      charset_(std::move(charset)),
+      settings_(std::move(settings)),
       problems_(problems),
       callbacks_{sizeof(ArchiverSession),
                  this,
-                 charset_.c_str(),
+                 settings_.charset.c_str(),
                  &OnProgress,
                  &OnOverwrite,
                  &OnPassword,
                  &OnProceed,
-                 &OnProblem},
-      next_password_(std::move(remembered_password)) {
+                 &OnProblem,
+                 nullptr,
+                 &OnReadsFrom},
+      next_password_(settings_.remembered_password) {
+  for (std::string& path : settings_.protected_paths) {
+    // A path that the library cannot be told is kept from it by what it is asked for.
+    const auto encoded = library_.Encode(path);
+    if (!encoded) continue;
+    path = *encoded;
+    protected_paths_.push_back(path.c_str());
+  }
+  protected_paths_.push_back(nullptr);
+  callbacks_.protected_paths = protected_paths_.data();
   library_.SetSession(&callbacks_);
 }
 
@@ -145,6 +155,15 @@ void ArchiveSession::OnProblem(void* user, const char* entry, const char* reason
   auto& self = *static_cast<ArchiveSession*>(user);
   try {
     self.problems_->push_back({self.Text(entry), self.Text(reason)});
+  } catch (...) {
+    self.fault_ = std::current_exception();
+  }
+}
+
+void ArchiveSession::OnReadsFrom(void* user, const char* path) {
+  auto& self = *static_cast<ArchiveSession*>(user);
+  try {
+    self.read_from_.push_back(self.Text(path));
   } catch (...) {
     self.fault_ = std::current_exception();
   }

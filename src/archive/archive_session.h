@@ -23,9 +23,14 @@ struct ExtractionProblem {
 // times at most.
 class ArchiveSession {
  public:
-  // `problems` receives what the library reports. All but the texts outlive the session.
-  ArchiveSession(const ArchiverLibrary& library, UserInterface& user, std::string archive,
-                 std::string charset, std::string remembered_password,
+  struct Settings {
+    std::string charset;
+    std::string remembered_password;
+    std::vector<std::string> protected_paths;
+  };
+
+  // `problems` receives what the library reports. It, the library and the user outlive the session.
+  ArchiveSession(const ArchiverLibrary& library, UserInterface& user, std::string archive, Settings settings,
                  std::vector<ExtractionProblem>* problems);
   ~ArchiveSession();
   ArchiveSession(const ArchiveSession&) = delete;
@@ -44,6 +49,9 @@ class ArchiveSession {
   // The user has stopped it, or did not let it go on.
   bool IsCancelled() const { return cancelled_; }
 
+  // The files that the library has said it reads the archive from, in any order and number.
+  const std::vector<std::string>& ReadFrom() const { return read_from_; }
+
   // The password given last; empty when none was.
   const std::string& Password() const { return given_; }
 
@@ -56,6 +64,7 @@ class ArchiveSession {
                                                std::uint32_t size);
   static std::int32_t ARCHIVER_CALL OnProceed(void* self, const char* question);
   static void ARCHIVER_CALL OnProblem(void* self, const char* entry, const char* reason);
+  static void ARCHIVER_CALL OnReadsFrom(void* self, const char* path);
 
   std::int32_t AskOverwrite(const ArchiverVersion& existing, const ArchiverVersion& incoming);
   std::optional<std::string> NextPassword();
@@ -64,8 +73,10 @@ class ArchiveSession {
   const ArchiverLibrary& library_;
   UserInterface& user_;
   std::string archive_;
-  std::string charset_;
+  Settings settings_;
+  std::vector<const char*> protected_paths_;  // with null at the end, for the library
   std::vector<ExtractionProblem>* problems_;
+  std::vector<std::string> read_from_;
   ArchiverSession callbacks_;
 
   std::string next_password_;  // to be offered first

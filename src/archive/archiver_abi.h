@@ -111,7 +111,8 @@ typedef struct ArchiverVersion {
 #define ARCHIVER_YES 1
 #define ARCHIVER_CANCEL 2
 
-/* Whom a library reports to and asks. user is handed back in each call. No function is NULL. */
+/* Whom a library reports to and asks. user is handed back in each call. No function is NULL. The members below `problem`
+ * are only there when struct_size counts them in. */
 typedef struct ArchiverSession {
   uint32_t struct_size; /* of this struct: later versions add members at its end */
   void* user;
@@ -138,6 +139,15 @@ typedef struct ArchiverSession {
   /* Something is not extracted, or not readable: which entry ("": the archive itself) and why, one English
    * line without a full stop. The call in progress will end with a failure. */
   void(ARCHIVER_CALL* problem)(void* user, const char* entry, const char* reason);
+
+  /* Paths that the program needs, with a NULL at the end. No entry is to replace such a file, however it is called or
+   * linked, nor to become one that does not exist yet, nor to come into such a folder: it is a problem, and the rest is
+   * extracted. NULL: none. */
+  const char* const* protected_paths;
+
+  /* Told of each file that an archive is read from, while it is opened or extracted. They are to be kept in the
+   * same way. */
+  void(ARCHIVER_CALL* reads_from)(void* user, const char* path);
 } ArchiverSession;
 
 /* The session for all calls until the next SetSession; NULL: none, then nothing is asked and every answer is

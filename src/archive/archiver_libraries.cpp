@@ -4,6 +4,13 @@
 #include "platform/known_folders.h"
 
 namespace quendle {
+namespace {
+
+std::string FileOf(const std::string& library) {
+  return library + std::string(platform::kLibrarySuffix);
+}
+
+}  // namespace
 
 bool ArchiverLibraries::IsInstalled(const std::string& library) const {
   return !folder_.empty() && FileExists(FileName(library));
@@ -32,8 +39,17 @@ std::vector<std::string> ArchiverLibraries::Problems() const {
   return problems;
 }
 
+std::vector<std::string> ArchiverLibraries::PlacesOfUsers() {
+  std::vector<std::string> places;
+  for (const std::string& folder : platform::LibraryFolders()) {
+    for (const ArchiverRow& row : ArchiverRows())
+      places.push_back(AddBackslash(folder) + FileOf(row.library));
+  }
+  return places;
+}
+
 std::string ArchiverLibraries::FileName(const std::string& library) const {
-  const std::string name = library + std::string(platform::kLibrarySuffix);
+  const std::string name = FileOf(library);
   const std::string own = AddBackslash(folder_) + name;
   if (FileExists(own)) return own;
   for (const std::string& folder : platform::LibraryFolders()) {

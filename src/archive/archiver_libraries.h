@@ -24,6 +24,9 @@ class ArchiverLibraries {
   // Where the library of that name, without the system's suffix, is, or would be.
   std::string FileName(const std::string& library) const;
 
+  // Where libraries that users have put there would be loaded from, whether there are some now or not.
+  static std::vector<std::string> PlacesOfUsers();
+
   // The library, loaded if it is not. Null when it cannot be: then it counts as missing, and Problems tells
   // why.
   const ArchiverLibrary* Use(const ArchiverRow& row);

@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "archive/extraction_guard.h"
 #include "archive/extraction_run.h"
 #include "base/modString.h"
 #include "base/modSystem.h"
@@ -29,6 +30,15 @@ std::string NameProblem(const std::string& name, const ArchiverLibrary& library)
   }
   if (!library.Encode(platform::UpperCase(name))) return "the library's encoding cannot hold its name";
   return "";
+}
+
+// Where an entry with a safe name goes below the destination, with "/" between the parts.
+std::string PathOf(const std::string& name, const ExtractionGroup& group, bool flat) {
+  std::string path;
+  (void)platform::SafeEntryPath(name, platform::kHostNames, &path);
+  if (!flat) return path;
+  path.erase(0, path.rfind('/') + 1);
+  return group.sub_folder.empty() ? path : group.sub_folder + "/" + path;
 }
 
 }  // namespace
@@ -58,21 +68,9 @@ struct clsArchiver::Work {
 };
 
 clsArchiver::clsArchiver(Environment environment)
-    : environment_(std::move(environment)), libraries_(environment_.module_folder) {}
-
-std::int16_t clsArchiver::GetArcType() {
-  std::vector<const ArchiverRow*> installed;
-  for (const ArchiverRow& row : ArchiverRows()) {
-    if (libraries_.IsInstalled(row)) installed.push_back(&row);
-  }
-  type_ = 0;
-  for (const ArchiverRow* row : installed) {
-    const ArchiverLibrary* library = libraries_.Use(*row);
-    if (library == nullptr || !library->Accepts(pFileName)) continue;
-    type_ = row->type;
-    break;
-  }
-  return type_;
+    : environment_(std::move(environment)), libraries_(environment_.module_folder) {
+  std::vector<std::string>& files = environment_.protected_files;
+  for (std::string& place : ArchiverLibraries::PlacesOfUsers()) files.push_back(std::move(place));
 }
 
 bool clsArchiver::mExtractArchive(const std::string& destination) {
@@ -121,11 +119,7 @@ void clsArchiver::FindObstacles(const Work& work, bool somebody_answers) const {
     tell("", folder);
     for (const std::string& name : group.names) {
       if (!folder.ok() || name.ends_with('/')) continue;
-      std::string path;
-      (void)platform::SafeEntryPath(name, platform::kHostNames,
-                                    &path);  // Refuse has left those that are safe
-      if (work.flat) path.erase(0, path.rfind('/') + 1);
-      path.insert(0, AddBackslash(OutputFolder(work.destination, group.sub_folder)));
+      const std::string path = OutputFolder(work.destination, PathOf(name, group, work.flat));
       if (FolderExists(path)) {
         tell(name, Failure(platform::Code::kExists, path, "a folder of that name is in the way"));
       } else if (CONFIRMOVERWRITE && FileExists(path)) {
@@ -142,10 +136,16 @@ void clsArchiver::FindObstacles(const Work& work, bool somebody_answers) const {
 
 clsArchiver::Work clsArchiver::Begin(const ArchiverRow& row, const ArchiverLibrary& library,
                                      const std::string& destination, ExtractionReport* report) const {
-  return Work{
-      row,         library,
-      destination, SMARTMAKEDIR,
-      report,      {library, environment_.user, pFileName, ARCHIVECHARSET, password_, &report->problems}};
+  return Work{row,
+              library,
+              destination,
+              SMARTMAKEDIR,
+              report,
+              {library,
+               environment_.user,
+               pFileName,
+               {ARCHIVECHARSET, password_, environment_.protected_files},
+               &report->problems}};
 }
 
 // One that fitted may fit the next archive, too.
@@ -171,12 +171,22 @@ void clsArchiver::Choose(Work* work) const {
   work->flat = work->flat && HaveOneTopFolder(work->names);
   report.doubled_folder_avoided = work->flat;
   const EntryFilter filter(INCLUDE, EXCLUDE);
-  std::erase_if(work->names, [&filter](const std::string& name) { return !filter.Passes(name); });
+  std::string problem = filter.Problem();
+  std::erase_if(work->names, [&](const std::string& name) {
+    const bool passes = problem.empty() && filter.Passes(name);
+    if (problem.empty()) problem = filter.Problem();
+    return !passes;
+  });
+  if (!problem.empty()) {
+    report.problems.push_back({"", std::move(problem)});
+    work->names.clear();  // what the others would let through may be what this one was to keep back
+  }
   Refuse(work);
-  report.chosen = work->names.size();
   work->groups = GroupEntries(std::move(work->names), work->flat);
+  KeepWhatIsNeeded(work);
   std::unordered_set<std::string> seen;
   for (const ExtractionGroup& group : work->groups) {
+    report.chosen += group.names.size();
     std::string folder = OutputFolder(work->destination, group.sub_folder);
     if (seen.insert(folder).second && !FolderExists(folder)) report.folders.push_back(std::move(folder));
   }
@@ -196,6 +206,24 @@ void clsArchiver::Refuse(Work* work) const {
     problems.push_back({name, std::move(problem)});
     return true;
   });
+}
+
+// The libraries that come with the program see to it themselves at the moment of writing; others may not know that they
+// should.
+void clsArchiver::KeepWhatIsNeeded(Work* work) const {
+  std::vector<std::string> archive_files = work->session.ReadFrom();
+  archive_files.push_back(pFileName);
+  ExtractionGuard guard(work->destination, archive_files, environment_.protected_files);
+  for (ExtractionGroup& group : work->groups) {
+    std::erase_if(group.names, [&](const std::string& name) {
+      if (work->flat && name.ends_with('/')) return false;  // it is not made
+      std::string problem = guard.Problem(PathOf(name, group, work->flat));
+      if (problem.empty()) return false;
+      work->report->problems.push_back({name, std::move(problem)});
+      return true;
+    });
+  }
+  std::erase_if(work->groups, [](const ExtractionGroup& group) { return group.names.empty(); });
 }
 
 bool clsArchiver::Run(Work* work) {

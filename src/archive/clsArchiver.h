@@ -38,6 +38,8 @@ class clsArchiver {
     UserInterface& user;
     std::function<clsOutput&()> output;
     std::string module_folder;  // of the archiver libraries
+    // Files, and folders with all that is in them, that the program needs: no entry replaces or becomes one.
+    std::vector<std::string> protected_files = {};
   };
   explicit clsArchiver(Environment environment);
   virtual ~clsArchiver() = default;
@@ -54,6 +56,10 @@ class clsArchiver {
   // The type of pFileName: 1 ZIP, 2 LZH, 3 CAB, 4 RAR, 5 7Z, 0 when no installed archiver library accepts it.
   // Of several that do the first in that order counts.
   virtual std::int16_t GetArcType();
+
+  // Why pFileName, which is to be extracted, has no type: one English line. Where GetArcType was not asked for it, the reason
+  // is its name's ending.
+  std::string WhyNoType();
 
   // Extracts pFileName, whose type is not 0, into `destination`. True when all that was to be extracted was,
   // also when that is nothing; otherwise LastReport tells why not.
@@ -77,10 +83,12 @@ class clsArchiver {
   struct Work;
   Work Begin(const ArchiverRow& row, const ArchiverLibrary& library, const std::string& destination,
              ExtractionReport* report) const;
+  std::string VolumeProblem();
   void RememberPassword(const Work& work);
   void List(Work* work);
   void Choose(Work* work) const;
   void Refuse(Work* work) const;
+  void KeepWhatIsNeeded(Work* work) const;
   void FindObstacles(const Work& work, bool somebody_answers) const;
   void Guarded(ExtractionReport* report, const std::function<void()>& step);
   bool Run(Work* work);
@@ -88,6 +96,7 @@ class clsArchiver {
   Environment environment_;
   ArchiverLibraries libraries_;
   std::int16_t type_ = 0;  // the last answer of GetArcType
+  std::string inspected_;  // the file that it was for
   std::string password_;   // that opened an archive of this run
 };
 

@@ -40,16 +40,16 @@ bool HaveOneTopFolder(const std::vector<std::string>& names) {
 
 EntryFilter::EntryFilter(const std::string& include, const std::string& exclude)
     : includes_all_(include.empty() || include.front() == ';'),
-      include_(Compile(include)),
-      exclude_(Compile(exclude)) {}
+      include_(Compile(include, "Include")),
+      exclude_(Compile(exclude, "Exclude")) {}
 
-std::vector<EntryFilter::Pattern> EntryFilter::Compile(const std::string& patterns) {
+std::vector<EntryFilter::Pattern> EntryFilter::Compile(const std::string& patterns, const char* key) {
   std::vector<Pattern> compiled;
   if (patterns.empty()) return compiled;
   const std::string list = patterns + ";";
   for (std::size_t begin = 0, end; (end = list.find(';', begin)) != std::string::npos; begin = end + 1) {
     const std::string pattern = list.substr(begin, end - begin);
-    compiled.push_back({Regex(pattern), pattern.find('/') != std::string::npos});
+    compiled.push_back({pattern, key, Regex(pattern), pattern.find('/') != std::string::npos});
   }
   return compiled;
 }
@@ -67,13 +67,25 @@ bool EntryFilter::Passes(const std::string& name) const {
   return !AnyFits(exclude_, upper);
 }
 
-std::string EntryFilter::Error() const {
+const EntryFilter::Pattern* EntryFilter::Unusable() const {
   for (const auto* patterns : {&include_, &exclude_}) {
     for (const Pattern& pattern : *patterns) {
-      if (!pattern.expression.Error().empty()) return pattern.expression.Error();
+      if (!pattern.expression.Error().empty()) return &pattern;
     }
   }
-  return "";
+  return nullptr;
+}
+
+std::string EntryFilter::Error() const {
+  const Pattern* pattern = Unusable();
+  return pattern == nullptr ? "" : pattern->expression.Error();
+}
+
+std::string EntryFilter::Problem() const {
+  const Pattern* pattern = Unusable();
+  if (pattern == nullptr) return "";
+  return "the pattern " + pattern->text + " of " + pattern->key +
+         " cannot be used: " + pattern->expression.Error();
 }
 
 std::vector<ExtractionGroup> GroupEntries(std::vector<std::string> names, bool flat) {

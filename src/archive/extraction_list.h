@@ -15,7 +15,8 @@ bool HaveOneTopFolder(const std::vector<std::string>& names);
 
 // What INCLUDE and EXCLUDE, patterns separated by ";", let through. With an empty first include pattern all
 // is included; folder entries never are by a pattern. A pattern with "/" is for the whole name, any other for
-// its last part. A pattern that is invalid fits nothing.
+// its last part. A pattern that is invalid, or takes too long on a name, fits nothing; whoever acts on the answers asks for
+// Problem after the last one.
 //   include ".*\.txt": "A/B.TXT" passes, "A/B.DAT" and "A/" do not
 //   exclude "a/.*":    "A/B" does not pass, "B/A" does
 class EntryFilter {
@@ -25,13 +26,19 @@ class EntryFilter {
 
   // Why a pattern fits nothing, as one line; empty while all can be used.
   std::string Error() const;
+  // The same with the pattern and the key that it stands in.
+  //   include "a;(" => "the pattern ( of Include cannot be used: missing closing parenthesis at offset 1"
+  std::string Problem() const;
 
  private:
   struct Pattern {
+    std::string text;
+    const char* key;
     Regex expression;
     bool for_whole_name;
   };
-  static std::vector<Pattern> Compile(const std::string& patterns);
+  static std::vector<Pattern> Compile(const std::string& patterns, const char* key);
+  const Pattern* Unusable() const;
   static bool AnyFits(const std::vector<Pattern>& patterns, const std::string& upper);
 
   bool includes_all_ = true;

@@ -105,7 +105,10 @@ bool clsMover::IsMoveIntoOwnFolder(StepKind kind) const {
 }
 
 std::string clsMover::KnownProblem(const ActionStep& step, bool execute) const {
-  if (step.kind == StepKind::kExtract && ARCHIVETYPE == 0) return "not an archive that can be extracted";
+  if (step.kind == StepKind::kExtract && ARCHIVETYPE == 0) {
+    archiver_->pFileName = ORIGINALPATH;
+    return archiver_->WhyNoType();
+  }
   if (step.to.empty()) return "no destination folder is set";
   if (!IsRootedPath(step.to)) return "the destination folder is not an absolute path";
   // Through links it would not lead where it seems to, and folders that are made on the way would stay.

@@ -52,7 +52,11 @@ Globals::Globals(const SettingsFolders& folders, bool create_files, UserInterfac
 
 void Globals::BeginRun(const std::vector<std::string>& paths) {
   auto archiver = std::make_unique<clsArchiver>(
-      clsArchiver::Environment{user_, [this]() -> clsOutput& { return *g_Output; }, module_folder_});
+      clsArchiver::Environment{user_,
+                               [this]() -> clsOutput& { return *g_Output; },
+                               module_folder_,
+                               {g_PropDefault->FileName(), g_PropItem->FileName(), g_PropTest->FileName(),
+                                platform::ExecutablePath(), module_folder_}});
   g_RunSettings = std::make_unique<RunSettings>(folders_);
   g_Mover = std::make_unique<clsMover>(clsMover::Environment{*g_FileInfo, *g_RunSettings, user_},
                                        std::move(archiver), Arguments(paths));

@@ -20,6 +20,12 @@ bool IsTaken(const std::string& path) {
   return ReadStatus(path, &status).ok();
 }
 
+bool IsTakenByFile(const std::string& path) {
+  EntryStatus status;
+  if (!ReadStatus(path, &status).ok() || status.is_folder()) return false;
+  return !status.is_link() || !IsFolder(path);
+}
+
 Result CheckNoLinks(const std::string& folder, const std::string& path) {
   for (std::size_t end = 0; end < path.size(); ++end) {
     end = std::min(path.find_first_of(kSeparators, end), path.size());

@@ -39,7 +39,7 @@ void ProtectedEntries::AddWay(const std::string& path, bool is_end) {
   const bool is_there = ReadStatus(path, &status).ok();
   EntryStatus parent;
   if ((is_end || !is_there) && ReadTargetStatus(folder, &parent).ok())
-    names_.emplace(ComparableName(name), Name{parent.id, owner_});
+    names_.emplace(ComparableName(name), Name{parent.id, is_there ? name : "", owner_});
   if (!is_there) return;
   if (is_end && status.is_folder()) return AddAllIn(path, status);
   if (is_end || status.is_link()) entries_.emplace(status.id, owner_);
@@ -66,7 +66,9 @@ Result ProtectedEntries::CheckName(const OpenFolder& folder, const std::string& 
   EntryStatus status;
   Result result = folder.Status(&status);
   for (auto found = first; result.ok() && found != last; ++found) {
-    if (found->second.folder == status.id) return Refused(found->second.owner, folder.Shown(name));
+    const Name& kept = found->second;
+    if (kept.folder == status.id && (kept.spelling.empty() || kept.spelling == name))
+      return Refused(kept.owner, folder.Shown(name));
   }
   return result;
 }

@@ -27,8 +27,8 @@ class ProtectedEntries {
   // comes to be in it.
   void Add(const std::string& path, Owner owner);
 
-  // kRefused, with the path that the folder shows for `name`, where that name in the folder is kept for something
-  // that is not there, in whatever case.
+  // kRefused, with the path that the folder shows for `name`, where that name in the folder is protected; of what was not
+  // there when it was added in any case, since there was no telling which cases are one.
   Result CheckName(const OpenFolder& folder, const std::string& name) const;
   // The same where `there`, the entry of that name, is protected.
   Result CheckEntry(const OpenFolder& folder, const std::string& name, const EntryStatus& there) const;
@@ -39,6 +39,7 @@ class ProtectedEntries {
  private:
   struct Name {
     EntryId folder;
+    std::string spelling;  // empty: any
     Owner owner;
   };
 

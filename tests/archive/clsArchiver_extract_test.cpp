@@ -137,6 +137,66 @@ GTEST_TEST(ClsArchiverExtract, PlacesThatCannotBeUsed) {
   }
 }
 
+// Whatever the library does about it itself.
+GTEST_TEST(ClsArchiverExtract, KeepsWhatTheProgramAndTheArchiveStandOn) {
+  const struct {
+    const char* destination;  // below the test's folder
+    bool smart;
+    const char* script;
+    Texts kept;
+    const char* names;  // that the library is asked for; empty: it is not called
+  } rows[] = {
+      {"",
+       true,
+       "entry T/A (2).7z\nentry T/Own.INI\nentry T/b\n",
+       {"T/Own.INI"},
+       "\"T/A (2).7Z\"\r\n\"T/B\""},
+      {"", true, "entry T/a.7z\nentry T/x/b\n", {"T/a.7z"}, "\"T/X/B\""},
+      {"", false, "entry a.7z\nentry T/a.7z\n", {"a.7z"}, "\"T/A.7Z\""},
+      {"", false, "entry second\nentry b\n", {"second"}, "\"B\""},
+      {"",
+       false,
+       "entry kept/x/y\nentry own.ini/x\nentry own.ini/\n",
+       {"kept/x/y", "own.ini/x", "own.ini/"},
+       ""},
+      {"kept/deep/deeper", false, "entry b\n", {"b"}, ""},
+      {"linked", false, "entry a.7z\nentry own.ini\n", {"a.7z", "own.ini"}, ""},
+      {"", false, "reads ~/volume\nentry volume\nentry b\n", {"volume"}, "\"B\""},
+  };
+  for (const auto& row : rows) {
+    for (const char* variant : {"plain", "full"}) {
+      std::string script = std::string("accept SevenZip\nprotected ~/own.ini\n") + row.script;
+      SCOPED_TRACE(script + variant);
+      const bool needs_session = script.find("reads") != script.npos;
+      if (needs_session && *variant == 'p') continue;
+      test::ArchiverBench bench;
+      for (std::size_t at; (at = script.find('~')) != script.npos;)
+        script.replace(at, 1, bench.folder.path());
+      bench.Install("7-zip32", variant);
+      fs::create_directory(bench.folder / "kept");
+      if (!test::MakeLink(bench.folder.path(), bench.folder / "linked") && *row.destination == 'l') continue;
+      test::WriteFile(bench.folder / "volume", "");
+      ASSERT_EQ(bench.Take("a.7z", script), 5);
+      fs::create_hard_link(bench.folder / "a.7z", bench.folder / "second");
+      const std::string destination =
+          *row.destination == '\0' ? bench.folder.path() : bench.folder / row.destination;
+      bench.archiver.SMARTMAKEDIR = row.smart;
+      const ExtractionReport plan = bench.archiver.PlanExtraction(destination);
+      EXPECT_FALSE(bench.archiver.mExtractArchive(destination));
+      const ExtractionReport& done = bench.archiver.LastReport();
+      EXPECT_EQ(bench.Problems(plan), bench.Problems(done));
+      EXPECT_EQ(plan.chosen, done.chosen);
+      Texts kept;
+      for (const ExtractionProblem& problem : done.problems) kept.push_back(problem.entry);
+      EXPECT_EQ(kept, row.kept);
+      EXPECT_EQ(done.chosen + kept.size(), done.all);
+      const std::string calls = bench.Calls();
+      EXPECT_EQ(calls.empty(), *row.names == '\0');
+      EXPECT_NE(calls.find(row.names), calls.npos) << calls;
+    }
+  }
+}
+
 // What the user chose is what the library is told.
 GTEST_TEST(ClsArchiverExtract, OptionsReachTheCommand) {
   for (const bool confirm : {false, true}) {

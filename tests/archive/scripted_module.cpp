@@ -10,6 +10,8 @@
 //   problem REASON    a problem to report during the first command, of the entry "e"
 //   password TEXT     to be asked for until it is given
 //   charset NAME      commands fail without this encoding of names in the session
+//   protected PATH    commands fail unless the session protects it
+//   reads PATH        a file to report as one that the archive is read from
 //   overwrite, proceed, progress    to be asked or told during each command
 //
 // What it was asked goes to the file ARCHIVE.calls: command lines, then the lines of their response files.
@@ -93,6 +95,12 @@ bool IsPasswordKnown(const Script& script, const std::string& archive) {
   return true;
 }
 
+bool IsProtected(std::string_view path) {
+  const char* const* paths = session->protected_paths;
+  while (*paths != nullptr && *paths != path) ++paths;
+  return *paths != nullptr;
+}
+
 // 0 unless an answer forbids to go on.
 std::int32_t Ask(const Script& script) {
   if (session == nullptr) return 0;
@@ -100,6 +108,7 @@ std::int32_t Ask(const Script& script) {
   for (const auto& [word, text] : script) {
     if (word == "overwrite" && session->overwrite(session->user, &version, &version) == ARCHIVER_CANCEL)
       return 9;
+    if (word == "protected" && !IsProtected(text)) return 9;
     if (word == "charset" && session->charset != text) return 9;
     if (word == "proceed" && session->proceed(session->user, text.c_str()) != ARCHIVER_YES) return 9;
     if (word == "progress" && session->progress(session->user, text.c_str(), 1, 2) == 0) return 9;
@@ -147,6 +156,9 @@ ArchiverHandle OpenScript(const char* archive) {
   commands_done.erase(archive);
   for (const std::string& reason : All(script, "listing")) {
     if (session != nullptr) session->problem(session->user, "", reason.c_str());
+  }
+  for (const std::string& path : All(script, "reads")) {
+    if (session != nullptr) session->reads_from(session->user, path.c_str());
   }
   if (!All(script, "closed").empty()) return 0;
   static ArchiverHandle last = 0;

@@ -3,6 +3,7 @@
 
 #include "base/display.h"
 #include "support/archiver_bench.h"
+#include "support/archives.h"
 #include "support/program.h"
 
 namespace quendle {
@@ -82,6 +83,39 @@ GTEST_TEST(ProgramExtraction, TellsProblems) {
   test::WriteFile(program.folder / "a.zip", "accept nobody\n");
   EXPECT_EQ(program.Run("--dry-run a.zip"), 1);
   EXPECT_NE(program.err.find(broken + ": "), std::string::npos) << program.err;
+}
+
+// An archive in the folder of a portable installation, which is also where it goes by default.
+GTEST_TEST(ProgramExtraction, NeverDestroysWhatItStandsOn) {
+  const test::TempFolder folder;
+  const std::string library = "UnZIP32" + std::string(platform::kLibrarySuffix);
+  fs::create_directories(folder / "p/modules");
+  fs::copy_file(QUENDLE_ZIP_MODULE, folder / ("p/modules/" + library));
+  fs::copy_file(QUENDLE_PROGRAM, folder / "p/quendle.exe");
+  test::WriteFile(folder / "p/mover.ini", "[General]\r\nFILER=none\r\n");
+  test::WriteFile(folder / "p/items.ini",
+                  "[Z]\r\nPattern=.*\\.zip\r\nID=1\r\nAction=1\r\nSmartMakeDir=1\r\n");
+  std::vector<test::StoredEntry> entries;
+  for (const std::string& name : {std::string("a.zip"), std::string("mover.ini"), std::string("items.ini"),
+                                  std::string("test.ini"), std::string("quendle.exe"), "modules/" + library,
+                                  std::string("modules/new"), std::string("readme")}) {
+    entries.push_back({"T/" + name, "evil"});
+  }
+  test::WriteFile(folder / "p/a.zip", test::StoredZip(entries));
+  const auto expected = test::Picture(folder / "p");
+  for (const char* mode : {"--dry-run", "--batch"}) {
+    const test::Ended ended =
+        test::RunProgram(folder, std::string("--settings p ") + mode + " p/a.zip", folder / "p/quendle.exe");
+    EXPECT_EQ(ended.status, 1) << ended.err;
+    EXPECT_NE(ended.err.find("T/a.zip: it would replace the archive that it comes from"), std::string::npos)
+        << ended.err;
+    EXPECT_NE(ended.err.find("(and 6 more)"), std::string::npos) << ended.err;
+  }
+  auto found = test::Picture(folder / "p");
+  EXPECT_EQ(found["readme"], "file evil");
+  EXPECT_NE(found["test.ini"], "file evil");  // the program makes one
+  for (const char* name : {"readme", "test.ini"}) found.erase(name);
+  EXPECT_EQ(found, expected);
 }
 
 // What lies beside the program is the user's own library on Windows, and nobody's on POSIX.

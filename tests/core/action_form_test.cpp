@@ -364,7 +364,7 @@ GTEST_TEST(ActionForm, OnlyWhatTheUserDidNotWantIsTold) {
       {"a cancel", "dir", 4, {Answer::kCancel}, false, ""},
       {"a cancel of the progress", "new.txt", 4, {}, true, ""},
       {"nobody", "a.txt", 2, {Answer::kNobody}, false, "同名のファイルがあります"},
-      {"no archive and no window", "a.txt", 3, {}, true, "解凍できるアーカイブではありません"},
+      {"no archive and no window", "a.txt", 3, {}, true, "アーカイブの拡張子ではなく"},
       {"its own folder", "a.txt", 2, {}, false, "すでにそこにあります"},
   };
   for (const auto& row : rows) {

@@ -46,7 +46,9 @@ struct Host {
             },
             [](void* user, const char* entry, const char* reason) {
               Of(user).problems.push_back(std::string(entry) + ": " + reason);
-            }};
+            },
+            nullptr,
+            [](void*, const char*) {}};
   }
 
  private:

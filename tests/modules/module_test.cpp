@@ -128,6 +128,44 @@ GTEST_TEST(Module, NamesTheReasonThatTellsMost) {
   EXPECT_TRUE(fixture.problems[0].starts_with("a: ZIP bad CRC")) << fixture.problems[0];
 }
 
+// Also for a host that does not know that it could protect anything.
+GTEST_TEST(Module, NeverReplacesWhatItReadsFromOrIsToKeep) {
+  const std::string zip =
+      test::StoredZip({{"a.zip.001", "evil"}, {"twin", "evil"}, {"own.ini", "2"}, {"b", "3"}});
+  for (const bool is_old_host : {false, true}) {
+    SCOPED_TRACE(is_old_host);
+    Fixture fixture(true, kZipFamily);
+    const std::string first = fixture.folder / "a.zip.001";
+    test::WriteFile(first, zip.substr(0, 100));
+    test::WriteFile(fixture.folder / "a.zip.002", zip.substr(100));
+    std::filesystem::create_hard_link(fixture.folder / "a.zip.002", fixture.folder / "twin");
+    const std::string own = fixture.folder / "own.ini";
+    const char* const protected_paths[] = {own.c_str(), nullptr};
+    static std::vector<std::string> read_from;
+    read_from.clear();
+    fixture.session.protected_paths = protected_paths;
+    fixture.session.reads_from = [](void*, const char* path) { read_from.push_back(path); };
+    if (is_old_host) fixture.session.struct_size = offsetof(ArchiverSession, protected_paths);
+    fixture.module.SetSession(&fixture.session);
+    auto expected = test::Picture(fixture.folder.path());
+    expected["b"] = "file 3";
+    if (is_old_host) expected["own.ini"] = "file 2";
+    char output[1000];
+    EXPECT_NE(fixture.module.Command(("-x -o \"" + first + "\" \"" + fixture.folder / "" + "\"").c_str(),
+                                     output, 1000),
+              0);
+    EXPECT_EQ(test::Picture(fixture.folder.path()), expected);
+    for (std::string& problem : fixture.problems) problem.resize(problem.rfind(": "));
+    std::vector<std::string> problems = {"a.zip.001: it would replace the archive that it comes from",
+                                         "twin: it would replace the archive that it comes from"};
+    if (!is_old_host) {
+      problems.push_back("own.ini: this place is kept for a file that Quendle itself needs");
+      EXPECT_EQ(read_from, (std::vector<std::string>{first, fixture.folder / "a.zip.002"}));
+    }
+    EXPECT_EQ(fixture.problems, problems);
+  }
+}
+
 GTEST_TEST(Module, CallsOverOneArchive) {
   Fixture fixture;
   test::g_first_engine.entries = {{"T/a", "1"}, {"T/s/b", "", ReadStatus::kFailed}, {"T/c/c", "3"}};

@@ -154,6 +154,10 @@ TEST_F(ExtractionFolderTest, WhatIsProtectedStays) {
   ASSERT_TRUE(folder_->BeginFile("late", {}).ok());
   fs::create_hard_link(At("own.ini"), At("late"));
   EXPECT_EQ(folder_->CommitFile("late", {}, Replace::kFile).code, Code::kRefused);
+  // What has been saved anew meanwhile is another file of the same name.
+  fs::remove(At("own.ini"));
+  test::WriteFile(At("own.ini"), "new");
+  EXPECT_EQ(Extract("own.ini", "evil", Replace::kFile).code, Code::kRefused);
   // Below the folder to begin with.
   ASSERT_TRUE(ExtractionFolder::Open(At("m/sub"), &folder_).ok());
   folder_->Protect(entries);

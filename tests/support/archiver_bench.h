@@ -31,7 +31,10 @@ class ArchiverBench {
       : temporary(kTemporaryFolder, MakeFolder("tmp")),
         runtime("XDG_RUNTIME_DIR", ""),
         output(user),
-        archiver({user, [this]() -> clsOutput& { return output; }, folder / "modules"}) {}
+        archiver({user,
+                  [this]() -> clsOutput& { return output; },
+                  folder / "modules",
+                  {folder / "own.ini", folder / "kept"}}) {}
 
   void Install(const std::string& name, const std::string& variant) {
     InstallModule(folder / "modules", name, variant);

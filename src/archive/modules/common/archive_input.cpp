@@ -47,6 +47,12 @@ platform::Result ArchiveInput::ReadAt(std::uint64_t position, void* buffer, std:
   return platform::Success();
 }
 
+std::vector<std::string> ArchiveInput::Paths() const {
+  std::vector<std::string> paths;
+  for (const auto& volume : volumes_) paths.push_back(volume->Path());
+  return paths;
+}
+
 std::uint64_t ArchiveInput::VolumeStart(std::size_t index) const {
   return starts_[index] - std::min(offset_, starts_[index]);
 }

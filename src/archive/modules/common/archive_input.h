@@ -31,6 +31,7 @@ class ArchiveInput {
 
   // The path of the (first) file.
   const std::string& Path() const { return volumes_.front()->Path(); }
+  std::vector<std::string> Paths() const;  // of all files
   // Where each volume begins, for formats that count positions in the volume.
   std::uint64_t VolumeStart(std::size_t index) const;
   std::size_t VolumeCount() const { return volumes_.size(); }

@@ -9,6 +9,7 @@
 namespace quendle::modules {
 namespace {
 
+using Owner = platform::ProtectedEntries::Owner;
 using Taken = platform::ExtractionFolder::Taken;
 
 std::string WithSeparator(std::string folder) {
@@ -38,13 +39,18 @@ std::string_view LastPart(std::string_view path) {
 
 }  // namespace
 
-platform::Result EntryWriter::Open(const std::string& archive, const std::vector<Call>& calls,
-                                   std::unique_ptr<EntryWriter>* writer) {
+platform::Result EntryWriter::Open(const ArchiveInput& archive,
+                                   const std::vector<std::string>& protected_paths,
+                                   const std::vector<Call>& calls, std::unique_ptr<EntryWriter>* writer) {
   std::string base = CommonFolder(calls);
   std::unique_ptr<platform::ExtractionFolder> folder;
   platform::Result result = platform::ExtractionFolder::Open(base, &folder);
   if (!result.ok()) return result;
-  folder->MarkLike(archive);
+  folder->MarkLike(archive.Path());
+  platform::ProtectedEntries entries;
+  for (const std::string& path : archive.Paths()) entries.Add(path, Owner::kArchive);
+  for (const std::string& path : protected_paths) entries.Add(path, Owner::kProgram);
+  folder->Protect(std::move(entries));
   writer->reset(new EntryWriter(std::move(base), std::move(folder)));
   return result;
 }

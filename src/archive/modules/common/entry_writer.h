@@ -19,9 +19,9 @@ namespace quendle::modules {
 class EntryWriter {
  public:
   // Opens the lowest folder that the folders of all calls lie in. What is known of the archive's origin will
-  // be known of its files.
-  static platform::Result Open(const std::string& archive, const std::vector<Call>& calls,
-                               std::unique_ptr<EntryWriter>* writer);
+  // be known of its files. What the archive is read from and `protected_paths` stays as it is.
+  static platform::Result Open(const ArchiveInput& archive, const std::vector<std::string>& protected_paths,
+                               const std::vector<Call>& calls, std::unique_ptr<EntryWriter>* writer);
 
   platform::Result CheckSpace(std::uint64_t bytes) const { return folder_->CheckSpace(bytes); }
 

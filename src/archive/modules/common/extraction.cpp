@@ -146,7 +146,8 @@ void Extraction::ChooseEntries() {
 
 // Asks and refuses what is to be asked and refused before a byte is written.
 bool Extraction::MayBegin() {
-  const platform::Result opened = EntryWriter::Open(archive_.input.Path(), calls_, &writer_);
+  const platform::Result opened =
+      EntryWriter::Open(archive_.input, session_.ProtectedPaths(), calls_, &writer_);
   const platform::Result space = opened.ok() ? writer_->CheckSpace(total_) : opened;
   if (!space.ok()) {
     Stop(space.path + ": " + space.reason);

@@ -72,6 +72,7 @@ Module::Archive Module::List(const std::string& path, std::string* reason) {
     if (reason->empty()) *reason = std::string("this is no archive of the kind ").append(family_.name);
     return nullptr;
   }
+  for (const std::string& part : input->Paths()) session_.ReadsFrom(ToHost(part));
   const std::string identity = input->Identity() + session_.Charset();
   if (last_ && last_identity_ == identity) return last_;
   // A password for a listing: none, since no engine here can open encrypted headers.
@@ -141,7 +142,7 @@ std::int32_t Module::UseUtf8(std::int32_t on) {
 }
 
 std::int32_t Module::SetSession(const ArchiverSession* session) {
-  session_ = Session(session);
+  session_ = Session(session, [this](std::string_view bytes) { return FromHost(bytes); });
   return kSuccess;
 }
 

@@ -1,11 +1,16 @@
 #include "archive/modules/common/session.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
+#include <cstring>
 
 namespace quendle::modules {
 namespace {
 
 constexpr std::chrono::milliseconds kBetweenReports{20};
+
+constexpr std::size_t kFirstSize = offsetof(ArchiverSession, protected_paths);
 
 ArchiverVersion ForHost(const platform::FileVersion& version) {
   return {version.path.c_str(), version.size, version.write_time};
@@ -13,11 +18,15 @@ ArchiverVersion ForHost(const platform::FileVersion& version) {
 
 }  // namespace
 
-Session::Session(const ArchiverSession* session) {
+Session::Session(const ArchiverSession* session, const Decode& decode) {
   // An older host has a shorter struct; a later one only has more behind what is known here.
-  if (session == nullptr || session->struct_size < sizeof *session) return;
-  session_ = *session;
-  if (session->charset != nullptr) charset_ = session->charset;
+  if (session == nullptr || session->struct_size < kFirstSize) return;
+  session_.emplace();
+  std::memcpy(&*session_, session, std::min<std::size_t>(session->struct_size, sizeof *session));
+  if (session_->charset != nullptr) charset_ = session_->charset;
+  if (session_->protected_paths == nullptr) return;
+  for (const char* const* path = session_->protected_paths; *path != nullptr; ++path)
+    protected_paths_.push_back(decode(*path));
 }
 
 bool Session::Progress(const std::string& entry, std::uint64_t done, std::uint64_t total) {
@@ -60,6 +69,10 @@ bool Session::AskProceed(const std::string& question) const {
 
 void Session::Problem(const std::string& entry, const std::string& reason) const {
   if (session_) session_->problem(session_->user, entry.c_str(), reason.c_str());
+}
+
+void Session::ReadsFrom(const std::string& path) const {
+  if (session_ && session_->reads_from != nullptr) session_->reads_from(session_->user, path.c_str());
 }
 
 }  // namespace quendle::modules

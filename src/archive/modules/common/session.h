@@ -3,8 +3,11 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "archive/archiver_abi.h"
 #include "platform/file_operation.h"
@@ -13,10 +16,14 @@ namespace quendle::modules {
 
 class Session {
  public:
-  // A copy of what the host gave; null: nobody, and every answer is no.
-  explicit Session(const ArchiverSession* session);
+  // A copy of what the host gave; null: nobody, and every answer is no. `decode` makes text of its paths.
+  using Decode = std::function<std::string(std::string_view)>;
+  explicit Session(
+      const ArchiverSession* session,
+      const Decode& decode = [](std::string_view bytes) { return std::string(bytes); });
 
   const std::string& Charset() const { return charset_; }
+  const std::vector<std::string>& ProtectedPaths() const { return protected_paths_; }
 
   // At most one call to the host in 20 milliseconds. False: cancelled.
   bool Progress(const std::string& entry, std::uint64_t done, std::uint64_t total);
@@ -26,10 +33,13 @@ class Session {
   std::optional<std::string> AskPassword(const std::string& archive) const;
   bool AskProceed(const std::string& question) const;
   void Problem(const std::string& entry, const std::string& reason) const;
+  // `path` is in the host's encoding.
+  void ReadsFrom(const std::string& path) const;
 
  private:
   std::optional<ArchiverSession> session_;
   std::string charset_;
+  std::vector<std::string> protected_paths_;
   std::chrono::steady_clock::time_point reported_;
 };
 

@@ -1,0 +1,88 @@
+// What type of archive a file is, and why it is none.
+#include <algorithm>
+#include <memory>
+#include <string_view>
+
+#include "archive/clsArchiver.h"
+#include "base/modString.h"
+#include "platform/input_file.h"
+#include "platform/unicode.h"
+
+namespace quendle {
+namespace {
+
+// ".r00", ".z01", ".002": a file that may be a later one of a set.
+bool IsNumbered(std::string_view extension) {
+  if (extension.size() < 3) return false;
+  extension.remove_prefix(extension.size() - 2);
+  return std::all_of(extension.begin(), extension.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+std::string ExtensionOf(const std::string& path) {
+  const std::string name = SplitPath(path).name;
+  const std::size_t dot = name.rfind('.');
+  return dot == std::string::npos ? "" : platform::UpperCase(name.substr(dot + 1));
+}
+
+// Why it can be no archive, whoever looks at it; empty when it may be one.
+std::string FileProblem(const std::string& path) {
+  std::unique_ptr<platform::InputFile> file;
+  const platform::Result opened = platform::InputFile::Open(path, &file);
+  if (opened.ok()) return "";
+  if (opened.code == platform::Code::kIsFolder) return "a folder is no archive";
+  if (opened.code == platform::Code::kRefused) return "a pipe or device is no archive";
+  return "it cannot be opened: " + opened.reason;
+}
+
+}  // namespace
+
+std::int16_t clsArchiver::GetArcType() {
+  std::vector<const ArchiverRow*> installed;
+  for (const ArchiverRow& row : ArchiverRows()) {
+    if (libraries_.IsInstalled(row)) installed.push_back(&row);
+  }
+  type_ = 0;
+  inspected_ = pFileName;
+  for (const ArchiverRow* row : installed) {
+    const ArchiverLibrary* library = libraries_.Use(*row);
+    if (library == nullptr || !library->Accepts(pFileName)) continue;
+    type_ = row->type;
+    break;
+  }
+  return type_;
+}
+
+std::string clsArchiver::WhyNoType() {
+  if (std::string problem = FileProblem(pFileName); !problem.empty()) return problem;
+  const std::string extension = ExtensionOf(pFileName);
+  if (inspected_ != pFileName) {
+    const std::string problem = IsNumbered(extension) ? VolumeProblem() : "";
+    return problem.empty() ? "its name has no archive's ending, and CheckArchive is 0" : problem;
+  }
+  bool any_installed = false;
+  for (const ArchiverRow& row : ArchiverRows()) {
+    const bool is_installed = libraries_.IsInstalled(row);
+    any_installed = any_installed || is_installed;
+    if (extension != row.name) continue;
+    if (!is_installed) return std::string("no archiver library for ") + row.name + " is installed";
+    const std::string problem = libraries_.Problem(row);
+    if (!problem.empty())
+      return std::string("the archiver library for ") + row.name + " cannot be used: " + problem;
+  }
+  return any_installed ? "no archiver library takes it for an archive" : "no archiver library is installed";
+}
+
+// What the first library that accepts the file says of it; empty when it has nothing to say.
+std::string clsArchiver::VolumeProblem() {
+  for (const ArchiverRow& row : ArchiverRows()) {
+    const ArchiverLibrary* library = libraries_.IsInstalled(row) ? libraries_.Use(row) : nullptr;
+    if (library == nullptr || !library->Accepts(pFileName)) continue;
+    std::vector<ExtractionProblem> problems;
+    const ArchiveSession session(*library, environment_.user, pFileName, {}, &problems);
+    const bool can_be_listed = !library->EntryNames(pFileName).empty();
+    return can_be_listed || problems.empty() ? "" : problems.front().reason;
+  }
+  return "";
+}
+
+}  // namespace quendle

@@ -1,0 +1,28 @@
+// Which entries of an archive may not go where they would, because the archive or the program stands on what is there.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/extraction_folder.h"
+
+namespace quendle {
+
+class ExtractionGuard {
+ public:
+  // `archive_files` is what the archive is read from; `program_files` are files and folders that the program needs.
+  // Both are looked at now. `destination` may not exist yet.
+  ExtractionGuard(const std::string& destination, const std::vector<std::string>& archive_files,
+                  const std::vector<std::string>& program_files);
+
+  // Why nothing may be made at the safe path below the destination, as one English line with the path; empty where it may
+  // as far as this is about.
+  std::string Problem(const std::string& path);
+
+ private:
+  std::unique_ptr<platform::ExtractionFolder> folder_;  // null where there is nothing to guard
+  std::string missing_;                                 // what the destination still lacks below it
+};
+
+}  // namespace quendle
