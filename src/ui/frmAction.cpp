@@ -43,6 +43,7 @@ frmAction::frmAction(ActionForm& form, const clsMover& mover, ActionServices ser
   ConnectMenus();
   installEventFilter(this);
   for (QWidget* control : findChildren<QWidget*>()) control->installEventFilter(this);
+  plan_timer_.setObjectName("planPause");
   plan_timer_.setSingleShot(true);
   plan_timer_.callOnTimeout(this, [this] { RenewPlan(); });
   Fill();

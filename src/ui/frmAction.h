@@ -133,7 +133,7 @@ class frmAction : public QDialog {
   std::array<QMenu*, 4> mnuMenu{};
   Actions mnuFile, mnuEdit, mnuOption, mnuAbout;
 
-  QTimer plan_timer_;
+  QTimer plan_timer_{this};
   std::optional<bool> shows_archive_;  // in the window's picture
   bool shows_folder_ = false;          // as the controls are made
   bool is_busy_ = false;               // a command runs, which may handle events

@@ -99,6 +99,7 @@ pid_t Start(std::vector<std::string> arguments) {
   raw.push_back(nullptr);
   const pid_t child = fork();
   if (child != 0) return child;
+  signal(SIGINT, SIG_DFL);  // ignored where the tests run in the background
   if (std::freopen("/dev/null", "w", stdout) != nullptr &&
       std::freopen("/dev/null", "w", stderr) != nullptr) {
     execv(raw[0], raw.data());

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "support/recorder.h"
 #include "support/scoped_variable.h"
 #include "support/temp_folder.h"
 
@@ -14,14 +15,21 @@ namespace {
 GTEST_TEST(SendTo, EntriesComeMoveAndGo) {
   const test::TempFolder home;
   const test::ScopedVariable variable("XDG_DATA_HOME", home / "data");
+  test::Recorder lister(home / "bin/update-desktop-database");
+  const test::ScopedVariable path("PATH", home / "bin:/bin:/usr/bin");
+  const std::string renewed = "2\n-q\n" + home / "data/applications" + "\n";
   EXPECT_FALSE(IsInSendTo("/opt/quendle"));
   EXPECT_TRUE(RemoveFromSendTo().ok());
+  EXPECT_EQ(lister.Take(), renewed);
   ASSERT_TRUE(AddToSendTo("/opt/quendle").ok());
+  EXPECT_EQ(lister.Take(), renewed);
   EXPECT_TRUE(IsInSendTo("/opt/quendle"));
   EXPECT_FALSE(IsInSendTo("/usr/bin/quendle"));
   ASSERT_TRUE(AddToSendTo("/usr/bin/quendle").ok());
+  EXPECT_EQ(lister.Take(), renewed);
   EXPECT_TRUE(IsInSendTo("/usr/bin/quendle"));
   ASSERT_TRUE(RemoveFromSendTo().ok());
+  EXPECT_EQ(lister.Take(), renewed);
   EXPECT_FALSE(IsInSendTo("/usr/bin/quendle"));
   for (const auto& entry : std::filesystem::recursive_directory_iterator(home / "data")) {
     EXPECT_TRUE(entry.is_directory()) << entry.path();
@@ -41,6 +49,7 @@ GTEST_TEST(SendTo, CommandsAreQuotedAsDesktopEntriesAsk) {
     SCOPED_TRACE(row.program);
     const test::TempFolder home;
     const test::ScopedVariable variable("XDG_DATA_HOME", home.path());
+    const test::ScopedVariable no_tools("PATH", home.path());  // which would go on in the folder
     ASSERT_TRUE(AddToSendTo(row.program).ok());
     for (const char* entry : {"applications", "Thunar/sendto", "kio/servicemenus"}) {
       const std::string text = test::ReadFile(home / (std::string(entry) + "/quendle.desktop"));
@@ -53,6 +62,7 @@ GTEST_TEST(SendTo, CommandsAreQuotedAsDesktopEntriesAsk) {
 GTEST_TEST(SendTo, WhatOthersHaveMadeStays) {
   const test::TempFolder home;
   const test::ScopedVariable variable("XDG_DATA_HOME", home.path());
+  const test::ScopedVariable no_tools("PATH", home.path());
   std::filesystem::create_directories(home / "Thunar/sendto");
   const std::string taken = home / "Thunar/sendto/quendle.desktop";
   std::ofstream(taken) << "mine";

@@ -24,13 +24,14 @@ class Recorder {
 #endif
   }
 
-  // The number of arguments and each of them on a line; "not started" when nothing comes for `patience`.
-  std::string Take(std::chrono::milliseconds patience = std::chrono::seconds(10)) {
-    constexpr std::chrono::milliseconds kStep{10};
-    for (auto left = patience; left.count() > 0 && !std::filesystem::exists(FsPath(record_)); left -= kStep) {
-      std::this_thread::sleep_for(kStep);
+  // The number of arguments and each of them on a line; "not started" when nothing comes for `patience`. What was
+  // started comes when the machine and its disk have the time, and then no test waits any longer.
+  std::string Take(std::chrono::milliseconds patience = std::chrono::seconds(100)) {
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (!std::filesystem::exists(FsPath(record_))) {
+      if (std::chrono::steady_clock::now() >= end) return "not started";
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    if (!std::filesystem::exists(FsPath(record_))) return "not started";
     std::string record = ReadFile(record_);
     std::filesystem::remove(FsPath(record_));
     return record;

@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTimer>
 #include <QtTest/QTest>
 #include <memory>
 #include <optional>
@@ -75,7 +76,8 @@ class ActionWindow {
 
   // The lines at the foot of the window, once they say what holds now.
   std::string Plan() const {
-    QTest::qWait(200);
+    const auto* pause = Get<QTimer>("planPause");
+    EXPECT_TRUE(QTest::qWaitFor([pause] { return !pause->isActive(); }, 30'000));
     return ShownPlan();
   }
   std::string ShownPlan() const {

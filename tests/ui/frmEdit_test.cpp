@@ -221,6 +221,7 @@ GTEST_TEST(FrmEdit, ButtonsFillTheirFields) {
 GTEST_TEST(FrmEdit, SendToIsSwitchedAtOnce) {
   const test::TempFolder home;
   const test::ScopedVariable data("XDG_DATA_HOME", home.path());
+  const test::ScopedVariable no_tools("PATH", home.path());  // which would go on in the folder
   test::Settings settings("");
   EditWindow edit(settings, EditMode::kGeneral);
   const std::string entry = home / "applications/quendle.desktop";

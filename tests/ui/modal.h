@@ -42,7 +42,7 @@ class WithModal {
     QTimer::singleShot(0, window, [this, window] { action_(*window); });
   }
 
-  static constexpr int kPatience = 400;
+  static constexpr int kPatience = 8000;  // with a machine that does other things, too
   std::function<void(QWidget&)> action_;
   QTimer timer_;
   std::vector<QPointer<QWidget>> seen_;

@@ -4,6 +4,7 @@
 
 #include <QComboBox>
 #include <QFileDialog>
+#include <QFileSystemModel>
 #include <QLineEdit>
 #include <QMessageBox>
 
@@ -34,11 +35,15 @@ class Typist {
             QTest::keyClick(dialog, Qt::Key_Escape);
             return;
           }
+          // Names count once the dialog has read the folder, which it does in a thread of its own.
+          auto* model = dialog->findChild<QFileSystemModel*>();
+          EXPECT_TRUE(QTest::qWaitFor([&] { return model->rowCount(model->index(folder)) > 0; }, kPatience));
           box->setText(name);
           QTest::keyClick(box, Qt::Key_Return);
-          // A name that was not taken leaves the dialog open.
-          QTimer::singleShot(50, dialog, [dialog] { dialog->reject(); });
+          if (dialog->isVisible()) dialog->reject();  // the name was not taken
         }) {}
+
+  static constexpr int kPatience = 30'000;  // milliseconds
 
   int questions = 0;
   QString folder;
