@@ -13,6 +13,7 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::system_clock;
 
 constexpr auto kLongestWait = 1s;  // beyond the first time that the file might have been left alone
+constexpr Clock::duration kShortestPause = 5ms;
 constexpr Clock::duration kLongestPause = 50ms;
 
 // For how long a file with this stamp has to be left alone. The clock that stamps files advances in steps of
@@ -68,7 +69,7 @@ Result ReadSettledFile(const std::string& path, std::string* bytes, EntryStatus*
     bytes->clear();
     if (std::chrono::steady_clock::now() - begin > QuietTime(stamp) + kLongestWait)
       return Failure(Code::kFailed, path, "it is being changed");
-    std::this_thread::sleep_for(std::clamp<Clock::duration>(missing, 1ms, kLongestPause));
+    std::this_thread::sleep_for(std::clamp(missing, kShortestPause, kLongestPause));
   }
 }
 
