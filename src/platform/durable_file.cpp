@@ -38,9 +38,13 @@ bool IsSure(const WatchedRead& watched, Clock::duration missing_quiet, std::size
   return watched.writers == WatchedRead::Writers::kNone;
 }
 
-bool IsDanglingLink(const std::string& path) {
+// Nothing of that name, or a link that leads nowhere? Success when there is something by now.
+Result WhatIsMissing(const std::string& path, const Result& not_found) {
   EntryStatus status;
-  return ReadStatus(path, &status).ok() && status.is_link();
+  Result named = ReadStatus(path, &status);
+  if (named.code == Code::kNotFound) return not_found;
+  if (!named.ok() || !status.is_link()) return named;
+  return Failure(Code::kFailed, path, "the link leads nowhere");
 }
 
 }  // namespace
@@ -55,12 +59,12 @@ Result ReadSettledFile(const std::string& path, std::string* bytes, EntryStatus*
     WatchedRead watched;
     const Clock::time_point now = Clock::now();
     Result result = ReadWatched(path, bytes, &watched);
-    if (result.code == Code::kNotFound && IsDanglingLink(path))
-      return Failure(Code::kFailed, path, "the link leads nowhere");
+    const bool is_there = result.code != Code::kNotFound;
+    if (!is_there) result = WhatIsMissing(path, result);
     if (!result.ok()) return result;
     const EntryTime& stamp = watched.before.change_time;
     const Clock::duration missing = MissingQuiet(stamp, now);
-    if (IsSure(watched, missing, bytes->size())) {
+    if (is_there && IsSure(watched, missing, bytes->size())) {
       if (status != nullptr) *status = watched.before;
       return result;
     }

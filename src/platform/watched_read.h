@@ -27,10 +27,11 @@ inline std::chrono::system_clock::duration AgeOf(const EntryTime& stamp,
          duration_cast<std::chrono::system_clock::duration>(std::chrono::nanoseconds(stamp.nanoseconds));
 }
 
-// Who writes a file may be kept from the processor in the midst of it, on a busy machine for long.
+// Who writes a file may be kept from the processor in the midst of it, on a busy machine for long. But network
+// file systems may call every file written, and must not be believed for longer than who reads waits.
 inline bool IsChangedLately(const EntryStatus& status) {
   return std::chrono::abs(AgeOf(status.change_time, std::chrono::system_clock::now())) <
-         std::chrono::seconds(3);
+         std::chrono::milliseconds(900);
 }
 
 }  // namespace quendle::platform

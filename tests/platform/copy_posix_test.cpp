@@ -1,10 +1,8 @@
 // What a copy keeps, and what is left when the system or the process ends it.
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/xattr.h>
 
 #include "support/rights_posix.h"
@@ -90,27 +88,6 @@ TEST_P(CopyingOnPosix, AnExitLeavesBothSidesAsTheyWere) {
     EXPECT_EQ(Picture(source_.path()), before);
     EXPECT_TRUE(Picture(destination_.path()).empty());
   }
-}
-
-TEST_P(CopyingOnPosix, AFailingWriteLeavesBothSidesAsTheyWere) {
-  WriteFile(source_ / "big", std::string(kBig, 'b'));
-  WriteFile(source_ / "tree/big", std::string(kBig, 'b'));
-  WriteFile(source_ / "tree/small", "s");
-  const auto before = Picture(source_.path());
-  rlimit usual{};
-  getrlimit(RLIMIT_FSIZE, &usual);
-  const auto former = std::signal(SIGXFSZ, SIG_IGN);
-  const rlimit small{kBig / 2, usual.rlim_max};
-  setrlimit(RLIMIT_FSIZE, &small);
-  for (const char* name : {"big", "tree"}) {
-    const Result result = RunSame(name);
-    EXPECT_EQ(result.code, Code::kFailed);
-    EXPECT_TRUE(result.path.starts_with(destination_ / name)) << result.path;
-    EXPECT_EQ(Picture(source_.path()), before);
-    EXPECT_TRUE(Picture(destination_.path()).empty());
-  }
-  setrlimit(RLIMIT_FSIZE, &usual);
-  std::signal(SIGXFSZ, former);
 }
 
 }  // namespace

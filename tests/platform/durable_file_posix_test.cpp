@@ -1,5 +1,4 @@
 #include <grp.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -39,23 +38,6 @@ GTEST_TEST(ReplaceFile, RefusesDevices) {
   std::string bytes = "left over";
   EXPECT_EQ(ReadWholeFile("/dev/zero", &bytes).code, Code::kRefused);
   EXPECT_EQ(ReplaceFile("/dev/zero", "x").code, Code::kRefused);
-}
-
-GTEST_TEST(ReplaceFile, AFailingWriteLeavesTheOldBytes) {
-  const test::TempFolder folder;
-  test::WriteFile(folder / "a.ini", "old");
-  rlimit usual{};
-  getrlimit(RLIMIT_FSIZE, &usual);
-  const auto former = std::signal(SIGXFSZ, SIG_IGN);
-  const rlimit small{1 << 20, usual.rlim_max};
-  setrlimit(RLIMIT_FSIZE, &small);
-  const Result result = ReplaceFile(folder / "a.ini", std::string(3 << 20, 'x'));
-  setrlimit(RLIMIT_FSIZE, &usual);
-  std::signal(SIGXFSZ, former);
-  EXPECT_EQ(result.code, Code::kFailed);
-  EXPECT_EQ(result.path, folder / "a.ini");
-  EXPECT_EQ(test::ReadFile(folder / "a.ini"), "old");
-  EXPECT_EQ(EntriesIn(folder.path()), 1U);
 }
 
 // Rights do not bind the superuser, so a child that is nobody tries.

@@ -148,8 +148,8 @@ TEST_F(Trash, BringsBackOnlyWhatWentThere) {
         if (is_exchanged) WriteFile(InTrash("other"), "other");
         if (is_exchanged) fs::rename(InTrash("other"), InTrash("files/old"));
       };
-      disk.Before(test::DiskCall::kRename, 3, exchange);
-      disk.Fail(test::DiskCall::kRename, 3, EIO);
+      disk.Before("rename", 3, exchange);
+      disk.Fail("rename", 3, EIO);
       result = MoveEntry(folder_ / "new", folder_ / "old", {.allow_undo = true}, &observer_);
     }
     EXPECT_EQ(result.code, Code::kFailed);
