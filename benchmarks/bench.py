@@ -26,6 +26,28 @@ def small_move(home):
     row("one small file moved / mv", ours, theirs, "at most 2")
 
 
+def batch_move(home, count=20_000):
+    """Many files in one run, from one folder into another on the same file system. The first round only warms up."""
+    inbox, out = os.path.join(home, "in"), os.path.join(home, "out")
+    os.makedirs(inbox), os.makedirs(out)
+    folder = settings(os.path.join(home, "s"), {"all": profile(".*", 2, out)})
+    files = [os.path.join(inbox, f"f{i:05}.txt") for i in range(count)]
+    for file in files:
+        open(file, "w").close()
+    commands = ((PROGRAM, "--batch", "--settings", folder, *files), ("mv", "-n", "-t", out, *files))
+    times = ([], [])
+    for turn in range(6):
+        for index in (0, 1) if turn % 2 else (1, 0):
+            os.sync()
+            wall, _ = run(*commands[index])
+            if turn > 0:
+                times[index].append(wall)
+            os.rmdir(inbox)
+            os.rename(out, inbox)
+            os.makedirs(out)
+    row(f"a batch of {count:,} moves / mv -n -t", *times, "at most 5", of=min)
+
+
 def make_big(path):
     block = os.urandom(1 << 20)
     with open(path, "wb") as file:
@@ -112,6 +134,7 @@ def main():
             sys.exit(f"{DISK} and {MEMORY} are one file system; set BENCH_DISK and BENCH_MEMORY")
         print(f"{'':<58} {'Quendle':>13} {'the tool':>13} {'ratio':>6}  aim")
         small_move(os.path.join(disk, "small"))
+        batch_move(os.path.join(disk, "batch"))
         transfers("1GiB", make_big, ("cp",), 7, "at most 1.1", disk, memory)
         transfers("10000files", make_tree, ("cp", "-a"), 5, "at most 1.2", disk, memory)
         many_profiles(disk)

@@ -11,12 +11,6 @@
 namespace quendle {
 namespace {
 
-// Line and paragraph separators, and everything that reorders the text around it.
-bool IsDeceptive(char32_t c) {
-  return (c >= 0x7F && c < 0xA0) || c == 0x061C || c == 0x200E || c == 0x200F ||
-         (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
-}
-
 // What stands around the numbers of characters on Windows, where names have no backslash to be doubled.
 constexpr std::string_view kOpen = "‹";
 constexpr std::string_view kClose = "›";
@@ -122,6 +116,12 @@ std::string Unescaped(std::string_view shown, PathStyle style, std::size_t* leng
 }
 
 }  // namespace
+
+bool IsDeceptive(char32_t character) {
+  return (character >= 0x7F && character < 0xA0) || character == 0x061C || character == 0x200E ||
+         character == 0x200F || (character >= 0x2028 && character <= 0x202E) ||
+         (character >= 0x2066 && character <= 0x2069);
+}
 
 std::string FromDisplay(std::string_view shown, PathStyle style) {
   std::string name;

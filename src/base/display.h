@@ -25,6 +25,9 @@ std::string ForDisplay(std::string_view name, PathStyle style = kHostStyle);
 //   a.txt => a.txt      a\nb => a, line break, b      a\xFF => a, byte FF      a\\b => a\b      a\q => a\q
 std::string FromDisplay(std::string_view shown, PathStyle style = kHostStyle);
 
+// Line and paragraph separators, DEL and the C1 controls, and everything that reorders the text around it.
+bool IsDeceptive(char32_t character);
+
 // For a string that may hold any character of UTF-8, as in JSON: bytes that are not UTF-8 become \xNN, a
 // backslash \\.
 std::string WithEscapedBytes(std::string_view name);

@@ -11,6 +11,7 @@ struct OptionRule {
   std::string_view value;  // what the value is called; empty: the option takes none
   std::string_view help;
   std::function<void(Options*, const std::string&)> apply;
+  std::string_view short_name = {};
 };
 
 const std::vector<OptionRule>& Rules() {
@@ -29,7 +30,7 @@ const std::vector<OptionRule>& Rules() {
        [](Options* o, const std::string& value) { o->password_file = value; }},
       {"--confirm", "", "ask before acting, like holding Ctrl (windowed)",
        [](Options* o, const std::string&) { o->confirm = true; }},
-      {"--help", "", "show this text", [](Options* o, const std::string&) { o->help = true; }},
+      {"--help", "", "show this text", [](Options* o, const std::string&) { o->help = true; }, "-h"},
       {"--version", "", "show the version", [](Options* o, const std::string&) { o->version = true; }},
   };
   return rules;
@@ -37,7 +38,7 @@ const std::vector<OptionRule>& Rules() {
 
 const OptionRule* FindRule(std::string_view name) {
   for (const OptionRule& rule : Rules()) {
-    if (rule.name == name) return &rule;
+    if (name == rule.name || (!rule.short_name.empty() && name == rule.short_name)) return &rule;
   }
   return nullptr;
 }
@@ -97,6 +98,7 @@ std::string UsageText() {
   std::string text = "usage: quendle [OPTION...] [PATH...]\n";
   for (const OptionRule& rule : Rules()) {
     std::string left = std::string("  ").append(rule.name);
+    if (!rule.short_name.empty()) left.append(", ").append(rule.short_name);
     if (!rule.value.empty()) left.append(" ").append(rule.value);
     left.resize(24, ' ');
     text += left + std::string(rule.help) + "\n";

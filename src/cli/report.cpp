@@ -1,5 +1,6 @@
 #include "cli/report.h"
 
+#include <cstdio>
 #include <nlohmann/json.hpp>
 
 #include "base/display.h"
@@ -73,6 +74,23 @@ std::string ErrorText(const std::string& error) {
   return platform::WithReplacementCharacters(error);
 }
 
+// Such characters stand in strings only, where their numbers mean the same.
+std::string WithoutDeception(std::string_view json) {
+  std::string text;
+  while (!json.empty()) {
+    const std::string_view rest = json;
+    char32_t character = 0;
+    if (platform::TakeCodePoint(&json, &character) && IsDeceptive(character)) {
+      char number[16];
+      std::snprintf(number, sizeof number, "\\u%04x", static_cast<unsigned>(character));
+      text += number;
+    } else {
+      text += rest.substr(0, rest.size() - json.size());
+    }
+  }
+  return text;
+}
+
 bool HasRawBytes(const DispatchReport& report) {
   bool valid = platform::IsUtf8(report.path) && platform::IsUtf8(report.name);
   for (const ActionStep& step : report.steps) {
@@ -141,7 +159,7 @@ std::string JsonLine(const DispatchReport& report) {
   object["result"] = OutcomeWord(report.outcome);
   if (!report.error.empty()) object["error"] = ErrorText(report.error);
   if (escaped) object["escaped"] = true;
-  return object.dump();
+  return WithoutDeception(object.dump());
 }
 
 }  // namespace quendle

@@ -6,6 +6,7 @@
 #include "core/modMain.h"
 #include "platform/durable_file.h"
 #include "platform/unicode.h"
+#include "settings/application_folder.h"
 
 namespace quendle {
 
@@ -25,6 +26,13 @@ std::vector<std::string> TakenPaths(const Options& options) {
 std::vector<std::string> SurplusPaths(const Options& options) {
   if (!IsWindowed(options) || options.paths.size() <= kMostPaths) return {};
   return {options.paths.begin() + kMostPaths, options.paths.end()};
+}
+
+bool HasSettingsFolder(const Options& options) {
+  if (options.settings.empty()) return true;
+  const platform::Result checked = CheckChosenFolder(options.settings);
+  if (!checked.ok()) TerminalUser::Warn("--settings " + ForDisplay(checked.path) + ": " + checked.reason);
+  return checked.ok();
 }
 
 bool ReadPassword(const std::string& file, std::optional<std::string>* password) {

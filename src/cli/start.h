@@ -20,6 +20,9 @@ inline bool IsWindowed(const Options& options) {
   return !options.batch && !options.dry_run;
 }
 
+// False, and said on the error stream, when the folder that is to hold the settings cannot.
+bool HasSettingsFolder(const Options& options);
+
 // False, and said on the error stream, when the file that is to hold the password does not.
 bool ReadPassword(const std::string& file, std::optional<std::string>* password);
 

@@ -56,7 +56,7 @@ bool ResolveProfile(const Options& options, const clsMover& mover, DispatchOptio
 int RunUnattended(const Options& options) {
   platform::CatchInterrupts();
   std::optional<std::string> password;
-  if (!ReadPassword(options.password_file, &password)) return kExitUsage;
+  if (!HasSettingsFolder(options) || !ReadPassword(options.password_file, &password)) return kExitUsage;
   TerminalUser user(platform::ErrorStreamColumns(), std::move(password));
   const std::vector<std::string> paths = TakenPaths(options);
   Globals globals(FindSettingsFolders(options.settings), !options.dry_run, user, FindModuleFolder(), paths);

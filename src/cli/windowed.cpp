@@ -146,7 +146,7 @@ int Run(const Options& options, const SettingsFolders& folders, platform::Runnin
 int RunWindowed(const Options& options) {
   platform::CatchInterrupts();
   std::optional<std::string> password;
-  if (!ReadPassword(options.password_file, &password)) return kExitUsage;
+  if (!HasSettingsFolder(options) || !ReadPassword(options.password_file, &password)) return kExitUsage;
   const SettingsFolders folders = FindSettingsFolders(options.settings);
   std::unique_ptr<platform::RunningCopy> copy;
   if (!BecomeFirst(options, folders, &copy)) return kExitUndone;

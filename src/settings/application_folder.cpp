@@ -3,6 +3,7 @@
 #include "base/modString.h"
 #include "base/text.h"
 #include "platform/known_folders.h"
+#include "platform/paths.h"
 #include "resources/string_table.h"
 
 namespace quendle {
@@ -24,6 +25,16 @@ SettingsFolders FindSettingsFolders(const std::string& chosen) {
     return Together(executable_folder);
   }
   return {AddBackslash(platform::SettingsRoot()) + "quendle", platform::DownloadFolder()};
+}
+
+platform::Result CheckChosenFolder(const std::string& chosen) {
+  const std::string folder = Together(chosen).application;
+  if (FolderExists(folder)) return platform::Success();
+  if (platform::IsTaken(folder))
+    return platform::Failure(platform::Code::kRefused, folder, "this is not a folder");
+  const std::string parent = RemoveBackslashes(SplitPath(folder).folder);
+  if (FolderExists(parent)) return platform::Success();
+  return platform::Failure(platform::Code::kNotFound, folder, "there is no folder to make it in");
 }
 
 }  // namespace quendle

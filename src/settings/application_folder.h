@@ -16,4 +16,8 @@ namespace quendle {
 // hidden folder of settings is no place for files. Nothing is created here.
 SettingsFolders FindSettingsFolders(const std::string& chosen);
 
+// Why a folder that was given on the command line is not taken: something else has its place, or it would have to be made
+// together with the one above, so that it was probably not meant.
+platform::Result CheckChosenFolder(const std::string& chosen);
+
 }  // namespace quendle

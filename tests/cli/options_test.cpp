@@ -30,6 +30,18 @@ GTEST_TEST(Options, ReadsPathsAndOptions) {
   }
 }
 
+GTEST_TEST(Options, HelpGoesBeforeEverything) {
+  for (const char* name : {"--help", "-h"}) {
+    std::string problem;
+    const auto options = ParseOptions({"quendle", "--batch", name}, &problem);
+    ASSERT_TRUE(options) << problem;
+    EXPECT_TRUE(options->help) << name;
+    EXPECT_NE(UsageText().find(name), std::string::npos);
+  }
+  const auto path = ParseOptions({"quendle", "--", "-h"}, nullptr);
+  EXPECT_TRUE(path && !path->help && path->paths == Arguments{"-h"});
+}
+
 GTEST_TEST(Options, RefusesWrongUsage) {
   const struct {
     Arguments arguments;
@@ -37,6 +49,7 @@ GTEST_TEST(Options, RefusesWrongUsage) {
   } rows[] = {
       {{"--bathc", "a"}, "--bathc"},
       {{"-x", "a"}, "-x"},
+      {{"-h=1", "a"}, "no value"},
       {{"--batch"}, "no path"},
       {{"--json", "a"}, "--json"},
       {{"--batch=1", "a"}, "no value"},

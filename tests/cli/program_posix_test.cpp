@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 
+#include "platform/unicode.h"
 #include "support/file_systems.h"
 #include "support/program.h"
 
@@ -45,6 +46,26 @@ GTEST_TEST(Program, JsonNamesThatAreNoText) {
   EXPECT_EQ(object["escaped"], true);
   EXPECT_EQ(object["result"], "done");
   EXPECT_TRUE(fs::exists(folder / "m/q\"\xFF\\.t"));
+}
+
+GTEST_TEST(Program, JsonDoesNotMoveTheTerminal) {
+  test::TempFolder folder;
+  test::WriteSettings(folder, "[T]\r\nPattern=.*t\r\nID=1\r\nAction=2\r\n");
+  std::string name, numbers;
+  constexpr std::u32string_view kDeceptive =
+      U"\u007F\u0080\u009B\u009F\u061C\u200E\u200F\u2028\u202A\u202E\u2066\u2069";
+  for (const char32_t c : kDeceptive) {
+    char number[16];
+    std::snprintf(number, sizeof number, "\\u%04x", static_cast<unsigned>(c));
+    numbers += number;
+    platform::AppendCodePoint(c, &name);
+  }
+  const std::string harmless = "\u00A0\u200D\u2065\u206A表";
+  test::WriteFile(folder / "in/" + name + harmless + ".t", "x");
+  const std::string out = test::RunProgram(folder, "--batch --json in/*").out;
+  EXPECT_NE(out.find("/m/" + numbers + harmless + ".t"), std::string::npos) << out;
+  EXPECT_EQ(out.find(name), std::string::npos);
+  EXPECT_EQ(nlohmann::json::parse(out)["name"], name + harmless + ".t");
 }
 
 GTEST_TEST(Program, ResultsThatCannotBeWritten) {

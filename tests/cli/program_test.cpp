@@ -128,11 +128,32 @@ GTEST_TEST(Program, DamagedSettingsGetAClearLine) {
   const test::Ended ended = test::RunProgram(folder, "--dry-run x.txt");
   EXPECT_NE(ended.err.find(test::Native("s/items.ini: ")), std::string::npos) << ended.err;
   EXPECT_FALSE(fs::exists(folder / "s/mover.ini")) << "a dry run makes no settings files";
+}
 
+GTEST_TEST(Program, NoSettingsComeIntoBeingWhereNobodyMeantThem) {
+  test::TempFolder folder;
   test::WriteFile(folder / "file", "");
-  const test::Ended unwritable = test::RunProgram(folder, "--batch --settings file x.txt");
-  EXPECT_EQ(unwritable.status, 1);
-  EXPECT_NE(unwritable.err.find("the settings files could not be made"), std::string::npos) << unwritable.err;
+  test::WriteFile(folder / "x.txt", "");
+  const struct {
+    const char *settings, *reason;  // null: they are made
+  } rows[] = {{"none/new", "there is no folder to make it in"},
+              {"none/new/", "there is no folder to make it in"},
+              {"file/new", "there is no folder to make it in"},
+              {"file", "this is not a folder"},
+              {"new", nullptr},
+              {"new/", nullptr}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.settings);
+    fs::remove_all(test::FsPath(folder / "new"));
+    const std::string arguments = std::string("--batch --settings ") + row.settings + " x.txt";
+    const test::Ended ended = test::RunProgram(folder, arguments);
+    EXPECT_EQ(ended.status, row.reason == nullptr ? 1 : 2);
+    if (row.reason != nullptr) {
+      EXPECT_NE(ended.err.find(row.reason), std::string::npos) << ended.err;
+    }
+    EXPECT_EQ(fs::exists(test::FsPath(folder / "new/mover.ini")), row.reason == nullptr);
+    EXPECT_FALSE(fs::exists(test::FsPath(folder / "none")));
+  }
 }
 
 }  // namespace
