@@ -43,6 +43,8 @@ std::int16_t clsArchiver::GetArcType() {
   }
   type_ = 0;
   inspected_ = pFileName;
+  // A library that opens a pipe may wait for ever.
+  if (!FileProblem(pFileName).empty()) return type_;
   for (const ArchiverRow* row : installed) {
     const ArchiverLibrary* library = libraries_.Use(*row);
     if (library == nullptr || !library->Accepts(pFileName)) continue;

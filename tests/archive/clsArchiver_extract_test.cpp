@@ -67,6 +67,7 @@ GTEST_TEST(ClsArchiverExtract, WhatIsLeftToExtract) {
       {"entry a.txt\nentry b.dat\n", ".*dat", true, "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"A.TXT\"\n", {}},
       {"", "", true, "", {}},
       {"entry a\n", "a", true, "", {}},
+      {"entry a\n", "(", false, "", {": the pattern ( of Exclude cannot be used: missing"}},
       {"closed\n", "", true, "", {}},
       {"closed\nlisting it is cut\n", "", false, "", {": it is cut"}},
       {"entry ../a\nentry b\n", "", false, "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"B\"\n", {"../a: "}},
@@ -273,8 +274,9 @@ GTEST_TEST(ClsArchiverExtract, Passwords) {
   EXPECT_TRUE(bench.user.asked_password.empty()) << "remembered";
   bench.user.passwords = {"q"};
   EXPECT_TRUE(extract("d.7z", "q"));
-  bench.user.passwords = {};
+  bench.user.passwords = {"wrong"};
   EXPECT_FALSE(extract("e.7z", "r"));
+  bench.user.passwords = {};
   EXPECT_TRUE(extract("f.7z", "q")) << "a failure does not replace what is remembered";
 }
 

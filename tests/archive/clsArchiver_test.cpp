@@ -50,6 +50,51 @@ GTEST_TEST(ClsArchiver, LibrariesThatCannotBeUsedCountAsMissing) {
   EXPECT_EQ(bench.archiver.LibraryProblems().size(), 1U);
 }
 
+GTEST_TEST(ClsArchiver, SaysWhyAFileHasNoType) {
+  test::ArchiverBench bench;
+  const auto why = [&bench](const std::string& name, bool is_asked) {
+    bench.archiver.pFileName = bench.folder / name;
+    const int type = is_asked ? bench.archiver.GetArcType() : 0;
+    EXPECT_EQ(type, 0);
+    const std::string reason = bench.archiver.WhyNoType();
+    return reason.substr(0, reason.find(bench.folder.path()));
+  };
+  for (const char* name : {"a.Zip", "a.txt"}) test::WriteFile(bench.folder / name, "x");
+  EXPECT_EQ(why("a.txt", true), "no archiver library is installed");
+  bench.Install("7-zip32", "full");
+  test::WriteFile(bench.Module("UnLHA32"), "no library");
+  const std::string later =
+      "accept SevenZip\nclosed\nlisting the archive begins in " + bench.folder.path() + "\n";
+  const struct {
+    const char* name;
+    bool is_asked;
+    std::string content;
+    const char* reason;
+  } rows[] = {
+      {"gone.zip", false, "", "it cannot be opened: No such file or directory"},
+      {"modules", false, "", "a folder is no archive"},
+      {"pipe", true, "", "a pipe or device is no archive"},
+      {"a.txt", false, "x", "its name has no archive's ending, and CheckArchive is 0"},
+      {"a.002", false, "x", "its name has no archive's ending, and CheckArchive is 0"},
+      {"b.002", false, "accept SevenZip\nentry a\n",
+       "its name has no archive's ending, and CheckArchive is 0"},
+      {"a.7z.002", false, later, "the archive begins in "},
+      {"a.dat", false, later, "its name has no archive's ending, and CheckArchive is 0"},
+      {"a.txt", true, "x", "no archiver library takes it for an archive"},
+      {"a.7z", true, "x", "no archiver library takes it for an archive"},
+      {"a.Zip", true, "x", "no archiver library for ZIP is installed"},
+      {"a.lzh", true, "x", "the archiver library for LZH cannot be used: "},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    if (!row.content.empty()) test::WriteFile(bench.folder / row.name, row.content);
+    if (std::string(row.name) == "pipe" && !test::MakePipe(bench.folder / row.name)) continue;
+    if (std::string(row.name) == "gone.zip" && test::kSeparator != '/')
+      continue;  // the system's words are others
+    EXPECT_TRUE(why(row.name, row.is_asked).starts_with(row.reason)) << why(row.name, row.is_asked);
+  }
+}
+
 GTEST_TEST(ClsArchiver, Plans) {
   const std::string part(200, 'a');
   const std::string deep_name = part + "/" + part + "/" + part;
@@ -69,6 +114,16 @@ GTEST_TEST(ClsArchiver, Plans) {
       {"full", true, ".*\\.txt", "entry T/\nentry T/a.txt\nentry T/b.dat\n", 3, 1, {""}, true, {}},
       {"full", true, "\\.txt$", "entry T/a.txt\n", 1, 0, {}, true, {}},
       {"full", true, "", "", 0, 0, {}, false, {}},
+      {"full", true, "b;(", "entry b\n", 1, 0, {}, false, {": the pattern ( of Include cannot be used: *"}},
+      {"full",
+       true,
+       "(x+)+\\d",
+       "entry T/b\nentry T/" + std::string(200, 'x') + "\nentry T/c\n",
+       3,
+       0,
+       {},
+       true,
+       {": the pattern (x+)+\\d of Include cannot be used: match limit exceeded"}},
       {"plain", false, "", "closed\n", 0, 0, {}, false, {}},
       {"full", false, "", "closed\nlisting it is cut\n", 0, 0, {}, false, {": it is cut"}},
       {"full", true, "", "entry ../x\nentry a\n", 2, 1, {""}, false, {"../x: *"}},
