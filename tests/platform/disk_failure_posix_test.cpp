@@ -8,6 +8,9 @@
 #include <set>
 #include <thread>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include "platform/durable_file.h"
 #include "support/failing_disk_posix.h"
 #include "support/picture.h"
@@ -335,7 +338,7 @@ TEST_F(DiskFailure, SettingsAreReadWholeOrNotAndReplacedOrNot) {
 TEST_F(DiskFailure, ATornReadIsReadAgain) {
   const std::string path = source_ / "a.ini";
   WriteFile(path, "[A]\nID=1\n");
-  std::this_thread::sleep_for(std::chrono::milliseconds(60));
+  std::this_thread::sleep_for(std::chrono::milliseconds(950));  // writers are kept out of younger files
   std::string bytes;
   FailingDisk disk;
   const auto write = [&](const char* text) { return [&path, text] { WriteFile(path, text); }; };
@@ -344,6 +347,24 @@ TEST_F(DiskFailure, ATornReadIsReadAgain) {
   const Result result = ReadSettledFile(path, &bytes);
   EXPECT_TRUE(result.ok()) << result.reason;
   EXPECT_EQ(bytes, "[B]\nID=2\n");
+}
+
+TEST_F(DiskFailure, WritersAreKeptOutOfAYoungFileWhileItIsRead) {
+  const std::string path = source_ / "a.ini";
+  std::string bytes;
+  for (const char* kind : {"read", "stat"}) {
+    WriteFile(path, kind);
+    FailingDisk disk;
+    int error = 0;
+    disk.Before(kind, 2, [&] {
+      const int file = open(path.c_str(), O_WRONLY | O_NONBLOCK);
+      error = file < 0 ? errno : 0;
+      close(file);
+    });
+    EXPECT_TRUE(ReadSettledFile(path, &bytes).ok());
+    EXPECT_EQ(bytes, kind);
+    EXPECT_EQ(error, EWOULDBLOCK) << kind;
+  }
 }
 
 }  // namespace
