@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "base/modString.h"
 #include "resources/string_table.h"
 #include "support/settings.h"
 
@@ -63,7 +64,7 @@ TEST_F(RunSettingsTest, OnlyWhatIsNotThereMeansDefaults) {
       RunSettings fresh({folder.path(), "/default"});
       const platform::Result read = fresh.Read(&snapshot);
       EXPECT_EQ(read.ok(), row.is_read) << read.reason;
-      if (!row.is_read) EXPECT_TRUE(read.path.ends_with(file) && !read.reason.empty()) << read.path;
+      EXPECT_EQ(read.path.ends_with(file) && !read.reason.empty(), !row.is_read) << read.path;
     }
     fs::remove_all(test::FsPath(folder / file));
     test::WriteFile(folder / file, kept);
