@@ -117,7 +117,7 @@ GTEST_TEST(ClsArchiver, Plans) {
       {"full", true, "b;(", "entry b\n", 1, 0, {}, false, {": the pattern ( of Include cannot be used: *"}},
       {"full",
        true,
-       "(x+)+\\d",
+       "b;(x+)+\\d",
        "entry T/b\nentry T/" + std::string(200, 'x') + "\nentry T/c\n",
        3,
        0,
