@@ -8,11 +8,11 @@
 #include "base/text.h"
 #include "cli/lazy_windows.h"
 #include "cli/start.h"
+#include "cli/tell_untold.h"
 #include "cli/terminal_user.h"
 #include "cli/unattended.h"
 #include "core/action_form.h"
 #include "core/modMain.h"
-#include "core/untold_paths.h"
 #include "platform/keyboard.h"
 #include "platform/paths.h"
 #include "platform/process.h"
@@ -45,19 +45,6 @@ bool BecomeFirst(const Options& options, const SettingsFolders& folders,
 bool WantsForm(const Options& options, const Globals& globals) {
   const auto ctrl_is_down = [] { return platform::IsKeyDown(platform::Key::kControl); };
   return options.confirm || WantsConfirmation(*globals.g_PropDefault, ctrl_is_down);
-}
-
-// Whoever has dropped files on an icon does not see the terminal. More of them may come while the message is there.
-void TellUntold(UntoldPaths untold, platform::RunningCopy* copy, LazyWindows* windows) {
-  while (!platform::InterruptRequested()) {
-    if (copy != nullptr) {
-      (void)copy->TakeRequest();
-      untold.left = copy->TakeLeftPaths();
-    }
-    if (untold.IsEmpty() || windows->Get() == nullptr) return;
-    windows->ShowMessage(UserInterface::MessageKind::kExclamation, MessageOf(untold));
-    untold = {};
-  }
 }
 
 // True when every path was done.
