@@ -33,7 +33,8 @@ bool BecomeFirst(const Options& options, const SettingsFolders& folders,
   const std::string key = platform::WithRealFolder(AddBackslash(folders.application));
   const platform::Result claim = platform::RunningCopy::Claim(key, options.paths, copy);
   if (!claim.ok()) {
-    TerminalUser::Warn(claim.path + ": whether another copy is running cannot be found out: " + claim.reason);
+    TerminalUser::Warn(
+        ForDisplay(claim.path + ": whether another copy is running cannot be found out: " + claim.reason));
     return true;
   }
   if (*copy) return true;
@@ -101,7 +102,7 @@ int Run(const Options& options, const SettingsFolders& folders, platform::Runnin
                                  LoadText(kNoSuchProfile, {ForDisplay(*options.profile)}));
       }
     } catch (const std::exception& fault) {
-      TerminalUser::Warn(fault.what());
+      TerminalUser::Warn(ForDisplay(fault.what()));
       all_windows->ShowMessage(UserInterface::MessageKind::kCritical,
                                LoadText(kRunFault, {ForDisplay(fault.what())}));
     }
@@ -122,7 +123,7 @@ int Run(const Options& options, const SettingsFolders& folders, platform::Runnin
     status = paths.empty() ? RunList(&windows) : RunPaths(options, &globals, copy, &windows);
     if (paths.size() < options.paths.size() && status == kExitDone) status = kExitUndone;
   } catch (const std::exception& fault) {
-    TerminalUser::Warn(fault.what());
+    TerminalUser::Warn(ForDisplay(fault.what()));
     windows.ShowMessage(UserInterface::MessageKind::kCritical, LoadText(text_id::kRunTimeError));
   }
   windows.Unload();  // they know the objects of the run
