@@ -39,7 +39,7 @@ std::string AmountText(const platform::FileProgress& progress, double seconds) {
 }
 
 void WarnUnlessOpened(const std::string& path, const platform::Result& opened) {
-  if (!opened.ok()) TerminalUser::Warn(ForDisplay(path) + ": it is not opened: " + opened.reason);
+  if (!opened.ok()) TerminalUser::Warn(ForDisplay(path + ": it is not opened: " + opened.reason));
 }
 
 // Whatever an archive makes its library say is shown line by line, so that it can neither move the cursor nor

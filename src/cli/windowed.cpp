@@ -8,11 +8,11 @@
 #include "base/text.h"
 #include "cli/lazy_windows.h"
 #include "cli/start.h"
+#include "cli/tell_untold.h"
 #include "cli/terminal_user.h"
 #include "cli/unattended.h"
 #include "core/action_form.h"
 #include "core/modMain.h"
-#include "core/untold_paths.h"
 #include "platform/keyboard.h"
 #include "platform/paths.h"
 #include "platform/process.h"
@@ -33,7 +33,8 @@ bool BecomeFirst(const Options& options, const SettingsFolders& folders,
   const std::string key = platform::WithRealFolder(AddBackslash(folders.application));
   const platform::Result claim = platform::RunningCopy::Claim(key, options.paths, copy);
   if (!claim.ok()) {
-    TerminalUser::Warn(claim.path + ": whether another copy is running cannot be found out: " + claim.reason);
+    TerminalUser::Warn(
+        ForDisplay(claim.path + ": whether another copy is running cannot be found out: " + claim.reason));
     return true;
   }
   if (*copy) return true;
@@ -45,19 +46,6 @@ bool BecomeFirst(const Options& options, const SettingsFolders& folders,
 bool WantsForm(const Options& options, const Globals& globals) {
   const auto ctrl_is_down = [] { return platform::IsKeyDown(platform::Key::kControl); };
   return options.confirm || WantsConfirmation(*globals.g_PropDefault, ctrl_is_down);
-}
-
-// Whoever has dropped files on an icon does not see the terminal. More of them may come while the message is there.
-void TellUntold(UntoldPaths untold, platform::RunningCopy* copy, LazyWindows* windows) {
-  while (!platform::InterruptRequested()) {
-    if (copy != nullptr) {
-      (void)copy->TakeRequest();
-      untold.left = copy->TakeLeftPaths();
-    }
-    if (untold.IsEmpty() || windows->Get() == nullptr) return;
-    windows->ShowMessage(UserInterface::MessageKind::kExclamation, MessageOf(untold));
-    untold = {};
-  }
 }
 
 // True when every path was done.
@@ -114,7 +102,7 @@ int Run(const Options& options, const SettingsFolders& folders, platform::Runnin
                                  LoadText(kNoSuchProfile, {ForDisplay(*options.profile)}));
       }
     } catch (const std::exception& fault) {
-      TerminalUser::Warn(fault.what());
+      TerminalUser::Warn(ForDisplay(fault.what()));
       all_windows->ShowMessage(UserInterface::MessageKind::kCritical,
                                LoadText(kRunFault, {ForDisplay(fault.what())}));
     }
@@ -134,7 +122,7 @@ int Run(const Options& options, const SettingsFolders& folders, platform::Runnin
     status = paths.empty() ? RunList(&windows) : RunPaths(options, &globals, copy, &windows);
     if (paths.size() < options.paths.size() && status == kExitDone) status = kExitUndone;
   } catch (const std::exception& fault) {
-    TerminalUser::Warn(fault.what());
+    TerminalUser::Warn(ForDisplay(fault.what()));
     windows.ShowMessage(UserInterface::MessageKind::kCritical, LoadText(text_id::kRunTimeError));
   }
   windows.Unload();  // they know the objects of the run

@@ -16,6 +16,7 @@ GTEST_TEST(Options, ReadsPathsAndOptions) {
       {{"--batch", "--profile", "A B", "a"}, {"a"}, "A B"},
       {{"--batch", "--profile=--x", "a"}, {"a"}, "--x"},
       {{"--batch", "--", "-a", "--batch", "--"}, {"-a", "--batch", "--"}, nullptr},
+      {{"--", "-h"}, {"-h"}, nullptr},
       {{"--dry-run", "-", "", "/dir//", "/"}, {"-", "", "/dir//", "/"}, nullptr},
       {{"a"}, {"a"}, nullptr},
   };
@@ -28,18 +29,6 @@ GTEST_TEST(Options, ReadsPathsAndOptions) {
     EXPECT_EQ(options->paths, row.paths);
     EXPECT_EQ(options->profile.value_or("none"), row.profile == nullptr ? "none" : row.profile);
   }
-}
-
-GTEST_TEST(Options, HelpGoesBeforeEverything) {
-  for (const char* name : {"--help", "-h"}) {
-    std::string problem;
-    const auto options = ParseOptions({"quendle", "--batch", name}, &problem);
-    ASSERT_TRUE(options) << problem;
-    EXPECT_TRUE(options->help) << name;
-    EXPECT_NE(UsageText().find(name), std::string::npos);
-  }
-  const auto path = ParseOptions({"quendle", "--", "-h"}, nullptr);
-  EXPECT_TRUE(path && !path->help && path->paths == Arguments{"-h"});
 }
 
 GTEST_TEST(Options, RefusesWrongUsage) {

@@ -22,6 +22,7 @@ GTEST_TEST(Program, ExitStatusAndStreams) {
     const char* err;
   } rows[] = {
       {"--help", 0, "usage: quendle", ""},
+      {"--batch -h", 0, "--help, -h  ", ""},
       {"--version", 0, "Quendle ", ""},
       {"--unknown b.txt", 2, "", "usage:"},
       {"--batch", 2, "", "no path given"},
