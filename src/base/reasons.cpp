@@ -269,6 +269,19 @@ std::optional<std::string> InParts(std::string_view reason, std::string_view sep
   return std::nullopt;
 }
 
+// A reason between the name of an entry and a path.
+std::optional<std::string> InTheMiddle(std::string_view reason) {
+  constexpr std::string_view kSeparator = ": ";
+  for (std::size_t at = 0; (at = reason.find(kSeparator, at)) != std::string_view::npos; ++at) {
+    const std::size_t begin = at + kSeparator.size();
+    for (std::size_t end = begin; (end = reason.find(kSeparator, end)) != std::string_view::npos; ++end) {
+      const auto text = Whole(reason.substr(begin, end - begin));
+      if (text) return std::string(reason.substr(0, begin)).append(*text).append(reason.substr(end));
+    }
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::string InJapanese(std::string_view reason) {
@@ -278,6 +291,7 @@ std::string InJapanese(std::string_view reason) {
   auto text = InParts(reason, "; ");
   if (!text) text = Whole(reason);
   if (!text) text = InParts(reason, ": ");
+  if (!text) text = InTheMiddle(reason);
   return text.value_or(std::string(reason));
 }
 
