@@ -18,10 +18,11 @@ namespace quendle::platform {
 Result ReadWholeFile(const std::string& path, std::string* bytes);
 
 // The same for who acts on what is read: these are the bytes of one moment, and the file had been left alone
-// for long enough that they are not half of what somebody is about to write. A file that has just been written
-// is waited for, usually 25 ms, and about a second when it is written again and again; then it is kFailed,
-// "it is being changed". (A file system that keeps whole seconds only: 2.5 s more.) kNotFound means that there
-// is nothing of that name; a link that leads nowhere is kFailed.
+// for long enough that they are not half of what somebody is about to write; nor has anybody who changed it
+// just now still opened it for writing, where the system tells. A file that has just been written is waited
+// for, usually 25 ms, and about a second when it is written again and again; then it is kFailed, "it is being
+// changed". (A file system that keeps whole seconds only: 2.5 s more.) kNotFound means that there is nothing
+// of that name; a link that leads nowhere is kFailed.
 //
 // `*status`, when wanted, is what the file was: for as long as ReadTargetStatus tells of an entry that
 // IsUnchanged, its bytes are these.
