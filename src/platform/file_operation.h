@@ -69,10 +69,11 @@ struct FileOperationOptions {
 // A file onto an existing file asks; a folder onto an existing folder merges, and asks for each file that
 // exists on both sides; answering no leaves that file in the source and makes the result kExists. An entry
 // that cannot go where it would have to (a file where a folder is, or the reverse) is left, too, and the code
-// of the result is that of the first one. Failures besides the system's own: kRefused for a source and destination that are the same file (hard links too) or a folder
-// into itself, kIsFolder or kNotFolder when one is a file and the other a folder, kExists for a no,
-// kCancelled for a cancel, kFailed when the source changed meanwhile, kRefused for what would have to be
-// copied and cannot be: devices, sockets and pipes, and folders with another file system mounted in them.
+// of the result is that of the first one. Failures besides the system's own: kRefused for a source and
+// destination that are the same file (hard links too) or a folder into itself, kIsFolder or kNotFolder when
+// one is a file and the other a folder, kExists for a no, kCancelled for a cancel, kFailed when the source
+// changed meanwhile, kRefused for what would have to be copied and cannot be: devices, sockets and pipes, and
+// folders with another file system mounted in them.
 Result MoveEntry(const std::string& source, const std::string& destination,
                  const FileOperationOptions& options, FileOperationObserver* observer);
 
