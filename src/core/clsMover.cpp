@@ -64,14 +64,11 @@ platform::Result clsMover::SetTarget() {
 
 // A link to a folder counts as one, and a link that leads nowhere as a file.
 platform::Result clsMover::ReadKind() {
-  platform::EntryStatus target;
-  platform::Result read = platform::ReadStatus(ORIGINALPATH, &target);
-  if (read.ok() && target.is_link()) {
-    read = platform::ReadTargetStatus(ORIGINALPATH, &target);
-    if (read.code == platform::Code::kNotFound) read = platform::Success();
-  }
+  platform::EntryStatus target = environment_.file_info.Status();
+  platform::Result read;
+  if (target.is_link()) read = platform::ReadTargetStatus(ORIGINALPATH, &target);
   DOESFOLDER = read.ok() && target.is_folder();
-  return read;
+  return read.code == platform::Code::kNotFound ? platform::Success() : read;
 }
 
 platform::Result clsMover::SetItemDataToArray() {
@@ -131,7 +128,8 @@ bool clsMover::SettingsHold(const std::string& title) const {
 
 bool clsMover::FillFromProfile(const std::string& title, std::string* why) {
   const std::optional<ProfileValues> profile = snapshot_->Profile(title);
-  *why = profile ? ProfileProblem(title, *profile) : "the profile has been changed or removed, or cannot be read any more";
+  *why = profile ? ProfileProblem(title, *profile)
+                 : "the profile has been changed or removed, or cannot be read any more";
   if (!why->empty()) return false;
   FillFrom(*profile);
   return true;
@@ -163,7 +161,8 @@ bool clsMover::FillFromTestSettings(std::string* why) {
   EXTRACTTYPE = test.Number(text_id::kExtractType);
   SMARTMAKEDIR = test.Flag(text_id::kSmartMakeDir);
   OPENDIR = test.Flag(text_id::kOpenDir);
-  const std::string folder = AddBackslash(test.Text(text_id::kExtractTo)) + environment_.file_info.pFileNameNoExt();
+  const std::string folder =
+      AddBackslash(test.Text(text_id::kExtractTo)) + environment_.file_info.pFileNameNoExt();
   EXTRACTTO = GetTargetPathByFolder(1, folder.empty() ? EXTRACTTO : folder);
   for (std::string* path : {&MOVETO, &COPYTO, &MOVEINTO, &COPYINTO}) path->clear();
   return true;

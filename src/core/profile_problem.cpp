@@ -22,7 +22,9 @@ bool HasControlCharacter(const std::string& text) {
 
 // What saved files look like that were not saved in the code page.
 std::string Misread(const std::string& what) {
-  return what + " looks like UTF-8, but is read as Japanese Windows text (CP932): save the file as UTF-8 with a mark (BOM)";
+  return what +
+         " looks like UTF-8, but is read as Japanese Windows text (CP932): save the file as UTF-8 with a "
+         "mark (BOM)";
 }
 
 }  // namespace

@@ -23,8 +23,9 @@ bool clsFileInfo::SetFilename(const std::string& path) {
     last_failure_ = Failure(platform::Code::kNotFound, path, "No such file or directory");
     return false;
   }
-  last_failure_ = platform::ReadLocalWriteTime(path, &local_write_seconds_);
+  last_failure_ = platform::ReadStatus(path, &status_);
   if (!last_failure_.ok()) return false;
+  local_write_seconds_ = platform::SecondsOfLocalClock(status_.write_time.seconds);
   path_ = platform::LongPath(path);
   PathParts parts = SplitPath(path_);
   folder_ = std::move(parts.folder);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "platform/entry_status.h"
 #include "platform/paths.h"
 
 namespace quendle {
@@ -36,6 +37,9 @@ class clsFileInfo {
   const std::string& pFileNameNoExt() const { return base_; }           // "A.B"; "" for a name without a dot
   const std::string& pFileNameExtension() const { return extension_; }  // "C"; the whole name without a dot
 
+  // Of the entry itself, after SetFilename was true; a link is not followed.
+  const platform::EntryStatus& Status() const { return status_; }
+
   // Last write in local time: days since 30 December 1899, the time of day as fraction. Only valid after
   // SetFilename was true; likewise the day it falls on.
   double pTimeWrite() const;
@@ -47,6 +51,7 @@ class clsFileInfo {
   std::string folder_;
   std::string base_;
   std::string extension_;
+  platform::EntryStatus status_;
   std::int64_t local_write_seconds_ = 0;
   platform::Result last_failure_;
 };

@@ -57,20 +57,13 @@ std::string WithRealFolder(const std::string& path) {
   return folder.empty() ? path : PathBelow(folder, NameOf(path));
 }
 
-Result ReadLocalWriteTime(const std::string& path, std::int64_t* seconds) {
-  EntryStatus status;
-  Result result = ReadStatus(path, &status);
-  if (!result.ok()) return result;
+std::int64_t SecondsOfLocalClock(std::int64_t seconds) {
   using namespace std::chrono;
-  *seconds = status.write_time.seconds;
   std::tm local;
-  if (ToLocalTime(*seconds, &local)) {
-    const sys_days day = year(local.tm_year + 1900) / (local.tm_mon + 1) / local.tm_mday;
-    const auto shown =
-        day + hours(local.tm_hour) + minutes(local.tm_min) + std::chrono::seconds(local.tm_sec);
-    *seconds = shown.time_since_epoch().count();
-  }
-  return Success();
+  if (!ToLocalTime(seconds, &local)) return seconds;
+  const sys_days day = year(local.tm_year + 1900) / (local.tm_mon + 1) / local.tm_mday;
+  const auto shown = day + hours(local.tm_hour) + minutes(local.tm_min) + std::chrono::seconds(local.tm_sec);
+  return shown.time_since_epoch().count();
 }
 
 }  // namespace quendle::platform

@@ -52,9 +52,8 @@ bool FoldersCollide(const std::string& source, const std::string& destination);
 // it is when its folder does not exist.
 std::string WithRealFolder(const std::string& path);
 
-// The last write of the entry itself (a link is not followed) on the local clock: seconds since 1970, counted
-// as if that clock showed UTC.
-Result ReadLocalWriteTime(const std::string& path, std::int64_t* seconds);
+// A time on the local clock: seconds since 1970, counted as if that clock showed UTC.
+std::int64_t SecondsOfLocalClock(std::int64_t seconds);
 
 // The path made absolute against the current folder, "." and ".." resolved, each component spelled as its
 // folder lists it; on Windows with short names spelled out. A link that is the last component is kept as it

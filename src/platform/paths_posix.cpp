@@ -30,13 +30,21 @@ std::string SwappedCase(const std::string& name) {
   return swapped;
 }
 
+bool HasLetter(const std::string& name) {
+  return std::any_of(name.begin(), name.end(), [](char c) { return (c | 0x20) >= 'a' && (c | 0x20) <= 'z'; });
+}
+
 // The spelling under which `folder` lists the entry `name`. Reading a folder of a million entries costs
-// seconds, so it is only read where the same entry also answers to the name in other case.
-std::string ListedName(const std::string& folder, const std::string& name, const struct stat& entry) {
+// seconds, so it is only read where the same entry also answers to the name in other case; `*tells_case` is
+// set once it is known of the folder that none does.
+std::string ListedName(const std::string& folder, const std::string& name, const struct stat& entry,
+                       bool* tells_case) {
   const std::string swapped = SwappedCase(name);
+  if (*tells_case || swapped == name) return name;
   struct stat other;
-  if (swapped == name || lstat((folder + "/" + swapped).c_str(), &other) != 0 ||
-      !IsSameEntry(StatusFrom(entry), StatusFrom(other))) {
+  const bool is_there = lstat((folder + "/" + swapped).c_str(), &other) == 0;
+  if (!is_there || !IsSameEntry(StatusFrom(entry), StatusFrom(other))) {
+    *tells_case = HasLetter(name) && (is_there || errno == ENOENT);
     return name;
   }
   const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(folder.empty() ? "/" : folder.c_str()), closedir);
@@ -104,6 +112,55 @@ Result CheckPlace(const std::string& path) {
   return Success();
 }
 
+namespace {
+
+// Goes on from `*result` by a component of the path; false when there is no such entry.
+bool Append(const std::string& name, bool* tells_case, std::string* result) {
+  if (IsDots(name)) {
+    // They mean what the system makes of them, which through links is not what the text says.
+    *result = RealPath(*result + "/" + name);
+    const bool is_there = !result->empty();
+    if (*result == "/") result->clear();
+    return is_there;
+  }
+  struct stat entry;
+  if (lstat((*result + "/" + name).c_str(), &entry) != 0) return false;
+  const std::string listed = ListedName(*result, name, entry, tells_case);
+  result->append("/").append(listed);
+  return true;
+}
+
+bool AppendAll(const std::string& path, std::string* result) {
+  for (std::size_t begin = path.find_first_not_of('/'), end; begin < path.size();
+       begin = path.find_first_not_of('/', end)) {
+    end = std::min(path.find('/', begin), path.size());
+    bool tells_case = false;
+    if (!Append(path.substr(begin, end - begin), &tells_case, result)) return false;
+  }
+  return true;
+}
+
+// The folder of the path that was asked for last: a run asks for thousands of paths in one folder. While its
+// path leads to the same folder, and has no "." or ".." in it, what was found out holds.
+struct KnownFolder {
+  std::string path;
+  EntryId id;
+  std::string long_path;
+  bool tells_case = false;
+};
+
+bool FindOut(const std::string& path, KnownFolder* known) {
+  struct stat entry;
+  const bool is_there = stat(path.c_str(), &entry) == 0;
+  if (is_there && path == known->path && StatusFrom(entry).id == known->id) return true;
+  *known = {path, is_there ? StatusFrom(entry).id : EntryId(), "", false};
+  if (!AppendAll(path, &known->long_path)) return false;
+  if (!is_there || (path + "/").find("/.") != std::string::npos) known->path.clear();
+  return true;
+}
+
+}  // namespace
+
 std::string LongPath(const std::string& path) {
   if (path.empty()) return "";
   std::string rest = path;
@@ -112,26 +169,15 @@ std::string LongPath(const std::string& path) {
     if (here.empty()) return "";  // it was removed
     rest = here + "/" + path;
   }
-  const std::size_t last = rest.find_last_not_of('/');
-  if (last == std::string::npos) return "/";
-  rest.resize(last + 1);
-  std::string result;
-  for (std::size_t begin = 0, end; begin < rest.size(); begin = end) {
-    begin = rest.find_first_not_of('/', begin);
-    end = std::min(rest.find('/', begin), rest.size());
-    const std::string name = rest.substr(begin, end - begin);
-    if (IsDots(name)) {
-      // They mean what the system makes of them, which through links is not what the text says.
-      result = RealPath(result + "/" + name);
-      if (result.empty()) return "";
-      if (result == "/") result.clear();
-      continue;
-    }
-    struct stat entry;
-    if (lstat((result + "/" + name).c_str(), &entry) != 0) return "";
-    const std::string listed = ListedName(result, name, entry);
-    result.append("/").append(listed);
+  rest = WithoutTrailingSlashes(rest);
+  thread_local KnownFolder known;
+  if (!FindOut(FolderOf(rest), &known)) {
+    known.path.clear();
+    return "";
   }
+  std::string result = known.long_path;
+  if (const std::string name = NameOf(rest); !name.empty() && !Append(name, &known.tells_case, &result))
+    return "";
   return result.empty() ? "/" : result;
 }
 

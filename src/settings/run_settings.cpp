@@ -79,17 +79,16 @@ SettingsSnapshot::SettingsSnapshot(Files files, const std::string& default_desti
 std::optional<ProfileValues> SettingsSnapshot::Profile(const std::string& title) const {
   const auto found = profiles_.find(platform::UpperCase(title));
   if (found == profiles_.end()) return std::nullopt;
-  const auto stored = [keys = &found->second](int name) {
-    return AsRead(FirstValue(*keys, LoadText(name)));
-  };
+  const auto stored = [keys = &found->second](int name) { return AsRead(FirstValue(*keys, LoadText(name))); };
   return ProfileValues(stored, standard_);
 }
 
 RunSettings::RunSettings(const SettingsFolders& folders) : default_destination_(folders.default_destination) {
   const std::string prefix = AddBackslash(folders.application);
-  standard_.path = prefix + LoadText(text_id::kStandardFile);
-  test_.path = prefix + LoadText(text_id::kTestFile);
-  items_ = prefix + LoadText(text_id::kItemsFile);
+  const std::string general = LoadText(text_id::kGeneral);
+  standard_ = {prefix + LoadText(text_id::kStandardFile), general, std::nullopt};
+  test_ = {prefix + LoadText(text_id::kTestFile), general, std::nullopt};
+  items_ = {prefix + LoadText(text_id::kItemsFile), "", std::nullopt};
 }
 
 // Nothing is done by text that may be somebody else's.
@@ -99,19 +98,23 @@ Result RunSettings::ReadText(const std::string& file, ProfileParse* parse) {
   return Failure(platform::Code::kFailed, file, (*parse)->DecodingProblem());
 }
 
-Result RunSettings::ReadGeneral(GeneralFile* file, ProfileParse* parse) {
+// Who removes what was there is about to write it anew.
+Result RunSettings::ReadFile(File* file, ProfileParse* parse) {
   if (Result read = ReadText(file->path, parse); !read.ok()) return read;
-  const bool has_section = *parse != nullptr && (*parse)->HasSection(LoadText(text_id::kGeneral));
+  const bool has_section =
+      *parse != nullptr &&
+      (file->section.empty() ? !SectionNames((*parse)->text()).empty() : (*parse)->HasSection(file->section));
   if (!file->had_section) file->had_section = has_section;
   if (has_section || !*file->had_section) return platform::Success();
-  return Failure(platform::Code::kFailed, file->path, "its section [General] has gone");
+  return Failure(platform::Code::kFailed, file->path,
+                 file->section.empty() ? "its profiles have gone" : "its section [General] has gone");
 }
 
 Result RunSettings::Read(std::shared_ptr<const SettingsSnapshot>* snapshot) {
   SettingsSnapshot::Files files;
-  Result read = ReadGeneral(&standard_, &files.standard);
-  if (read.ok()) read = ReadGeneral(&test_, &files.test);
-  if (read.ok()) read = ReadText(items_, &files.items);
+  Result read = ReadFile(&standard_, &files.standard);
+  if (read.ok()) read = ReadFile(&test_, &files.test);
+  if (read.ok()) read = ReadFile(&items_, &files.items);
   if (!read.ok()) return read;
   if (last_ == nullptr || last_->files() != files) {
     last_ = std::make_shared<const SettingsSnapshot>(std::move(files), default_destination_);

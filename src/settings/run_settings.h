@@ -57,25 +57,21 @@ class RunSettings {
 
   // The settings as they are now: the same object as before while no file has another content. A missing file means
   // defaults. A failure, with the file's path, when one is there and cannot be read whole (ReadProfile), has bytes that
-  // are no characters, or when the standard or test settings had a section "General" at the first reading and have none
-  // any more: whoever removes it is about to write it anew.
+  // are no characters, or when it had the section "General", or any profile, at the first reading and has none any more.
   platform::Result Read(std::shared_ptr<const SettingsSnapshot>* snapshot);
 
-  const std::string& StandardFile() const { return standard_.path; }
-  const std::string& ItemsFile() const { return items_; }
-  const std::string& TestFile() const { return test_.path; }
-
  private:
-  struct GeneralFile {
+  struct File {
     std::string path;
+    std::string section;              // empty: any
     std::optional<bool> had_section;  // at the first reading
   };
   static platform::Result ReadText(const std::string& file, platform::ProfileParse* parse);
-  static platform::Result ReadGeneral(GeneralFile* file, platform::ProfileParse* parse);
+  static platform::Result ReadFile(File* file, platform::ProfileParse* parse);
 
-  GeneralFile standard_;
-  GeneralFile test_;
-  std::string items_;
+  File standard_;
+  File test_;
+  File items_;
   std::string default_destination_;
   std::shared_ptr<const SettingsSnapshot> last_;
 };

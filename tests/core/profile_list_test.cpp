@@ -95,7 +95,8 @@ GTEST_TEST(ProfileList, RowsAreWhatTheStoreSays) {
     EXPECT_EQ(row.pattern, items.pattern(row.title));
     EXPECT_EQ(row.action, items.ACTION(row.title));
     EXPECT_EQ(row.inherits_action, inherits[i]);
-    const std::string folders[] = {items.EXTRACTTO(row.title), items.MOVETO(row.title), items.COPYTO(row.title)};
+    const std::string folders[] = {items.EXTRACTTO(row.title), items.MOVETO(row.title),
+                                   items.COPYTO(row.title)};
     const int bits[] = {1, 2, 4};
     for (std::size_t kind = 0; kind < kActionRows; ++kind) {
       EXPECT_EQ(row.folders[kind].path, folders[kind]);

@@ -25,6 +25,14 @@ GTEST_TEST(LongPath, KeepsLinksAndBlanks) {
       {root + "/link/..", root},  // the parent of what the link names
   };
   for (const auto& row : rows) EXPECT_EQ(LongPath(row.path), row.expected) << row.path;
+  fs::rename(root + "/Docs", root + "/Old");
+  EXPECT_EQ(LongPath(root + "/Docs/ Report.txt "), "");
+  for (const char* name : {"/Docs/ Report.txt ", "/Docs/sub/ Report.txt "}) test::WriteFile(root + name, "y");
+  for (const auto& row : rows) EXPECT_EQ(LongPath(row.path), row.expected) << row.path << " made anew";
+  fs::remove(root + "/link");
+  fs::create_directory_symlink(root + "/Docs/sub", root + "/link");
+  EXPECT_EQ(LongPath(root + "/link/../sub"), root + "/Docs/sub");
+  EXPECT_EQ(LongPath(root + "/link/ Report.txt "), root + "/link/ Report.txt ");
   fs::create_hard_link(root + "/Docs/ Report.txt ", root + "/Docs/ REPORT.TXT ");
   EXPECT_EQ(LongPath(root + "/Docs/ Report.txt "), root + "/Docs/ Report.txt ") << "two names of one file";
 }

@@ -27,7 +27,9 @@ struct RunSettingsTest : testing::Test {
 // What is there and cannot be read must not be taken for what is not there.
 TEST_F(RunSettingsTest, OnlyWhatIsNotThereMeansDefaults) {
   const auto link = [this](const char* to) {
-    return [this, to](const std::string& file) { fs::create_symlink(test::FsPath(folder / to), test::FsPath(file)); };
+    return [this, to](const std::string& file) {
+      fs::create_symlink(test::FsPath(folder / to), test::FsPath(file));
+    };
   };
   const auto write = [](const std::string& bytes) {
     return [bytes](const std::string& file) { test::WriteFile(file, bytes); };
@@ -72,11 +74,11 @@ TEST_F(RunSettingsTest, OnlyWhatIsNotThereMeansDefaults) {
 }
 
 TEST_F(RunSettingsTest, ASectionThatHasGoneIsNoneThatWasNeverThere) {
-  for (const char* file : {"mover.ini", "test.ini"}) {
+  for (const char* file : {"mover.ini", "test.ini", "items.ini"}) {
     RunSettings run({folder.path(), "/default"});
     ASSERT_TRUE(run.Read(&snapshot).ok());
     const std::string kept = test::ReadFile(folder / file);
-    for (const char* now : {"", "[Other]\r\n"}) {
+    for (const char* now : {"", "[Other\r\n"}) {
       test::WriteFile(folder / file, now);
       EXPECT_FALSE(run.Read(&snapshot).ok()) << file;
       EXPECT_TRUE(RunSettings({folder.path(), ""}).Read(&snapshot).ok()) << file;
