@@ -2,6 +2,7 @@
 
 #include "base/modString.h"
 #include "base/text.h"
+#include "platform/entry_status.h"
 #include "platform/known_folders.h"
 #include "platform/paths.h"
 #include "resources/string_table.h"
@@ -14,16 +15,21 @@ SettingsFolders Together(const std::string& folder) {
   return {whole, whole};
 }
 
+// Also when that cannot be found out: the run then fails on reading it, and goes by nobody else's settings.
+bool MayHoldSettings(const std::string& folder) {
+  platform::EntryStatus status;
+  const platform::Code code =
+      platform::ReadStatus(AddBackslash(folder) + LoadText(text_id::kStandardFile), &status).code;
+  return code != platform::Code::kNotFound && code != platform::Code::kNotFolder;
+}
+
 }  // namespace
 
 SettingsFolders FindSettingsFolders(const std::string& chosen) {
   if (!chosen.empty()) return Together(chosen);
   if (const auto home = platform::EnvironmentVariable("QUENDLE_HOME")) return Together(*home);
   const std::string executable_folder = platform::ExecutableFolder();
-  if (!executable_folder.empty() &&
-      FileExists(AddBackslash(executable_folder) + LoadText(text_id::kStandardFile))) {
-    return Together(executable_folder);
-  }
+  if (!executable_folder.empty() && MayHoldSettings(executable_folder)) return Together(executable_folder);
   return {AddBackslash(platform::SettingsRoot()) + "quendle", platform::DownloadFolder()};
 }
 
