@@ -128,7 +128,7 @@ bool clsMover::SettingsHold(const std::string& title) const {
 
 bool clsMover::FillFromProfile(const std::string& title, std::string* why) {
   const std::optional<ProfileValues> profile = snapshot_->Profile(title);
-  *why = profile ? ProfileProblem(title, *profile)
+  *why = profile ? ProfileProblem(title, *snapshot_)
                  : "the profile has been changed or removed, or cannot be read any more";
   if (!why->empty()) return false;
   FillFrom(*profile);
@@ -153,7 +153,8 @@ void clsMover::FillFrom(const ProfileValues& profile) {
 
 bool clsMover::FillFromTestSettings(std::string* why) {
   const SettingsValues& test = snapshot_->Test();
-  *why = FolderProblem("the folder of the test settings", test.Text(text_id::kExtractTo));
+  *why = FolderProblem("the folder of the test settings", test.Text(text_id::kExtractTo),
+                       snapshot_->files().test);
   if (!why->empty()) return false;
   SetDefaultItemData();
   ACTION = static_cast<std::int16_t>(StepKind::kExtract);
@@ -188,7 +189,7 @@ std::vector<std::string> clsMover::ProfileProblems(bool also_idle) const {
     const std::string& error = entry.expression.Error();
     if (!error.empty()) tell("its pattern cannot be used: " + error);
     const ProfileValues profile = *snapshot_->Profile(entry.Title);
-    tell(ProfileProblem(entry.Title, profile));
+    tell(ProfileProblem(entry.Title, *snapshot_));
     tell(EntryPatternProblem(profile));
     if (also_idle) tell(IdleKeys(profile));
   }

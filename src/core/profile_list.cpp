@@ -4,10 +4,14 @@
 #include <unordered_set>
 #include <utility>
 
+#include "base/display.h"
 #include "base/modString.h"
+#include "base/reasons.h"
 #include "base/text.h"
 #include "core/pattern_problem.h"
 #include "core/profile_match.h"
+#include "core/profile_problem.h"
+#include "platform/profile_document.h"
 #include "platform/unicode.h"
 #include "resources/string_table.h"
 #include "settings/run_settings.h"
@@ -15,6 +19,7 @@
 namespace quendle {
 namespace {
 
+constexpr int kProfileProblem = 6854;
 constexpr int kTitleEmpty = 6700;
 constexpr int kTitleBlank = 6701;
 constexpr int kTitleBreak = 6702;
@@ -28,8 +33,11 @@ constexpr std::int16_t kActionBits[kActionRows] = {1, 2, 4};
 
 ProfileRow RowOf(const std::string& title, const ProfileValues& profile) {
   constexpr int kFolders[kActionRows] = {text_id::kExtractTo, text_id::kMoveTo, text_id::kCopyTo};
-  ProfileRow row{title, profile.Text(text_id::kPattern), profile.Number(text_id::kAction),
-                 profile.IsInherited(text_id::kAction), {}};
+  ProfileRow row{title,
+                 profile.Text(text_id::kPattern),
+                 profile.Number(text_id::kAction),
+                 profile.IsInherited(text_id::kAction),
+                 {}};
   for (std::size_t i = 0; i < kActionRows; ++i) {
     row.folders[i] = {profile.Text(kFolders[i]), profile.IsInherited(kFolders[i]),
                       (row.action & kActionBits[i]) != 0};
@@ -87,12 +95,25 @@ platform::Result ProfileList::Read() {
   rows_.clear();
   searched_.clear();
   expressions_.clear();
-  if (read.ok()) {
-    for (const std::string& title : snapshot->Titles()) rows_.push_back(RowOf(title, *snapshot->Profile(title)));
-  }
+  problem_.clear();
+  if (read.ok()) TakeRows(*snapshot);
   expressions_.resize(rows_.size());
   TestName(std::string(tested_name_));
   return read;
+}
+
+void ProfileList::TakeRows(const SettingsSnapshot& snapshot) {
+  for (const std::string& title : snapshot.Titles()) {
+    const ProfileValues profile = *snapshot.Profile(title);
+    rows_.push_back(RowOf(title, profile));
+    if (!problem_.empty()) continue;
+    const std::string problem = ProfileProblem(title, snapshot);
+    if (!problem.empty()) problem_ = LoadText(kProfileProblem, {ForDisplay(title), InJapanese(problem)});
+  }
+  const platform::ProfileParse& items = snapshot.files().items;
+  if (items != nullptr && !items->SectionProblem().empty()) {
+    problem_ = LoadText(text_id::kItemsFile) + ": " + InJapanese(items->SectionProblem());
+  }
 }
 
 std::vector<std::size_t> ProfileList::Filtered(const std::string& text) const {

@@ -16,6 +16,7 @@
 #include "platform/result.h"
 #include "settings/clsPropDefault.h"
 #include "settings/clsPropItem.h"
+#include "settings/run_settings.h"
 
 namespace quendle {
 
@@ -53,6 +54,10 @@ class ProfileList {
   // Reads the store as it is now. A failure says why there are no rows (RunSettings::Read); no file is none.
   platform::Result Read();
 
+  // What the user should mend in what was read, in the language of the windows; empty: nothing. That is why whole
+  // sections are not rewritten, or else why the first profile is not acted on that is not.
+  const std::string& Problem() const { return problem_; }
+
   const std::vector<ProfileRow>& Rows() const { return rows_; }  // in the store's order
 
   // The rows whose title, pattern or one of whose folders in use contains the text, without regard to case.
@@ -85,12 +90,14 @@ class ProfileList {
   platform::Result Sort();
 
  private:
+  void TakeRows(const SettingsSnapshot& snapshot);
   std::vector<std::string> Titles() const;
   const Regex& ExpressionOf(std::size_t row) const;
 
   clsPropItem& items_;
   const clsPropDefault& standard_;
   std::vector<ProfileRow> rows_;
+  std::string problem_;
   std::string tested_name_;
   int match_count_ = 0;
   std::vector<int> ranks_;  // beside rows_ while a name is on trial: 0 for those that do not match

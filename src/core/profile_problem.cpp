@@ -20,6 +20,11 @@ bool HasControlCharacter(const std::string& text) {
                      [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
 }
 
+// With a mark a file is what it says it is.
+bool IsMisread(const std::string& text, const platform::ProfileParse& file) {
+  return file != nullptr && file->IsAnsi() && platform::LooksLikeMisreadUtf8(text);
+}
+
 // What saved files look like that were not saved in the code page.
 std::string Misread(const std::string& what) {
   return what +
@@ -29,21 +34,24 @@ std::string Misread(const std::string& what) {
 
 }  // namespace
 
-std::string FolderProblem(const std::string& name, const std::string& folder) {
+std::string FolderProblem(const std::string& name, const std::string& folder,
+                          const platform::ProfileParse& file) {
   if (MayBeCut(folder)) return name + " is too long to be read whole";
   if (HasControlCharacter(folder)) return name + " has a control character in it";
-  if (platform::LooksLikeMisreadUtf8(folder)) return Misread(name);
-  return "";
+  return IsMisread(folder, file) ? Misread(name) : "";
 }
 
-std::string ProfileProblem(const std::string& title, const ProfileValues& profile) {
-  if (platform::LooksLikeMisreadUtf8(title)) return Misread("its title");
+std::string ProfileProblem(const std::string& title, const SettingsSnapshot& settings) {
+  const ProfileValues profile = *settings.Profile(title);
+  const SettingsSnapshot::Files& files = settings.files();
+  if (IsMisread(title, files.items)) return Misread("its title");
   for (const SettingKey& key : SettingKeys()) {
     if (!key.IsIn(SettingsFile::kProfile) || key.kind == Kind::kFlag || key.kind == Kind::kNumber) continue;
     const std::string text = profile.Text(key.name);
+    const platform::ProfileParse& file = profile.IsInherited(key.name) ? files.standard : files.items;
     if (key.kind == Kind::kFolder) {
-      if (std::string problem = FolderProblem(kFolderOfProfile, text); !problem.empty()) return problem;
-    } else if (platform::LooksLikeMisreadUtf8(text)) {
+      if (std::string problem = FolderProblem(kFolderOfProfile, text, file); !problem.empty()) return problem;
+    } else if (IsMisread(text, file)) {
       return Misread("its " + LoadText(key.name));
     }
   }

@@ -8,12 +8,13 @@
 
 namespace quendle {
 
-// Why nothing may be done by the profile: a value that may have been cut, that was saved as UTF-8 but is read as Japanese
-// Windows text, or a folder with control characters in it.
-std::string ProfileProblem(const std::string& title, const ProfileValues& profile);
+// Why nothing may be done by the profile of that title, which is one of the settings': a value that may have been cut,
+// that was saved as UTF-8 but is read as Japanese Windows text, or a folder with control characters in it.
+std::string ProfileProblem(const std::string& title, const SettingsSnapshot& settings);
 
-// The same for a folder alone, which a reason calls `name`: "a folder of the profile", say.
-std::string FolderProblem(const std::string& name, const std::string& folder);
+// The same for a folder alone, which a reason calls `name` ("a folder of the profile", say) and which stands in `file`.
+std::string FolderProblem(const std::string& name, const std::string& folder,
+                          const platform::ProfileParse& file);
 
 // Why a pattern of Include or Exclude cannot be used.
 std::string EntryPatternProblem(const ProfileValues& profile);

@@ -59,7 +59,8 @@ std::string DecodeProfile(std::string_view bytes) {
 }
 
 ProfileDocument::ProfileDocument(std::string_view bytes)
-    : text_(DecodeProfile(bytes)),
+    : is_ansi_(EncodingOf(bytes) == ProfileEncoding::kAnsi),
+      text_(DecodeProfile(bytes)),
       section_problem_(SectionProblemOf(bytes, text_)),
       decoding_problem_(DecodingProblemOf(bytes, text_)) {
   ProfileLineReader reader(text_);

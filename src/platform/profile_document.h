@@ -35,6 +35,9 @@ class ProfileDocument {
 
   const std::string& text() const { return text_; }  // without a mark
 
+  // Is it text in the code page, which may be something else that was saved without a mark?
+  bool IsAnsi() const { return is_ansi_; }
+
   bool HasSection(std::string_view section) const { return TextBehindHeader(section).has_value(); }
 
   // The value of the first key of that name in the first section of that name.
@@ -51,6 +54,7 @@ class ProfileDocument {
  private:
   std::optional<std::string_view> TextBehindHeader(std::string_view section) const;
 
+  bool is_ansi_;
   std::string text_;
   std::string section_problem_;
   std::string decoding_problem_;

@@ -297,6 +297,9 @@ void frmMain::UpdateHint() {
 QString frmMain::StatusText() const {
   const std::string all = std::to_string(list_.Rows().size());
   if (left_.count > 0) return ToQt(LineOf(left_));
+  if (!list_.Problem().empty() && model_.Filter().isEmpty() && list_.TestedName().empty()) {
+    return ToQt(list_.Problem());
+  }
   std::string text = model_.Filter().isEmpty()
                          ? LoadText(kCount, {all})
                          : LoadText(kFilteredCount, {all, std::to_string(model_.rowCount())});

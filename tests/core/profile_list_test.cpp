@@ -172,6 +172,24 @@ GTEST_TEST(ProfileList, CommandsWorkOnWhatIsThereNow) {
   EXPECT_EQ(settings.profiles.OPENFILE("0"), "last line");
 }
 
+// Before the user adds a profile to a file that must not be rewritten, or wonders why one does nothing.
+GTEST_TEST(ProfileList, TellsWhatIsToBeMended) {
+  const struct {
+    const char* items;
+    const char* problem;  // the beginning
+  } rows[] = {{"[a]\r\nPattern=a\r\n[b]\r\n", ""},
+              {"[a]\r\nPattern=a\n[b]\r\n", "items.ini: 3 行目"},
+              {"\xEF\xBB\xBF[\xEF\xBE\x83\xEF\xBD\xA9]\r\n", ""},  // "ﾃｩ", and nothing else
+              {"[a]\r\nMoveTo=/x\ty\r\n[b]\r\nMoveTo=/\xC3\xA9\r\n", "「a」は使えません：フォルダ"}};
+  for (const auto& row : rows) {
+    test::Settings settings(row.items, kStandard);
+    ProfileList list(settings.profiles, settings.standard);
+    ASSERT_TRUE(list.Read().ok());
+    EXPECT_TRUE(list.Problem().starts_with(row.problem)) << list.Problem();
+    EXPECT_EQ(list.Problem().empty(), *row.problem == '\0');
+  }
+}
+
 GTEST_TEST(ProfileList, FailuresAreTold) {
   test::Settings settings("", kStandard);
   ProfileList list(settings.profiles, settings.standard);
