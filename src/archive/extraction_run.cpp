@@ -45,9 +45,13 @@ platform::Result CheckOutputFolder(const std::string& destination, const std::st
   return result.ok() ? platform::CheckNoLinks(destination, sub_folder) : result;
 }
 
+ExtractionRun::~ExtractionRun() {
+  if (!context_.problems.empty()) RemoveMadeFolders(made_folders_);
+}
+
 bool ExtractionRun::Extract(const std::vector<ExtractionGroup>& groups) {
   platform::Result why;
-  if (!MakeDirNested(context_.destination, &why)) {
+  if (!MakeDirNested(context_.destination, &why, &made_folders_)) {
     Fail(why);
     return false;
   }
@@ -115,7 +119,7 @@ bool ExtractionRun::WriteResponseFile(const ExtractionGroup& group) {
 void ExtractionRun::Prepare(Pair* pair) {
   const std::string folder = OutputFolder(context_.destination, pair->sub_folder);
   platform::Result result = CheckOutputFolder(context_.destination, pair->sub_folder);
-  if (result.ok()) (void)MakeDirNested(folder, &result);
+  if (result.ok()) (void)MakeDirNested(folder, &result, &made_folders_);
   if (result.ok()) {
     const auto line = context_.library.Encode(
         CommandLine(context_.row, context_.options, context_.archive, folder, pair->response_file));

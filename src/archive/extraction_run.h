@@ -38,6 +38,9 @@ class ExtractionRun {
     std::function<void(const std::function<void()>&)> guarded;
   };
   explicit ExtractionRun(Context context) : context_(std::move(context)) {}
+  ~ExtractionRun();  // after a problem removes what it made of folders and nothing has come into
+  ExtractionRun(const ExtractionRun&) = delete;
+  ExtractionRun& operator=(const ExtractionRun&) = delete;
 
   // True when the last call of the library succeeded. A group whose folder cannot be had is a problem and is
   // left out. After a call that failed no further one is made, and the response files of those that were not
@@ -63,6 +66,7 @@ class ExtractionRun {
 
   Context context_;
   std::vector<Pair> pairs_;
+  std::vector<std::string> made_folders_;
   std::int32_t result_ = 0;  // of the last call
 };
 

@@ -11,9 +11,14 @@
 
 namespace quendle {
 
-bool MakeDirNested(const std::string& path, platform::Result* why) {
+bool MakeDirNested(const std::string& path, platform::Result* why, std::vector<std::string>* made) {
   if (FolderExists(path)) return true;
-  if (platform::MakeFolder(path).ok()) return true;
+  const auto make = [made](const std::string& folder) {
+    platform::Result result = platform::MakeFolder(folder);
+    if (result.ok() && made != nullptr) made->push_back(folder);
+    return result;
+  };
+  if (make(path).ok()) return true;
   const char separator = Separator(kHostStyle);
   const std::string whole = AddBackslash(path);
   platform::Result first_failure;
@@ -21,18 +26,24 @@ bool MakeDirNested(const std::string& path, platform::Result* why) {
        cut = whole.find(separator, cut + 1)) {
     const std::string part = RemoveBackslash(whole.substr(0, cut + 1));
     if (FolderExists(part)) continue;
-    platform::Result made = platform::MakeFolder(part);
-    if (made.code == platform::Code::kExists) {
-      made = Failure(platform::Code::kNotFolder, part, "a file is where the folder should be");
+    platform::Result result = make(part);
+    if (result.code == platform::Code::kExists) {
+      result = Failure(platform::Code::kNotFolder, part, "a file is where the folder should be");
     }
     // A root or a network share cannot be made and need not be: what counts is what is there in the end.
-    if (!made.ok() && first_failure.ok()) first_failure = std::move(made);
+    if (!result.ok() && first_failure.ok()) first_failure = std::move(result);
   }
   if (FolderExists(whole)) return true;
   if (first_failure.ok())
     first_failure = Failure(platform::Code::kRefused, path, "this is not the path of a folder");
   if (why != nullptr) *why = std::move(first_failure);
   return false;
+}
+
+void RemoveMadeFolders(const std::vector<std::string>& made) {
+  // One that has something in it stays, and then those above it do so by themselves.
+  for (auto folder = made.rbegin(); folder != made.rend(); ++folder)
+    (void)platform::RemoveEmptyFolder(*folder);
 }
 
 void SortStrings(std::vector<std::string>* strings, std::int32_t lowest, std::int32_t highest) {

@@ -12,8 +12,13 @@
 namespace quendle {
 
 // Makes a folder with all its missing parents. True when the folder exists afterwards; otherwise `*why`, when
-// given, says which folder could not be made and why.
-bool MakeDirNested(const std::string& path, platform::Result* why = nullptr);
+// given, says which folder could not be made and why. Those that were made, in any case, are appended to `*made`,
+// when given.
+bool MakeDirNested(const std::string& path, platform::Result* why = nullptr,
+                   std::vector<std::string>* made = nullptr);
+
+// Removes those of them that have nothing in them, after all for which they were made has failed.
+void RemoveMadeFolders(const std::vector<std::string>& made);
 
 // Sorts elements `lowest` to `highest` (both included) ascending by their upper-cased text. Elements that are
 // equal but for case keep their order. O(n log n) comparisons and no recursion to speak of, whatever the

@@ -19,8 +19,7 @@ namespace {
 // What a run with windows would do that this one does not.
 void ExplainMissingWindows(const Options& options, Globals* globals) {
   const auto ctrl_is_down = [] { return false; };  // only a window system can tell
-  globals->g_Mover->SHOWUSERFORM =
-      options.confirm || WantsConfirmation(*globals->g_PropDefault, ctrl_is_down);
+  globals->g_Mover->SHOWUSERFORM = options.confirm || WantsConfirmation(*globals->g_Mover, ctrl_is_down);
   if (globals->g_Mover->SHOWUSERFORM) {
     TerminalUser::Warn("confirmation is asked for, but no window can be shown here; see --dry-run");
   }
@@ -46,7 +45,7 @@ int Left(const clsMover& mover, const std::string& why) {
 // The title to use for every path; false when the one asked for does not exist.
 bool ResolveProfile(const Options& options, const clsMover& mover, DispatchOptions* dispatch) {
   if (!options.profile) return true;
-  dispatch->profile = mover.FindTitle(*options.profile);
+  dispatch->profile = mover.ProfileToUse(*options.profile);
   if (!dispatch->profile) TerminalUser::Warn("no profile is called " + ForDisplay(*options.profile));
   return dispatch->profile.has_value();
 }

@@ -45,7 +45,9 @@ bool BecomeFirst(const Options& options, const SettingsFolders& folders,
 
 bool WantsForm(const Options& options, const Globals& globals) {
   const auto ctrl_is_down = [] { return platform::IsKeyDown(platform::Key::kControl); };
-  return options.confirm || WantsConfirmation(*globals.g_PropDefault, ctrl_is_down);
+  // What the settings ask for is not known before they could be read.
+  const clsMover& mover = *globals.g_Mover;
+  return options.confirm || !mover.HasSettings() || WantsConfirmation(mover, ctrl_is_down);
 }
 
 // True when every path was done.
@@ -65,7 +67,7 @@ bool WorkThrough(ActionForm* form, LazyWindows* windows) {
 int RunPaths(const Options& options, Globals* globals, platform::RunningCopy* copy, LazyWindows* windows) {
   clsMover& mover = *globals->g_Mover;
   std::optional<std::string> profile;
-  if (options.profile && !(profile = mover.FindTitle(*options.profile))) {
+  if (options.profile && !(profile = mover.ProfileToUse(*options.profile))) {
     TerminalUser::Warn("no profile is called " + ForDisplay(*options.profile));
     return kExitUsage;
   }

@@ -74,6 +74,7 @@ platform::Result clsMover::ReadKind() {
 platform::Result clsMover::SetItemDataToArray() {
   const std::shared_ptr<const SettingsSnapshot> before = snapshot_;
   platform::Result read = environment_.settings.Read(&snapshot_);
+  has_settings_ = has_settings_ || read.ok();
   if (read.ok() && snapshot_ != before) ReadIndex();
   return read;
 }

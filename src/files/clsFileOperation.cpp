@@ -75,22 +75,6 @@ std::string FolderOf(const std::string& path) {
   return cut == std::string::npos ? "" : RemoveBackslashes(path.substr(0, cut + 1));
 }
 
-// The folders that have to be made for this one, topmost first.
-std::vector<std::string> MissingFolders(std::string folder) {
-  std::vector<std::string> missing;
-  while (!folder.empty() && !platform::IsTaken(folder)) {
-    missing.insert(missing.begin(), folder);
-    folder = FolderOf(folder);
-  }
-  return missing;
-}
-
-void RemoveEmptyFolders(const std::vector<std::string>& folders) {
-  // Those that have something in them stay, and those above them do so by themselves.
-  for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder)
-    (void)platform::RemoveEmptyFolder(*folder);
-}
-
 }  // namespace
 
 bool clsFileOperation::mDelete(const std::string& path) {
@@ -150,23 +134,18 @@ Result clsFileOperation::Transfer(Kind kind, const std::string& source, const st
     std::vector<std::string> made;
     result = MakeDestination(folder, &made);
     if (result.ok()) result = operation(source, exact, options, &observer);
-    if (!result.ok()) RemoveEmptyFolders(made);
+    if (!result.ok()) RemoveMadeFolders(made);
   }
   failed_by_user_ = result.code == Code::kExists && observer.UserDeclined();
   return result;
 }
 
-// `*made` are the folders that were not there before, topmost first, also after a failure.
 Result clsFileOperation::MakeDestination(const std::string& folder, std::vector<std::string>* made) {
   if (!Has(FOF_NOCONFIRMMKDIR) && !user_.AskMakeFolder(folder)) {
     return Failure(Code::kCancelled, folder, "the folder was not to be made");
   }
-  for (const std::string& missing : MissingFolders(folder)) {
-    Result result = platform::MakeFolder(missing);
-    if (result.ok()) made->push_back(missing);
-    if (!result.ok() && !FolderExists(missing)) return result;  // unless somebody else has made it
-  }
-  return platform::Success();
+  Result why;
+  return MakeDirNested(folder, &why, made) ? platform::Success() : why;
 }
 
 }  // namespace quendle

@@ -12,15 +12,20 @@
 
 #include "base/display.h"
 #include "base/modSystem.h"
+#include "base/reasons.h"
 #include "core/edit_keys.h"
 #include "resources/string_table.h"
+#include "settings/run_settings.h"
 #include "settings/setting_keys.h"
 #include "ui/form_helpers.h"
 #include "ui/hints.h"
+#include "ui/modMsgBox.h"
 #include "ui/text.h"
 
 namespace quendle {
 namespace {
+
+constexpr int kUnreadable = 6752;
 
 QString Caption(const EditDraft& draft) {
   const auto of_profile = [&draft](int id) {
@@ -45,6 +50,15 @@ QString Caption(const EditDraft& draft) {
 
 std::optional<std::string> OpenEditor(QWidget* owner, Globals& globals, EditMode mode,
                                       const std::string& title) {
+  // Nobody should go by values, or save them, that stand for what could not be read.
+  std::shared_ptr<const SettingsSnapshot> settings;
+  const platform::Result read = RunSettings(globals.g_PropDefault->Folders()).Read(&settings);
+  if (!read.ok()) {
+    (void)ShowMessage(
+        LoadText(kUnreadable, {ForDisplay(InJapanese(read.reason)) + "\r\n" + ForDisplay(read.path)}),
+        kButtonsOk, kIconExclamation, "");
+    return std::nullopt;
+  }
   EditDraft draft(mode, title, {*globals.g_PropItem, *globals.g_PropDefault, *globals.g_PropTest});
   frmEdit window(owner, draft, *globals.g_FileInfo);
   window.exec();
