@@ -20,7 +20,10 @@ constexpr Row kOwn[] = {
     {"the profile has been changed or removed, or cannot be read any more", 6010},
     {"the settings cannot be read", 6011},
     {"its section [General] has gone", 6850},
-    {"%1 looks like UTF-8, but is read as Japanese Windows text (CP932): save the file as UTF-8 with a mark (BOM)", 6852},
+    {"its profiles have gone", 6860},
+    {"%1 looks like UTF-8, but is read as Japanese Windows text (CP932): save the file as UTF-8 with a mark "
+     "(BOM)",
+     6852},
     {"Include or Exclude of the profile is too long to be read whole", 6013},
     {"%1 is too long to be read whole", 6012},
     {"%1 has a control character in it", 6851},

@@ -4,7 +4,7 @@
 
 #include "archive/extraction_list.h"
 #include "base/text.h"
-#include "platform/profile_document.h"
+#include "platform/misread_utf8.h"
 #include "resources/string_table.h"
 #include "settings/clsIniFile.h"
 
@@ -22,7 +22,9 @@ bool HasControlCharacter(const std::string& text) {
 
 // What saved files look like that were not saved in the code page.
 std::string Misread(const std::string& what) {
-  return what + " looks like UTF-8, but is read as Japanese Windows text (CP932): save the file as UTF-8 with a mark (BOM)";
+  return what +
+         " looks like UTF-8, but is read as Japanese Windows text (CP932): save the file as UTF-8 with a "
+         "mark (BOM)";
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include "base/modSystem.h"
 #include "base/text.h"
 #include "platform/code_page.h"
-#include "platform/profile_document.h"
 #include "platform/unicode.h"
 #include "resources/string_table.h"
 #include "settings/clsIniFile.h"
@@ -79,9 +78,7 @@ SettingsSnapshot::SettingsSnapshot(Files files, const std::string& default_desti
 std::optional<ProfileValues> SettingsSnapshot::Profile(const std::string& title) const {
   const auto found = profiles_.find(platform::UpperCase(title));
   if (found == profiles_.end()) return std::nullopt;
-  const auto stored = [keys = &found->second](int name) {
-    return AsRead(FirstValue(*keys, LoadText(name)));
-  };
+  const auto stored = [keys = &found->second](int name) { return AsRead(FirstValue(*keys, LoadText(name))); };
   return ProfileValues(stored, standard_);
 }
 
@@ -114,7 +111,10 @@ Result RunSettings::Read(std::shared_ptr<const SettingsSnapshot>* snapshot) {
   if (read.ok()) read = ReadText(items_, &files.items);
   if (!read.ok()) return read;
   if (last_ == nullptr || last_->files() != files) {
-    last_ = std::make_shared<const SettingsSnapshot>(std::move(files), default_destination_);
+    auto now = std::make_shared<const SettingsSnapshot>(std::move(files), default_destination_);
+    if (last_ != nullptr && now->Titles().empty() && !last_->Titles().empty())
+      return Failure(platform::Code::kFailed, items_, "its profiles have gone");
+    last_ = std::move(now);
   }
   *snapshot = last_;
   return platform::Success();

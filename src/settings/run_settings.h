@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/profile.h"
+#include "platform/profile_document.h"
 #include "platform/result.h"
 #include "settings/clsPropDefault.h"
 #include "settings/setting_values.h"
@@ -57,13 +58,9 @@ class RunSettings {
 
   // The settings as they are now: the same object as before while no file has another content. A missing file means
   // defaults. A failure, with the file's path, when one is there and cannot be read whole (ReadProfile), has bytes that
-  // are no characters, or when the standard or test settings had a section "General" at the first reading and have none
-  // any more: whoever removes it is about to write it anew.
+  // are no characters, or when the standard or test settings had a section "General" at the first reading, or there were
+  // profiles at the last one, and there are none any more: whoever removes them is about to write them anew.
   platform::Result Read(std::shared_ptr<const SettingsSnapshot>* snapshot);
-
-  const std::string& StandardFile() const { return standard_.path; }
-  const std::string& ItemsFile() const { return items_; }
-  const std::string& TestFile() const { return test_.path; }
 
  private:
   struct GeneralFile {

@@ -317,7 +317,7 @@ GTEST_TEST(ClsMover, APathIsDoneByWhatWasReadForIt) {
       {items, "p", true, true},
       {items + "[r]\nPattern=r\n", "p", true, true},
       {items + "[r]\nPattern=r\n", "", true, true},
-      {"", "p", false, false},
+      {"[q]\n", "p", false, false},
       {"[p]\nPattern=.*\\.txt2\n[q]\n", "p", false, true},
       {"[p]\nPattern=.*\\.txt\nID=1\nAction=2\nMoveTo=/m2\n", "p", false, true},
       {"[p]\nPattern=.*\\.txt\n\n", "q", false, false},

@@ -71,12 +71,12 @@ TEST_F(RunSettingsTest, OnlyWhatIsNotThereMeansDefaults) {
   }
 }
 
-TEST_F(RunSettingsTest, ASectionThatHasGoneIsNoneThatWasNeverThere) {
-  for (const char* file : {"mover.ini", "test.ini"}) {
+TEST_F(RunSettingsTest, WhatHasGoneIsNotWhatWasNeverThere) {
+  for (const std::string file : {"mover.ini", "test.ini", "items.ini"}) {
     RunSettings run({folder.path(), "/default"});
     ASSERT_TRUE(run.Read(&snapshot).ok());
     const std::string kept = test::ReadFile(folder / file);
-    for (const char* now : {"", "[Other]\r\n"}) {
+    for (const char* now : {"", file == "items.ini" ? "a=b\r\n" : "[Other]\r\n"}) {
       test::WriteFile(folder / file, now);
       EXPECT_FALSE(run.Read(&snapshot).ok()) << file;
       EXPECT_TRUE(RunSettings({folder.path(), ""}).Read(&snapshot).ok()) << file;
