@@ -68,7 +68,9 @@ platform::Result clsMover::ReadKind() {
   platform::Result read = platform::ReadStatus(ORIGINALPATH, &target);
   if (read.ok() && target.is_link()) {
     read = platform::ReadTargetStatus(ORIGINALPATH, &target);
-    if (read.code == platform::Code::kNotFound) read = platform::Success();
+    const bool leads_nowhere =
+        read.code == platform::Code::kNotFound || read.code == platform::Code::kNotFolder;
+    if (leads_nowhere) read = platform::Success();
   }
   DOESFOLDER = read.ok() && target.is_folder();
   return read;
@@ -131,7 +133,8 @@ bool clsMover::SettingsHold(const std::string& title) const {
 
 bool clsMover::FillFromProfile(const std::string& title, std::string* why) {
   const std::optional<ProfileValues> profile = snapshot_->Profile(title);
-  *why = profile ? ProfileProblem(title, *profile) : "the profile has been changed or removed, or cannot be read any more";
+  *why = profile ? ProfileProblem(title, *profile)
+                 : "the profile has been changed or removed, or cannot be read any more";
   if (!why->empty()) return false;
   FillFrom(*profile);
   return true;
@@ -163,7 +166,8 @@ bool clsMover::FillFromTestSettings(std::string* why) {
   EXTRACTTYPE = test.Number(text_id::kExtractType);
   SMARTMAKEDIR = test.Flag(text_id::kSmartMakeDir);
   OPENDIR = test.Flag(text_id::kOpenDir);
-  const std::string folder = AddBackslash(test.Text(text_id::kExtractTo)) + environment_.file_info.pFileNameNoExt();
+  const std::string folder =
+      AddBackslash(test.Text(text_id::kExtractTo)) + environment_.file_info.pFileNameNoExt();
   EXTRACTTO = GetTargetPathByFolder(1, folder.empty() ? EXTRACTTO : folder);
   for (std::string* path : {&MOVETO, &COPYTO, &MOVEINTO, &COPYINTO}) path->clear();
   return true;

@@ -111,8 +111,6 @@ class clsMover {
   std::optional<std::string> FindTitle(const std::string& title) const;
   bool CheckDupTitle(const std::string& title) const { return FindTitle(title).has_value(); }
 
-  const std::vector<ProfileIndexEntry>& Profiles() const { return ProfileIndex; }
-
   // What is wrong with profiles: why one is never acted on, patterns that cannot be used or whose matching went over
   // the limit so far, and titles that stand more than once. With `also_idle`, which keys do not count, too. One line each.
   std::vector<std::string> ProfileProblems(bool also_idle) const;
