@@ -29,9 +29,9 @@ std::string GetVersionString() {
          std::to_string(kVersionRevision);
 }
 
-bool WantsConfirmation(const clsPropDefault& standard, const std::function<bool()>& is_ctrl_down) {
-  if (standard.CONFIRMALWAYS()) return true;
-  return standard.KEYCHECK() && is_ctrl_down();
+bool WantsConfirmation(const SettingsValues& standard, const std::function<bool()>& is_ctrl_down) {
+  if (standard.Flag(text_id::kConfirmAlways)) return true;
+  return standard.Flag(text_id::kKeyCheck) && is_ctrl_down();
 }
 
 Globals::Globals(const SettingsFolders& folders, bool create_files, UserInterface& user,

@@ -145,7 +145,7 @@ GTEST_TEST(ModMain, Confirmation) {
   for (const auto& row : rows) {
     const test::Settings settings("", std::string("[General]\n") + row.text + "\n");
     int asked = 0;
-    EXPECT_EQ(WantsConfirmation(settings.standard, [&] { return ++asked, row.ctrl; }), row.confirm)
+    EXPECT_EQ(WantsConfirmation(settings.standard.Values(), [&] { return ++asked, row.ctrl; }), row.confirm)
         << row.text;
     EXPECT_EQ(asked, row.asked) << row.text;
   }
