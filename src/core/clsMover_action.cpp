@@ -172,7 +172,8 @@ bool clsMover::TransferStep(ActionStep* step) {
   operation_.pFailIfTaken(SMARTRENAME != 1 && !DOESFOLDER && !folder.empty());
   for (int tries = 1;; ++tries) {
     if (moves ? MoveStep() : CopyStep()) return true;
-    const bool is_taken = operation_.pFailIfTaken() && operation_.LastFailure().code == platform::Code::kExists;
+    const bool is_taken =
+        operation_.pFailIfTaken() && operation_.LastFailure().code == platform::Code::kExists;
     if (!is_taken || tries == kMostTries) return false;
     std::string next = GetTargetPathByFolder(static_cast<std::int16_t>(step->kind), folder);
     if (next == to) operation_.pFailIfTaken(false);  // it is taken by what belongs there: the user is asked

@@ -18,7 +18,8 @@ std::string clsMover::GetTargetPathByFolder(std::int16_t kind, const std::string
   if (ACTION != 0 && ACTION != 2 && ACTION != 4) {
     // With other steps around it, a destination that is the file itself means that the file stays.
     std::string plain = AddBackslash(folder) + name;
-    if (platform::EntryStatus there; platform::ReadStatus(plain, &there).ok() && IsTarget(there)) return plain;
+    if (platform::EntryStatus there; platform::ReadStatus(plain, &there).ok() && IsTarget(there))
+      return plain;
   }
   return GetFilenameBySmartRename(folder, name);
 }

@@ -37,7 +37,8 @@ bool ChooseProfile(clsMover* mover, const DispatchOptions& options, DispatchRepo
 
 }  // namespace
 
-DispatchReport DispatchCurrent(clsMover* mover, const clsFileInfo& file_info, const DispatchOptions& options) {
+DispatchReport DispatchCurrent(clsMover* mover, const clsFileInfo& file_info,
+                               const DispatchOptions& options) {
   DispatchReport report;
   const platform::Result found = mover->SetTarget();
   report.path = mover->ORIGINALPATH;

@@ -92,7 +92,8 @@ void EditDraft::SetNumber(int key, int number) {
 }
 
 bool EditDraft::IsInherited(int key) const {
-  return IsProfile() && KeyOf(key).inherited == SettingKey::Inherited::kWithoutId && Meaning(text_id::kId, Find(text_id::kId).current) == 0;
+  return IsProfile() && KeyOf(key).inherited == SettingKey::Inherited::kWithoutId &&
+         Meaning(text_id::kId, Find(text_id::kId).current) == 0;
 }
 
 // A profile that is taken from the standard settings would otherwise do nothing at first.

@@ -28,8 +28,11 @@ constexpr std::int16_t kActionBits[kActionRows] = {1, 2, 4};
 
 ProfileRow RowOf(const std::string& title, const ProfileValues& profile) {
   constexpr int kFolders[kActionRows] = {text_id::kExtractTo, text_id::kMoveTo, text_id::kCopyTo};
-  ProfileRow row{title, profile.Text(text_id::kPattern), profile.Number(text_id::kAction),
-                 profile.IsInherited(text_id::kAction), {}};
+  ProfileRow row{title,
+                 profile.Text(text_id::kPattern),
+                 profile.Number(text_id::kAction),
+                 profile.IsInherited(text_id::kAction),
+                 {}};
   for (std::size_t i = 0; i < kActionRows; ++i) {
     row.folders[i] = {profile.Text(kFolders[i]), profile.IsInherited(kFolders[i]),
                       (row.action & kActionBits[i]) != 0};
@@ -88,7 +91,8 @@ platform::Result ProfileList::Read() {
   searched_.clear();
   expressions_.clear();
   if (read.ok()) {
-    for (const std::string& title : snapshot->Titles()) rows_.push_back(RowOf(title, *snapshot->Profile(title)));
+    for (const std::string& title : snapshot->Titles())
+      rows_.push_back(RowOf(title, *snapshot->Profile(title)));
   }
   expressions_.resize(rows_.size());
   TestName(std::string(tested_name_));

@@ -88,7 +88,8 @@ Result CheckRegular(const EntryStatus& status, const std::string& path) {
 WatchedRead::Writers KeepWritersOut(HANDLE file, Handle* alone) {
   *alone = Handle(ReOpenFile(file, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, 0));
   if (alone->ok()) return WatchedRead::Writers::kNone;
-  return GetLastError() == ERROR_SHARING_VIOLATION ? WatchedRead::Writers::kSome : WatchedRead::Writers::kUnknown;
+  return GetLastError() == ERROR_SHARING_VIOLATION ? WatchedRead::Writers::kSome
+                                                   : WatchedRead::Writers::kUnknown;
 }
 
 Result ReadRegularFile(const std::string& path, std::string* bytes, WatchedRead* watched) {

@@ -54,7 +54,9 @@ class clsPropItem {
   std::string pattern(const std::string& title) const { return Values(title).Text(text_id::kPattern); }
   void pattern(const std::string& title, const std::string& value) { Write(title, text_id::kPattern, value); }
   std::string EXTRACTTO(const std::string& title) const;
-  void EXTRACTTO(const std::string& title, const std::string& value) { Write(title, text_id::kExtractTo, value); }
+  void EXTRACTTO(const std::string& title, const std::string& value) {
+    Write(title, text_id::kExtractTo, value);
+  }
   std::string MOVETO(const std::string& title) const { return Values(title).Text(text_id::kMoveTo); }
   void MOVETO(const std::string& title, const std::string& value) { Write(title, text_id::kMoveTo, value); }
   std::string COPYTO(const std::string& title) const { return Values(title).Text(text_id::kCopyTo); }
@@ -64,17 +66,29 @@ class clsPropItem {
   std::string EXCLUDE(const std::string& title) const { return Values(title).Text(text_id::kExclude); }
   void EXCLUDE(const std::string& title, const std::string& value) { Write(title, text_id::kExclude, value); }
   std::string OPENFILE(const std::string& title) const { return Values(title).Text(text_id::kOpenFile); }
-  void OPENFILE(const std::string& title, const std::string& value) { Write(title, text_id::kOpenFile, value); }
+  void OPENFILE(const std::string& title, const std::string& value) {
+    Write(title, text_id::kOpenFile, value);
+  }
   bool ID(const std::string& title) const { return Values(title).Flag(text_id::kId); }
   void ID(const std::string& title, std::int16_t value) { Write(title, text_id::kId, value); }
   std::int16_t ACTION(const std::string& title) const { return Values(title).Number(text_id::kAction); }
   void ACTION(const std::string& title, std::int16_t value) { Write(title, text_id::kAction, value); }
-  std::int16_t SMARTRENAME(const std::string& title) const { return Values(title).Number(text_id::kSmartRename); }
-  void SMARTRENAME(const std::string& title, std::int16_t value) { Write(title, text_id::kSmartRename, value); }
-  std::int16_t EXTRACTTYPE(const std::string& title) const { return Values(title).Number(text_id::kExtractType); }
-  void EXTRACTTYPE(const std::string& title, std::int16_t value) { Write(title, text_id::kExtractType, value); }
+  std::int16_t SMARTRENAME(const std::string& title) const {
+    return Values(title).Number(text_id::kSmartRename);
+  }
+  void SMARTRENAME(const std::string& title, std::int16_t value) {
+    Write(title, text_id::kSmartRename, value);
+  }
+  std::int16_t EXTRACTTYPE(const std::string& title) const {
+    return Values(title).Number(text_id::kExtractType);
+  }
+  void EXTRACTTYPE(const std::string& title, std::int16_t value) {
+    Write(title, text_id::kExtractType, value);
+  }
   bool SMARTMAKEDIR(const std::string& title) const { return Values(title).Flag(text_id::kSmartMakeDir); }
-  void SMARTMAKEDIR(const std::string& title, std::int16_t value) { Write(title, text_id::kSmartMakeDir, value); }
+  void SMARTMAKEDIR(const std::string& title, std::int16_t value) {
+    Write(title, text_id::kSmartMakeDir, value);
+  }
   bool OPENDIR(const std::string& title) const { return Values(title).Flag(text_id::kOpenDir); }
   void OPENDIR(const std::string& title, std::int16_t value) { Write(title, text_id::kOpenDir, value); }
 
@@ -85,7 +99,9 @@ class clsPropItem {
 
  private:
   void Write(const std::string& title, int key, const std::string& value);
-  void Write(const std::string& title, int key, std::int16_t value) { Write(title, key, std::to_string(value)); }
+  void Write(const std::string& title, int key, std::int16_t value) {
+    Write(title, key, std::to_string(value));
+  }
 
   clsIniFile ini_;
   Fallbacks fallbacks_;

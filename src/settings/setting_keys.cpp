@@ -43,9 +43,9 @@ constexpr SettingKey kKeys[] = {
 };
 
 constexpr InitialValue kNewStandard[] = {
-    {kExtractTo, nullptr}, {kCopyTo, nullptr},  {kMoveTo, nullptr},       {kAction, "1"},
-    {kAutoCompDir, "1"},   {kCheckArchive, "0"}, {kConfirmAlways, "1"},    {kConfirmOverwrite, "0"},
-    {kExtractType, "1"},   {kSmartRename, "3"},  {kSmartMakeDir, "0"},     {kOpenDir, "1"},
+    {kExtractTo, nullptr}, {kCopyTo, nullptr},   {kMoveTo, nullptr},    {kAction, "1"},
+    {kAutoCompDir, "1"},   {kCheckArchive, "0"}, {kConfirmAlways, "1"}, {kConfirmOverwrite, "0"},
+    {kExtractType, "1"},   {kSmartRename, "3"},  {kSmartMakeDir, "0"},  {kOpenDir, "1"},
     {kShowResult, "1"},    {kKeyCheck, "0"},     {text_id::kTest, "0"},
 };
 constexpr InitialValue kNewTest[] = {
