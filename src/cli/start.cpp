@@ -49,4 +49,12 @@ bool ReadPassword(const std::string& file, std::optional<std::string>* password)
   return false;
 }
 
+bool FindProfile(const Options& options, clsMover* mover, std::optional<std::string>* title) {
+  const bool is_read = mover->SetItemDataToArray().ok();
+  *title = options.profile && is_read ? mover->FindTitle(*options.profile) : options.profile;
+  if (*title || !options.profile) return true;
+  TerminalUser::Warn("no profile is called " + ForDisplay(*options.profile));
+  return false;
+}
+
 }  // namespace quendle

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/options.h"
+#include "core/clsMover.h"
 
 namespace quendle {
 
@@ -25,5 +26,10 @@ bool HasSettingsFolder(const Options& options);
 
 // False, and said on the error stream, when the file that is to hold the password does not.
 bool ReadPassword(const std::string& file, std::optional<std::string>* password);
+
+// The profile that the user wants for every path, as its title is written in the store; nothing when any will do. False,
+// and said on the error stream, when there is no such profile. While the settings cannot be read there is no telling,
+// and each path will fail with the reason: then it is the title as it was given.
+bool FindProfile(const Options& options, clsMover* mover, std::optional<std::string>* title);
 
 }  // namespace quendle

@@ -19,8 +19,9 @@ namespace {
 // What a run with windows would do that this one does not.
 void ExplainMissingWindows(const Options& options, Globals* globals) {
   const auto ctrl_is_down = [] { return false; };  // only a window system can tell
-  globals->g_Mover->SHOWUSERFORM = options.confirm || WantsConfirmation(*globals->g_Mover, ctrl_is_down);
-  if (globals->g_Mover->SHOWUSERFORM) {
+  clsMover& mover = *globals->g_Mover;
+  mover.SHOWUSERFORM = options.confirm || WantsConfirmation(mover.Settings().Standard(), ctrl_is_down);
+  if (mover.SHOWUSERFORM) {
     TerminalUser::Warn("confirmation is asked for, but no window can be shown here; see --dry-run");
   }
 }
@@ -42,14 +43,6 @@ int Left(const clsMover& mover, const std::string& why) {
   return kExitUndone;
 }
 
-// The title to use for every path; false when the one asked for does not exist.
-bool ResolveProfile(const Options& options, const clsMover& mover, DispatchOptions* dispatch) {
-  if (!options.profile) return true;
-  dispatch->profile = mover.ProfileToUse(*options.profile);
-  if (!dispatch->profile) TerminalUser::Warn("no profile is called " + ForDisplay(*options.profile));
-  return dispatch->profile.has_value();
-}
-
 }  // namespace
 
 int RunUnattended(const Options& options) {
@@ -64,7 +57,7 @@ int RunUnattended(const Options& options) {
 
   clsMover& mover = *globals.g_Mover;
   DispatchOptions dispatch{options.dry_run, std::nullopt};
-  if (!ResolveProfile(options, mover, &dispatch)) return kExitUsage;
+  if (!FindProfile(options, &mover, &dispatch.profile)) return kExitUsage;
 
   int status = paths.size() == options.paths.size() ? kExitDone : kExitUndone;
   for (mover.CMDLINECURRENT = 1; mover.CMDLINECURRENT <= mover.CMDLINEMAX; ++mover.CMDLINECURRENT) {

@@ -43,11 +43,11 @@ bool BecomeFirst(const Options& options, const SettingsFolders& folders,
   return false;
 }
 
-bool WantsForm(const Options& options, const Globals& globals) {
+// While the settings cannot be read they may say that the user is to be asked.
+bool WantsForm(const Options& options, clsMover* mover) {
   const auto ctrl_is_down = [] { return platform::IsKeyDown(platform::Key::kControl); };
-  // What the settings ask for is not known before they could be read.
-  const clsMover& mover = *globals.g_Mover;
-  return options.confirm || !mover.HasSettings() || WantsConfirmation(mover, ctrl_is_down);
+  return options.confirm || !mover->SetItemDataToArray().ok() ||
+         WantsConfirmation(mover->Settings().Standard(), ctrl_is_down);
 }
 
 // True when every path was done.
@@ -67,11 +67,8 @@ bool WorkThrough(ActionForm* form, LazyWindows* windows) {
 int RunPaths(const Options& options, Globals* globals, platform::RunningCopy* copy, LazyWindows* windows) {
   clsMover& mover = *globals->g_Mover;
   std::optional<std::string> profile;
-  if (options.profile && !(profile = mover.ProfileToUse(*options.profile))) {
-    TerminalUser::Warn("no profile is called " + ForDisplay(*options.profile));
-    return kExitUsage;
-  }
-  mover.SHOWUSERFORM = WantsForm(options, *globals);
+  if (!FindProfile(options, &mover, &profile)) return kExitUsage;
+  mover.SHOWUSERFORM = WantsForm(options, &mover);
   ActionForm form({mover, *globals->g_FileInfo, *windows}, profile);
   const bool all_done = WorkThrough(&form, windows);
   for (const std::string& problem : mover.LibraryProblems()) TerminalUser::Warn(ForDisplay(problem));

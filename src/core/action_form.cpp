@@ -80,7 +80,7 @@ bool ActionForm::Fill() {
     return false;
   }
   if (const platform::Result read = environment_.mover.SetItemDataToArray(); !read.ok()) {
-    NoteUndone(path, "the settings cannot be read: " + read.reason);
+    NoteUndone(path, "the settings cannot be read: " + read.path + ": " + read.reason);
     Refuse(read.path, InJapanese(read.reason));
     return false;
   }

@@ -67,14 +67,14 @@ platform::Result clsMover::ReadKind() {
   platform::EntryStatus target = environment_.file_info.Status();
   platform::Result read;
   if (target.is_link()) read = platform::ReadTargetStatus(ORIGINALPATH, &target);
+  if (read.code == platform::Code::kNotFound || read.code == platform::Code::kNotFolder) read = platform::Success();
   DOESFOLDER = read.ok() && target.is_folder();
-  return read.code == platform::Code::kNotFound ? platform::Success() : read;
+  return read;
 }
 
 platform::Result clsMover::SetItemDataToArray() {
   const std::shared_ptr<const SettingsSnapshot> before = snapshot_;
   platform::Result read = environment_.settings.Read(&snapshot_);
-  has_settings_ = has_settings_ || read.ok();
   if (read.ok() && snapshot_ != before) ReadIndex();
   return read;
 }

@@ -98,8 +98,6 @@ class clsMover {
   // that were read before stay, and nothing must be done by them.
   platform::Result SetItemDataToArray();
 
-  // Was one of the readings a success?
-  bool HasSettings() const { return has_settings_; }
   // As they were read last.
   const SettingsSnapshot& Settings() const { return *snapshot_; }
 
@@ -111,14 +109,7 @@ class clsMover {
 
   // The profile's title as it is written in the store, without regard to the case of `title`.
   std::optional<std::string> FindTitle(const std::string& title) const;
-  // The same for a title that the user has named for the run. Before the settings could be read, which fails the paths,
-  // every title may be one.
-  std::optional<std::string> ProfileToUse(const std::string& title) const {
-    return has_settings_ ? FindTitle(title) : title;
-  }
   bool CheckDupTitle(const std::string& title) const { return FindTitle(title).has_value(); }
-
-  const std::vector<ProfileIndexEntry>& Profiles() const { return ProfileIndex; }
 
   // What is wrong with profiles: why one is never acted on, patterns that cannot be used or whose matching went over
   // the limit so far, and titles that stand more than once. With `also_idle`, which keys do not count, too. One line each.
@@ -195,7 +186,6 @@ class clsMover {
   std::vector<std::string> CommandLineArgs;
   std::vector<ProfileIndexEntry> ProfileIndex;
   std::shared_ptr<const SettingsSnapshot> snapshot_;
-  bool has_settings_ = false;
   std::int32_t pattern_match_count_ = 0;
   std::vector<ActionStep> steps_;
   // Both by the paths of WithRealFolder; the first with what is there now of the entry that will be there.

@@ -29,8 +29,7 @@ std::string GetVersionString() {
          std::to_string(kVersionRevision);
 }
 
-bool WantsConfirmation(const clsMover& mover, const std::function<bool()>& is_ctrl_down) {
-  const SettingsValues& standard = mover.Settings().Standard();
+bool WantsConfirmation(const SettingsValues& standard, const std::function<bool()>& is_ctrl_down) {
   if (standard.Flag(text_id::kConfirmAlways)) return true;
   return standard.Flag(text_id::kKeyCheck) && is_ctrl_down();
 }

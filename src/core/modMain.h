@@ -20,8 +20,8 @@ inline constexpr int kMostPaths = 10;
 std::string GetVersionString();
 
 // Must each file be confirmed? Always when CONFIRMALWAYS is on; else, when KEYCHECK is on, if the Ctrl key is
-// down, which is only asked then. By the settings as the dispatcher has read them.
-bool WantsConfirmation(const clsMover& mover, const std::function<bool()>& is_ctrl_down);
+// down, which is only asked then.
+bool WantsConfirmation(const SettingsValues& standard, const std::function<bool()>& is_ctrl_down);
 
 // The process-wide objects, made and released in the order in which they are declared.
 class Globals {

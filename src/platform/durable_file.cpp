@@ -31,11 +31,12 @@ Clock::duration MissingQuiet(const EntryTime& stamp, Clock::time_point now) {
 }
 
 // Nobody wrote while it was read, and it was not the half of what somebody is about to write: known of a file that
-// nobody had open to write, else taken for granted of one that has been left alone.
+// nobody had open to write, unless it is empty, as one that somebody has emptied and is about to open again. Else taken
+// for granted of one that has been left alone.
 bool IsSure(const WatchedRead& watched, Clock::duration missing_quiet, std::size_t bytes_read) {
   if (!IsUnchanged(watched.before, watched.after) || bytes_read != watched.before.size) return false;
-  if (watched.writers == WatchedRead::Writers::kUnknown) return missing_quiet <= 0s;
-  return watched.writers == WatchedRead::Writers::kNone;
+  if (watched.writers == WatchedRead::Writers::kSome) return false;
+  return missing_quiet <= 0s || (watched.writers == WatchedRead::Writers::kNone && bytes_read > 0);
 }
 
 // Nothing of that name, or a link that leads nowhere? Success when there is something by now.
@@ -48,6 +49,10 @@ Result WhatIsMissing(const std::string& path, const Result& not_found) {
 }
 
 }  // namespace
+
+bool IsLeftAlone(const EntryTime& stamp, Clock::time_point when) {
+  return MissingQuiet(stamp, when) <= 0s;
+}
 
 Result ReadWholeFile(const std::string& path, std::string* bytes) {
   return ReadWatched(path, bytes, nullptr);

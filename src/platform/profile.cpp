@@ -9,32 +9,12 @@
 #include "platform/entry_status.h"
 #include "platform/profile_document.h"
 #include "platform/profile_edit.h"
+#include "platform/watched_read.h"
 
 namespace quendle::platform {
 namespace {
 
 constexpr std::size_t kMostParses = 4;
-
-using Clock = std::chrono::system_clock;
-
-// A file changed only just before it was read may be changed once more under the same stamp. The clock that
-// stamps files advances in steps of up to 16 ms. FAT keeps whole, even seconds: so may any file without
-// nanoseconds. A stamp far in the future says that the clock was set back since, so it is old too.
-bool IsSettled(const EntryStatus& entry, Clock::time_point now) {
-  using namespace std::chrono_literals;
-  const EntryTime& stamp = entry.change_time;
-  const auto age = now.time_since_epoch() - std::chrono::seconds(stamp.seconds) -
-                   std::chrono::nanoseconds(stamp.nanoseconds);
-  return std::chrono::abs(age) > (stamp.nanoseconds == 0 ? 2500ms : 20ms);
-}
-
-// Nothing there is an answer; a link that leads nowhere is something that cannot be read.
-Result CheckNothingThere(const std::string& file) {
-  EntryStatus link;
-  Result result = ReadStatus(file, &link);
-  if (result.ok()) return Failure(Code::kFailed, file, "the link leads nowhere");
-  return result.code == Code::kNotFound ? Success() : result;
-}
 
 // The parses of the files read last. A settings window reads some twenty keys in a row, a run asks for the same
 // three files at each of its paths. The time of change, which is among what is compared, cannot be set by
@@ -44,9 +24,8 @@ class ParseCache {
   Result Get(const std::string& file, ProfileParse* parse) {
     *parse = nullptr;
     EntryStatus before;
-    if (Result found = ReadTargetStatus(file, &before); !found.ok()) {
-      return found.code == Code::kNotFound ? CheckNothingThere(file) : found;
-    }
+    const Result found = ReadTargetStatus(file, &before);
+    if (!found.ok() && found.code != Code::kNotFound) return found;
     const auto kept = std::find_if(entries_.begin(), entries_.end(),
                                    [&](const Entry& entry) { return entry.file == file; });
     if (kept == entries_.end()) {
@@ -56,8 +35,10 @@ class ParseCache {
       std::rotate(entries_.begin(), kept, kept + 1);  // the one used last comes first
     }
     Entry& entry = entries_.front();
-    if (!entry.is_settled || !IsUnchanged(entry.status, before)) {
-      if (Result read = Read(&entry); !read.ok()) return read;
+    if (!found.ok() || !entry.is_settled || !IsUnchanged(entry.status, before)) {
+      Result read = Read(&entry);
+      if (read.code == Code::kNotFound) return Success();
+      if (!read.ok()) return read;
     }
     *parse = entry.parse;
     return Success();
@@ -73,11 +54,11 @@ class ParseCache {
   };
 
   static Result Read(Entry* entry) {
-    const Clock::time_point now = Clock::now();
+    const auto now = std::chrono::system_clock::now();
     std::string bytes;
     entry->is_settled = false;
     if (Result read = ReadSettledFile(entry->file, &bytes, &entry->status); !read.ok()) return read;
-    entry->is_settled = IsSettled(entry->status, now);
+    entry->is_settled = IsLeftAlone(entry->status.change_time, now);
     // Of a file that was only touched, whoever works with the parse need not begin anew.
     if (entry->parse != nullptr && bytes == entry->bytes) return Success();
     entry->parse = std::make_shared<const ProfileDocument>(bytes);
@@ -132,12 +113,6 @@ std::string ReadProfileString(const std::string& file, const std::string& sectio
   std::string_view value = parse == nullptr ? instead : parse->FindValue(section, key).value_or(instead);
   value = value.substr(0, value.find('\0'));
   return std::string(CutToAnsiBytes(value, std::max<std::size_t>(buffer_bytes, 1) - 1));
-}
-
-void VisitProfileSections(const std::string& file, const ProfileSectionVisitor& visit) {
-  ProfileParse parse;
-  (void)ReadProfile(file, &parse);
-  if (parse != nullptr) parse->VisitSections(visit);
 }
 
 Result WriteProfileString(const std::string& file, const std::string& section, const std::string& key,

@@ -9,8 +9,8 @@
 // are compared without regard to case; the first section and the first key of a name win.
 //
 // Reads see the file as it is now: the last parse of a file is kept and used again only while the file's
-// device, inode, mode, size and times of change stay the same. For the functions that read single keys and visit
-// sections a missing or unreadable file is an empty one; ReadProfile tells the two apart.
+// device, inode, mode, size and times of change stay the same. For ReadProfileString a missing or unreadable file is an
+// empty one; ReadProfile tells the two apart.
 //
 // Writes replace the file as a whole (platform/durable_file.h) under the lock that every copy of this program
 // takes, so two processes that write different keys at the same time lose nothing, and a failed write leaves
@@ -45,13 +45,6 @@ std::string ReadProfileString(const std::string& file, const std::string& sectio
 class ProfileDocument;
 using ProfileParse = std::shared_ptr<const ProfileDocument>;
 Result ReadProfile(const std::string& file, ProfileParse* parse);
-
-// Calls `visit` with each section of the file as it is now, in file order, also those whose name is there
-// already, with its keys and values as they stand: not cut, and those too that a key of the same name hides.
-// What is handed over is valid during the call.
-using ProfileKeys = std::vector<std::pair<std::string_view, std::string_view>>;
-using ProfileSectionVisitor = std::function<void(std::string_view name, const ProfileKeys& keys)>;
-void VisitProfileSections(const std::string& file, const ProfileSectionVisitor& visit);
 
 // Sets one key: in place when it is there, after the last line of its section that is not blank otherwise; a
 // missing section is appended at the end of the file, a missing file is made. A value that reading would

@@ -2,12 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-#include "platform/misread_utf8.h"
 #include "platform/profile.h"
 
 namespace quendle::platform {
@@ -28,6 +29,9 @@ ProfileEncoding EncodingOf(std::string_view bytes);
 // The text of a file without the mark. What cannot be decoded is U+FFFD, in the code page as TextFromAnsi says.
 std::string DecodeProfile(std::string_view bytes);
 
+using ProfileKeys = std::vector<std::pair<std::string_view, std::string_view>>;
+using ProfileSectionVisitor = std::function<void(std::string_view name, const ProfileKeys& keys)>;
+
 class ProfileDocument {
  public:
   // `bytes` is the whole file, below 1 GiB.
@@ -43,7 +47,8 @@ class ProfileDocument {
   // The value of the first key of that name in the first section of that name.
   std::optional<std::string_view> FindValue(std::string_view section, std::string_view key) const;
 
-  // As VisitProfileSections says.
+  // Calls `visit` with each section in file order, also those whose name is there already, with its keys and values as
+  // they stand: not cut, and those too that a key of the same name hides. They are parts of the text.
   void VisitSections(const ProfileSectionVisitor& visit) const;
 
   // Each is one line for the user, empty when there is no problem, as platform/profile_problems.h says: why

@@ -17,6 +17,10 @@ struct WatchedRead {
   Writers writers = Writers::kUnknown;
 };
 
+// Had a file with this stamp been left alone for so long at that moment that nobody was about to write more of it, and
+// that another content would have another stamp?
+bool IsLeftAlone(const EntryTime& stamp, std::chrono::system_clock::time_point when);
+
 // As ReadWholeFile, which watches nothing.
 Result ReadWatched(const std::string& path, std::string* bytes, WatchedRead* watched);
 

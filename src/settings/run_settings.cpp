@@ -6,7 +6,6 @@
 #include "base/modSystem.h"
 #include "base/text.h"
 #include "platform/code_page.h"
-#include "platform/profile_document.h"
 #include "platform/unicode.h"
 #include "resources/string_table.h"
 #include "settings/clsIniFile.h"
@@ -86,9 +85,9 @@ std::optional<ProfileValues> SettingsSnapshot::Profile(const std::string& title)
 RunSettings::RunSettings(const SettingsFolders& folders) : default_destination_(folders.default_destination) {
   const std::string prefix = AddBackslash(folders.application);
   const std::string general = LoadText(text_id::kGeneral);
-  standard_ = {prefix + LoadText(text_id::kStandardFile), general, std::nullopt};
-  test_ = {prefix + LoadText(text_id::kTestFile), general, std::nullopt};
-  items_ = {prefix + LoadText(text_id::kItemsFile), "", std::nullopt};
+  standard_ = {prefix + LoadText(text_id::kStandardFile), general, false};
+  test_ = {prefix + LoadText(text_id::kTestFile), general, false};
+  items_ = {prefix + LoadText(text_id::kItemsFile), "", false};
 }
 
 // Nothing is done by text that may be somebody else's.
@@ -98,14 +97,13 @@ Result RunSettings::ReadText(const std::string& file, ProfileParse* parse) {
   return Failure(platform::Code::kFailed, file, (*parse)->DecodingProblem());
 }
 
-// Who removes what was there is about to write it anew.
 Result RunSettings::ReadFile(File* file, ProfileParse* parse) {
   if (Result read = ReadText(file->path, parse); !read.ok()) return read;
   const bool has_section =
       *parse != nullptr &&
       (file->section.empty() ? !SectionNames((*parse)->text()).empty() : (*parse)->HasSection(file->section));
-  if (!file->had_section) file->had_section = has_section;
-  if (has_section || !*file->had_section) return platform::Success();
+  file->had_section = file->had_section || has_section;
+  if (has_section || !file->had_section) return platform::Success();
   return Failure(platform::Code::kFailed, file->path,
                  file->section.empty() ? "its profiles have gone" : "its section [General] has gone");
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/profile.h"
+#include "platform/profile_document.h"
 #include "platform/result.h"
 #include "settings/clsPropDefault.h"
 #include "settings/setting_values.h"
@@ -57,14 +58,15 @@ class RunSettings {
 
   // The settings as they are now: the same object as before while no file has another content. A missing file means
   // defaults. A failure, with the file's path, when one is there and cannot be read whole (ReadProfile), has bytes that
-  // are no characters, or when it had the section "General", or any profile, at the first reading and has none any more.
+  // are no characters, or when it had the section "General", or any profile, at an earlier reading and has none any more:
+  // whoever removes them is about to write them anew.
   platform::Result Read(std::shared_ptr<const SettingsSnapshot>* snapshot);
 
  private:
   struct File {
     std::string path;
-    std::string section;              // empty: any
-    std::optional<bool> had_section;  // at the first reading
+    std::string section;  // that makes sense of it; empty: any
+    bool had_section = false;
   };
   static platform::Result ReadText(const std::string& file, platform::ProfileParse* parse);
   static platform::Result ReadFile(File* file, platform::ProfileParse* parse);

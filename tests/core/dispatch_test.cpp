@@ -143,9 +143,10 @@ GTEST_TEST(ModMain, Confirmation) {
       {"ConfirmAlways=0\nKeyCheck=0", true, false, 0},
   };
   for (const auto& row : rows) {
-    const test::Run run("", std::string("[General]\n") + row.text + "\n", {});
+    const test::Settings settings("", std::string("[General]\n") + row.text + "\n");
     int asked = 0;
-    EXPECT_EQ(WantsConfirmation(*run.mover, [&] { return ++asked, row.ctrl; }), row.confirm) << row.text;
+    EXPECT_EQ(WantsConfirmation(settings.standard.Values(), [&] { return ++asked, row.ctrl; }), row.confirm)
+        << row.text;
     EXPECT_EQ(asked, row.asked) << row.text;
   }
 }

@@ -1,4 +1,5 @@
 #include "platform/code_page.h"
+#include "platform/misread_utf8.h"
 #include "platform/profile.h"
 #include "platform/profile_document.h"
 #include "support/temp_folder.h"

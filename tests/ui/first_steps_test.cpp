@@ -33,7 +33,8 @@ class FirstSteps : public testing::Test {
   // As the program does with what is dropped; `user_` stands for the questions of a run.
   void Dispatch(const std::vector<std::string>& paths) {
     const RunScope run(globals_, paths);
-    globals_.g_Mover->SHOWUSERFORM = WantsConfirmation(*globals_.g_Mover, [] { return false; });
+    globals_.g_Mover->SHOWUSERFORM =
+        WantsConfirmation(globals_.g_Mover->Settings().Standard(), [] { return false; });
     ActionForm form({*globals_.g_Mover, *globals_.g_FileInfo, user_}, {});
     if (form.Advance()) frmAction(form, *globals_.g_Mover).Run();
     EXPECT_EQ(form.Undone(), std::vector<std::string>());
