@@ -50,7 +50,8 @@ GTEST_TEST(ClsPropItem, FoldersFallBack) {
               {"（なし）", std::string("/sm /sc /t") + test::kSeparator + "data"}};
   for (const auto& row : rows) {
     const clsPropItem& items = settings.profiles;
-    EXPECT_EQ(items.MOVETO(row.title) + " " + items.COPYTO(row.title) + " " + items.EXTRACTTO(row.title), row.folders)
+    EXPECT_EQ(items.MOVETO(row.title) + " " + items.COPYTO(row.title) + " " + items.EXTRACTTO(row.title),
+              row.folders)
         << row.title;
   }
 }
@@ -77,8 +78,9 @@ GTEST_TEST(ClsPropItem, ProfilesAreSortedMadeRenamedAndRemoved) {
             "1]\r\nPattern=\x94\x5C.*\r\nInclude=i;j\r\n"
             "Exclude=x\r\nOpenFile=o.txt;p\r\nID=1\r\nAction=3\r\nSmartRename=3\r\nExtractType=2\r\n"
             "SmartMakeDir=1\r\nOpenDir=0\r\nMoveTo=/m\r\nCopyTo=/c\r\nExtractTo=/e\r\n");
-  EXPECT_EQ(profiles.pattern(title) + profiles.INCLUDE(title) + profiles.EXCLUDE(title) + profiles.OPENFILE(title),
-            "能.*i;jxo.txt;p");
+  EXPECT_EQ(
+      profiles.pattern(title) + profiles.INCLUDE(title) + profiles.EXCLUDE(title) + profiles.OPENFILE(title),
+      "能.*i;jxo.txt;p");
 }
 
 }  // namespace

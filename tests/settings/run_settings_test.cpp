@@ -27,7 +27,9 @@ struct RunSettingsTest : testing::Test {
 // What is there and cannot be read must not be taken for what is not there.
 TEST_F(RunSettingsTest, OnlyWhatIsNotThereMeansDefaults) {
   const auto link = [this](const char* to) {
-    return [this, to](const std::string& file) { fs::create_symlink(test::FsPath(folder / to), test::FsPath(file)); };
+    return [this, to](const std::string& file) {
+      fs::create_symlink(test::FsPath(folder / to), test::FsPath(file));
+    };
   };
   const auto write = [](const std::string& bytes) {
     return [bytes](const std::string& file) { test::WriteFile(file, bytes); };

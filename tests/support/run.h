@@ -46,9 +46,8 @@ class Run {
     paths.insert(paths.begin(), "");
     auto owned = std::make_unique<ScriptedArchiver>(clsArchiver::Environment{user, nullptr, ""});
     archiver = owned.get();
-    mover = std::make_unique<clsMover>(
-        clsMover::Environment{file_info, run_settings, user},
-        std::move(owned), std::move(paths));
+    mover = std::make_unique<clsMover>(clsMover::Environment{file_info, run_settings, user}, std::move(owned),
+                                       std::move(paths));
     mover->CMDLINECURRENT = 1;
   }
 
