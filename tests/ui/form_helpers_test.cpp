@@ -1,7 +1,5 @@
 #include "ui/form_helpers.h"
 
-#include <gtest/gtest.h>
-
 #include <QApplication>
 #include <QDropEvent>
 #include <QFontDatabase>
@@ -21,13 +19,12 @@ namespace quendle {
 namespace {
 
 GTEST_TEST(FormHelpers, FindsEntriesFromBehindTheStartAndRound) {
-  struct Row {
+  const struct {
     std::vector<const char*> entries;
     const char* text;
     int start;
     int found;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {{"b", "A", "a"}, "A", -1, 1},
       {{"b", "A", "a"}, "A", 1, 2},
       {{"b", "A", "a"}, "a", 2, 1},
@@ -38,7 +35,7 @@ GTEST_TEST(FormHelpers, FindsEntriesFromBehindTheStartAndRound) {
       {{""}, "", -1, 0},
       {{}, "a", -1, -1},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.text);
     QListWidget list;
     for (const char* entry : row.entries) list.addItem(entry);
