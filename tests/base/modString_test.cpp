@@ -121,12 +121,9 @@ GTEST_TEST(ModString, Splitting) {
 }
 
 GTEST_TEST(ModString, Quotes) {
-  const struct {
-    const char* text;
-    const char* quoted;
-  } rows[] = {{"", ""},         {"a b", "\"a b\""}, {"\"a", "\"a\""},
-              {"a\"", "\"a\""}, {"\"a\"", "\"a\""}, {"\"", "\""}};
-  for (const auto& row : rows) EXPECT_EQ(AddQuotes(row.text), row.quoted);
+  const std::pair<const char*, const char*> rows[] = {{"", ""},         {"a b", "\"a b\""}, {"\"a", "\"a\""},
+                                                      {"a\"", "\"a\""}, {"\"a\"", "\"a\""}, {"\"", "\""}};
+  for (const auto& [text, quoted] : rows) EXPECT_EQ(AddQuotes(text), quoted);
 }
 
 GTEST_TEST(ModString, Blanks) {

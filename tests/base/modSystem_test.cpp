@@ -67,10 +67,8 @@ GTEST_TEST(ModSystem, Conversions) {
 }
 
 GTEST_TEST(ModSystem, CommandLines) {
-  const struct {
-    const char* text;
-    Strings arguments;  // from 1 on
-  } rows[] = {
+  const std::pair<const char*, Strings> rows[] = {
+      // from the first argument on
       {"", {}},
       {" ", {"", ""}},
       {"\"C:\\a b\\x.zip\" y.txt", {"C:\\a b\\x.zip", "y.txt"}},
@@ -80,10 +78,10 @@ GTEST_TEST(ModSystem, CommandLines) {
       {"\"\"", {}},
       {"1 2 3 4 5 6 7 8 9 10 11", {"1", "2", "3", "4", "5", "6", "7", "8", "9", "10"}},
   };
-  for (const auto& row : rows) {
+  for (const auto& [text, arguments] : rows) {
     Strings expected = {""};
-    expected.insert(expected.end(), row.arguments.begin(), row.arguments.end());
-    EXPECT_EQ(SplitCommandLine(row.text, 10), expected) << row.text;
+    expected.insert(expected.end(), arguments.begin(), arguments.end());
+    EXPECT_EQ(SplitCommandLine(text, 10), expected) << text;
   }
 }
 

@@ -12,10 +12,7 @@ namespace quendle {
 namespace {
 
 GTEST_TEST(Reasons, AreTranslatedWithTheirNamesAndNumbers) {
-  const struct {
-    const char* english;
-    const char* japanese;
-  } rows[] = {
+  const std::pair<const char*, const char*> rows[] = {
       {"it is there already", "すでにそこにあります"},
       {"No space left on device: /media/usb", "空き容量がありません: /media/usb"},
       {"/in/a: b.zip: Permission denied", "/in/a: b.zip: アクセス権がありません"},
@@ -42,7 +39,7 @@ GTEST_TEST(Reasons, AreTranslatedWithTheirNamesAndNumbers) {
       {"something nobody ever said: /x", "something nobody ever said: /x"},
       {"", ""},
   };
-  for (const auto& row : rows) EXPECT_EQ(InJapanese(row.english), row.japanese);
+  for (const auto& [english, japanese] : rows) EXPECT_EQ(InJapanese(english), japanese);
 }
 
 // The sources without the breaks inside a literal.

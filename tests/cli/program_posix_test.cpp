@@ -161,18 +161,6 @@ GTEST_TEST(Program, WhatIsLeftOutIsToldInAWindow) {
   }
 }
 
-// Starts the program on every file of folder/in, interrupts it, and waits for its end.
-int InterruptedStatus(const test::TempFolder& folder) {
-  std::vector<std::string> arguments = {"--settings", folder / "s", "--batch"};
-  for (const auto& entry : fs::directory_iterator(folder / "in")) arguments.push_back(entry.path().string());
-  const pid_t child = Start(arguments);
-  for (int i = 0; i < 20'000 && !fs::exists(folder / "moving"); ++i) usleep(1000);  // made by the first move
-  kill(child, SIGINT);
-  int status = 0;
-  waitpid(child, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 GTEST_TEST(Program, AnInterruptLeavesNothingHalfDone) {
   test::TempFolder folder;
   const std::string elsewhere = test::OtherFileSystem();
@@ -186,7 +174,14 @@ GTEST_TEST(Program, AnInterruptLeavesNothingHalfDone) {
     test::WriteFile(other / (std::to_string(i) + ".big"), std::string(kSize, 'x'));
   }
   fs::create_directory_symlink(other.path(), folder / "in");
-  EXPECT_EQ(InterruptedStatus(folder), 1);
+  std::vector<std::string> arguments = {"--settings", folder / "s", "--batch"};
+  for (const auto& entry : fs::directory_iterator(folder / "in")) arguments.push_back(entry.path().string());
+  const pid_t process = Start(arguments);
+  for (int i = 0; i < 20'000 && !fs::exists(folder / "moving"); ++i) usleep(1000);  // made by the first move
+  kill(process, SIGINT);
+  int status = 0;
+  waitpid(process, &status, 0);
+  EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, 1);
   int whole = 0;
   for (const std::string& place : {other.path(), folder / "moving/to"}) {
     if (!fs::exists(place)) continue;

@@ -20,17 +20,6 @@ void Date(const std::string& path) {
   test::SetWriteTime(path, std::mktime(&local));
 }
 
-GTEST_TEST(ClsMover, CommandLinePathsAreMadeAbsolute) {
-  const test::Run run("", "", {test::Rooted("/a b/x.zip"), "y.txt", "-z", ""});
-  const std::string here = test::TextOf(fs::current_path()) + test::kSeparator;
-  EXPECT_EQ(run.mover->CMDLINEMAX, 4);
-  const Titles expected = {test::Rooted("/a b/x.zip"), here + "y.txt", here + "-z", here};
-  for (std::int32_t i = 1; i <= 4; ++i) {
-    run.mover->CMDLINECURRENT = i;
-    EXPECT_EQ(run.mover->CurrentCmdLineString(), expected[static_cast<std::size_t>(i - 1)]);
-  }
-}
-
 GTEST_TEST(ClsMover, MatchesProfilesInSortedOrder) {
   const std::string items =
       "[z]\nPattern=.*\\.lzh\n[a]\nPattern=X\\.LZH\n[m]\nPattern=x\n[Bad]\nPattern=(\n[j]\nPattern=é.*\n";

@@ -1,7 +1,5 @@
 #include "core/profile_list.h"
 
-#include <filesystem>
-
 #include "support/settings.h"
 
 namespace quendle {
@@ -104,10 +102,7 @@ GTEST_TEST(ProfileList, TellsWhyANameDoesNotMatch) {
   ProfileList list(settings.profiles, settings.standard);
   ASSERT_TRUE(list.Read().ok());
   using Kind = NameMatch::Kind;
-  const struct {
-    std::string name;
-    std::vector<Kind> kinds;
-  } rows[] = {
+  const std::pair<std::string, std::vector<Kind>> rows[] = {
       {"", std::vector<Kind>(9, Kind::kNotTested)},
       {"a.Zip",
        {Kind::kMatches, Kind::kPartOnly, Kind::kPartOnly, Kind::kMatches, Kind::kError, Kind::kNoMatch,
@@ -116,10 +111,10 @@ GTEST_TEST(ProfileList, TellsWhyANameDoesNotMatch) {
        {Kind::kNoMatch, Kind::kNoMatch, Kind::kPartOnly, Kind::kNoMatch, Kind::kError, Kind::kNoMatch,
         Kind::kNoMatch, Kind::kError, Kind::kError}},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.name);
-    list.TestName(row.name);
-    for (std::size_t i = 0; i < row.kinds.size(); ++i) EXPECT_EQ(list.MatchOf(i).kind, row.kinds[i]) << i + 1;
+  for (const auto& [name, kinds] : rows) {
+    SCOPED_TRACE(name);
+    list.TestName(name);
+    for (std::size_t i = 0; i < kinds.size(); ++i) EXPECT_EQ(list.MatchOf(i).kind, kinds[i]) << i + 1;
   }
   EXPECT_EQ(list.MatchOf(4).reason, "1 文字目: 閉じ括弧「)」がありません");
   EXPECT_EQ(list.MatchOf(7).reason, "長すぎて、後で全体を読み込めません");
@@ -158,17 +153,6 @@ GTEST_TEST(ProfileList, CommandsWorkOnWhatIsThereNow) {
   ASSERT_TRUE(list.Read().ok());
   EXPECT_EQ(Titles(list), "0;A;b;");
   EXPECT_EQ(settings.profiles.OPENFILE("0"), "last line");
-}
-
-GTEST_TEST(ProfileList, FailuresAreTold) {
-  test::Settings settings("", kStandard);
-  ProfileList list(settings.profiles, settings.standard);
-  EXPECT_TRUE(list.Read().ok());
-  std::filesystem::create_directory(settings.profiles.FileName());
-  for (const auto& result : {list.Read(), list.Sort(), list.Remove({"a"})}) {
-    EXPECT_EQ(result.code, platform::Code::kIsFolder);
-    EXPECT_EQ(result.path, settings.profiles.FileName());
-  }
 }
 
 }  // namespace

@@ -9,10 +9,7 @@ namespace quendle {
 namespace {
 
 GTEST_TEST(ProfilePattern, OfNames) {
-  const struct {
-    const char* name;
-    const char* pattern;
-  } rows[] = {
+  const std::pair<const char*, const char*> rows[] = {
       {"abc_01.zip", "abc_.*\\.zip"},
       {"abc01.zip", "abc.*\\.zip"},
       {"data123.lzh", "data.*\\.lzh"},
@@ -36,15 +33,15 @@ GTEST_TEST(ProfilePattern, OfNames) {
        "ab\uFFFD.*\\.zip"},
   };
   const test::TempFolder folder;
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.name);
-    if (kHostStyle == PathStyle::kWindows && !platform::IsUtf8(row.name)) continue;  // names are text there
-    test::WriteFile(folder / row.name, "");
+  for (const auto& [name, expected] : rows) {
+    SCOPED_TRACE(name);
+    if (kHostStyle == PathStyle::kWindows && !platform::IsUtf8(name)) continue;  // names are text there
+    test::WriteFile(folder / name, "");
     clsFileInfo target;
-    ASSERT_TRUE(target.SetFilename(folder / row.name));
+    ASSERT_TRUE(target.SetFilename(folder / name));
     const std::string pattern = MakePatternFromTarget(target);
-    EXPECT_EQ(pattern, row.pattern);
-    EXPECT_EQ(Regex(pattern).MatchWhole(platform::WithReplacementCharacters(row.name)), RegexAnswer::kWhole);
+    EXPECT_EQ(pattern, expected);
+    EXPECT_EQ(Regex(pattern).MatchWhole(platform::WithReplacementCharacters(name)), RegexAnswer::kWhole);
   }
 }
 

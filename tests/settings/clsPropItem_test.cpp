@@ -41,18 +41,15 @@ GTEST_TEST(ClsPropItem, OwnAndInheritedBehaviour) {
 GTEST_TEST(ClsPropItem, FoldersFallBack) {
   test::Settings settings("[own]\nMoveTo=/m\nCopyTo=/c\nExtractTo=/e\n[empty]\nMoveTo=\n", kStandard,
                           "[General]\nExtractTo=/t\n");
-  const struct {
-    const char* title;
-    std::string folders;
-  } rows[] = {{"own", "/m /c /e"},
-              {"empty", "/sm /sc /se"},
-              {"", "/sm /sc /se"},
-              {"（なし）", std::string("/sm /sc /t") + test::kSeparator + "data"}};
-  for (const auto& row : rows) {
+  const std::pair<const char*, std::string> rows[] = {
+      {"own", "/m /c /e"},
+      {"empty", "/sm /sc /se"},
+      {"", "/sm /sc /se"},
+      {"（なし）", std::string("/sm /sc /t") + test::kSeparator + "data"}};
+  for (const auto& [title, folders] : rows) {
     const clsPropItem& items = settings.profiles;
-    EXPECT_EQ(items.MOVETO(row.title) + " " + items.COPYTO(row.title) + " " + items.EXTRACTTO(row.title),
-              row.folders)
-        << row.title;
+    EXPECT_EQ(items.MOVETO(title) + " " + items.COPYTO(title) + " " + items.EXTRACTTO(title), folders)
+        << title;
   }
 }
 

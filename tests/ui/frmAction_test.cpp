@@ -1,8 +1,6 @@
 #include "ui/frmAction.h"
 
 #include <QElapsedTimer>
-#include <QGroupBox>
-#include <QMenu>
 #include <QScreen>
 #include <QTimer>
 
@@ -112,16 +110,13 @@ GTEST_TEST(FrmAction, AHeldKeyEndsNoPath) {
 
 GTEST_TEST(FrmAction, MnemonicsReachTheirControls) {
   ActionWindow opened(kItems, {"a.all"}, 1);
-  const struct {
-    Qt::Key key;
-    const char* focus;
-  } rows[] = {{Qt::Key_N, "cbo(1)"}, {Qt::Key_P, "cbo(0)"}};
+  const std::pair<Qt::Key, const char*> rows[] = {{Qt::Key_N, "cbo(1)"}, {Qt::Key_P, "cbo(0)"}};
   opened.Press(Qt::Key_2, Qt::AltModifier);  // so that the rename mode can be chosen
   QTRY_VERIFY(opened.chk(1)->isChecked());
-  for (const auto& row : rows) {
+  for (const auto& [key, focus] : rows) {
     opened.cmd(1)->setFocus();
-    opened.Press(row.key, Qt::AltModifier);
-    EXPECT_EQ(opened.window->focusWidget()->objectName(), row.focus);
+    opened.Press(key, Qt::AltModifier);
+    EXPECT_EQ(opened.window->focusWidget()->objectName(), focus);
   }
   opened.Press(Qt::Key_X, Qt::AltModifier);
   QTRY_COMPARE(opened.asked.size(), 1U);

@@ -1,6 +1,5 @@
 #include "ui/pickers.h"
 
-#include <QComboBox>
 #include <QFileDialog>
 #include <QFileSystemModel>
 #include <QLineEdit>

@@ -150,21 +150,18 @@ TEST_F(QtUserTest, ShowsHowFarItIs) {
 }
 
 TEST_F(QtUserTest, CancelHoldsUntilTheEnd) {
-  const struct {
-    const char* how;
-    std::function<void(frmProgress&)> cancel;
-  } rows[] = {
+  const std::pair<const char*, std::function<void(frmProgress&)>> rows[] = {
       {"mouse", [](frmProgress& window) { test::Click(window, "キャンセル"); }},
       {"Esc", [](frmProgress& window) { QTest::keyClick(&window, Qt::Key_Escape); }},
       {"close box", [](frmProgress& window) { window.close(); }},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.how);
+  for (const auto& [how, cancel] : rows) {
+    SCOPED_TRACE(how);
     Open();
     QTest::keyClick(Window(), Qt::Key_Space);  // typed for another window
     QTest::keyClick(Window(), Qt::Key_Return);
     EXPECT_TRUE(Report(11 * kMebi));
-    row.cancel(*Window());
+    cancel(*Window());
     EXPECT_FALSE(Report(12 * kMebi));
     now_ += seconds(1);
     EXPECT_FALSE(Report(13 * kMebi));
