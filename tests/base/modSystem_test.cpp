@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "support/temp_folder.h"
-
 namespace quendle {
 namespace {
 
@@ -83,22 +81,6 @@ GTEST_TEST(ModSystem, CommandLines) {
     expected.insert(expected.end(), arguments.begin(), arguments.end());
     EXPECT_EQ(SplitCommandLine(text, 10), expected) << text;
   }
-}
-
-GTEST_TEST(ModSystem, NestedFolders) {
-  const test::TempFolder folder;
-  test::WriteFile(folder / "file", "x");
-  platform::Result why;
-  EXPECT_TRUE(MakeDirNested(folder / "a/b/c"));
-  EXPECT_TRUE(std::filesystem::is_directory(folder / "a/b/c"));
-  EXPECT_TRUE(MakeDirNested(folder / "a/d/"));
-  EXPECT_TRUE(MakeDirNested(folder / "a"));
-  EXPECT_FALSE(MakeDirNested(folder / "file/below", &why));
-  EXPECT_TRUE(why.path.starts_with(folder / "file")) << why.path;
-  EXPECT_FALSE(why.reason.empty());
-  why = {};
-  EXPECT_FALSE(MakeDirNested("", &why));
-  EXPECT_FALSE(why.ok());
 }
 
 }  // namespace

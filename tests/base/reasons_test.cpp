@@ -32,7 +32,6 @@ GTEST_TEST(Reasons, AreTranslatedWithTheirNamesAndNumbers) {
        "Include のパターン a: ( は使えません: 照合に時間がかかりすぎます"},
       {"the archive is cut off: its end is missing", "アーカイブが途中で切れています"},
       {"the volume /in/%2.7z.002 is missing", "分割ファイル /in/%2.7z.002 がありません"},
-      {"the library has no function Unlha", "ライブラリに関数 Unlha がありません"},
       {"/a; b.ini: line 12: this seems to be UTF-8; save the file as UTF-8 with its mark (BOM)",
        "/a; b.ini: 12 行目：UTF-8 の文字のようです。ファイルを BOM 付きの UTF-8 で保存し直してください"},
       {"the volume  is missing", "the volume  is missing"},

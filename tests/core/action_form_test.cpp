@@ -390,7 +390,7 @@ GTEST_TEST(ActionForm, OnlyWhatTheUserDidNotWantIsTold) {
 
 GTEST_TEST(ActionForm, ActsByTheSelectedProfile) {
   Bench bench({"a.zip", "b.none"},
-              "[p]\nPattern=.*zip\nOpenFile=p.txt\nID=1\nAction=1\nExtractTo=~/x\n"
+              "[p]\nPattern=.*zip\nOpenFile=p.txt; sub/b.html;;\nID=1\nAction=1\nExtractTo=~/x\n"
               "[q]\nPattern=q\nOpenFile=q.txt\n",
               "CheckArchive=1\nAction=1\nExtractTo=~/standard\n");
   bench.run.archiver->type = 1;
@@ -402,11 +402,16 @@ GTEST_TEST(ActionForm, ActsByTheSelectedProfile) {
   EXPECT_TRUE(bench.form.View().smart_make_dir && bench.form.View().open_dir &&
               !bench.form.View().overwrites);
   EXPECT_TRUE(bench.form.Execute());
+  EXPECT_EQ(bench.run.user.busy, (std::vector<bool>{true, false}));
+  EXPECT_EQ(bench.run.archiver->EXTRACTTYPE, 2);
   ASSERT_TRUE(bench.form.Advance());
   bench.form.SetOpenDir(false);
   EXPECT_TRUE(bench.form.Execute());
-  EXPECT_EQ(bench.run.archiver->extracted.size(), 2U);
-  EXPECT_EQ(bench.run.user.opened_files, Texts{bench.folder / "x/p.txt"});
+  EXPECT_EQ(bench.run.archiver->extracted,
+            (Texts{bench.folder / "a.zip" + " to " + bench.folder / "x",
+                   bench.folder / "b.none" + " to " + bench.folder / "standard"}));
+  const std::string inside = bench.folder / "x" + test::kSeparator;
+  EXPECT_EQ(bench.run.user.opened_files, (Texts{inside + "p.txt", inside + "sub/b.html"}));
   EXPECT_EQ(bench.run.user.opened_folders, Texts{bench.folder / "x"});
 }
 

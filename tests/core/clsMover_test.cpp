@@ -266,30 +266,6 @@ GTEST_TEST(ClsMover, FoldersGoBelowTheirDestinationWhetherItExistsOrNot) {
   EXPECT_EQ(run.mover->Steps().at(1).result, StepResult::kSkipped);
 }
 
-GTEST_TEST(ClsMover, OpensWhatWasExtracted) {
-  const test::TempFolder folder;
-  test::WriteFile(folder / "x.zip", "x");
-  const std::string to = test::Rooted("/e");
-  test::Run run("[p]\nID=1\nAction=1\nOpenDir=1\nExtractType=2\nExtractTo=" + to +
-                    "\nOpenFile=readme.txt; sub/b.html;;\n",
-                "", {folder / "x.zip"});
-  run.archiver->type = 1;
-  ASSERT_TRUE(run.mover->SetTarget().ok());
-  run.mover->GetAccordantTitles();
-  std::string why;
-  ASSERT_TRUE(run.mover->FillFromProfile("p", &why)) << why;
-  EXPECT_TRUE(run.mover->ActionMain());
-  EXPECT_EQ(run.user.busy, (std::vector<bool>{true, false}));
-  EXPECT_EQ(run.archiver->extracted, (Titles{folder / "x.zip" + " to " + to}));
-  EXPECT_EQ(run.archiver->EXTRACTTYPE, 2);
-  EXPECT_EQ(run.user.opened_folders, (Titles{to}));
-  EXPECT_EQ(run.user.opened_files,
-            (Titles{to + test::kSeparator + "readme.txt", to + test::kSeparator + "sub/b.html"}));
-  run.mover->OPENDIR = false;
-  EXPECT_TRUE(run.mover->ActionMain());
-  EXPECT_EQ(run.user.opened_folders.size(), 1U);
-}
-
 // The files may be edited at any moment: one path is done by what they said at one moment, and a window that shows
 // something else than they say now is told.
 GTEST_TEST(ClsMover, APathIsDoneByWhatWasReadForIt) {

@@ -98,17 +98,17 @@ class MainWindow {
     const QPoint place = view->visualRect(view->model()->index(row, 0)).center();
     QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers, place);
   }
-  // True when the window takes what is dropped there.
+  // As the desktop sends it: to the window, which looks for the control under the pointer. True when it is taken.
   bool Drop(const QWidget* target, const QList<QUrl>& urls) const {
     QMimeData data;
     data.setUrls(urls);
     const QPoint place = target->mapTo(window.get(), target->rect().center());
     const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
     QDragEnterEvent enter(place, actions, &data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(window.get(), &enter);
+    QCoreApplication::sendEvent(window->windowHandle(), &enter);
     QDropEvent drop(place, actions, &data, Qt::LeftButton, Qt::NoModifier);
     drop.setDropAction(Qt::MoveAction);  // after which the other program would remove the files
-    QCoreApplication::sendEvent(window.get(), &drop);
+    QCoreApplication::sendEvent(window->windowHandle(), &drop);
     EXPECT_EQ(enter.isAccepted(), drop.isAccepted());
     for (const QDropEvent* event : {static_cast<QDropEvent*>(&enter), &drop}) {
       EXPECT_TRUE(!event->isAccepted() || event->dropAction() == Qt::CopyAction);
