@@ -101,15 +101,12 @@ GTEST_TEST(ProfileList, TellsWhyANameDoesNotMatch) {
       kStandard);
   ProfileList list(settings.profiles, settings.standard);
   ASSERT_TRUE(list.Read().ok());
-  using Kind = NameMatch::Kind;
-  const std::pair<std::string, std::vector<Kind>> rows[] = {
-      {"", std::vector<Kind>(9, Kind::kNotTested)},
-      {"a.Zip",
-       {Kind::kMatches, Kind::kPartOnly, Kind::kPartOnly, Kind::kMatches, Kind::kError, Kind::kNoMatch,
-        Kind::kNoMatch, Kind::kError, Kind::kNoMatch}},
+  using enum NameMatch::Kind;
+  const std::pair<std::string, std::vector<NameMatch::Kind>> rows[] = {
+      {"", std::vector<NameMatch::Kind>(9, kNotTested)},
+      {"a.Zip", {kMatches, kPartOnly, kPartOnly, kMatches, kError, kNoMatch, kNoMatch, kError, kNoMatch}},
       {std::string(200, 'a').append("\xFF"),
-       {Kind::kNoMatch, Kind::kNoMatch, Kind::kPartOnly, Kind::kNoMatch, Kind::kError, Kind::kNoMatch,
-        Kind::kNoMatch, Kind::kError, Kind::kError}},
+       {kNoMatch, kNoMatch, kPartOnly, kNoMatch, kError, kNoMatch, kNoMatch, kError, kError}},
   };
   for (const auto& [name, kinds] : rows) {
     SCOPED_TRACE(name);

@@ -12,14 +12,12 @@ GTEST_TEST(ProfilePattern, OfNames) {
   const std::pair<const char*, const char*> rows[] = {
       {"abc_01.zip", "abc_.*\\.zip"},
       {"abc01.zip", "abc.*\\.zip"},
-      {"data123.lzh", "data.*\\.lzh"},
       {"foo-bar_baz.zip", "foo-bar_.*\\.zip"},
       {"report.txt", "report.*\\.txt"},
       {"12345.zip", "1.*\\.zip"},
       {"my file 2.rar", "my file .*\\.rar"},
       {"README", "README.*"},
       {"x_y-z1.zip", "x_y-z.*\\.zip"},
-      {"x_y-zz.zip", "x_y-.*\\.zip"},
       {"a_1_2.zip", "a_1_.*\\.zip"},
       {"_12.zip", "_.*\\.zip"},
       {"7", "7.*"},
@@ -28,9 +26,7 @@ GTEST_TEST(ProfilePattern, OfNames) {
       {"v1.2.3.tar", "v1.2..*\\.tar"},
       {"写真12.JPG", "写真.*\\.JPG"},
       {"第２巻_01.zip", "第２巻_.*\\.zip"},
-      {"ab\xFF"
-       "9.zip",
-       "ab\uFFFD.*\\.zip"},
+      {"ab\xFF_9.zip", "ab\uFFFD_.*\\.zip"},
   };
   const test::TempFolder folder;
   for (const auto& [name, expected] : rows) {

@@ -78,7 +78,6 @@ TEST_F(IniFile, EnumSectionListsHeadersInOrder) {
     Texts names;
   } rows[] = {
       {"x\r\n[b]\r\n[A]\r\nk=1\r\n[b]\r\n", 3, {"b", "A", "b"}},
-      {"[a]\n[b]\n", 2, {"a", "b"}},
       {"[a]\r[b]", 2, {"a", "b"}},
       {"[a]\r\nk=1\n[b]\n[c]\r\n", 1, {"a"}},  // lone line feeds end no line here
       {"[a]\r\n [b]\r\n[ c]\r\n[d] \r\n", 2, {"a", " c"}},

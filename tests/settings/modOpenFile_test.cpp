@@ -12,10 +12,7 @@ namespace {
 using namespace std::string_literals;
 namespace fs = std::filesystem;
 
-const std::string kMarkedA(
-    "\xFF\xFE"
-    "a\0",
-    4);
+const std::string kMarkedA = "\xFF\xFE\x61\0"s;  // "a" in UTF-16 behind its mark
 
 GTEST_TEST(ReadTextFile, DetectsUtf16ByTheFirstByte) {
   const test::TempFolder folder;
@@ -28,9 +25,7 @@ GTEST_TEST(ReadTextFile, DetectsUtf16ByTheFirstByte) {
       {"a\r\n\x95\x5C\xFD", "a\r\n表\uEFFD", false, false},
       {kMarkedA, "\uFEFFa", true, true},
       {"\xFF\xFE", "", true, true},
-      {"\xFF\xFE"
-       "a",
-       "\uFEFF", true, true},
+      {"\xFF\xFE\x61", "\uFEFF", true, true},
       {"\xFE\xFF\0a"s, "\uFFFE\u6100", true, true},
       {"\xFEq", "", true, true},
       {"\xFF", "", false, true},
@@ -68,9 +63,7 @@ GTEST_TEST(WriteTextFile, ReplacesPrintsAndAppends) {
       {"old and longer", "表", 0, false, "\x95\x5C"},
       {"old", "", 0, true, ""},
       {kMissing, "", 0, false, ""},
-      {kMissing, "a表", 0, true,
-       "\xFF\xFE"
-       "a\0\x68\x88"s},
+      {kMissing, "a表", 0, true, kMarkedA + "\x68\x88"},
       {"old", "\uFEFFa", 0, true, kMarkedA},
       {"old", "é", 0, false, "\xFF\xFE\xE9\0"s},
       {"old", "\uFEFFé", 0, false, "\xEF\xBB\xBF\xC3\xA9"},  // as it was read from UTF-8
