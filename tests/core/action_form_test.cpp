@@ -111,7 +111,6 @@ GTEST_TEST(ActionForm, AsksWhenTheChoiceIsNotClear) {
       {"a.zip", false, "0", 1, std::nullopt, {none}, 0},
       {"a.zip", false, "1", 1, std::nullopt, {}, -1},
       {"a.zip", true, "1", 1, std::nullopt, {none}, 0},
-      {"a.none", false, "0", 0, "one", {}, -1},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(std::string(row.name) + row.profile.value_or(""));
@@ -128,18 +127,27 @@ GTEST_TEST(ActionForm, AsksWhenTheChoiceIsNotClear) {
 
 GTEST_TEST(ActionForm, UnregisteredPathsGetTheirSettings) {
   for (const bool tests : {false, true}) {
-    Bench bench({"a.zip"}, kMove,
-                std::string("Action=6\nMoveTo=~/sm\nCopyTo=~\nExtractTo=~/sx\nTest=") + (tests ? "1" : "0"));
+    Bench bench({"a.zip", "dir"}, kMove,
+                std::string("Action=6\nExtractType=2\nMoveTo=~/sm\nCopyTo=~\nExtractTo=~/sx\nTest=") +
+                    (tests ? "1" : "0"));
     bench.run.archiver->type = 1;
+    clsMover& mover = *bench.run.mover;
+    mover.SMARTMAKEDIR = mover.OPENDIR = true;
     ASSERT_TRUE(bench.form.Advance());
     const ActionView& view = bench.form.View();
-    EXPECT_EQ(view.title, "1/1 - 未登録ファイル - （なし）");
+    EXPECT_EQ(view.title, "1/2 - 未登録ファイル - （なし）");
     EXPECT_FALSE(view.edits_profile);
     EXPECT_EQ(bench.form.SelectedTitle(), "");
     EXPECT_EQ(view.rows[0].is_ticked, tests);
     EXPECT_EQ(bench.Shown(0), tests ? test::Slashed(test::Rooted("/test/a")) : "~/sx");
     EXPECT_EQ(bench.Shown(1), tests ? "" : "~/sm/a.zip");
     EXPECT_EQ(bench.Shown(2), tests ? "" : "~/a.zip");  // with another step the file may stay
+    if (tests) continue;
+    EXPECT_EQ(mover.EXTRACTTYPE * 10 + mover.SMARTRENAME, 23);
+    EXPECT_TRUE(mover.SMARTMAKEDIR && mover.OPENDIR);
+    bench.form.Skip();
+    ASSERT_TRUE(bench.form.Advance());
+    EXPECT_EQ(mover.SMARTRENAME, 1) << "a folder keeps its name";
   }
 }
 

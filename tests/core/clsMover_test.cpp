@@ -66,12 +66,9 @@ GTEST_TEST(ClsMover, AsksForArchiveTypesByExtensionOrSetting) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
     const test::TempFolder folder;
-    if (row.is_folder) {
-      fs::create_directory(folder / row.name);
-    } else {
-      test::WriteFile(folder / row.name, "x");
-    }
-    test::Run run("", std::string("[General]\nCheckArchive=") + row.check, {folder / row.name});
+    const std::string path = folder / row.name;
+    row.is_folder ? (void)fs::create_directory(path) : test::WriteFile(path, "x");
+    test::Run run("", std::string("[General]\nCheckArchive=") + row.check, {path});
     run.archiver->type = 3;
     ASSERT_TRUE(run.mover->SetTarget().ok());
     run.mover->GetAccordantTitles();
@@ -105,11 +102,8 @@ GTEST_TEST(ClsMover, SmartRename) {
     test::WriteFile(folder / row.name, "x");
     Date(folder / row.name);
     for (const std::string& taken : row.taken) {
-      if (taken.back() == '/') {
-        fs::create_directories(folder / "to/" + taken);
-      } else {
-        test::WriteFile(folder / "to/" + taken, "old");
-      }
+      const std::string path = folder / "to/" + taken;
+      taken.ends_with('/') ? (void)fs::create_directories(path) : test::WriteFile(path, "old");
     }
     test::Run run("", "", {folder / row.name});
     ASSERT_TRUE(run.mover->SetTarget().ok());
@@ -323,23 +317,6 @@ GTEST_TEST(ClsMover, SaysWhatIsWrongWithProfiles) {
   ASSERT_EQ(problems.size(), std::size(beginnings));
   for (std::size_t i = 0; i < problems.size(); ++i)
     EXPECT_TRUE(problems[i].starts_with(beginnings[i])) << problems[i];
-}
-
-GTEST_TEST(ClsMover, StandardSettingsFillTheState) {
-  const test::TempFolder folder;
-  test::WriteFile(folder / "x", "x");
-  test::Run run("", "[General]\nAction=7\nExtractTo=/e\nMoveTo=/m\nCopyTo=/c\nExtractType=1\nSmartRename=2\n",
-                {folder / "x"});
-  clsMover& mover = *run.mover;
-  ASSERT_TRUE(mover.SetTarget().ok());
-  for (const bool is_folder : {false, true}) {
-    mover.DOESFOLDER = is_folder;
-    mover.SMARTMAKEDIR = mover.OPENDIR = true;
-    mover.SetDefaultItemData();
-    EXPECT_EQ(mover.EXTRACTTO + mover.MOVETO + mover.COPYTO, "/e/m/c");
-    EXPECT_EQ(mover.ACTION * 100 + mover.EXTRACTTYPE * 10 + mover.SMARTRENAME, is_folder ? 711 : 712);
-    EXPECT_TRUE(mover.SMARTMAKEDIR && mover.OPENDIR);
-  }
 }
 
 }  // namespace

@@ -40,7 +40,6 @@ GTEST_TEST(Dispatch, Outcomes) {
       {"a.both", std::nullopt, "0", 0, Outcome::kAmbiguous, nullptr},
       {"a.both", "three", "0", 0, Outcome::kDone, "three"},
       {"a.none", std::nullopt, "1", 0, Outcome::kUnmatched, nullptr},
-      {"a.none", "two", "0", 0, Outcome::kDone, "two"},
       {"a.zip", std::nullopt, "0", 1, Outcome::kUnmatched, nullptr},
       {"a.zip", std::nullopt, "1", 1, Outcome::kDone, nullptr},
       {"a.zip", "zip", "0", 0, Outcome::kFailed, "zip"},
