@@ -79,6 +79,7 @@ GTEST_TEST(Program, JsonObjects) {
   EXPECT_EQ(objects[1]["name"], "表 示.t");
   EXPECT_EQ(objects[1]["steps"][1]["to"], folder / "m/表 示.t");
   EXPECT_EQ(objects[1]["result"], "done");
+  EXPECT_EQ(objects[2]["path"], root + test::Native("/in/gone"));
   EXPECT_EQ(objects[2]["result"], "missing");
   EXPECT_EQ(objects[2]["profile"], nullptr);
 }
