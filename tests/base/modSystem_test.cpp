@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "support/temp_folder.h"
-
 namespace quendle {
 namespace {
 
@@ -67,10 +65,8 @@ GTEST_TEST(ModSystem, Conversions) {
 }
 
 GTEST_TEST(ModSystem, CommandLines) {
-  const struct {
-    const char* text;
-    Strings arguments;  // from 1 on
-  } rows[] = {
+  const std::pair<const char*, Strings> rows[] = {
+      // from the first argument on
       {"", {}},
       {" ", {"", ""}},
       {"\"C:\\a b\\x.zip\" y.txt", {"C:\\a b\\x.zip", "y.txt"}},
@@ -80,27 +76,11 @@ GTEST_TEST(ModSystem, CommandLines) {
       {"\"\"", {}},
       {"1 2 3 4 5 6 7 8 9 10 11", {"1", "2", "3", "4", "5", "6", "7", "8", "9", "10"}},
   };
-  for (const auto& row : rows) {
+  for (const auto& [text, arguments] : rows) {
     Strings expected = {""};
-    expected.insert(expected.end(), row.arguments.begin(), row.arguments.end());
-    EXPECT_EQ(SplitCommandLine(row.text, 10), expected) << row.text;
+    expected.insert(expected.end(), arguments.begin(), arguments.end());
+    EXPECT_EQ(SplitCommandLine(text, 10), expected) << text;
   }
-}
-
-GTEST_TEST(ModSystem, NestedFolders) {
-  const test::TempFolder folder;
-  test::WriteFile(folder / "file", "x");
-  platform::Result why;
-  EXPECT_TRUE(MakeDirNested(folder / "a/b/c"));
-  EXPECT_TRUE(std::filesystem::is_directory(folder / "a/b/c"));
-  EXPECT_TRUE(MakeDirNested(folder / "a/d/"));
-  EXPECT_TRUE(MakeDirNested(folder / "a"));
-  EXPECT_FALSE(MakeDirNested(folder / "file/below", &why));
-  EXPECT_TRUE(why.path.starts_with(folder / "file")) << why.path;
-  EXPECT_FALSE(why.reason.empty());
-  why = {};
-  EXPECT_FALSE(MakeDirNested("", &why));
-  EXPECT_FALSE(why.ok());
 }
 
 }  // namespace

@@ -12,10 +12,7 @@ namespace quendle {
 namespace {
 
 GTEST_TEST(Reasons, AreTranslatedWithTheirNamesAndNumbers) {
-  const struct {
-    const char* english;
-    const char* japanese;
-  } rows[] = {
+  const std::pair<const char*, const char*> rows[] = {
       {"it is there already", "すでにそこにあります"},
       {"No space left on device: /media/usb", "空き容量がありません: /media/usb"},
       {"/in/a: b.zip: Permission denied", "/in/a: b.zip: アクセス権がありません"},
@@ -35,14 +32,13 @@ GTEST_TEST(Reasons, AreTranslatedWithTheirNamesAndNumbers) {
        "Include のパターン a: ( は使えません: 照合に時間がかかりすぎます"},
       {"the archive is cut off: its end is missing", "アーカイブが途中で切れています"},
       {"the volume /in/%2.7z.002 is missing", "分割ファイル /in/%2.7z.002 がありません"},
-      {"the library has no function Unlha", "ライブラリに関数 Unlha がありません"},
       {"/a; b.ini: line 12: this seems to be UTF-8; save the file as UTF-8 with its mark (BOM)",
        "/a; b.ini: 12 行目：UTF-8 の文字のようです。ファイルを BOM 付きの UTF-8 で保存し直してください"},
       {"the volume  is missing", "the volume  is missing"},
       {"something nobody ever said: /x", "something nobody ever said: /x"},
       {"", ""},
   };
-  for (const auto& row : rows) EXPECT_EQ(InJapanese(row.english), row.japanese);
+  for (const auto& [english, japanese] : rows) EXPECT_EQ(InJapanese(english), japanese);
 }
 
 // The sources without the breaks inside a literal.

@@ -36,36 +36,31 @@ GTEST_TEST(Program, WithoutADisplayThatAnswersNoWindowIsTried) {
   }
 }
 
+// What a name does to a terminal, "\u202e" among it, is only written as a number.
 GTEST_TEST(Program, JsonNamesThatAreNoText) {
   test::TempFolder folder;
   test::WriteSettings(folder, "[T]\r\nPattern=.*t\r\nID=1\r\nAction=2\r\n");
-  test::WriteFile(folder / "in/q\"\xFF\\.t", "x");
-  const auto object = nlohmann::json::parse(test::RunProgram(folder, "--batch --json in/*").out);
-  EXPECT_EQ(object["name"], "q\"\\xFF\\\\.t");
-  EXPECT_EQ(object["steps"][0]["to"], folder / "m/q\"\\xFF\\\\.t");
-  EXPECT_EQ(object["escaped"], true);
-  EXPECT_EQ(object["result"], "done");
-  EXPECT_TRUE(fs::exists(folder / "m/q\"\xFF\\.t"));
-}
-
-GTEST_TEST(Program, JsonDoesNotMoveTheTerminal) {
-  test::TempFolder folder;
-  test::WriteSettings(folder, "[T]\r\nPattern=.*t\r\nID=1\r\nAction=2\r\n");
-  std::string name, numbers;
+  std::string deceptive, numbers;
   constexpr std::u32string_view kDeceptive =
       U"\u007F\u0080\u009B\u009F\u061C\u200E\u200F\u2028\u202A\u202E\u2066\u2069";
   for (const char32_t c : kDeceptive) {
     char number[16];
     std::snprintf(number, sizeof number, "\\u%04x", static_cast<unsigned>(c));
     numbers += number;
-    platform::AppendCodePoint(c, &name);
+    platform::AppendCodePoint(c, &deceptive);
   }
   const std::string harmless = "\u00A0\u200D\u2065\u206A表";
-  test::WriteFile(folder / "in/" + name + harmless + ".t", "x");
+  const std::string name = deceptive + harmless + "q\"\xFF\\.t";
+  const std::string shown = deceptive + harmless + "q\"\\xFF\\\\.t";
+  test::WriteFile(folder / "in/" + name, "x");
   const std::string out = test::RunProgram(folder, "--batch --json in/*").out;
-  EXPECT_NE(out.find("/m/" + numbers + harmless + ".t"), std::string::npos) << out;
-  EXPECT_EQ(out.find(name), std::string::npos);
-  EXPECT_EQ(nlohmann::json::parse(out)["name"], name + harmless + ".t");
+  EXPECT_NE(out.find("/m/" + numbers + harmless + "q"), std::string::npos) << out;
+  const auto object = nlohmann::json::parse(out);
+  EXPECT_EQ(object["name"], shown);
+  EXPECT_EQ(object["steps"][0]["to"], folder / "m/" + shown);
+  EXPECT_EQ(object["escaped"], true);
+  EXPECT_EQ(object["result"], "done");
+  EXPECT_TRUE(fs::exists(folder / "m/" + name));
 }
 
 GTEST_TEST(Program, ResultsThatCannotBeWritten) {
@@ -166,18 +161,6 @@ GTEST_TEST(Program, WhatIsLeftOutIsToldInAWindow) {
   }
 }
 
-// Starts the program on every file of folder/in, interrupts it, and waits for its end.
-int InterruptedStatus(const test::TempFolder& folder) {
-  std::vector<std::string> arguments = {"--settings", folder / "s", "--batch"};
-  for (const auto& entry : fs::directory_iterator(folder / "in")) arguments.push_back(entry.path().string());
-  const pid_t child = Start(arguments);
-  for (int i = 0; i < 20'000 && !fs::exists(folder / "moving"); ++i) usleep(1000);  // made by the first move
-  kill(child, SIGINT);
-  int status = 0;
-  waitpid(child, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 GTEST_TEST(Program, AnInterruptLeavesNothingHalfDone) {
   test::TempFolder folder;
   const std::string elsewhere = test::OtherFileSystem();
@@ -191,7 +174,14 @@ GTEST_TEST(Program, AnInterruptLeavesNothingHalfDone) {
     test::WriteFile(other / (std::to_string(i) + ".big"), std::string(kSize, 'x'));
   }
   fs::create_directory_symlink(other.path(), folder / "in");
-  EXPECT_EQ(InterruptedStatus(folder), 1);
+  std::vector<std::string> arguments = {"--settings", folder / "s", "--batch"};
+  for (const auto& entry : fs::directory_iterator(folder / "in")) arguments.push_back(entry.path().string());
+  const pid_t process = Start(arguments);
+  for (int i = 0; i < 20'000 && !fs::exists(folder / "moving"); ++i) usleep(1000);  // made by the first move
+  kill(process, SIGINT);
+  int status = 0;
+  waitpid(process, &status, 0);
+  EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, 1);
   int whole = 0;
   for (const std::string& place : {other.path(), folder / "moving/to"}) {
     if (!fs::exists(place)) continue;

@@ -79,6 +79,7 @@ GTEST_TEST(Program, JsonObjects) {
   EXPECT_EQ(objects[1]["name"], "表 示.t");
   EXPECT_EQ(objects[1]["steps"][1]["to"], folder / "m/表 示.t");
   EXPECT_EQ(objects[1]["result"], "done");
+  EXPECT_EQ(objects[2]["path"], root + test::Native("/in/gone"));
   EXPECT_EQ(objects[2]["result"], "missing");
   EXPECT_EQ(objects[2]["profile"], nullptr);
 }
@@ -101,23 +102,20 @@ GTEST_TEST(Program, OnlyTenPathsWithoutBatch) {
 }
 
 GTEST_TEST(Program, DamagedSettingsGetAClearLine) {
-  const struct {
-    std::string items;
-    const char* err;
-  } rows[] = {
+  const std::pair<std::string, const char*> rows[] = {
       {"[Slow]\r\nPattern=(x+)+\\d\r\n", "profile Slow: its pattern cannot be used: match limit exceeded"},
       {"", "there are no profiles"},
       {"[表]\r\nPattern=never\r\n", "profile 陦ｨ: its title looks like UTF-8"},
       {"[Bad]\r\nPattern=(\r\n", "profile Bad: its pattern cannot be used: missing closing parenthesis"},
   };
-  for (const auto& row : rows) {
+  for (const auto& [items, err] : rows) {
     test::TempFolder folder;
-    test::WriteSettings(folder, row.items);
+    test::WriteSettings(folder, items);
     const std::string name(200, 'x');
     test::WriteFile(folder / name, "x");
     const test::Ended ended = test::RunProgram(folder, "--dry-run " + name);
     EXPECT_EQ(ended.status, 1);
-    EXPECT_NE(ended.err.find(row.err), std::string::npos) << ended.err;
+    EXPECT_NE(ended.err.find(err), std::string::npos) << ended.err;
     EXPECT_EQ(ended.out.substr(0, 10), "unmatched ");
   }
   test::TempFolder folder;

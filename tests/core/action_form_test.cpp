@@ -111,7 +111,6 @@ GTEST_TEST(ActionForm, AsksWhenTheChoiceIsNotClear) {
       {"a.zip", false, "0", 1, std::nullopt, {none}, 0},
       {"a.zip", false, "1", 1, std::nullopt, {}, -1},
       {"a.zip", true, "1", 1, std::nullopt, {none}, 0},
-      {"a.none", false, "0", 0, "one", {}, -1},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(std::string(row.name) + row.profile.value_or(""));
@@ -128,18 +127,27 @@ GTEST_TEST(ActionForm, AsksWhenTheChoiceIsNotClear) {
 
 GTEST_TEST(ActionForm, UnregisteredPathsGetTheirSettings) {
   for (const bool tests : {false, true}) {
-    Bench bench({"a.zip"}, kMove,
-                std::string("Action=6\nMoveTo=~/sm\nCopyTo=~\nExtractTo=~/sx\nTest=") + (tests ? "1" : "0"));
+    Bench bench({"a.zip", "dir"}, kMove,
+                std::string("Action=6\nExtractType=2\nMoveTo=~/sm\nCopyTo=~\nExtractTo=~/sx\nTest=") +
+                    (tests ? "1" : "0"));
     bench.run.archiver->type = 1;
+    clsMover& mover = *bench.run.mover;
+    mover.SMARTMAKEDIR = mover.OPENDIR = true;
     ASSERT_TRUE(bench.form.Advance());
     const ActionView& view = bench.form.View();
-    EXPECT_EQ(view.title, "1/1 - 未登録ファイル - （なし）");
+    EXPECT_EQ(view.title, "1/2 - 未登録ファイル - （なし）");
     EXPECT_FALSE(view.edits_profile);
     EXPECT_EQ(bench.form.SelectedTitle(), "");
     EXPECT_EQ(view.rows[0].is_ticked, tests);
     EXPECT_EQ(bench.Shown(0), tests ? test::Slashed(test::Rooted("/test/a")) : "~/sx");
     EXPECT_EQ(bench.Shown(1), tests ? "" : "~/sm/a.zip");
     EXPECT_EQ(bench.Shown(2), tests ? "" : "~/a.zip");  // with another step the file may stay
+    if (tests) continue;
+    EXPECT_EQ(mover.EXTRACTTYPE * 10 + mover.SMARTRENAME, 23);
+    EXPECT_TRUE(mover.SMARTMAKEDIR && mover.OPENDIR);
+    bench.form.Skip();
+    ASSERT_TRUE(bench.form.Advance());
+    EXPECT_EQ(mover.SMARTRENAME, 1) << "a folder keeps its name";
   }
 }
 
@@ -390,7 +398,7 @@ GTEST_TEST(ActionForm, OnlyWhatTheUserDidNotWantIsTold) {
 
 GTEST_TEST(ActionForm, ActsByTheSelectedProfile) {
   Bench bench({"a.zip", "b.none"},
-              "[p]\nPattern=.*zip\nOpenFile=p.txt\nID=1\nAction=1\nExtractTo=~/x\n"
+              "[p]\nPattern=.*zip\nOpenFile=p.txt; sub/b.html;;\nID=1\nAction=1\nExtractTo=~/x\n"
               "[q]\nPattern=q\nOpenFile=q.txt\n",
               "CheckArchive=1\nAction=1\nExtractTo=~/standard\n");
   bench.run.archiver->type = 1;
@@ -402,11 +410,16 @@ GTEST_TEST(ActionForm, ActsByTheSelectedProfile) {
   EXPECT_TRUE(bench.form.View().smart_make_dir && bench.form.View().open_dir &&
               !bench.form.View().overwrites);
   EXPECT_TRUE(bench.form.Execute());
+  EXPECT_EQ(bench.run.user.busy, (std::vector<bool>{true, false}));
+  EXPECT_EQ(bench.run.archiver->EXTRACTTYPE, 2);
   ASSERT_TRUE(bench.form.Advance());
   bench.form.SetOpenDir(false);
   EXPECT_TRUE(bench.form.Execute());
-  EXPECT_EQ(bench.run.archiver->extracted.size(), 2U);
-  EXPECT_EQ(bench.run.user.opened_files, Texts{bench.folder / "x/p.txt"});
+  EXPECT_EQ(bench.run.archiver->extracted,
+            (Texts{bench.folder / "a.zip" + " to " + bench.folder / "x",
+                   bench.folder / "b.none" + " to " + bench.folder / "standard"}));
+  const std::string inside = bench.folder / "x" + test::kSeparator;
+  EXPECT_EQ(bench.run.user.opened_files, (Texts{inside + "p.txt", inside + "sub/b.html"}));
   EXPECT_EQ(bench.run.user.opened_folders, Texts{bench.folder / "x"});
 }
 

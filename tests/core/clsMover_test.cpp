@@ -20,17 +20,6 @@ void Date(const std::string& path) {
   test::SetWriteTime(path, std::mktime(&local));
 }
 
-GTEST_TEST(ClsMover, CommandLinePathsAreMadeAbsolute) {
-  const test::Run run("", "", {test::Rooted("/a b/x.zip"), "y.txt", "-z", ""});
-  const std::string here = test::TextOf(fs::current_path()) + test::kSeparator;
-  EXPECT_EQ(run.mover->CMDLINEMAX, 4);
-  const Titles expected = {test::Rooted("/a b/x.zip"), here + "y.txt", here + "-z", here};
-  for (std::int32_t i = 1; i <= 4; ++i) {
-    run.mover->CMDLINECURRENT = i;
-    EXPECT_EQ(run.mover->CurrentCmdLineString(), expected[static_cast<std::size_t>(i - 1)]);
-  }
-}
-
 GTEST_TEST(ClsMover, MatchesProfilesInSortedOrder) {
   const std::string items =
       "[z]\nPattern=.*\\.lzh\n[a]\nPattern=X\\.LZH\n[m]\nPattern=x\n[Bad]\nPattern=(\n[j]\nPattern=é.*\n";
@@ -77,12 +66,9 @@ GTEST_TEST(ClsMover, AsksForArchiveTypesByExtensionOrSetting) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
     const test::TempFolder folder;
-    if (row.is_folder) {
-      fs::create_directory(folder / row.name);
-    } else {
-      test::WriteFile(folder / row.name, "x");
-    }
-    test::Run run("", std::string("[General]\nCheckArchive=") + row.check, {folder / row.name});
+    const std::string path = folder / row.name;
+    row.is_folder ? (void)fs::create_directory(path) : test::WriteFile(path, "x");
+    test::Run run("", std::string("[General]\nCheckArchive=") + row.check, {path});
     run.archiver->type = 3;
     ASSERT_TRUE(run.mover->SetTarget().ok());
     run.mover->GetAccordantTitles();
@@ -116,11 +102,8 @@ GTEST_TEST(ClsMover, SmartRename) {
     test::WriteFile(folder / row.name, "x");
     Date(folder / row.name);
     for (const std::string& taken : row.taken) {
-      if (taken.back() == '/') {
-        fs::create_directories(folder / "to/" + taken);
-      } else {
-        test::WriteFile(folder / "to/" + taken, "old");
-      }
+      const std::string path = folder / "to/" + taken;
+      taken.ends_with('/') ? (void)fs::create_directories(path) : test::WriteFile(path, "old");
     }
     test::Run run("", "", {folder / row.name});
     ASSERT_TRUE(run.mover->SetTarget().ok());
@@ -277,30 +260,6 @@ GTEST_TEST(ClsMover, FoldersGoBelowTheirDestinationWhetherItExistsOrNot) {
   EXPECT_EQ(run.mover->Steps().at(1).result, StepResult::kSkipped);
 }
 
-GTEST_TEST(ClsMover, OpensWhatWasExtracted) {
-  const test::TempFolder folder;
-  test::WriteFile(folder / "x.zip", "x");
-  const std::string to = test::Rooted("/e");
-  test::Run run("[p]\nID=1\nAction=1\nOpenDir=1\nExtractType=2\nExtractTo=" + to +
-                    "\nOpenFile=readme.txt; sub/b.html;;\n",
-                "", {folder / "x.zip"});
-  run.archiver->type = 1;
-  ASSERT_TRUE(run.mover->SetTarget().ok());
-  run.mover->GetAccordantTitles();
-  std::string why;
-  ASSERT_TRUE(run.mover->FillFromProfile("p", &why)) << why;
-  EXPECT_TRUE(run.mover->ActionMain());
-  EXPECT_EQ(run.user.busy, (std::vector<bool>{true, false}));
-  EXPECT_EQ(run.archiver->extracted, (Titles{folder / "x.zip" + " to " + to}));
-  EXPECT_EQ(run.archiver->EXTRACTTYPE, 2);
-  EXPECT_EQ(run.user.opened_folders, (Titles{to}));
-  EXPECT_EQ(run.user.opened_files,
-            (Titles{to + test::kSeparator + "readme.txt", to + test::kSeparator + "sub/b.html"}));
-  run.mover->OPENDIR = false;
-  EXPECT_TRUE(run.mover->ActionMain());
-  EXPECT_EQ(run.user.opened_folders.size(), 1U);
-}
-
 // The files may be edited at any moment: one path is done by what they said at one moment, and a window that shows
 // something else than they say now is told.
 GTEST_TEST(ClsMover, APathIsDoneByWhatWasReadForIt) {
@@ -358,23 +317,6 @@ GTEST_TEST(ClsMover, SaysWhatIsWrongWithProfiles) {
   ASSERT_EQ(problems.size(), std::size(beginnings));
   for (std::size_t i = 0; i < problems.size(); ++i)
     EXPECT_TRUE(problems[i].starts_with(beginnings[i])) << problems[i];
-}
-
-GTEST_TEST(ClsMover, StandardSettingsFillTheState) {
-  const test::TempFolder folder;
-  test::WriteFile(folder / "x", "x");
-  test::Run run("", "[General]\nAction=7\nExtractTo=/e\nMoveTo=/m\nCopyTo=/c\nExtractType=1\nSmartRename=2\n",
-                {folder / "x"});
-  clsMover& mover = *run.mover;
-  ASSERT_TRUE(mover.SetTarget().ok());
-  for (const bool is_folder : {false, true}) {
-    mover.DOESFOLDER = is_folder;
-    mover.SMARTMAKEDIR = mover.OPENDIR = true;
-    mover.SetDefaultItemData();
-    EXPECT_EQ(mover.EXTRACTTO + mover.MOVETO + mover.COPYTO, "/e/m/c");
-    EXPECT_EQ(mover.ACTION * 100 + mover.EXTRACTTYPE * 10 + mover.SMARTRENAME, is_folder ? 711 : 712);
-    EXPECT_TRUE(mover.SMARTMAKEDIR && mover.OPENDIR);
-  }
 }
 
 }  // namespace

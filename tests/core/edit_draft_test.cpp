@@ -2,7 +2,6 @@
 
 #include <cstring>
 #include <functional>
-#include <initializer_list>
 #include <thread>
 
 #include "base/text.h"

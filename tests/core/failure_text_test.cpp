@@ -18,10 +18,7 @@ GTEST_TEST(FailureText, NamesTheStepsThatWereNotDone) {
   }
   const std::string line_break = ForDisplay("\n");
   const std::string in = "/in" + line_break;
-  const struct {
-    std::vector<ActionStep> steps;
-    std::string text;
-  } rows[] = {
+  const std::pair<std::vector<ActionStep>, std::string> rows[] = {
       {{copied, declined}, ""},
       {{copied, refused}, in + "\r\n移動できませんでした\r\nフォルダが指定されていません"},
       {{copied, elsewhere},
@@ -31,7 +28,7 @@ GTEST_TEST(FailureText, NamesTheStepsThatWereNotDone) {
            ": 読み込めません\r\nb: 読み込めません\r\n読み込めません\r\n"
            "d: 読み込めません\r\ne: 読み込めません\r\nほか 2 件"},
   };
-  for (const auto& row : rows) EXPECT_EQ(FailureText("/in\n", row.steps), row.text);
+  for (const auto& [steps, text] : rows) EXPECT_EQ(FailureText("/in\n", steps), text);
 }
 
 }  // namespace

@@ -41,17 +41,15 @@ GTEST_TEST(ClsPropItem, OwnAndInheritedBehaviour) {
 GTEST_TEST(ClsPropItem, FoldersFallBack) {
   test::Settings settings("[own]\nMoveTo=/m\nCopyTo=/c\nExtractTo=/e\n[empty]\nMoveTo=\n", kStandard,
                           "[General]\nExtractTo=/t\n");
-  const struct {
-    const char* title;
-    std::string folders;
-  } rows[] = {{"own", "/m /c /e"},
-              {"empty", "/sm /sc /se"},
-              {"", "/sm /sc /se"},
-              {"（なし）", std::string("/sm /sc /t") + test::kSeparator + "data"}};
-  for (const auto& row : rows) {
+  const std::pair<const char*, std::string> rows[] = {
+      {"own", "/m /c /e"},
+      {"empty", "/sm /sc /se"},
+      {"", "/sm /sc /se"},
+      {"（なし）", std::string("/sm /sc /t") + test::kSeparator + "data"}};
+  for (const auto& [title, folders] : rows) {
     const clsPropItem& items = settings.profiles;
-    EXPECT_EQ(items.MOVETO(row.title) + " " + items.COPYTO(row.title) + " " + items.EXTRACTTO(row.title), row.folders)
-        << row.title;
+    EXPECT_EQ(items.MOVETO(title) + " " + items.COPYTO(title) + " " + items.EXTRACTTO(title), folders)
+        << title;
   }
 }
 
@@ -63,7 +61,7 @@ GTEST_TEST(ClsPropItem, ProfilesAreSortedMadeRenamedAndRemoved) {
   EXPECT_EQ(titles, (std::vector<std::string>{"A", "b", "c"}));
 
   EXPECT_EQ(profiles.pattern("表[1]"), "");
-  const std::string title = "表1";
+  const std::string title = "表x";
   profiles.pattern(title, "能.*"), profiles.INCLUDE(title, "i;j"), profiles.EXCLUDE(title, "x");
   profiles.OPENFILE(title, "o.txt;p"), profiles.ID(title, 1), profiles.ACTION(title, 3);
   profiles.SMARTRENAME(title, 3), profiles.EXTRACTTYPE(title, 2), profiles.SMARTMAKEDIR(title, 1);
@@ -73,12 +71,12 @@ GTEST_TEST(ClsPropItem, ProfilesAreSortedMadeRenamedAndRemoved) {
   profiles.DelSection("a");
   profiles.OptimizeFile();
   EXPECT_EQ(test::ReadFile(settings.folder / "items.ini"),
-            "[c]\r\nPattern=C\r\n[d]\r\nPattern=B\r\n[\x95\x5C"
-            "1]\r\nPattern=\x94\x5C.*\r\nInclude=i;j\r\n"
+            "[c]\r\nPattern=C\r\n[d]\r\nPattern=B\r\n[\x95\x5Cx]\r\nPattern=\x94\x5C.*\r\nInclude=i;j\r\n"
             "Exclude=x\r\nOpenFile=o.txt;p\r\nID=1\r\nAction=3\r\nSmartRename=3\r\nExtractType=2\r\n"
             "SmartMakeDir=1\r\nOpenDir=0\r\nMoveTo=/m\r\nCopyTo=/c\r\nExtractTo=/e\r\n");
-  EXPECT_EQ(profiles.pattern(title) + profiles.INCLUDE(title) + profiles.EXCLUDE(title) + profiles.OPENFILE(title),
-            "能.*i;jxo.txt;p");
+  EXPECT_EQ(
+      profiles.pattern(title) + profiles.INCLUDE(title) + profiles.EXCLUDE(title) + profiles.OPENFILE(title),
+      "能.*i;jxo.txt;p");
 }
 
 }  // namespace

@@ -12,6 +12,8 @@ namespace {
 using namespace std::string_literals;
 namespace fs = std::filesystem;
 
+const std::string kMarkedA = "\xFF\xFE\x61\0"s;  // "a" in UTF-16 behind its mark
+
 GTEST_TEST(ReadTextFile, DetectsUtf16ByTheFirstByte) {
   const test::TempFolder folder;
   const struct {
@@ -21,13 +23,9 @@ GTEST_TEST(ReadTextFile, DetectsUtf16ByTheFirstByte) {
     bool is_unicode;
   } rows[] = {
       {"a\r\n\x95\x5C\xFD", "a\r\n表\uEFFD", false, false},
-      {"\xFF\xFE"
-       "a\0"s,
-       "\uFEFFa", true, true},
+      {kMarkedA, "\uFEFFa", true, true},
       {"\xFF\xFE", "", true, true},
-      {"\xFF\xFE"
-       "a",
-       "\uFEFF", true, true},
+      {"\xFF\xFE\x61", "\uFEFF", true, true},
       {"\xFE\xFF\0a"s, "\uFFFE\u6100", true, true},
       {"\xFEq", "", true, true},
       {"\xFF", "", false, true},
@@ -65,15 +63,8 @@ GTEST_TEST(WriteTextFile, ReplacesPrintsAndAppends) {
       {"old and longer", "表", 0, false, "\x95\x5C"},
       {"old", "", 0, true, ""},
       {kMissing, "", 0, false, ""},
-      {kMissing, "a表", 0, true,
-       "\xFF\xFE"
-       "a\0\x68\x88"s},
-      {"old",
-       "\uFEFF"
-       "a",
-       0, true,
-       "\xFF\xFE"
-       "a\0"s},
+      {kMissing, "a表", 0, true, kMarkedA + "\x68\x88"},
+      {"old", "\uFEFFa", 0, true, kMarkedA},
       {"old", "é", 0, false, "\xFF\xFE\xE9\0"s},
       {"old", "\uFEFFé", 0, false, "\xEF\xBB\xBF\xC3\xA9"},  // as it was read from UTF-8
       {"\xEF\xBB\xBFx\xC3", "é", 2, true, "\xEF\xBB\xBFx\xC3\xC3\xA9\r\n"},
@@ -85,16 +76,10 @@ GTEST_TEST(WriteTextFile, ReplacesPrintsAndAppends) {
       {"old", "a", 2, true, "olda\r\n"},
       {"x\xFD", "表", 2, false, "x\xFD\x95\x5C\r\n"},
       {"\xFF\xFEx\0"s, "a", 2, false, "\xFF\xFEx\0a\0"s},
-      {"", "a", 2, true,
-       "\xFF\xFE"
-       "a\0"s},
-      {kMissing, "a", 2, true,
-       "\xFF\xFE"
-       "a\0"s},
+      {"", "a", 2, true, kMarkedA},
+      {kMissing, "a", 2, true, kMarkedA},
       {"\xFF\xFEx\0y"s, "a", 2, false, "\xFF\xFEx\0a\0"s},  // half a unit would shift all that follows
-      {"\xFF", "a", 2, false,
-       "\xFF\xFE"
-       "a\0"s},
+      {"\xFF", "a", 2, false, kMarkedA},
       {kMissing, "a", 2, false, "a\r\n"},
       {kMissing, "\uEFFF", 2, false, "\xFF\xFE\xFF\xEF\r\0\n\0"s},
       {"\x95", "\\", 2, false, "\xFF\xFE\x95\xEF\\\0\r\0\n\0"s},  // together they would be a character

@@ -173,11 +173,8 @@ inline std::string Rar5Block(const std::string& fields, const std::string& conte
 inline std::string StoredRar5(const std::string& name, const std::string& content, const std::string& whole,
                               unsigned number = 0, bool has_next = false) {
   const bool is_volume = number > 0 || has_next;
-  const std::string main = Number(number > 0  ? 3
-                                  : is_volume ? 1
-                                              : 0,
-                                  1) +
-                           (number > 0 ? Number(number, 1) : "");
+  const unsigned volume = number > 0 ? 3 : is_volume ? 1 : 0;
+  const std::string main = Number(volume, 1) + (number > 0 ? Number(number, 1) : "");
   const unsigned flags = 2U | (number > 0 ? 8U : 0U) | (has_next ? 16U : 0U);
   const std::string file = Number(2, 1) + Number(flags, 1) + Number(content.size(), 1) + Number(4, 1) +
                            Number(whole.size(), 1) + Number(0x20, 1) +

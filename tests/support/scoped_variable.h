@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdlib>
-#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -12,34 +11,21 @@ class ScopedVariable {
  public:
   ScopedVariable(const char* name, const std::string& value) : name_(name) {
     if (const char* old = std::getenv(name)) old_ = old;
-    Set(value);
+    Set(value.c_str());
   }
-  ~ScopedVariable() {
-    if (old_) {
-      Set(*old_);
-    } else {
-      Remove();
-    }
-  }
+  ~ScopedVariable() { Set(old_ ? old_->c_str() : nullptr); }
   ScopedVariable(const ScopedVariable&) = delete;
   ScopedVariable& operator=(const ScopedVariable&) = delete;
 
  private:
+  // Without a value it is removed.
+  void Set(const char* value) {
 #ifdef _WIN32
-  void Set(const std::string& value) {
-    _putenv_s(name_, value.c_str());
-  }  // in the code page
-  void Remove() {
-    _putenv_s(name_, "");
-  }
+    _putenv_s(name_, value == nullptr ? "" : value);  // in the code page
 #else
-  void Set(const std::string& value) {
-    setenv(name_, value.c_str(), 1);
-  }
-  void Remove() {
-    unsetenv(name_);
-  }
+    value == nullptr ? unsetenv(name_) : setenv(name_, value, 1);
 #endif
+  }
 
   const char* name_;
   std::optional<std::string> old_;

@@ -1,7 +1,6 @@
 // A family of archives whose engines read what a test has put down.
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
 #include <utility>

@@ -1,6 +1,4 @@
 // What somebody meets who starts the program for the first time: from the empty list to a file that has been moved.
-#include <gtest/gtest.h>
-
 #include <QCheckBox>
 #include <QDropEvent>
 #include <QLabel>

@@ -1,14 +1,10 @@
 #include "ui/form_helpers.h"
 
-#include <gtest/gtest.h>
-
 #include <QApplication>
-#include <QDropEvent>
 #include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -21,13 +17,12 @@ namespace quendle {
 namespace {
 
 GTEST_TEST(FormHelpers, FindsEntriesFromBehindTheStartAndRound) {
-  struct Row {
+  const struct {
     std::vector<const char*> entries;
     const char* text;
     int start;
     int found;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {{"b", "A", "a"}, "A", -1, 1},
       {{"b", "A", "a"}, "A", 1, 2},
       {{"b", "A", "a"}, "a", 2, 1},
@@ -38,7 +33,7 @@ GTEST_TEST(FormHelpers, FindsEntriesFromBehindTheStartAndRound) {
       {{""}, "", -1, 0},
       {{}, "a", -1, -1},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.text);
     QListWidget list;
     for (const char* entry : row.entries) list.addItem(entry);
@@ -85,33 +80,6 @@ GTEST_TEST(FormHelpers, FocusSelectsTheWholeText) {
     QApplication::sendEvent(&line, &back);
     EXPECT_EQ(line.selectedText(), "some");
   }
-}
-
-class DropForm : public QWidget {
- public:
-  int drops = 0;
-
- protected:
-  void dragEnterEvent(QDragEnterEvent* event) override { event->acceptProposedAction(); }
-  void dropEvent(QDropEvent*) override { ++drops; }
-};
-
-GTEST_TEST(FormHelpers, FilesDroppedOnControlsReachTheForm) {
-  DropForm form;
-  form.resize(200, 200);
-  auto* box = new QPlainTextEdit(&form);
-  box->setGeometry(0, 0, 100, 100);
-  EnableDropOnControls(&form);
-  form.show();
-  QMimeData files;
-  files.setUrls({QUrl("file:///a")});
-  // As the desktop sends them: to the window, which looks for the control under the pointer.
-  QDragEnterEvent enter({50, 50}, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
-  QDropEvent drop({50, 50}, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
-  QApplication::sendEvent(form.windowHandle(), &enter);
-  QApplication::sendEvent(form.windowHandle(), &drop);
-  EXPECT_EQ(form.drops, 1);
-  EXPECT_EQ(box->toPlainText(), "");
 }
 
 GTEST_TEST(FormHelpers, CentredAndNoLargerThanTheScreen) {

@@ -1,17 +1,13 @@
 #include "ui/frmAbout.h"
 
-#include <gtest/gtest.h>
-
-#include <QApplication>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
-#include <QTimer>
-#include <QtTest/QTest>
 #include <regex>
 
 #include "core/modMain.h"
 #include "support/temp_folder.h"
+#include "ui/modal.h"
 #include "ui/text.h"
 
 namespace quendle {
@@ -53,15 +49,13 @@ GTEST_TEST(About, LibrariesOfOthers) {
 
 GTEST_TEST(About, BundledLibrariesTellWhatIsUnderThem) {
   const std::vector<std::string> lines = Lines(QUENDLE_MODULES);
-  const char* under[] = {"lhasa V",
-                         "libarchive V, libunarr V",
-                         "libarchive V, libmspack V",
-                         "libarchive V, libunarr V",
-                         nullptr,
-                         "libarchive V"};
+  // In the order of the lines; the fifth one is no library of this program.
+  const char* under[] = {
+      "lhasa V",     "libarchive V, libunarr V", "libarchive V, libmspack V", "libarchive V, libunarr V", "",
+      "libarchive V"};
   ASSERT_EQ(lines.size(), 6U);
   for (std::size_t i = 0; i < lines.size(); ++i) {
-    if (under[i] == nullptr) continue;
+    if (*under[i] == '\0') continue;
     const std::string libraries = std::regex_replace(under[i], std::regex("V"), "[0-9]+(\\.[0-9a-z]+)+");
     const std::regex expected("[^\t]{15}\t" QUENDLE_MODULE_VERSION " {5}\\(c\\) Quendle contributors; " +
                               libraries);
@@ -70,36 +64,31 @@ GTEST_TEST(About, BundledLibrariesTellWhatIsUnderThem) {
 }
 
 GTEST_TEST(About, TextAndKeys) {
-  const auto close = [](const std::function<void(frmAbout*)>& act) {
-    bool closed = false;
-    QTimer::singleShot(0, [&] {
-      auto* form = dynamic_cast<frmAbout*>(QApplication::activeModalWidget());
-      ASSERT_NE(form, nullptr);
-      ASSERT_TRUE(QTest::qWaitForWindowActive(form));
-      EXPECT_EQ(form->windowTitle(), "About Quendle");
-      const QStringList text = form->findChild<QLabel*>("lblCopyright")->text().split("\r\n");
+  const std::function<void(frmAbout&)> ways[] = {
+      [](frmAbout& form) { QTest::keyClick(form.focusWidget(), Qt::Key_Return); },
+      [](frmAbout& form) { QTest::keyClick(form.focusWidget(), Qt::Key_Escape); },
+      [](frmAbout& form) { QTest::keyClick(&form, Qt::Key_W, Qt::ControlModifier); },
+      [](frmAbout& form) { QTest::mouseClick(form.findChild<QPushButton*>("cmd"), Qt::LeftButton); },
+      [](frmAbout& form) {
+        auto* lst = form.findChild<QListWidget*>("lst");
+        QTest::mouseClick(lst->viewport(), Qt::LeftButton, {}, lst->visualItemRect(lst->item(2)).center());
+        EXPECT_EQ(lst->currentRow(), 2);
+        QTest::keyClick(lst, Qt::Key_Enter);
+      }};
+  for (const auto& close : ways) {
+    SCOPED_TRACE(&close - ways);
+    const test::WithModal modal([&close](QWidget& window) {
+      EXPECT_EQ(window.windowTitle(), "About Quendle");
+      const QStringList text = window.findChild<QLabel*>("lblCopyright")->text().split("\r\n");
       ASSERT_EQ(text.size(), 6);
       EXPECT_EQ(
           FromQt(text.mid(0, 5).join("/")),
           "Quendle/" + GetVersionString() + "/Compiled: 2003/11/7//Copyright (C) 1999 Quendle contributors");
-      act(form);
-      closed = !form->isVisible();
-      form->close();
+      close(dynamic_cast<frmAbout&>(window));
     });
     ShowAbout(nullptr, "");
-    return closed;
-  };
-  EXPECT_TRUE(close([](frmAbout* form) { QTest::keyClick(form->focusWidget(), Qt::Key_Return); }));
-  EXPECT_TRUE(close([](frmAbout* form) { QTest::keyClick(form->focusWidget(), Qt::Key_Escape); }));
-  EXPECT_TRUE(close([](frmAbout* form) { QTest::keyClick(form, Qt::Key_W, Qt::ControlModifier); }));
-  EXPECT_TRUE(
-      close([](frmAbout* form) { QTest::mouseClick(form->findChild<QPushButton*>("cmd"), Qt::LeftButton); }));
-  EXPECT_TRUE(close([](frmAbout* form) {
-    auto* lst = form->findChild<QListWidget*>("lst");
-    QTest::mouseClick(lst->viewport(), Qt::LeftButton, {}, lst->visualItemRect(lst->item(2)).center());
-    EXPECT_EQ(lst->currentRow(), 2);
-    QTest::keyClick(lst, Qt::Key_Enter);
-  }));
+    EXPECT_EQ(modal.windows(), 1);
+  }
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 #include "ui/frmAction.h"
 
 #include <QElapsedTimer>
-#include <QGroupBox>
-#include <QMenu>
 #include <QScreen>
 #include <QTimer>
 
@@ -21,11 +19,6 @@ const std::string kItems =
 
 std::string MovingTo(const std::string& folder) {
   return "[M]\nPattern=.*\nID=1\nAction=2\nSmartRename=1\nMoveTo=" + folder + "\n";
-}
-
-// The dialog that a call is going to show is driven from within it.
-void Later(const std::function<void()>& act) {
-  QTimer::singleShot(0, act);
 }
 
 GTEST_TEST(FrmAction, KeysAreTheWindowsAlsoInAField) {
@@ -112,16 +105,13 @@ GTEST_TEST(FrmAction, AHeldKeyEndsNoPath) {
 
 GTEST_TEST(FrmAction, MnemonicsReachTheirControls) {
   ActionWindow opened(kItems, {"a.all"}, 1);
-  const struct {
-    Qt::Key key;
-    const char* focus;
-  } rows[] = {{Qt::Key_N, "cbo(1)"}, {Qt::Key_P, "cbo(0)"}};
+  const std::pair<Qt::Key, const char*> rows[] = {{Qt::Key_N, "cbo(1)"}, {Qt::Key_P, "cbo(0)"}};
   opened.Press(Qt::Key_2, Qt::AltModifier);  // so that the rename mode can be chosen
   QTRY_VERIFY(opened.chk(1)->isChecked());
-  for (const auto& row : rows) {
+  for (const auto& [key, focus] : rows) {
     opened.cmd(1)->setFocus();
-    opened.Press(row.key, Qt::AltModifier);
-    EXPECT_EQ(opened.window->focusWidget()->objectName(), row.focus);
+    opened.Press(key, Qt::AltModifier);
+    EXPECT_EQ(opened.window->focusWidget()->objectName(), focus);
   }
   opened.Press(Qt::Key_X, Qt::AltModifier);
   QTRY_COMPARE(opened.asked.size(), 1U);
@@ -223,39 +213,6 @@ GTEST_TEST(FrmAction, FolderHasNoExtraction) {
   EXPECT_EQ(opened.window->height(), height);
 }
 
-GTEST_TEST(FrmAction, RunGoesThroughAllPaths) {
-  const test::TempFolder to;
-  ActionWindow opened(MovingTo(to.path()), {"a.txt", "b.missing", "c.txt", "d.txt"});
-  opened.window = std::make_unique<frmAction>(*opened.form, *opened.run.mover, opened.services);
-  std::vector<std::string> titles;
-  const auto note = [&] { titles.push_back(FromQt(opened.window->windowTitle())); };
-  Later([&] {
-    EXPECT_TRUE(QTest::qWaitForWindowActive(opened.window.get()));
-    note();
-    opened.Click(opened.cmd(1));
-    note();
-    opened.Click(opened.cmd(0));
-    note();
-    EXPECT_EQ(opened.txt(0)->text(), ToQt(opened.files / "d.txt"));
-    opened.txt(2)->setFocus();
-    QTest::keyClicks(opened.txt(2), ToQt(to / "renamed.txt"));
-    EXPECT_EQ(FromQt(opened.txt(2)->text()), to / "renamed.txt");
-    opened.Press(Qt::Key_Return);
-  });
-  opened.window->Run();
-  EXPECT_EQ(titles, (std::vector<std::string>{"1/4 - M", "3/4 - M", "4/4 - M"}));
-  EXPECT_TRUE(std::filesystem::exists(to / "a.txt"));
-  EXPECT_TRUE(std::filesystem::exists(opened.files / "c.txt"));
-  EXPECT_TRUE(std::filesystem::exists(to / "renamed.txt"));
-  EXPECT_EQ(opened.form->Undone().size(), 2U);
-}
-
-GTEST_TEST(FrmAction, CloseBoxLeavesTheRestUndone) {
-  ActionWindow opened(MovingTo("/m"), {"a.txt", "b.txt"});
-  EXPECT_TRUE(opened.window->close());
-  EXPECT_EQ(opened.form->Undone().size(), 2U);
-}
-
 GTEST_TEST(FrmAction, NothingElseBeginsWhileAPathIsDone) {
   const test::TempFolder to("/dev/shm");  // elsewhere, so that the move copies and tells how far it is
   ActionWindow opened(MovingTo(to.path()), {"a.txt", "b.txt", "c.txt"});
@@ -290,6 +247,8 @@ GTEST_TEST(FrmAction, ChangedProfileStays) {
   EXPECT_TRUE(opened.window->isVisible());
   EXPECT_EQ(opened.window->windowTitle(), "1/1 - N");
   EXPECT_TRUE(opened.txt(3)->isEnabled());
+  EXPECT_TRUE(opened.window->close());
+  EXPECT_EQ(opened.form->Undone().size(), 1U);
 }
 
 GTEST_TEST(FrmAction, FoldersArePicked) {

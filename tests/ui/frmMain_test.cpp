@@ -4,9 +4,7 @@
 #include <QDropEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenu>
 #include <QMimeData>
-#include <QTimer>
 #include <QTreeView>
 #include <QUrl>
 #include <QtTest/QTest>
@@ -100,17 +98,17 @@ class MainWindow {
     const QPoint place = view->visualRect(view->model()->index(row, 0)).center();
     QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers, place);
   }
-  // True when the window takes what is dropped there.
+  // As the desktop sends it: to the window, which looks for the control under the pointer. True when it is taken.
   bool Drop(const QWidget* target, const QList<QUrl>& urls) const {
     QMimeData data;
     data.setUrls(urls);
     const QPoint place = target->mapTo(window.get(), target->rect().center());
     const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
     QDragEnterEvent enter(place, actions, &data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(window.get(), &enter);
+    QCoreApplication::sendEvent(window->windowHandle(), &enter);
     QDropEvent drop(place, actions, &data, Qt::LeftButton, Qt::NoModifier);
     drop.setDropAction(Qt::MoveAction);  // after which the other program would remove the files
-    QCoreApplication::sendEvent(window.get(), &drop);
+    QCoreApplication::sendEvent(window->windowHandle(), &drop);
     EXPECT_EQ(enter.isAccepted(), drop.isAccepted());
     for (const QDropEvent* event : {static_cast<QDropEvent*>(&enter), &drop}) {
       EXPECT_TRUE(!event->isAccepted() || event->dropAction() == Qt::CopyAction);
@@ -147,14 +145,20 @@ GTEST_TEST(FrmMain, ShowsWhatProfilesDo) {
 }
 
 GTEST_TEST(FrmMain, KeysAndClicksReachTheirCommands) {
+  using Act = std::function<void(MainWindow&)>;
+  const auto key = [](Qt::Key pressed, Qt::KeyboardModifiers modifiers = Qt::NoModifier) -> Act {
+    return [=](const MainWindow& m) { m.Press(pressed, modifiers); };
+  };
+  const auto trigger = [](const char* action) -> Act {
+    return [=](const MainWindow& m) { m.window->findChild<QAction*>(action)->trigger(); };
+  };
   const struct {
     const char* name;
-    std::function<void(MainWindow&)> act;
+    Act act;
     std::string edited, opened;
   } rows[] = {
-      {"Return", [](MainWindow& m) { m.Press(Qt::Key_Return); }, "profile|b", ""},
-      {"Enter of the number pad", [](MainWindow& m) { m.Press(Qt::Key_Enter, Qt::KeypadModifier); },
-       "profile|b", ""},
+      {"Return", key(Qt::Key_Return), "profile|b", ""},
+      {"Enter of the number pad", key(Qt::Key_Enter, Qt::KeypadModifier), "profile|b", ""},
       {"double click",
        [](MainWindow& m) {
          m.ClickRow(2);
@@ -162,16 +166,13 @@ GTEST_TEST(FrmMain, KeysAndClicksReachTheirCommands) {
          QTest::mouseDClick(m.view->viewport(), Qt::LeftButton, Qt::NoModifier, place);
        },
        "profile|c", ""},
-      {"Ctrl+N", [](MainWindow& m) { m.Press(Qt::Key_N, Qt::ControlModifier); }, "new|new", ""},
-      {"Ins", [](MainWindow& m) { m.Press(Qt::Key_Insert); }, "new|new", ""},
-      {"standard settings", [](MainWindow& m) { m.window->findChild<QAction*>("standard")->trigger(); },
-       "standard|", ""},
-      {"general settings", [](MainWindow& m) { m.window->findChild<QAction*>("general")->trigger(); },
-       "general|", ""},
-      {"test settings", [](MainWindow& m) { m.window->findChild<QAction*>("testSettings")->trigger(); },
-       "test|", ""},
-      {"about", [](MainWindow& m) { m.window->findChild<QAction*>("about")->trigger(); }, "", "about"},
-      {"tester", [](MainWindow& m) { m.Press(Qt::Key_T, Qt::ControlModifier); }, "", ".*\\.zip|"},
+      {"Ctrl+N", key(Qt::Key_N, Qt::ControlModifier), "new|new", ""},
+      {"Ins", key(Qt::Key_Insert), "new|new", ""},
+      {"standard settings", trigger("standard"), "standard|", ""},
+      {"general settings", trigger("general"), "general|", ""},
+      {"test settings", trigger("testSettings"), "test|", ""},
+      {"about", trigger("about"), "", "about"},
+      {"tester", key(Qt::Key_T, Qt::ControlModifier), "", ".*\\.zip|"},
       {"Return with several",
        [](MainWindow& m) {
          m.ClickRow(2, Qt::ControlModifier);
@@ -195,11 +196,11 @@ GTEST_TEST(FrmMain, KeysAndClicksReachTheirCommands) {
          ASSERT_NE(QApplication::activePopupWidget(), nullptr);
          EXPECT_LT((QApplication::activePopupWidget()->pos() - on_screen).manhattanLength(), 150);
          QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
-         m.Press(Qt::Key_F10, Qt::ShiftModifier);
+         QContextMenuEvent by_mouse(QContextMenuEvent::Mouse, place, on_screen);
+         QCoreApplication::sendEvent(m.view->viewport(), &by_mouse);
          ASSERT_NE(QApplication::activePopupWidget(), nullptr);
          QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
-         QContextMenuEvent event(QContextMenuEvent::Mouse, place, on_screen);
-         QCoreApplication::sendEvent(m.view->viewport(), &event);
+         m.Press(Qt::Key_F10, Qt::ShiftModifier);
          ASSERT_NE(QApplication::activePopupWidget(), nullptr);
          QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_E);
        },
@@ -270,7 +271,6 @@ GTEST_TEST(FrmMain, SeesWhatOthersChange) {
   MainWindow main;
   main.ClickRow(1);
   test::WriteFile(main.settings.profiles.FileName(), "[B]\nPattern=theirs\n[n]\n");
-  main.typed = {"mine"};
   for (const auto& [key, modifier] : {std::pair{Qt::Key_Return, Qt::NoModifier},
                                       {Qt::Key_F2, Qt::NoModifier},
                                       {Qt::Key_D, Qt::ControlModifier},

@@ -1,67 +1,40 @@
 #include "ui/frmMsgBox.h"
 
-#include <gtest/gtest.h>
-
-#include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QTimer>
-#include <QtTest/QTest>
-#include <functional>
 
 #include "ui/modMsgBox.h"
+#include "ui/modal.h"
+#include "ui/msg_box_layout.h"
 #include "ui/text.h"
 
 namespace quendle {
 namespace {
 
-using Script = std::function<void(QDialog* box)>;
-
-// Runs the script on the box that the next call opens. A box that the script left open is closed, so that the
-// test goes on.
-void OnBox(const Script& script) {
-  QTimer::singleShot(0, [script] {
-    auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-    ASSERT_NE(box, nullptr);
-    ASSERT_TRUE(QTest::qWaitForWindowActive(box));
-    script(box);
-    // A button that is pressed by Alt stays down for a moment.
-    if (!QTest::qWaitFor([box] { return !box->isVisible(); }, 1000)) {
-      ADD_FAILURE() << "the box is still open";
-      box->hide();
-    }
-  });
-}
+using Script = std::function<void(QWidget& box)>;
 
 Script Key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-  return [=](QDialog*) { QTest::keyClick(QApplication::focusWidget(), key, modifiers); };
+  return [=](QWidget&) { QTest::keyClick(QApplication::focusWidget(), key, modifiers); };
 }
 
 Script Click(const char* caption) {
-  return [=](QDialog* box) {
-    for (auto* button : box->findChildren<QPushButton*>()) {
-      if (button->text() == caption) return QTest::mouseClick(button, Qt::LeftButton);
-    }
-    ADD_FAILURE() << "no button " << caption;
-  };
+  return [=](QWidget& box) { test::Click(box, caption); };
 }
 
-void CloseBox(QDialog* box) {
-  box->close();
+void CloseBox(QWidget& box) {
+  box.close();
 }
 
 GTEST_TEST(MsgBox, AnswersOfKeysAndClicks) {
-  struct Row {
+  const struct {
     const char* name;
     std::int32_t buttons;
     Script script;
     std::int32_t answer;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"y", kButtonsYesNo, Key(Qt::Key_Y), kAnswerYes},
       {"shift n", kButtonsYesNo, Key(Qt::Key_N, Qt::ShiftModifier), kAnswerNo},
       {"alt n", kButtonsYesNo, Key(Qt::Key_N, Qt::AltModifier), kAnswerNo},
@@ -72,15 +45,18 @@ GTEST_TEST(MsgBox, AnswersOfKeysAndClicks) {
       {"close box", kButtonsYesNoCancel, CloseBox, kAnswerCancel},
       {"close box, no", kButtonsYesNo, CloseBox, kAnswerNo},
       {"close box of a message", kButtonsOk, CloseBox, kAnswerOk},
-      {"click", kButtonsYesNoCancel, Click("&No"), kAnswerNo},
+      {"click", kButtonsYesNoCancel, Click("No"), kAnswerNo},
+      {"click on Ok", kButtonsOkCancel, Click("Ok"), kAnswerOk},
+      {"click on Cancel", kButtonsOkCancel, Click("Cancel"), kAnswerCancel},
+      {"close box of a second try", kButtonsRetryCancel, CloseBox, kAnswerCancel},
       {"tab and space", kButtonsYesNoCancel,
-       [](QDialog* box) {
+       [](QWidget& box) {
          Key(Qt::Key_Tab)(box);
          Key(Qt::Key_Space)(box);
        },
        kAnswerNo},
       {"a press taken for a repetition, since no release came", kButtonsOk,
-       [](QDialog* box) {
+       [](QWidget& box) {
          const struct {
            QEvent::Type type;
            Qt::Key key;
@@ -90,56 +66,56 @@ GTEST_TEST(MsgBox, AnswersOfKeysAndClicks) {
                        {QEvent::KeyPress, Qt::Key_Return, true}};
          for (const auto& event : events) {
            QKeyEvent key(event.type, event.key, Qt::NoModifier, "", event.is_repeat);
-           QApplication::sendEvent(box->windowHandle(), &key);
+           QApplication::sendEvent(box.windowHandle(), &key);
          }
        },
        kAnswerOk},
       {"what answers nothing", kButtonsOk,
-       [](QDialog* box) {
+       [](QWidget& box) {
          Key(Qt::Key_Escape)(box);
          Key(Qt::Key_X)(box);
          Key(Qt::Key_O, Qt::ControlModifier)(box);
          QKeyEvent held(QEvent::KeyPress, Qt::Key_O, Qt::NoModifier, "o", true);
          QApplication::sendEvent(QApplication::focusWidget(), &held);
-         EXPECT_TRUE(box->isVisible());
+         EXPECT_TRUE(box.isVisible());
          Key(Qt::Key_O)(box);
        },
        kAnswerOk},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
-    OnBox(row.script);
+    const test::WithModal box(row.script);
     EXPECT_EQ(ShowMessage("続けますか？", row.buttons, kIconQuestion, ""), row.answer);
   }
+  EXPECT_DEATH(ButtonsOfStyle(2), "");
 }
 
 GTEST_TEST(MsgBox, InputBox) {
-  struct Row {
+  const struct {
     const char* name;
     Script script;
     const char* text;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"as proposed", Key(Qt::Key_Return), "Proposed"},
       {"typing replaces, letters are typed",
-       [](QDialog* box) {
+       [](QWidget& box) {
          QTest::keyClicks(QApplication::focusWidget(), "Oc");
          Key(Qt::Key_O, Qt::AltModifier)(box);
        },
        "Oc"},
-      {"empty", [](QDialog* box) { Key(Qt::Key_Delete)(box), Click("&Ok")(box); }, ""},
+      {"empty", [](QWidget& box) { Key(Qt::Key_Delete)(box), Click("Ok")(box); }, ""},
       {"alt c", Key(Qt::Key_C, Qt::AltModifier), ""},
       {"escape", Key(Qt::Key_Escape), ""},
       {"close box", CloseBox, ""},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
-    OnBox(row.script);
+    const test::WithModal box(row.script);
     EXPECT_EQ(ShowInput("名前を入力してください。", "追加", "Proposed"), row.text);
   }
-  OnBox([](QDialog* box) {
+  const test::WithModal modal([](QWidget& box) {
     QTest::keyClicks(QApplication::focusWidget(), "secret");
-    EXPECT_FALSE(box->findChild<QLineEdit*>()->displayText().contains("secret"));
+    EXPECT_FALSE(box.findChild<QLineEdit*>()->displayText().contains("secret"));
     Key(Qt::Key_Return)(box);
   });
   EXPECT_EQ(ShowPasswordInput("パスワードを入力してください。", ""), "secret");
@@ -151,31 +127,30 @@ GTEST_TEST(MsgBox, TitleOwnerAndPlace) {
   owner.show();
   owner.activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&owner));
-  OnBox([&owner](QDialog* box) {
-    EXPECT_EQ(box->windowTitle(), "Quendle");
-    EXPECT_EQ(box->parentWidget(), &owner);
-    EXPECT_TRUE(box->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-    EXPECT_LE((box->frameGeometry().center() - owner.frameGeometry().center()).manhattanLength(), 20);
-    box->close();
+  QStringList titles;
+  const test::WithModal modal([&](QWidget& box) {
+    titles += box.windowTitle();
+    EXPECT_EQ(box.parentWidget(), &owner);
+    EXPECT_EQ(box.windowFlags().testFlag(Qt::WindowStaysOnTopHint), titles.size() == 1);
+    EXPECT_LE((box.frameGeometry().center() - owner.frameGeometry().center()).manhattanLength(), 30);
+    box.close();
   });
   ShowMessage("a", kButtonsOk, 0, "");
-  OnBox([](QDialog* box) {
-    EXPECT_EQ(box->windowTitle(), "追加");
-    EXPECT_FALSE(box->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-    box->close();
-  });
+  owner.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&owner));
   ShowInput("a", "追加", "");
+  EXPECT_EQ(titles, QStringList({"Quendle", "追加"}));
 }
 
 GTEST_TEST(MsgBox, IconsDiffer) {
   std::vector<QImage> seen;
   for (const std::int32_t icon : {kIconCritical, kIconQuestion, kIconExclamation, kIconInformation, 17}) {
-    OnBox([&](QDialog* box) {
-      const QImage image = box->findChild<QLabel*>("imgMsg")->pixmap().toImage();
+    const test::WithModal modal([&](QWidget& box) {
+      const QImage image = box.findChild<QLabel*>("imgMsg")->pixmap().toImage();
       EXPECT_EQ(image.isNull(), icon == 17);
       for (const QImage& other : seen) EXPECT_NE(image, other);
       seen.push_back(image);
-      box->close();
+      box.close();
     });
     ShowMessage("フォルダ「写真」へ移動できません。\r\n空き容量が足りません。", kButtonsOk, icon, "");
   }
@@ -183,37 +158,36 @@ GTEST_TEST(MsgBox, IconsDiffer) {
 
 // Is every line of the prompt drawn, and everything inside the box?
 GTEST_TEST(MsgBox, LongPromptsCanBeReadToTheEnd) {
-  struct Row {
-    const char* name;
-    std::string prompt;
-    bool scrolls;
-  };
   const std::string path = std::string("/").append(300, 'W');
   std::string many = "a";
   for (int i = 0; i < 200; ++i) many += "\r\n" + std::to_string(i);
-  const Row rows[] = {{"one word", "a", false},
-                      {"a path without blanks", path, false},
-                      {"sentence and markup",
-                       std::string("<b>とても長い文章です。</b> ").append(200, 'i').append(" end"), false},
-                      {"more lines than the screen", many, true}};
-  for (const Row& row : rows) {
+  const struct {
+    const char* name;
+    std::string prompt;
+    bool scrolls;
+  } rows[] = {{"one word", "a", false},
+              {"a path without blanks", path, false},
+              {"sentence and markup",
+               std::string("<b>とても長い文章です。</b> ").append(200, 'i').append(" end"), false},
+              {"more lines than the screen", many, true}};
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
-    OnBox([&row](QDialog* box) {
-      EXPECT_LE(box->frameGeometry().height(), box->screen()->availableSize().height());
-      auto* label = box->findChild<QLabel*>("lblMsg");
+    const test::WithModal modal([&row](QWidget& box) {
+      EXPECT_LE(box.frameGeometry().height(), box.screen()->availableSize().height());
+      auto* label = box.findChild<QLabel*>("lblMsg");
       EXPECT_EQ(label->text(), ToQt(row.prompt));
       EXPECT_GE(label->height(), label->heightForWidth(label->width()));
-      auto* bar = box->findChild<QScrollArea*>()->verticalScrollBar();
+      auto* bar = box.findChild<QScrollArea*>()->verticalScrollBar();
       EXPECT_TRUE(QTest::qWaitFor([&] { return bar->isVisible() == row.scrolls; }, 1000));
       Key(Qt::Key_PageDown)(box);
       EXPECT_EQ(bar->value() > 0, row.scrolls);
-      for (QWidget* child : box->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
-        EXPECT_TRUE(!child->isVisible() || box->rect().contains(child->geometry()));
+      for (QWidget* child : box.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+        const bool is_shown = child->isVisible() && !child->size().isEmpty();
+        EXPECT_TRUE(!is_shown || box.rect().contains(child->geometry()));
       }
-      box->close();
+      box.close();
     });
     ShowMessage(row.prompt, kButtonsYesNoCancel, kIconExclamation, "");
-    OnBox(CloseBox);
     ShowInput(row.prompt, "", "");
   }
 }

@@ -1,7 +1,5 @@
 #include "ui/frmOutput.h"
 
-#include <gtest/gtest.h>
-
 #include <QApplication>
 #include <QClipboard>
 #include <QPlainTextEdit>
@@ -15,18 +13,15 @@ namespace quendle {
 namespace {
 
 GTEST_TEST(Output, ShowsWhatNobodyCanBeFooledBy) {
-  struct Row {
-    std::string text;
-    const char* shown;
-  };
-  const Row rows[] = {{"a\r\nb\tc\r\n", "a\nb\tc\n"},        {"a\rb\nc", "a\\rb\\nc"},
-                      {"\x1B[31m\x07", "\\u{1B}[31m\\u{7}"}, {"exe.\xE2\x80\xAEtxt", "exe.\\u{202E}txt"},
-                      {"\xFF 日本", "\\xFF 日本"},           {"<b>x</b>", "<b>x</b>"}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.shown);
+  const std::pair<std::string, const char*> rows[] = {
+      {"a\r\nb\tc\r\n", "a\nb\tc\n"},        {"a\rb\nc", "a\\rb\\nc"},
+      {"\x1B[31m\x07", "\\u{1B}[31m\\u{7}"}, {"exe.\xE2\x80\xAEtxt", "exe.\\u{202E}txt"},
+      {"\xFF 日本", "\\xFF 日本"},           {"<b>x</b>", "<b>x</b>"}};
+  for (const auto& [text, shown] : rows) {
+    SCOPED_TRACE(shown);
     frmOutput form(nullptr);
-    form.pText(row.text);
-    EXPECT_EQ(FromQt(form.findChild<QPlainTextEdit*>("txt")->toPlainText()), row.shown);
+    form.pText(text);
+    EXPECT_EQ(FromQt(form.findChild<QPlainTextEdit*>("txt")->toPlainText()), shown);
   }
 }
 

@@ -1,7 +1,5 @@
 #include "ui/frmOverwrite.h"
 
-#include <gtest/gtest.h>
-
 #include <QLabel>
 #include <QScreen>
 

@@ -10,10 +10,12 @@
 #include <functional>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 namespace quendle::test {
 
-// Does this with each modal window that opens while it lives, once it has been shown. A window that it leaves open
-// is closed, so that no test waits for ever.
+// Does this with each modal window that opens while it lives, once it takes input. A window that it leaves open is a
+// failure, and closed, so that no test waits for ever.
 class WithModal {
  public:
   explicit WithModal(std::function<void(QWidget&)> action) : action_(std::move(action)) {
@@ -33,13 +35,17 @@ class WithModal {
     QWidget* window = QApplication::activeModalWidget();
     if (window == nullptr || !window->isVisible()) return;
     if (std::find(seen_.begin(), seen_.end(), window) != seen_.end()) {
-      if (++idle_ > kPatience) window->close();
-      return;
+      if (++idle_ <= kPatience) return;
+      ADD_FAILURE() << "a window was left open: " << window->windowTitle().toStdString();
+      return window->hide();
     }
     seen_.emplace_back(window);
     idle_ = 0;
     ++windows_;
-    QTimer::singleShot(0, window, [this, window] { action_(*window); });
+    QTimer::singleShot(0, window, [this, window] {
+      EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+      action_(*window);
+    });
   }
 
   static constexpr int kPatience = 8000;  // with a machine that does other things, too

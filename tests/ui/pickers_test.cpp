@@ -1,8 +1,5 @@
 #include "ui/pickers.h"
 
-#include <gtest/gtest.h>
-
-#include <QComboBox>
 #include <QFileDialog>
 #include <QFileSystemModel>
 #include <QLineEdit>

@@ -1,7 +1,5 @@
 #include "ui/qt_texts.h"
 
-#include <gtest/gtest.h>
-
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>

@@ -1,19 +1,12 @@
 #include "ui/qt_user.h"
 
-#include <gtest/gtest.h>
-
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
-#include <QPushButton>
-#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <utility>
 
-#include "files/clsFileOperation.h"
-#include "support/file_systems.h"
 #include "support/scoped_variable.h"
 #include "support/scripted_user.h"
 #include "support/temp_folder.h"
@@ -63,12 +56,10 @@ class QtUserTest : public testing::Test {
   std::unique_ptr<UserInterface> MakeUser(std::optional<std::string> password = {}) {
     interrupted = false;
     return MakeQtUser({globals_, nullptr, [] { return interrupted; }, -1, std::move(password), {}},
-                      [this] { return is_real_ ? ProgressClock::now() : now_; });
+                      [this] { return now_; });
   }
 
-  using ProgressClock = std::chrono::steady_clock;
-  ProgressClock::time_point now_{std::chrono::hours(1)};
-  bool is_real_ = false;
+  std::chrono::steady_clock::time_point now_{std::chrono::hours(1)};
   test::TempFolder folder_;
   test::ScriptedUser nobody_;
   Globals globals_{{folder_.path(), "/standard"}, false, nobody_, "", {}};
@@ -159,21 +150,18 @@ TEST_F(QtUserTest, ShowsHowFarItIs) {
 }
 
 TEST_F(QtUserTest, CancelHoldsUntilTheEnd) {
-  const struct {
-    const char* how;
-    std::function<void(frmProgress&)> cancel;
-  } rows[] = {
+  const std::pair<const char*, std::function<void(frmProgress&)>> rows[] = {
       {"mouse", [](frmProgress& window) { test::Click(window, "キャンセル"); }},
       {"Esc", [](frmProgress& window) { QTest::keyClick(&window, Qt::Key_Escape); }},
       {"close box", [](frmProgress& window) { window.close(); }},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.how);
+  for (const auto& [how, cancel] : rows) {
+    SCOPED_TRACE(how);
     Open();
     QTest::keyClick(Window(), Qt::Key_Space);  // typed for another window
     QTest::keyClick(Window(), Qt::Key_Return);
     EXPECT_TRUE(Report(11 * kMebi));
-    row.cancel(*Window());
+    cancel(*Window());
     EXPECT_FALSE(Report(12 * kMebi));
     now_ += seconds(1);
     EXPECT_FALSE(Report(13 * kMebi));
@@ -186,56 +174,6 @@ TEST_F(QtUserTest, CancelHoldsUntilTheEnd) {
     interrupted = false;
     user_->EndProgress();
   }
-}
-
-TEST_F(QtUserTest, CancelledCopyLeavesNothing) {
-  test::WriteFile(folder_ / "in/large", std::string(64 * kMebi, 'x'));
-  const auto before = test::Picture(folder_.path());
-  // By this clock each report comes a second after the one before.
-  user_ = MakeQtUser({globals_, nullptr, [] { return false; }, -1, {}, {}},
-                     [this] { return now_ += seconds(1); });
-  const test::WithModal modal([](QWidget& window) { test::Click(window, "キャンセル"); });
-  QElapsedTimer time;  // the machine may be too fast for the user
-  time.start();
-  clsFileOperation operation(*user_);
-  operation.pConfirmMakeDir(false);
-  bool copied = true;
-  while (copied && time.elapsed() < 20000) {
-    copied = operation.mCopy(folder_ / "in/large", folder_ / "out/");
-    std::filesystem::remove_all(folder_ / "out");
-  }
-  EXPECT_EQ(operation.LastFailure().code, platform::Code::kCancelled);
-  EXPECT_EQ(modal.windows() > 0, true);
-  EXPECT_EQ(Window(), nullptr);
-  EXPECT_EQ(test::Picture(folder_.path()), before);
-}
-
-// Windows live as long as the engine reports: they never wait for more than two reports and the time between looks.
-TEST_F(QtUserTest, WindowsStayAliveDuringACopy) {
-  test::WriteFile(folder_ / "in/large", std::string(256 * kMebi, 'x'));
-  is_real_ = true;
-  double longest_between_ticks = 0;
-  double longest_between_reports = 0;
-  const auto measure = [](QElapsedTimer* last, double* longest) {
-    if (last->isValid()) *longest = std::max(*longest, static_cast<double>(last->nsecsElapsed()) / 1e6);
-    last->start();
-  };
-  QElapsedTimer last_tick;
-  QElapsedTimer last_report;
-  QTimer timer;
-  QObject::connect(&timer, &QTimer::timeout, [&] { measure(&last_tick, &longest_between_ticks); });
-  test::ScriptedUser watched;
-  watched.on_progress = [&](const platform::FileProgress& progress) {
-    measure(&last_report, &longest_between_reports);
-    return user_->ShowProgress(progress, false);
-  };
-  clsFileOperation operation(watched);
-  operation.pConfirmMakeDir(false);
-  timer.start(0);
-  ASSERT_TRUE(operation.mCopy(folder_ / "in/large", folder_ / "out/"));
-  EXPECT_GT(longest_between_ticks, 0);
-  EXPECT_LT(longest_between_ticks, 2 * longest_between_reports + 30);
-  RecordProperty("longest_between_ticks_ms", std::to_string(longest_between_ticks));
 }
 
 TEST_F(QtUserTest, PasswordsOfAnArchive) {
