@@ -72,22 +72,6 @@ GTEST_TEST(ReadProfile, FindsKeys) {
   EXPECT_EQ(ReadProfileString(folder / "missing", "a", "k", " d \t", 1024), " d");
 }
 
-// Two changes may come so fast that the clock of the file system does not tell them apart.
-GTEST_TEST(ReadProfile, SeesEveryChange) {
-  const test::TempFolder folder;
-  ProfileParse before;
-  for (int i = 100; i < 400; ++i) {
-    const std::string value = std::to_string(i);
-    test::WriteFile(folder / "a.ini", "[a]\nk=" + value + "\n");
-    ASSERT_EQ(ReadProfileString(folder / "a.ini", "a", "k", "", 1024), value);
-  }
-  ASSERT_TRUE(ReadProfile(folder / "a.ini", &before).ok());
-  ProfileParse now;
-  test::WriteFile(folder / "a.ini", "[a]\nk=399\n");
-  EXPECT_TRUE(ReadProfile(folder / "a.ini", &now).ok());
-  EXPECT_EQ(now, before) << "it was only touched";
-}
-
 GTEST_TEST(ProfileDocument, TellsWhatCannotBeReadForSure) {
   const struct {
     std::string bytes;

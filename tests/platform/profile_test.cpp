@@ -62,6 +62,12 @@ GTEST_TEST(ReadProfile, SeesWhatOthersWriteAtOnce) {
   }
   LetItSettle();
   EXPECT_EQ(Read(file, "a", "k"), "1299");
+  ProfileParse before;
+  ProfileParse now;
+  EXPECT_TRUE(ReadProfile(file, &before).ok());
+  write_in_place("[a]\r\nk=1299");
+  EXPECT_TRUE(ReadProfile(file, &now).ok());
+  EXPECT_EQ(now, before) << "it was only touched";
   fs::remove(file);
   EXPECT_EQ(Read(file, "a", "k"), "<none>");
 }
