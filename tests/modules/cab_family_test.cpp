@@ -50,19 +50,6 @@ GTEST_TEST(Cab, ReadsLargeFiles) {
   }
 }
 
-GTEST_TEST(Cab, DamageIsNoticed) {
-  for (const CabSet& packed : kPackings) {
-    const std::string bytes = StoredCab({{"a", "first"}, {"b", "second"}}, packed);
-    for (std::size_t size = 0; size < bytes.size(); ++size) {
-      ASSERT_NE(Text(bytes.substr(0, size)).find('!'), std::string::npos) << size;
-    }
-    std::string damaged = bytes;
-    damaged.back() ^= 1;
-    const std::string text = Text(damaged);
-    EXPECT_EQ(std::count(text.begin(), text.end(), '!'), 2) << text;
-  }
-}
-
 // What lies behind a damaged block is never taken for something else.
 GTEST_TEST(Cab, DoesNotSlipOverDamagedBlocks) {
   constexpr std::size_t kBlock = 32'768;
@@ -84,13 +71,6 @@ GTEST_TEST(Cab, FilesMayShareTheirContent) {
     test::Patch(&bytes, bytes.find("b\0") - 12, 0, 4);
     EXPECT_EQ(Text(bytes), "a=one b=one");
   }
-}
-
-GTEST_TEST(Cab, IsFoundBehindProgramsOnly) {
-  const std::string bytes = StoredCab({{"a", "1"}});
-  EXPECT_EQ(Text("MZ" + std::string(1000, 'x') + "MSCF" + std::string(100, 'x') + bytes), "a=1");
-  EXPECT_EQ(Text("MSCF is a mark"), "!no archive");
-  EXPECT_EQ(Text("a text: " + bytes), "!no archive");
 }
 
 GTEST_TEST(Cab, ReadsSets) {
