@@ -4,6 +4,7 @@
 #include <chrono>
 #include <thread>
 
+#include "platform/profile.h"
 #include "support/file_systems.h"
 #include "support/temp_folder.h"
 
@@ -137,18 +138,19 @@ GTEST_TEST(FolderLock, HoldersWaitForEachOther) {
   const std::string same_place = folder / (has_link ? "link" : "real/other.ini");
   std::unique_ptr<FolderLock> lock;
   ASSERT_TRUE(FolderLock::Take(folder / "real/a.ini", &lock).ok());
-  std::atomic<bool> second_has_it = false;
+  std::atomic<bool> second_is_done = false;
   std::thread second([&] {
-    std::unique_ptr<FolderLock> other;
-    EXPECT_TRUE(FolderLock::Take(same_place, &other).ok());
-    second_has_it = true;
+    EXPECT_TRUE(WriteProfileString(same_place, "a", "second", "2").ok());
+    second_is_done = true;
   });
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  EXPECT_FALSE(second_has_it);
+  EXPECT_FALSE(second_is_done);
+  EXPECT_TRUE(ReplaceFile(same_place, "[a]\r\nfirst=1\r\n").ok());
   lock.reset();
   second.join();
+  EXPECT_EQ(test::ReadFile(same_place), "[a]\r\nfirst=1\r\nsecond=2\r\n");
   EXPECT_EQ(FolderLock::Take(folder / "none/a.ini", &lock).code, Code::kNotFound);
-  EXPECT_EQ(EntriesIn(folder / "real"), 0U);
+  EXPECT_EQ(EntriesIn(folder / "real"), 1U);
 }
 
 }  // namespace

@@ -93,6 +93,8 @@ TEST_P(FileOperationOnWindows, PathsMayBeLong) {
     deep += "/" + std::string(120, 'd');
     ASSERT_TRUE(MakeFolder(At(deep)).ok());
   }
+  EXPECT_TRUE(IsFolder(At(deep)));
+  EXPECT_EQ(LongPath(At(deep)), At(deep));
   const std::string longest(255, L'f');
   Handle made(CreateFileW(SystemPath(At(deep + "/" + longest)).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                           0, nullptr));
