@@ -66,8 +66,14 @@ GTEST_TEST(Lzh, ReadsNamesOfAllLevels) {
 GTEST_TEST(Lzh, TellsTimesAndModes) {
   const test::TimeZone japan("JST-9");
   constexpr std::int64_t kNoon = 1'744'686'000;  // 2025-04-15 12:00:00 in Japan
-  const std::string ntfs =
-      Number(0, 8) + Number((1'000'000'000ULL + 11'644'473'600) * 10'000'000 + 5, 8) + Number(0, 8);
+  const std::string ntfs = Extension(
+      0x41, Number(0, 8) + Number((1'000'000'000ULL + 11'644'473'600) * 10'000'000 + 5, 8) + Number(0, 8));
+  const std::string unix_area =
+      Number('U', 1) + Number(0, 1) + Number(1'000'000'001, 4) + Number(0755, 2) + Number(0, 4);
+  const auto extended = [](std::vector<std::string> extensions, std::uint32_t time = test::kDosTime) {
+    extensions.push_back(Extension(1, "a"));
+    return LzhEntry{"a", "", "-lh0-", extensions, time};
+  };
   struct Row {
     const char* what;
     int level;
@@ -79,35 +85,12 @@ GTEST_TEST(Lzh, TellsTimesAndModes) {
   const Row rows[] = {
       {"local time", 0, {"a"}, kNoon, 0, false},
       {"local time, level 1", 1, {"a"}, kNoon, 0, false},
-      {"Unix, level 0",
-       0,
-       {"a",
-        "",
-        "-lh0-",
-        {},
-        0,
-        Number('U', 1) + Number(0, 1) + Number(1'000'000'001, 4) + Number(0755, 2) + Number(0, 4)},
-       1'000'000'001,
-       0,
-       true},
-      {"Unix, level 2",
-       2,
-       {"", "", "-lh0-", {Extension(1, "a"), Extension(0x50, Number(0100644, 2))}, 1'000'000'002},
-       1'000'000'002,
-       0,
+      {"Unix, level 0", 0, {"a", "", "-lh0-", {}, 0, unix_area}, 1'000'000'001, 0, true},
+      {"Unix, level 2", 2, extended({Extension(0x50, Number(0100644, 2))}, 1'000'000'002), 1'000'000'002, 0,
        false},
-      {"Unix, level 1",
-       1,
-       {"a", "", "-lh0-", {Extension(0x54, Number(1'000'000'003, 4)), Extension(0x41, ntfs)}},
-       1'000'000'003,
-       0,
+      {"Unix, level 1", 1, extended({Extension(0x54, Number(1'000'000'003, 4)), ntfs}), 1'000'000'003, 0,
        false},
-      {"NTFS",
-       2,
-       {"", "", "-lh0-", {Extension(1, "a"), Extension(0x41, ntfs)}, 1},
-       1'000'000'000,
-       500,
-       false},
+      {"NTFS", 2, extended({ntfs}, 1), 1'000'000'000, 500, false},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);

@@ -78,12 +78,10 @@ GTEST_TEST(ZipDamage, OfOneEntryLeavesTheOthers) {
   } rows[] = {
       {"content", 31, 'x', 1, true},
       {"checksum in the directory", Header(good, 0) + 16, 1, 4, true},
-      {"checksum in both", 14, 1, 4, true},
       {"larger in the directory", Header(good, 0) + 24, 9, 4, true},
       {"smaller in the directory", Header(good, 0) + 24, 7, 4, true},
       {"unknown method", 8, 77, 2, true},
       {"second local signature", good.find("PK\3\4", 1) + 2, 0, 2, false},
-      {"second content", good.find("PK\3\4", 1) + 31, 'x', 1, false},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);

@@ -13,10 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::size_t EntriesIn(const std::string& folder) {
-  return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
-}
-
 GTEST_TEST(ReplaceFile, LeavesNothingElse) {
   const test::TempFolder folder;
   const std::string large(3'000'000, 'x');
@@ -25,7 +21,7 @@ GTEST_TEST(ReplaceFile, LeavesNothingElse) {
     std::string read;
     EXPECT_TRUE(ReadWholeFile(folder / "表.ini", &read).ok());
     EXPECT_EQ(read, bytes);
-    EXPECT_EQ(EntriesIn(folder.path()), 1U);
+    EXPECT_EQ(test::Picture(folder.path()).size(), 1U);
   }
 }
 
@@ -44,7 +40,7 @@ GTEST_TEST(ReplaceFile, KeepsLinks) {
   EXPECT_EQ(test::ReadFile(folder / "real/a.ini"), "new");
   EXPECT_EQ(test::ReadFile(folder / "real/missing.ini"), "made");
   for (const char* link : {"first", "second", "dangling"}) EXPECT_TRUE(fs::is_symlink(folder / link)) << link;
-  EXPECT_EQ(EntriesIn(folder / "real"), 2U);
+  EXPECT_EQ(test::Picture(folder / "real").size(), 2U);
 }
 
 GTEST_TEST(ReplaceFile, RefusesWhatIsNoFile) {
@@ -74,7 +70,7 @@ GTEST_TEST(ReplaceFile, RefusesWhatIsNoFile) {
     EXPECT_EQ(replaced.code, row.replaced) << row.path;
     EXPECT_EQ(replaced.reason.empty(), replaced.ok()) << row.path;
   }
-  EXPECT_EQ(EntriesIn(folder.path()), 3U);
+  EXPECT_EQ(test::Picture(folder.path()).size(), 3U);
 }
 
 GTEST_TEST(ReadWholeFile, RefusesFilesThatWouldFillTheMemory) {
@@ -150,7 +146,7 @@ GTEST_TEST(FolderLock, HoldersWaitForEachOther) {
   second.join();
   EXPECT_EQ(test::ReadFile(same_place), "[a]\r\nfirst=1\r\nsecond=2\r\n");
   EXPECT_EQ(FolderLock::Take(folder / "none/a.ini", &lock).code, Code::kNotFound);
-  EXPECT_EQ(EntriesIn(folder / "real"), 1U);
+  EXPECT_EQ(test::Picture(folder / "real").size(), 1U);
 }
 
 }  // namespace
