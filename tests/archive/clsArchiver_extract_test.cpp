@@ -56,6 +56,7 @@ GTEST_TEST(ClsArchiverExtract, StopsAtTheFirstResultThatIsNotZero) {
 }
 
 GTEST_TEST(ClsArchiverExtract, WhatIsLeftToExtract) {
+  const char* const one = "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"A\"\n";
   const struct {
     const char* script;
     const char* exclude;
@@ -76,14 +77,10 @@ GTEST_TEST(ClsArchiverExtract, WhatIsLeftToExtract) {
       {"entry a\nproblem its checksum is wrong\nproblem x\n",
        "",
        false,
-       "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"A\"\n",
+       one,
        {"e: its checksum is wrong", "e: x"}},
-      {"entry a\nresult 32\n",
-       "",
-       false,
-       "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"A\"\n",
-       {": the archiver library reported error 32"}},
-      {"entry a\nresult 3\nproblem no\n", "", false, "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"A\"\n", {"e: no"}},
+      {"entry a\nresult 32\n", "", false, one, {": the archiver library reported error 32"}},
+      {"entry a\nresult 3\nproblem no\n", "", false, one, {"e: no"}},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.script);

@@ -2,8 +2,7 @@
 
 #include <filesystem>
 
-#include "support/archives.h"
-#include "support/temp_folder.h"
+#include "modules/unpack_bytes.h"
 
 namespace quendle::modules {
 namespace {
@@ -13,9 +12,7 @@ using test::Pack;
 using test::Unpack;
 
 std::string Text(const std::string& bytes) {
-  const test::TempFolder folder;
-  test::WriteFile(folder / "a.7z", bytes);
-  return Unpack(kSevenZipFamily, folder / "a.7z").Text();
+  return test::UnpackBytes(kSevenZipFamily, bytes).Text();
 }
 
 const std::vector<test::PackedEntry> kEntries = {{"表/a", std::string(300, 'a')}, {"ｶﾅ\\b", "2"}, {"empty"}};

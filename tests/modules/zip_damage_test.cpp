@@ -1,6 +1,5 @@
 #include "archive/modules/zip/zip_family.h"
-#include "support/archives.h"
-#include "support/temp_folder.h"
+#include "modules/unpack_bytes.h"
 
 namespace quendle::modules {
 namespace {
@@ -12,9 +11,7 @@ using test::StoredZip;
 using test::Unpack;
 
 std::string Text(const std::string& bytes) {
-  const test::TempFolder folder;
-  test::WriteFile(folder / "a.zip", bytes);
-  return Unpack(kZipFamily, folder / "a.zip").Text();
+  return test::UnpackBytes(kZipFamily, bytes).Text();
 }
 
 // The entries of the directory and the record behind them, as in the archives below.
@@ -105,9 +102,7 @@ GTEST_TEST(ZipDamage, IsLeftBehindInEachOfManyEntries) {
     const std::size_t content = local + 30 + bytes[local + 26] + bytes[local + 28];
     if (i++ % 2 == 0) Patch(&bytes, content, 0xFFFF, 2);
   }
-  const test::TempFolder folder;
-  test::WriteFile(folder / "a.zip", bytes);
-  const auto read = Unpack(kZipFamily, folder / "a.zip");
+  const auto read = test::UnpackBytes(kZipFamily, bytes);
   ASSERT_EQ(read.entries.size(), 600U);
   for (std::size_t i = 0; i < 600; ++i) {
     ASSERT_EQ(read.entries[i].problem.empty(), i % 2 == 1) << i << read.entries[i].problem;
