@@ -171,10 +171,7 @@ TEST_P(FileOperation, FoldersMergeAndAskForEachFile) {
 
 constexpr std::size_t kBig = 24 << 20;
 
-class Copying : public test::WayTest {
- protected:
-  Result RunSame(const std::string& name) { return Run("S/" + name, "D/" + name); }
-};
+class Copying : public test::WayTest {};
 
 INSTANTIATE_TEST_SUITE_P(Ways, Copying, testing::Values(test::kMoveAcross, test::kCopy, test::kCopyAcross),
                          test::NameOfWay);
@@ -196,7 +193,7 @@ TEST_P(Copying, ACancelLeavesBothSidesAsTheyWere) {
     observer_.on_progress = [&](const FileProgress& progress) {
       return observer_.reports < row.report || progress.bytes_done < row.bytes;
     };
-    EXPECT_EQ(RunSame(row.name).code, Code::kCancelled);
+    EXPECT_EQ(Run(std::string("S/") + row.name, std::string("D/") + row.name).code, Code::kCancelled);
     EXPECT_EQ(observer_.reports > 1, row.report > 1 || row.bytes > 0);
     EXPECT_EQ(Picture(source_.path()), before);
     EXPECT_TRUE(Picture(destination_.path()).empty());
@@ -232,7 +229,7 @@ TEST_P(Copying, AChangeOfTheSourceKeepsIt) {
       }
       return true;
     };
-    const Result result = RunSame(row.name);
+    const Result result = Run(std::string("S/") + row.name, std::string("D/") + row.name);
     EXPECT_NE(result.code, Code::kOk);
     EXPECT_NE(result.reason, "");
     EXPECT_EQ(Picture(source_.path()), changed);
