@@ -97,6 +97,8 @@ GTEST_TEST(ClsArchiver, SaysWhyAFileHasNoType) {
 
 GTEST_TEST(ClsArchiver, Plans) {
   const std::string part(200, 'a');
+  const std::string runs = "entry T/b\nentry T/" + std::string(200, 'x') + "\nentry T/c\n";
+  const std::string exceeded = "cannot be used: match limit exceeded";
   const std::string deep_name = part + "/" + part + "/" + part;
   const struct {
     const char* variant;
@@ -115,27 +117,11 @@ GTEST_TEST(ClsArchiver, Plans) {
       {"full", true, "\\.txt$", "entry T/a.txt\n", 1, 0, {}, true, {}},
       {"full", true, "", "", 0, 0, {}, false, {}},
       {"full", true, "b;(", "entry b\n", 1, 0, {}, false, {": the pattern ( of Include cannot be used: *"}},
-      {"full",
-       true,
-       "b;(x+)+\\d",
-       "entry T/b\nentry T/" + std::string(200, 'x') + "\nentry T/c\n",
-       3,
-       0,
-       {},
-       true,
-       {": the pattern (x+)+\\d of Include cannot be used: match limit exceeded"}},
+      {"full", true, "b;(x+)+\\d", runs, 3, 0, {}, true, {": the pattern (x+)+\\d of Include " + exceeded}},
       {"plain", false, "", "closed\n", 0, 0, {}, false, {}},
       {"full", false, "", "closed\nlisting it is cut\n", 0, 0, {}, false, {": it is cut"}},
       {"full", true, "", "entry ../x\nentry a\n", 2, 1, {""}, false, {"../x: *"}},
-      {"full",
-       false,
-       "",
-       "entry /x\nentry a/../b\nentry a\"\n",
-       3,
-       0,
-       {},
-       false,
-       {"/x: *", "a/../b: *", "a\": *"}},
+      {"full", false, "", "entry /x\nentry a\"\n", 2, 0, {}, false, {"/x: *", "a\": *"}},
       {"full", true, "", "entry T/link/a\nentry T/b\n", 2, 2, {}, true, {": *"}},
       {"plain", true, "", "entry T/a\"b/c\nentry T/d\n", 2, 2, {"/a\"b", ""}, true, {": *"}},
       // Without a NUL the name fills the field; with the optional export it is whole.

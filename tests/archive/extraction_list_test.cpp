@@ -15,9 +15,7 @@ GTEST_TEST(ExtractionList, OneTopFolder) {
       {{"TOP/A.TXT", "top/SUB/B.TXT"}, true},
       {{"TOP/", "TOP/A"}, true},
       {{"TOP/A.TXT", "B.TXT"}, false},
-      {{"B.TXT", "TOP/A.TXT"}, false},
       {{"A.TXT"}, false},
-      {{"TOP/A", "TOP2/A"}, false},
       {{"表/a", "表/b"}, true},
       {{"/a", "/b"}, true},
       {{}, false},
@@ -36,16 +34,13 @@ GTEST_TEST(ExtractionList, Filter) {
       {"\\.txt$", "", {}},
       {".*\\.txt", "", {"a.txt", "D/b.TXT", "D/S/表.txt"}},
       {"表.*", "", {"D/S/表.txt"}},
-      {"d/.*", "", {"D/b.TXT", "D/c.dat", "D/S/表.txt"}},
       {"D/[^/]*;A.TXT", "", {"a.txt", "D/b.TXT", "D/c.dat"}},
       {";.*\\.txt", "", {"a.txt", "D/b.TXT", "D/c.dat", "D/", "D/S/表.txt"}},
       {"", "b.txt", {"a.txt", "D/c.dat", "D/", "D/S/表.txt"}},
-      {"", "D/.*", {"a.txt"}},
       {"", "[^/]*;x", {"D/b.TXT", "D/c.dat", "D/", "D/S/表.txt"}},
       {"", "[^x]*", {"a.txt", "D/b.TXT", "D/S/表.txt"}},
       {".*\\.txt", "a.*;(", {"D/b.TXT", "D/S/表.txt"}},
       {"(", "", {}},
-      {"a|a.txt", "", {}},
   };
   for (const auto& row : rows) {
     const EntryFilter filter(row.include, row.exclude);

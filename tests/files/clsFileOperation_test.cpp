@@ -28,32 +28,24 @@ class FileOperationClass : public testing::Test {
 };
 
 TEST_F(FileOperationClass, SettingAFlagTouchesNoOther) {
-  struct Property {
-    const char* name;
-    bool (clsFileOperation::*get)() const;
-    void (clsFileOperation::*set)(bool);
-    bool initially;
-  };
   using Class = clsFileOperation;
-  const Property properties[] = {
-      {"RespondDialog", &Class::pRespondDialog, &Class::pRespondDialog, false},
-      {"RenameOnCollision", &Class::pRenameOnCollision, &Class::pRenameOnCollision, false},
-      {"SimpleProgress", &Class::pSimpleProgress, &Class::pSimpleProgress, false},
-      {"ConfirmMakeDir", &Class::pConfirmMakeDir, &Class::pConfirmMakeDir, true},
-      {"ShowDialog", &Class::pShowDialog, &Class::pShowProgress, true},
-      {"AllowUndo", &Class::pAllowUndo, &Class::pAllowUndo, false},
-  };
-  const auto expect_all_but = [&](const Property* changed, bool flipped) {
-    for (const Property& property : properties) {
-      const bool expected = property.initially != (flipped && &property == changed);
-      EXPECT_EQ((operation_.*property.get)(), expected) << property.name << " after " << changed->name;
-    }
-  };
-  for (const Property& property : properties) {
-    (operation_.*property.set)(!property.initially);
-    expect_all_but(&property, true);
-    (operation_.*property.set)(property.initially);
-    expect_all_but(&property, false);
+  const struct {
+    bool (Class::*get)() const;
+    void (Class::*set)(bool);
+  } properties[] = {{&Class::pRespondDialog, &Class::pRespondDialog},
+                    {&Class::pRenameOnCollision, &Class::pRenameOnCollision},
+                    {&Class::pSimpleProgress, &Class::pSimpleProgress},
+                    {&Class::pAllowUndo, &Class::pAllowUndo},
+                    {&Class::pConfirmMakeDir, &Class::pConfirmMakeDir},
+                    {&Class::pShowDialog, &Class::pShowProgress}};
+  std::string expected = "000011";
+  for (std::size_t i = 0; i < 2 * expected.size(); ++i) {
+    char& changed = expected[i / 2];
+    changed = changed == '0' ? '1' : '0';
+    (operation_.*properties[i / 2].set)(changed == '1');
+    std::string flags;
+    for (const auto& property : properties) flags += (operation_.*property.get)() ? '1' : '0';
+    EXPECT_EQ(flags, expected);
   }
   operation_.pTarget(&operation_);
   EXPECT_EQ(operation_.pTarget(), nullptr);

@@ -69,63 +69,51 @@ GTEST_TEST(FileVer, CutFilesHaveNone) {
   }
 }
 
-GTEST_TEST(FileVer, HostileResources) {
+GTEST_TEST(FileVer, HostileResourcesAndSections) {
   using namespace test;
+  const std::string pe = PeFile(32, kVersion);
+  const std::string elf = ElfFile(64, false, kVersion);
+  const std::size_t table = elf.size() - 3 * 64;
   const struct {
+    const std::string& good;
     const char* name;
     std::size_t position;
     std::string bytes;
   } rows[] = {
-      {"headers over each other", 60, ImageBytes().Add(4, {0}).Bytes()},
-      {"headers behind the end", 60, "\xFF\xFF\xFF\xFF"},
-      {"all sections there can be", kPeStart + 6, "\xFF\xFF"},
-      {"no optional header", kPeStart + 20, std::string(2, '\0')},
-      {"of neither kind", kPeStart + 24, "\x07\x01"},
-      {"two data directories", kPeStart + 24 + 92, "\x02"},
-      {"resources nowhere", kPeStart + 24 + 112, std::string(4, '\0')},
-      {"resources at the end of all addresses", kPeStart + 24 + 112, "\xFF\xFF\xFF\xFF"},
-      {"section at the end of all files", kPeStart + 24 + 224 + 40 + 20, "\xFF\xFF\xFF\xFF"},
-      {"more types than bytes", kPeTypes + 12, "\xFF\xFF\xFF\xFF"},
-      {"type that is no directory", kPeTypes + 31, std::string(1, '\0')},
-      {"names that are the types", kPeTypes + 28, std::string(1, '\0')},
-      {"languages that are the names", kPeNames + 20, std::string(1, '\x20')},
-      {"languages that are themselves", kPeLanguages + 20, ImageBytes().Add(4, {0x80000038}).Bytes()},
-      {"no language", kPeLanguages + 14, std::string(1, '\0')},
-      {"data at the end of all addresses", kPeLanguages + 20, "\xFF\xFF\xFF\x7F"},
-      {"version at the end of all addresses", kPeData, "\xFF\xFF\xFF\xFF"},
-      {"version of no size", kPeData + 4, std::string(1, '\x5B')},
-      {"another key", kPeVersion + 6, "W"},
-      {"no record", kPeVersion + 2, std::string(1, '\x33')},
-      {"another record", kPeVersion + 40, "\xBE"},
+      {pe, "headers over each other", 60, ImageBytes().Add(4, {0}).Bytes()},
+      {pe, "headers behind the end", 60, "\xFF\xFF\xFF\xFF"},
+      {pe, "all sections there can be", kPeStart + 6, "\xFF\xFF"},
+      {pe, "no optional header", kPeStart + 20, std::string(2, '\0')},
+      {pe, "of neither kind", kPeStart + 24, "\x07\x01"},
+      {pe, "two data directories", kPeStart + 24 + 92, "\x02"},
+      {pe, "resources nowhere", kPeStart + 24 + 112, std::string(4, '\0')},
+      {pe, "resources at the end of all addresses", kPeStart + 24 + 112, "\xFF\xFF\xFF\xFF"},
+      {pe, "section at the end of all files", kPeStart + 24 + 224 + 40 + 20, "\xFF\xFF\xFF\xFF"},
+      {pe, "more types than bytes", kPeTypes + 12, "\xFF\xFF\xFF\xFF"},
+      {pe, "type that is no directory", kPeTypes + 31, std::string(1, '\0')},
+      {pe, "names that are the types", kPeTypes + 28, std::string(1, '\0')},
+      {pe, "languages that are the names", kPeNames + 20, std::string(1, '\x20')},
+      {pe, "languages that are themselves", kPeLanguages + 20, ImageBytes().Add(4, {0x80000038}).Bytes()},
+      {pe, "no language", kPeLanguages + 14, std::string(1, '\0')},
+      {pe, "data at the end of all addresses", kPeLanguages + 20, "\xFF\xFF\xFF\x7F"},
+      {pe, "version at the end of all addresses", kPeData, "\xFF\xFF\xFF\xFF"},
+      {pe, "version of no size", kPeData + 4, std::string(1, '\x5B')},
+      {pe, "another key", kPeVersion + 6, "W"},
+      {pe, "no record", kPeVersion + 2, std::string(1, '\x33')},
+      {pe, "another record", kPeVersion + 40, "\xBE"},
+      {elf, "table behind the end", 47, "\xFF"},
+      {elf, "entries that lie over each other", 58, "\x08"},
+      {elf, "all sections there can be", 60, "\xFF\xFF"},
+      {elf, "names of no section", 62, "\xFF\xFF"},
+      {elf, "names at the end of all files", table + 64 + 24, std::string(8, '\xFF')},
+      {elf, "name behind the names", table + 128, "\xFF\xFF\xFF\xFF"},
+      {elf, "section without bytes in the file", table + 128 + 4, "\x08"},
+      {elf, "section at the end of all files", table + 128 + 24, std::string(8, '\xFF')},
+      {elf, "section smaller than the record", table + 128 + 32, "\x33"},
   };
   for (const auto& row : rows) {
-    std::string image = PeFile(32, kVersion);
+    std::string image = row.good;
     ASSERT_NE(image.substr(row.position, row.bytes.size()), row.bytes) << row.name;
-    image.replace(row.position, row.bytes.size(), row.bytes);
-    EXPECT_FALSE(VersionOf(image)) << row.name;
-  }
-}
-
-GTEST_TEST(FileVer, HostileSections) {
-  const std::string good = test::ElfFile(64, false, kVersion);
-  const std::size_t table = good.size() - 3 * 64;
-  const struct {
-    const char* name;
-    std::size_t position;
-    std::string bytes;
-  } rows[] = {
-      {"table behind the end", 47, "\xFF"},
-      {"entries that lie over each other", 58, "\x08"},
-      {"all sections there can be", 60, "\xFF\xFF"},
-      {"names of no section", 62, "\xFF\xFF"},
-      {"names at the end of all files", table + 64 + 24, std::string(8, '\xFF')},
-      {"name behind the names", table + 128, "\xFF\xFF\xFF\xFF"},
-      {"section without bytes in the file", table + 128 + 4, "\x08"},
-      {"section at the end of all files", table + 128 + 24, std::string(8, '\xFF')},
-      {"section smaller than the record", table + 128 + 32, "\x33"},
-  };
-  for (const auto& row : rows) {
-    std::string image = good;
     image.replace(row.position, row.bytes.size(), row.bytes);
     EXPECT_FALSE(VersionOf(image)) << row.name;
   }

@@ -42,7 +42,8 @@ GTEST_TEST(FileManager, FailuresOfTheDesktopsAreTold) {
   const test::TempFolder folder;
   const test::ScopedVariable path("PATH", folder.path());
   const test::Settings settings("", "[General]\nFILER=none\n");
-  const platform::Result failed = OpenFolderWithFiler(FileManagerOf(settings.standard.Values()), folder.path());
+  const platform::Result failed =
+      OpenFolderWithFiler(FileManagerOf(settings.standard.Values()), folder.path());
   EXPECT_EQ(failed.code, platform::Code::kNotFound);
   EXPECT_EQ(failed.path, folder.path());
 }

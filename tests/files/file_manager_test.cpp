@@ -35,7 +35,8 @@ GTEST_TEST(FileManager, TheConfiguredOne) {
     EXPECT_EQ(filer.Take(), row.record);
   }
   const test::Settings settings("", "[General]\nFILER=fm\n");
-  EXPECT_TRUE(OpenFolderWithFiler(FileManagerOf(settings.standard.Values()), folder / "gone").ok()) << "there is nothing to open";
+  EXPECT_TRUE(OpenFolderWithFiler(FileManagerOf(settings.standard.Values()), folder / "gone").ok())
+      << "there is nothing to open";
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "archive/modules/common/entry_times.h"
+#include "modules/unpack_bytes.h"
 #include "support/lzh_cab_rar.h"
 #include "support/temp_folder.h"
 
@@ -12,26 +13,20 @@ namespace {
 using test::CabSet;
 using test::StoredCab;
 
-test::UnpackedArchive Unpack(const std::string& bytes) {
-  const test::TempFolder folder;
-  test::WriteFile(folder / "a.cab", bytes);
-  return test::Unpack(kCabFamily, folder / "a.cab");
-}
-
 // Stored, and packed as most cabinets are.
 const CabSet kPackings[] = {{}, {.mszip = true}};
 
 std::string Text(const std::string& bytes) {
-  return Unpack(bytes).Text();
+  return test::UnpackBytes(kCabFamily, bytes).Text();
 }
 
 GTEST_TEST(Cab, ReadsNamesTimesAndModes) {
   constexpr unsigned kUtf8 = 0x80;
   constexpr unsigned kExecutable = 0x40;
-  const auto read = Unpack(StoredCab({{"\x83\x5C\\\x95\x5C.txt", "1"},
-                                      {"é\\\xE8\x83\xBD", "2", kUtf8},
-                                      {"\xCA\xDD", "3", kExecutable},
-                                      {"empty"}}));
+  const auto read = test::UnpackBytes(kCabFamily, StoredCab({{"\x83\x5C\\\x95\x5C.txt", "1"},
+                                                             {"é\\\xE8\x83\xBD", "2", kUtf8},
+                                                             {"\xCA\xDD", "3", kExecutable},
+                                                             {"empty"}}));
   EXPECT_EQ(read.Text(), "ソ/表.txt=1 é/能=2 ﾊﾝ=3 empty=");
   for (const auto& [entry, content, problem] : read.entries) {
     EXPECT_EQ(entry.attributes.executable, content == "3");
@@ -50,19 +45,6 @@ GTEST_TEST(Cab, ReadsLargeFiles) {
   }
 }
 
-GTEST_TEST(Cab, DamageIsNoticed) {
-  for (const CabSet& packed : kPackings) {
-    const std::string bytes = StoredCab({{"a", "first"}, {"b", "second"}}, packed);
-    for (std::size_t size = 0; size < bytes.size(); ++size) {
-      ASSERT_NE(Text(bytes.substr(0, size)).find('!'), std::string::npos) << size;
-    }
-    std::string damaged = bytes;
-    damaged.back() ^= 1;
-    const std::string text = Text(damaged);
-    EXPECT_EQ(std::count(text.begin(), text.end(), '!'), 2) << text;
-  }
-}
-
 // What lies behind a damaged block is never taken for something else.
 GTEST_TEST(Cab, DoesNotSlipOverDamagedBlocks) {
   constexpr std::size_t kBlock = 32'768;
@@ -71,7 +53,7 @@ GTEST_TEST(Cab, DoesNotSlipOverDamagedBlocks) {
         {{"a", std::string(kBlock, 'a')}, {"b", std::string(kBlock, 'b')}, {"c", std::string(kBlock, 'c')}},
         packed);
     bytes[bytes.size() - 2 * kBlock + 100] ^= 1;
-    const auto read = Unpack(bytes);
+    const auto read = test::UnpackBytes(kCabFamily, bytes);
     ASSERT_EQ(read.entries.size(), 3U);
     EXPECT_EQ(read.entries[0].problem, "");
     for (std::size_t i : {1, 2}) EXPECT_NE(read.entries[i].problem, "") << i;
@@ -84,13 +66,6 @@ GTEST_TEST(Cab, FilesMayShareTheirContent) {
     test::Patch(&bytes, bytes.find("b\0") - 12, 0, 4);
     EXPECT_EQ(Text(bytes), "a=one b=one");
   }
-}
-
-GTEST_TEST(Cab, IsFoundBehindProgramsOnly) {
-  const std::string bytes = StoredCab({{"a", "1"}});
-  EXPECT_EQ(Text("MZ" + std::string(1000, 'x') + "MSCF" + std::string(100, 'x') + bytes), "a=1");
-  EXPECT_EQ(Text("MSCF is a mark"), "!no archive");
-  EXPECT_EQ(Text("a text: " + bytes), "!no archive");
 }
 
 GTEST_TEST(Cab, ReadsSets) {

@@ -86,15 +86,5 @@ GTEST_TEST(ResponseFile, Names) {
   EXPECT_TRUE(ParseResponseFile("").empty());
 }
 
-// What a list shows must find its way back through a response file.
-GTEST_TEST(ResponseFile, ListedNamesComeBack) {
-  for (const std::string name : {"a b/ｆ.txt", "\"a\"", "a\nb\r", "a\"b", "\x7F", "d/"}) {
-    SCOPED_TRACE(name);
-    const std::string listed = ListedName(name);
-    EXPECT_EQ(ParseResponseFile(std::string("\"").append(ComparableName(listed)).append("\"")),
-              std::vector<std::string>{ComparableName(listed)});
-  }
-}
-
 }  // namespace
 }  // namespace quendle::modules

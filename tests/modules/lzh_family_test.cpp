@@ -1,5 +1,6 @@
 #include "archive/modules/lzh/lzh_family.h"
 
+#include "modules/unpack_bytes.h"
 #include "support/lzh_cab_rar.h"
 #include "support/temp_folder.h"
 #include "support/time_zone.h"
@@ -11,18 +12,16 @@ using test::LzhEntry;
 using test::Number;
 using test::StoredLzh;
 
-test::UnpackedArchive Unpack(const std::string& bytes) {
-  const test::TempFolder folder;
-  test::WriteFile(folder / "a.lzh", bytes);
-  return test::Unpack(kLzhFamily, folder / "a.lzh");
-}
-
 std::string Text(const std::string& bytes) {
-  return Unpack(bytes).Text();
+  return test::UnpackBytes(kLzhFamily, bytes).Text();
 }
 
 std::string Extension(int type, const std::string& data) {
   return Number(static_cast<unsigned>(type), 1) + data;
+}
+
+LzhEntry Extended(std::vector<std::string> extensions, std::uint32_t time = test::kDosTime) {
+  return {"a", "1", "-lh0-", std::move(extensions), time};
 }
 
 GTEST_TEST(Lzh, ReadsNamesOfAllLevels) {
@@ -39,17 +38,11 @@ GTEST_TEST(Lzh, ReadsNamesOfAllLevels) {
       {"comment behind the name", 0, {std::string("a\0b", 3), "1"}, "a=1"},
       {"level 1", 1, {"\x94\x5C.txt", "1"}, "能.txt=1"},
       {"level 1, folder", 1, {"\x95\x5C", "1", "-lh0-", {Extension(2, "d\xFF\x83\x5C\xFF")}}, "d/ソ/表=1"},
-      {"level 2", 2, {"", "1", "-lh0-", {Extension(1, "\x95\x5C"), Extension(2, "d\xFF")}}, "d/表=1"},
-      {"folder without an end", 2, {"", "1", "-lh0-", {Extension(1, "a"), Extension(2, "d")}}, "d/a=1"},
-      {"says UTF-8", 2, {"", "1", "-lh0-", {Extension(1, "é"), Extension(0x46, Number(65001, 4))}}, "é=1"},
-      {"says Cyrillic",
-       2,
-       {"", "1", "-lh0-", {Extension(1, "\xE6"), Extension(0x46, Number(1251, 4))}},
-       "ж=1"},
-      {"UTF-16",
-       2,
-       {"", "1", "-lh0-", {Extension(0x44, "b" + std::string(1, '\0')), Extension(0x45, wide)}},
-       "あ/b=1"},
+      {"level 2", 2, Extended({Extension(1, "\x95\x5C"), Extension(2, "d\xFF")}), "d/表=1"},
+      {"folder without an end", 2, Extended({Extension(1, "a"), Extension(2, "d")}), "d/a=1"},
+      {"says UTF-8", 2, Extended({Extension(1, "é"), Extension(0x46, Number(65001, 4))}), "é=1"},
+      {"says Cyrillic", 2, Extended({Extension(1, "\xE6"), Extension(0x46, Number(1251, 4))}), "ж=1"},
+      {"UTF-16", 2, Extended({Extension(0x44, {'b', 0}), Extension(0x45, wide)}), "あ/b=1"},
       {"folder", 1, {"", "", "-lhd-", {Extension(2, "d\xFF")}}, "d/"},
       {"link", 1, {"a|../b", "", "-lhd-", {Extension(0x50, Number(0120777, 2))}}, "a>../b"},
       {"bar in a folder's name", 1, {"a|b", "", "-lhd-"}, "a|b/"},
@@ -66,8 +59,10 @@ GTEST_TEST(Lzh, ReadsNamesOfAllLevels) {
 GTEST_TEST(Lzh, TellsTimesAndModes) {
   const test::TimeZone japan("JST-9");
   constexpr std::int64_t kNoon = 1'744'686'000;  // 2025-04-15 12:00:00 in Japan
-  const std::string ntfs =
-      Number(0, 8) + Number((1'000'000'000ULL + 11'644'473'600) * 10'000'000 + 5, 8) + Number(0, 8);
+  const std::string ntfs = Extension(
+      0x41, Number(0, 8) + Number((1'000'000'000ULL + 11'644'473'600) * 10'000'000 + 5, 8) + Number(0, 8));
+  const std::string unix_area =
+      Number('U', 1) + Number(0, 1) + Number(1'000'000'001, 4) + Number(0755, 2) + Number(0, 4);
   struct Row {
     const char* what;
     int level;
@@ -79,39 +74,16 @@ GTEST_TEST(Lzh, TellsTimesAndModes) {
   const Row rows[] = {
       {"local time", 0, {"a"}, kNoon, 0, false},
       {"local time, level 1", 1, {"a"}, kNoon, 0, false},
-      {"Unix, level 0",
-       0,
-       {"a",
-        "",
-        "-lh0-",
-        {},
-        0,
-        Number('U', 1) + Number(0, 1) + Number(1'000'000'001, 4) + Number(0755, 2) + Number(0, 4)},
-       1'000'000'001,
-       0,
-       true},
-      {"Unix, level 2",
-       2,
-       {"", "", "-lh0-", {Extension(1, "a"), Extension(0x50, Number(0100644, 2))}, 1'000'000'002},
-       1'000'000'002,
-       0,
-       false},
-      {"Unix, level 1",
-       1,
-       {"a", "", "-lh0-", {Extension(0x54, Number(1'000'000'003, 4)), Extension(0x41, ntfs)}},
-       1'000'000'003,
-       0,
-       false},
-      {"NTFS",
-       2,
-       {"", "", "-lh0-", {Extension(1, "a"), Extension(0x41, ntfs)}, 1},
-       1'000'000'000,
-       500,
-       false},
+      {"Unix, level 0", 0, {"a", "", "-lh0-", {}, 0, unix_area}, 1'000'000'001, 0, true},
+      {"Unix, level 2", 2, Extended({Extension(1, "a"), Extension(0x50, Number(0100644, 2))}, 1'000'000'002),
+       1'000'000'002, 0, false},
+      {"Unix, level 1", 1, Extended({Extension(1, "a"), Extension(0x54, Number(1'000'000'003, 4)), ntfs}),
+       1'000'000'003, 0, false},
+      {"NTFS", 2, Extended({Extension(1, "a"), ntfs}, 1), 1'000'000'000, 500, false},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
-    const auto read = Unpack(StoredLzh(row.level, {row.entry}));
+    const auto read = test::UnpackBytes(kLzhFamily, StoredLzh(row.level, {row.entry}));
     ASSERT_EQ(read.entries.size(), 1U) << read.problem;
     const platform::EntryAttributes& attributes = read.entries[0].entry.attributes;
     EXPECT_EQ(attributes.write_time->seconds, row.seconds);
@@ -121,19 +93,10 @@ GTEST_TEST(Lzh, TellsTimesAndModes) {
 }
 
 GTEST_TEST(Lzh, DamageIsNoticed) {
-  for (const int level : {0, 1, 2}) {
-    const std::string first = StoredLzh(level, {{"a", "first", "-lh0-", {Extension(1, "a")}}});
-    const std::string bytes =
-        first.substr(0, first.size() - 1) + StoredLzh(level, {{"b", "second", "-lh0-", {Extension(1, "b")}}});
-    ASSERT_EQ(Text(bytes), "a=first b=second");
-    for (std::size_t size = 0; size < bytes.size(); ++size) {
-      ASSERT_NE(Text(bytes.substr(0, size)).find('!'), std::string::npos) << level << " " << size;
-    }
-    std::string damaged = bytes;
-    damaged[first.size() - 2] ^= 1;
-    EXPECT_EQ(Text(damaged), "a!its checksum does not agree b=second");
-  }
-  std::string damaged = StoredLzh(1, {{"name", "content"}});
+  std::string damaged = StoredLzh(0, {{"a", "first"}, {"b", "second"}});
+  damaged[damaged.find("first")] ^= 1;
+  EXPECT_EQ(Text(damaged), "a!its checksum does not agree b=second");
+  damaged = StoredLzh(1, {{"name", "content"}});
   damaged[22] ^= 1;
   EXPECT_EQ(Text(damaged), "!no archive") << "the sum over the header";
   std::string header =
@@ -142,14 +105,6 @@ GTEST_TEST(Lzh, DamageIsNoticed) {
   EXPECT_EQ(Text(header + '\0'), "a=");
   header[32] ^= 1;
   EXPECT_EQ(Text(header + '\0'), "!no archive") << "the checksum of the header";
-}
-
-GTEST_TEST(Lzh, IsFoundBehindProgramsOnly) {
-  const std::string bytes = StoredLzh(1, {{"a", "1"}});
-  const std::string decoy = "..-lh5-" + std::string(100, 'x');
-  EXPECT_EQ(Text("MZ" + decoy + bytes), "a=1");
-  EXPECT_EQ(Text("a text: " + bytes), "!no archive");
-  EXPECT_EQ(Text(decoy), "!no archive");
 }
 
 }  // namespace

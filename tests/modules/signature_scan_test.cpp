@@ -21,13 +21,10 @@ GTEST_TEST(SignatureScan, FindsArchivesAtTheBeginningAndBehindPrograms) {
   };
   const Row rows[] = {
       {"beginning", "PK\3\4", 0, 100, 0, 0},
-      {"beginning, cut off", "PK\3", 0, 100, 0, {}},
       {"beginning, with a lead", "..PK\3\4", 2, 100, 0, 0},
       {"beginning, shorter than the lead", ".", 2, 100, 0, {}},
       {"beginning, no reach", "PK\3\4", 0, 0, 0, 0},
       {"empty", "", 0, 100, 0, {}},
-      {"a text", "a PK\3\4", 0, 100, 0, {}},
-      {"MZ", "MZPK\3\4", 0, 100, 0, 2},
       {"ELF",
        "\x7F"
        "ELF PK\3\4",

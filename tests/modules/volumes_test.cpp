@@ -31,7 +31,6 @@ GTEST_TEST(Volumes, SetsAreFoundByName) {
        "a.part4.rar"},
       {{"a.part10.rar"}, "a.part1.rar", {"a.part1.rar"}, "", "a.part2.rar"},
       {{"a.part1.rar"}, "a.part10.rar", {"a.part1.rar"}, "a.part1.rar", "a.part2.rar"},
-      {{"a.part01.rar"}, "a.part10.rar", {"a.part01.rar"}, "a.part01.rar", "a.part02.rar"},
       {{"a.part1.rar", "a.part01.rar", "a.part02.rar"},
        "a.part10.rar",
        {"a.part01.rar", "a.part02.rar"},
@@ -54,12 +53,10 @@ GTEST_TEST(Volumes, SetsAreFoundByName) {
       {{}, "a.r00", {"a.r00"}, "a.rar", "a.rar"},
 
       {{"a.7z.002", "a.zip.003"}, "a.7z.001", {"a.7z.001", "a.7z.002"}, "", "a.7z.003"},
-      {{"A.ZIP.001"}, "a.zip.002", {"A.ZIP.001", "a.zip.002"}, "A.ZIP.001", "a.zip.003"},
 
       {{}, "a.zip", {"a.zip"}, "", "a.z01"},
       {{"a.Z01", "a.z02"}, "a.zip", {"a.Z01", "a.z02", "a.zip"}, "", "a.z03"},
       {{"a.z01", "a.z03"}, "a.zip", {"a.z01", "a.zip"}, "", "a.z02"},
-      {{"a.ZIP"}, "a.z01", {"a.z01", "a.ZIP"}, "a.ZIP", "a.z02"},
       {{"a.z02"}, "a.z01", {"a.z01", "a.z02"}, "a.zip", "a.zip"},
   };
   for (const Row& row : rows) {
@@ -84,14 +81,9 @@ GTEST_TEST(Volumes, SetsAreFoundByName) {
 
 GTEST_TEST(Volumes, LettersGoOnBehindANumberOf99) {
   const test::TempFolder folder;
-  std::string name = "a.r00";
-  for (const char letter : {'r', 's'}) {
-    for (int number = 0; number < 100; ++number) {
-      name[2] = letter;
-      name[3] = static_cast<char>('0' + number / 10);
-      name[4] = static_cast<char>('0' + number % 10);
-      test::WriteFile(folder / name, "");
-    }
+  for (int number = 0; number < 200; ++number) {
+    const std::string name = std::to_string(100 + number % 100).replace(0, 1, number < 100 ? "a.r" : "a.s");
+    test::WriteFile(folder / name, "");
   }
   test::WriteFile(folder / "a.rar", "");
   std::unique_ptr<platform::InputFile> file;

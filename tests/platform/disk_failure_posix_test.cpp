@@ -243,19 +243,6 @@ TEST_F(DiskFailure, OnlyTheFileThatWasAskedAboutIsReplacedAndRemoved) {
   }
 }
 
-TEST_F(DiskFailure, AChangeDuringTheCopyIsFoundBeforeItHasItsName) {
-  Refill();
-  Result result;
-  {
-    FailingDisk disk;
-    disk.Before("sync", 1, [&] { Append(source_ / "t/a"); });
-    result = Move("t");
-  }
-  EXPECT_EQ(result.reason, "the source changed meanwhile");
-  EXPECT_TRUE(Picture(destination_.path()).empty());
-  EXPECT_EQ(Picture(source_.path()).size(), 6U);
-}
-
 TEST_F(DiskFailure, SettingsAreReadWholeOrNotAndReplacedOrNot) {
   const std::string path = source_ / "a.ini";
   std::string bytes;

@@ -1,4 +1,3 @@
-#include <grp.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -7,20 +6,14 @@
 
 #include "platform/durable_file.h"
 #include "platform/process.h"
-#include "support/temp_folder.h"
+#include "support/picture.h"
+#include "support/rights_posix.h"
 
 namespace quendle::platform {
 namespace {
 
-namespace fs = std::filesystem;
-
-std::size_t EntriesIn(const std::string& folder) {
-  return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
-}
-
 mode_t ModeOf(const std::string& path) {
-  struct stat entry;
-  return stat(path.c_str(), &entry) == 0 ? entry.st_mode & 07777 : 0;
+  return test::StatusOf(path).st_mode & 07777;
 }
 
 GTEST_TEST(ReplaceFile, KeepsTheMode) {
@@ -40,34 +33,29 @@ GTEST_TEST(ReplaceFile, RefusesDevices) {
   EXPECT_EQ(ReplaceFile("/dev/zero", "x").code, Code::kRefused);
 }
 
-// Rights do not bind the superuser, so a child that is nobody tries.
 GTEST_TEST(ReplaceFile, RespectsRights) {
   const test::TempFolder folder;
-  test::WriteFile(folder / "open/locked", "old");
-  test::WriteFile(folder / "closed/file", "old");
-  test::WriteFile(folder / "open/free", "old");
-  ASSERT_EQ(chmod((folder / "open/free").c_str(), 0676), 0);
-  ASSERT_EQ(chmod(folder.path().c_str(), 0755), 0);
-  ASSERT_EQ(chmod((folder / "open").c_str(), 0777), 0);
-  ASSERT_EQ(chmod((folder / "open/locked").c_str(), 0444), 0);
-  ASSERT_EQ(chmod((folder / "closed/file").c_str(), 0666), 0);
-  ASSERT_EQ(chmod((folder / "closed").c_str(), 0555), 0);
-  const pid_t child = fork();
-  if (child == 0) {
-    if (geteuid() == 0 && (setgroups(0, nullptr) != 0 || setgid(65534) != 0 || setuid(65534) != 0)) _exit(9);
-    const bool locked = ReplaceFile(folder / "open/locked", "new").code == Code::kDenied;
-    const bool closed = ReplaceFile(folder / "closed/file", "new").code == Code::kDenied;
-    const bool free = ReplaceFile(folder / "open/free", "new").ok();
-    _exit(locked && closed && free ? 0 : 1);
+  for (const char* file : {"open/locked", "closed/file", "open/free"}) test::WriteFile(folder / file, "old");
+  const std::string free = folder / "open/free";
+  // A group that nobody is in: it does not become that of the new file.
+  EXPECT_EQ(chown(free.c_str(), geteuid(), geteuid() == 0 ? 65533 : getegid()), 0);
+  for (const auto& [entry, rights] : {std::pair("", 0755),
+                                      {"open", 0777},
+                                      {"open/locked", 0444},
+                                      {"open/free", 0676},
+                                      {"closed/file", 0666},
+                                      {"closed", 0555}})
+    ASSERT_EQ(chmod((folder / entry).c_str(), static_cast<mode_t>(rights)), 0);
+  {
+    const test::WithoutPrivileges nobody;
+    EXPECT_EQ(ReplaceFile(folder / "open/locked", "new").code, Code::kDenied);
+    EXPECT_EQ(ReplaceFile(folder / "closed/file", "new").code, Code::kDenied);
+    EXPECT_TRUE(ReplaceFile(free, "new").ok());
   }
-  int status = -1;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
-  EXPECT_EQ(status, 0);
   EXPECT_EQ(test::ReadFile(folder / "open/locked"), "old");
   EXPECT_EQ(test::ReadFile(folder / "closed/file"), "old");
-  EXPECT_EQ(EntriesIn(folder / "open"), 2U);
-  // The group is another one only where the superuser's file became nobody's.
-  EXPECT_EQ(ModeOf(folder / "open/free"), geteuid() == 0 ? 0606U : 0676U);
+  EXPECT_EQ(test::Picture(folder / "open").size(), 2U);
+  EXPECT_EQ(ModeOf(free), geteuid() == 0 ? 0606U : 0676U);
   chmod((folder / "closed").c_str(), 0755);
 }
 

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <thread>
 
+#include "platform/profile.h"
 #include "support/file_systems.h"
 #include "support/temp_folder.h"
 
@@ -11,10 +12,6 @@ namespace quendle::platform {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::size_t EntriesIn(const std::string& folder) {
-  return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
-}
 
 GTEST_TEST(ReplaceFile, LeavesNothingElse) {
   const test::TempFolder folder;
@@ -24,7 +21,7 @@ GTEST_TEST(ReplaceFile, LeavesNothingElse) {
     std::string read;
     EXPECT_TRUE(ReadWholeFile(folder / "表.ini", &read).ok());
     EXPECT_EQ(read, bytes);
-    EXPECT_EQ(EntriesIn(folder.path()), 1U);
+    EXPECT_EQ(test::Picture(folder.path()).size(), 1U);
   }
 }
 
@@ -43,7 +40,7 @@ GTEST_TEST(ReplaceFile, KeepsLinks) {
   EXPECT_EQ(test::ReadFile(folder / "real/a.ini"), "new");
   EXPECT_EQ(test::ReadFile(folder / "real/missing.ini"), "made");
   for (const char* link : {"first", "second", "dangling"}) EXPECT_TRUE(fs::is_symlink(folder / link)) << link;
-  EXPECT_EQ(EntriesIn(folder / "real"), 2U);
+  EXPECT_EQ(test::Picture(folder / "real").size(), 2U);
 }
 
 GTEST_TEST(ReplaceFile, RefusesWhatIsNoFile) {
@@ -73,7 +70,7 @@ GTEST_TEST(ReplaceFile, RefusesWhatIsNoFile) {
     EXPECT_EQ(replaced.code, row.replaced) << row.path;
     EXPECT_EQ(replaced.reason.empty(), replaced.ok()) << row.path;
   }
-  EXPECT_EQ(EntriesIn(folder.path()), 3U);
+  EXPECT_EQ(test::Picture(folder.path()).size(), 3U);
 }
 
 GTEST_TEST(ReadWholeFile, RefusesFilesThatWouldFillTheMemory) {
@@ -137,18 +134,19 @@ GTEST_TEST(FolderLock, HoldersWaitForEachOther) {
   const std::string same_place = folder / (has_link ? "link" : "real/other.ini");
   std::unique_ptr<FolderLock> lock;
   ASSERT_TRUE(FolderLock::Take(folder / "real/a.ini", &lock).ok());
-  std::atomic<bool> second_has_it = false;
+  std::atomic<bool> second_is_done = false;
   std::thread second([&] {
-    std::unique_ptr<FolderLock> other;
-    EXPECT_TRUE(FolderLock::Take(same_place, &other).ok());
-    second_has_it = true;
+    EXPECT_TRUE(WriteProfileString(same_place, "a", "second", "2").ok());
+    second_is_done = true;
   });
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  EXPECT_FALSE(second_has_it);
+  EXPECT_FALSE(second_is_done);
+  EXPECT_TRUE(ReplaceFile(same_place, "[a]\r\nfirst=1\r\n").ok());
   lock.reset();
   second.join();
+  EXPECT_EQ(test::ReadFile(same_place), "[a]\r\nfirst=1\r\nsecond=2\r\n");
   EXPECT_EQ(FolderLock::Take(folder / "none/a.ini", &lock).code, Code::kNotFound);
-  EXPECT_EQ(EntriesIn(folder / "real"), 0U);
+  EXPECT_EQ(test::Picture(folder / "real").size(), 1U);
 }
 
 }  // namespace

@@ -1,7 +1,10 @@
 #include "platform/file_operation.h"
 
+#include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <functional>
+#include <thread>
 
 #include "support/ways.h"
 
@@ -144,21 +147,19 @@ TEST_P(FileOperation, FoldersMergeAndAskForEachFile) {
     WriteFile(At(std::string("S/d/") + name), "new");
   for (const char* name : {"a", "b", "c/a", "c/b", "c/other", "file/x", "folder"})
     WriteFile(At(std::string("D/d/") + name), "old");
-  std::size_t yes = 0;
   for (const bool second_round : {false, true}) {
     observer_.asked.clear();
     observer_.answers = second_round ? std::vector{Answer::kYes} : std::vector{Answer::kYes, Answer::kNo};
     const Result result = Run("S/d", "D/d");
     EXPECT_TRUE(result.code == Code::kIsFolder || result.code == Code::kNotFolder) << result.reason;
     EXPECT_EQ(result.path, At("D/d"));
-    const std::string& declined = observer_.asked[second_round ? 0 : 1];
-    const std::string named =
-        declined.substr(At("D/d/").size()) + " (and 2 more) exist already and were left; ";
+    const std::string named = observer_.asked[second_round ? 0 : 1].substr(At("D/d/").size()) +
+                              " (and 2 more) exist already and were left; ";
     EXPECT_EQ(result.reason.starts_with(named + "2 entries were left: "), !second_round) << result.reason;
-    yes = 0;
-    for (const char* name : {"a", "b", "c/a", "c/b"})
-      yes += ReadFile(At(std::string("D/d/") + name)) == "new" ? 1U : 0U;
-    EXPECT_EQ(yes, second_round ? 4U : 1U);
+    unsigned replaced = 0;
+    for (const char* name : {"D/d/a", "D/d/b", "D/d/c/a", "D/d/c/b"})
+      replaced += ReadFile(At(name)) == "new" ? 1U : 0U;
+    EXPECT_EQ(replaced, second_round ? 4U : 1U);
   }
   EXPECT_EQ(ReadFile(At("D/d/c/new")), "new");
   EXPECT_EQ(ReadFile(At("D/d/c/other")), "old");
@@ -166,6 +167,75 @@ TEST_P(FileOperation, FoldersMergeAndAskForEachFile) {
   EXPECT_EQ(ReadFile(At("D/d/folder")), "old");
   EXPECT_EQ(IsThere("S/d/c"), !GetParam().moves);
   EXPECT_TRUE(IsThere("S/d/folder/x"));
+}
+
+constexpr std::size_t kBig = 24 << 20;
+
+class Copying : public test::WayTest {};
+
+INSTANTIATE_TEST_SUITE_P(Ways, Copying, testing::Values(test::kMoveAcross, test::kCopy, test::kCopyAcross),
+                         test::NameOfWay);
+
+TEST_P(Copying, ACancelLeavesBothSidesAsTheyWere) {
+  WriteFile(source_ / "big", std::string(kBig, 'b'));
+  WriteFile(source_ / "tree/a/big", std::string(kBig, 'b'));
+  WriteFile(source_ / "tree/b/small", "s");
+  struct Row {
+    const char* name;
+    std::size_t report;   // the first one that is answered with a cancel,
+    std::uint64_t bytes;  // once so much has been copied
+  };
+  const auto before = Picture(source_.path());
+  for (const Row& row :
+       {Row{"big", 1, 0}, Row{"big", 1, 1}, Row{"tree", 1, 1}, Row{"tree", 3, 0}, Row{"tree", 5, 0}}) {
+    SCOPED_TRACE(testing::Message() << row.name << row.report << row.bytes);
+    observer_.reports = 0;
+    observer_.on_progress = [&](const FileProgress& progress) {
+      return observer_.reports < row.report || progress.bytes_done < row.bytes;
+    };
+    EXPECT_EQ(Run(std::string("S/") + row.name, std::string("D/") + row.name).code, Code::kCancelled);
+    EXPECT_EQ(observer_.reports > 1, row.report > 1 || row.bytes > 0);
+    EXPECT_EQ(Picture(source_.path()), before);
+    EXPECT_TRUE(Picture(destination_.path()).empty());
+  }
+}
+
+TEST_P(Copying, AChangeOfTheSourceKeepsIt) {
+  struct Row {
+    const char* what;
+    const char* name;
+    std::function<void()> change;
+  };
+  const Row rows[] = {
+      {"longer", "big", [&] { std::ofstream(test::FsPath(source_ / "big"), std::ios::app) << "more"; }},
+      {"shorter", "big", [&] { fs::resize_file(source_ / "big", 1000); }},
+      {"rewritten", "big", [&] { std::fstream(test::FsPath(source_ / "big")) << "other"; }},
+      {"new entry", "tree", [&] { WriteFile(source_ / "tree/a/new", "new"); }},
+      {"lost entry", "tree", [&] { fs::remove(source_ / "tree/b/small"); }},
+      {"changed entry", "tree", [&] { WriteFile(source_ / "tree/b/small", "other"); }},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    WriteFile(source_ / "big", std::string(kBig, 'b'));
+    WriteFile(source_ / "tree/a/big", std::string(kBig, 'b'));
+    WriteFile(source_ / "tree/b/small", "s");
+    std::this_thread::sleep_for(
+        std::chrono::milliseconds(30));  // the clock that stamps files moves in steps of up to 16 ms
+    std::map<std::string, std::string> changed;
+    observer_.on_progress = [&](const FileProgress& progress) {
+      if (progress.bytes_done > 0 && changed.empty()) {
+        row.change();
+        changed = Picture(source_.path());
+      }
+      return true;
+    };
+    const Result result = Run(std::string("S/") + row.name, std::string("D/") + row.name);
+    EXPECT_NE(result.code, Code::kOk);
+    EXPECT_NE(result.reason, "");
+    EXPECT_EQ(Picture(source_.path()), changed);
+    EXPECT_TRUE(Picture(destination_.path()).empty());
+    fs::remove_all(source_ / "tree");
+  }
 }
 
 GTEST_TEST(DeleteEntry, RemovesATreeButNotWhatItsLinksLeadTo) {

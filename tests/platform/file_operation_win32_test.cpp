@@ -62,15 +62,13 @@ TEST_P(FileOperationOnWindows, AYesReplacesWhatIsReadOnly) {
 
 // The names that the system would rewrite, and those that it takes for something else.
 TEST_P(FileOperationOnWindows, NamesMeanWhatTheySay) {
-  for (const char* name : {"con", "a.", "a ", "nul.txt"}) {
-    SCOPED_TRACE(name);
-    const Handle made(CreateFileW(SystemPath(At("S/" + std::string(name))).c_str(), GENERIC_WRITE, 0, nullptr,
-                                  CREATE_NEW, 0, nullptr));
-    ASSERT_TRUE(made.ok());
-  }
   WriteFile(At("S/a"), "another");
   for (const std::string name : {"con", "a.", "a ", "nul.txt"}) {
     SCOPED_TRACE(name);
+    Handle made(
+        CreateFileW(SystemPath(At("S/" + name)).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    ASSERT_TRUE(made.ok());
+    made.Close();
     const Result result = Run("S/" + name, "D/" + name);
     EXPECT_TRUE(result.ok()) << result.reason;
     EXPECT_TRUE(IsTaken(At("D/" + name)));
@@ -93,6 +91,8 @@ TEST_P(FileOperationOnWindows, PathsMayBeLong) {
     deep += "/" + std::string(120, 'd');
     ASSERT_TRUE(MakeFolder(At(deep)).ok());
   }
+  EXPECT_TRUE(IsFolder(At(deep)));
+  EXPECT_EQ(LongPath(At(deep)), At(deep));
   const std::string longest(255, L'f');
   Handle made(CreateFileW(SystemPath(At(deep + "/" + longest)).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                           0, nullptr));

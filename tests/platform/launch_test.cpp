@@ -14,12 +14,10 @@ GTEST_TEST(LaunchWords, AreTakenApartButNotTheValue) {
     const char* value;
     Words expected;
   } rows[] = {
-      {"", "/f", {}},
       {" \t ", "/f", {}},
       {"--select %1", "/a b", {"--select", "/a b"}},
       {"  \"%1\"\t-x ", "/a b", {"/a b", "-x"}},
       {"/e,%1", "/out", {"/e,/out"}},
-      {"%1%1", "/f", {"/f/f"}},
       {"%1", "\"a\" \\\" %1 $(x)\n'", {"\"a\" \\\" %1 $(x)\n'"}},
       {"\"%1 %1", "x\"y", {"x\"y x\"y"}},
       {"a\"b c\"d \"\" e", "/f", {"ab cd", "", "e"}},

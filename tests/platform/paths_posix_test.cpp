@@ -37,13 +37,6 @@ GTEST_TEST(LongPath, KeepsLinksAndBlanks) {
   EXPECT_EQ(LongPath(root + "/Docs/ Report.txt "), root + "/Docs/ Report.txt ") << "two names of one file";
 }
 
-GTEST_TEST(SearchPath, SkipsWhatMayNotRun) {
-  const test::TempFolder folder;
-  test::WriteFile(folder / "tool", "x");
-  const ScopedVariable path("PATH", folder.path());
-  EXPECT_EQ(FindOnSearchPath("tool"), "");
-}
-
 GTEST_TEST(KnownFolders, FollowTheUsersSession) {
   const test::TempFolder home;
   const ScopedVariable home_variable("HOME", home.path());

@@ -45,10 +45,13 @@ GTEST_TEST(SearchPath, SkipsTheCurrentFolderAndWhatCannotRun) {
   const test::TempFolder folder;
   test::WriteFile(folder / ("good/" + std::string(kProgram)), "x");
   fs::permissions(folder / ("good/" + std::string(kProgram)), fs::perms::owner_all);
+  test::WriteFile(folder / ("locked/" + std::string(kProgram)), "x");
+  const std::string locked =
+      folder / (test::kSeparator == '/' ? "locked" : "none");  // rights do not count there
   fs::create_directories(folder / ("folder/" + std::string(kProgram)));
   std::string list = ".";
   for (const std::string& entry :
-       {std::string(), std::string("relative"), folder / "folder", folder / "good"})
+       {std::string(), std::string("relative"), folder / "folder", locked, folder / "good"})
     list += kListSeparator + entry;
   const test::ScopedVariable path("PATH", list);
   EXPECT_EQ(FindOnSearchPath("tool"), folder / ("good/" + std::string(kProgram)));

@@ -10,6 +10,7 @@
 #include "support/failing_disk_posix.h"
 #include "support/file_systems.h"
 #include "support/rights_posix.h"
+#include "support/scoped_variable.h"
 #include "support/scripted_observer.h"
 #include "support/temp_folder.h"
 
@@ -24,13 +25,11 @@ using test::WriteFile;
 
 class Trash : public testing::Test {
  protected:
-  void SetUp() override { setenv("XDG_DATA_HOME", (home_ / "data").c_str(), 1); }
-  void TearDown() override { unsetenv("XDG_DATA_HOME"); }
-
   Result Throw(const std::string& path) { return DeleteEntry(path, {.allow_undo = true}, &observer_); }
   std::string InTrash(const std::string& path) const { return home_ / ("data/Trash/" + path); }
 
   TempFolder home_;
+  test::ScopedVariable data_{"XDG_DATA_HOME", home_ / "data"};
   TempFolder folder_;
   test::ScriptedObserver observer_;
 };
@@ -75,7 +74,7 @@ TEST_F(Trash, FailuresLeaveTheFileAndNoInfo) {
   const test::WithoutPrivileges unprivileged;
   const TempFolder locked;
   const TempFolder data;
-  setenv("XDG_DATA_HOME", data.path().c_str(), 1);
+  const test::ScopedVariable variable("XDG_DATA_HOME", data.path());
   WriteFile(locked / "f", "f");
   fs::permissions(locked.path(), fs::perms(0555));
   EXPECT_EQ(Throw(locked / "f").code, Code::kDenied);

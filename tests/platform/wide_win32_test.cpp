@@ -26,7 +26,6 @@ GTEST_TEST(Wide, SystemPathsAreAbsoluteAndNotRewritten) {
     std::string system_path;
   } rows[] = {
       {"C:\\a/b", "\\\\?\\C:\\a\\b"},
-      {"C:\\", "\\\\?\\C:\\"},
       {"C:/a//b/", "\\\\?\\C:\\a\\b"},
       {"C:\\a\\..\\..\\b\\.", "\\\\?\\C:\\b"},
       {"C:\\con\\a.\\b ", "\\\\?\\C:\\con\\a.\\b "},
@@ -35,13 +34,10 @@ GTEST_TEST(Wide, SystemPathsAreAbsoluteAndNotRewritten) {
       {"\\\\?\\C:\\a/..", "\\\\?\\C:\\a/.."},
       {"//?/Volume{1}/a", "\\\\?\\Volume{1}\\a"},
       {"\\\\.\\pipe\\x", "\\\\.\\pipe\\x"},
-      {"", ""},
       {"a.", here + "\\a."},
-      {"con", here + "\\con"},
       {".\\a\\..\\b ", here + "\\b "},
       {".", here},
       {drive + "nul", here + "\\nul"},
-      {drive, here},
       {"\\a.", "\\\\?\\" + drive + "\\a."},
   };
   for (const auto& row : rows) EXPECT_EQ(TextFromWide(SystemPath(row.path)), row.system_path) << row.path;

@@ -1,0 +1,131 @@
+// What holds for the archives of every family.
+#include "archive/modules/cab/cab_family.h"
+#include "archive/modules/lzh/lzh_family.h"
+#include "archive/modules/rar/rar_family.h"
+#include "archive/modules/sevenzip/sevenzip_family.h"
+#include "archive/modules/zip/zip_family.h"
+#include "support/lzh_cab_rar.h"
+
+namespace quendle::modules {
+namespace {
+
+const std::string kContent = std::string(40, 'a') + "first";
+const std::string kInner = test::StoredZip({{"inner", "1"}});
+
+struct Sample {
+  std::string name;
+  const Family& family;
+  std::string bytes;
+  std::string decoy;    // what may be in a program in front of it
+  std::string cut_off;  // what is said without its last byte
+  std::string text = "a=" + kContent + " b=2";
+};
+
+std::vector<Sample> Samples() {
+  const std::vector<test::PackedEntry> packed = {{"a", kContent}, {"b", "2"}};
+  const std::string pk = "PK\3\4PK\1\2";
+  const std::string no_end = "!the archive is cut off: its end is missing";
+  const std::string no_directory =
+      "!the central directory is missing: the file is truncated or no ZIP archive";
+  const std::string rar = test::kRar4Signature + std::string(50, 'x');
+  const std::string no_block = "!the archive is cut off, or damaged, in a header";
+  std::vector<Sample> samples = {
+      {"stored.zip", kZipFamily, test::StoredZip({{"in.zip", kInner}, {"b", "2"}}), pk, no_directory,
+       "in.zip=" + kInner + " b=2"},
+      {"deflate.zip", kZipFamily, test::Pack("zip", "compression=deflate", packed), pk, no_directory},
+      {"rar4.rar", kRarFamily, test::StoredRar({{"a", kContent}, {"b", "2"}}), rar, no_block},
+      {"rar5.rar", kRarFamily, test::StoredRar5("a", kContent, kContent), rar, no_block, "a=" + kContent},
+  };
+  for (const bool mszip : {false, true}) {
+    samples.push_back({"a.cab", kCabFamily, test::StoredCab({{"a", kContent}, {"b", "2"}}, {.mszip = mszip}),
+                       "MSCF" + std::string(100, 'x'), ""});
+  }
+  for (const std::string method : {"store", "lzma1"}) {
+    samples.push_back({method + ".7z", kSevenZipFamily, test::Pack("7zip", "compression=" + method, packed),
+                       "7z\xBC\xAF\x27\x1C", no_end});
+  }
+  for (const int level : {0, 1, 2}) {
+    samples.push_back(
+        {"level" + std::to_string(level) + ".lzh", kLzhFamily,
+         test::StoredLzh(level, {{"a", kContent, "-lh0-", {"\1a"}}, {"b", "2", "-lh0-", {"\1b"}}}),
+         "..-lh5-" + std::string(100, 'x'), "!the archive is cut off: the mark at its end is missing"});
+  }
+  return samples;
+}
+
+test::UnpackedArchive Unpack(const Sample& sample, const std::string& bytes) {
+  static const test::TempFolder folder;
+  std::filesystem::remove(folder / sample.name);  // to write over it waits for the disk
+  test::WriteFile(folder / sample.name, bytes);
+  return test::Unpack(sample.family, folder / sample.name);
+}
+
+GTEST_TEST(Families, AreFoundBehindProgramsOnly) {
+  for (const Sample& sample : Samples()) {
+    SCOPED_TRACE(sample.name);
+    const std::string program = "MZ" + std::string(5000, 'x') + sample.decoy;
+    EXPECT_EQ(Unpack(sample, sample.bytes).Text(), sample.text);
+    EXPECT_EQ(Unpack(sample, program + sample.bytes).Text(), sample.text);
+    EXPECT_EQ(Unpack(sample, "a text: " + sample.bytes).Text(), "!no archive");
+    EXPECT_EQ(Unpack(sample, program).Text(), "!no archive");
+  }
+}
+
+GTEST_TEST(Families, ACutIsNoticedWhereverItIs) {
+  for (const Sample& sample : Samples()) {
+    SCOPED_TRACE(sample.name);
+    std::string text;
+    for (std::size_t size = 0; size < sample.bytes.size(); ++size) {
+      text = Unpack(sample, sample.bytes.substr(0, size)).Text();
+      ASSERT_NE(text.find('!'), text.npos) << size << text;
+    }
+    EXPECT_TRUE(text.ends_with(sample.cut_off)) << text;
+  }
+}
+
+// Names, times and kinds may change; a cabinet has no sum over what it says of its files.
+GTEST_TEST(Families, DamageOfAnyByteNeverChangesContent) {
+  for (const Sample& sample : Samples()) {
+    SCOPED_TRACE(sample.name);
+    const std::size_t stored_at = sample.bytes.find(kContent);
+    for (std::size_t i = 0; i < sample.bytes.size(); ++i) {
+      const bool is_content = i >= stored_at && i < stored_at + kContent.size();
+      if (&sample.family == &kCabFamily && !is_content) continue;
+      for (const char flip : {'\x01', '\x80', '\xFF'}) {
+        std::string bytes = sample.bytes;
+        bytes[i] = static_cast<char>(bytes[i] ^ flip);
+        const auto read = Unpack(sample, bytes);
+        ASSERT_TRUE(!is_content || read.Text().find('!') != std::string::npos) << i;
+        for (const auto& [entry, content, problem] : read.entries) {
+          if (entry.kind != EntryKind::kFile || !problem.empty()) continue;
+          ASSERT_TRUE((" " + sample.text + " ").find("=" + content + " ") != std::string::npos)
+              << i << content;
+        }
+      }
+    }
+  }
+}
+
+GTEST_TEST(Families, VolumesAreJoined) {
+  for (const Sample& sample : Samples()) {
+    if (&sample.family != &kZipFamily && &sample.family != &kSevenZipFamily) continue;
+    SCOPED_TRACE(sample.name);
+    const test::TempFolder folder;
+    std::vector<std::string> volumes;
+    for (std::size_t i = 0; i < 3; ++i) {
+      volumes.push_back(folder / (sample.name + ".00" + std::to_string(i + 1)));
+      test::WriteFile(volumes[i], sample.bytes.substr(i * 60, i < 2 ? 60 : std::string::npos));
+    }
+    const auto text = [&](std::size_t i) { return test::Unpack(sample.family, volumes[i]).Text(); };
+    EXPECT_EQ(text(0), sample.text);
+    for (const std::size_t later : {1, 2}) EXPECT_EQ(text(later), "!the archive begins in " + volumes[0]);
+    for (const std::size_t gone : {2, 1}) {
+      std::filesystem::remove(volumes[gone]);
+      const bool is_alone = gone == 1 && &sample.family == &kZipFamily;  // it may be any ZIP archive
+      EXPECT_EQ(text(0), is_alone ? sample.cut_off : "!the volume " + volumes[gone] + " is missing");
+    }
+  }
+}
+
+}  // namespace
+}  // namespace quendle::modules
