@@ -166,6 +166,8 @@ class clsMover {
   std::string FinalPath(StepKind kind) const;
   std::string KnownProblem(const ActionStep& step, bool execute) const;
   std::string PlaceProblem(const ActionStep& step, bool execute) const;
+  const std::string* ChoosesNameIn(StepKind kind) const;
+  void PlanOtherName(ActionStep* step, const std::vector<ActionStep>& earlier);
   bool WouldAsk(const ActionStep& step, const std::vector<ActionStep>& earlier) const;
   bool IsMoveIntoOwnFolder(StepKind kind) const;
   void PlanExtractStep(ActionStep* step, bool somebody_answers);

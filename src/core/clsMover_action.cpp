@@ -55,6 +55,7 @@ std::vector<ActionStep> clsMover::WalkSteps(bool execute, bool somebody_answers)
   for (const StepKind kind : kStepOrder) {
     if (!Includes(ACTION, kind)) continue;
     ActionStep step = MakeStep(kind, execute);
+    if (!execute) PlanOtherName(&step, steps);
     if (stopped) {
       step.result = StepResult::kSkipped;
       step.error = "not tried, because the step before it failed";
@@ -136,6 +137,25 @@ std::string clsMover::PlaceProblem(const ActionStep& step, bool execute) const {
   return Described(place);
 }
 
+// The folder in which smart rename chooses the name, and another one when that is taken; null where the name is given.
+const std::string* clsMover::ChoosesNameIn(StepKind kind) const {
+  const std::string& folder = kind == StepKind::kMove ? MOVEINTO : COPYINTO;
+  return SMARTRENAME == 1 || DOESFOLDER || folder.empty() ? nullptr : &folder;
+}
+
+// The name may be free only until the step before has taken it.
+void clsMover::PlanOtherName(ActionStep* step, const std::vector<ActionStep>& earlier) {
+  if (earlier.empty() || step->result != StepResult::kPlanned) return;
+  const ActionStep& before = earlier.back();
+  const std::string* folder = ChoosesNameIn(step->kind);
+  const bool is_taken =
+      before.kind == StepKind::kCopy && before.result == StepResult::kPlanned && before.to == step->to;
+  if (!is_taken || folder == nullptr) return;
+  const auto place = assumed_taken_.emplace(platform::WithRealFolder(step->to), ORIGINALPATH).first;
+  step->to = GetTargetPathByFolder(static_cast<std::int16_t>(step->kind), *folder);
+  assumed_taken_.erase(place);
+}
+
 // Would the user be asked whether to overwrite, after the steps that come before?
 bool clsMover::WouldAsk(const ActionStep& step, const std::vector<ActionStep>& earlier) const {
   for (const ActionStep& done : earlier) {
@@ -168,14 +188,14 @@ bool clsMover::TransferStep(ActionStep* step) {
   constexpr int kMostTries = 100;
   const bool moves = step->kind == StepKind::kMove;
   std::string& to = moves ? MOVETO : COPYTO;
-  const std::string& folder = moves ? MOVEINTO : COPYINTO;
-  operation_.pFailIfTaken(SMARTRENAME != 1 && !DOESFOLDER && !folder.empty());
+  const std::string* folder = ChoosesNameIn(step->kind);
+  operation_.pFailIfTaken(folder != nullptr);
   for (int tries = 1;; ++tries) {
     if (moves ? MoveStep() : CopyStep()) return true;
     const bool is_taken =
         operation_.pFailIfTaken() && operation_.LastFailure().code == platform::Code::kExists;
     if (!is_taken || tries == kMostTries) return false;
-    std::string next = GetTargetPathByFolder(static_cast<std::int16_t>(step->kind), folder);
+    std::string next = GetTargetPathByFolder(static_cast<std::int16_t>(step->kind), *folder);
     if (next == to) operation_.pFailIfTaken(false);  // it is taken by what belongs there: the user is asked
     to = std::move(next);
     step->to = to;

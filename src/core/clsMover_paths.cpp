@@ -9,7 +9,7 @@
 namespace quendle {
 
 std::string clsMover::GetTargetPathByFolder(std::int16_t kind, const std::string& written) const {
-  const std::string folder = PlainPath(written);
+  std::string folder = PlainPath(written);
   if (kind == 1) return folder;
   if (kind != 2 && kind != 4) return "";
   if (DOESFOLDER) return folder;

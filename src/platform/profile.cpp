@@ -24,7 +24,7 @@ class ParseCache {
   Result Get(const std::string& file, ProfileParse* parse) {
     *parse = nullptr;
     EntryStatus before;
-    const Result found = ReadTargetStatus(file, &before);
+    Result found = ReadTargetStatus(file, &before);
     if (!found.ok() && found.code != Code::kNotFound) return found;
     const auto kept = std::find_if(entries_.begin(), entries_.end(),
                                    [&](const Entry& entry) { return entry.file == file; });

@@ -173,7 +173,8 @@ GTEST_TEST(ActionForm, ActionsDecideWhatCanBeChanged) {
   for (int action = 0; action < 8; ++action) {
     SCOPED_TRACE(action);
     Bench bench({"a.zip", "a.txt", "dir"},
-                "[p]\nPattern=.*\nInclude=.*i\nOpenFile=a\\b\nID=1\nAction=" + std::to_string(action));
+                std::string("[p]\nPattern=.*\nInclude=.*i\nOpenFile=a\\b\nID=1\nAction=")
+                    .append(std::to_string(action)));
     for (const char* expected : {rows[action].archive, rows[action].file, rows[action].folder}) {
       bench.run.archiver->type = bench.run.mover->CMDLINECURRENT == 0 ? 1 : 0;
       ASSERT_TRUE(bench.form.Advance());

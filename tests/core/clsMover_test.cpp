@@ -189,6 +189,20 @@ GTEST_TEST(ClsMover, ActionsRunTheirStepsInOrder) {
   }
 }
 
+GTEST_TEST(ClsMover, APlanKnowsWhatItsOwnCopyTakes) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "x.txt", "x");
+  test::Run run(
+      "[p]\nID=1\nAction=6\nSmartRename=3\nMoveTo=" + (folder / "to") + "\nCopyTo=" + (folder / "to") + "\n",
+      "", {folder / "x.txt"});
+  std::string why;
+  ASSERT_TRUE(run.mover->SetTarget().ok() && run.mover->FillFromProfile("p", &why)) << why;
+  const std::vector<ActionStep> plan = run.mover->PlanSteps();
+  EXPECT_TRUE(run.mover->ActionMain());
+  EXPECT_EQ(plan.at(1).result, StepResult::kPlanned);
+  EXPECT_EQ(plan.at(1).to, run.mover->Steps().at(1).to);
+}
+
 GTEST_TEST(ClsMover, RefusesWhatCannotBeMeant) {
   const test::TempFolder folder;
   test::WriteFile(folder / "in/x.txt", "new");
@@ -266,7 +280,7 @@ GTEST_TEST(ClsMover, APathIsDoneByWhatWasReadForIt) {
   const test::TempFolder folder;
   test::WriteFile(folder / "x.txt", "x");
   const std::string items = "[p]\nPattern=.*\\.txt\nID=1\nAction=2\nMoveTo=/m\n[q]\nAction=2\n";
-  const auto long_text = [](std::size_t length) { return std::string(length, 'x') + "\n"; };
+  const auto long_text = [](std::size_t length) { return std::string(length, 'x').append("\n"); };
   const struct {
     std::string now;
     const char* title;

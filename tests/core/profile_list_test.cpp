@@ -68,7 +68,7 @@ GTEST_TEST(ProfileList, RowsAreWhatTheStoreSays) {
   test::Settings settings(
       "[b]\nPattern=1\n[A]\nPattern=\" x \"\nid=1\nACTION=2.4\nMoveTo=/am\nPattern=2\n[a]\nPattern=hidden\n"
       "[c]\nID=1\nAction=9\nExtractTo=/ce\n[d]\nID=true\n[e]\nID=0\nAction=7\nCopyTo=" +
-          std::string(2000, 'y') + "\n[B]\nID=1\n",
+          std::string(2000, 'y').append("\n[B]\nID=1\n"),
       kStandard);
   ProfileList list(settings.profiles, settings.standard);
   ASSERT_TRUE(list.Read().ok());
@@ -97,7 +97,7 @@ GTEST_TEST(ProfileList, TellsWhyANameDoesNotMatch) {
       "[1]\nPattern=.*\\.zip\n[2]\nPattern=zip$\n[3]\nPattern=a|a\\.zip\n[4]\nPattern=A\\.ZIP\n[5]\nPattern=("
       "\n"
       "[6]\nPattern=\n[7]\nPattern=x*\n[8]\nPattern=" +
-          std::string(1100, 'p') + "\n[9]\nPattern=(a+)+\\d\n",
+          std::string(1100, 'p').append("\n[9]\nPattern=(a+)+\\d\n"),
       kStandard);
   ProfileList list(settings.profiles, settings.standard);
   ASSERT_TRUE(list.Read().ok());
