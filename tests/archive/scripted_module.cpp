@@ -60,14 +60,6 @@ std::vector<std::string> All(const Script& script, std::string_view word) {
   return found;
 }
 
-// The text of a command line that begins with `mark` and goes on to the next quote.
-std::string Quoted(const std::string& line, const std::string& mark) {
-  const std::size_t begin = line.find(mark);
-  if (begin == std::string::npos) return "";
-  const std::size_t start = begin + mark.size();
-  return line.substr(start, line.find('"', start) - start);
-}
-
 // The one quoted word that is an existing file.
 std::string ArchiveOf(const std::string& line) {
   for (std::size_t at = line.find(" \""); at != std::string::npos; at = line.find(" \"", at + 1)) {
@@ -120,7 +112,8 @@ std::int32_t Run(const std::string& line, char* output, std::uint32_t size) {
   const std::string archive = ArchiveOf(line);
   const Script script = ReadScript(archive);
   const std::size_t turn = commands_done[archive]++;
-  std::ifstream list(Quoted(line, "\"@"), std::ios::binary);
+  const std::size_t list_at = line.find("\"@") + 2;
+  std::ifstream list(line.substr(list_at, line.find('"', list_at) - list_at), std::ios::binary);
   std::ofstream(archive + ".calls", std::ios::app | std::ios::binary)
       << line << "\n"
       << std::string(std::istreambuf_iterator<char>(list), {}) << "\n";

@@ -25,10 +25,7 @@ GTEST_TEST(SignatureScan, FindsArchivesAtTheBeginningAndBehindPrograms) {
       {"beginning, shorter than the lead", ".", 2, 100, 0, {}},
       {"beginning, no reach", "PK\3\4", 0, 0, 0, 0},
       {"empty", "", 0, 100, 0, {}},
-      {"ELF",
-       "\x7F"
-       "ELF PK\3\4",
-       0, 100, 0, 5},
+      {"ELF", "\177ELF PK\3\4", 0, 100, 0, 5},
       {"the other signature", "MZ -lh5- PK\3\4", 0, 100, 0, 3},
       {"a lead in a program", "MZ -lh5-", 2, 100, 0, 1},
       {"a lead that begins before the program", "MZ-lh5-", 3, 100, 0, {}},

@@ -49,12 +49,7 @@ TEST_P(FileOperation, RefusalsLeaveBothSidesAsTheyWere) {
       {"cancel", nothing, "S/f", "D/f", Code::kCancelled, "D/f", {Answer::kCancel}},
       {"no to a dangling link", [&] { return link("nowhere", "D/l"); }, "S/f", "D/l", Code::kExists, "D/l"},
       {"a file to itself", nothing, "S/f", "S/f", Code::kRefused, "S/f"},
-      {"a hard link",
-       [&] {
-         fs::create_hard_link(At("S/f"), At("S/h"));
-         return true;
-       },
-       "S/f", "S/h", Code::kRefused, "S/f"},
+      {"a hard link", nothing, "S/f", "S/h", Code::kRefused, "S/f"},
       {"a linked parent", [&] { return link(At("S"), "D/s"); }, "S/f", "D/s/f", Code::kRefused, "S/f"},
       {"a link to its target", [&] { return link(At("D/f"), "S/l"); }, "S/l", "D/f", Code::kRefused, "S/l"},
       {"a folder into itself", [&] { return write("S/d/e/f", "f"); }, "S/d", "S/d/x", Code::kRefused, "S/d"},
@@ -70,6 +65,7 @@ TEST_P(FileOperation, RefusalsLeaveBothSidesAsTheyWere) {
       {"no entry", nothing, "S/d/.", "D/x", Code::kRefused, "S/d/."},
   };
   WriteFile(At("S/f"), "new");
+  fs::create_hard_link(At("S/f"), At("S/h"));
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
     if (!row.prepare()) continue;

@@ -11,13 +11,8 @@ namespace fs = std::filesystem;
 
 using test::Native;
 
-#ifdef _WIN32
-constexpr char kListSeparator[] = ";";
-constexpr char kProgram[] = "tool.exe";
-#else
-constexpr char kListSeparator[] = ":";
-constexpr char kProgram[] = "tool";
-#endif
+const bool kIsWindows = test::kSeparator != '/';
+const std::string kProgram = kIsWindows ? "tool.exe" : "tool";
 
 GTEST_TEST(LongPath, ResolvesDots) {
   const test::TempFolder folder;
@@ -43,18 +38,17 @@ GTEST_TEST(LongPath, ResolvesDots) {
 
 GTEST_TEST(SearchPath, SkipsTheCurrentFolderAndWhatCannotRun) {
   const test::TempFolder folder;
-  test::WriteFile(folder / ("good/" + std::string(kProgram)), "x");
-  fs::permissions(folder / ("good/" + std::string(kProgram)), fs::perms::owner_all);
-  test::WriteFile(folder / ("locked/" + std::string(kProgram)), "x");
-  const std::string locked =
-      folder / (test::kSeparator == '/' ? "locked" : "none");  // rights do not count there
-  fs::create_directories(folder / ("folder/" + std::string(kProgram)));
+  test::WriteFile(folder / ("good/" + kProgram), "x");
+  fs::permissions(folder / ("good/" + kProgram), fs::perms::owner_all);
+  test::WriteFile(folder / ("locked/" + kProgram), "x");
+  const std::string locked = folder / (kIsWindows ? "none" : "locked");  // rights do not count there
+  fs::create_directories(folder / ("folder/" + kProgram));
   std::string list = ".";
   for (const std::string& entry :
        {std::string(), std::string("relative"), folder / "folder", locked, folder / "good"})
-    list += kListSeparator + entry;
+    list += (kIsWindows ? ";" : ":") + entry;
   const test::ScopedVariable path("PATH", list);
-  EXPECT_EQ(FindOnSearchPath("tool"), folder / ("good/" + std::string(kProgram)));
+  EXPECT_EQ(FindOnSearchPath("tool"), folder / ("good/" + kProgram));
   EXPECT_EQ(FindOnSearchPath("other"), "");
 }
 
