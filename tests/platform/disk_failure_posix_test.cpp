@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include "platform/durable_file.h"
+#include "platform/profile.h"
 #include "support/failing_disk_posix.h"
 #include "support/picture.h"
 #include "support/ways.h"
@@ -286,6 +287,17 @@ TEST_F(DiskFailure, ATornReadIsReadAgain) {
   const Result result = ReadSettledFile(path, &bytes);
   EXPECT_TRUE(result.ok()) << result.reason;
   EXPECT_EQ(bytes, "[B]\nID=2\n");
+}
+
+TEST_F(DiskFailure, ChangesUnderOneTimeStampAreSeen) {
+  const std::string path = source_ / "a.ini";
+  FailingDisk disk;
+  disk.clock_step = 15'000'000;
+  for (int i = 100; i < 200; ++i) {  // the size never changes
+    const std::string value = std::to_string(i);
+    WriteFile(path, "[a]\nk=" + value);
+    ASSERT_EQ(ReadProfileString(path, "a", "k", "", 1024), value);
+  }
 }
 
 TEST_F(DiskFailure, WritersAreKeptOutOfAYoungFileWhileItIsRead) {

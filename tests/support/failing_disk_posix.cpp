@@ -43,6 +43,12 @@ bool Fails(const char* call, What what) {
   return error != 0;
 }
 
+void Coarsen(struct stat* status) {
+  if (g_disk == nullptr) return;
+  for (timespec* stamp : {&status->st_mtim, &status->st_ctim})
+    stamp->tv_nsec -= stamp->tv_nsec % g_disk->clock_step;
+}
+
 }  // namespace
 
 FailingDisk::FailingDisk() {
@@ -74,6 +80,14 @@ int FailingDisk::Meet(const std::string& call) {
     return NEXT(name) arguments;                                   \
   }
 
+#define STAT(name, parameters, arguments, what)                      \
+  int name parameters {                                              \
+    if (Fails("stat", [&] { return std::string(what); })) return -1; \
+    const int result = NEXT(name) arguments;                         \
+    if (result == 0) Coarsen(s);                                     \
+    return result;                                                   \
+  }
+
 using Times = const timespec*;
 using Stat = struct stat;
 
@@ -98,10 +112,10 @@ dirent* readdir(DIR* d) {
 }
 CALL("make", int, mkdir, (const char* p, mode_t m) noexcept, (p, m), p)
 CALL("make", int, mkdirat, (int d, const char* p, mode_t m) noexcept, (d, p, m), PathOf(d, p))
-CALL("stat", int, stat, (const char* p, Stat* s) noexcept, (p, s), p)
-CALL("stat", int, lstat, (const char* p, Stat* s) noexcept, (p, s), p)
-CALL("stat", int, fstat, (int f, Stat* s) noexcept, (f, s), PathOf(f))
-CALL("stat", int, fstatat, (int d, const char* p, Stat* s, int how) noexcept, (d, p, s, how), PathOf(d, p))
+STAT(stat, (const char* p, Stat* s) noexcept, (p, s), p)
+STAT(lstat, (const char* p, Stat* s) noexcept, (p, s), p)
+STAT(fstat, (int f, Stat* s) noexcept, (f, s), PathOf(f))
+STAT(fstatat, (int d, const char* p, Stat* s, int how) noexcept, (d, p, s, how), PathOf(d, p))
 CALL("stat", int, faccessat, (int d, const char* p, int m, int how) noexcept, (d, p, m, how), PathOf(d, p))
 CALL("read", ssize_t, read, (int f, void* b, size_t n), (f, b, n), PathOf(f))
 CALL("read", ssize_t, pread, (int f, void* b, size_t n, off_t at), (f, b, n, at), PathOf(f))

@@ -28,6 +28,9 @@ class FailingDisk {
     rules_.push_back({call + " ", nth, 0, std::move(act), part});
   }
 
+  // The clock that stamps files advances by as many nanoseconds at a time; not more than a second.
+  long clock_step = 1;
+
   // All calls so far: "rename /a > /b", "sync /a".
   const std::vector<std::string>& calls() const { return calls_; }
   // The last one that was made to fail; empty when none was.
