@@ -1,7 +1,6 @@
 // Settings files for a test, and the settings objects over them.
 #pragma once
 
-#include <functional>
 #include <string>
 
 #include "settings/clsPropDefault.h"
@@ -17,15 +16,13 @@ class Settings {
                     const std::string& test_text = "")
       : standard(Write("mover.ini", standard_text), false),
         test(Write("test.ini", test_text), false),
-        profiles(
-            Write("items.ini", items).application,
-            {[this]() -> const clsPropDefault& { return standard; },
-             [this]() -> const clsPropDefault& { return test; }, [this] { return target_base_name(); }}) {
+        profiles(Write("items.ini", items).application,
+                 {[this]() -> const clsPropDefault& { return standard; },
+                  [this]() -> const clsPropDefault& { return test; }, [] { return std::string("data"); }}) {
     test.SetMode(clsPropDefault::kTestMode);
   }
 
   TempFolder folder;
-  std::function<std::string()> target_base_name = [] { return std::string("data"); };
   clsPropDefault standard;
   clsPropDefault test;
   clsPropItem profiles;

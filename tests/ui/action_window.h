@@ -21,14 +21,11 @@
 
 namespace quendle::test {
 
-inline const std::string kChecksArchives = "[General]\nCheckArchive=1\nAction=0\n";
-
 class ActionWindow {
  public:
   // `names`: files to be made, or folders when they end in "/". Every path is confirmed.
-  ActionWindow(const std::string& items, const std::vector<std::string>& names, std::int16_t archive_type = 0,
-               const std::string& standard = kChecksArchives)
-      : run(items, standard, Make(names)) {
+  ActionWindow(const std::string& items, const std::vector<std::string>& names, std::int16_t archive_type = 0)
+      : run(items, "[General]\nCheckArchive=1\nAction=0\n", Make(names)) {
     run.archiver->type = archive_type;
     run.mover->SHOWUSERFORM = true;
     services.pick_folder = [this](QWidget*, const std::string& prompt, const std::string& proposed) {
@@ -53,7 +50,7 @@ class ActionWindow {
     if (!form->Advance()) return;
     window = std::make_unique<frmAction>(*form, *run.mover, services);
     window->show();
-    is_left = QTest::qWaitForWindowActive(window.get());
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
   }
 
   template <class Control>
@@ -95,7 +92,6 @@ class ActionWindow {
   std::function<std::optional<std::string>()> on_edit;  // the title under which it saves
   std::vector<std::string> asked, messages, edited;
   std::optional<ActionForm> form;
-  bool is_left = false;  // a path to be settled, and its window is shown
   std::unique_ptr<frmAction> window;
 
  private:
