@@ -289,6 +289,16 @@ TEST_F(DiskFailure, ATornReadIsReadAgain) {
   EXPECT_EQ(bytes, "[B]\nID=2\n");
 }
 
+TEST_F(DiskFailure, AFileThatWasOnlyEmptiedIsWaitedFor) {
+  const std::string path = source_ / "a.ini";
+  std::string bytes;
+  FailingDisk disk;
+  disk.Before("open", 1, [&] { WriteFile(path, ""); });
+  disk.Before("open", 2, [&] { WriteFile(path, "[A]\n"); });
+  EXPECT_TRUE(ReadSettledFile(path, &bytes).ok());
+  EXPECT_EQ(bytes, "[A]\n");
+}
+
 TEST_F(DiskFailure, ChangesUnderOneTimeStampAreSeen) {
   const std::string path = source_ / "a.ini";
   FailingDisk disk;
