@@ -196,7 +196,8 @@ bool clsMover::TransferStep(ActionStep* step) {
         operation_.pFailIfTaken() && operation_.LastFailure().code == platform::Code::kExists;
     if (!is_taken || tries == kMostTries) return false;
     std::string next = GetTargetPathByFolder(static_cast<std::int16_t>(step->kind), *folder);
-    if (next == to) operation_.pFailIfTaken(false);  // it is taken by what belongs there: the user is asked
+    if (next == to && FolderExists(to)) return false;  // it would go into that
+    if (next == to) operation_.pFailIfTaken(false);    // it is taken by what belongs there: the user is asked
     to = std::move(next);
     step->to = to;
   }
