@@ -43,11 +43,10 @@ bool ReadId(HANDLE entry, EntryId* id) {
 }
 
 Result StatusAt(const std::string& path, DWORD flags, EntryStatus* status) {
-  const Handle entry(CreateFileW(SystemPath(path).c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr,
-                                 OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr));
-  if (!entry.ok()) return LastSystemFailure(path);
-  const DWORD error = StatusOfOpen(entry.get(), status);
-  return error == 0 ? Success() : SystemFailure(static_cast<int>(error), path);
+  const std::wstring wide = SystemPath(path);
+  const Handle entry(CreateFileW(wide.c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
+                                 FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr));
+  return Outcome(entry.ok() ? StatusOfOpen(entry.get(), status) : NamingError(GetLastError(), wide), path);
 }
 
 }  // namespace

@@ -93,7 +93,7 @@ DWORD RemoveStepwise(HANDLE entry, DWORD attributes) {
 
 DWORD OpenBelow(HANDLE folder, std::wstring_view name, const NtOpening& how, Handle* opened) {
   if (name.find(L':') != std::wstring_view::npos) return ERROR_INVALID_NAME;
-  return Open(folder, name, how, opened);
+  return NamingError(Open(folder, name, how, opened), name);
 }
 
 DWORD OpenStream(HANDLE file, std::wstring_view name, const NtOpening& how, Handle* opened) {
@@ -102,13 +102,20 @@ DWORD OpenStream(HANDLE file, std::wstring_view name, const NtOpening& how, Hand
 
 DWORD RenameOpen(HANDLE entry, HANDLE folder, std::wstring_view name, bool replace) {
   if (name.find(L':') != std::wstring_view::npos) return ERROR_INVALID_NAME;
-  if (!replace) return SetName(entry, kRename, 0, folder, name);
+  if (!replace) return NamingError(SetName(entry, kRename, 0, folder, name), name);
   const DWORD error = SetName(entry, kRenameEx, kReplace | kReplacePosix | kReplaceReadOnly, folder, name);
-  return error == 0 ? 0 : SetName(entry, kRename, kReplace, folder, name);
+  return error == 0 ? 0 : NamingError(SetName(entry, kRename, kReplace, folder, name), name);
 }
 
 DWORD LinkOpen(HANDLE file, HANDLE folder, std::wstring_view name) {
-  return SetName(file, kLink, 0, folder, name);
+  return NamingError(SetName(file, kLink, 0, folder, name), name);
+}
+
+DWORD NamingError(DWORD error, std::wstring_view path) {
+  constexpr std::size_t kLongest = 255;
+  if (error != ERROR_INVALID_NAME && error != ERROR_FILE_NOT_FOUND) return error;
+  path = path.substr(0, path.find_last_not_of(L'\\') + 1);
+  return path.size() - (path.rfind(L'\\') + 1) > kLongest ? ERROR_FILENAME_EXCED_RANGE : error;
 }
 
 DWORD RemoveOpen(HANDLE entry, DWORD attributes) {

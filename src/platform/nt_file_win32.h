@@ -40,6 +40,10 @@ DWORD OpenStream(HANDLE file, std::wstring_view name, const NtOpening& how, Hand
 DWORD RenameOpen(HANDLE entry, HANDLE folder, std::wstring_view name, bool replace);
 DWORD LinkOpen(HANDLE file, HANDLE folder, std::wstring_view name);
 
+// The error of a call for that path, where it stands for a last name that is too long: some systems say that
+// such a name is misspelt, others that it is not found. The functions here that take names say it so.
+DWORD NamingError(DWORD error, std::wstring_view path);
+
 // Removes the open entry (rights DELETE and FILE_WRITE_ATTRIBUTES), also one that is read-only.
 DWORD RemoveOpen(HANDLE entry, DWORD attributes);
 

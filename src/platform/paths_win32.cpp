@@ -76,7 +76,9 @@ std::string FindOnSearchPath(const std::string& name) {
 }
 
 Result MakeFolder(const std::string& path) {
-  return CreateDirectoryW(SystemPath(path).c_str(), nullptr) != 0 ? Success() : LastSystemFailure(path);
+  const std::wstring wide = SystemPath(path);
+  if (CreateDirectoryW(wide.c_str(), nullptr) != 0) return Success();
+  return Outcome(NamingError(GetLastError(), wide), path);
 }
 
 Result MakeTemporaryFile(const std::string& folder, std::string* path) {

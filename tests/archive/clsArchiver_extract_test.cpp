@@ -173,8 +173,7 @@ GTEST_TEST(ClsArchiverExtract, KeepsWhatTheProgramAndTheArchiveStandOn) {
       const bool needs_session = script.find("reads") != script.npos;
       if (needs_session && *variant == 'p') continue;
       test::ArchiverBench bench;
-      for (std::size_t at; (at = script.find('~')) != script.npos;)
-        script.replace(at, 1, bench.folder.path());
+      for (std::size_t at; (at = script.find("~/")) != script.npos;) script.replace(at, 2, bench.folder / "");
       bench.Install("7-zip32", variant);
       fs::create_directory(bench.folder / "kept");
       if (!test::MakeLink(bench.folder.path(), bench.folder / "linked") && *row.destination == 'l') continue;

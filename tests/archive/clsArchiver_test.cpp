@@ -59,8 +59,8 @@ GTEST_TEST(ClsArchiver, SaysWhyAFileHasNoType) {
     const std::string reason = bench.archiver.WhyNoType();
     return reason.substr(0, reason.find(bench.folder.path()));
   };
-  for (const char* name : {"a.Zip", "a.txt"}) test::WriteFile(bench.folder / name, "x");
-  EXPECT_EQ(why("a.txt", true), "no archiver library is installed");
+  test::WriteFile(bench.folder / "b.txt", "x");
+  EXPECT_EQ(why("b.txt", true), "no archiver library is installed");
   bench.Install("7-zip32", "full");
   test::WriteFile(bench.Module("UnLHA32"), "no library");
   const std::string later =

@@ -99,6 +99,8 @@ TEST_P(FileOperationOnWindows, PathsMayBeLong) {
   ASSERT_TRUE(made.ok());
   made.Close();
   const std::string top = std::string(120, 'd');
+  const std::string too_long = SystemFailure(ERROR_FILENAME_EXCED_RANGE, "").reason;
+  EXPECT_EQ(Run("S/" + top, "D/" + longest + "f").reason, too_long);
   const Result result = Run("S/" + top, "D/" + top);
   EXPECT_TRUE(result.ok()) << result.path << ": " << result.reason;
   EXPECT_TRUE(IsTaken(At("D" + deep.substr(1) + "/" + longest)));
