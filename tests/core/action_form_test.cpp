@@ -420,7 +420,7 @@ GTEST_TEST(ActionForm, ActsByTheSelectedProfile) {
             (Texts{bench.folder / "a.zip" + " to " + bench.folder / "x",
                    bench.folder / "b.none" + " to " + bench.folder / "standard"}));
   const std::string inside = bench.folder / "x" + test::kSeparator;
-  EXPECT_EQ(bench.run.user.opened_files, (Texts{inside + "p.txt", inside + "sub/b.html"}));
+  EXPECT_EQ(bench.run.user.opened_files, (Texts{inside + "p.txt", inside + test::Native("sub/b.html")}));
   EXPECT_EQ(bench.run.user.opened_folders, Texts{bench.folder / "x"});
 }
 
