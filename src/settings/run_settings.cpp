@@ -85,9 +85,9 @@ std::optional<ProfileValues> SettingsSnapshot::Profile(const std::string& title)
 RunSettings::RunSettings(const SettingsFolders& folders) : default_destination_(folders.default_destination) {
   const std::string prefix = AddBackslash(folders.application);
   const std::string general = LoadText(text_id::kGeneral);
-  standard_ = {prefix + LoadText(text_id::kStandardFile), general, false};
-  test_ = {prefix + LoadText(text_id::kTestFile), general, false};
-  items_ = {prefix + LoadText(text_id::kItemsFile), "", false};
+  standard_ = {prefix + LoadText(text_id::kStandardFile), general, false, nullptr};
+  test_ = {prefix + LoadText(text_id::kTestFile), general, false, nullptr};
+  items_ = {prefix + LoadText(text_id::kItemsFile), "", false, nullptr};
 }
 
 // Nothing is done by text that may be somebody else's.
@@ -99,13 +99,17 @@ Result RunSettings::ReadText(const std::string& file, ProfileParse* parse) {
 
 Result RunSettings::ReadFile(File* file, ProfileParse* parse) {
   if (Result read = ReadText(file->path, parse); !read.ok()) return read;
+  if (*parse != nullptr && *parse == file->parse) return platform::Success();
   const bool has_section =
       *parse != nullptr &&
       (file->section.empty() ? !SectionNames((*parse)->text()).empty() : (*parse)->HasSection(file->section));
-  file->had_section = file->had_section || has_section;
-  if (has_section || !file->had_section) return platform::Success();
-  return Failure(platform::Code::kFailed, file->path,
-                 file->section.empty() ? "its profiles have gone" : "its section [General] has gone");
+  if (file->had_section && !has_section) {
+    return Failure(platform::Code::kFailed, file->path,
+                   file->section.empty() ? "its profiles have gone" : "its section [General] has gone");
+  }
+  file->had_section = has_section;
+  file->parse = *parse;
+  return platform::Success();
 }
 
 Result RunSettings::Read(std::shared_ptr<const SettingsSnapshot>* snapshot) {

@@ -67,6 +67,7 @@ class RunSettings {
     std::string path;
     std::string section;  // that makes sense of it; empty: any
     bool had_section = false;
+    platform::ProfileParse parse;  // the last one that was taken
   };
   static platform::Result ReadText(const std::string& file, platform::ProfileParse* parse);
   static platform::Result ReadFile(File* file, platform::ProfileParse* parse);

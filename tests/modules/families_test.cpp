@@ -63,7 +63,7 @@ test::UnpackedArchive Unpack(const Sample& sample, const std::string& bytes) {
 GTEST_TEST(Families, AreFoundBehindProgramsOnly) {
   for (const Sample& sample : Samples()) {
     SCOPED_TRACE(sample.name);
-    const std::string program = "MZ" + std::string(5000, 'x') + sample.decoy;
+    const std::string program = std::string("MZ").append(5000, 'x').append(sample.decoy);
     EXPECT_EQ(Unpack(sample, sample.bytes).Text(), sample.text);
     EXPECT_EQ(Unpack(sample, program + sample.bytes).Text(), sample.text);
     EXPECT_EQ(Unpack(sample, "a text: " + sample.bytes).Text(), "!no archive");

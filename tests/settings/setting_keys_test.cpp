@@ -28,7 +28,7 @@ GTEST_TEST(SettingKeys, TheManualSaysWhatTheTableSays) {
     for (const SettingKey& key : SettingKeys()) {
       for (const bool in_profile : {true, false}) {
         if (!key.IsIn(in_profile ? SettingsFile::kProfile : SettingsFile::kStandard)) continue;
-        const std::string name = "`" + LoadText(key.name) + "`";
+        const std::string name = std::string("`").append(LoadText(key.name)).append("`");
         SCOPED_TRACE(std::string(manual) + ": " + name);
         const std::string table = in_profile ? text.substr(0, middle) : text.substr(middle);
         std::size_t row = table.find("\n| " + name);
