@@ -13,9 +13,12 @@ if [ -f "$root/build/windows/src/modules/QuendleWindows.dll" ]; then
 fi
 # Wine's folder, server and services are there before the tests: these start at the same time, a server that is about to end
 # would fail one of them, and services that one of them started would keep its output open.
-export WINEPREFIX=${WINEPREFIX:-$root/build/wine}
+# For the same reason the folder is a new one: in an old one nothing of that is started beforehand.
+export WINEPREFIX=$root/build/wine
 mkdir -p "$WINEPREFIX"
 /usr/lib/wine/wineserver -k -w || true
+rm -rf "$WINEPREFIX"
+mkdir "$WINEPREFIX"
 trap '/usr/lib/wine/wineserver -k || true' EXIT
 /usr/lib/wine/wineserver -p
 timeout 300 "$root/scripts/wine.sh" wineboot -i >/dev/null 2>&1
