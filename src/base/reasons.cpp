@@ -21,7 +21,9 @@ constexpr Row kOwn[] = {
     {"the settings cannot be read", 6011},
     {"its section [General] has gone", 6850},
     {"its profiles have gone", 6853},
-    {"%1 looks like UTF-8, but is read as Japanese Windows text (CP932): save the file as UTF-8 with a mark (BOM)", 6852},
+    {"%1 looks like UTF-8, but is read as Japanese Windows text (CP932): save the file as UTF-8 with a mark "
+     "(BOM)",
+     6852},
     {"Include or Exclude of the profile is too long to be read whole", 6013},
     {"%1 is too long to be read whole", 6012},
     {"%1 has a control character in it", 6851},

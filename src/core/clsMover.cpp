@@ -67,7 +67,8 @@ platform::Result clsMover::ReadKind() {
   platform::EntryStatus target = environment_.file_info.Status();
   platform::Result read;
   if (target.is_link()) read = platform::ReadTargetStatus(ORIGINALPATH, &target);
-  if (read.code == platform::Code::kNotFound || read.code == platform::Code::kNotFolder) read = platform::Success();
+  if (read.code == platform::Code::kNotFound || read.code == platform::Code::kNotFolder)
+    read = platform::Success();
   DOESFOLDER = read.ok() && target.is_folder();
   return read;
 }

@@ -1,5 +1,5 @@
-#include "platform/misread_utf8.h"
 #include "platform/profile.h"
+#include "platform/misread_utf8.h"
 
 #include <chrono>
 #include <fstream>
