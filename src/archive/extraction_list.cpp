@@ -76,11 +76,6 @@ const EntryFilter::Pattern* EntryFilter::Unusable() const {
   return nullptr;
 }
 
-std::string EntryFilter::Error() const {
-  const Pattern* pattern = Unusable();
-  return pattern == nullptr ? "" : pattern->expression.Error();
-}
-
 std::string EntryFilter::Problem() const {
   const Pattern* pattern = Unusable();
   if (pattern == nullptr) return "";

@@ -24,9 +24,7 @@ class EntryFilter {
   EntryFilter(const std::string& include, const std::string& exclude);
   bool Passes(const std::string& name) const;
 
-  // Why a pattern fits nothing, as one line; empty while all can be used.
-  std::string Error() const;
-  // The same with the pattern and the key that it stands in.
+  // Why a pattern fits nothing, as one line with the pattern and the key that it stands in; empty while all can be used.
   //   include "a;(" => "the pattern ( of Include cannot be used: missing closing parenthesis at offset 1"
   std::string Problem() const;
 

@@ -100,7 +100,10 @@ std::vector<std::string> SettingsWarnings(const Globals& globals) {
   const platform::Result& creation = globals.g_PropDefault->CreationFailure();
   if (!creation.ok()) warnings.push_back(Describe(creation) + ": the settings files could not be made");
   std::shared_ptr<const SettingsSnapshot> settings;
-  if (!RunSettings(globals.g_PropDefault->Folders()).Read(&settings).ok()) return warnings;
+  // A run has read them already, and of ten thousand profiles there should be one snapshot only.
+  RunSettings fresh(globals.g_PropDefault->Folders());
+  RunSettings& reader = globals.g_RunSettings ? *globals.g_RunSettings : fresh;
+  if (!reader.Read(&settings).ok()) return warnings;
   const std::string& items = globals.g_PropItem->FileName();
   if (settings->files().items == nullptr) {
     warnings.push_back(items + ": there is no such file, and so there are no profiles");

@@ -63,9 +63,7 @@ std::string ProfileProblem(const std::string& title, const SettingsSnapshot& set
 }
 
 std::string EntryPatternProblem(const ProfileValues& profile) {
-  const std::string error =
-      EntryFilter(profile.Text(text_id::kInclude), profile.Text(text_id::kExclude)).Error();
-  return error.empty() ? "" : "a pattern of its Include or Exclude cannot be used: " + error;
+  return EntryFilter(profile.Text(text_id::kInclude), profile.Text(text_id::kExclude)).Problem();
 }
 
 std::string IdleKeys(const ProfileValues& profile) {

@@ -1,5 +1,6 @@
 #include "settings/run_settings.h"
 
+#include <unordered_set>
 #include <utility>
 
 #include "base/modString.h"
@@ -66,12 +67,10 @@ SettingsSnapshot::SettingsSnapshot(Files files, const std::string& default_desti
     }
   }
   titles_ = std::move(unique);
-  auto unread = profiles_;
+  std::unordered_set<const ProfileKeys*> read;
   files_.items->VisitSections([&](std::string_view name, const ProfileKeys& keys) {
-    const auto place = unread.find(platform::UpperCase(name));
-    if (place == unread.end()) return;
-    profiles_[place->first] = keys;
-    unread.erase(place);
+    const auto place = profiles_.find(platform::UpperCase(name));
+    if (place != profiles_.end() && read.insert(&place->second).second) place->second = keys;
   });
 }
 

@@ -326,7 +326,7 @@ GTEST_TEST(ClsMover, SaysWhatIsWrongWithProfiles) {
   const Titles problems = run.mover->ProfileProblems(false);
   const char* const beginnings[] = {
       "profile bad: its pattern cannot be used: missing",
-      "profile bad: a pattern of its Include or Exclude cannot be used: missing",
+      "profile bad: the pattern ( of Exclude cannot be used: missing",
       "profile long: its pattern cannot be used: it is too long", "profile A: there are several"};
   ASSERT_EQ(problems.size(), std::size(beginnings));
   for (std::size_t i = 0; i < problems.size(); ++i)
