@@ -13,7 +13,7 @@
 
 #include "settings/clsPropDefault.h"
 #include "settings/clsPropItem.h"
-#include "ui/frmMain.h"
+#include "ui/windows/frmMain.h"
 
 namespace {
 

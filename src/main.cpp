@@ -8,8 +8,8 @@
 #include "cli/unattended.h"
 #include "cli/windowed.h"
 #include "core/modMain.h"
-#include "platform/keyboard.h"
-#include "platform/process.h"
+#include "platform/process/process.h"
+#include "platform/services/keyboard.h"
 #include "resources/version.h"
 
 int main(int argc, char** argv) {

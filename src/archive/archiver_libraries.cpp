@@ -1,7 +1,7 @@
 #include "archive/archiver_libraries.h"
 
 #include "base/modString.h"
-#include "platform/known_folders.h"
+#include "platform/services/known_folders.h"
 
 namespace quendle {
 namespace {

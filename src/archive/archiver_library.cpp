@@ -4,8 +4,8 @@
 #include <functional>
 #include <utility>
 
-#include "platform/code_page.h"
-#include "platform/unicode.h"
+#include "platform/text/code_page.h"
+#include "platform/text/unicode.h"
 
 namespace quendle {
 namespace {

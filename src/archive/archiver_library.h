@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "archive/archiver_abi.h"
-#include "platform/library.h"
+#include "platform/services/library.h"
 
 namespace quendle {
 

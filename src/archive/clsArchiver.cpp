@@ -9,9 +9,9 @@
 #include "archive/extraction_run.h"
 #include "base/modString.h"
 #include "base/modSystem.h"
-#include "platform/entry_path.h"
-#include "platform/paths.h"
-#include "platform/unicode.h"
+#include "platform/entries/entry_path.h"
+#include "platform/entries/paths.h"
+#include "platform/text/unicode.h"
 
 namespace quendle {
 namespace {

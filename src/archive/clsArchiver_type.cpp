@@ -5,8 +5,8 @@
 
 #include "archive/clsArchiver.h"
 #include "base/modString.h"
-#include "platform/input_file.h"
-#include "platform/unicode.h"
+#include "platform/entries/input_file.h"
+#include "platform/text/unicode.h"
 
 namespace quendle {
 namespace {

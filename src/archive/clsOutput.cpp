@@ -2,7 +2,7 @@
 
 #include "archive/archiver_table.h"
 #include "base/modString.h"
-#include "platform/unicode.h"
+#include "platform/text/unicode.h"
 
 namespace quendle {
 namespace {

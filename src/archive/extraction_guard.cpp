@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "platform/entry_names.h"
-#include "platform/entry_path.h"
+#include "platform/entries/entry_path.h"
+#include "platform/entries/path_names.h"
 
 namespace quendle {
 

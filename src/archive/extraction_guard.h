@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/extraction_folder.h"
+#include "platform/extraction/extraction_folder.h"
 
 namespace quendle {
 

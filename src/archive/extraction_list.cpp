@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "base/modSystem.h"
-#include "platform/entry_path.h"
-#include "platform/unicode.h"
+#include "platform/entries/entry_path.h"
+#include "platform/text/unicode.h"
 
 namespace quendle {
 namespace {

@@ -7,10 +7,10 @@
 #include <utility>
 
 #include "base/modSystem.h"
-#include "platform/durable_file.h"
-#include "platform/known_folders.h"
-#include "platform/paths.h"
-#include "platform/unicode.h"
+#include "platform/entries/durable_file.h"
+#include "platform/entries/paths.h"
+#include "platform/services/known_folders.h"
+#include "platform/text/unicode.h"
 #include "settings/modOpenFile.h"
 
 namespace quendle {

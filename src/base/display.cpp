@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "platform/unicode.h"
+#include "platform/text/unicode.h"
 
 namespace quendle {
 namespace {

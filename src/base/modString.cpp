@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "base/modSystem.h"
-#include "platform/paths.h"
-#include "platform/unicode.h"
+#include "platform/entries/paths.h"
+#include "platform/text/unicode.h"
 
 namespace quendle {
 namespace {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/modString.h"
-#include "platform/result.h"
+#include "reasons/result.h"
 
 namespace quendle {
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/file_operation.h"
+#include "platform/moving/file_operation.h"
 
 namespace quendle {
 

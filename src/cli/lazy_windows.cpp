@@ -4,9 +4,9 @@
 
 #include "base/display.h"
 #include "base/modString.h"
-#include "platform/keyboard.h"
-#include "platform/library.h"
-#include "platform/process.h"
+#include "platform/process/process.h"
+#include "platform/services/keyboard.h"
+#include "platform/services/library.h"
 
 namespace quendle {
 namespace {

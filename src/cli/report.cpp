@@ -5,7 +5,7 @@
 
 #include "base/display.h"
 #include "base/modSystem.h"
-#include "platform/unicode.h"
+#include "platform/text/unicode.h"
 
 namespace quendle {
 namespace {

@@ -4,8 +4,8 @@
 #include "base/modString.h"
 #include "cli/terminal_user.h"
 #include "core/modMain.h"
-#include "platform/durable_file.h"
-#include "platform/unicode.h"
+#include "platform/entries/durable_file.h"
+#include "platform/text/unicode.h"
 #include "settings/application_folder.h"
 
 namespace quendle {

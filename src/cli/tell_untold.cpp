@@ -1,6 +1,6 @@
 #include "cli/tell_untold.h"
 
-#include "platform/process.h"
+#include "platform/process/process.h"
 
 namespace quendle {
 

@@ -3,7 +3,7 @@
 
 #include "cli/lazy_windows.h"
 #include "core/untold_paths.h"
-#include "platform/running_copy.h"
+#include "platform/services/running_copy.h"
 
 namespace quendle {
 

@@ -7,9 +7,9 @@
 #include "base/display.h"
 #include "base/modString.h"
 #include "files/file_manager.h"
-#include "platform/launch.h"
-#include "platform/process.h"
-#include "platform/unicode.h"
+#include "platform/process/process.h"
+#include "platform/services/launch.h"
+#include "platform/text/unicode.h"
 
 namespace quendle {
 namespace {

@@ -1,4 +1,5 @@
 #include "cli/unattended.h"
+#include "platform/process/system_failure.h"
 
 #include <cstdio>
 #include <optional>
@@ -9,8 +10,8 @@
 #include "cli/start.h"
 #include "cli/terminal_user.h"
 #include "core/modMain.h"
-#include "platform/process.h"
-#include "platform/result.h"
+#include "platform/process/process.h"
+#include "reasons/result.h"
 #include "settings/application_folder.h"
 
 namespace quendle {

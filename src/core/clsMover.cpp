@@ -8,9 +8,8 @@
 #include "base/text.h"
 #include "core/profile_match.h"
 #include "core/profile_problem.h"
-#include "platform/known_folders.h"
-#include "platform/paths.h"
-#include "platform/unicode.h"
+#include "platform/entries/paths.h"
+#include "platform/text/unicode.h"
 #include "resources/string_table.h"
 
 namespace quendle {

@@ -19,7 +19,7 @@
 #include "base/user_interface.h"
 #include "files/clsFileInfo.h"
 #include "files/clsFileOperation.h"
-#include "platform/entry_status.h"
+#include "platform/entries/entry_status.h"
 #include "settings/run_settings.h"
 
 namespace quendle {

@@ -5,8 +5,9 @@
 #include "base/modSystem.h"
 #include "core/clsMover.h"
 #include "files/file_manager.h"
-#include "platform/entry_status.h"
-#include "platform/paths.h"
+#include "platform/entries/entry_status.h"
+#include "platform/entries/paths.h"
+#include "platform/moving/merge.h"
 #include "resources/string_table.h"
 
 namespace quendle {

@@ -4,7 +4,7 @@
 #include "base/modString.h"
 #include "base/modSystem.h"
 #include "core/clsMover.h"
-#include "platform/entry_status.h"
+#include "platform/entries/entry_status.h"
 
 namespace quendle {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/edit_mode.h"
-#include "platform/result.h"
+#include "reasons/result.h"
 #include "settings/clsIniFile.h"
 #include "settings/clsPropDefault.h"
 #include "settings/clsPropItem.h"

@@ -6,7 +6,7 @@
 #include "core/edit_draft.h"
 #include "core/edit_keys.h"
 #include "core/pattern_problem.h"
-#include "platform/code_page.h"
+#include "platform/text/code_page.h"
 #include "resources/string_table.h"
 #include "settings/setting_keys.h"
 

@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "base/modString.h"
-#include "platform/code_page.h"
-#include "platform/known_folders.h"
-#include "platform/profile_document.h"
+#include "platform/ini/profile_document.h"
+#include "platform/services/known_folders.h"
+#include "platform/text/code_page.h"
 #include "resources/version.h"
 
 namespace quendle {

@@ -11,8 +11,8 @@
 #include "core/pattern_problem.h"
 #include "core/profile_match.h"
 #include "core/profile_problem.h"
-#include "platform/profile_document.h"
-#include "platform/unicode.h"
+#include "platform/ini/profile_document.h"
+#include "platform/text/unicode.h"
 #include "resources/string_table.h"
 #include "settings/run_settings.h"
 

@@ -13,7 +13,7 @@
 
 #include "base/regex.h"
 #include "core/action_form.h"
-#include "platform/result.h"
+#include "reasons/result.h"
 #include "settings/clsPropDefault.h"
 #include "settings/clsPropItem.h"
 #include "settings/run_settings.h"

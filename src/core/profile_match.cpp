@@ -1,6 +1,6 @@
 #include "core/profile_match.h"
 
-#include "platform/unicode.h"
+#include "platform/text/unicode.h"
 #include "settings/clsIniFile.h"
 
 namespace quendle {

@@ -4,7 +4,7 @@
 
 #include "archive/extraction_list.h"
 #include "base/text.h"
-#include "platform/misread_utf8.h"
+#include "platform/text/misread_utf8.h"
 #include "resources/string_table.h"
 #include "settings/clsIniFile.h"
 

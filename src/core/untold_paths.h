@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/left_paths.h"
+#include "platform/services/left_paths.h"
 
 namespace quendle {
 

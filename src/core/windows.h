@@ -12,7 +12,7 @@
 #include "base/user_interface.h"
 #include "core/action_form.h"
 #include "core/modMain.h"
-#include "platform/running_copy.h"
+#include "platform/services/running_copy.h"
 
 namespace quendle {
 

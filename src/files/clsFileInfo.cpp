@@ -1,4 +1,5 @@
 #include "files/clsFileInfo.h"
+#include "platform/process/local_time.h"
 
 #include <chrono>
 #include <utility>

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/entry_status.h"
-#include "platform/paths.h"
+#include "platform/entries/entry_status.h"
+#include "platform/entries/paths.h"
 
 namespace quendle {
 

@@ -5,9 +5,9 @@
 
 #include "base/modString.h"
 #include "base/modSystem.h"
-#include "platform/file_operation.h"
-#include "platform/paths.h"
-#include "platform/process.h"
+#include "platform/entries/paths.h"
+#include "platform/moving/file_operation.h"
+#include "platform/process/process.h"
 
 namespace quendle {
 namespace {

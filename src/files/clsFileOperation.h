@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "base/user_interface.h"
-#include "platform/file_operation.h"
-#include "platform/result.h"
+#include "platform/moving/file_operation.h"
+#include "reasons/result.h"
 
 namespace quendle {
 

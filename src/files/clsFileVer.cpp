@@ -1,6 +1,6 @@
 #include "files/clsFileVer.h"
 
-#include "platform/file_version.h"
+#include "platform/services/file_version.h"
 
 namespace quendle {
 

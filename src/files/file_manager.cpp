@@ -1,8 +1,8 @@
 #include "files/file_manager.h"
 
 #include "base/modString.h"
-#include "platform/launch.h"
-#include "platform/paths.h"
+#include "platform/entries/paths.h"
+#include "platform/services/launch.h"
 #include "resources/string_table.h"
 
 namespace quendle {

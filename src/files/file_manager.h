@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/user_interface.h"
-#include "platform/result.h"
+#include "reasons/result.h"
 #include "settings/setting_values.h"
 
 namespace quendle {

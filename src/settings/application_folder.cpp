@@ -1,10 +1,11 @@
 #include "settings/application_folder.h"
+#include "platform/process/process.h"
 
 #include "base/modString.h"
 #include "base/text.h"
-#include "platform/entry_status.h"
-#include "platform/known_folders.h"
-#include "platform/paths.h"
+#include "platform/entries/entry_status.h"
+#include "platform/entries/paths.h"
+#include "platform/services/known_folders.h"
 #include "resources/string_table.h"
 
 namespace quendle {

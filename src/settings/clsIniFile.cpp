@@ -4,10 +4,10 @@
 
 #include "base/modString.h"
 #include "base/modSystem.h"
-#include "platform/code_page.h"
-#include "platform/profile.h"
-#include "platform/profile_lines.h"
-#include "platform/unicode.h"
+#include "platform/ini/profile.h"
+#include "platform/ini/profile_lines.h"
+#include "platform/text/code_page.h"
+#include "platform/text/unicode.h"
 #include "settings/modOpenFile.h"
 
 namespace quendle {

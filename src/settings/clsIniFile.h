@@ -1,6 +1,6 @@
 // One INI file. Single keys and the bodies of sections are written by the profile functions
-// (platform/profile.h); whole sections are listed, renamed and put in order here. Lines and headers are those
-// of whole sections in platform/profile_lines.h; where those of single keys are others, everything that changes
+// (platform/ini/profile.h); whole sections are listed, renamed and put in order here. Lines and headers are those
+// of whole sections in platform/ini/profile_lines.h; where those of single keys are others, everything that changes
 // whole sections fails. Nothing is kept between calls but the failure of the last write.
 //
 // Functions that fill an array leave one empty element in it when they return 0.
@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/result.h"
+#include "reasons/result.h"
 
 namespace quendle {
 

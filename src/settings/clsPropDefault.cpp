@@ -3,7 +3,7 @@
 #include "base/modString.h"
 #include "base/modSystem.h"
 #include "base/text.h"
-#include "platform/profile.h"
+#include "platform/ini/profile.h"
 
 namespace quendle {
 clsPropDefault::clsPropDefault(const SettingsFolders& folders, bool create_files) : folders_(folders) {

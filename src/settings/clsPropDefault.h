@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/result.h"
+#include "reasons/result.h"
 #include "resources/string_table.h"
 #include "settings/clsIniFile.h"
 #include "settings/setting_values.h"

@@ -6,12 +6,12 @@
 #include <random>
 
 #include "base/modString.h"
-#include "platform/code_page.h"
-#include "platform/durable_file.h"
-#include "platform/input_file.h"
-#include "platform/known_folders.h"
-#include "platform/paths.h"
-#include "platform/unicode.h"
+#include "platform/entries/durable_file.h"
+#include "platform/entries/input_file.h"
+#include "platform/entries/paths.h"
+#include "platform/services/known_folders.h"
+#include "platform/text/code_page.h"
+#include "platform/text/unicode.h"
 
 namespace quendle {
 namespace {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/result.h"
+#include "reasons/result.h"
 
 namespace quendle {
 

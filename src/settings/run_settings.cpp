@@ -6,8 +6,8 @@
 #include "base/modString.h"
 #include "base/modSystem.h"
 #include "base/text.h"
-#include "platform/code_page.h"
-#include "platform/unicode.h"
+#include "platform/text/code_page.h"
+#include "platform/text/unicode.h"
 #include "resources/string_table.h"
 #include "settings/clsIniFile.h"
 

@@ -9,9 +9,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "platform/profile.h"
-#include "platform/profile_document.h"
-#include "platform/result.h"
+#include "platform/ini/profile.h"
+#include "platform/ini/profile_document.h"
+#include "reasons/result.h"
 #include "settings/clsPropDefault.h"
 #include "settings/setting_values.h"
 

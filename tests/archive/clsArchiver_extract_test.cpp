@@ -1,7 +1,7 @@
 #include <stdexcept>
 
 #include "archive/clsArchiver.h"
-#include "platform/code_page.h"
+#include "platform/text/code_page.h"
 #include "support/archiver_bench.h"
 #include "support/file_systems.h"
 

@@ -1,6 +1,6 @@
 #include "archive/extraction_list.h"
 
-#include "platform/entry_path.h"
+#include "platform/entries/entry_path.h"
 
 namespace quendle {
 namespace {

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 
-#include "platform/unicode.h"
+#include "platform/text/unicode.h"
 #include "support/file_systems.h"
 #include "support/program.h"
 

@@ -2,7 +2,7 @@
 
 #include "base/display.h"
 #include "base/reasons.h"
-#include "platform/durable_file.h"
+#include "platform/entries/durable_file.h"
 #include "support/picture.h"
 #include "support/run.h"
 

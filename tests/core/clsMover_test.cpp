@@ -3,7 +3,7 @@
 #include <ctime>
 
 #include "base/modString.h"
-#include "platform/unicode.h"
+#include "platform/text/unicode.h"
 #include "support/picture.h"
 #include "support/run.h"
 
@@ -324,10 +324,10 @@ GTEST_TEST(ClsMover, SaysWhatIsWrongWithProfiles) {
                     "\n[bad]\nPattern=(\nInclude=a\nExclude=b;(\n",
                 "", {"/"});
   const Titles problems = run.mover->ProfileProblems(false);
-  const char* const beginnings[] = {
-      "profile bad: its pattern cannot be used: missing",
-      "profile bad: the pattern ( of Exclude cannot be used: missing",
-      "profile long: its pattern cannot be used: it is too long", "profile A: there are several"};
+  const char* const beginnings[] = {"profile bad: its pattern cannot be used: missing",
+                                    "profile bad: the pattern ( of Exclude cannot be used: missing",
+                                    "profile long: its pattern cannot be used: it is too long",
+                                    "profile A: there are several"};
   ASSERT_EQ(problems.size(), std::size(beginnings));
   for (std::size_t i = 0; i < problems.size(); ++i)
     EXPECT_TRUE(problems[i].starts_with(beginnings[i])) << problems[i];

@@ -2,7 +2,7 @@
 
 #include "base/modString.h"
 #include "base/regex.h"
-#include "platform/unicode.h"
+#include "platform/text/unicode.h"
 #include "support/temp_folder.h"
 
 namespace quendle {

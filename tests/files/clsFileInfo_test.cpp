@@ -3,7 +3,7 @@
 #include <ctime>
 
 #include "base/modString.h"
-#include "platform/unicode.h"
+#include "platform/text/unicode.h"
 #include "support/picture.h"
 #include "support/temp_folder.h"
 #include "support/time_zone.h"

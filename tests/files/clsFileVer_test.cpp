@@ -1,4 +1,5 @@
 #include "files/clsFileVer.h"
+#include "platform/services/find_version.h"
 
 #include "support/temp_folder.h"
 #include "support/version_images.h"

@@ -5,8 +5,8 @@
 
 #include "archive/modules/common/entry_names.h"
 #include "archive/modules/common/response_file.h"
-#include "platform/entry_path.h"
-#include "platform/unicode.h"
+#include "platform/entries/entry_path.h"
+#include "platform/text/unicode.h"
 
 namespace {
 

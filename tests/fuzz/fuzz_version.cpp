@@ -2,7 +2,8 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "platform/version_record.h"
+#include "platform/services/find_version.h"
+#include "platform/services/version_record.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace quendle::platform;

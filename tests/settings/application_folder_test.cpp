@@ -1,6 +1,6 @@
 #include "settings/application_folder.h"
 
-#include "platform/known_folders.h"
+#include "platform/services/known_folders.h"
 #include "support/scoped_variable.h"
 #include "support/temp_folder.h"
 

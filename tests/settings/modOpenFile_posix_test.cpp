@@ -1,7 +1,7 @@
 #include <sys/resource.h>
 
-#include "platform/code_page.h"
-#include "platform/profile.h"
+#include "platform/ini/profile.h"
+#include "platform/text/code_page.h"
 #include "settings/modOpenFile.h"
 #include "support/temp_folder.h"
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "archive/clsArchiver.h"
-#include "platform/code_page.h"
-#include "platform/library.h"
+#include "platform/services/library.h"
+#include "platform/text/code_page.h"
 #include "support/picture.h"
 #include "support/scoped_variable.h"
 #include "support/scripted_user.h"

@@ -13,8 +13,8 @@
 
 #include "archive/modules/common/checksum.h"
 #include "archive/modules/common/family.h"
-#include "platform/unicode.h"
-#include "platform/utf8_locale.h"
+#include "platform/text/unicode.h"
+#include "platform/text/utf8_locale.h"
 #include "support/temp_folder.h"
 
 namespace quendle::test {

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/extraction_folder.h"
+#include "platform/extraction/extraction_folder.h"
 #include "support/file_systems.h"
 #include "support/temp_folder.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/file_operation.h"
+#include "platform/moving/file_operation.h"
 
 namespace quendle::test {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "platform/version_record.h"
+#include "platform/services/version_record.h"
 
 namespace quendle::test {
 

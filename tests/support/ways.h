@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/file_operation.h"
+#include "platform/moving/file_operation.h"
 #include "support/file_systems.h"
 #include "support/scripted_observer.h"
 #include "support/temp_folder.h"

@@ -3,7 +3,7 @@
 
 #include <QApplication>
 
-#include "ui/held_keys.h"
+#include "ui/parts/held_keys.h"
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/input_file.h"
-#include "platform/result.h"
+#include "platform/entries/input_file.h"
+#include "reasons/result.h"
 
 namespace quendle::modules {
 

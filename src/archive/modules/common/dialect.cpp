@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/entry_path.h"
+#include "platform/entries/entry_path.h"
 
 namespace quendle::modules {
 namespace {

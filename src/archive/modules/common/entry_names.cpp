@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <optional>
 
-#include "platform/code_page.h"
-#include "platform/unicode.h"
+#include "platform/text/code_page.h"
+#include "platform/text/unicode.h"
 
 namespace quendle::modules {
 namespace {

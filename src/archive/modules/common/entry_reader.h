@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "archive/modules/common/archive_input.h"
-#include "platform/extraction_folder.h"
+#include "platform/extraction/extraction_folder.h"
 
 namespace quendle::modules {
 

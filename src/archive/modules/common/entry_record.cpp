@@ -4,7 +4,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "platform/local_time.h"
+#include "platform/process/local_time.h"
 
 namespace quendle::modules {
 namespace {

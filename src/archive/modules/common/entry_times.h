@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "platform/extraction_folder.h"
+#include "platform/extraction/extraction_folder.h"
 
 namespace quendle::modules {
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "archive/modules/common/response_file.h"
-#include "platform/entry_path.h"
+#include "platform/entries/entry_path.h"
 
 namespace quendle::modules {
 namespace {

@@ -12,7 +12,7 @@
 #include "archive/modules/common/entry_reader.h"
 #include "archive/modules/common/extraction.h"
 #include "archive/modules/common/session.h"
-#include "platform/extraction_folder.h"
+#include "platform/extraction/extraction_folder.h"
 
 namespace quendle::modules {
 

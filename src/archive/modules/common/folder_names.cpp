@@ -4,9 +4,9 @@
 #include <utility>
 #include <vector>
 
-#include "platform/entry_names.h"
-#include "platform/open_folder.h"
-#include "platform/unicode.h"
+#include "platform/entries/open_folder.h"
+#include "platform/entries/path_names.h"
+#include "platform/text/unicode.h"
 
 namespace quendle::modules {
 

@@ -1,6 +1,6 @@
 // Here the library keeps in UTF-16 what it has converted; its functions for bytes would lose what the code page has not.
 #include "archive/modules/common/libarchive_names.h"
-#include "platform/wide_win32.h"
+#include "platform/text/wide_win32.h"
 
 namespace quendle::modules {
 namespace {

@@ -10,7 +10,7 @@
 #include "archive/modules/common/entry_names.h"
 #include "archive/modules/common/libarchive_names.h"
 #include "archive/modules/common/libarchive_source.h"
-#include "platform/utf8_locale.h"
+#include "platform/text/utf8_locale.h"
 
 namespace quendle::modules {
 namespace {

@@ -7,9 +7,9 @@
 
 #include "archive/modules/common/entry_record.h"
 #include "archive/modules/common/response_file.h"
-#include "platform/code_page.h"
-#include "platform/durable_file.h"
-#include "platform/input_file.h"
+#include "platform/entries/durable_file.h"
+#include "platform/entries/input_file.h"
+#include "platform/text/code_page.h"
 
 namespace quendle::modules {
 namespace {

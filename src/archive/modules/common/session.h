@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "archive/archiver_abi.h"
-#include "platform/file_operation.h"
+#include "platform/entries/file_side.h"
 
 namespace quendle::modules {
 

@@ -8,16 +8,6 @@ namespace {
 
 constexpr std::uint64_t kBlock = 256U << 10;
 
-bool BeginsWithProgram(const ArchiveInput& input) {
-  char begin[4] = {};
-  std::size_t got = 0;
-  if (!input.ReadAt(0, begin, sizeof begin, &got).ok()) return false;
-  const std::string_view bytes(begin, got);
-  return bytes.starts_with("MZ") || bytes.starts_with(
-                                        "\x7F"
-                                        "ELF");
-}
-
 // Where the signatures stand in some bytes, one place after the other.
 class Places {
  public:
@@ -43,6 +33,16 @@ class Places {
 };
 
 }  // namespace
+
+bool BeginsWithProgram(const ArchiveInput& input) {
+  char begin[4] = {};
+  std::size_t got = 0;
+  if (!input.ReadAt(0, begin, sizeof begin, &got).ok()) return false;
+  const std::string_view bytes(begin, got);
+  return bytes.starts_with("MZ") || bytes.starts_with(
+                                        "\x7F"
+                                        "ELF");
+}
 
 std::optional<std::uint64_t> FindSignature(const ArchiveInput& input, const SignatureRule& rule,
                                            const std::function<bool(std::uint64_t position)>& fits) {

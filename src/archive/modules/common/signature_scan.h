@@ -23,4 +23,7 @@ struct SignatureRule {
 std::optional<std::uint64_t> FindSignature(const ArchiveInput& input, const SignatureRule& rule,
                                            const std::function<bool(std::uint64_t position)>& fits);
 
+// Does it begin with an executable program?
+bool BeginsWithProgram(const ArchiveInput& input);
+
 }  // namespace quendle::modules

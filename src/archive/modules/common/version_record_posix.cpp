@@ -1,6 +1,6 @@
 // The version of a module, for those who read it from the file. Compiled into each module by itself: a linker
 // leaves out of a library of objects what nothing refers to.
-#include "platform/version_record.h"
+#include "platform/services/version_record.h"
 
 namespace quendle::platform {
 namespace {

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "archive/modules/common/folder_names.h"
-#include "platform/unicode.h"
+#include "platform/text/unicode.h"
 
 namespace quendle::modules {
 namespace {

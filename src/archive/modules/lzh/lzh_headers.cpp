@@ -8,7 +8,7 @@
 #include "archive/modules/common/entry_names.h"
 #include "archive/modules/common/entry_times.h"
 #include "archive/modules/common/little_endian.h"
-#include "platform/unicode.h"
+#include "platform/text/unicode.h"
 
 namespace quendle::modules {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "archive/modules/common/checksum.h"
 #include "archive/modules/common/little_endian.h"
-#include "platform/unicode.h"
+#include "platform/text/unicode.h"
 
 namespace quendle::modules {
 namespace {

@@ -1,4 +1,5 @@
 #include "archive/modules/zip/zip_directory.h"
+#include "archive/modules/zip/zip_end.h"
 
 #include <algorithm>
 #include <string_view>

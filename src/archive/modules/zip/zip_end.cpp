@@ -1,8 +1,12 @@
+#include "archive/modules/zip/zip_end.h"
+
 #include <algorithm>
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include "archive/modules/common/little_endian.h"
-#include "archive/modules/zip/zip_directory.h"
+#include "archive/modules/common/signature_scan.h"
 
 namespace quendle::modules {
 namespace {
@@ -106,13 +110,6 @@ bool MayHaveInFront(std::string_view begin, std::uint64_t front) {
 }
 
 }  // namespace
-
-bool BeginsWithProgram(const ArchiveInput& input) {
-  const std::string begin = Bytes(input, 0, 4);
-  return begin.starts_with("MZ") || begin ==
-                                        "\x7F"
-                                        "ELF";
-}
 
 platform::Result FindZipEnd(const ArchiveInput& input, ZipEnd* end) {
   const std::string begin = Bytes(input, 0, 4);

@@ -1,4 +1,6 @@
 #include "archive/modules/zip/zip_family.h"
+#include "archive/modules/common/signature_scan.h"
+#include "archive/modules/zip/zip_end.h"
 
 #include <map>
 #include <memory>

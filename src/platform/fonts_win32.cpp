@@ -1,7 +1,0 @@
-#include "platform/fonts.h"
-
-namespace quendle::platform {
-
-void ReadFontList() {}
-
-}  // namespace quendle::platform

@@ -1,0 +1,7 @@
+#include "platform/services/fonts.h"
+
+namespace quendle::platform {
+
+void ReadFontList() {}
+
+}  // namespace quendle::platform

@@ -1,0 +1,29 @@
+#include <dlfcn.h>
+
+#include <utility>
+
+#include "platform/services/library.h"
+
+namespace quendle::platform {
+
+Result Library::Load(const std::string& path, std::unique_ptr<Library>* library, Binding binding) {
+  void* handle = dlopen(path.c_str(), (binding == Binding::kAtOnce ? RTLD_NOW : RTLD_LAZY) | RTLD_LOCAL);
+  if (handle == nullptr) {
+    const char* said = dlerror();
+    std::string reason = said == nullptr ? "the module cannot be loaded" : said;
+    if (const std::string place = path + ": "; reason.starts_with(place)) reason.erase(0, place.size());
+    return Failure(Code::kFailed, path, std::move(reason));
+  }
+  library->reset(new Library(handle));
+  return Success();
+}
+
+Library::~Library() {
+  dlclose(handle_);
+}
+
+Library::AnyFunction Library::FindSymbol(const std::string& name) const {
+  return reinterpret_cast<AnyFunction>(dlsym(handle_, name.c_str()));
+}
+
+}  // namespace quendle::platform

@@ -1,0 +1,152 @@
+#include "ui/windows/frmOverwrite.h"
+
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <ctime>
+
+#include "base/display.h"
+#include "base/modString.h"
+#include "platform/process/local_time.h"
+#include "ui/parts/elided_label.h"
+#include "ui/parts/form_helpers.h"
+#include "ui/parts/pictures.h"
+#include "ui/parts/text.h"
+#include "ui/windows/frmProgress.h"
+
+namespace quendle {
+namespace {
+
+using Answer = UserInterface::OverwriteAnswer;
+
+constexpr int kCaption = 6320;
+constexpr int kQuestion = 6321;
+constexpr int kExisting = 6322;
+constexpr int kIncoming = 6323;
+constexpr int kName = 6324;
+constexpr int kFolder = 6325;
+constexpr int kSize = 6326;
+constexpr int kTime = 6327;
+constexpr int kSizeInBytes = 6328;
+constexpr int kLarger = 6329;
+constexpr int kNewer = 6330;
+constexpr int kUnknownTime = 6331;
+
+constexpr int kWidth = 520;
+constexpr int kIconPixels = 32;
+constexpr int kButtonPadding = 20;
+
+struct AnswerButton {
+  int text;
+  Answer answer;
+};
+constexpr AnswerButton kButtons[] = {
+    {6332, Answer::kYes},     {6333, Answer::kNo},     {6334, Answer::kYesToAll},
+    {6335, Answer::kNoToAll}, {4201, Answer::kCancel},
+};
+
+QString BytesText(std::uint64_t bytes) {
+  return Text(kSizeInBytes)
+      .arg(SizeText(bytes), QLocale(QLocale::Japanese).toString(static_cast<qulonglong>(bytes)));
+}
+
+//   => "2003-11-07 18:30:05"
+QString TimeText(std::int64_t seconds) {
+  std::tm local{};
+  if (!platform::ToLocalTime(seconds, &local)) return Text(kUnknownTime);
+  return QString::asprintf("%04d-%02d-%02d %02d:%02d:%02d", local.tm_year + 1900, local.tm_mon + 1,
+                           local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
+}
+
+void AddLine(QGridLayout* grid, int caption, const std::string& path) {
+  const int row = grid->rowCount();
+  grid->addWidget(new QLabel(Text(caption)), row, 0);
+  auto* label = new ElidedLabel;
+  label->SetText(ToQt(ForDisplay(path)));
+  grid->addWidget(label, row, 1, 1, 2);
+}
+
+// A figure, and in bold what makes it the more interesting of the two.
+void AddLine(QGridLayout* grid, int caption, const QString& figure, int mark, bool is_marked) {
+  const int row = grid->rowCount();
+  grid->addWidget(new QLabel(Text(caption)), row, 0);
+  grid->addWidget(new QLabel(figure), row, 1);
+  if (!is_marked) return;
+  auto* label = new QLabel(Text(mark));
+  label->setObjectName(QStringLiteral("mark"));
+  grid->addWidget(label, row, 2);
+}
+
+}  // namespace
+
+frmOverwrite::frmOverwrite(QWidget* owner, const platform::FileVersion& existing,
+                           const platform::FileVersion& incoming)
+    : QDialog(owner) {
+  setWindowTitle(Text(kCaption));
+  setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+  auto* row = new QHBoxLayout;
+  row->addStretch();
+  for (const AnswerButton& button : kButtons) AddButton(row, button.text, button.answer);
+  auto* layout = new QVBoxLayout(this);
+  layout->setSpacing(10);
+  auto* head = new QHBoxLayout;
+  auto* icon = new QLabel;
+  icon->setPixmap(Picture("question", kIconPixels, this));
+  head->addWidget(icon);
+  head->addSpacing(4);
+  head->addWidget(new QLabel(Text(kQuestion)), 1);
+  layout->addLayout(head);
+  layout->addWidget(MakeSide(kExisting, existing, incoming));
+  layout->addWidget(MakeSide(kIncoming, incoming, existing));
+  layout->addLayout(row);
+  ApplyFormFont(this, true);
+  for (QPushButton* button : findChildren<QPushButton*>()) {
+    button->setMinimumWidth(button->fontMetrics().horizontalAdvance(button->text()) + kButtonPadding);
+  }
+  for (QLabel* mark : findChildren<QLabel*>(QStringLiteral("mark"))) {
+    QFont bold = mark->font();
+    bold.setBold(true);
+    mark->setFont(bold);
+  }
+  const QSize needed = sizeHint();
+  resize(qMax(kWidth, needed.width()), needed.height());
+  CentreOnScreen(this);
+}
+
+QWidget* frmOverwrite::MakeSide(int title, const platform::FileVersion& file,
+                                const platform::FileVersion& other) {
+  auto* side = new QGroupBox(Text(title));
+  auto* grid = new QGridLayout(side);
+  grid->setColumnStretch(2, 1);
+  grid->setHorizontalSpacing(12);
+  const PathParts parts = SplitPath(file.path);
+  AddLine(grid, kName, parts.name);
+  AddLine(grid, kFolder, AddBackslash(parts.folder));
+  AddLine(grid, kSize, BytesText(file.size), kLarger, file.size > other.size);
+  AddLine(grid, kTime, TimeText(file.write_time), kNewer, file.write_time > other.write_time);
+  return side;
+}
+
+void frmOverwrite::AddButton(QBoxLayout* row, int text, Answer answer) {
+  auto* button = new QPushButton(Text(text));
+  row->addWidget(button);
+  connect(button, &QPushButton::clicked, this, [this, answer] {
+    answer_ = answer;
+    accept();
+  });
+  if (answer != Answer::kNo) return;
+  button->setDefault(true);
+  button->setFocus();
+}
+
+Answer frmOverwrite::Ask() {
+  answer_ = Answer::kCancel;
+  setWindowModality(Qt::ApplicationModal);
+  return exec() == QDialog::Accepted ? answer_ : Answer::kCancel;
+}
+
+}  // namespace quendle

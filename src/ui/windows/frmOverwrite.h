@@ -1,0 +1,29 @@
+// The question whether an existing file may be replaced.
+#pragma once
+
+#include <QDialog>
+#include <QString>
+
+#include "base/user_interface.h"
+#include "platform/moving/file_operation.h"
+
+class QBoxLayout;
+class QGridLayout;
+
+namespace quendle {
+
+class frmOverwrite : public QDialog {
+ public:
+  frmOverwrite(QWidget* owner, const platform::FileVersion& existing, const platform::FileVersion& incoming);
+
+  // Shows the window until the user has answered. Esc and the close box cancel.
+  UserInterface::OverwriteAnswer Ask();
+
+ private:
+  QWidget* MakeSide(int title, const platform::FileVersion& file, const platform::FileVersion& other);
+  void AddButton(QBoxLayout* row, int text, UserInterface::OverwriteAnswer answer);
+
+  UserInterface::OverwriteAnswer answer_ = UserInterface::OverwriteAnswer::kCancel;
+};
+
+}  // namespace quendle

@@ -1,0 +1,113 @@
+#include "ui/parts/pickers.h"
+
+#include <QFileDialog>
+#include <QFileSystemModel>
+#include <QLineEdit>
+#include <QMessageBox>
+
+#include "support/temp_folder.h"
+#include "ui/modal.h"
+
+namespace quendle {
+namespace {
+
+// Types the name into the dialog and presses Enter; answers a question that follows.
+class Typist {
+ public:
+  explicit Typist(const QString& name, const QString& answer = "OK")
+      : modal_([this, name, answer](QWidget& window) {
+          if (auto* question = qobject_cast<QMessageBox*>(&window)) {
+            ++questions;
+            test::Click(*question, answer);
+            return;
+          }
+          auto* dialog = qobject_cast<QFileDialog*>(&window);
+          ASSERT_NE(dialog, nullptr);
+          folder = dialog->directory().path();
+          filters = dialog->nameFilters();
+          title = dialog->windowTitle();
+          auto* box = dialog->findChild<QLineEdit*>("fileNameEdit");
+          proposed = box->text();
+          if (name.isEmpty()) {
+            QTest::keyClick(dialog, Qt::Key_Escape);
+            return;
+          }
+          // Names count once the dialog has read the folder, which it does in a thread of its own.
+          auto* model = dialog->findChild<QFileSystemModel*>();
+          EXPECT_TRUE(QTest::qWaitFor([&] { return model->rowCount(model->index(folder)) > 0; }, kPatience));
+          box->setText(name);
+          QTest::keyClick(box, Qt::Key_Return);
+          if (dialog->isVisible()) dialog->reject();  // the name was not taken
+        }) {}
+
+  static constexpr int kPatience = 30'000;  // milliseconds
+
+  int questions = 0;
+  QString folder;
+  QString title;
+  QString proposed;
+  QStringList filters;
+
+ private:
+  test::WithModal modal_;
+};
+
+GTEST_TEST(Pickers, PicksExistingFoldersOnly) {
+  const test::TempFolder folder;
+  std::filesystem::create_directories(folder / "資料");
+  std::filesystem::create_directories(folder / "b\xFF");
+  const struct {
+    QString typed;
+    std::string proposed;
+    std::string begins_in;
+    std::string picked;
+  } rows[] = {
+      {"資料", folder / "none/at/all", folder.path(), folder / "資料"},
+      {"", folder.path(), folder.path(), ""},
+      {"none", folder.path(), folder.path(), ""},
+      {"b\uFFFD", folder / "b\xFF", folder.path(), ""},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.typed.toStdString());
+    const Typist typist(row.typed);
+    EXPECT_EQ(PickFolder(nullptr, "解凍先", row.proposed), row.picked);
+    EXPECT_EQ(typist.folder.toStdString(), row.begins_in);
+    EXPECT_EQ(typist.title, "解凍先");
+  }
+}
+
+GTEST_TEST(Pickers, PicksFiles) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "a.txt", "a");
+  test::WriteFile(folder / "b\xFF.txt", "b");
+  const struct {
+    QString typed;
+    bool open;
+    QString answer;
+    std::string picked;
+    int questions;
+  } rows[] = {
+      {"a.txt", true, "", folder / "a.txt", 0},
+      {"c.txt", true, "OK", "", 1},
+      {"b\uFFFD.txt", true, "OK", "", 1},
+      {"c.txt", false, "", folder / "c.txt", 0},
+      {"a.txt", false, "No", "", 1},
+      {"a.txt", false, "Yes", folder / "a.txt", 1},
+      {"", false, "", "", 0},
+      {"b\uFFFD.txt", false, "", "", 0},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.typed.toStdString() + (row.open ? ", open" : ", save"));
+    const Typist typist(row.typed, row.answer);
+    FileDialogRequest request{
+        "題", {{"文書 (*.txt)", "*.txt;*.doc"}, {"すべて", "*.*"}}, row.open, folder.path(), "p.txt"};
+    EXPECT_EQ(ShowFileDialog(nullptr, request), row.picked);
+    EXPECT_EQ(typist.questions, row.questions);
+    EXPECT_EQ(typist.folder.toStdString(), folder.path());
+    EXPECT_EQ(typist.proposed, "p.txt");
+    EXPECT_EQ(typist.filters, QStringList({"文書 (*.txt) (*.txt *.doc)", "すべて (*)"}));
+  }
+}
+
+}  // namespace
+}  // namespace quendle
