@@ -27,7 +27,9 @@ ArchiveSession::ArchiveSession(const ArchiverLibrary& library, UserInterface& us
                  &OnProceed,
                  &OnProblem,
                  nullptr,
-                 &OnReadsFrom},
+                 &OnReadsFrom,
+                 &OnProblemOf,
+                 &OnProceedFor},
       next_password_(settings_.remembered_password) {
   for (std::string& path : settings_.protected_paths) {
     // A path that the library cannot be told is kept from it by what it is asked for.
@@ -98,7 +100,7 @@ std::int32_t ArchiveSession::AskOverwrite(const ArchiverVersion& existing, const
     case UserInterface::OverwriteAnswer::kNoToAll:
       return answer_to_all_.emplace(ARCHIVER_NO);
     case UserInterface::OverwriteAnswer::kNobody:
-      problems_->push_back({Text(existing.path), "it exists already, and nothing is overwritten unasked"});
+      problems_->push_back({Text(existing.path), why::kExistsUnasked});
       return ARCHIVER_NO;
     case UserInterface::OverwriteAnswer::kCancel:
       break;
@@ -143,21 +145,52 @@ std::optional<std::string> ArchiveSession::NextPassword() {
 std::int32_t ArchiveSession::OnProceed(void* user, const char* question) {
   auto& self = *static_cast<ArchiveSession*>(user);
   try {
-    if (self.user_.AskProceed(self.Text(question))) return ARCHIVER_YES;
-    self.cancelled_ = true;
+    return self.AskProceed(Reason(self.Text(question)));
   } catch (...) {
     self.fault_ = std::current_exception();
   }
   return ARCHIVER_NO;
 }
 
-void ArchiveSession::OnProblem(void* user, const char* entry, const char* reason) {
+std::int32_t ArchiveSession::OnProceedFor(void* user, const ArchiverReason* question) {
   auto& self = *static_cast<ArchiveSession*>(user);
   try {
-    self.problems_->push_back({self.Text(entry), self.Text(reason)});
+    return self.AskProceed(self.ReasonOf(*question));
   } catch (...) {
     self.fault_ = std::current_exception();
   }
+  return ARCHIVER_NO;
+}
+
+std::int32_t ArchiveSession::AskProceed(const Reason& question) {
+  if (user_.AskProceed(question)) return ARCHIVER_YES;
+  cancelled_ = true;
+  return ARCHIVER_NO;
+}
+
+void ArchiveSession::OnProblem(void* user, const char* entry, const char* reason) {
+  auto& self = *static_cast<ArchiveSession*>(user);
+  try {
+    self.problems_->push_back({self.Text(entry), Reason(self.Text(reason))});
+  } catch (...) {
+    self.fault_ = std::current_exception();
+  }
+}
+
+void ArchiveSession::OnProblemOf(void* user, const char* entry, const ArchiverReason* reason) {
+  auto& self = *static_cast<ArchiveSession*>(user);
+  try {
+    self.problems_->push_back({self.Text(entry), self.ReasonOf(*reason)});
+  } catch (...) {
+    self.fault_ = std::current_exception();
+  }
+}
+
+Reason ArchiveSession::ReasonOf(const ArchiverReason& told) const {
+  std::vector<Reason> arguments;
+  for (std::uint32_t i = 0; i < told.part_count; ++i) arguments.push_back(ReasonOf(told.parts[i]));
+  const auto known = told.name == nullptr ? std::nullopt : ReasonNamed(told.name, std::move(arguments));
+  return known ? *known : Reason(Text(told.words));
 }
 
 void ArchiveSession::OnReadsFrom(void* user, const char* path) {

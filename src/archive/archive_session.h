@@ -15,8 +15,8 @@
 namespace quendle {
 
 struct ExtractionProblem {
-  std::string entry;   // empty: the archive itself
-  std::string reason;  // one English line without a full stop
+  std::string entry;  // empty: the archive itself
+  Reason reason;
 };
 
 // Passwords are tried in this order: the one remembered from another archive, then what the user says, three
@@ -65,10 +65,14 @@ class ArchiveSession {
   static std::int32_t ARCHIVER_CALL OnProceed(void* self, const char* question);
   static void ARCHIVER_CALL OnProblem(void* self, const char* entry, const char* reason);
   static void ARCHIVER_CALL OnReadsFrom(void* self, const char* path);
+  static void ARCHIVER_CALL OnProblemOf(void* self, const char* entry, const ArchiverReason* reason);
+  static std::int32_t ARCHIVER_CALL OnProceedFor(void* self, const ArchiverReason* question);
 
   std::int32_t AskOverwrite(const ArchiverVersion& existing, const ArchiverVersion& incoming);
   std::optional<std::string> NextPassword();
+  std::int32_t AskProceed(const Reason& question);
   std::string Text(const char* bytes) const;
+  Reason ReasonOf(const ArchiverReason& told) const;
 
   const ArchiverLibrary& library_;
   UserInterface& user_;

@@ -111,6 +111,19 @@ typedef struct ArchiverVersion {
 #define ARCHIVER_YES 1
 #define ARCHIVER_CANCEL 2
 
+/* A reason, or a question, in its parts, so that the program can say it in the user's language. Nothing in the parts is
+ * looked into, so that a name in an archive means nothing but itself. */
+typedef struct ArchiverReason {
+  /* As the program calls it (src/reasons/reason_table.inc). NULL: a name, a number or other words alone. */
+  const char* name;
+  /* The whole in one English line without a full stop: what is shown when the program knows no such name, or not with
+   * that many parts. */
+  const char* words;
+  /* What the sentence of that name is filled in with, in its order. */
+  const struct ArchiverReason* parts;
+  uint32_t part_count;
+} ArchiverReason;
+
 /* Whom a library reports to and asks. user is handed back in each call. No function is NULL. The members below `problem`
  * are only there when struct_size counts them in. */
 typedef struct ArchiverSession {
@@ -148,6 +161,10 @@ typedef struct ArchiverSession {
   /* Told of each file that an archive is read from, while it is opened or extracted. They are to be kept in the
    * same way. */
   void(ARCHIVER_CALL* reads_from)(void* user, const char* path);
+
+  /* To be called instead of problem and proceed by a library that knows what the program calls its reasons. */
+  void(ARCHIVER_CALL* problem_of)(void* user, const char* entry, const ArchiverReason* reason);
+  int32_t(ARCHIVER_CALL* proceed_for)(void* user, const ArchiverReason* question);
 } ArchiverSession;
 
 /* The session for all calls until the next SetSession; NULL: none, then nothing is asked and every answer is

@@ -25,15 +25,16 @@ const ArchiverLibrary* ArchiverLibraries::Use(const ArchiverRow& row) {
   return library.get();
 }
 
-std::string ArchiverLibraries::Problem(const ArchiverRow& row) const {
+Reason ArchiverLibraries::Problem(const ArchiverRow& row) const {
   const auto failure = failures_.find(row.type);
-  return failure == failures_.end() ? "" : failure->second.reason;
+  return failure == failures_.end() ? Reason() : failure->second.reason;
 }
 
 std::vector<std::string> ArchiverLibraries::Problems() const {
   std::vector<std::string> problems;
   for (const auto& [type, failure] : failures_) {
-    problems.push_back(failure.path + ": " + failure.reason + "; " + ArchiverRowOf(type).name +
+    const std::string reason = Sentence(failure.reason, Language::kEnglish);
+    problems.push_back(failure.path + ": " + reason + "; " + ArchiverRowOf(type).name +
                        " archives are not extracted");
   }
   return problems;

@@ -32,7 +32,7 @@ class ArchiverLibraries {
   const ArchiverLibrary* Use(const ArchiverRow& row);
 
   // Why the row's library could not be loaded; empty when it could, or was not tried.
-  std::string Problem(const ArchiverRow& row) const;
+  Reason Problem(const ArchiverRow& row) const;
 
   // One line for each library that is there and cannot be used.
   std::vector<std::string> Problems() const;

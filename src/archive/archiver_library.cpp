@@ -46,7 +46,7 @@ platform::Result ArchiverLibrary::Load(const std::string& path, const std::strin
   if (platform::Result loaded = platform::Library::Load(path, &module); !loaded.ok()) return loaded;
   std::unique_ptr<ArchiverLibrary> made(new ArchiverLibrary(std::move(module)));
   if (const std::string missing = made->Bind(prefix); !missing.empty()) {
-    return Failure(platform::Code::kFailed, path, "the library has no function " + missing);
+    return Failure(platform::Code::kFailed, path, why::kNoFunction(missing));
   }
   *library = std::move(made);
   return platform::Success();

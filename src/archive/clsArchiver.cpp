@@ -20,16 +20,16 @@ constexpr const char* kFaultMessage =
     "エラーが発生しましたが処理を継続します。\r\nエラー発生時の状況を製作者へお知らせください。";
 
 // Why the entry cannot be asked for; empty when it can.
-std::string NameProblem(const std::string& name, const ArchiverLibrary& library) {
+Reason NameProblem(const std::string& name, const ArchiverLibrary& library) {
   std::string safe;
   const platform::Result result = platform::SafeEntryPath(name, platform::kHostNames, &safe);
   if (!result.ok()) return result.reason;
   // A list of names has one in a line, in quotes.
   if (name.find_first_of("\r\n") != std::string::npos || name.front() == '"' || name.back() == '"') {
-    return "its name has line breaks or quotes that the library cannot be told";
+    return why::kNameNotTellable;
   }
-  if (!library.Encode(platform::UpperCase(name))) return "the library's encoding cannot hold its name";
-  return "";
+  if (!library.Encode(platform::UpperCase(name))) return why::kNameNotEncodable;
+  return {};
 }
 
 // Where an entry with a safe name goes below the destination, with "/" between the parts.
@@ -43,12 +43,11 @@ std::string PathOf(const std::string& name, const ExtractionGroup& group, bool f
 
 }  // namespace
 
-std::string DescribeProblems(const std::vector<ExtractionProblem>& problems) {
-  if (problems.empty()) return "";
-  const ExtractionProblem& first = problems.front();
-  std::string text = first.entry.empty() ? first.reason : first.entry + ": " + first.reason;
-  if (problems.size() > 1) text += " (and " + std::to_string(problems.size() - 1) + " more)";
-  return text;
+Reason DescribeProblems(const std::vector<ExtractionProblem>& problems) {
+  if (problems.empty()) return {};
+  const auto& [entry, reason] = problems.front();
+  const Reason first = entry.empty() ? reason : why::kAbout(entry, reason);
+  return problems.size() == 1 ? first : why::kMore(first, problems.size() - 1);
 }
 
 const char* ArchiveTypeName(std::int16_t type) {
@@ -80,7 +79,7 @@ bool clsArchiver::mExtractArchive(const std::string& destination) {
   Guarded(&report_, [&] {
     const ArchiverLibrary* library = libraries_.Use(row);
     if (library == nullptr) {
-      report_.problems.push_back({"", "the archiver library cannot be used any more"});
+      report_.problems.push_back({"", why::kLibraryLost});
       return;
     }
     Work work = Begin(row, *library, destination, &report_);
@@ -112,7 +111,7 @@ ExtractionReport clsArchiver::PlanExtraction(const std::string& destination, boo
 // Looks where each file would go for what a run would stumble over.
 void clsArchiver::FindObstacles(const Work& work, bool somebody_answers) const {
   const auto tell = [&work](const std::string& entry, const platform::Result& result) {
-    if (!result.ok()) work.report->problems.push_back({entry, result.reason + ": " + result.path});
+    if (!result.ok()) work.report->problems.push_back({entry, why::kAbout(result.reason, result.path)});
   };
   for (const ExtractionGroup& group : work.groups) {
     const platform::Result folder = CheckOutputFolder(work.destination, group.sub_folder);
@@ -121,12 +120,11 @@ void clsArchiver::FindObstacles(const Work& work, bool somebody_answers) const {
       if (!folder.ok() || name.ends_with('/')) continue;
       const std::string path = OutputFolder(work.destination, PathOf(name, group, work.flat));
       if (FolderExists(path)) {
-        tell(name, Failure(platform::Code::kExists, path, "a folder of that name is in the way"));
+        tell(name, Failure(platform::Code::kExists, path, why::kFolderInWay));
       } else if (CONFIRMOVERWRITE && FileExists(path)) {
         work.report->asks = true;
         if (somebody_answers) continue;
-        tell(name,
-             Failure(platform::Code::kExists, path, "it exists already, and nothing is overwritten unasked"));
+        tell(name, Failure(platform::Code::kExists, path, why::kExistsUnasked));
       } else {
         tell(name, platform::CheckPlace(path));
       }
@@ -159,8 +157,7 @@ void clsArchiver::List(Work* work) {
   work->names = work->library.EntryNames(pFileName);
   const std::size_t nameless = std::erase(work->names, "");
   if (nameless > 0) {
-    work->report->problems.push_back(
-        {"", "there is no name for " + std::to_string(nameless) + " of its entries"});
+    work->report->problems.push_back({"", why::kNamelessEntries(nameless)});
   }
   work->session.RethrowFault();
 }
@@ -171,7 +168,7 @@ void clsArchiver::Choose(Work* work) const {
   work->flat = work->flat && HaveOneTopFolder(work->names);
   report.doubled_folder_avoided = work->flat;
   const EntryFilter filter(INCLUDE, EXCLUDE);
-  std::string problem = filter.Problem();
+  Reason problem = filter.Problem();
   std::erase_if(work->names, [&](const std::string& name) {
     const bool passes = problem.empty() && filter.Passes(name);
     if (problem.empty()) problem = filter.Problem();
@@ -201,7 +198,7 @@ void clsArchiver::Refuse(Work* work) const {
     work->names.clear();
   }
   std::erase_if(work->names, [&](const std::string& name) {
-    std::string problem = NameProblem(name, work->library);
+    Reason problem = NameProblem(name, work->library);
     if (problem.empty()) return false;
     problems.push_back({name, std::move(problem)});
     return true;
@@ -217,7 +214,7 @@ void clsArchiver::KeepWhatIsNeeded(Work* work) const {
   for (ExtractionGroup& group : work->groups) {
     std::erase_if(group.names, [&](const std::string& name) {
       if (work->flat && name.ends_with('/')) return false;  // it is not made
-      std::string problem = guard.Problem(PathOf(name, group, work->flat));
+      Reason problem = guard.Problem(PathOf(name, group, work->flat));
       if (problem.empty()) return false;
       work->report->problems.push_back({name, std::move(problem)});
       return true;
@@ -239,7 +236,7 @@ void clsArchiver::Guarded(ExtractionReport* report, const std::function<void()>&
   try {
     step();
   } catch (const std::exception& fault) {
-    report->problems.push_back({"", std::string("an unexpected fault: ") + fault.what()});
+    report->problems.push_back({"", why::kFault(fault.what())});
     environment_.user.ShowMessage(UserInterface::MessageKind::kCritical, kFaultMessage);
   }
 }

@@ -29,7 +29,7 @@ struct ExtractionReport {
 
 // The first problem and how many more there are, as one line; empty when there are none.
 //   "a.txt: the checksum is wrong (and 3 more)"
-std::string DescribeProblems(const std::vector<ExtractionProblem>& problems);
+Reason DescribeProblems(const std::vector<ExtractionProblem>& problems);
 
 class clsArchiver {
  public:
@@ -59,7 +59,7 @@ class clsArchiver {
 
   // Why pFileName, which is to be extracted, has no type: one English line. Where GetArcType was not asked for it, the reason
   // is its name's ending.
-  std::string WhyNoType();
+  Reason WhyNoType();
 
   // Extracts pFileName, whose type is not 0, into `destination`. True when all that was to be extracted was,
   // also when that is nothing; otherwise LastReport tells why not.
@@ -83,7 +83,7 @@ class clsArchiver {
   struct Work;
   Work Begin(const ArchiverRow& row, const ArchiverLibrary& library, const std::string& destination,
              ExtractionReport* report) const;
-  std::string VolumeProblem();
+  Reason VolumeProblem();
   void RememberPassword(const Work& work);
   void List(Work* work);
   void Choose(Work* work) const;

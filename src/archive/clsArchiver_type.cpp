@@ -25,13 +25,13 @@ std::string ExtensionOf(const std::string& path) {
 }
 
 // Why it can be no archive, whoever looks at it; empty when it may be one.
-std::string FileProblem(const std::string& path) {
+Reason FileProblem(const std::string& path) {
   std::unique_ptr<platform::InputFile> file;
   const platform::Result opened = platform::InputFile::Open(path, &file);
-  if (opened.ok()) return "";
-  if (opened.code == platform::Code::kIsFolder) return "a folder is no archive";
-  if (opened.code == platform::Code::kRefused) return "a pipe or device is no archive";
-  return "it cannot be opened: " + opened.reason;
+  if (opened.ok()) return {};
+  if (opened.code == platform::Code::kIsFolder) return why::kFolderIsNoArchive;
+  if (opened.code == platform::Code::kRefused) return why::kDeviceIsNoArchive;
+  return why::kCannotBeOpened(opened.reason);
 }
 
 }  // namespace
@@ -54,37 +54,36 @@ std::int16_t clsArchiver::GetArcType() {
   return type_;
 }
 
-std::string clsArchiver::WhyNoType() {
-  if (std::string problem = FileProblem(pFileName); !problem.empty()) return problem;
+Reason clsArchiver::WhyNoType() {
+  if (Reason problem = FileProblem(pFileName); !problem.empty()) return problem;
   const std::string extension = ExtensionOf(pFileName);
   if (inspected_ != pFileName) {
-    const std::string problem = IsNumbered(extension) ? VolumeProblem() : "";
-    return problem.empty() ? "its name has no archive's ending, and CheckArchive is 0" : problem;
+    const Reason problem = IsNumbered(extension) ? VolumeProblem() : Reason();
+    return problem.empty() ? why::kNoArchiveEnding : problem;
   }
   bool any_installed = false;
   for (const ArchiverRow& row : ArchiverRows()) {
     const bool is_installed = libraries_.IsInstalled(row);
     any_installed = any_installed || is_installed;
     if (extension != row.name) continue;
-    if (!is_installed) return std::string("no archiver library for ") + row.name + " is installed";
-    const std::string problem = libraries_.Problem(row);
-    if (!problem.empty())
-      return std::string("the archiver library for ") + row.name + " cannot be used: " + problem;
+    if (!is_installed) return why::kLibraryNotInstalled(row.name);
+    const Reason problem = libraries_.Problem(row);
+    if (!problem.empty()) return why::kLibraryUnusable(row.name, problem);
   }
-  return any_installed ? "no archiver library takes it for an archive" : "no archiver library is installed";
+  return any_installed ? why::kNoLibraryTakesIt : why::kNoLibraryInstalled;
 }
 
 // What the first library that accepts the file says of it; empty when it has nothing to say.
-std::string clsArchiver::VolumeProblem() {
+Reason clsArchiver::VolumeProblem() {
   for (const ArchiverRow& row : ArchiverRows()) {
     const ArchiverLibrary* library = libraries_.IsInstalled(row) ? libraries_.Use(row) : nullptr;
     if (library == nullptr || !library->Accepts(pFileName)) continue;
     std::vector<ExtractionProblem> problems;
     const ArchiveSession session(*library, environment_.user, pFileName, {}, &problems);
     const bool can_be_listed = !library->EntryNames(pFileName).empty();
-    return can_be_listed || problems.empty() ? "" : problems.front().reason;
+    return can_be_listed || problems.empty() ? Reason() : problems.front().reason;
   }
-  return "";
+  return {};
 }
 
 }  // namespace quendle

@@ -30,10 +30,10 @@ ExtractionGuard::ExtractionGuard(const std::string& destination,
   if (!result.ok() || (!missing_.empty() && safe + "/" != missing_)) folder_.reset();
 }
 
-std::string ExtractionGuard::Problem(const std::string& path) {
+Reason ExtractionGuard::Problem(const std::string& path) {
   platform::ExtractionFolder::Occupant occupant;
   const platform::Result result = folder_ ? folder_->Look(missing_ + path, &occupant) : platform::Success();
-  return result.code == platform::Code::kRefused ? result.reason + ": " + result.path : "";
+  return result.code == platform::Code::kRefused ? why::kAbout(result.reason, result.path) : Reason();
 }
 
 }  // namespace quendle

@@ -18,7 +18,7 @@ class ExtractionGuard {
 
   // Why nothing may be made at the safe path below the destination, as one English line with the path; empty where it may
   // as far as this is about.
-  std::string Problem(const std::string& path);
+  Reason Problem(const std::string& path);
 
  private:
   std::unique_ptr<platform::ExtractionFolder> folder_;  // null where there is nothing to guard

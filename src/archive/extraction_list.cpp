@@ -76,11 +76,10 @@ const EntryFilter::Pattern* EntryFilter::Unusable() const {
   return nullptr;
 }
 
-std::string EntryFilter::Problem() const {
+Reason EntryFilter::Problem() const {
   const Pattern* pattern = Unusable();
-  if (pattern == nullptr) return "";
-  return "the pattern " + pattern->text + " of " + pattern->key +
-         " cannot be used: " + pattern->expression.Error();
+  if (pattern == nullptr) return {};
+  return why::kEntryPatternUnusable(pattern->text, pattern->key, pattern->expression.Error());
 }
 
 std::vector<ExtractionGroup> GroupEntries(std::vector<std::string> names, bool flat) {

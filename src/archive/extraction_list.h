@@ -26,7 +26,7 @@ class EntryFilter {
 
   // Why a pattern fits nothing, as one line with the pattern and the key that it stands in; empty while all can be used.
   //   include "a;(" => "the pattern ( of Include cannot be used: missing closing parenthesis at offset 1"
-  std::string Problem() const;
+  Reason Problem() const;
 
  private:
   struct Pattern {

@@ -37,7 +37,7 @@ std::string OutputFolder(const std::string& destination, const std::string& sub_
 
 platform::Result CheckNameable(const std::string& path) {
   if (path.find('"') == std::string::npos) return platform::Success();
-  return Failure(platform::Code::kRefused, path, "a path with a double quote cannot be given to the library");
+  return Failure(platform::Code::kRefused, path, why::kPathHasQuote);
 }
 
 platform::Result CheckOutputFolder(const std::string& destination, const std::string& sub_folder) {
@@ -69,8 +69,8 @@ bool ExtractionRun::Extract(const std::vector<ExtractionGroup>& groups) {
     ExtractOneByOne();
   }
   if (result_ != 0 && context_.problems.size() == known_problems) {
-    const std::string error = "the archiver library reported error " + std::to_string(result_);
-    Fail(Failure(platform::Code::kFailed, "", context_.session.IsCancelled() ? "it was stopped" : error));
+    const Reason error = why::kLibraryError(result_);
+    Fail(Failure(platform::Code::kFailed, "", context_.session.IsCancelled() ? why::kStopped : error));
   }
   if (output.SHOWRESULT) context_.guarded([&output] { output.ShowOutputWindow(); });
   return result_ == 0;
@@ -90,7 +90,7 @@ bool ExtractionRun::WriteResponseFiles(const std::vector<ExtractionGroup>& group
 // Thousands of groups take a while before a library is called that reports progress.
 bool ExtractionRun::MayGoOn() {
   if (context_.session.MayGoOn()) return true;
-  Fail(Failure(platform::Code::kCancelled, "", "it was stopped"));
+  Fail(Failure(platform::Code::kCancelled, "", why::kStopped));
   return false;
 }
 
@@ -104,7 +104,7 @@ bool ExtractionRun::WriteResponseFile(const ExtractionGroup& group) {
   std::string path = runtime_folder.empty() ? "" : GetTempFilePath(true, runtime_folder);
   if (path.empty()) path = GetTempFilePath(true, "");
   if (path.empty()) {
-    Fail(Failure(platform::Code::kFailed, platform::TemporaryFolder(), "no temporary file can be made"));
+    Fail(Failure(platform::Code::kFailed, platform::TemporaryFolder(), why::kNoTemporaryFile));
     return false;
   }
   pairs_.push_back({path, group.sub_folder, ""});
@@ -127,7 +127,7 @@ void ExtractionRun::Prepare(Pair* pair) {
       pair->command_line = *line;
       return;
     }
-    result = Failure(platform::Code::kRefused, folder, "the library's encoding cannot hold the path");
+    result = Failure(platform::Code::kRefused, folder, why::kPathNotEncodable);
   }
   Fail(result);
   RemoveResponseFile(*pair);
@@ -182,9 +182,9 @@ bool ExtractionRun::Settle(const Pair& pair, const char* output, std::int32_t re
 }
 
 void ExtractionRun::Fail(const platform::Result& failure) {
-  std::string reason = failure.reason;
-  if (!failure.path.empty()) reason += ": " + failure.path;
-  context_.problems.push_back({"", std::move(reason)});
+  const bool is_somewhere = !failure.path.empty();
+  context_.problems.push_back(
+      {"", is_somewhere ? why::kAbout(failure.reason, failure.path) : failure.reason});
 }
 
 // The library may have removed it; what cannot be removed lies among other temporary files and harms nobody.

@@ -123,6 +123,10 @@ bool IsDeceptive(char32_t character) {
          (character >= 0x2066 && character <= 0x2069);
 }
 
+Reason ForDisplay(const Reason& reason) {
+  return reason.WithWords([](const std::string& words) { return ForDisplay(words); });
+}
+
 std::string FromDisplay(std::string_view shown, PathStyle style) {
   std::string name;
   while (!shown.empty()) {

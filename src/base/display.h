@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "base/modString.h"
+#include "reasons/reason.h"
 
 namespace quendle {
 
@@ -20,6 +21,10 @@ namespace quendle {
 // as it stands is its number, or that of a byte, between marks.
 //   a, line break, b  => a‹A›b      a, byte FF => a‹xFF›      a‹ => a‹2039›
 std::string ForDisplay(std::string_view name, PathStyle style = kHostStyle);
+
+// The same for the names in a reason, and whatever else in it is not the program's own, so that its sentence may have more
+// lines than one.
+Reason ForDisplay(const Reason& reason);
 
 // The name that ForDisplay shows so. What no name is shown as is taken as it stands, character by character.
 //   a.txt => a.txt      a\nb => a, line break, b      a\xFF => a, byte FF      a\\b => a\b      a\q => a\q

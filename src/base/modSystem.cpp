@@ -28,14 +28,13 @@ bool MakeDirNested(const std::string& path, platform::Result* why, std::vector<s
     if (FolderExists(part)) continue;
     platform::Result result = make(part);
     if (result.code == platform::Code::kExists) {
-      result = Failure(platform::Code::kNotFolder, part, "a file is where the folder should be");
+      result = Failure(platform::Code::kNotFolder, part, why::kFileInFoldersPlace);
     }
     // A root or a network share cannot be made and need not be: what counts is what is there in the end.
     if (!result.ok() && first_failure.ok()) first_failure = std::move(result);
   }
   if (FolderExists(whole)) return true;
-  if (first_failure.ok())
-    first_failure = Failure(platform::Code::kRefused, path, "this is not the path of a folder");
+  if (first_failure.ok()) first_failure = Failure(platform::Code::kRefused, path, why::kNoFolderPath);
   if (why != nullptr) *why = std::move(first_failure);
   return false;
 }

@@ -48,10 +48,33 @@ Engine& SharedEngine() {
   return engine;
 }
 
-std::string ErrorText(int code) {
+Reason ErrorReason(int code) {
   PCRE2_UCHAR text[160];
   pcre2_get_error_message(code, text, sizeof text);
-  return reinterpret_cast<const char*>(text);
+  const auto* const words = reinterpret_cast<const char*>(text);
+  switch (code) {
+    case PCRE2_ERROR_MISSING_CLOSING_PARENTHESIS:
+      return why::kNoClosingParenthesis(words);
+    case PCRE2_ERROR_UNMATCHED_CLOSING_PARENTHESIS:
+      return why::kNoOpeningParenthesis(words);
+    case PCRE2_ERROR_MISSING_SQUARE_BRACKET:
+      return why::kNoClosingBracket(words);
+    case PCRE2_ERROR_QUANTIFIER_INVALID:
+      return why::kNothingToRepeat(words);
+    case PCRE2_ERROR_END_BACKSLASH:
+      return why::kEndsInBackslash(words);
+    case PCRE2_ERROR_CLASS_RANGE_ORDER:
+      return why::kRangeOutOfOrder(words);
+    case PCRE2_ERROR_QUANTIFIER_OUT_OF_ORDER:
+      return why::kNumbersOutOfOrder(words);
+    case PCRE2_ERROR_QUANTIFIER_TOO_BIG:
+      return why::kNumberTooBig(words);
+    case PCRE2_ERROR_MATCHLIMIT:
+    case PCRE2_ERROR_DEPTHLIMIT:
+      return why::kMatchTakesTooLong(words);
+    default:
+      return Reason(words);
+  }
 }
 
 // In UTF-8, behind its first byte.
@@ -74,12 +97,14 @@ Regex::Regex(std::string_view pattern) {
   PCRE2_SIZE offset = 0;
   code_.reset(
       pcre2_compile(Units(pattern), pattern.size(), kOptions, &error, &offset, SharedEngine().compile));
-  if (code_ == nullptr) error_ = ErrorText(error) + " at offset " + std::to_string(offset);
+  if (code_ != nullptr) return;
+  cause_ = ErrorReason(error);
+  offset_ = offset;
 }
 
-Regex Regex::Unusable(std::string reason) {
+Regex Regex::Unusable(Reason reason) {
   Regex regex;
-  regex.error_ = std::move(reason);
+  regex.cause_ = std::move(reason);
   return regex;
 }
 
@@ -90,7 +115,7 @@ RegexAnswer Regex::MatchWhole(std::string_view subject) const {
                                 0, 0, engine.data, engine.match);
   if (found == PCRE2_ERROR_NOMATCH) return RegexAnswer::kNotWhole;
   if (found < 0) {
-    error_ = ErrorText(found);
+    cause_ = ErrorReason(found);
     return RegexAnswer::kError;
   }
   const PCRE2_SIZE* bounds = pcre2_get_ovector_pointer(engine.data);

@@ -4,8 +4,10 @@
 
 #include <cstddef>
 #include <memory>
-#include <string>
+#include <optional>
 #include <string_view>
+
+#include "reasons/reason.h"
 
 namespace quendle {
 
@@ -21,7 +23,7 @@ class Regex {
   explicit Regex(std::string_view pattern);
 
   // One that answers kError for a reason known beforehand.
-  static Regex Unusable(std::string reason);
+  static Regex Unusable(Reason reason);
 
   // Would replacing the first match in `subject` by nothing leave nothing? The first match is the leftmost
   // one with the earliest alternatives preferred, so a later alternative that would cover more does not
@@ -36,9 +38,13 @@ class Regex {
   //   ("\.zip", "A.ZIP") => true    ("A|AB", "ab") => true    ("b", "A.ZIP") => false    ("b*", "A") => false
   bool MatchesPart(std::string_view subject) const;
 
-  // Why an answer was kError, as one line: the compiler's words with the position in the pattern, or that the
-  // limit was reached, which is remembered through later answers. Empty while there was no such answer.
-  const std::string& Error() const { return error_; }
+  // Why an answer was kError: what is wrong with the pattern, and at which byte, or that the limit was reached, which is
+  // remembered through later answers. Empty while there was no such answer.
+  Reason Error() const { return offset_ ? why::kAtOffset(cause_, *offset_) : cause_; }
+
+  // The two parts of it. Without an offset it is not the pattern's spelling.
+  const Reason& ErrorCause() const { return cause_; }
+  std::optional<std::size_t> ErrorOffset() const { return offset_; }
 
  private:
   struct FreeCode {
@@ -47,7 +53,8 @@ class Regex {
   Regex() = default;
 
   std::unique_ptr<void, FreeCode> code_;
-  mutable std::string error_;
+  mutable Reason cause_;
+  std::optional<std::size_t> offset_;
 };
 
 }  // namespace quendle

@@ -30,4 +30,8 @@ std::string LoadText(int id, const std::vector<std::string>& values) {
   return text;
 }
 
+std::string LoadText(const Reason& reason) {
+  return Sentence(reason, Language::kJapanese);
+}
+
 }  // namespace quendle

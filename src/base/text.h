@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "reasons/reason.h"
+
 namespace quendle {
 
 // The text of an identifier of resources/string_table.h. An identifier that is not in the table is a
@@ -13,5 +15,9 @@ std::string LoadText(int id);
 
 // The same with "%1", "%2" ... replaced.
 std::string LoadText(int id, const std::vector<std::string>& values);
+
+// The sentence of a reason, in the language that these texts are in.
+//   why::kThereAlready => "すでにそこにあります"
+std::string LoadText(const Reason& reason);
 
 }  // namespace quendle

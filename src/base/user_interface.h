@@ -42,8 +42,8 @@ class UserInterface {
   // A password for the archive of that path; nothing when there is none (any more). With nobody to ask: none.
   virtual std::optional<std::string> AskPassword(const std::string& archive) = 0;
 
-  // May the work go on although something is suspicious, as the English sentence says? With nobody to ask: no.
-  virtual bool AskProceed(const std::string& question) = 0;
+  // May the work go on although something is suspicious, as the question says? With nobody to ask: no.
+  virtual bool AskProceed(const Reason& question) = 0;
 
   // Shows a message of one or more lines ("\r\n" between them) until the user has seen it. Names in it are as ForDisplay
   // shows them.

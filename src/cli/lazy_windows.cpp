@@ -17,10 +17,11 @@ constexpr std::chrono::seconds kQuietTime{1};
 
 Windows* LazyWindows::Get() {
   if (std::exchange(tried_, true)) return windows_.get();
-  std::string reason;
+  Reason reason;
   windows_ = loader_(&reason);
   if (!windows_) {
-    terminal_.ShowMessage(MessageKind::kCritical, "the windows cannot be shown: " + ForDisplay(reason));
+    terminal_.ShowMessage(MessageKind::kCritical,
+                          "the windows cannot be shown: " + ForDisplay(Sentence(reason, Language::kEnglish)));
   } else if (is_busy_) {
     windows_->Dialogs().SetBusy(true);
   }
@@ -49,7 +50,7 @@ std::optional<std::string> LazyWindows::AskPassword(const std::string& archive) 
   return Dialogs().AskPassword(archive);
 }
 
-bool LazyWindows::AskProceed(const std::string& question) {
+bool LazyWindows::AskProceed(const Reason& question) {
   return Dialogs().AskProceed(question);
 }
 
@@ -88,10 +89,10 @@ void LazyWindows::OpenFile(const std::string& path, const std::string& untrusted
   (windows_ ? windows_->Dialogs() : terminal_).OpenFile(path, untrusted_folder);
 }
 
-std::unique_ptr<Windows> LoadWindows(const WindowsHost& host, std::string* reason) {
+std::unique_ptr<Windows> LoadWindows(const WindowsHost& host, Reason* reason) {
   // It may have ended since the program began, and a toolkit that does not find it would end the process.
   if (!platform::HasDisplay()) {
-    *reason = "the display does not answer";
+    *reason = why::kDisplaySilent;
     return nullptr;
   }
   const std::string path =
@@ -100,14 +101,14 @@ std::unique_ptr<Windows> LoadWindows(const WindowsHost& host, std::string* reaso
   if (const platform::Result loaded =
           platform::Library::Load(path, &library, platform::Library::Binding::kWhenCalled);
       !loaded.ok()) {
-    *reason = loaded.path + ": " + loaded.reason;
+    *reason = why::kAbout(loaded.path, loaded.reason);
     return nullptr;
   }
   const auto make = library->Find<MakeWindowsFunction>(kMakeWindows);
   // What a toolkit leaves behind is called until the process ends.
   static_cast<void>(library.release());
   if (make != nullptr) return std::unique_ptr<Windows>(make(host, reason));
-  *reason = path + ": it is not the program's own library";
+  *reason = why::kAbout(path, why::kNotOwnLibrary);
   return nullptr;
 }
 

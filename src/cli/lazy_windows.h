@@ -16,7 +16,7 @@ namespace quendle {
 class LazyWindows : public UserInterface {
  public:
   // Gives the windows, or null with the reason.
-  using Loader = std::function<std::unique_ptr<Windows>(std::string* reason)>;
+  using Loader = std::function<std::unique_ptr<Windows>(Reason* reason)>;
 
   // `terminal` answers when the windows cannot be had.
   LazyWindows(UserInterface& terminal, Loader loader) : terminal_(terminal), loader_(std::move(loader)) {}
@@ -35,7 +35,7 @@ class LazyWindows : public UserInterface {
   bool AskMakeFolder(const std::string& folder) override;
   bool AskDelete(const std::string& path) override;
   std::optional<std::string> AskPassword(const std::string& archive) override;
-  bool AskProceed(const std::string& question) override;
+  bool AskProceed(const Reason& question) override;
   void ShowMessage(MessageKind kind, const std::string& text) override;
   void ShowExtractionLog(const std::string& text) override;
   bool ShowProgress(const platform::FileProgress& progress, bool simple) override;
@@ -58,6 +58,6 @@ class LazyWindows : public UserInterface {
 };
 
 // Loads the library in the program's module folder.
-std::unique_ptr<Windows> LoadWindows(const WindowsHost& host, std::string* reason);
+std::unique_ptr<Windows> LoadWindows(const WindowsHost& host, Reason* reason);
 
 }  // namespace quendle

@@ -69,9 +69,13 @@ std::string EntriesText(const ExtractionReport& extraction) {
   return text + ")";
 }
 
+std::string Shown(const Reason& error) {
+  return ForDisplay(Sentence(error, Language::kEnglish));
+}
+
 // An error may quote a path, whose bytes are anything.
-std::string ErrorText(const std::string& error) {
-  return platform::WithReplacementCharacters(error);
+std::string ErrorText(const Reason& error) {
+  return platform::WithReplacementCharacters(Sentence(error, Language::kEnglish));
 }
 
 // Such characters stand in strings only, where their numbers mean the same.
@@ -123,9 +127,9 @@ std::vector<std::string> ProblemLines(const DispatchReport& report) {
   std::vector<std::string> lines;
   const std::string path = ForDisplay(report.path);
   for (const ActionStep& step : report.steps) {
-    if (IsUndone(step)) lines.push_back(path + ": " + Describe(step) + ": " + ForDisplay(step.error));
+    if (IsUndone(step)) lines.push_back(path + ": " + Describe(step) + ": " + Shown(step.error));
   }
-  if (lines.empty() && !report.error.empty()) lines.push_back(path + ": " + ForDisplay(report.error));
+  if (lines.empty() && !report.error.empty()) lines.push_back(path + ": " + Shown(report.error));
   return lines;
 }
 

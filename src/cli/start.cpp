@@ -31,8 +31,10 @@ std::vector<std::string> SurplusPaths(const Options& options) {
 bool HasSettingsFolder(const Options& options) {
   if (options.settings.empty()) return true;
   const platform::Result checked = CheckChosenFolder(options.settings);
-  if (!checked.ok()) TerminalUser::Warn("--settings " + ForDisplay(checked.path) + ": " + checked.reason);
-  return checked.ok();
+  if (checked.ok()) return true;
+  TerminalUser::Warn("--settings " + ForDisplay(checked.path) + ": " +
+                     Sentence(checked.reason, Language::kEnglish));
+  return false;
 }
 
 bool ReadPassword(const std::string& file, std::optional<std::string>* password) {
@@ -44,7 +46,8 @@ bool ReadPassword(const std::string& file, std::optional<std::string>* password)
     *password = line;
     return true;
   }
-  const std::string reason = read.ok() ? "there is no password in its first line" : read.reason;
+  const std::string reason =
+      read.ok() ? "there is no password in its first line" : Sentence(read.reason, Language::kEnglish);
   TerminalUser::Warn("--password-file " + ForDisplay(file) + ": " + reason);
   return false;
 }

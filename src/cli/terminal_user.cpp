@@ -39,7 +39,9 @@ std::string AmountText(const platform::FileProgress& progress, double seconds) {
 }
 
 void WarnUnlessOpened(const std::string& path, const platform::Result& opened) {
-  if (!opened.ok()) TerminalUser::Warn(ForDisplay(path + ": it is not opened: " + opened.reason));
+  if (opened.ok()) return;
+  const std::string reason = Sentence(opened.reason, Language::kEnglish);
+  TerminalUser::Warn(ForDisplay(path + ": it is not opened: " + reason));
 }
 
 // Whatever an archive makes its library say is shown line by line, so that it can neither move the cursor nor
@@ -74,8 +76,8 @@ std::optional<std::string> TerminalUser::AskPassword(const std::string& archive)
   return password_;
 }
 
-bool TerminalUser::AskProceed(const std::string& question) {
-  WarnOfLines(question + ": no");
+bool TerminalUser::AskProceed(const Reason& question) {
+  WarnOfLines(Sentence(question, Language::kEnglish) + ": no");
   return false;
 }
 

@@ -23,7 +23,7 @@ class TerminalUser : public UserInterface {
   bool AskDelete(const std::string& path) override;
   // The one password there is, once for each archive.
   std::optional<std::string> AskPassword(const std::string& archive) override;
-  bool AskProceed(const std::string& question) override;
+  bool AskProceed(const Reason& question) override;
   void ShowMessage(MessageKind kind, const std::string& text) override;
   void ShowExtractionLog(const std::string& text) override;
   bool ShowProgress(const platform::FileProgress& progress, bool simple) override;

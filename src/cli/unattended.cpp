@@ -32,9 +32,10 @@ bool Print(const Options& options, const DispatchReport& report) {
   const std::string line = options.json ? JsonLine(report) : TextLine(report);
   std::printf("%s\n", line.c_str());
   const bool is_written = std::fflush(stdout) == 0;  // a reader sees each line when its file is done
-  const std::string reason = is_written ? "" : platform::LastSystemFailure("").reason;
+  const Reason reason = is_written ? Reason() : platform::LastSystemFailure("").reason;
   for (const std::string& problem : ProblemLines(report)) TerminalUser::Warn(problem);
-  if (!is_written) TerminalUser::Warn("the results cannot be written: " + reason);
+  if (!is_written)
+    TerminalUser::Warn("the results cannot be written: " + Sentence(reason, Language::kEnglish));
   return is_written;
 }
 

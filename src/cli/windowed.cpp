@@ -33,8 +33,8 @@ bool BecomeFirst(const Options& options, const SettingsFolders& folders,
   const std::string key = platform::WithRealFolder(AddBackslash(folders.application));
   const platform::Result claim = platform::RunningCopy::Claim(key, options.paths, copy);
   if (!claim.ok()) {
-    TerminalUser::Warn(
-        ForDisplay(claim.path + ": whether another copy is running cannot be found out: " + claim.reason));
+    TerminalUser::Warn(ForDisplay(claim.path + ": whether another copy is running cannot be found out: " +
+                                  Sentence(claim.reason, Language::kEnglish)));
     return true;
   }
   if (*copy) return true;
@@ -106,7 +106,7 @@ int Run(const Options& options, const SettingsFolders& folders, platform::Runnin
                                LoadText(kRunFault, {ForDisplay(fault.what())}));
     }
   };
-  LazyWindows windows(terminal, [&](std::string* reason) {
+  LazyWindows windows(terminal, [&](Reason* reason) {
     return LoadWindows({*made, copy, &platform::InterruptRequested, platform::InterruptHandle(), password,
                         all_windows->OperationBegin(), dispatch},
                        reason);

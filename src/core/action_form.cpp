@@ -6,7 +6,6 @@
 
 #include "base/display.h"
 #include "base/modSystem.h"
-#include "base/reasons.h"
 #include "base/text.h"
 #include "core/failure_text.h"
 #include "resources/string_table.h"
@@ -59,8 +58,7 @@ bool ActionForm::NeedsUser() const {
 platform::Result ActionForm::ReadTarget() {
   platform::Result result = environment_.mover.SetTarget();
   if (result.ok() && environment_.file_info.pFileNameLong().empty()) {
-    result =
-        Failure(platform::Code::kFailed, environment_.mover.ORIGINALPATH, "this is not an entry of a folder");
+    result = Failure(platform::Code::kFailed, environment_.mover.ORIGINALPATH, why::kNotInFolder);
   }
   return result;
 }
@@ -75,13 +73,13 @@ bool ActionForm::Fill() {
     if (IsMissing(found)) {
       missing_.push_back(path);
     } else {
-      Refuse(path, InJapanese(found.reason));
+      Refuse(path, LoadText(found.reason));
     }
     return false;
   }
   if (const platform::Result read = environment_.mover.SetItemDataToArray(); !read.ok()) {
-    NoteUndone(path, "the settings cannot be read: " + read.path + ": " + read.reason);
-    Refuse(read.path, InJapanese(read.reason));
+    NoteUndone(path, why::kSettingsUnreadable(why::kAbout(read.path, read.reason)));
+    Refuse(read.path, LoadText(read.reason));
     return false;
   }
   FillProfiles("");
@@ -116,7 +114,7 @@ void ActionForm::FillProfiles(const std::string& wanted) {
 
 void ActionForm::LoadProfile() {
   clsMover& mover = environment_.mover;
-  view_.problem = InJapanese(LoadValues());
+  view_.problem = LoadText(LoadValues());
   if (!view_.problem.empty()) {
     // What was read so far belongs to no profile.
     mover.ACTION = 0;
@@ -133,9 +131,9 @@ void ActionForm::LoadProfile() {
 }
 
 // Why the selected profile cannot be used; empty when it can.
-std::string ActionForm::LoadValues() {
+Reason ActionForm::LoadValues() {
   clsMover& mover = environment_.mover;
-  std::string why;
+  Reason why;
   if (const std::string title = SelectedTitle(); !title.empty()) {
     (void)mover.FillFromProfile(title, &why);
   } else if (mover.ARCHIVETYPE != 0 && mover.Settings().Standard().Flag(text_id::kTest)) {
@@ -163,17 +161,17 @@ bool ActionForm::Execute() {
   const platform::Result found = ReadTarget();
   if (!found.ok()) {
     NoteUndone(path, found.reason);
-    Refuse(path, InJapanese(found.reason));
+    Refuse(path, LoadText(found.reason));
     return true;
   }
   if (mover.DOESFOLDER != was_folder) {
-    Refuse(path, InJapanese("something else has taken its place"));
+    Refuse(path, LoadText(why::kReplaced));
     return !Fill();
   }
   std::string problem = view_.problem;
   // Of what nobody has looked at, the files were read a moment ago.
   if (problem.empty() && asks_ && !title.empty() && !mover.SettingsHold(title)) {
-    problem = InJapanese("the profile has been changed or removed, or cannot be read any more");
+    problem = LoadText(why::kProfileGone);
   }
   if (!problem.empty()) {
     Refuse(title.empty() ? LoadText(text_id::kNoProfile) : title, problem);
@@ -185,9 +183,9 @@ bool ActionForm::Execute() {
   return true;
 }
 
-void ActionForm::Refuse(const std::string& name, const std::string& reason) {
+void ActionForm::Refuse(const std::string& name, const std::string& problem) {
   environment_.user.ShowMessage(UserInterface::MessageKind::kExclamation,
-                                ForDisplay(name) + ": " + ForDisplay(reason));
+                                ForDisplay(name) + ": " + ForDisplay(problem));
 }
 
 void ActionForm::ReportFailure() {
@@ -201,18 +199,19 @@ void ActionForm::ReportFailure() {
   if (!text.empty()) environment_.user.ShowMessage(UserInterface::MessageKind::kExclamation, text);
 }
 
-void ActionForm::NoteUndone(const std::string& path, const std::string& reason) {
-  undone_.push_back(ForDisplay(path) + ": " + ForDisplay(reason));
+void ActionForm::NoteUndone(const std::string& path, const Reason& reason) {
+  undone_.push_back(ForDisplay(path) + ": " + ForDisplay(Sentence(reason, Language::kEnglish)));
 }
 
 void ActionForm::Skip() {
-  NoteUndone(environment_.mover.ORIGINALPATH, "skipped");
+  NoteUndone(environment_.mover.ORIGINALPATH, why::kSkipped);
 }
 
 void ActionForm::SkipRest() {
   clsMover& mover = environment_.mover;
   Skip();
-  while (++mover.CMDLINECURRENT <= mover.CMDLINEMAX) NoteUndone(mover.CurrentCmdLineString(), "not begun");
+  while (++mover.CMDLINECURRENT <= mover.CMDLINEMAX)
+    NoteUndone(mover.CurrentCmdLineString(), why::kNotBegunYet);
 }
 
 std::string ActionForm::SelectedTitle() const {
@@ -224,8 +223,8 @@ void ActionForm::Reload(const std::string& title) {
   FillProfiles(title);
   LoadProfile();
   if (read.ok()) return;
-  Refuse(read.path, InJapanese(read.reason));
-  view_.problem = InJapanese(read.reason);
+  Refuse(read.path, LoadText(read.reason));
+  view_.problem = LoadText(read.reason);
   UpdateView();
 }
 

@@ -121,10 +121,10 @@ class ActionForm {
   bool Fill();
   void FillProfiles(const std::string& wanted);
   void LoadProfile();
-  std::string LoadValues();
+  Reason LoadValues();
   void LeaveOutExtraction();
   bool NeedsUser() const;
-  void Refuse(const std::string& name, const std::string& reason);
+  void Refuse(const std::string& name, const std::string& problem);
   std::string& Destination(std::size_t row);
   void FillField(std::size_t row, const std::string& folder);
   void RememberFolder(std::size_t row);
@@ -133,7 +133,7 @@ class ActionForm {
   void UpdateMarks();
   std::string TitleText() const;
   void ReportFailure();
-  void NoteUndone(const std::string& path, const std::string& reason);
+  void NoteUndone(const std::string& path, const Reason& reason);
 
   Environment environment_;
   std::optional<std::string> profile_;

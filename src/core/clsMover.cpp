@@ -58,7 +58,7 @@ platform::Result clsMover::SetTarget() {
   if (const std::string& real = environment_.file_info.pFilePathLong(); !real.empty()) ORIGINALPATH = real;
   if (platform::Result read = ReadKind(); !read.ok()) return read;
   if (!IsAssumedGone(ORIGINALPATH)) return platform::Success();
-  return Failure(platform::Code::kNotFound, ORIGINALPATH, "an earlier path of this run takes it away");
+  return Failure(platform::Code::kNotFound, ORIGINALPATH, why::kTakenEarlier);
 }
 
 // A link to a folder counts as one, and a link that leads nowhere as a file.
@@ -127,10 +127,9 @@ bool clsMover::SettingsHold(const std::string& title) const {
   return now == snapshot_ || SameValues(*snapshot_, *now, title);
 }
 
-bool clsMover::FillFromProfile(const std::string& title, std::string* why) {
+bool clsMover::FillFromProfile(const std::string& title, Reason* why) {
   const std::optional<ProfileValues> profile = snapshot_->Profile(title);
-  *why = profile ? ProfileProblem(title, *snapshot_)
-                 : "the profile has been changed or removed, or cannot be read any more";
+  *why = profile ? ProfileProblem(title, *snapshot_) : why::kProfileGone;
   if (!why->empty()) return false;
   FillFrom(*profile);
   return true;
@@ -152,10 +151,9 @@ void clsMover::FillFrom(const ProfileValues& profile) {
   COPYTO = GetTargetPathByFolder(4, COPYINTO);
 }
 
-bool clsMover::FillFromTestSettings(std::string* why) {
+bool clsMover::FillFromTestSettings(Reason* why) {
   const SettingsValues& test = snapshot_->Test();
-  *why = FolderProblem("the folder of the test settings", test.Text(text_id::kExtractTo),
-                       snapshot_->files().test);
+  *why = FolderProblem(why::kFolderOfTest, test.Text(text_id::kExtractTo), snapshot_->files().test);
   if (!why->empty()) return false;
   SetDefaultItemData();
   ACTION = static_cast<std::int16_t>(StepKind::kExtract);
@@ -184,11 +182,11 @@ void clsMover::SetDefaultItemData() {
 std::vector<std::string> clsMover::ProfileProblems(bool also_idle) const {
   std::vector<std::string> problems;
   for (const ProfileIndexEntry& entry : ProfileIndex) {
-    const auto tell = [&](const std::string& text) {
-      if (!text.empty()) problems.push_back("profile " + entry.Title + ": " + text);
+    const auto tell = [&](const Reason& problem) {
+      if (problem.empty()) return;
+      problems.push_back(Sentence(why::kInProfile(entry.Title, problem), Language::kEnglish));
     };
-    const std::string& error = entry.expression.Error();
-    if (!error.empty()) tell("its pattern cannot be used: " + error);
+    if (const Reason error = entry.expression.Error(); !error.empty()) tell(why::kPatternUnusable(error));
     const ProfileValues profile = *snapshot_->Profile(entry.Title);
     tell(ProfileProblem(entry.Title, *snapshot_));
     tell(EntryPatternProblem(profile));

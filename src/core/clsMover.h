@@ -44,7 +44,7 @@ struct ActionStep {
   StepKind kind;
   std::string to;  // the folder extracted into; the final path of a copy or move
   StepResult result;
-  std::string error;                                          // why it failed or was skipped
+  Reason error;                                               // why it failed or was skipped
   std::optional<ExtractionReport> extraction = std::nullopt;  // of an extraction that was planned or tried
   bool asks = false;     // planned: the user is asked first whether what is there may be overwritten
   bool by_user = false;  // it was left undone because the user cancelled or declined, and for no other reason
@@ -125,8 +125,8 @@ class clsMover {
   // none; from the standard settings, which leave SMARTMAKEDIR and OPENDIR as they are and compute no
   // destinations. The first two are false when there is no such profile or it must not be acted on: a value may have
   // been cut, was saved in another encoding, or is a folder with control characters in it. The answer is in `*why`.
-  bool FillFromProfile(const std::string& title, std::string* why);
-  bool FillFromTestSettings(std::string* why);
+  bool FillFromProfile(const std::string& title, Reason* why);
+  bool FillFromTestSettings(Reason* why);
   void SetDefaultItemData();
 
   // The path that a folder chosen for one kind of action (1 extraction, 2 move, 4 copy) leads to: the folder
@@ -164,8 +164,8 @@ class clsMover {
   std::vector<ActionStep> WalkSteps(bool execute, bool somebody_answers);
   ActionStep MakeStep(StepKind kind, bool execute) const;
   std::string FinalPath(StepKind kind) const;
-  std::string KnownProblem(const ActionStep& step, bool execute) const;
-  std::string PlaceProblem(const ActionStep& step, bool execute) const;
+  Reason KnownProblem(const ActionStep& step, bool execute) const;
+  Reason PlaceProblem(const ActionStep& step, bool execute) const;
   const std::string* ChoosesNameIn(StepKind kind) const;
   void PlanOtherName(ActionStep* step, const std::vector<ActionStep>& earlier);
   bool WouldAsk(const ActionStep& step, const std::vector<ActionStep>& earlier) const;

@@ -20,8 +20,8 @@ bool Includes(std::int16_t action, StepKind kind) {
   return (action & static_cast<std::int16_t>(kind)) != 0;
 }
 
-std::string Described(const platform::Result& place) {
-  return place.ok() ? "" : place.reason + ": " + place.path;
+Reason Described(const platform::Result& place) {
+  return place.ok() ? Reason() : why::kAbout(place.reason, place.path);
 }
 
 class BusyScope {
@@ -59,7 +59,7 @@ std::vector<ActionStep> clsMover::WalkSteps(bool execute, bool somebody_answers)
     if (!execute) PlanOtherName(&step, steps);
     if (stopped) {
       step.result = StepResult::kSkipped;
-      step.error = "not tried, because the step before it failed";
+      step.error = why::kNotTried;
       step.by_user = stopped_by_user;
     } else if (step.result == StepResult::kPlanned && execute) {
       step.result = RunStep(&step) ? StepResult::kDone : StepResult::kFailed;
@@ -69,8 +69,7 @@ std::vector<ActionStep> clsMover::WalkSteps(bool execute, bool somebody_answers)
       step.asks = somebody_answers;
       if (!step.asks) {
         step.result = StepResult::kFailed;
-        step.error = DOESFOLDER ? "files in it exist there already, and nothing is overwritten unasked"
-                                : "a file of that name exists already, and nothing is overwritten unasked";
+        step.error = DOESFOLDER ? why::kFilesExistUnasked : why::kFileExistsUnasked;
       }
     }
     if (step.result == StepResult::kFailed && !(ACTION == 7 && kind == StepKind::kCopy)) {
@@ -83,10 +82,10 @@ std::vector<ActionStep> clsMover::WalkSteps(bool execute, bool somebody_answers)
 }
 
 ActionStep clsMover::MakeStep(StepKind kind, bool execute) const {
-  ActionStep step{kind, FinalPath(kind), StepResult::kPlanned, ""};
+  ActionStep step{kind, FinalPath(kind), StepResult::kPlanned, {}};
   if (IsMoveIntoOwnFolder(kind)) {
     step.result = StepResult::kSkipped;
-    step.error = "it is in that folder already";
+    step.error = why::kInThatFolder;
     return step;
   }
   step.error = KnownProblem(step, execute);
@@ -106,33 +105,33 @@ bool clsMover::IsMoveIntoOwnFolder(StepKind kind) const {
          RemoveBackslash(MOVETO) == environment_.file_info.pFolderPathLong();
 }
 
-std::string clsMover::KnownProblem(const ActionStep& step, bool execute) const {
+Reason clsMover::KnownProblem(const ActionStep& step, bool execute) const {
   if (step.kind == StepKind::kExtract && ARCHIVETYPE == 0) {
     archiver_->pFileName = ORIGINALPATH;
     return archiver_->WhyNoType();
   }
-  if (step.to.empty()) return "no destination folder is set";
-  if (!IsRootedPath(step.to)) return "the destination folder is not an absolute path";
+  if (step.to.empty()) return why::kNoDestination;
+  if (!IsRootedPath(step.to)) return why::kDestinationNotAbsolute;
   // Through links it would not lead where it seems to, and folders that are made on the way would stay.
-  if (HasParentComponent(step.to)) return "the destination folder has \"..\" in it";
+  if (HasParentComponent(step.to)) return why::kDestinationGoesUp;
   if (step.kind != StepKind::kExtract) return PlaceProblem(step, execute);
-  return FolderExists(step.to) ? "" : Described(platform::CheckPlace(step.to));
+  return FolderExists(step.to) ? Reason() : Described(platform::CheckPlace(step.to));
 }
 
 // What only the rights of folders tell, an operation that is done finds out by itself.
-std::string clsMover::PlaceProblem(const ActionStep& step, bool execute) const {
+Reason clsMover::PlaceProblem(const ActionStep& step, bool execute) const {
   if (DOESFOLDER) {
     const std::string own = AddBackslash(platform::WithRealFolder(ORIGINALPATH));
     const std::string into = SplitPath(platform::WithRealFolder(step.to)).folder;
-    if (AddBackslash(into).starts_with(own)) return "a folder cannot go into itself";
+    if (AddBackslash(into).starts_with(own)) return why::kIntoItself;
   }
   if (platform::EntryStatus there; platform::ReadStatus(step.to, &there).ok()) {
-    if (step.kind == StepKind::kMove && IsTarget(there)) return "it is there already";
+    if (step.kind == StepKind::kMove && IsTarget(there)) return why::kThereAlready;
     const bool is_folder = there.is_folder() || (there.is_link() && FolderExists(step.to));
-    if (!DOESFOLDER && is_folder) return "a folder of that name is in the way";
-    if (DOESFOLDER && !is_folder) return "a file of that name is in the way";
+    if (!DOESFOLDER && is_folder) return why::kFolderInWay;
+    if (DOESFOLDER && !is_folder) return why::kFileInWay;
   }
-  if (execute) return "";
+  if (execute) return {};
   platform::Result place = platform::CheckPlace(step.to);
   if (place.ok() && step.kind == StepKind::kMove) place = platform::CheckPlace(ORIGINALPATH);
   return Described(place);
@@ -180,7 +179,7 @@ bool clsMover::RunStep(ActionStep* step) {
   step->error = failure.reason;
   step->by_user = operation_.FailedByUser();
   const bool is_elsewhere = failure.path != step->to && failure.path != ORIGINALPATH;
-  if (is_elsewhere && !failure.path.empty()) step->error += ": " + failure.path;
+  if (is_elsewhere && !failure.path.empty()) step->error = why::kAbout(failure.reason, failure.path);
   return false;
 }
 

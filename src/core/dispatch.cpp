@@ -20,18 +20,17 @@ bool ChooseProfile(clsMover* mover, const DispatchOptions& options, DispatchRepo
     report->profile = report->matches.front();
   } else if (report->matches.size() > 1) {
     report->outcome = Outcome::kAmbiguous;
-    report->error = std::to_string(report->matches.size()) +
-                    " profiles match, name one with --profile: " + JoinTitles(report->matches);
+    report->error = why::kSeveralMatch(report->matches.size(), JoinTitles(report->matches));
     return false;
   } else if (mover->ARCHIVETYPE != 0 && mover->Settings().Standard().Flag(text_id::kTest)) {
     return mover->FillFromTestSettings(&report->error);
   } else {
     report->outcome = Outcome::kUnmatched;
-    report->error = "no profile matches the name";
+    report->error = why::kNoneMatches;
     return false;
   }
   if (mover->FillFromProfile(*report->profile, &report->error)) return true;
-  report->error.insert(0, "profile " + *report->profile + ": ");
+  report->error = why::kInProfile(*report->profile, report->error);
   return false;
 }
 
@@ -51,11 +50,11 @@ DispatchReport DispatchCurrent(clsMover* mover, const clsFileInfo& file_info,
     return report;
   }
   if (report.name.empty()) {
-    report.error = "this is not an entry of a folder";
+    report.error = why::kNotInFolder;
     return report;
   }
   if (const platform::Result read = mover->SetItemDataToArray(); !read.ok()) {
-    report.error = "the settings cannot be read: " + read.path + ": " + read.reason;
+    report.error = why::kSettingsUnreadable(why::kAbout(read.path, read.reason));
     return report;
   }
   const std::vector<std::string> titles = mover->GetAccordantTitles();

@@ -27,7 +27,7 @@ struct DispatchReport {
   std::optional<std::string> profile;  // the title of the one that was taken
   std::vector<ActionStep> steps;
   Outcome outcome = Outcome::kFailed;
-  std::string error;  // empty unless something failed or was left undone
+  Reason error;  // empty unless something failed or was left undone
 };
 
 struct DispatchOptions {

@@ -4,7 +4,6 @@
 
 #include "base/display.h"
 #include "base/modSystem.h"
-#include "base/reasons.h"
 #include "base/text.h"
 #include "resources/string_table.h"
 
@@ -19,7 +18,7 @@ std::string Problems(const std::vector<ExtractionProblem>& problems) {
   for (std::size_t i = 0; i < shown; ++i) {
     const ExtractionProblem& problem = problems[i];
     text += "\r\n" + (problem.entry.empty() ? "" : ForDisplay(problem.entry) + ": ") +
-            ForDisplay(InJapanese(problem.reason));
+            ForDisplay(LoadText(problem.reason));
   }
   if (shown < problems.size()) {
     text += "\r\n" + LoadText(text_id::kMoreProblems, {std::to_string(problems.size() - shown)});
@@ -50,7 +49,7 @@ std::string FailureText(const std::string& path, const std::vector<ActionStep>& 
     if (step.extraction && !step.extraction->problems.empty()) {
       text += Problems(step.extraction->problems);
     } else {
-      text += "\r\n" + ForDisplay(InJapanese(step.error));
+      text += "\r\n" + ForDisplay(LoadText(step.error));
     }
   }
   return text.empty() ? "" : ForDisplay(path) + text;

@@ -19,7 +19,7 @@ std::vector<std::string> Arguments(const std::vector<std::string>& paths) {
 }
 
 std::string Describe(const platform::Result& failure) {
-  return failure.path + ": " + failure.reason;
+  return failure.path + ": " + Sentence(failure.reason, Language::kEnglish);
 }
 
 }  // namespace
@@ -107,8 +107,8 @@ std::vector<std::string> SettingsWarnings(const Globals& globals) {
   const std::string& items = globals.g_PropItem->FileName();
   if (settings->files().items == nullptr) {
     warnings.push_back(items + ": there is no such file, and so there are no profiles");
-  } else if (const std::string& problem = settings->files().items->SectionProblem(); !problem.empty()) {
-    warnings.push_back(items + ": " + problem);
+  } else if (const Reason& problem = settings->files().items->SectionProblem(); !problem.empty()) {
+    warnings.push_back(items + ": " + Sentence(problem, Language::kEnglish));
   } else if (settings->Titles().empty()) {
     warnings.push_back(items + ": there are no profiles in it");
   }

@@ -3,14 +3,16 @@
 
 #include <string>
 
+#include "base/regex.h"
+
 namespace quendle {
 
 // One line in the language of the windows, with the place where the pattern goes wrong; empty for a pattern that can be
-// used. What the engine says that has no translation stays as it says it.
+// used.
 //   "a(" => 2 文字目: 閉じ括弧「)」がありません
 std::string PatternProblem(const std::string& pattern);
 
-// The same for what Regex::Error() has said of the pattern, which may also have taken too long on some name.
-std::string PatternProblem(const std::string& pattern, const std::string& error);
+// The same for what `expression`, which is the pattern's, has met; it may also have taken too long on some name.
+std::string PatternProblem(const std::string& pattern, const Regex& expression);
 
 }  // namespace quendle

@@ -6,7 +6,6 @@
 
 #include "base/display.h"
 #include "base/modString.h"
-#include "base/reasons.h"
 #include "base/text.h"
 #include "core/pattern_problem.h"
 #include "core/profile_match.h"
@@ -107,12 +106,12 @@ void ProfileList::TakeRows(const SettingsSnapshot& snapshot) {
     const ProfileValues profile = *snapshot.Profile(title);
     rows_.push_back(RowOf(title, profile));
     if (!problem_.empty()) continue;
-    const std::string problem = ProfileProblem(title, snapshot);
-    if (!problem.empty()) problem_ = LoadText(kProfileProblem, {ForDisplay(title), InJapanese(problem)});
+    const Reason problem = ProfileProblem(title, snapshot);
+    if (!problem.empty()) problem_ = LoadText(kProfileProblem, {ForDisplay(title), LoadText(problem)});
   }
   const platform::ProfileParse& items = snapshot.files().items;
   if (items != nullptr && !items->SectionProblem().empty()) {
-    problem_ = LoadText(text_id::kItemsFile) + ": " + InJapanese(items->SectionProblem());
+    problem_ = LoadText(text_id::kItemsFile) + ": " + LoadText(items->SectionProblem());
   }
 }
 
@@ -154,7 +153,7 @@ NameMatch ProfileList::MatchOf(std::size_t row) const {
   const std::string subject = MatchSubject(tested_name_);
   const Regex& expression = ExpressionOf(row);
   if (expression.MatchWhole(subject) == RegexAnswer::kError) {
-    return {Kind::kError, 0, PatternProblem(rows_[row].pattern, expression.Error())};
+    return {Kind::kError, 0, PatternProblem(rows_[row].pattern, expression)};
   }
   return {expression.MatchesPart(subject) ? Kind::kPartOnly : Kind::kNoMatch, 0, ""};
 }
@@ -168,8 +167,7 @@ std::vector<std::string> ProfileList::Titles() const {
 platform::Result ProfileList::CheckThere(const std::string& title) const {
   const std::vector<std::string> titles = Titles();
   if (std::find(titles.begin(), titles.end(), title) != titles.end()) return platform::Success();
-  return Failure(platform::Code::kNotFound, title,
-                 "the profile has been changed or removed, or cannot be read any more");
+  return Failure(platform::Code::kNotFound, title, why::kProfileGone);
 }
 
 std::string ProfileList::NewTitleProblem(const std::string& title, const std::string& old_title) const {

@@ -5,7 +5,7 @@
 
 namespace quendle {
 Regex ProfileRegex(const std::string& pattern) {
-  return MayBeCut(pattern) ? Regex::Unusable("it is too long to be read whole") : Regex(pattern);
+  return MayBeCut(pattern) ? Regex::Unusable(why::kPatternMayBeCut) : Regex(pattern);
 }
 
 std::string MatchSubject(std::string_view name) {

@@ -13,8 +13,6 @@ namespace {
 
 using Kind = SettingKey::Kind;
 
-constexpr const char* kFolderOfProfile = "a folder of the profile";
-
 bool HasControlCharacter(const std::string& text) {
   return std::any_of(text.begin(), text.end(),
                      [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
@@ -25,55 +23,47 @@ bool IsMisread(const std::string& text, const platform::ProfileParse& file) {
   return file != nullptr && file->IsAnsi() && platform::LooksLikeMisreadUtf8(text);
 }
 
-// What saved files look like that were not saved in the code page.
-std::string Misread(const std::string& what) {
-  return what +
-         " looks like UTF-8, but is read as Japanese Windows text (CP932): save the file as UTF-8 with a "
-         "mark (BOM)";
-}
-
 }  // namespace
 
-std::string FolderProblem(const std::string& name, const std::string& folder,
-                          const platform::ProfileParse& file) {
-  if (MayBeCut(folder)) return name + " is too long to be read whole";
-  if (HasControlCharacter(folder)) return name + " has a control character in it";
-  return IsMisread(folder, file) ? Misread(name) : "";
+Reason FolderProblem(const Reason& name, const std::string& folder, const platform::ProfileParse& file) {
+  if (MayBeCut(folder)) return why::kValueMayBeCut(name);
+  if (HasControlCharacter(folder)) return why::kControlCharacter(name);
+  return IsMisread(folder, file) ? why::kMisread(name) : Reason();
 }
 
-std::string ProfileProblem(const std::string& title, const SettingsSnapshot& settings) {
+Reason ProfileProblem(const std::string& title, const SettingsSnapshot& settings) {
   const ProfileValues profile = *settings.Profile(title);
   const SettingsSnapshot::Files& files = settings.files();
-  if (IsMisread(title, files.items)) return Misread("its title");
+  if (IsMisread(title, files.items)) return why::kMisread(why::kItsTitle);
   for (const SettingKey& key : SettingKeys()) {
     if (!key.IsIn(SettingsFile::kProfile) || key.kind == Kind::kFlag || key.kind == Kind::kNumber) continue;
     const std::string text = profile.Text(key.name);
     const platform::ProfileParse& file = profile.IsInherited(key.name) ? files.standard : files.items;
     if (key.kind == Kind::kFolder) {
-      if (std::string problem = FolderProblem(kFolderOfProfile, text, file); !problem.empty()) return problem;
+      if (Reason problem = FolderProblem(why::kFolderOfProfile, text, file); !problem.empty()) return problem;
     } else if (IsMisread(text, file)) {
-      return Misread("its " + LoadText(key.name));
+      return why::kMisread(why::kItsValue(LoadText(key.name)));
     }
   }
   const bool extracts = (profile.Number(text_id::kAction) & 1) != 0;
   if (extracts && (MayBeCut(profile.Text(text_id::kInclude)) || MayBeCut(profile.Text(text_id::kExclude)))) {
-    return "Include or Exclude of the profile is too long to be read whole";
+    return why::kEntryPatternsMayBeCut;
   }
-  return "";
+  return {};
 }
 
-std::string EntryPatternProblem(const ProfileValues& profile) {
+Reason EntryPatternProblem(const ProfileValues& profile) {
   return EntryFilter(profile.Text(text_id::kInclude), profile.Text(text_id::kExclude)).Problem();
 }
 
-std::string IdleKeys(const ProfileValues& profile) {
-  if (profile.Flag(text_id::kId)) return "";
+Reason IdleKeys(const ProfileValues& profile) {
+  if (profile.Flag(text_id::kId)) return {};
   std::string names;
   for (const SettingKey& key : SettingKeys()) {
     if (key.inherited != SettingKey::Inherited::kWithoutId || profile.Stored(key.name).empty()) continue;
     names += (names.empty() ? "" : ", ") + LoadText(key.name);
   }
-  return names.empty() ? "" : names + ": not used, because ID is not 1";
+  return names.empty() ? Reason() : why::kIdleKeys(names);
 }
 
 bool SameValues(const SettingsSnapshot& a, const SettingsSnapshot& b, const std::string& title) {

@@ -51,6 +51,6 @@ struct WindowsHost {
 // Exported by the library under this name. Null, with the reason in `*reason`, when no window can be shown. One call
 // in a process.
 inline constexpr const char* kMakeWindows = "QuendleMakeWindows";
-using MakeWindowsFunction = Windows* (*)(const WindowsHost& host, std::string* reason);
+using MakeWindowsFunction = Windows* (*)(const WindowsHost& host, Reason* reason);
 
 }  // namespace quendle

@@ -21,7 +21,7 @@ void clsFileInfo::Class_Initialize() {
 bool clsFileInfo::SetFilename(const std::string& path) {
   Class_Initialize();
   if (path.empty() || (path.size() > 1 && path.back() == Separator(kHostStyle))) {
-    last_failure_ = Failure(platform::Code::kNotFound, path, "No such file or directory");
+    last_failure_ = Failure(platform::Code::kNotFound, path, why::kNotFound("No such file or directory"));
     return false;
   }
   last_failure_ = platform::ReadStatus(path, &status_);

@@ -112,7 +112,7 @@ bool clsFileOperation::Operate(Kind kind, const std::string& source, const std::
 
 Result clsFileOperation::Delete(const std::string& path) {
   const bool asks = !Has(FOF_NOCONFIRMATION) && !Has(FOF_ALLOWUNDO);
-  if (asks && !user_.AskDelete(path)) return Failure(Code::kCancelled, path, "it was not to be deleted");
+  if (asks && !user_.AskDelete(path)) return Failure(Code::kCancelled, path, why::kNotToBeDeleted);
   Observer observer(user_, pShowDialog(), pSimpleProgress(), true);
   return platform::DeleteEntry(path, Options(), &observer);
 }
@@ -142,7 +142,7 @@ Result clsFileOperation::Transfer(Kind kind, const std::string& source, const st
 
 Result clsFileOperation::MakeDestination(const std::string& folder, std::vector<std::string>* made) {
   if (!Has(FOF_NOCONFIRMMKDIR) && !user_.AskMakeFolder(folder)) {
-    return Failure(Code::kCancelled, folder, "the folder was not to be made");
+    return Failure(Code::kCancelled, folder, why::kFolderNotToBeMade);
   }
   Result why;
   return MakeDirNested(folder, &why, made) ? platform::Success() : why;

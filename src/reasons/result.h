@@ -7,9 +7,11 @@
 #include <string>
 #include <utility>
 
+#include "reasons/reason.h"
+
 namespace quendle::platform {
 
-// Kinds of failure that callers act on; everything else is kFailed with the system's own words.
+// Kinds of failure that callers act on; everything else is kFailed with its reason.
 enum class Code {
   kOk,
   kNotFound,   // the path does not exist
@@ -25,8 +27,8 @@ enum class Code {
 
 struct [[nodiscard]] Result {
   Code code = Code::kOk;
-  std::string path;    // the path it happened on, as bytes of the file system; may be empty
-  std::string reason;  // one English line without the path and without a full stop
+  std::string path;  // the path it happened on, as bytes of the file system; may be empty
+  Reason reason;
 
   bool ok() const { return code == Code::kOk; }
 };
@@ -35,8 +37,7 @@ inline Result Success() {
   return {};
 }
 
-// A failure that this program decides on, with its own words.
-inline Result Failure(Code code, std::string path, std::string reason) {
+inline Result Failure(Code code, std::string path, Reason reason) {
   return {code, std::move(path), std::move(reason)};
 }
 

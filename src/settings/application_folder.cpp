@@ -38,10 +38,10 @@ platform::Result CheckChosenFolder(const std::string& chosen) {
   const std::string folder = Together(chosen).application;
   if (FolderExists(folder)) return platform::Success();
   if (platform::IsTaken(folder))
-    return platform::Failure(platform::Code::kRefused, folder, "this is not a folder");
+    return platform::Failure(platform::Code::kRefused, folder, why::kThisIsNoFolder);
   const std::string parent = RemoveBackslashes(SplitPath(folder).folder);
   if (FolderExists(parent)) return platform::Success();
-  return platform::Failure(platform::Code::kNotFound, folder, "there is no folder to make it in");
+  return platform::Failure(platform::Code::kNotFound, folder, why::kNoParentFolder);
 }
 
 }  // namespace quendle

@@ -90,7 +90,7 @@ platform::Result WriteText(const std::string& path, const std::string& text, std
     case kAppendText:
       return AppendText(path, text, as_unicode);
     default:
-      return platform::Failure(platform::Code::kRefused, path, "there is no such way of writing");
+      return platform::Failure(platform::Code::kRefused, path, why::kNoSuchWayToWrite);
   }
 }
 

@@ -104,7 +104,7 @@ Result RunSettings::ReadFile(File* file, ProfileParse* parse) {
       (file->section.empty() ? !SectionNames((*parse)->text()).empty() : (*parse)->HasSection(file->section));
   if (file->had_section && !has_section) {
     return Failure(platform::Code::kFailed, file->path,
-                   file->section.empty() ? "its profiles have gone" : "its section [General] has gone");
+                   file->section.empty() ? why::kProfilesGone : why::kGeneralGone);
   }
   file->had_section = has_section;
   file->parse = *parse;

@@ -81,6 +81,11 @@ GTEST_TEST(ClsArchiverExtract, WhatIsLeftToExtract) {
        {"e: its checksum is wrong", "e: x"}},
       {"entry a\nresult 32\n", "", false, one, {": the archiver library reported error 32"}},
       {"entry a\nresult 3\nproblem no\n", "", false, one, {"e: no"}},
+      {"entry a\ntold kVolumeMissing|x: %1\ntold kStopped|x\ntold kOfLaterVersion|x\n",
+       "",
+       false,
+       one,
+       {"e: the volume x: %1 is missing", "e: as it was told", "e: as it was told"}},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.script);
@@ -132,8 +137,8 @@ GTEST_TEST(ClsArchiverExtract, PlacesThatCannotBeUsed) {
       ASSERT_EQ(bench.Take(row.archive, "accept SevenZip\nentry T/a\nentry T/s/b\n"), 5);
       bench.archiver.SMARTMAKEDIR = true;
       EXPECT_FALSE(bench.archiver.mExtractArchive(bench.folder / row.destination));
-      const std::string problem = DescribeProblems(bench.archiver.LastReport().problems);
-      EXPECT_NE(problem.find(row.reason), std::string::npos) << problem;
+      const Reason problem = DescribeProblems(bench.archiver.LastReport().problems);
+      EXPECT_NE(English(problem).find(row.reason), std::string::npos) << problem;
       EXPECT_EQ(bench.Calls(), row.calls);
       EXPECT_TRUE(fs::is_empty(bench.folder / row.temporary));
     }

@@ -56,7 +56,7 @@ GTEST_TEST(ClsArchiver, SaysWhyAFileHasNoType) {
     bench.archiver.pFileName = bench.folder / name;
     const int type = is_asked ? bench.archiver.GetArcType() : 0;
     EXPECT_EQ(type, 0);
-    const std::string reason = bench.archiver.WhyNoType();
+    const std::string reason = English(bench.archiver.WhyNoType());
     return reason.substr(0, reason.find(bench.folder.path()));
   };
   test::WriteFile(bench.folder / "b.txt", "x");

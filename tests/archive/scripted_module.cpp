@@ -8,6 +8,7 @@
 //   closed            it cannot be opened
 //   listing REASON    a problem to report while it is listed
 //   problem REASON    a problem to report during the first command, of the entry "e"
+//   told NAME|WORDS   the same as a reason of that name with one part
 //   password TEXT     to be asked for until it is given
 //   charset NAME      commands fail without this encoding of names in the session
 //   protected PATH    commands fail unless the session protects it
@@ -129,6 +130,14 @@ std::int32_t Run(const std::string& line, char* output, std::uint32_t size) {
   if (const std::int32_t answer = Ask(script); answer != 0) return answer;
   for (const std::string& reason : All(script, "problem")) {
     if (session != nullptr && turn == 0) session->problem(session->user, "e", reason.c_str());
+  }
+  for (const std::string& told : All(script, "told")) {
+    const std::size_t bar = told.find('|');
+    const std::string name = told.substr(0, bar);
+    const std::string words = told.substr(bar + 1);
+    const ArchiverReason part{nullptr, words.c_str(), nullptr, 0};
+    const ArchiverReason reason{name.c_str(), "as it was told", &part, 1};
+    if (session != nullptr && turn == 0) session->problem_of(session->user, "e", &reason);
   }
   const std::vector<std::string> results = All(script, "result");
   return turn < results.size() ? std::stoi(results[turn]) : 0;

@@ -1,7 +1,6 @@
 #include "core/action_form.h"
 
 #include "base/display.h"
-#include "base/reasons.h"
 #include "platform/entries/durable_file.h"
 #include "support/picture.h"
 #include "support/run.h"
@@ -22,7 +21,7 @@ std::string Replaced(std::string text, const std::string& part, const std::strin
 // What the system says of something that is not there.
 std::string MissingWords(const std::string& path) {
   std::string bytes;
-  return platform::ReadWholeFile(path, &bytes).reason;
+  return English(platform::ReadWholeFile(path, &bytes).reason);
 }
 
 // A run over paths in a folder of its own, for which "~" stands. They are made unless they begin with "gone", as
@@ -334,9 +333,8 @@ GTEST_TEST(ActionForm, TargetsThatVanishOrChangeAreNotTouched) {
   EXPECT_FALSE(bench.form.Execute());
   EXPECT_TRUE(bench.form.View().is_folder);
   EXPECT_TRUE(bench.IsThere("b.txt/x"));
-  EXPECT_EQ(bench.run.user.messages,
-            (Texts{bench.folder / "a.txt: " + InJapanese(MissingWords(bench.folder / "a.txt")),
-                   bench.folder / "b.txt: 別のものに置き換わっています"}));
+  EXPECT_EQ(bench.run.user.messages, (Texts{bench.folder / "a.txt: 見つかりません",
+                                            bench.folder / "b.txt: 別のものに置き換わっています"}));
   EXPECT_EQ(bench.form.Undone(), Texts{bench.folder / "a.txt: " + MissingWords(bench.folder / "a.txt")});
 }
 

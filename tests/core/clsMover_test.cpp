@@ -195,7 +195,7 @@ GTEST_TEST(ClsMover, APlanKnowsWhatItsOwnCopyTakes) {
   test::Run run(
       "[p]\nID=1\nAction=6\nSmartRename=3\nMoveTo=" + (folder / "to") + "\nCopyTo=" + (folder / "to") + "\n",
       "", {folder / "x.txt"});
-  std::string why;
+  Reason why;
   ASSERT_TRUE(run.mover->SetTarget().ok() && run.mover->FillFromProfile("p", &why)) << why;
   const std::vector<ActionStep> plan = run.mover->PlanSteps();
   EXPECT_TRUE(run.mover->ActionMain());
@@ -249,7 +249,7 @@ GTEST_TEST(ClsMover, FoldersGoBelowTheirDestinationWhetherItExistsOrNot) {
   test::WriteFile(folder / "d/y", "y");
   test::Run run("[p]\nID=1\nSmartRename=2\n", "", {folder / "d"});
   ASSERT_TRUE(run.mover->SetTarget().ok());
-  std::string why;
+  Reason why;
   ASSERT_TRUE(run.mover->FillFromProfile("p", &why)) << why;
   EXPECT_EQ(run.mover->SMARTRENAME, 1) << "a folder keeps its name";
   run.mover->ACTION = 6;
@@ -310,7 +310,7 @@ GTEST_TEST(ClsMover, APathIsDoneByWhatWasReadForIt) {
     test::WriteFile(run.settings.folder / "items.ini", row.now);
     EXPECT_EQ(mover.SettingsHold(row.title), row.holds);
     if (*row.title == '\0') continue;
-    std::string why;
+    Reason why;
     EXPECT_TRUE(mover.FillFromProfile(row.title, &why)) << why;
     EXPECT_EQ(mover.MOVEINTO, *row.title == 'p' ? "/m" : "/standard");
     ASSERT_TRUE(mover.SetItemDataToArray().ok());

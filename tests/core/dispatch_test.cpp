@@ -111,7 +111,7 @@ GTEST_TEST(Dispatch, PlansAreWhatIsDone) {
     test::Run run(items, "", paths);
     const std::vector<DispatchReport> done = DispatchAll(&run, {false, std::nullopt});
     for (std::size_t i = 0; i < paths.size(); ++i) {
-      SCOPED_TRACE(paths[i] + ": " + planned[i].error + " / " + done[i].error);
+      SCOPED_TRACE(paths[i] + ": " + English(planned[i].error) + " / " + English(done[i].error));
       const Outcome expected = row.outcomes[i] == 'd'   ? Outcome::kDone
                                : row.outcomes[i] == 'f' ? Outcome::kFailed
                                                         : Outcome::kMissing;

@@ -6,15 +6,16 @@ namespace quendle {
 namespace {
 
 GTEST_TEST(FailureText, NamesTheStepsThatWereNotDone) {
-  const ActionStep copied{StepKind::kCopy, "/c/a", StepResult::kDone, ""};
-  const ActionStep refused{StepKind::kMove, "", StepResult::kFailed, "no destination folder is set"};
-  ActionStep declined{StepKind::kMove, "/m/a", StepResult::kFailed, "a file of that name exists already"};
+  const ActionStep copied{StepKind::kCopy, "/c/a", StepResult::kDone, {}};
+  const ActionStep refused{StepKind::kMove, "", StepResult::kFailed, why::kNoDestination};
+  ActionStep declined{StepKind::kMove, "/m/a", StepResult::kFailed, why::kFileExistsAlready};
   declined.by_user = true;
-  const ActionStep elsewhere{StepKind::kMove, "/m/a\nb", StepResult::kFailed, "Permission denied: /m\n"};
-  ActionStep broken{StepKind::kExtract, "/x", StepResult::kFailed, "unused"};
+  const ActionStep elsewhere{StepKind::kMove, "/m/a\nb", StepResult::kFailed,
+                             why::kAbout(why::kAccessDenied("Permission denied"), "/m\n")};
+  ActionStep broken{StepKind::kExtract, "/x", StepResult::kFailed, Reason("unused")};
   broken.extraction.emplace();
   for (const char* name : {"a\n", "b", "", "d", "e", "f", "g"}) {
-    broken.extraction->problems.push_back({name, "it cannot be read"});
+    broken.extraction->problems.push_back({name, why::kUnreadable});
   }
   const std::string line_break = ForDisplay("\n");
   const std::string in = "/in" + line_break;

@@ -24,7 +24,7 @@ std::shared_ptr<const platform::InputFile> FileOf(const std::uint8_t* data, std:
 }
 
 void ReadAll(const OpenedArchive& archive, const Engine& engine, const ReaderOptions& options) {
-  std::string reason;
+  Reason reason;
   const auto reader = engine.open(archive.input, options, &reason);
   std::uint64_t total = 0;
   Entry entry;
@@ -38,7 +38,7 @@ void ReadAll(const OpenedArchive& archive, const Engine& engine, const ReaderOpt
       size += piece.size();
     }
     if (status == ReadStatus::kEnd && entry.size && *entry.size != size) std::abort();  // a false success
-    if (status > ReadStatus::kEnd && reader->Reason().empty()) std::abort();
+    if (status > ReadStatus::kEnd && reader->Problem().empty()) std::abort();
     total += size;
   }
 }
@@ -48,7 +48,7 @@ void ReadAll(const OpenedArchive& archive, const Engine& engine, const ReaderOpt
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const ReaderOptions options{
       "", [asked = 0]() mutable { return asked++ < 2 ? std::optional<std::string>("right") : std::nullopt; }};
-  std::string reason;
+  Reason reason;
   const auto input = FUZZ_FAMILY.find(FileOf(data, size), &reason);
   if (!input) return 0;
   const auto archive = ListArchive(FUZZ_FAMILY, *input, options, &reason);

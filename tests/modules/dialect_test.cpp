@@ -32,7 +32,7 @@ GTEST_TEST(Dialect, CommandLines) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.words);
     Request request;
-    std::string problem;
+    Reason problem;
     const std::string line = std::string(row.words).append(R"( "/a b/x.zip" "/out dir/" "@/tmp/r")");
     ASSERT_TRUE(ParseCommandLine(row.dialect, line, &request, &problem)) << problem;
     EXPECT_EQ(request.archive, "/a b/x.zip");
@@ -45,7 +45,7 @@ GTEST_TEST(Dialect, CommandLines) {
 
 GTEST_TEST(Dialect, FolderAsSwitch) {
   Request request;
-  std::string problem;
+  Reason problem;
   ASSERT_TRUE(ParseCommandLine(kSevenZipDialect, R"(e "-o/" -aoa "/a".7z" "@/tmp/r")", &request, &problem));
   EXPECT_EQ(request.archive, "/a\".7z");
   EXPECT_EQ(request.folder, "/");
@@ -74,9 +74,9 @@ GTEST_TEST(Dialect, RefusedCommandLines) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.line);
     Request request;
-    std::string problem;
+    Reason problem;
     EXPECT_FALSE(ParseCommandLine(row.dialect, row.line, &request, &problem));
-    EXPECT_NE(problem.find(row.problem), std::string::npos) << problem;
+    EXPECT_NE(English(problem).find(row.problem), std::string::npos) << problem;
   }
 }
 

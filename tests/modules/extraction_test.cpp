@@ -48,7 +48,9 @@ struct Host {
               Of(user).problems.push_back(std::string(entry) + ": " + reason);
             },
             nullptr,
-            [](void*, const char*) {}};
+            [](void*, const char*) {},
+            nullptr,
+            nullptr};
   }
 
  private:
@@ -73,7 +75,7 @@ struct Fixture {
   void Run() {
     std::unique_ptr<platform::InputFile> file;
     ASSERT_TRUE(platform::InputFile::Open(folder / "a", &file).ok());
-    std::string reason;
+    Reason reason;
     const auto archive = ListArchive(test::kScriptedFamily, ArchiveInput(std::move(file), 0),
                                      {"", [] { return std::nullopt; }}, &reason);
     ASSERT_TRUE(archive) << reason;

@@ -59,8 +59,18 @@ GTEST_TEST(Module, AcceptsItsArchivesAlsoIncompleteOnes) {
   for (const char* name : {"text", "gone", "out"}) {
     EXPECT_EQ(fixture.module.CheckArchive((fixture.folder / name).c_str()), 0) << name;
   }
-  EXPECT_EQ(fixture.module.OpenArchive((fixture.folder / "two").c_str()), 0U);
-  EXPECT_EQ(fixture.problems, std::vector<std::string>{": the volume x.002 is missing"});
+  const auto problem_of = [](void* user, const char*, const ArchiverReason* reason) {
+    const ArchiverReason& part = reason->parts[reason->part_count - 1];
+    static_cast<Fixture*>(user)->problems.push_back(std::string(reason->name) + "(" + part.words + ")");
+    EXPECT_EQ(part.name, nullptr);
+  };
+  for (const bool in_parts : {false, true}) {
+    if (in_parts) fixture.session.problem_of = problem_of;
+    fixture.module.SetSession(&fixture.session);
+    EXPECT_EQ(fixture.module.OpenArchive((fixture.folder / "two").c_str()), 0U);
+  }
+  EXPECT_EQ(fixture.problems,
+            (std::vector<std::string>{": the volume x.002 is missing", "kVolumeMissing(x.002)"}));
 }
 
 GTEST_TEST(Module, ListsNamesOfAnyLength) {

@@ -33,7 +33,7 @@ struct Fixture {
       passwords.erase(passwords.begin());
       return first;
     };
-    std::string reason;
+    Reason reason;
     return ReadAhead::Open(
         engine, *input, {"", ask},
         {[this](const Entry& entry) { return entry.path != unwanted; }, [this] { return may_wait; }},
@@ -50,12 +50,12 @@ struct Fixture {
       std::string text = entry.path + "=";
       std::string_view piece;
       while ((status = reader->ReadContent(&piece)) == ReadStatus::kOk) text += piece;
-      read.push_back(text + (status == ReadStatus::kEnd ? "" : "!" + reader->Reason()));
+      read.push_back(text + (status == ReadStatus::kEnd ? "" : "!" + reader->Problem()));
     }
     EXPECT_EQ(reader->NextEntry(&entry), status);
     std::string_view piece;
     EXPECT_EQ(reader->ReadContent(&piece), status);
-    if (status != ReadStatus::kEnd) read.push_back("!" + reader->Reason());
+    if (status != ReadStatus::kEnd) read.push_back("!" + reader->Problem());
     return read;
   }
 };
@@ -109,15 +109,15 @@ class SlowReader : public EntryReader {
     throw std::runtime_error("broken");
   }
   ReadStatus ReadContent(std::string_view*) override { return ReadStatus::kEnd; }
-  const std::string& Reason() const override { return reason_; }
+  const Reason& Problem() const override { return reason_; }
 
  private:
-  std::string reason_;
+  Reason reason_;
 };
 
 GTEST_TEST(ReadAhead, WaitingCanBeEndedAndFaultsAreFailures) {
   const Engine slow = {
-      "slow", [](const ArchiveInput&, const ReaderOptions&, std::string*) -> std::unique_ptr<EntryReader> {
+      "slow", [](const ArchiveInput&, const ReaderOptions&, Reason*) -> std::unique_ptr<EntryReader> {
         return std::make_unique<SlowReader>();
       }};
   Fixture fixture;
@@ -126,7 +126,7 @@ GTEST_TEST(ReadAhead, WaitingCanBeEndedAndFaultsAreFailures) {
     fixture.may_wait = may_wait;
     const auto reader = fixture.Open(slow);
     EXPECT_EQ(reader->NextEntry(&entry), ReadStatus::kFailed);
-    EXPECT_EQ(reader->Reason(), may_wait ? "broken" : "it was stopped");
+    EXPECT_EQ(reader->Problem(), may_wait ? "broken" : "it was stopped");
   }
 }
 

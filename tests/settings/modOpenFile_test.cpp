@@ -88,7 +88,7 @@ GTEST_TEST(WriteTextFile, ReplacesPrintsAndAppends) {
   for (const auto& row : rows) {
     fs::remove(path);
     if (row.before != kMissing) test::WriteFile(path, row.before);
-    platform::Result why = platform::Failure(platform::Code::kFailed, "", "not set");
+    platform::Result why = platform::Failure(platform::Code::kFailed, "", Reason("not set"));
     EXPECT_EQ(WriteTextFile(path, row.text, row.mode, row.as_unicode, &why),
               row.mode == 0 && row.text.empty())
         << row.text;

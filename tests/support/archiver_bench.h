@@ -71,7 +71,7 @@ class ArchiverBench {
   std::vector<std::string> Problems(const ExtractionReport& report) const {
     std::vector<std::string> problems;
     for (const ExtractionProblem& problem : report.problems) {
-      problems.push_back(problem.entry + ": " + problem.reason);
+      problems.push_back(problem.entry + ": " + English(problem.reason));
     }
     return problems;
   }

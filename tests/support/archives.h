@@ -120,12 +120,12 @@ inline std::string Pack(const char* format, const std::string& options,
 struct Unpacked {
   modules::Entry entry;
   std::string content;
-  std::string problem;  // empty: it is whole
+  Reason problem;  // empty: it is whole
 };
 
 struct UnpackedArchive {
   std::vector<Unpacked> entries;  // by the first engine
-  std::string problem;            // empty: these are all
+  Reason problem;                 // empty: these are all
 
   // "a.txt=hello dir/ link>a.txt bad!its reason" and the problem of the archive in the end
   std::string Text() const {
@@ -134,9 +134,9 @@ struct UnpackedArchive {
       text += (text.empty() ? "" : " ") + entry.path;
       if (entry.kind == modules::EntryKind::kFile && wrong.empty()) text.append("=").append(content);
       if (entry.kind == modules::EntryKind::kLink) text.append(">").append(entry.link_target);
-      if (!wrong.empty()) text.append("!").append(wrong);
+      if (!wrong.empty()) text.append("!").append(English(wrong));
     }
-    return problem.empty() ? text : text.append("!").append(problem);
+    return problem.empty() ? text : text.append("!").append(English(problem));
   }
 };
 
@@ -146,9 +146,9 @@ inline UnpackedArchive Unpack(const modules::Family& family, const std::string& 
                               const std::string& charset = "") {
   UnpackedArchive unpacked;
   std::unique_ptr<platform::InputFile> file;
-  if (!platform::InputFile::Open(path, &file).ok()) return {{}, "there is no file"};
+  if (!platform::InputFile::Open(path, &file).ok()) return {{}, Reason("there is no file")};
   const auto input = family.find(std::move(file), &unpacked.problem);
-  if (!input && unpacked.problem.empty()) unpacked.problem = "no archive";
+  if (!input && unpacked.problem.empty()) unpacked.problem = Reason("no archive");
   if (!input) return unpacked;
   if (family.check != nullptr) unpacked.problem = family.check(*input).reason;
   if (!unpacked.problem.empty()) return unpacked;
@@ -160,13 +160,13 @@ inline UnpackedArchive Unpack(const modules::Family& family, const std::string& 
   modules::Entry entry;
   modules::ReadStatus status = modules::ReadStatus::kOk;
   while ((status = reader->NextEntry(&entry)) == modules::ReadStatus::kOk) {
-    Unpacked& one = unpacked.entries.emplace_back(Unpacked{entry, "", ""});
+    Unpacked& one = unpacked.entries.emplace_back(Unpacked{entry, "", {}});
     if (entry.kind != modules::EntryKind::kFile) continue;
     std::string_view piece;
     while ((status = reader->ReadContent(&piece)) == modules::ReadStatus::kOk) one.content += piece;
-    if (status != modules::ReadStatus::kEnd) one.problem = reader->Reason();
+    if (status != modules::ReadStatus::kEnd) one.problem = reader->Problem();
   }
-  if (status != modules::ReadStatus::kEnd) unpacked.problem = reader->Reason();
+  if (status != modules::ReadStatus::kEnd) unpacked.problem = reader->Problem();
   return unpacked;
 }
 

@@ -25,7 +25,7 @@ class ScriptedArchiver : public clsArchiver {
     if (throws) throw std::runtime_error("scripted");
     extracted.push_back(pFileName + " to " + destination);
     report_ = plan;
-    if (!succeeds) report_.problems.push_back({"a.txt", "scripted"});
+    if (!succeeds) report_.problems.push_back({"a.txt", Reason("scripted")});
     return succeeds;
   }
   ExtractionReport PlanExtraction(const std::string&, bool) override { return plan; }

@@ -62,7 +62,7 @@ class ScriptedReader : public modules::EntryReader {
     return modules::ReadStatus::kOk;
   }
 
-  const std::string& Reason() const override { return reason_; }
+  const Reason& Problem() const override { return reason_; }
 
  private:
   const ScriptedArchive& archive_;
@@ -70,16 +70,16 @@ class ScriptedReader : public modules::EntryReader {
   std::size_t next_ = 0;
   bool given_ = false;
   bool is_open_ = false;
-  std::string reason_ = "scripted";
+  Reason reason_{"scripted"};
 };
 
 inline std::unique_ptr<modules::EntryReader> OpenFirst(const modules::ArchiveInput&,
-                                                       const modules::ReaderOptions& options, std::string*) {
+                                                       const modules::ReaderOptions& options, Reason*) {
   return std::make_unique<ScriptedReader>(g_first_engine, options);
 }
 
 inline std::unique_ptr<modules::EntryReader> OpenSecond(const modules::ArchiveInput&,
-                                                        const modules::ReaderOptions& options, std::string*) {
+                                                        const modules::ReaderOptions& options, Reason*) {
   return std::make_unique<ScriptedReader>(*g_second_engine, options);
 }
 
@@ -91,12 +91,12 @@ inline std::vector<modules::Engine> ScriptedEngines(const modules::ArchiveInput&
 
 // Files that begin with "archive"; "archive of two" lacks its second volume.
 inline std::optional<modules::ArchiveInput> FindScripted(std::shared_ptr<const platform::InputFile> file,
-                                                         std::string* reason) {
+                                                         Reason* reason) {
   std::string head(14, '\0');
   std::size_t got = 0;
   if (!file->ReadAt(0, head.data(), head.size(), &got).ok() || !head.starts_with("archive")) return {};
   if (head == "archive of two") {
-    *reason = "the volume x.002 is missing";
+    *reason = why::kVolumeMissing("x.002");
     return {};
   }
   return modules::ArchiveInput(std::move(file), 0);

@@ -56,8 +56,8 @@ class ScriptedUser : public UserInterface {
     if (asked_password.size() > passwords.size()) return std::nullopt;
     return passwords[asked_password.size() - 1];
   }
-  bool AskProceed(const std::string& question) override {
-    asked_proceed.push_back(question);
+  bool AskProceed(const Reason& question) override {
+    asked_proceed.push_back(English(question));
     return proceed_answer;
   }
   void ShowMessage(MessageKind kind, const std::string& text) override {

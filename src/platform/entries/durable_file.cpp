@@ -45,7 +45,7 @@ Result WhatIsMissing(const std::string& path, const Result& not_found) {
   Result named = ReadStatus(path, &status);
   if (named.code == Code::kNotFound) return not_found;
   if (!named.ok() || !status.is_link()) return named;
-  return Failure(Code::kFailed, path, "the link leads nowhere");
+  return Failure(Code::kFailed, path, why::kLinkNowhere);
 }
 
 }  // namespace
@@ -75,7 +75,7 @@ Result ReadSettledFile(const std::string& path, std::string* bytes, EntryStatus*
     }
     bytes->clear();
     if (std::chrono::steady_clock::now() - begin > QuietTime(stamp) + kLongestWait)
-      return Failure(Code::kFailed, path, "it is being changed");
+      return Failure(Code::kFailed, path, why::kBeingChanged);
     // A writer may be through in no time; an unknown one has to leave the file alone.
     const bool is_unknown = watched.writers == WatchedRead::Writers::kUnknown;
     std::this_thread::sleep_for(std::clamp<Clock::duration>(is_unknown ? missing : 0s, 200us, kLongestPause));

@@ -20,7 +20,7 @@ Result ReadWholeFile(const std::string& path, std::string* bytes);
 // The same for who acts on what is read: the bytes of one moment, which are not half of what somebody is about to
 // write. Nobody has the file open to write while it is read, and where the system does not tell (files of others,
 // network file systems) or the file is empty, it has been left alone for 25 ms, or 2.5 s on a file system that keeps
-// whole seconds only. A file is waited for until it is so, about a second; then it is kFailed, "it is being changed".
+// whole seconds only. A file is waited for until it is so, about a second; then it is kFailed, why::kBeingChanged.
 // kNotFound means that there is nothing of that name; a link that leads nowhere is kFailed. `*status`, when wanted, is
 // what the file was then.
 Result ReadSettledFile(const std::string& path, std::string* bytes, EntryStatus* status = nullptr);

@@ -49,7 +49,7 @@ Result ReadUpTo(const Descriptor& file, off_t expected, const std::string& path,
   std::size_t filled = 0;
   while (true) {
     if (filled == bytes->size()) bytes->resize(filled * 2);
-    if (filled > kGreatestSize) return Failure(Code::kRefused, path, "the file is too large");
+    if (filled > kGreatestSize) return Failure(Code::kRefused, path, why::kFileTooLarge);
     const ssize_t got =
         Retried([&] { return read(file.get(), bytes->data() + filled, bytes->size() - filled); });
     if (got < 0) return LastSystemFailure(path);
@@ -75,8 +75,8 @@ Result ReadRegularFile(const std::string& path, std::string* bytes, WatchedRead*
   struct stat entry;
   if (!file.ok() || fstat(file.get(), &entry) != 0) return LastSystemFailure(path);
   if (S_ISDIR(entry.st_mode)) return SystemFailure(EISDIR, path);
-  if (!S_ISREG(entry.st_mode)) return Failure(Code::kRefused, path, "not a regular file");
-  if (entry.st_size > kGreatestSize) return Failure(Code::kRefused, path, "the file is too large");
+  if (!S_ISREG(entry.st_mode)) return Failure(Code::kRefused, path, why::kNotRegularFile);
+  if (entry.st_size > kGreatestSize) return Failure(Code::kRefused, path, why::kFileTooLarge);
   if (watched == nullptr) return ReadUpTo(file, entry.st_size, path, bytes);
   watched->before = StatusFrom(entry);
   if (IsChangedLately(watched->before)) {
@@ -95,7 +95,7 @@ Result CheckReplaceable(const std::string& real, struct stat* old, bool* exists)
   *exists = lstat(real.c_str(), old) == 0;
   if (!*exists) return errno == ENOENT ? Success() : LastSystemFailure(real);
   if (S_ISDIR(old->st_mode)) return SystemFailure(EISDIR, real);
-  if (!S_ISREG(old->st_mode)) return Failure(Code::kRefused, real, "not a regular file");
+  if (!S_ISREG(old->st_mode)) return Failure(Code::kRefused, real, why::kNotRegularFile);
   // Renaming over it would succeed, but its owner has said that it is not to be written.
   if (faccessat(AT_FDCWD, real.c_str(), W_OK, AT_EACCESS) != 0) return LastSystemFailure(real);
   return Success();
@@ -173,7 +173,7 @@ Result OpenFolder(const std::string& folder, Descriptor* handle) {
 // Makes the new name itself survive a crash.
 Result SyncName(int folder, const std::string& path) {
   Result result = SyncOpenFolder(folder, path);
-  if (!result.ok()) result.reason += "; the new content is in place but might not survive a crash";
+  if (!result.ok()) result.reason = why::kAnd(result.reason, why::kMightNotSurvive);
   return result;
 }
 
@@ -183,9 +183,9 @@ Result WaitForLock(int handle, const std::string& folder) {
   for (useconds_t pause = kShortestPause; flock(handle, LOCK_EX | LOCK_NB) != 0;) {
     if (errno == EINTR) continue;
     if (errno != EWOULDBLOCK) return LastSystemFailure(folder);
-    if (InterruptRequested()) return Failure(Code::kCancelled, folder, "interrupted");
+    if (InterruptRequested()) return Failure(Code::kCancelled, folder, why::kInterrupted);
     if (std::chrono::steady_clock::now() > deadline) {
-      return Failure(Code::kFailed, folder, "another program holds the settings folder");
+      return Failure(Code::kFailed, folder, why::kSettingsHeld);
     }
     usleep(pause);  // a signal ends it early
     pause = std::min(pause * 2, kLongestPause);

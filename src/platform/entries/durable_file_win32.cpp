@@ -41,7 +41,7 @@ Result NotOpened(const std::string& path) {
   const std::string folder = FolderOf(path);
   if (result.code != Code::kNotFound || !ReadTargetStatus(folder, &above).ok() || above.is_folder())
     return result;
-  return Failure(Code::kNotFolder, path, "a file or a link is where a folder would be");
+  return Failure(Code::kNotFolder, path, why::kNoFolderInPlace);
 }
 
 // Follows links in the last component, so that the answer is where the file is or, when it is missing, would
@@ -68,7 +68,7 @@ Result ReadUpTo(HANDLE file, std::uint64_t expected, const std::string& path, st
   std::size_t filled = 0;
   while (true) {
     if (filled == bytes->size()) bytes->resize(filled * 2);
-    if (filled > kGreatestSize) return Failure(Code::kRefused, path, "the file is too large");
+    if (filled > kGreatestSize) return Failure(Code::kRefused, path, why::kFileTooLarge);
     DWORD got = 0;
     if (ReadFile(file, bytes->data() + filled, static_cast<DWORD>(bytes->size() - filled), &got, nullptr) ==
         0)
@@ -81,8 +81,8 @@ Result ReadUpTo(HANDLE file, std::uint64_t expected, const std::string& path, st
 }
 
 Result CheckRegular(const EntryStatus& status, const std::string& path) {
-  if (status.is_folder()) return Failure(Code::kIsFolder, path, "this is a folder");
-  return status.is_file() ? Success() : Failure(Code::kRefused, path, "not a regular file");
+  if (status.is_folder()) return Failure(Code::kIsFolder, path, why::kThisIsFolder);
+  return status.is_file() ? Success() : Failure(Code::kRefused, path, why::kNotRegularFile);
 }
 
 // The system opens it for who tolerates no writers only while there are none, and lets none in until it is closed.
@@ -96,12 +96,12 @@ WatchedRead::Writers KeepWritersOut(HANDLE file, Handle* alone) {
 Result ReadRegularFile(const std::string& path, std::string* bytes, WatchedRead* watched) {
   const Handle file = OpenForReading(path, 0);
   if (!file.ok()) return NotOpened(path);
-  if (GetFileType(file.get()) != FILE_TYPE_DISK) return Failure(Code::kRefused, path, "not a regular file");
+  if (GetFileType(file.get()) != FILE_TYPE_DISK) return Failure(Code::kRefused, path, why::kNotRegularFile);
   EntryStatus status;
   Result result = Outcome(StatusOfOpen(file.get(), &status), path);
   if (result.ok()) result = CheckRegular(status, path);
   if (!result.ok()) return result;
-  if (status.size > kGreatestSize) return Failure(Code::kRefused, path, "the file is too large");
+  if (status.size > kGreatestSize) return Failure(Code::kRefused, path, why::kFileTooLarge);
   if (watched == nullptr) return ReadUpTo(file.get(), status.size, path, bytes);
   Handle alone;
   if (IsChangedLately(status)) {
@@ -292,9 +292,9 @@ Result FolderLock::Take(const std::string& path, std::unique_ptr<FolderLock>* lo
       return Success();
     }
     if (error != ERROR_ALREADY_EXISTS) return Outcome(error, folder);
-    if (InterruptRequested()) return Failure(Code::kCancelled, folder, "interrupted");
+    if (InterruptRequested()) return Failure(Code::kCancelled, folder, why::kInterrupted);
     if (std::chrono::steady_clock::now() > deadline)
-      return Failure(Code::kFailed, folder, "another program holds the settings folder");
+      return Failure(Code::kFailed, folder, why::kSettingsHeld);
     Sleep(pause);
   }
 }

@@ -85,8 +85,8 @@ std::string SafePart(std::string_view part, NameRules rules) {
   return safe;
 }
 
-Result Refused(std::string_view name, const char* reason) {
-  return Failure(Code::kRefused, std::string(name), reason);
+Result Refused(std::string_view name, Reason reason) {
+  return Failure(Code::kRefused, std::string(name), std::move(reason));
 }
 
 // With "\" the answer would be another on Windows than elsewhere, hence the choice of separators.
@@ -107,25 +107,23 @@ bool StaysInside(std::string_view target, std::size_t depth, std::string_view se
 }  // namespace
 
 Result SafeEntryPath(std::string_view name, NameRules rules, std::string* path) {
-  if (name.find('\0') != std::string_view::npos) return Refused(name, "there is a NUL in the name");
-  if (!IsUtf8(name)) return Refused(name, "the name is not valid UTF-8");
-  if (IsAbsolute(name)) return Refused(name, "the name leads out of the folder: it is absolute");
+  if (name.find('\0') != std::string_view::npos) return Refused(name, why::kNameHasNul);
+  if (!IsUtf8(name)) return Refused(name, why::kNameNotUtf8);
+  if (IsAbsolute(name)) return Refused(name, why::kNameAbsolute);
   const Limits limits = LimitsOf(rules);
   std::string safe;
   for (std::string_view rest = name; !rest.empty();) {
     const std::string_view part = TakePart(&rest, kAnySeparator);
     if (part.empty() || part == ".") continue;
-    if (part == "..") return Refused(name, "the name leads out of the folder: there is a \"..\" in it");
-    if (safe.empty() && HasDrive(part))
-      return Refused(name, "the name leads out of the folder: it names a drive");
+    if (part == "..") return Refused(name, why::kNameGoesUp);
+    if (safe.empty() && HasDrive(part)) return Refused(name, why::kNameHasDrive);
     const std::string safe_part = SafePart(part, rules);
-    if (LengthOf(safe_part, rules) > limits.part)
-      return Refused(name, "a part of the name is too long for the system");
+    if (LengthOf(safe_part, rules) > limits.part) return Refused(name, why::kPartTooLong);
     if (!safe.empty()) safe += '/';
     safe += safe_part;
   }
-  if (safe.empty()) return Refused(name, "the name is empty");
-  if (LengthOf(safe, rules) > limits.whole) return Refused(name, "the name is too long for the system");
+  if (safe.empty()) return Refused(name, why::kNameEmpty);
+  if (LengthOf(safe, rules) > limits.whole) return Refused(name, why::kNameTooLong);
   *path = std::move(safe);
   return Success();
 }
@@ -140,12 +138,11 @@ Result SafeRestOfPath(std::string_view rest, NameRules rules, std::string* path)
 }
 
 Result CheckLinkTarget(std::string_view path, std::string_view target) {
-  if (target.empty() || target.find('\0') != std::string_view::npos)
-    return Refused(path, "the link leads nowhere");
+  if (target.empty() || target.find('\0') != std::string_view::npos) return Refused(path, why::kLinkNowhere);
   const auto depth = static_cast<std::size_t>(std::count(path.begin(), path.end(), '/'));
   if (IsAbsolute(target) || HasDrive(target) || !StaysInside(target, depth, "/") ||
       !StaysInside(target, depth, kAnySeparator)) {
-    return Refused(path, "the link may lead out of the folder");
+    return Refused(path, why::kLinkLeadsOut);
   }
   return Success();
 }

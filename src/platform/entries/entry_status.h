@@ -63,7 +63,7 @@ inline bool IsSameContent(const EntryStatus& before, const EntryStatus& now) {
 }
 
 inline Result SourceChanged(const std::string& path) {
-  return Failure(Code::kFailed, path, "the source changed meanwhile");
+  return Failure(Code::kFailed, path, why::kSourceChanged);
 }
 
 // Of the entry itself, and of what a link leads to.

@@ -16,8 +16,8 @@ Result InputFile::Open(const std::string& path, std::unique_ptr<InputFile>* file
   if (!opened.ok()) return LastSystemFailure(path);
   struct stat status;
   if (fstat(opened.get(), &status) != 0) return LastSystemFailure(path);
-  if (S_ISDIR(status.st_mode)) return Failure(Code::kIsFolder, path, "this is a folder");
-  if (!S_ISREG(status.st_mode)) return Failure(Code::kRefused, path, "this is not a regular file");
+  if (S_ISDIR(status.st_mode)) return Failure(Code::kIsFolder, path, why::kThisIsFolder);
+  if (!S_ISREG(status.st_mode)) return Failure(Code::kRefused, path, why::kNotRegular);
   std::string identity;
   for (const auto part :
        {static_cast<long long>(status.st_dev), static_cast<long long>(status.st_ino),

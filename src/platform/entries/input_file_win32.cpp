@@ -15,11 +15,11 @@ Result InputFile::Open(const std::string& path, std::unique_ptr<InputFile>* file
                             FILE_FLAG_BACKUP_SEMANTICS, nullptr));
   if (!opened.ok()) return LastSystemFailure(path);
   if (GetFileType(opened.get()) != FILE_TYPE_DISK) {
-    return Failure(Code::kRefused, path, "this is not a regular file");
+    return Failure(Code::kRefused, path, why::kNotRegular);
   }
   EntryStatus status;
   if (const DWORD error = StatusOfOpen(opened.get(), &status); error != 0) return Outcome(error, path);
-  if (status.is_folder()) return Failure(Code::kIsFolder, path, "this is a folder");
+  if (status.is_folder()) return Failure(Code::kIsFolder, path, why::kThisIsFolder);
   std::string identity;
   for (const auto part : {status.id.volume, status.id.high, status.id.low, status.size,
                           static_cast<std::uint64_t>(status.change_time.seconds),

@@ -49,7 +49,7 @@ Result MakeSymbolicLink(const OpenFolder& folder, const std::string& name, const
   // Wine claims to have made one.
   EntryStatus status;
   if (folder.StatusOf(name, &status).ok() && status.is_link()) return Success();
-  return Failure(Code::kFailed, folder.Shown(name), "the system makes no links here");
+  return Failure(Code::kFailed, folder.Shown(name), why::kNoLinksHere);
 }
 
 }  // namespace

@@ -34,7 +34,7 @@ Result OpenAt(int folder, const std::string& path, int flags, const std::string&
   *handle = SystemHandle(Retried([&] { return openat(folder, path.c_str(), flags); }));
   if (handle->ok()) return Success();
   if ((flags & O_NOFOLLOW) != 0 && (errno == ENOTDIR || errno == ELOOP))
-    return Failure(Code::kNotFolder, shown, "a file or a link is where a folder would be");
+    return Failure(Code::kNotFolder, shown, why::kNoFolderInPlace);
   return LastSystemFailure(shown);
 }
 
@@ -103,7 +103,7 @@ Result OpenFolder::CheckRemovable(const std::string& /*name*/, const EntryStatus
     return LastSystemFailure(shown_);
   const uid_t user = geteuid();
   if ((status.st_mode & S_ISVTX) != 0 && user != 0 && user != status.st_uid && user != entry.owner)
-    return Failure(Code::kDenied, shown_, "entries of others cannot be removed from this folder");
+    return Failure(Code::kDenied, shown_, why::kForeignEntries);
   return Success();
 }
 

@@ -21,7 +21,7 @@ SystemHandle Taken(Handle handle) {
 }
 
 Result NoFolder(const std::string& path) {
-  return Failure(Code::kNotFolder, path, "a file or a link is where a folder would be");
+  return Failure(Code::kNotFolder, path, why::kNoFolderInPlace);
 }
 
 // What was opened itself, which must be a folder. The content of some folders is elsewhere, and only shows
@@ -169,7 +169,7 @@ Result OpenFolder::Remove(const std::string& name) const {
   EntryStatus status;
   DWORD error = OpenForRemoval(HandleFrom(get()), WideFromText(name), &entry);
   if (error == 0) error = StatusOfOpen(entry.get(), &status);
-  if (error == 0 && status.is_folder()) return Failure(Code::kIsFolder, Shown(name), "this is a folder");
+  if (error == 0 && status.is_folder()) return Failure(Code::kIsFolder, Shown(name), why::kThisIsFolder);
   return Outcome(error == 0 ? RemoveOpen(entry.get(), status.mode) : error, Shown(name));
 }
 

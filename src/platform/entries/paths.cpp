@@ -31,7 +31,7 @@ Result CheckNoLinks(const std::string& folder, const std::string& path) {
     const std::string part = PathBelow(folder, path.substr(0, end));
     EntryStatus status;
     if (ReadStatus(WithoutTrailingSlashes(part), &status).ok() && status.is_link())
-      return Failure(Code::kRefused, part, "a link is in the place of the folder");
+      return Failure(Code::kRefused, part, why::kLinkInFoldersPlace);
   }
   return Success();
 }

@@ -33,7 +33,7 @@ Result CheckNewName(const std::string& name, const std::string& path) {
   Result result = SafeRestOfPath(name, kHostNames, &safe);
   if (!result.ok()) return Failure(Code::kRefused, path, std::move(result.reason));
   if (safe == name) return Success();
-  return Failure(Code::kRefused, path, "the system has no files of the name " + name);
+  return Failure(Code::kRefused, path, why::kNoFilesOfName(name));
 }
 
 // The name under which its folder lists the entry; as it is given where the folder may not be listed, empty
@@ -111,8 +111,7 @@ Result CheckPlace(const std::string& path) {
     if (!is_there && FolderOf(folder) == folder) return SystemFailure(ERROR_PATH_NOT_FOUND, folder);
     if (!is_there) folder = FolderOf(folder);
   } while (!is_there);
-  if (!status.is_folder())
-    return Failure(Code::kNotFolder, folder, "a file or a link is where a folder would be");
+  if (!status.is_folder()) return Failure(Code::kNotFolder, folder, why::kNoFolderInPlace);
   const Handle writable(CreateFileW(SystemPath(folder).c_str(), FILE_ADD_FILE | FILE_ADD_SUBDIRECTORY,
                                     kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
   return writable.ok() ? Success() : LastSystemFailure(folder);

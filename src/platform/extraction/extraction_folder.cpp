@@ -31,13 +31,12 @@ std::string ParentOf(const std::string& path) {
 Result CheckPath(const std::string& path) {
   std::string safe;
   Result result = SafeRestOfPath(path, kHostNames, &safe);
-  if (result.ok() && (safe != path || path.empty()))
-    return Failure(Code::kRefused, path, "this is no safe path");
+  if (result.ok() && (safe != path || path.empty())) return Failure(Code::kRefused, path, why::kUnsafePath);
   return result;
 }
 
 Result NoFile(const std::string& path) {
-  return Failure(Code::kRefused, path, "no file was begun");
+  return Failure(Code::kRefused, path, why::kNotBegun);
 }
 
 }  // namespace
@@ -78,9 +77,8 @@ class ExtractionFolder::Impl {
     Result result = SystemFailure(error, folders.Shown(path));
     EntryStatus taken;
     if (!to.StatusOf(name, &taken).ok()) return result;
-    if (taken.is_folder())
-      return Failure(Code::kIsFolder, folders.Shown(path), "a folder of that name is there");
-    if (result.code == Code::kExists) result.reason = "something of that name is there";
+    if (taken.is_folder()) return Failure(Code::kIsFolder, folders.Shown(path), why::kFolderThere);
+    if (result.code == Code::kExists) result.reason = why::kSomethingThere;
     return result;
   }
 
@@ -149,9 +147,7 @@ Result ExtractionFolder::CheckSpace(std::uint64_t bytes) const {
   std::optional<std::uint64_t> free;
   Result result = impl_->folders.top().FreeBytes(&free);
   if (!result.ok() || !free || bytes <= *free) return result;
-  return Failure(
-      Code::kNoSpace, impl_->folders.Shown(""),
-      "there are only " + std::to_string(*free) + " bytes free, " + std::to_string(bytes) + " are needed");
+  return Failure(Code::kNoSpace, impl_->folders.Shown(""), why::kTooLittleSpace(*free, bytes));
 }
 
 Result ExtractionFolder::Look(const std::string& path, Occupant* occupant) {
@@ -256,7 +252,8 @@ std::vector<Result> ExtractionFolder::Finish() {
   for (const Link& link : std::exchange(impl_->links, {})) {
     Result result = impl_->MakeLink(link);
     if (result.ok()) continue;
-    if (result.path != impl_->folders.Shown(link.path)) result.reason = result.path + ": " + result.reason;
+    if (result.path != impl_->folders.Shown(link.path))
+      result.reason = why::kAbout(result.path, result.reason);
     result.path = link.path;
     failures.push_back(std::move(result));
   }

@@ -11,9 +11,7 @@ constexpr int kMostLinks = 64;
 
 Result Refused(ProtectedEntries::Owner owner, std::string path) {
   const bool is_program = owner == ProtectedEntries::Owner::kProgram;
-  return Failure(Code::kRefused, std::move(path),
-                 is_program ? "this place is kept for a file that Quendle itself needs"
-                            : "it would replace the archive that it comes from");
+  return Failure(Code::kRefused, std::move(path), is_program ? why::kNeededByProgram : why::kReplacesArchive);
 }
 
 std::string ComparableName(const std::string& name) {

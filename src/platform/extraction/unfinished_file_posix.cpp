@@ -29,7 +29,7 @@ Result UnfinishedFile::SetAside(std::uint64_t size) {
 }
 
 Result UnfinishedFile::Write(std::string_view bytes) {
-  if (!file_.ok()) return Failure(Code::kRefused, shown_, "the file is complete already");
+  if (!file_.ok()) return Failure(Code::kRefused, shown_, why::kCompleteAlready);
   while (!bytes.empty()) {
     const ssize_t n = Retried([&] { return write(FdOf(file_), bytes.data(), bytes.size()); });
     if (n < 0) return LastSystemFailure(shown_);

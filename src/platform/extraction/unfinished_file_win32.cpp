@@ -27,7 +27,7 @@ Result UnfinishedFile::SetAside(std::uint64_t size) {
 
 Result UnfinishedFile::Write(std::string_view bytes) {
   constexpr std::size_t kAtOnce = 1U << 30;
-  if (!file_.ok()) return Failure(Code::kRefused, shown_, "the file is complete already");
+  if (!file_.ok()) return Failure(Code::kRefused, shown_, why::kCompleteAlready);
   while (!bytes.empty()) {
     const auto size = static_cast<DWORD>(std::min(bytes.size(), kAtOnce));
     DWORD n = 0;

@@ -133,7 +133,9 @@ Result CreateProfile(const std::string& file, const std::string& section, const 
   if (Result taken = FolderLock::Take(file, &lock); !taken.ok()) return taken;
   EntryStatus present;
   if (Result found = ReadStatus(file, &present); found.code != Code::kNotFound) {
-    return found.ok() && present.is_folder() ? Failure(Code::kIsFolder, file, "Is a directory") : found;
+    return found.ok() && present.is_folder()
+               ? Failure(Code::kIsFolder, file, why::kIsFolder("Is a directory"))
+               : found;
   }
   std::string bytes;
   if (const Result set = SetKeys(section, keys, &bytes); !set.ok()) return At(file, set);

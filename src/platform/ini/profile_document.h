@@ -51,18 +51,18 @@ class ProfileDocument {
   // they stand: not cut, and those too that a key of the same name hides. They are parts of the text.
   void VisitSections(const ProfileSectionVisitor& visit) const;
 
-  // Each is one line for the user, empty when there is no problem, as platform/ini/profile_problems.h says: why
+  // Each is empty when there is no problem, as platform/ini/profile_problems.h says: why
   // whole sections are not those that keys are read from, and why the bytes cannot be read at all.
-  const std::string& SectionProblem() const { return section_problem_; }
-  const std::string& DecodingProblem() const { return decoding_problem_; }
+  const Reason& SectionProblem() const { return section_problem_; }
+  const Reason& DecodingProblem() const { return decoding_problem_; }
 
  private:
   std::optional<std::string_view> TextBehindHeader(std::string_view section) const;
 
   bool is_ansi_;
   std::string text_;
-  std::string section_problem_;
-  std::string decoding_problem_;
+  Reason section_problem_;
+  Reason decoding_problem_;
   // For each header a hash of its name above where it begins in the text, sorted: files of nothing but
   // headers have millions, and the first of equal names is found first.
   std::vector<std::uint64_t> headers_;

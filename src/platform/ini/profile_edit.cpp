@@ -15,7 +15,7 @@
 namespace quendle::platform {
 namespace {
 
-Result Refusal(std::string reason) {
+Result Refusal(Reason reason) {
   return Failure(Code::kRefused, "", std::move(reason));
 }
 
@@ -25,43 +25,43 @@ bool HasBreak(std::string_view text) {
 
 Result CheckFile(std::string_view bytes) {
   if (!IsTakenForUtf16(bytes) || bytes.starts_with(kUtf16LeMark)) return Success();
-  return Refusal("the file begins like UTF-16 but not with the little-endian mark, so it is not changed");
+  return Refusal(why::kUtf16NotChanged);
 }
 
 Result CheckSection(std::string_view section) {
-  if (section.empty()) return Refusal("the section name is empty");
-  if (HasBreak(section)) return Refusal("the section name contains a line break or NUL");
-  if (!IsUtf8(section)) return Refusal("the section name is not valid UTF-8");
+  if (section.empty()) return Refusal(why::kSectionNameEmpty);
+  if (HasBreak(section)) return Refusal(why::kSectionNameHasBreak);
+  if (!IsUtf8(section)) return Refusal(why::kSectionNameNotUtf8);
   return Success();
 }
 
 // Other programs may not find such a name: it ends at the first "]" for some, and blanks do not count for others.
 Result CheckNewSection(std::string_view section) {
   if (Result check = CheckSection(section); !check.ok()) return check;
-  if (section.ends_with(']')) return Refusal("the section name ends in \"]\"");
+  if (section.ends_with(']')) return Refusal(why::kSectionNameEndsInBracket);
   const auto is_blank = [](char c) { return c == ' ' || c == '\t'; };
   if (is_blank(section.front()) || is_blank(section.back())) {
-    return Refusal("the section name has blanks at an end");
+    return Refusal(why::kSectionNameHasBlanks);
   }
   return Success();
 }
 
 Result CheckSections(std::string_view bytes, const ProfileEditor& editor) {
-  std::string problem = SectionProblemOf(bytes, editor.text());
+  Reason problem = SectionProblemOf(bytes, editor.text());
   return problem.empty() ? Success() : Refusal(std::move(problem));
 }
 
 Result CheckKeyAndValue(std::string_view key, std::string_view value) {
-  if (key.empty()) return Refusal("the key is empty");
-  if (HasBreak(key)) return Refusal("the key contains a line break or NUL");
+  if (key.empty()) return Refusal(why::kKeyEmpty);
+  if (HasBreak(key)) return Refusal(why::kKeyHasBreak);
   const std::string line = std::string(key) + "=";
   const std::optional<KeyLine> parsed = ParseKeyLine(line);
   if (!parsed || parsed->key != key) {
-    return Refusal("the key contains \"=\", begins with \";\" or has blanks at an end");
+    return Refusal(why::kKeyMisread);
   }
-  if (HasBreak(value)) return Refusal("the value contains a line break or NUL");
-  if (!IsUtf8(key)) return Refusal("the key is not valid UTF-8");
-  if (!IsUtf8(value)) return Refusal("the value of \"" + std::string(key) + "\" is not valid UTF-8");
+  if (HasBreak(value)) return Refusal(why::kValueHasBreak);
+  if (!IsUtf8(key)) return Refusal(why::kKeyNotUtf8);
+  if (!IsUtf8(value)) return Refusal(why::kValueNotUtf8(std::string(key)));
   return Success();
 }
 
@@ -128,13 +128,13 @@ bool HasHeader(std::string_view body_line) {
 }
 
 Result SplitBody(std::string_view body, std::string_view separator, std::vector<std::string>* lines) {
-  if (!IsUtf8(body)) return Refusal("the section body is not valid UTF-8");
-  if (body.find('\0') != std::string_view::npos) return Refusal("the section body contains NUL");
+  if (!IsUtf8(body)) return Refusal(why::kBodyNotUtf8);
+  if (body.find('\0') != std::string_view::npos) return Refusal(why::kBodyHasNul);
   ProfileLineReader reader(body, ProfileEditor::kNewSeparator);
   for (std::string_view line; reader.Next(&line);) {
-    if (HasHeader(line)) return Refusal("the section body contains a section header");
+    if (HasHeader(line)) return Refusal(why::kBodyHasHeader);
     if (separator != ProfileEditor::kNewSeparator && HasBreak(line)) {
-      return Refusal("a line of the section body contains a line break");
+      return Refusal(why::kBodyLineHasBreak);
     }
     lines->emplace_back(line);
   }
@@ -187,7 +187,7 @@ Result SetKey(std::string_view section, std::string_view key, std::string_view v
     if (!check.ok()) return check;
   }
   const std::string line = KeyLineText(key, value);
-  if (KeyHeaderName(line)) return Refusal("the key and the value together read as a section header");
+  if (KeyHeaderName(line)) return Refusal(why::kKeyLooksLikeHeader);
   ProfileEditor editor(*bytes, ProfileEditor::Reading::kKeys);
   Result result;
   if (const std::vector<LineRange> found = FindSections(editor, section); !found.empty()) {

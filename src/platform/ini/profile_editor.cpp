@@ -111,7 +111,7 @@ Result ProfileEditor::Encode(const std::string& text, std::string* encoded) {
 Result ProfileEditor::TurnIntoUtf16() {
   if (Result check = CheckDecoded(text_); !check.ok()) return check;
   if (LooksLikeUtf8(bytes_)) {  // which would stay misread for good
-    return Failure(Code::kRefused, "", "the file seems to be UTF-8; save it as UTF-8 with its mark (BOM)");
+    return Failure(Code::kRefused, "", why::kFileSeemsUtf8);
   }
   const std::string start = std::string(kUtf16LeMark) + ToUtf16Le(separator_);
   bytes_ = start + ToUtf16Le(text_);

@@ -1,6 +1,7 @@
 #include "platform/ini/profile_problems.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "platform/ini/profile_document.h"
 #include "platform/ini/profile_lines.h"
@@ -11,22 +12,8 @@
 namespace quendle::platform {
 namespace {
 
-// What follows the number of a line.
-constexpr std::string_view kMisread = ": this seems to be UTF-8; save the file as UTF-8 with its mark (BOM)";
-constexpr std::string_view kMixedBreaks =
-    ": line ends of several kinds at a section header; save the file with one kind of line ends";
-constexpr std::string_view kNotAlone =
-    ": blanks or text around a section header; leave only the brackets and what they enclose";
-constexpr std::string_view kUnclearHeader =
-    ": a section header has characters that cannot be read; write it anew";
-constexpr std::string_view kNul =
-    ": a NUL character, as in damaged files and UTF-16 without its mark; save the file anew";
-constexpr std::string_view kUndecodable =
-    ": bytes that are no text in the file's encoding; write the line anew";
-// What is said of the whole file.
-constexpr std::string_view kHalfUnit = "the file ends in half a character; save it anew";
-constexpr std::string_view kOtherUtf16 =
-    "the file begins like UTF-16 but not with the little-endian mark; save it as UTF-8 with its mark (BOM)";
+// A problem of a line, which takes its number; nothing when there is none.
+using LineProblem = std::optional<ReasonForm<1>>;
 
 // The lines of the text, each with its number and, where that can be told, the bytes it was decoded from.
 class LineWalk {
@@ -42,9 +29,7 @@ class LineWalk {
 
   std::string_view line() const { return line_; }
   std::string_view raw() const { return raw_; }
-  std::string At(std::string_view problem) const {
-    return std::string("line ").append(std::to_string(number_)).append(problem);
-  }
+  Reason At(ReasonForm<1> problem) const { return problem(number_); }
 
  private:
   ProfileLineReader lines_;
@@ -96,47 +81,47 @@ bool HasLostBracket(const LineWalk& walk) {
 }
 
 // Of a line whose first character is "[".
-std::string_view HeaderProblem(const LineWalk& walk, std::string_view text, std::string_view separator) {
+LineProblem HeaderProblem(const LineWalk& walk, std::string_view text, std::string_view separator) {
   const std::string_view line = walk.line();
-  if (HasLostBracket(walk)) return kMisread;
+  if (HasLostBracket(walk)) return why::kLineSeemsUtf8;
   const auto name = KeyHeaderName(line);
-  if (!name) return BeginsLongHeader(line, text, separator) ? kMixedBreaks : "";
-  if (HasReplacement(*name)) return kUnclearHeader;
-  if (!IsHeaderLine(line)) return kNotAlone;
-  return IsWholeLine(line, text, separator) ? "" : kMixedBreaks;
+  if (!name && BeginsLongHeader(line, text, separator)) return why::kLineMixesBreaks;
+  if (!name) return std::nullopt;
+  if (HasReplacement(*name)) return why::kLineHasUnclearHeader;
+  if (!IsHeaderLine(line)) return why::kLineHasMoreThanHeader;
+  if (!IsWholeLine(line, text, separator)) return why::kLineMixesBreaks;
+  return std::nullopt;
 }
 
 }  // namespace
 
-std::string SectionProblemOf(std::string_view bytes, std::string_view text) {
+Reason SectionProblemOf(std::string_view bytes, std::string_view text) {
   const std::string_view separator = LineSeparatorOf(text);
   for (LineWalk walk(bytes, text); walk.Next();) {
     if (FirstCharacter(walk.line()) != '[') continue;
-    const std::string_view problem = HeaderProblem(walk, text, separator);
-    if (!problem.empty()) return walk.At(problem);
+    if (const LineProblem problem = HeaderProblem(walk, text, separator)) return walk.At(*problem);
   }
-  return "";
+  return {};
 }
 
-std::string DecodingProblemOf(std::string_view bytes, std::string_view text) {
+Reason DecodingProblemOf(std::string_view bytes, std::string_view text) {
   const ProfileEncoding encoding = EncodingOf(bytes);
-  if (encoding == ProfileEncoding::kUtf16 && !bytes.starts_with(kUtf16LeMark))
-    return std::string(kOtherUtf16);
-  if (encoding == ProfileEncoding::kUtf16 && bytes.size() % 2 != 0) return std::string(kHalfUnit);
+  if (encoding == ProfileEncoding::kUtf16 && !bytes.starts_with(kUtf16LeMark)) return why::kOtherUtf16;
+  if (encoding == ProfileEncoding::kUtf16 && bytes.size() % 2 != 0) return why::kHalfUnit;
   const auto is_undecodable = encoding == ProfileEncoding::kAnsi ? HasUndecodableByte : HasReplacement;
   const auto has_nul = [](std::string_view part) { return part.find('\0') != std::string_view::npos; };
-  if (!is_undecodable(text) && !has_nul(text)) return "";
+  if (!is_undecodable(text) && !has_nul(text)) return {};
   if (encoding == ProfileEncoding::kAnsi) {
     if (Result decoded = CheckDecoded(text); !decoded.ok()) return decoded.reason;
   }
   for (LineWalk walk(bytes, text); walk.Next();) {
     if (FirstCharacter(walk.line()) == ';') continue;
-    if (has_nul(walk.line())) return walk.At(kNul);
+    if (has_nul(walk.line())) return walk.At(why::kLineHasNul);
     if (!is_undecodable(walk.line())) continue;
     const bool is_misread = encoding == ProfileEncoding::kAnsi && LooksLikeUtf8(walk.raw());
-    return walk.At(is_misread ? kMisread : kUndecodable);
+    return walk.At(is_misread ? why::kLineSeemsUtf8 : why::kLineUndecodable);
   }
-  return "";
+  return {};
 }
 
 }  // namespace quendle::platform

@@ -71,8 +71,7 @@ class StagedTransfer {
     EntryStatus parent;
     Result result = from_.Status(&parent);
     if (!result.ok()) return result;
-    if (parent.id.volume != status_.id.volume)
-      return Failure(Code::kRefused, source_, "another file system is mounted here");
+    if (parent.id.volume != status_.id.volume) return Failure(Code::kRefused, source_, why::kMounted);
     return from_.CheckRemovable(name_, status_);
   }
 
@@ -127,9 +126,9 @@ class StagedTransfer {
       result = status_.is_folder() ? tree_.Remove(transfer_, &removed_any) : RemoveSourceFile();
     if (result.ok()) return result;
     if (removed_any) {
-      result.reason += "; the copy is complete, the rest of the source was left";
+      result.reason = why::kAnd(result.reason, why::kSourceRestLeft);
     } else if (const Result back = staged_.TakeBack(); !back.ok()) {
-      result.reason += "; " + back.reason;
+      result.reason = why::kAnd(result.reason, back.reason);
     }
     return result;
   }

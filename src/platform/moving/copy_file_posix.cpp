@@ -152,8 +152,7 @@ Result CheckEmpty(OpenEntry from) {
   char byte;
   const ssize_t n = Retried([&] { return pread(FdOf(from), &byte, 1, 0); });
   if (n < 0) return LastSystemFailure(from.path);
-  return n == 0 ? Success()
-                : Failure(Code::kFailed, from.path, "the file system does not know the file's size");
+  return n == 0 ? Success() : Failure(Code::kFailed, from.path, why::kSizeUnknown);
 }
 
 Result CheckUnchanged(OpenEntry from, const EntryStatus& recorded) {
@@ -166,7 +165,7 @@ Result CheckSize(OpenEntry to, std::uint64_t size) {
   struct stat copy;
   if (fstat(FdOf(to), &copy) != 0) return LastSystemFailure(to.path);
   if (static_cast<std::uint64_t>(copy.st_size) == size) return Success();
-  return Failure(Code::kFailed, to.path, "the copy has another size than the source");
+  return Failure(Code::kFailed, to.path, why::kOtherSize);
 }
 
 }  // namespace

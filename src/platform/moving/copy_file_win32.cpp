@@ -121,14 +121,14 @@ Result CheckEncryption(OpenEntry from, const EntryStatus& recorded, OpenEntry to
   EntryStatus copy;
   Result result = ReadStatusOf(to, &copy);
   if (!result.ok() || (copy.mode & FILE_ATTRIBUTE_ENCRYPTED) != 0) return result;
-  return Failure(Code::kRefused, from.path, "it is encrypted, which its copy would not be");
+  return Failure(Code::kRefused, from.path, why::kWouldBeDecrypted);
 }
 
 Result CheckSize(OpenEntry to, std::uint64_t size) {
   EntryStatus copy;
   Result result = ReadStatusOf(to, &copy);
   if (!result.ok() || copy.size == size) return result;
-  return Failure(Code::kFailed, to.path, "the copy has another size than the source");
+  return Failure(Code::kFailed, to.path, why::kOtherSize);
 }
 
 }  // namespace

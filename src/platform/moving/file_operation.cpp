@@ -15,7 +15,7 @@ Result CheckNamesEntry(const std::string& path) {
   const std::string name = NameOf(path);
   const bool is_stream = kHostNames == NameRules::kWindows && name.find(':') != std::string::npos;
   if (!name.empty() && name != "." && name != ".." && !is_stream) return Success();
-  return Failure(Code::kRefused, path, "this is not the path of an entry in a folder");
+  return Failure(Code::kRefused, path, why::kBadEntryPath);
 }
 
 Result Place(Transfer& transfer, const std::string& source, const std::string& destination,

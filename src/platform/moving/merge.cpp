@@ -41,7 +41,7 @@ Result RemoveEmptied(const std::string& folder, bool may_hold_leftovers) {
   Result result = RemoveEmptyFolder(folder);
   if (result.code != Code::kExists) return result;
   if (may_hold_leftovers) return Success();
-  return Failure(Code::kFailed, folder, "entries that appeared meanwhile were left");
+  return Failure(Code::kFailed, folder, why::kNewEntriesLeft);
 }
 
 }  // namespace
@@ -75,20 +75,17 @@ Result MergeFolders(Transfer& transfer, const std::string& source, const EntrySt
 
 Result LeftoverResult(const Leftovers& leftovers, const std::string& destination) {
   if (leftovers.count() == 0) return Success();
-  std::string reason;
+  Reason existing;
   if (leftovers.existing > 0) {
-    reason = NameBelow(destination, leftovers.first_existing.path);
-    reason += leftovers.existing == 1
-                  ? " exists already and was left"
-                  : " (and " + std::to_string(leftovers.existing - 1) + " more) exist already and were left";
+    const std::string first = NameBelow(destination, leftovers.first_existing.path);
+    existing = leftovers.existing == 1 ? why::kExistsAndLeft(first)
+                                       : why::kExistAndLeft(first, leftovers.existing - 1);
   }
-  if (leftovers.others > 0) {
-    reason += (reason.empty() ? "" : "; ") + std::to_string(leftovers.others) +
-              (leftovers.others == 1 ? " entry was left: " : " entries were left: ") +
-              leftovers.first_other.reason + ": " + leftovers.first_other.path;
-  }
-  const Code code = leftovers.others > 0 ? leftovers.first_other.code : Code::kExists;
-  return Failure(code, destination, std::move(reason));
+  if (leftovers.others == 0) return Failure(Code::kExists, destination, existing);
+  const Result& other = leftovers.first_other;
+  const auto left = leftovers.others == 1 ? why::kEntryLeft : why::kEntriesLeft;
+  const Reason others = left(leftovers.others, why::kAbout(other.reason, other.path));
+  return Failure(other.code, destination, existing.empty() ? others : why::kAnd(existing, others));
 }
 
 bool FoldersCollide(const std::string& source, const std::string& destination) {

@@ -36,7 +36,7 @@ Result CheckFolder(const std::string& folder) {
   EntryStatus status;
   Result result = ReadTargetStatus(folder, &status);
   if (!result.ok() || status.is_folder()) return result;
-  return Failure(Code::kNotFolder, folder, "Not a directory");
+  return Failure(Code::kNotFolder, folder, why::kNotFolder("Not a directory"));
 }
 
 // One entry under two names is either two hard links, or one name whose letters differ in case only on a file
@@ -47,7 +47,7 @@ Result PlaceOnItself(const Transfer& transfer, const std::string& source, const 
   const bool is_respelling =
       transfer.moving && (status.is_folder() || status.links == 1) && NameOf(source) != NameOf(destination) &&
       ReadTargetStatus(FolderOf(source), &folder).ok() && LeadsTo(FolderOf(destination), folder);
-  if (!is_respelling) return Failure(Code::kRefused, source, "source and destination are the same");
+  if (!is_respelling) return Failure(Code::kRefused, source, why::kSame);
   const int error = RenameReplacing(source, destination);
   return error == 0 ? Success() : SystemFailure(error, destination);
 }
@@ -72,7 +72,7 @@ Result PlaceOnFile(Transfer& transfer, const std::string& source, const EntrySta
     case Answer::kYes:
       return BringEntry(transfer, source, status, destination, &existing);
     case Answer::kNo:
-      return Failure(Code::kExists, destination, "a file of that name exists already");
+      return Failure(Code::kExists, destination, why::kFileExistsAlready);
     case Answer::kCancel:
       break;
   }
@@ -93,7 +93,7 @@ Result PlaceEntry(Transfer& transfer, const std::string& source, const std::stri
   if (result.ok()) result = CheckFolder(folder);
   if (!result.ok()) return result;
   if (incoming.is_folder() && IsAtOrBelow(folder, incoming)) {
-    return Failure(Code::kRefused, source, "a folder cannot go into itself");
+    return Failure(Code::kRefused, source, why::kIntoItself);
   }
 
   EntryStatus existing;
@@ -106,13 +106,13 @@ Result PlaceEntry(Transfer& transfer, const std::string& source, const std::stri
     return PlaceUnderFreeName(transfer, source, incoming, destination);
   if (incoming.is_folder()) {
     if (existing.is_folder()) return MergeFolders(transfer, source, incoming, destination, existing);
-    return Failure(Code::kNotFolder, destination, "a file of that name is where the folder would go");
+    return Failure(Code::kNotFolder, destination, why::kFileWhereFolderGoes);
   }
   if (LeadsToFolder(destination)) {
-    return Failure(Code::kIsFolder, destination, "a folder of that name is where the file would go");
+    return Failure(Code::kIsFolder, destination, why::kFolderWhereFileGoes);
   }
   // The link would be all that is left of it.
-  if (LeadsTo(source, existing)) return Failure(Code::kRefused, source, "the link leads to the destination");
+  if (LeadsTo(source, existing)) return Failure(Code::kRefused, source, why::kLinkToDestination);
   return PlaceOnFile(transfer, source, incoming, destination, existing);
 }
 

@@ -27,8 +27,7 @@ class Remover {
     Result result = parent.Enter(name, OpenFolder::Use::kList, &folder);
     if (result.ok()) result = folder.Status(&status);
     if (!result.ok()) return result;
-    if (status.id.volume != volume_)
-      return Failure(Code::kRefused, parent.Shown(name), "another file system is mounted here");
+    if (status.id.volume != volume_) return Failure(Code::kRefused, parent.Shown(name), why::kMounted);
     std::vector<std::string> names;
     result = folder.List(&names);
     for (std::size_t i = 0; result.ok() && i < names.size(); ++i) result = Remove(folder, names[i]);

@@ -17,7 +17,7 @@ bool MayBeRemoved(const EntryStatus& recorded, const EntryStatus& now) {
 
 Result OfRemoval(Result result) {
   if (result.code != Code::kExists) return result;
-  return Failure(Code::kFailed, result.path, "entries that appeared meanwhile were left");
+  return Failure(Code::kFailed, result.path, why::kNewEntriesLeft);
 }
 
 }  // namespace
@@ -68,7 +68,7 @@ Result SourceTree::AddChild(const Transfer& transfer, const OpenFolder& folder, 
   const EntryStatus& status = entries_.back().status;
   if (status.is_file()) bytes_ += status.size;
   if (transfer.moving && status.id.volume != entries_[index].status.id.volume) {
-    return Failure(Code::kRefused, Path(entries_.size() - 1), "another file system is mounted here");
+    return Failure(Code::kRefused, Path(entries_.size() - 1), why::kMounted);
   }
   return status.is_file() || status.is_folder() ? Success()
                                                 : CheckCopyable(status, Path(entries_.size() - 1));
@@ -166,7 +166,7 @@ Result SourceTree::Enter(std::size_t index, OpenFolder* folder) const {
 
 Result CheckCopyable(const EntryStatus& status, const std::string& path) {
   if (status.kind != EntryStatus::Kind::kOther) return Success();
-  return Failure(Code::kRefused, path, "devices, sockets and pipes cannot be copied");
+  return Failure(Code::kRefused, path, why::kNotCopyable);
 }
 
 }  // namespace quendle::platform

@@ -106,20 +106,19 @@ bool StagedEntry::IsPlaced(const std::string& path) const {
 Result StagedEntry::CheckPlaced() {
   if (IsPlaced(destination_) && (!placed_.is_folder() || placed_tree_.CheckUnchanged(alone_).ok()))
     return Success();
-  return Failure(Code::kFailed, destination_, "it has been changed since");
+  return Failure(Code::kFailed, destination_, why::kChangedSince);
 }
 
 Result StagedEntry::TakeBack() {
-  Result result = is_old_lost_ ? Failure(Code::kFailed, destination_, "the file that it replaced is gone")
-                               : CheckPlaced();
+  Result result = is_old_lost_ ? Failure(Code::kFailed, destination_, why::kReplacedIsGone) : CheckPlaced();
   if (result.ok()) result = Withdraw();
   if (!result.ok()) {
-    result.reason = "the copy was left in place: " + result.reason;
+    result.reason = why::kCopyLeft(result.reason);
     return result;
   }
   if (placed_.is_folder()) return RemoveTaken();
   if (trashed_.original.empty() || RestoreTrashed(trashed_).ok()) return result;
-  return Failure(Code::kFailed, destination_, "the file that was there is in the trash");
+  return Failure(Code::kFailed, destination_, why::kOldInTrash);
 }
 
 // Back to the temporary name, and looked at there: between the look before and the rename somebody else may
@@ -134,7 +133,7 @@ Result StagedEntry::Withdraw() {
     under_path_ = Under::kNewEntry;
     return Success();
   }
-  Result result = Failure(Code::kFailed, destination_, "it has been changed since");
+  Result result = Failure(Code::kFailed, destination_, why::kChangedSince);
   if (rename(path_, destination_) != 0) KeepUnderPath(&result);
   return result;
 }
@@ -142,7 +141,7 @@ Result StagedEntry::Withdraw() {
 // Better a strange name than a file removed that nobody said to remove.
 void StagedEntry::KeepUnderPath(Result* result) {
   under_path_ = Under::kNothing;
-  result->reason += "; what was there has the name " + name_ + " now";
+  result->reason = why::kAnd(result->reason, why::kOldHasName(name_));
 }
 
 // What somebody else has put into the folder at the last moment gets the place back where it was put.
@@ -153,7 +152,7 @@ Result StagedEntry::RemoveTaken() {
   under_path_ = Under::kNothing;
   if (result.ok()) return result;
   (void)RenameWithoutReplacing(path_, destination_);
-  return Failure(Code::kFailed, destination_, "what others have put into it was left");
+  return Failure(Code::kFailed, destination_, why::kOthersContentLeft);
 }
 
 Result ReplaceThroughTrash(const std::string& from, const std::string& to, TrashedEntry* trashed) {
@@ -163,7 +162,7 @@ Result ReplaceThroughTrash(const std::string& from, const std::string& to, Trash
   if (error == 0) return Success();
   result = SystemFailure(error, to);
   if (const Result restored = RestoreTrashed(*trashed); !restored.ok()) {
-    result.reason += "; the file that was there is in the trash";
+    result.reason = why::kAnd(result.reason, why::kOldInTrash);
   }
   return result;
 }

@@ -83,11 +83,11 @@ struct Transfer {
 };
 
 inline Result Cancelled(const std::string& path) {
-  return Failure(Code::kCancelled, path, "cancelled");
+  return Failure(Code::kCancelled, path, why::kCancelled);
 }
 
 inline Result AppearedMeanwhile(const std::string& path) {
-  return Failure(Code::kExists, path, "something of that name has appeared meanwhile");
+  return Failure(Code::kExists, path, why::kAppeared);
 }
 
 }  // namespace quendle::platform

@@ -74,8 +74,7 @@ Result ReadyTrash(const std::string& parent_of_entry, dev_t device, Trash* trash
                             (shared.st_mode & S_ISVTX) != 0;
     trash->folder = base + (has_shared ? "/.Trash/" : "/.Trash-") + user;
     if (!MakePrivateFolders(trash->folder)) return LastSystemFailure(trash->folder);
-    if (!IsOwnFolder(trash->folder))
-      return Failure(Code::kDenied, trash->folder, "this is no trash of this user");
+    if (!IsOwnFolder(trash->folder)) return Failure(Code::kDenied, trash->folder, why::kForeignTrash);
   }
   for (const char* part : {"/info", "/files"}) {
     if (!MakePrivateFolders(trash->folder + part)) return LastSystemFailure(trash->folder + part);
@@ -144,8 +143,7 @@ Result TrashEntry(const std::string& path, TrashedEntry* trashed) {
   if (stat(parent.c_str(), &folder) != 0) return LastSystemFailure(parent);
   Trash trash;
   Result ready = ReadyTrash(parent, folder.st_dev, &trash);
-  if (!ready.ok())
-    return Failure(ready.code, ready.path, "there is no trash to move this to: " + ready.reason);
+  if (!ready.ok()) return Failure(ready.code, ready.path, why::kNoTrash(ready.reason));
 
   const std::string info_text = InfoText(trash, (parent == "/" ? "" : parent) + "/" + name);
   for (unsigned number = 1;; ++number) {
@@ -167,8 +165,7 @@ Result TrashEntry(const std::string& path, TrashedEntry* trashed) {
 Result RestoreTrashed(const TrashedEntry& trashed) {
   EntryStatus now;
   Result result = ReadStatus(trashed.file, &now);
-  if (result.ok() && now.id != trashed.id)
-    result = Failure(Code::kFailed, trashed.file, "something else has taken its place");
+  if (result.ok() && now.id != trashed.id) result = Failure(Code::kFailed, trashed.file, why::kReplaced);
   if (!result.ok()) return result;
   const int error = RenameWithoutReplacing(trashed.file, trashed.original);
   if (error != 0) return SystemFailure(error, trashed.original);

@@ -9,8 +9,8 @@
 namespace quendle::platform {
 namespace {
 
-Result NoTrash(const std::string& path, const std::string& why) {
-  return Failure(Code::kFailed, path, "there is no trash to move this to: " + why);
+Result NoTrash(const std::string& path, const Reason& reason) {
+  return Failure(Code::kFailed, path, why::kNoTrash(reason));
 }
 
 // Only local disks have a recycle bin; from others the system would remove for good.
@@ -28,7 +28,7 @@ Result TrashEntry(const std::string& path, TrashedEntry* trashed) {
   std::wstring shell_path;
   result = ToShellPath(path, &shell_path);
   if (!result.ok()) return NoTrash(path, result.reason);
-  if (!HasRecycleBin(shell_path)) return NoTrash(path, "this disk has none");
+  if (!HasRecycleBin(shell_path)) return NoTrash(path, why::kDiskHasNoTrash);
   shell_path += L'\0';  // it is a list
   SHFILEOPSTRUCTW deletion = {};
   deletion.wFunc = FO_DELETE;
@@ -40,13 +40,12 @@ Result TrashEntry(const std::string& path, TrashedEntry* trashed) {
     trashed->original = path;
     return Success();
   }
-  if (deletion.fAnyOperationsAborted != 0) return Failure(Code::kCancelled, path, "cancelled");
-  return Failure(Code::kFailed, path,
-                 "the recycle bin does not take it (error " + std::to_string(error) + ")");
+  if (deletion.fAnyOperationsAborted != 0) return Failure(Code::kCancelled, path, why::kCancelled);
+  return Failure(Code::kFailed, path, why::kTrashRefuses(error));
 }
 
 Result RestoreTrashed(const TrashedEntry& trashed) {
-  return Failure(Code::kFailed, trashed.original, "only the user gets things out of the recycle bin");
+  return Failure(Code::kFailed, trashed.original, why::kOnlyUserRestores);
 }
 
 }  // namespace quendle::platform

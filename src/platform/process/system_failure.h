@@ -7,8 +7,8 @@
 
 namespace quendle::platform {
 
-// `error` is errno on POSIX and GetLastError on Windows. The reason is
-// the system's own text for it. This is the only place that turns system codes into Codes.
+// `error` is errno on POSIX and GetLastError on Windows. The reason
+// has the system's own words. This is the only place that turns system codes into Codes and reasons.
 Result SystemFailure(int error, std::string path);
 
 // The same for the error that the calling thread met last.

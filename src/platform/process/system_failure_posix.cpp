@@ -31,10 +31,59 @@ Code CodeOf(int error) {
   }
 }
 
+Reason ReasonOf(int error) {
+  const char* const words = std::strerror(error);
+  switch (error) {
+    case ENOENT:
+    case ESTALE:
+      return why::kNotFound(words);
+    case EACCES:
+      return why::kAccessDenied(words);
+    case EPERM:
+      return why::kNotPermitted(words);
+    case EROFS:
+      return why::kReadOnly(words);
+    case ENOSPC:
+      return why::kDiskFull(words);
+    case EDQUOT:
+      return why::kQuotaExceeded(words);
+    case EEXIST:
+      return why::kExists(words);
+    case ENOTEMPTY:
+      return why::kFolderNotEmpty(words);
+    case EISDIR:
+      return why::kIsFolder(words);
+    case ENOTDIR:
+      return why::kNotFolder(words);
+    case ENAMETOOLONG:
+      return why::kSystemNameTooLong(words);
+    case EFBIG:
+      return why::kSystemFileTooLarge(words);
+    case EIO:
+      return why::kInputOutputError(words);
+    case EBUSY:
+    case ETXTBSY:
+      return why::kBusy(words);
+    case ELOOP:
+      return why::kTooManyLinks(words);
+    case ENOMEM:
+      return why::kNoMemory(words);
+    case ENODEV:
+    case ENXIO:
+    case ENOTCONN:
+      return why::kNoDevice(words);
+    case EOPNOTSUPP:
+    case EINVAL:
+      return why::kNotSupported(words);
+    default:
+      return Reason(words);
+  }
+}
+
 }  // namespace
 
 Result SystemFailure(int error, std::string path) {
-  return {CodeOf(error), std::move(path), std::strerror(error)};
+  return {CodeOf(error), std::move(path), ReasonOf(error)};
 }
 
 Result LastSystemFailure(std::string path) {

@@ -72,12 +72,60 @@ std::string OneLine(std::wstring words) {
   return TextFromWide(words);
 }
 
+Reason ReasonOf(DWORD error) {
+  const std::string words = OneLine(SystemWords(error));
+  switch (error) {
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+      return why::kInUse;
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_BAD_NETPATH:
+    case ERROR_BAD_NET_NAME:
+      return why::kNotFound(words);
+    case ERROR_ACCESS_DENIED:
+      return why::kAccessDenied(words);
+    case ERROR_PRIVILEGE_NOT_HELD:
+    case kElevationRequired:
+      return why::kNotPermitted(words);
+    case ERROR_WRITE_PROTECT:
+      return why::kReadOnly(words);
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL:
+      return why::kDiskFull(words);
+    case kDiskQuotaExceeded:
+      return why::kQuotaExceeded(words);
+    case ERROR_FILE_EXISTS:
+    case ERROR_ALREADY_EXISTS:
+      return why::kExists(words);
+    case ERROR_DIRECTORY:
+      return why::kNotFolder(words);
+    case ERROR_DIR_NOT_EMPTY:
+      return why::kFolderNotEmpty(words);
+    case ERROR_FILENAME_EXCED_RANGE:
+      return why::kSystemNameTooLong(words);
+    case ERROR_CRC:
+    case ERROR_IO_DEVICE:
+      return why::kInputOutputError(words);
+    case ERROR_NOT_ENOUGH_MEMORY:
+    case ERROR_OUTOFMEMORY:
+      return why::kNoMemory(words);
+    case ERROR_NOT_READY:
+      return why::kNoDevice(words);
+    case ERROR_NOT_SUPPORTED:
+    case ERROR_INVALID_PARAMETER:
+    case ERROR_INVALID_NAME:
+      return why::kNotSupported(words);
+    default:
+      return Reason(words);
+  }
+}
+
 }  // namespace
 
 Result SystemFailure(int error, std::string path) {
   const auto code = static_cast<DWORD>(error);
-  const bool is_in_use = code == ERROR_SHARING_VIOLATION || code == ERROR_LOCK_VIOLATION;
-  return {CodeOf(code), std::move(path), is_in_use ? "another program uses it" : OneLine(SystemWords(code))};
+  return {CodeOf(code), std::move(path), ReasonOf(code)};
 }
 
 Result LastSystemFailure(std::string path) {

@@ -81,7 +81,7 @@ Result StartProgramFor(const std::string& program, const std::string& parameters
 Result OpenWithDesktop(const std::string& path, const std::string& untrusted_folder) {
   const std::string opener = FindOnSearchPath("xdg-open");
   if (opener.empty() || IsInside(WithRealFolder(opener), RealPath(untrusted_folder))) {
-    return Failure(Code::kNotFound, path, "xdg-open, which opens files, is not on the search path");
+    return Failure(Code::kNotFound, path, why::kNoXdgOpen);
   }
   if (!IsTaken(path)) return SystemFailure(ENOENT, path);
   return StartProgram({opener, path});

@@ -38,7 +38,7 @@ Result Start(const std::string& program, const std::string& parameters) {
   std::wstring application;
   if (Result usable = ToShellPath(program, &application); !usable.ok()) return usable;
   if (IsBatchFile(application)) {
-    return Failure(Code::kRefused, program, "a batch file does not get paths as they are");
+    return Failure(Code::kRefused, program, why::kBatchFile);
   }
   std::wstring command_line = L'"' + application + L'"';
   if (!parameters.empty()) command_line += L' ' + WideFromText(parameters);
@@ -92,8 +92,7 @@ Result OpenFile(const std::string& path, const std::wstring& shell_path) {
   const DWORD error = GetLastError();
   ILFree(item);
   if (is_open != 0) return Success();
-  if (error == ERROR_NO_ASSOCIATION)
-    return Failure(Code::kFailed, path, "no program is set up for files of its type");
+  if (error == ERROR_NO_ASSOCIATION) return Failure(Code::kFailed, path, why::kNoProgramForType);
   return SystemFailure(static_cast<int>(error), path);
 }
 

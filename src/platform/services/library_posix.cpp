@@ -10,9 +10,10 @@ Result Library::Load(const std::string& path, std::unique_ptr<Library>* library,
   void* handle = dlopen(path.c_str(), (binding == Binding::kAtOnce ? RTLD_NOW : RTLD_LAZY) | RTLD_LOCAL);
   if (handle == nullptr) {
     const char* said = dlerror();
-    std::string reason = said == nullptr ? "the module cannot be loaded" : said;
-    if (const std::string place = path + ": "; reason.starts_with(place)) reason.erase(0, place.size());
-    return Failure(Code::kFailed, path, std::move(reason));
+    if (said == nullptr) return Failure(Code::kFailed, path, why::kModuleNotLoaded);
+    std::string words = said;
+    if (const std::string place = path + ": "; words.starts_with(place)) words.erase(0, place.size());
+    return Failure(Code::kFailed, path, Reason(std::move(words)));
   }
   library->reset(new Library(handle));
   return Success();

@@ -18,16 +18,16 @@ constexpr std::uint64_t kOwnMachine = IMAGE_FILE_MACHINE_AMD64;
 constexpr std::uint64_t kOwnMachine = IMAGE_FILE_MACHINE_I386;
 #endif
 
-const char* MachineName(std::uint64_t machine) {
+Reason MachineName(std::uint64_t machine) {
   switch (machine) {
     case IMAGE_FILE_MACHINE_I386:
-      return "32-bit programs";
+      return why::kPrograms32;
     case IMAGE_FILE_MACHINE_AMD64:
-      return "64-bit programs";
+      return why::kPrograms64;
     case IMAGE_FILE_MACHINE_ARM64:
-      return "64-bit programs on ARM processors";
+      return why::kProgramsArm64;
     default:
-      return "programs on other processors";
+      return why::kProgramsElsewhere;
   }
 }
 
@@ -40,18 +40,17 @@ std::uint64_t ReadNumber(const InputFile& file, std::uint64_t position, std::siz
 }
 
 // What the loader has against the file itself.
-std::string WrongFormat(const std::string& path) {
+Reason WrongFormat(const std::string& path) {
   constexpr std::uint64_t kSignature = 0x4550;  // "PE", two zeros
   std::unique_ptr<InputFile> file;
   if (InputFile::Open(path, &file).ok()) {
     const std::uint64_t header = ReadNumber(*file, 60, 4);
     const std::uint64_t machine = ReadNumber(*file, header + 4, 2);
     if (ReadNumber(*file, header, 4) == kSignature && machine != kOwnMachine) {
-      return std::string("it is made for ") + MachineName(machine) + ", and this one is made for " +
-             MachineName(kOwnMachine);
+      return why::kOtherMachine(MachineName(machine), MachineName(kOwnMachine));
     }
   }
-  return "it is damaged or no module";
+  return why::kNoModule;
 }
 
 Result WhyNotLoaded(const std::string& path, DWORD error) {
@@ -64,19 +63,19 @@ Result WhyNotLoaded(const std::string& path, DWORD error) {
     case ERROR_MOD_NOT_FOUND:
       if (GetFileAttributesW(SystemPath(path).c_str()) == INVALID_FILE_ATTRIBUTES) break;
       failure.code = Code::kFailed;
-      failure.reason = "a library that it needs is not there";
+      failure.reason = why::kNeedsLibrary;
       break;
     case ERROR_PROC_NOT_FOUND:
-      failure.reason = "a library that it needs is there, but lacks a function";
+      failure.reason = why::kNeedsFunction;
       break;
     case ERROR_DLL_INIT_FAILED:
     case ERROR_NOACCESS:
     case ERROR_MR_MID_NOT_FOUND:  // an exception that has no error of its own
-      failure.reason = "it failed while it was being loaded";
+      failure.reason = why::kFailedWhileLoaded;
       break;
     default:
       // An exception in it, which the system ends with the exception's own number.
-      if (error > 0xFFFF) failure.reason = "it failed while it was being loaded";
+      if (error > 0xFFFF) failure.reason = why::kFailedWhileLoaded;
       break;
   }
   return failure;

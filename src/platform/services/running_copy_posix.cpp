@@ -33,13 +33,13 @@ Result OpenPrivateFolder(const std::string& path, Descriptor* folder) {
   Descriptor opened(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   if (!opened.ok()) {
     if (errno != ENOTDIR && errno != ELOOP) return LastSystemFailure(path);
-    return Failure(Code::kRefused, path, "a link or a file is in the place of the user's own folder");
+    return Failure(Code::kRefused, path, why::kOwnFolderReplaced);
   }
   struct stat status;
   if (fstat(opened.get(), &status) != 0) return LastSystemFailure(path);
-  if (status.st_uid != geteuid()) return Failure(Code::kRefused, path, "the folder belongs to somebody else");
+  if (status.st_uid != geteuid()) return Failure(Code::kRefused, path, why::kFolderOfOther);
   if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0) {
-    return Failure(Code::kRefused, path, "the folder is open to other users");
+    return Failure(Code::kRefused, path, why::kFolderOpenToOthers);
   }
   *folder = std::move(opened);
   return Success();
@@ -147,7 +147,7 @@ struct RunningCopy::State {
       if (std::chrono::steady_clock::now() >= end) break;
       std::this_thread::sleep_for(kBetweenTries);
     }
-    return Failure(Code::kFailed, Shown(".socket"), "another copy is running, but does not listen");
+    return Failure(Code::kFailed, Shown(".socket"), why::kRunningDoesNotListen);
   }
 
   // True when there was a request of the same user.

@@ -143,7 +143,7 @@ Result RunningCopy::Claim(const std::string& key, const std::vector<std::string>
   state->request = std::move(request);
   if (!state->request.ok()) {
     if (error != ERROR_ACCESS_DENIED) return SystemFailure(static_cast<int>(error), name);
-    return Failure(Code::kDenied, name, "another copy is running, but with other rights");
+    return Failure(Code::kDenied, name, why::kRunsWithOtherRights);
   }
   if (error != ERROR_ALREADY_EXISTS) {
     state->board.TellProcess();

@@ -1,5 +1,5 @@
-#include "platform/process/system_failure.h"
 #include "platform/process/process.h"
+#include "platform/process/system_failure.h"
 #include "platform/services/send_to.h"
 
 #include <sys/stat.h>
@@ -85,7 +85,7 @@ bool IsOurs(const std::string& path) {
 
 Result Add(const Entry& entry, const std::string& program) {
   const std::string path = PathOf(entry);
-  if (!IsOurs(path)) return Failure(Code::kExists, path, "something else has this name already");
+  if (!IsOurs(path)) return Failure(Code::kExists, path, why::kNameTakenByOther);
   std::error_code error;
   std::filesystem::create_directories(FolderOf(path), error);
   if (error) return SystemFailure(error.value(), FolderOf(path));
@@ -115,9 +115,9 @@ bool IsInSendTo(const std::string& program) {
 }
 
 Result AddToSendTo(const std::string& program) {
-  if (DataFolder().empty()) return Failure(Code::kNotFound, "", "there is no home folder");
+  if (DataFolder().empty()) return Failure(Code::kNotFound, "", why::kNoHomeFolder);
   if (program.find_first_of("\n\r") != std::string::npos) {
-    return Failure(Code::kRefused, program, "a line break in the path cannot be written into the entry");
+    return Failure(Code::kRefused, program, why::kBreakInPath);
   }
   Result first = Success();
   for (const Entry& entry : kEntries) {

@@ -99,9 +99,9 @@ bool IsInSendTo(const std::string& program) {
 Result AddToSendTo(const std::string& program) {
   const Shell shell;
   const std::wstring path = ShortcutPath();
-  if (path.empty()) return Failure(Code::kNotFound, "", "there is no folder for the menu");
+  if (path.empty()) return Failure(Code::kNotFound, "", why::kNoMenuFolder);
   if (IsTaken(TextFromWide(path)) && !IsOurs(path)) {
-    return Failure(Code::kExists, TextFromWide(path), "something else has this name already");
+    return Failure(Code::kExists, TextFromWide(path), why::kNameTakenByOther);
   }
   Pointer<IShellLinkW> link;
   Pointer<IPersistFile> file;

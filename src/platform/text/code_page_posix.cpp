@@ -144,7 +144,7 @@ Result CheckDecoded(std::string_view text) {
   while (!text.empty()) {
     char32_t code_point = 0;
     if (TakeCodePoint(&text, &code_point) && IsUndecodableByte(code_point)) {
-      return Failure(Code::kRefused, "", "the converter for the code page is not installed");
+      return Failure(Code::kRefused, "", why::kNoConverter);
     }
   }
   return Success();

@@ -158,10 +158,10 @@ std::string TextFromSystemPath(std::wstring_view path) {
 Result ToShellPath(const std::string& path, std::wstring* shell_path) {
   *shell_path = WithoutPrefix(SystemPath(path));
   if (shell_path->size() >= MAX_PATH) {
-    return Failure(Code::kRefused, path, "the path is too long for other programs");
+    return Failure(Code::kRefused, path, why::kPathTooLongForOthers);
   }
   if (FullPath(*shell_path) != *shell_path) {
-    return Failure(Code::kRefused, path, "other programs would take the path for a different one");
+    return Failure(Code::kRefused, path, why::kPathMistaken);
   }
   return Success();
 }

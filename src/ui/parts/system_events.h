@@ -5,13 +5,15 @@
 #include <functional>
 #include <string>
 
+#include "reasons/reason.h"
+
 class QObject;
 
 namespace quendle {
 
 // Why the toolkit cannot show windows here, although there is a display; empty when it can. One that tries and fails ends the
 // process.
-std::string MissingPlatform();
+Reason MissingPlatform();
 
 // The sound of a message with that icon: 16 critical, 32 question, 48 exclamation or 64 information. Windows: the one that the
 // user has chosen for it; else the desktop's bell.

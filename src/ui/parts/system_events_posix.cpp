@@ -7,11 +7,11 @@
 
 namespace quendle {
 
-std::string MissingPlatform() {
-  if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") || !qEnvironmentVariableIsEmpty("DISPLAY")) return "";
+Reason MissingPlatform() {
+  if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") || !qEnvironmentVariableIsEmpty("DISPLAY")) return {};
   const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms");
-  if (!plugins.entryList({"*wayland*"}).isEmpty()) return "";
-  return "Qt's Wayland support (qt6-wayland) is not installed";
+  if (!plugins.entryList({"*wayland*"}).isEmpty()) return {};
+  return why::kNoWayland;
 }
 
 void SoundMessage(std::int32_t /*icon*/) {

@@ -6,8 +6,8 @@
 
 namespace quendle {
 
-std::string MissingPlatform() {
-  return "";  // it is a part of the windows' library
+Reason MissingPlatform() {
+  return {};  // it is a part of the windows' library
 }
 
 // The icons have the system's numbers.

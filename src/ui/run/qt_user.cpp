@@ -6,7 +6,6 @@
 
 #include "base/display.h"
 #include "base/modString.h"
-#include "base/reasons.h"
 #include "files/file_manager.h"
 #include "platform/services/launch.h"
 #include "ui/messages/modMsgBox.h"
@@ -57,7 +56,7 @@ class QtUser : public UserInterface {
   bool AskMakeFolder(const std::string& folder) override;
   bool AskDelete(const std::string& path) override;
   std::optional<std::string> AskPassword(const std::string& archive) override;
-  bool AskProceed(const std::string& question) override;
+  bool AskProceed(const Reason& question) override;
   void ShowMessage(MessageKind kind, const std::string& text) override;
   void ShowExtractionLog(const std::string& text) override;
   bool ShowProgress(const platform::FileProgress& progress, bool simple) override;
@@ -131,8 +130,8 @@ std::optional<std::string> QtUser::AskPassword(const std::string& archive) {
   return typed;
 }
 
-bool QtUser::AskProceed(const std::string& question) {
-  return AskYesNo(InJapanese(ForDisplay(question)), kIconExclamation, kProceedTitle);
+bool QtUser::AskProceed(const Reason& question) {
+  return AskYesNo(LoadText(ForDisplay(question)), kIconExclamation, kProceedTitle);
 }
 
 void QtUser::ShowMessage(MessageKind kind, const std::string& text) {
@@ -166,7 +165,7 @@ void QtUser::SetBusy(bool busy) {
 
 void QtUser::ShowFailure(int text, const platform::Result& failure, const std::string& path) {
   if (failure.ok()) return;
-  const std::string why = InJapanese(ForDisplay(failure.reason));
+  const std::string why = LoadText(ForDisplay(failure.reason));
   const Waiting waiting(*this);
   (void)quendle::ShowMessage(Below(text, ForDisplay(path) + kLineBreak + why), kButtonsOk, kIconExclamation,
                              "");

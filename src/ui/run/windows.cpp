@@ -110,7 +110,7 @@ void QtWindows::RunActionWindow(ActionForm& form) {
 }  // namespace quendle
 
 extern "C" Q_DECL_EXPORT quendle::Windows* QuendleMakeWindows(const quendle::WindowsHost& host,
-                                                              std::string* reason) {
+                                                              quendle::Reason* reason) {
   *reason = quendle::MissingPlatform();
   return reason->empty() ? new quendle::QtWindows(host) : nullptr;
 }

@@ -13,7 +13,6 @@
 #include "archive/archiver_libraries.h"
 #include "base/display.h"
 #include "base/modString.h"
-#include "base/reasons.h"
 #include "core/modMain.h"
 #include "files/clsFileVer.h"
 #include "platform/services/library.h"
@@ -73,7 +72,7 @@ std::string LibraryLine(const std::string& name, ArchiverLibraries* libraries) {
   const ArchiverRow* row = RowOf(name);
   const ArchiverLibrary* library = row == nullptr ? nullptr : libraries->Use(*row);
   if (row != nullptr && library == nullptr)
-    return head + LoadText(text_id::kNotInstalled) + " " + ForDisplay(InJapanese(libraries->Problem(*row)));
+    return head + LoadText(text_id::kNotInstalled) + " " + ForDisplay(LoadText(libraries->Problem(*row)));
   clsFileVer file;
   file.pFileName(libraries->FileName(name));
   const std::string version = file.pVersionFull();

@@ -12,7 +12,6 @@
 
 #include "base/display.h"
 #include "base/modSystem.h"
-#include "base/reasons.h"
 #include "core/edit_keys.h"
 #include "resources/string_table.h"
 #include "settings/run_settings.h"
@@ -55,7 +54,7 @@ std::optional<std::string> OpenEditor(QWidget* owner, Globals& globals, EditMode
   const platform::Result read = RunSettings(globals.g_PropDefault->Folders()).Read(&settings);
   if (!read.ok()) {
     (void)ShowMessage(
-        LoadText(kUnreadable, {ForDisplay(InJapanese(read.reason)) + "\r\n" + ForDisplay(read.path)}),
+        LoadText(kUnreadable, {ForDisplay(LoadText(read.reason)) + "\r\n" + ForDisplay(read.path)}),
         kButtonsOk, kIconExclamation, "");
     return std::nullopt;
   }

@@ -6,7 +6,6 @@
 
 #include "base/display.h"
 #include "base/modString.h"
-#include "base/reasons.h"
 #include "core/edit_keys.h"
 #include "core/profile_pattern.h"
 #include "platform/services/send_to.h"
@@ -90,7 +89,7 @@ void frmEdit::SwitchSendTo() {
   const platform::Result done =
       is_there ? platform::RemoveFromSendTo() : platform::AddToSendTo(services_.program);
   ShowSendTo();
-  if (!done.ok()) Tell(LoadText(6824, {ForDisplay(done.path), InJapanese(done.reason)}), kIconCritical);
+  if (!done.ok()) Tell(LoadText(6824, {ForDisplay(done.path), LoadText(done.reason)}), kIconCritical);
 }
 
 void frmEdit::ProposePattern() {
@@ -105,7 +104,7 @@ void frmEdit::ProposePattern() {
     clsFileInfo file;
     if (!file.SetFilename(picked)) {
       const platform::Result& failure = file.LastFailure();
-      Tell(ForDisplay(picked) + kLineBreak + InJapanese(failure.reason), kIconExclamation);
+      Tell(ForDisplay(picked) + kLineBreak + LoadText(failure.reason), kIconExclamation);
       return;
     }
     pattern = MakePatternFromTarget(file);
@@ -131,7 +130,7 @@ void frmEdit::Save() {
     const platform::Result saved = draft_.Save(&comparison);
     Fill();  // what has come from the file is to be seen
     if (!saved.ok()) {
-      Tell(LoadText(6686, {ForDisplay(saved.path), InJapanese(saved.reason)}), kIconCritical);
+      Tell(LoadText(6686, {ForDisplay(saved.path), LoadText(saved.reason)}), kIconCritical);
       return;
     }
     if (!Settle(comparison)) return;

@@ -16,7 +16,6 @@
 #include <unordered_set>
 
 #include "base/display.h"
-#include "base/reasons.h"
 #include "core/untold_paths.h"
 #include "files/file_manager.h"
 #include "resources/version.h"
@@ -175,7 +174,7 @@ void frmMain::Refresh(const std::string& select) {
   const std::string current = CurrentTitle();
   stamp_ = FilesStamp();
   const platform::Result read = model_.Refresh();
-  read_problem_ = read.ok() ? "" : ForDisplay(InJapanese(read.reason)) + "\r\n" + ForDisplay(read.path);
+  read_problem_ = read.ok() ? "" : ForDisplay(LoadText(read.reason)) + "\r\n" + ForDisplay(read.path);
   Select(titles, current);
   if (!select.empty() && !SelectTitle(select)) {
     filter_->clear();

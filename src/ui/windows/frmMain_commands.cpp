@@ -11,7 +11,6 @@
 
 #include "base/display.h"
 #include "base/modString.h"
-#include "base/reasons.h"
 #include "core/modMain.h"
 #include "core/untold_paths.h"
 #include "resources/string_table.h"
@@ -46,7 +45,7 @@ constexpr const char* kLineBreak = "\r\n";
 bool frmMain::Tell(const platform::Result& result) {
   if (result.ok()) return true;
   services_.show_message(LoadText(kNotChanged) + kLineBreak + kLineBreak + ForDisplay(result.path) +
-                             kLineBreak + ForDisplay(InJapanese(result.reason)),
+                             kLineBreak + ForDisplay(LoadText(result.reason)),
                          kButtonsOk, kIconCritical, "");
   return false;
 }
@@ -144,7 +143,7 @@ void frmMain::OpenFolder(std::size_t kind) {
                            kIconExclamation, "");
   } else if (const platform::Result opened = services_.open_folder(folder); !opened.ok()) {
     services_.show_message(LoadText(kFolderNotOpened) + kLineBreak + kLineBreak + ForDisplay(folder) +
-                               kLineBreak + ForDisplay(InJapanese(opened.reason)),
+                               kLineBreak + ForDisplay(LoadText(opened.reason)),
                            kButtonsOk, kIconExclamation, "");
   }
 }

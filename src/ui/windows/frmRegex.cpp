@@ -87,7 +87,7 @@ void frmRegex::Evaluate() {
     case RegexAnswer::kNotWhole:
       return ShowResult(text_id::kRegexUnmatch, NoColour(palette()), "");
     case RegexAnswer::kError:
-      return ShowResult(text_id::kRegexError, NoColour(palette()), PatternProblem(pattern, regex.Error()));
+      return ShowResult(text_id::kRegexError, NoColour(palette()), PatternProblem(pattern, regex));
   }
 }
 

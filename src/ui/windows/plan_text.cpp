@@ -1,7 +1,6 @@
 #include "ui/windows/plan_text.h"
 
 #include "base/display.h"
-#include "base/reasons.h"
 #include "base/text.h"
 #include "core/failure_text.h"
 #include "resources/string_table.h"
@@ -12,7 +11,7 @@ namespace {
 std::string Note(const ActionStep& step, bool is_stopped) {
   if (is_stopped && step.result == StepResult::kSkipped) return LoadText(text_id::kPlanLeftOut);
   if (step.asks) return LoadText(text_id::kPlanAsks);
-  if (!step.error.empty()) return LoadText(text_id::kPlanReason, {ReasonInOneLine(InJapanese(step.error))});
+  if (!step.error.empty()) return LoadText(text_id::kPlanReason, {ReasonInOneLine(LoadText(step.error))});
   if (!step.extraction) return "";
   return LoadText(text_id::kPlanEntries,
                   {std::to_string(step.extraction->all), std::to_string(step.extraction->chosen)});

@@ -187,7 +187,8 @@ TEST_F(ExtractionFolderTest, LinksComeLastAndNothingIsWrittenThroughThem) {
   EXPECT_TRUE(Extract("ours", "2").ok());
   EXPECT_TRUE(Extract("sub/file", "3").ok());
   std::vector<std::string> failed;
-  for (const Result& failure : folder_->Finish()) failed.push_back(failure.path + ": " + failure.reason);
+  for (const Result& failure : folder_->Finish())
+    failed.push_back(failure.path + ": " + English(failure.reason));
   EXPECT_EQ(failed, (std::vector<std::string>{
                         "dir: a folder of that name is there", "ours: something of that name is there",
                         "link: something of that name is there",

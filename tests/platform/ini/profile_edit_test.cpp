@@ -45,7 +45,7 @@ std::string RandomFile(std::mt19937* random) {
   }
 }
 
-std::string SectionProblemIn(const std::string& bytes) {
+Reason SectionProblemIn(const std::string& bytes) {
   return ProfileDocument(bytes).SectionProblem();
 }
 
@@ -90,7 +90,7 @@ GTEST_TEST(EditProfile, RewritingSectionsKeepsEveryKeyOrIsRefused) {
   for (int round = 0; round < 2000 && !testing::Test::HasFailure(); ++round) {
     const std::string file = RandomFile(&random);
     if (file.find_first_of("\r\n") == std::string::npos) continue;  // some leave it alone
-    const std::string problem = SectionProblemIn(file);
+    const Reason problem = SectionProblemIn(file);
     for (const auto& row : edits) {
       SCOPED_TRACE(row.name + (": " + testing::PrintToString(file)));
       std::string edited = file;

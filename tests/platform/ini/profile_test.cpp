@@ -120,8 +120,8 @@ GTEST_TEST(ProfileDocument, TellsWhatCannotBeReadForSure) {
       {"\xFF", "", "the file begins like UTF-16"},
   };
   for (const auto& row : rows) {
-    const auto is_told = [](const std::string& problem, std::string_view beginning) {
-      return beginning.empty() ? problem.empty() : problem.starts_with(beginning);
+    const auto is_told = [](const Reason& problem, std::string_view beginning) {
+      return beginning.empty() ? problem.empty() : English(problem).starts_with(beginning);
     };
     const ProfileDocument document(row.bytes);
     EXPECT_TRUE(is_told(document.SectionProblem(), row.section_problem))

@@ -141,7 +141,7 @@ TEST_F(DiskFailure, AnyCallOfAMoveOrCopyMayFail) {
       Pictured whole = before;
       std::erase_if(whole, [&](const auto& entry) { return entry.first[0] != *row.name; });
       const bool is_complete =
-          result.reason.ends_with("the copy is complete, the rest of the source was left");
+          English(result.reason).ends_with("the copy is complete, the rest of the source was left");
       EXPECT_EQ(there, result.ok() || is_complete ? whole : old) << result.reason;
       if (is_complete) return;
       if (result.ok() && row.moves)
@@ -218,7 +218,7 @@ TEST_F(DiskFailure, OnlyOnesOwnIsTakenBack) {
       EXPECT_EQ(std::count_if(disk.calls().begin(), disk.calls().end(), hides) > 1, row.last_moment);
     }
     EXPECT_EQ(HiddenIn(destination_.path()), "");
-    EXPECT_TRUE(result.reason.ends_with(row.reason)) << result.reason;
+    EXPECT_TRUE(English(result.reason).ends_with(row.reason)) << result.reason;
     EXPECT_EQ(ContentsOf(destination_.path()), row.left);
     EXPECT_TRUE(ReadFile(changed).ends_with("+"));
     EXPECT_EQ(Picture(source_.path()).size(), 7U);
@@ -256,7 +256,7 @@ TEST_F(DiskFailure, SettingsAreReadWholeOrNotAndReplacedOrNot) {
       prepare, [&] { return ReplaceFile(path, "new"); },
       [&](const Result& result, const std::string& failed) {
         const bool is_new =
-            result.ok() || result.reason.find("the new content is in place") != std::string::npos;
+            result.ok() || English(result.reason).find("the new content is in place") != std::string::npos;
         EXPECT_EQ(ReadFile(path), is_new ? "new" : "old") << result.reason;
         EXPECT_EQ(HiddenIn(source_.path()), "");
         EXPECT_FALSE(result.ok() && (failed.starts_with("write") || failed.starts_with("sync")));

@@ -151,7 +151,8 @@ TEST_P(FileOperation, FoldersMergeAndAskForEachFile) {
     EXPECT_EQ(result.path, At("D/d"));
     const std::string named = observer_.asked[second_round ? 0 : 1].substr(At("D/d/").size()) +
                               " (and 2 more) exist already and were left; ";
-    EXPECT_EQ(result.reason.starts_with(named + "2 entries were left: "), !second_round) << result.reason;
+    EXPECT_EQ(English(result.reason).starts_with(named + "2 entries were left: "), !second_round)
+        << result.reason;
     unsigned replaced = 0;
     for (const char* name : {"D/d/a", "D/d/b", "D/d/c/a", "D/d/c/b"})
       replaced += ReadFile(At(name)) == "new" ? 1U : 0U;

@@ -100,7 +100,7 @@ TEST_P(FileOperationOnWindows, PathsMayBeLong) {
   ASSERT_TRUE(made.ok());
   made.Close();
   const std::string top = std::string(120, 'd');
-  const std::string too_long = SystemFailure(ERROR_FILENAME_EXCED_RANGE, "").reason;
+  const std::string too_long = English(SystemFailure(ERROR_FILENAME_EXCED_RANGE, "").reason);
   EXPECT_EQ(Run("S/" + top, "D/" + longest + "f").reason, too_long);
   const Result result = Run("S/" + top, "D/" + top);
   EXPECT_TRUE(result.ok()) << result.path << ": " << result.reason;
@@ -143,7 +143,7 @@ GTEST_TEST(RecycleBin, TakesFilesAndRefusesWhatItWouldMistake) {
   made.Close();
   const Result result = DeleteEntry(dotted, {.allow_undo = true}, &observer);
   EXPECT_FALSE(result.ok());
-  EXPECT_TRUE(result.reason.starts_with("there is no trash")) << result.reason;
+  EXPECT_TRUE(English(result.reason).starts_with("there is no trash")) << result.reason;
   EXPECT_TRUE(IsTaken(folder / "a") && IsTaken(dotted));
   EXPECT_TRUE(DeleteEntry(folder / "a", {.allow_undo = true}, &observer).ok());
   EXPECT_TRUE(!IsTaken(folder / "a") && IsTaken(dotted));

@@ -85,7 +85,7 @@ TEST_F(Trash, FailuresLeaveTheFileAndNoInfo) {
   fs::permissions(data.path(), fs::perms(0555));
   const Result result = Throw(locked / "f");
   EXPECT_EQ(result.code, Code::kDenied);
-  EXPECT_TRUE(result.reason.starts_with("there is no trash")) << result.reason;
+  EXPECT_TRUE(English(result.reason).starts_with("there is no trash")) << result.reason;
   EXPECT_EQ(ReadFile(locked / "f"), "f");
 }
 
@@ -152,7 +152,7 @@ TEST_F(Trash, BringsBackOnlyWhatWentThere) {
       result = MoveEntry(folder_ / "new", folder_ / "old", {.allow_undo = true}, &observer_);
     }
     EXPECT_EQ(result.code, Code::kFailed);
-    EXPECT_EQ(result.reason.ends_with("; the file that was there is in the trash"), is_exchanged)
+    EXPECT_EQ(English(result.reason).ends_with("; the file that was there is in the trash"), is_exchanged)
         << result.reason;
     EXPECT_EQ(ReadFile(folder_ / "new"), "new");
     EXPECT_EQ(ReadFile(is_exchanged ? InTrash("files/old") : folder_ / "old"),

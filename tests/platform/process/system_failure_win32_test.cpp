@@ -23,8 +23,8 @@ GTEST_TEST(Result, SystemFailuresAreOneLine) {
     EXPECT_EQ(failure.code, row.code);
     EXPECT_EQ(failure.path, "p");
     EXPECT_FALSE(failure.reason.empty());
-    EXPECT_EQ(failure.reason.find_first_of("\r\n%"), std::string::npos) << failure.reason;
-    EXPECT_NE(failure.reason.back(), '.');
+    EXPECT_EQ(English(failure.reason).find_first_of("\r\n%"), std::string::npos) << failure.reason;
+    EXPECT_NE(English(failure.reason).back(), '.');
   }
   EXPECT_EQ(SystemFailure(ERROR_SHARING_VIOLATION, "").reason, "another program uses it");
 }

@@ -43,7 +43,7 @@ using test::ScopedVariable;
 std::string Claimed(const std::string& key, std::unique_ptr<RunningCopy>* copy) {
   const Result result = RunningCopy::Claim(key, {}, copy);
   EXPECT_TRUE(result.ok() || (*copy == nullptr && !result.path.empty()));
-  if (!result.ok()) return result.reason;
+  if (!result.ok()) return English(result.reason);
   return *copy == nullptr ? "asked another" : "first";
 }
 

@@ -45,7 +45,7 @@ ArchiveInput WithFollowers(File file, std::uint64_t position) {
   return ArchiveInput(std::move(files)).From(position);
 }
 
-std::optional<ArchiveInput> FindCab(std::shared_ptr<const platform::InputFile> file, std::string*) {
+std::optional<ArchiveInput> FindCab(std::shared_ptr<const platform::InputFile> file, Reason*) {
   const ArchiveInput whole(file, 0);
   const auto position = FindSignature(whole, {{"MSCF"}}, [&whole](std::uint64_t candidate) {
     const auto header = ReadCabHeader(whole, candidate);

@@ -18,20 +18,20 @@ namespace {
 
 constexpr unsigned kPieceSize = 1U << 20;
 
-const char* ReasonFor(int error) {
+Reason ReasonFor(int error) {
   switch (error) {
     case MSPACK_ERR_READ:
-      return "the cabinet is cut off or cannot be read";
+      return why::kCabinetUnreadable;
     case MSPACK_ERR_NOMEMORY:
-      return "there is not enough memory";
+      return why::kNotEnoughMemory;
     case MSPACK_ERR_SIGNATURE:
-      return "it does not begin like a cabinet";
+      return why::kNoCabinet;
     case MSPACK_ERR_CHECKSUM:
-      return "a checksum does not agree";
+      return why::kSomeChecksumWrong;
     case MSPACK_ERR_DECRUNCH:
-      return "its packed data is damaged";
+      return why::kPackedDataDamaged;
     default:
-      return "the cabinet is damaged";
+      return why::kCabinetDamaged;
   }
 }
 
@@ -53,7 +53,7 @@ class MspackReader final : public EntryReader {
   bool IsPlain() const;
   ReadStatus NextEntry(Entry* entry) override;
   ReadStatus ReadContent(std::string_view* piece) override;
-  const std::string& Reason() const override { return reason_; }
+  const Reason& Problem() const override { return reason_; }
 
  private:
   struct File {
@@ -67,8 +67,8 @@ class MspackReader final : public EntryReader {
   bool FailToAppend(std::size_t index);
   void FindProblem();
   Entry Convert(const File& named) const;
-  std::string WhyNot(const char* otherwise) const;
-  ReadStatus Fail(ReadStatus status, std::string reason);
+  Reason WhyNot(Reason otherwise) const;
+  ReadStatus Fail(ReadStatus status, Reason reason);
 
   const ArchiveInput& input_;
   ReaderOptions options_;
@@ -81,8 +81,8 @@ class MspackReader final : public EntryReader {
   std::set<const mscabd_folder*> damaged_;
   ReadStatus content_status_ = ReadStatus::kEnd;
   std::string missing_;  // the cabinet behind the last one
-  std::string problem_;  // why there may be more files
-  std::string reason_;
+  Reason problem_;       // why there may be more files
+  Reason reason_;
 };
 
 MspackReader::~MspackReader() {
@@ -97,7 +97,7 @@ bool MspackReader::Open() {
   MSPACK_SYS_SELFTEST(answer);
   if (answer == MSPACK_ERR_OK) library_ = mspack_create_cab_decompressor(system_.Get());
   if (library_ == nullptr) {
-    reason_ = "the library cannot be set up";
+    reason_ = why::kLibraryNotSetUp;
     return false;
   }
   cabinet_ = library_->open(library_, system_.NameOf(0));
@@ -177,8 +177,7 @@ void MspackReader::MoveFiles(std::size_t first, const mscabd_folder* from, mscab
 }
 
 bool MspackReader::FailToAppend(std::size_t index) {
-  problem_ = "cabinet " + std::to_string(index + 1) + " of the set: ";
-  problem_ += ReasonFor(library_->last_error(library_));
+  problem_ = why::kCabinetOfSet(index + 1, ReasonFor(library_->last_error(library_)));
   return false;
 }
 
@@ -187,10 +186,10 @@ void MspackReader::FindProblem() {
     const std::uint64_t begin = input_.VolumeStart(i);
     const std::uint64_t end = i + 1 < input_.VolumeCount() ? input_.VolumeStart(i + 1) : input_.Size();
     const auto header = ReadCabHeader(input_, begin);
-    if (header && header->size > end - begin) problem_ = "the cabinet is cut off";
+    if (header && header->size > end - begin) problem_ = why::kCabinetCutOff;
     if (header && i + 1 == input_.VolumeCount() && !header->next.empty()) {
       missing_ = DecodeName(header->next, false, options_.charset);
-      problem_ = "the next cabinet, " + missing_ + ", is missing";
+      problem_ = why::kNextCabinetMissing(missing_);
     }
   }
 }
@@ -208,7 +207,7 @@ Entry MspackReader::Convert(const File& named) const {
   return entry;
 }
 
-ReadStatus MspackReader::Fail(ReadStatus status, std::string reason) {
+ReadStatus MspackReader::Fail(ReadStatus status, Reason reason) {
   reason_ = std::move(reason);
   return status;
 }
@@ -221,7 +220,7 @@ ReadStatus MspackReader::NextEntry(Entry* entry) {
   *entry = Convert(files_[next_++]);
   content_status_ = ReadStatus::kOk;
   if (MSCABD_COMP_METHOD(current_.folder->comp_type) > MSCAB_COMP_LZX) {
-    content_status_ = Fail(ReadStatus::kUnsupported, "it is packed in a way that is not known");
+    content_status_ = Fail(ReadStatus::kUnsupported, why::kUnknownMethod);
   }
   return ReadStatus::kOk;
 }
@@ -233,7 +232,7 @@ ReadStatus MspackReader::ReadContent(std::string_view* piece) {
   if (current_.length == 0) return content_status_ = ReadStatus::kEnd;
   // Behind damage the library goes on with the next block as if nothing were missing.
   if (damaged_.count(current_.folder) != 0) {
-    return content_status_ = Fail(ReadStatus::kFailed, WhyNot("the packed data in front of it is damaged"));
+    return content_status_ = Fail(ReadStatus::kFailed, WhyNot(why::kDataBeforeDamaged));
   }
   mscabd_file part = current_;
   part.length = std::min(current_.length, kPieceSize);
@@ -250,14 +249,13 @@ ReadStatus MspackReader::ReadContent(std::string_view* piece) {
   return ReadStatus::kOk;
 }
 
-std::string MspackReader::WhyNot(const char* otherwise) const {
+Reason MspackReader::WhyNot(Reason otherwise) const {
   const bool is_in_first = current_.folder == cabinet_->folders;
   if (is_in_first && cabinet_->prevname != nullptr) {
-    return "it may begin in an earlier cabinet of the set: start with " +
-           DecodeName(cabinet_->prevname, false, options_.charset);
+    return why::kMayBeginEarlier(DecodeName(cabinet_->prevname, false, options_.charset));
   }
   if (current_.folder->next == nullptr && !missing_.empty()) {
-    return "it may go on in the next cabinet, " + missing_ + ", which is missing";
+    return why::kMayGoOn(missing_);
   }
   return otherwise;
 }
@@ -265,10 +263,10 @@ std::string MspackReader::WhyNot(const char* otherwise) const {
 }  // namespace
 
 std::unique_ptr<EntryReader> OpenMspack(const ArchiveInput& input, const ReaderOptions& options,
-                                        std::string* reason) {
+                                        Reason* reason) {
   auto reader = std::make_unique<MspackReader>(input, options);
   if (reader->Open()) return reader;
-  *reason = reader->Reason();
+  *reason = reader->Problem();
   return nullptr;
 }
 

@@ -10,7 +10,7 @@ namespace quendle::modules {
 
 // The volumes of the input are the cabinets of a set, in their order.
 std::unique_ptr<EntryReader> OpenMspack(const ArchiveInput& input, const ReaderOptions& options,
-                                        std::string* reason);
+                                        Reason* reason);
 
 // Is it one cabinet of its own, whole, packed by MSZIP only, with its files behind each other in the order in which
 // they are listed? Any reader of cabinets has to understand that.

@@ -16,17 +16,17 @@ class PlainCabReader final : public EntryReader {
 
   ReadStatus NextEntry(Entry* entry) override;
   ReadStatus ReadContent(std::string_view* piece) override;
-  const std::string& Reason() const override { return reason_; }
+  const Reason& Problem() const override { return reason_; }
 
  private:
   ReadStatus GoToCurrent();
-  ReadStatus GiveUp(ReadStatus status, std::string reason);
+  ReadStatus GiveUp(ReadStatus status, Reason reason);
 
   std::vector<Entry> entries_;
   std::unique_ptr<EntryReader> library_;  // null: given up
   std::size_t next_ = 0;
   std::size_t library_next_ = 0;
-  std::string reason_;
+  Reason reason_;
 };
 
 ReadStatus PlainCabReader::NextEntry(Entry* entry) {
@@ -42,7 +42,7 @@ ReadStatus PlainCabReader::ReadContent(std::string_view* piece) {
   }
   const ReadStatus status = library_->ReadContent(piece);
   if (status == ReadStatus::kOk || status == ReadStatus::kEnd) return status;
-  return GiveUp(status, library_->Reason());
+  return GiveUp(status, library_->Problem());
 }
 
 // Passes over the entries on the way.
@@ -51,7 +51,7 @@ ReadStatus PlainCabReader::GoToCurrent() {
     Entry entry;
     const ReadStatus status = library_->NextEntry(&entry);
     if (status != ReadStatus::kOk || entry.size != entries_[library_next_].size) {
-      return GiveUp(ReadStatus::kUnsupported, "libarchive lists the cabinet differently");
+      return GiveUp(ReadStatus::kUnsupported, why::kListedDifferently);
     }
     ++library_next_;
   }
@@ -59,7 +59,7 @@ ReadStatus PlainCabReader::GoToCurrent() {
 }
 
 // What is in front of an entry decides how it is unpacked, so that nothing behind damage is to be believed.
-ReadStatus PlainCabReader::GiveUp(ReadStatus status, std::string reason) {
+ReadStatus PlainCabReader::GiveUp(ReadStatus status, Reason reason) {
   reason_ = std::move(reason);
   library_.reset();
   library_next_ = entries_.size() + 1;
@@ -69,7 +69,7 @@ ReadStatus PlainCabReader::GiveUp(ReadStatus status, std::string reason) {
 }  // namespace
 
 std::unique_ptr<EntryReader> OpenPlainCab(const ArchiveInput& input, const ReaderOptions& options,
-                                          std::string* reason) {
+                                          Reason* reason) {
   const auto list = OpenMspack(input, options, reason);
   if (!list) return nullptr;
   std::vector<Entry> entries;

@@ -11,6 +11,6 @@ namespace quendle::modules {
 // For cabinets of which IsPlainCabinet holds. The entries are the ones that libmspack lists; behind the first
 // content that is not as it should be all is kUnsupported, so that libmspack has its say.
 std::unique_ptr<EntryReader> OpenPlainCab(const ArchiveInput& input, const ReaderOptions& options,
-                                          std::string* reason);
+                                          Reason* reason);
 
 }  // namespace quendle::modules

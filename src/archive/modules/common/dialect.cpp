@@ -100,7 +100,7 @@ const Dialect kRarDialect = {{{"-x", Word::kCommand},
 const Dialect kSevenZipDialect = {
     {{"x", Word::kCommand}, {"e", Word::kCommand | Word::kNoPaths}, {"-aoa", Word::kQuiet}}, true, true, 0};
 
-bool ParseCommandLine(const Dialect& dialect, std::string_view line, Request* request, std::string* problem) {
+bool ParseCommandLine(const Dialect& dialect, std::string_view line, Request* request, Reason* problem) {
   *request = Request();
   unsigned meaning = 0;
   while (!line.empty()) {
@@ -115,16 +115,16 @@ bool ParseCommandLine(const Dialect& dialect, std::string_view line, Request* re
     if (word != dialect.words.end()) {
       meaning |= word->meaning;
     } else if (!TakePath(dialect, token, request)) {
-      problem->assign("the command line has an unknown word: ").append(token.text);
+      *problem = why::kUnknownWord(std::string(token.text));
       return false;
     }
   }
   if (dialect.needs_command && (meaning & Word::kCommand) == 0) {
-    *problem = "the command line has no command";
+    *problem = why::kNoCommand;
   } else if (request->archive.empty() || request->folder.empty()) {
-    *problem = "the command line lacks the archive or the folder";
+    *problem = why::kIncompleteCommand;
   } else {
-    problem->clear();
+    *problem = {};
   }
   request->with_paths = (meaning & Word::kNoPaths) == 0;
   if ((meaning & Word::kQuiet) != 0) {

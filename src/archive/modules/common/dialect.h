@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "reasons/reason.h"
+
 namespace quendle::modules {
 
 enum class Existing {
@@ -45,12 +47,12 @@ extern const Dialect kCabDialect;
 extern const Dialect kRarDialect;
 extern const Dialect kSevenZipDialect;
 
-// Reads a command line. False, with `*problem` in one English line, for one that is not of the dialect, lacks
+// Reads a command line. False, with `*problem`, for one that is not of the dialect, lacks
 // the archive or the folder, or has a word that the dialect does not know: what is not understood is not done.
 //
 // A word is in double quotes or without blanks; a quote only ends a word when a blank or the end follows it.
 //   ZIP  -x -s -i -C -j -o "/a.zip" "/out/" "@/tmp/r"  => /a.zip into /out by /tmp/r, no paths, replace
 //   7Z   x "-o/out" -aoa "/a.7z" "@/tmp/r"             => /a.7z into /out by /tmp/r, paths, replace
-bool ParseCommandLine(const Dialect& dialect, std::string_view line, Request* request, std::string* problem);
+bool ParseCommandLine(const Dialect& dialect, std::string_view line, Request* request, Reason* problem);
 
 }  // namespace quendle::modules

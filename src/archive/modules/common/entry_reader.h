@@ -63,8 +63,8 @@ class EntryReader {
   // anything but kOk the entry is over, but NextEntry may be called.
   virtual ReadStatus ReadContent(std::string_view* piece) = 0;
 
-  // Why the last answer was kFailed, kUnsupported or kPassword, one English line without a full stop.
-  virtual const std::string& Reason() const = 0;
+  // Why the last answer was kFailed, kUnsupported or kPassword.
+  virtual const Reason& Problem() const = 0;
 };
 
 // One library underneath, as a family uses it. Open gives a reader, or null with the reason, for an archive of
@@ -72,7 +72,7 @@ class EntryReader {
 struct Engine {
   const char* name;
   std::unique_ptr<EntryReader> (*open)(const ArchiveInput& input, const ReaderOptions& options,
-                                       std::string* reason);
+                                       Reason* reason);
 };
 
 }  // namespace quendle::modules

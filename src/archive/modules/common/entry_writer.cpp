@@ -56,7 +56,7 @@ platform::Result EntryWriter::Open(const ArchiveInput& archive,
 }
 
 EntryWriter::Decision EntryWriter::Prepare(Call* call, const Entry& entry, const Session& session,
-                                           std::string* why) {
+                                           Reason* why) {
   replace_ = Replace::kNothing;
   note_.clear();
   if (entry.kind == EntryKind::kFolder && !call->request.with_paths) return Decision::kDone;
@@ -66,7 +66,7 @@ EntryWriter::Decision EntryWriter::Prepare(Call* call, const Entry& entry, const
     case EntryKind::kFolder:
       return Decide(folder_->MakeFolder(path_, entry.attributes), call, entry, why);
     case EntryKind::kOther:
-      *why = "it is neither a file nor a folder nor a symbolic link";
+      *why = why::kOddKind;
       return Decision::kRefused;
     case EntryKind::kLink:
     case EntryKind::kFile:
@@ -90,7 +90,7 @@ platform::Result EntryWriter::FindPath(const Call& call, const Entry& entry) {
 }
 
 EntryWriter::Decision EntryWriter::SettleConflict(Call* call, const Entry& entry, const Session& session,
-                                                  std::string* why) {
+                                                  Reason* why) {
   platform::ExtractionFolder::Occupant occupant;
   platform::Result result = folder_->Look(path_, &occupant);
   if (result.ok() && links_.contains(path_)) occupant.taken = Taken::kOurs;
@@ -99,7 +99,7 @@ EntryWriter::Decision EntryWriter::SettleConflict(Call* call, const Entry& entry
     case Taken::kFree:
       return Decision::kWriteFile;
     case Taken::kFolder:
-      *why = "a folder of that name is in the way";
+      *why = why::kFolderInWay;
       return Decision::kRefused;
     case Taken::kOurs:
       result = folder_->FreeName(path_, &path_);
@@ -137,13 +137,13 @@ EntryWriter::Decision EntryWriter::AskToReplace(Call* call, const Entry& entry,
 }
 
 EntryWriter::Decision EntryWriter::Decide(const platform::Result& result, Call* call, const Entry& entry,
-                                          std::string* why) {
+                                          Reason* why) {
   if (result.ok()) {
     Log(call, "extracted  ", entry);
     return Decision::kDone;
   }
-  *why =
-      result.path.empty() || result.path == entry.path ? result.reason : result.reason + ": " + result.path;
+  const bool is_named = result.path.empty() || result.path == entry.path;
+  *why = is_named ? result.reason : why::kAbout(result.reason, result.path);
   return Decision::kRefused;
 }
 
@@ -153,7 +153,7 @@ platform::Result EntryWriter::Commit(Call* call, const Entry& entry) {
   return result;
 }
 
-void EntryWriter::Finish(const std::function<void(Call*, const std::string&, const std::string&)>& fail) {
+void EntryWriter::Finish(const std::function<void(Call*, const std::string&, const Reason&)>& fail) {
   for (const platform::Result& failure : folder_->Finish()) {
     const auto link = links_.find(failure.path);
     if (link != links_.end()) fail(link->second.first, link->second.second, failure.reason);

@@ -32,7 +32,7 @@ class EntryWriter {
     kRefused,    // `*why` says why
     kCancel,
   };
-  Decision Prepare(Call* call, const Entry& entry, const Session& session, std::string* why);
+  Decision Prepare(Call* call, const Entry& entry, const Session& session, Reason* why);
 
   platform::Result Begin(const Entry& entry) { return folder_->BeginFile(path_, entry.size); }
   platform::Result Write(std::string_view piece) { return folder_->Write(piece); }
@@ -40,7 +40,7 @@ class EntryWriter {
   void Discard() { folder_->DiscardFile(); }
 
   // Makes what was noted; `fail` hears of the links that were not made.
-  void Finish(const std::function<void(Call*, const std::string&, const std::string&)>& fail);
+  void Finish(const std::function<void(Call*, const std::string&, const Reason&)>& fail);
 
  private:
   using Replace = platform::ExtractionFolder::Replace;
@@ -49,10 +49,10 @@ class EntryWriter {
       : base_(std::move(base)), folder_(std::move(folder)) {}
 
   platform::Result FindPath(const Call& call, const Entry& entry);
-  Decision SettleConflict(Call* call, const Entry& entry, const Session& session, std::string* why);
+  Decision SettleConflict(Call* call, const Entry& entry, const Session& session, Reason* why);
   Decision AskToReplace(Call* call, const Entry& entry, const platform::FileVersion& existing,
                         const Session& session);
-  Decision Decide(const platform::Result& result, Call* call, const Entry& entry, std::string* why);
+  Decision Decide(const platform::Result& result, Call* call, const Entry& entry, Reason* why);
   void Log(Call* call, const char* what, const Entry& entry) const;
 
   std::string base_;  // with a separator at its end

@@ -18,7 +18,7 @@ namespace {
 // An entry that a call asked for.
 struct Wanted {
   Call* call = nullptr;  // null: nobody did, or it is settled
-  std::string reason;    // why the engines so far could not read it
+  Reason reason;         // why the engines so far could not read it
 };
 
 // The passwords for an archive, whichever engines use them.
@@ -85,12 +85,12 @@ class Extraction {
   void ChooseEntries();
   bool MayBegin();
   void ReadWith(const Engine& engine);
-  std::unique_ptr<EntryReader> OpenReader(const Engine& engine, std::string* reason);
+  std::unique_ptr<EntryReader> OpenReader(const Engine& engine, Reason* reason);
   void ExtractEntry(std::size_t index, const Entry& entry, EntryReader* reader);
   void WriteFile(std::size_t index, const Entry& entry, EntryReader* reader);
   bool GoOn(const std::string& path);
-  void Fail(Call* call, const std::string& entry, const std::string& reason);
-  void Stop(const std::string& reason);
+  void Fail(Call* call, const std::string& entry, const Reason& reason);
+  void Stop(const Reason& reason);
   void SettleRest();
 
   const OpenedArchive& archive_;
@@ -105,7 +105,7 @@ class Extraction {
   std::uint64_t done_ = 0;  // bytes
   std::uint64_t total_ = 0;
   bool may_grow_ = false;  // the user knows that it gets large
-  std::string stopped_;    // why no more entries are tried
+  Reason stopped_;         // why no more entries are tried
 };
 
 void Extraction::Run() {
@@ -115,7 +115,7 @@ void Extraction::Run() {
     ReadWith(archive_.engines[i]);
   }
   writer_->Finish(
-      [this](Call* call, const std::string& entry, const std::string& reason) { Fail(call, entry, reason); });
+      [this](Call* call, const std::string& entry, const Reason& reason) { Fail(call, entry, reason); });
   SettleRest();
   if (!archive_.problem.empty()) Fail(&calls_.back(), "", archive_.problem);
 }
@@ -141,7 +141,7 @@ void Extraction::ChooseEntries() {
     // What the archive declares may be anything; a sum that begins again at 0 would fit every disk.
     total_ += std::min(entry.size.value_or(0), std::numeric_limits<std::uint64_t>::max() - total_);
   }
-  for (const auto& [name, call] : unmatched) Fail(call, name, "there is no such entry");
+  for (const auto& [name, call] : unmatched) Fail(call, name, why::kNoSuchEntry);
 }
 
 // Asks and refuses what is to be asked and refused before a byte is written.
@@ -150,20 +150,18 @@ bool Extraction::MayBegin() {
       EntryWriter::Open(archive_.input, session_.ProtectedPaths(), calls_, &writer_);
   const platform::Result space = opened.ok() ? writer_->CheckSpace(total_) : opened;
   if (!space.ok()) {
-    Stop(space.path + ": " + space.reason);
+    Stop(why::kAbout(space.path, space.reason));
     return false;
   }
   const std::size_t entries = archive_.entries.size();
-  if (entries > limits_.entries &&
-      !session_.AskProceed(archive_.input.Path() + " has " + std::to_string(entries) +
-                           " entries. Extract them?")) {
-    Stop("there are " + std::to_string(entries) + " entries");
+  if (entries > limits_.entries && !session_.AskProceed(why::kAskEntries(archive_.input.Path(), entries))) {
+    Stop(why::kManyEntries(entries));
     return false;
   }
   return true;
 }
 
-std::unique_ptr<EntryReader> Extraction::OpenReader(const Engine& engine, std::string* reason) {
+std::unique_ptr<EntryReader> Extraction::OpenReader(const Engine& engine, Reason* reason) {
   // The other thread goes by what is wanted now.
   std::vector<bool> wanted;
   for (const Wanted& entry : wanted_) wanted.push_back(entry.call != nullptr);
@@ -179,7 +177,7 @@ std::unique_ptr<EntryReader> Extraction::OpenReader(const Engine& engine, std::s
 }
 
 void Extraction::ReadWith(const Engine& engine) {
-  std::string reason;
+  Reason reason;
   const auto reader = OpenReader(engine, &reason);
   EntryMatcher matcher(by_path_);
   while (reader && left_ > 0 && stopped_.empty()) {
@@ -187,7 +185,7 @@ void Extraction::ReadWith(const Engine& engine) {
     const ReadStatus status = reader->NextEntry(&entry);
     if (status == ReadStatus::kEnd) break;
     if (status != ReadStatus::kOk) {
-      reason = reader->Reason();
+      reason = reader->Problem();
       break;
     }
     const auto index = matcher.Find(entry);
@@ -201,7 +199,7 @@ void Extraction::ReadWith(const Engine& engine) {
 
 void Extraction::ExtractEntry(std::size_t index, const Entry& entry, EntryReader* reader) {
   Call* call = wanted_[index].call;
-  std::string why;
+  Reason why;
   switch (writer_->Prepare(call, entry, session_, &why)) {
     case EntryWriter::Decision::kWriteFile:
       return WriteFile(index, entry, reader);
@@ -211,7 +209,7 @@ void Extraction::ExtractEntry(std::size_t index, const Entry& entry, EntryReader
       Fail(call, entry.path, why);
       break;
     case EntryWriter::Decision::kCancel:
-      return Stop("cancelled");
+      return Stop(why::kCancelled);
   }
   wanted_[index].call = nullptr;
   --left_;
@@ -233,18 +231,18 @@ void Extraction::WriteFile(std::size_t index, const Entry& entry, EntryReader* r
   if (!result.ok()) {
     writer_->Discard();
     if (result.code == platform::Code::kNoSpace || result.code == platform::Code::kDenied) {
-      return Stop(result.path + ": " + result.reason);
+      return Stop(why::kAbout(result.path, result.reason));
     }
     Fail(wanted.call, entry.path, result.reason);
   } else if (status == ReadStatus::kPassword) {  // no engine opens without it
     writer_->Discard();
-    Fail(wanted.call, entry.path, reader->Reason());
+    Fail(wanted.call, entry.path, reader->Problem());
   } else if (status != ReadStatus::kEnd) {
     writer_->Discard();
     if (!stopped_.empty()) return;
     done_ -= size;
     // What an engine says of contents tells more than that it does not know the method.
-    if (wanted.reason.empty() || status != ReadStatus::kUnsupported) wanted.reason = reader->Reason();
+    if (wanted.reason.empty() || status != ReadStatus::kUnsupported) wanted.reason = reader->Problem();
     return;
   }
   wanted.call = nullptr;
@@ -255,21 +253,21 @@ void Extraction::WriteFile(std::size_t index, const Entry& entry, EntryReader* r
 bool Extraction::GoOn(const std::string& path) {
   const bool is_huge = done_ > limits_.bytes && done_ / limits_.ratio > archive_.input.Size();
   if (is_huge && !may_grow_) {
-    may_grow_ = session_.AskProceed(archive_.input.Path() + " grows to more than " +
-                                    std::to_string(limits_.ratio) + " times its size. Go on?");
-    if (!may_grow_) Stop("it grows to more than " + std::to_string(limits_.ratio) + " times its size");
+    may_grow_ = session_.AskProceed(why::kAskGrowth(archive_.input.Path(), limits_.ratio));
+    if (!may_grow_) Stop(why::kGrowth(limits_.ratio));
   }
-  if (stopped_.empty() && !session_.Progress(path, done_, total_)) Stop("cancelled");
+  if (stopped_.empty() && !session_.Progress(path, done_, total_)) Stop(why::kCancelled);
   return stopped_.empty();
 }
 
-void Extraction::Fail(Call* call, const std::string& entry, const std::string& reason) {
+void Extraction::Fail(Call* call, const std::string& entry, const Reason& reason) {
   call->failed = true;
-  call->log.push_back("failed     " + (entry.empty() ? "" : ListedName(entry) + ": ") + reason);
+  call->log.push_back("failed     " + (entry.empty() ? "" : ListedName(entry) + ": ") +
+                      Sentence(reason, Language::kEnglish));
   session_.Problem(ListedName(entry), reason);
 }
 
-void Extraction::Stop(const std::string& reason) {
+void Extraction::Stop(const Reason& reason) {
   stopped_ = reason;
 }
 
@@ -280,14 +278,14 @@ void Extraction::SettleRest() {
     session_.Problem("", stopped_);
     for (Call& call : calls_) {
       call.failed = true;
-      call.log.push_back("stopped    " + stopped_);
+      call.log.push_back("stopped    " + Sentence(stopped_, Language::kEnglish));
     }
     return;
   }
   for (std::size_t i = 0; i < wanted_.size(); ++i) {
     if (wanted_[i].call == nullptr) continue;
-    const std::string& reason = wanted_[i].reason;
-    Fail(wanted_[i].call, archive_.entries[i].path, reason.empty() ? "it cannot be read" : reason);
+    const Reason& reason = wanted_[i].reason;
+    Fail(wanted_[i].call, archive_.entries[i].path, reason.empty() ? why::kUnreadable : reason);
   }
 }
 

@@ -18,7 +18,7 @@ struct Family {
   // Finds the archive in a file: at its beginning, or behind a self-extracting program. Nothing: there is
   // none. Opens the other volumes of a set, too; `*reason` says which one is missing, or that this is not the
   // first.
-  std::optional<ArchiveInput> (*find)(std::shared_ptr<const platform::InputFile> file, std::string* reason);
+  std::optional<ArchiveInput> (*find)(std::shared_ptr<const platform::InputFile> file, Reason* reason);
 
   // The engines to try for this archive, best first. What one does not know is tried with the next.
   std::vector<Engine> (*engines)(const ArchiveInput& input);

@@ -88,14 +88,14 @@ class LibarchiveReader final : public EntryReader {
   bool Open();
   ReadStatus NextEntry(Entry* entry) override;
   ReadStatus ReadContent(std::string_view* piece) override;
-  const std::string& Reason() const override { return reason_; }
+  const Reason& Problem() const override { return reason_; }
 
  private:
   static const char* NextPassword(archive* library, void* self);
   Entry Convert(archive_entry* raw) const;
   ReadStatus NextBlock();
   ReadStatus TakePiece(std::string_view* piece);
-  ReadStatus Fail(ReadStatus status, std::string reason);
+  ReadStatus Fail(ReadStatus status, Reason reason);
   ReadStatus FailByLibrary(bool nothing_given);
 
   LibarchiveSource source_;
@@ -104,7 +104,7 @@ class LibarchiveReader final : public EntryReader {
   DescribeEntry describe_;
   archive* library_;
   std::string password_;  // the last one that the library was given
-  std::string reason_;
+  Reason reason_;
 
   std::size_t index_ = 0;  // of the next entry
   la_int64_t header_position_ = -1;
@@ -120,7 +120,7 @@ class LibarchiveReader final : public EntryReader {
 bool LibarchiveReader::Open() {
   const platform::Utf8Locale utf8;
   if (library_ == nullptr || SupportFormat(library_, format_) < ARCHIVE_WARN) {
-    reason_ = "the library cannot be set up";
+    reason_ = why::kLibraryNotSetUp;
     return false;
   }
   archive_read_set_passphrase_callback(library_, this, &NextPassword);
@@ -172,7 +172,7 @@ ReadStatus LibarchiveReader::NextEntry(Entry* entry) {
     } else if (code != ARCHIVE_OK && code != ARCHIVE_WARN) {
       archive_status_ = FailByLibrary(index_ == 0);
     } else if (!HasDirectory(format_) && archive_read_header_position(library_) <= header_position_) {
-      archive_status_ = Fail(ReadStatus::kFailed, "its headers lead around in circles");
+      archive_status_ = Fail(ReadStatus::kFailed, why::kHeadersInCircles);
     } else {
       header_position_ = archive_read_header_position(library_);
       ForgetErrors();
@@ -205,8 +205,7 @@ ReadStatus LibarchiveReader::NextBlock() {
     const int code = archive_read_data_block(library_, &data, &size, &offset);
     if (code == ARCHIVE_EOF) {
       if (!size_ || given_ == *size_) return ReadStatus::kEnd;
-      return Fail(ReadStatus::kFailed,
-                  std::to_string(given_) + " bytes came out of " + std::to_string(*size_));
+      return Fail(ReadStatus::kFailed, why::kFewerBytes(given_, *size_));
     }
     if (code != ARCHIVE_OK) {
       const ReadStatus status = FailByLibrary(given_ == 0);
@@ -217,16 +216,16 @@ ReadStatus LibarchiveReader::NextBlock() {
     const auto position = static_cast<std::uint64_t>(offset);
     // Holes are zeros; one of which the end is not known could be any number of them.
     if (position < given_ || (position > given_ && !size_)) {
-      return Fail(ReadStatus::kFailed, "its pieces do not follow each other");
+      return Fail(ReadStatus::kFailed, why::kPiecesOutOfOrder);
     }
     if (size_ && (position > *size_ || size > *size_ - position)) {
-      return Fail(ReadStatus::kFailed, "more than its " + std::to_string(*size_) + " bytes came out");
+      return Fail(ReadStatus::kFailed, why::kMoreBytes(*size_));
     }
     zeros_ = position - given_;
     block_ = {static_cast<const char*>(data), size};
     return ReadStatus::kOk;
   }
-  archive_status_ = Fail(ReadStatus::kFailed, "its data leads around in circles");
+  archive_status_ = Fail(ReadStatus::kFailed, why::kDataInCircles);
   return archive_status_;
 }
 
@@ -244,7 +243,7 @@ ReadStatus LibarchiveReader::TakePiece(std::string_view* piece) {
   return ReadStatus::kOk;
 }
 
-ReadStatus LibarchiveReader::Fail(ReadStatus status, std::string reason) {
+ReadStatus LibarchiveReader::Fail(ReadStatus status, Reason reason) {
   reason_ = std::move(reason);
   return status;
 }
@@ -258,19 +257,15 @@ ReadStatus LibarchiveReader::FailByLibrary(bool nothing_given) {
       text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
   while (text.ends_with('.') || text.ends_with(' ')) text.pop_back();
   if (Contains(text, "assphrase")) {
-    return Fail(ReadStatus::kPassword, Contains(text, "ncorrect")
-                                           ? "no password given opens it"
-                                           : "it is encrypted and no password was given");
+    return Fail(ReadStatus::kPassword, Contains(text, "ncorrect") ? why::kWrongPassword : why::kNoPassword);
   }
   if (Contains(text, "crypt") || Contains(text, "Crypto")) {
-    return Fail(ReadStatus::kPassword,
-                std::string("this kind of encryption is not supported: ").append(text));
+    return Fail(ReadStatus::kPassword, why::kUnknownEncryption(text));
   }
   if (encrypted_ && content_status_ == ReadStatus::kOk) {
-    return Fail(ReadStatus::kPassword,
-                std::string("the password is wrong or the data is damaged: ").append(text));
+    return Fail(ReadStatus::kPassword, why::kWrongPasswordOrDamaged(text));
   }
-  return Fail(nothing_given ? ReadStatus::kUnsupported : ReadStatus::kFailed, std::move(text));
+  return Fail(nothing_given ? ReadStatus::kUnsupported : ReadStatus::kFailed, Reason(std::move(text)));
 }
 
 }  // namespace
@@ -280,12 +275,12 @@ std::string LibarchiveVersion() {
 }
 
 std::unique_ptr<EntryReader> OpenLibarchive(const ArchiveInput& input, const ReaderOptions& options,
-                                            LibarchiveFormat format, DescribeEntry describe,
-                                            std::string* reason, Ending ending) {
+                                            LibarchiveFormat format, DescribeEntry describe, Reason* reason,
+                                            Ending ending) {
   auto reader =
       std::make_unique<LibarchiveReader>(input, options, format, std::move(describe), std::move(ending));
   if (reader->Open()) return reader;
-  *reason = reader->Reason();
+  *reason = reader->Problem();
   return nullptr;
 }
 

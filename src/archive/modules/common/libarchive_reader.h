@@ -30,7 +30,7 @@ std::string LibarchiveVersion();
 // Only that format is tried. `describe` may be empty. A library that goes around in circles on damaged input
 // is stopped.
 std::unique_ptr<EntryReader> OpenLibarchive(const ArchiveInput& input, const ReaderOptions& options,
-                                            LibarchiveFormat format, DescribeEntry describe,
-                                            std::string* reason, Ending ending = {});
+                                            LibarchiveFormat format, DescribeEntry describe, Reason* reason,
+                                            Ending ending = {});
 
 }  // namespace quendle::modules

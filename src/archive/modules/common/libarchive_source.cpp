@@ -34,7 +34,7 @@ la_ssize_t LibarchiveSource::Read(archive* library, void* self, const void** byt
     const platform::Result result = source->input_.ReadAt(source->position_, source->buffer_.data(),
                                                           static_cast<std::size_t>(size), &got);
     if (!result.ok()) {
-      archive_set_error(library, EIO, "%s", result.reason.c_str());
+      archive_set_error(library, EIO, "%s", Sentence(result.reason, Language::kEnglish).c_str());
       return -1;
     }
     *bytes = source->buffer_.data();

@@ -13,22 +13,22 @@ constexpr std::size_t kMostEntries = 4'000'000;
 
 struct Attempt {
   std::vector<Entry> entries;
-  std::string problem;
+  Reason problem;
 };
 
 Attempt ListWith(const Engine& engine, const ArchiveInput& input, const ReaderOptions& options) {
   Attempt attempt;
   const auto reader = engine.open(input, options, &attempt.problem);
   if (!reader) return attempt;
-  attempt.problem.clear();
+  attempt.problem = {};
   for (;;) {
     Entry entry;
     const ReadStatus status = reader->NextEntry(&entry);
     if (status == ReadStatus::kEnd) return attempt;
     if (status != ReadStatus::kOk) {
-      attempt.problem = reader->Reason();
+      attempt.problem = reader->Problem();
     } else if (attempt.entries.size() >= kMostEntries) {
-      attempt.problem = "there are too many entries";
+      attempt.problem = why::kTooManyEntries;
     }
     if (!attempt.problem.empty()) return attempt;
     entry.path = WithoutCurrentFolder(std::move(entry.path));
@@ -40,7 +40,7 @@ Attempt ListWith(const Engine& engine, const ArchiveInput& input, const ReaderOp
 }  // namespace
 
 std::unique_ptr<OpenedArchive> ListArchive(const Family& family, const ArchiveInput& input,
-                                           const ReaderOptions& options, std::string* reason) {
+                                           const ReaderOptions& options, Reason* reason) {
   if (family.check != nullptr) {
     const platform::Result check = family.check(input);
     if (!check.ok()) {

@@ -53,14 +53,14 @@ std::string Module::ToHost(const std::string& text) const {
 std::int32_t Module::CheckArchive(const char* archive) try {
   std::unique_ptr<platform::InputFile> file;
   if (!platform::InputFile::Open(FromHost(archive), &file).ok()) return 0;
-  std::string reason;
+  Reason reason;
   // An incomplete archive is one all the same; opening it says what is missing.
   return family_.find(std::move(file), &reason) || !reason.empty() ? 1 : 0;
 } catch (const std::exception&) {
   return 0;
 }
 
-Module::Archive Module::List(const std::string& path, std::string* reason) {
+Module::Archive Module::List(const std::string& path, Reason* reason) {
   std::unique_ptr<platform::InputFile> file;
   const platform::Result opened = platform::InputFile::Open(path, &file);
   if (!opened.ok()) {
@@ -69,7 +69,7 @@ Module::Archive Module::List(const std::string& path, std::string* reason) {
   }
   const auto input = family_.find(std::move(file), reason);
   if (!input) {
-    if (reason->empty()) *reason = std::string("this is no archive of the kind ").append(family_.name);
+    if (reason->empty()) *reason = why::kNoArchiveOfKind(family_.name);
     return nullptr;
   }
   for (const std::string& part : input->Paths()) session_.ReadsFrom(ToHost(part));
@@ -83,7 +83,7 @@ Module::Archive Module::List(const std::string& path, std::string* reason) {
 }
 
 ArchiverHandle Module::OpenArchive(const char* archive) try {
-  std::string reason;
+  Reason reason;
   Archive listed = List(FromHost(archive), &reason);
   if (!listed) {
     session_.Problem("", reason);
@@ -93,7 +93,7 @@ ArchiverHandle Module::OpenArchive(const char* archive) try {
   open_[++last_handle_] = {std::move(listed), 0};
   return last_handle_;
 } catch (const std::exception& fault) {
-  session_.Problem("", fault.what());
+  session_.Problem("", Reason(fault.what()));
   return 0;
 }
 
@@ -113,7 +113,7 @@ std::int32_t Module::FindNext(ArchiverHandle handle, ArchiverEntry* entry) try {
   FillRecord(next, ToHost(ListedName(next.path)), utf8_, entry);
   return kSuccess;
 } catch (const std::exception& fault) {
-  session_.Problem("", fault.what());
+  session_.Problem("", Reason(fault.what()));
   return kNoMore;
 }
 
@@ -148,7 +148,7 @@ std::int32_t Module::SetSession(const ArchiverSession* session) {
 
 platform::Result Module::ReadCall(const char* command_line, Call* call) const {
   const std::string line = FromHost(command_line);
-  std::string problem;
+  Reason problem;
   if (!ParseCommandLine(family_.dialect, line, &call->request, &problem)) {
     return platform::Failure(platform::Code::kRefused, "", problem);
   }
@@ -165,7 +165,7 @@ platform::Result Module::ReadCalls(const ArchiverCall* calls, std::uint32_t coun
     platform::Result result = ReadCall(calls[i].command_line, &read->emplace_back());
     if (!result.ok()) return result;
     if (read->back().request.archive != read->front().request.archive) {
-      return platform::Failure(platform::Code::kRefused, "", "the calls are over different archives");
+      return platform::Failure(platform::Code::kRefused, "", why::kOtherArchives);
     }
   }
   return platform::Success();
@@ -188,7 +188,7 @@ std::int32_t Module::ExtractCalls(ArchiverCall* calls, std::uint32_t count) try 
   if (!ready.ok()) {
     read.resize(count);
     session_.Problem("", ready.reason);
-    for (Call& call : read) call.log.push_back("failed     " + ready.reason);
+    for (Call& call : read) call.log.push_back("failed     " + Sentence(ready.reason, Language::kEnglish));
   } else if (archive) {
     Extract(*archive, Limits(), &session_, &read);
   }
@@ -200,7 +200,7 @@ std::int32_t Module::ExtractCalls(ArchiverCall* calls, std::uint32_t count) try 
   }
   return first_failure;
 } catch (const std::exception& fault) {
-  session_.Problem("", fault.what());
+  session_.Problem("", Reason(fault.what()));
   return kFailure;
 }
 

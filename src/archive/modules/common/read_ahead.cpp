@@ -17,7 +17,7 @@ constexpr std::chrono::milliseconds kBetweenCalls{20};
 }  // namespace
 
 std::unique_ptr<EntryReader> ReadAhead::Open(const Engine& engine, const ArchiveInput& input,
-                                             const ReaderOptions& options, Hooks hooks, std::string* reason) {
+                                             const ReaderOptions& options, Hooks hooks, Reason* reason) {
   std::unique_ptr<ReadAhead> ahead(new ReadAhead(options.ask_password, std::move(hooks)));
   ahead->reader_ = engine.open(
       input, ReaderOptions{options.charset, [self = ahead.get()] { return self->RequestPassword(); }},
@@ -45,7 +45,7 @@ void ReadAhead::ReadArchive() {
     }
   } catch (const std::exception& fault) {
     last.header = last.end = ReadStatus::kFailed;
-    last.reason = fault.what();
+    last.reason = Reason(fault.what());
   }
   Give(std::move(last));
 }
@@ -55,7 +55,7 @@ bool ReadAhead::ReadEntry(std::uint64_t number) {
   Item item;
   item.header = reader_->NextEntry(&item.entry);
   if (item.header != ReadStatus::kOk) {
-    if (item.header != ReadStatus::kEnd) item.reason = reader_->Reason();
+    if (item.header != ReadStatus::kEnd) item.reason = reader_->Problem();
     item.end = item.header;
     Give(std::move(item));
     return false;
@@ -77,7 +77,7 @@ bool ReadAhead::ReadWanted(std::uint64_t number, Item item) {
     if (number < unwanted_before_) return true;
   }
   item.end = status;
-  if (status != ReadStatus::kEnd) item.reason = reader_->Reason();
+  if (status != ReadStatus::kEnd) item.reason = reader_->Problem();
   return Give(std::move(item));
 }
 
@@ -106,7 +106,7 @@ bool ReadAhead::Take() {
   if (next_ == taken_.size() && !AwaitItems()) {
     item_ = {};
     item_.header = item_.end = ReadStatus::kFailed;
-    item_.reason = "it was stopped";
+    item_.reason = why::kStopped;
     return false;
   }
   item_ = std::move(taken_[next_++]);

@@ -31,14 +31,14 @@ class ReadAhead final : public EntryReader {
 
   // Null, with the reason, when the engine cannot open the archive.
   static std::unique_ptr<EntryReader> Open(const Engine& engine, const ArchiveInput& input,
-                                           const ReaderOptions& options, Hooks hooks, std::string* reason);
+                                           const ReaderOptions& options, Hooks hooks, Reason* reason);
   ~ReadAhead() override;
   ReadAhead(const ReadAhead&) = delete;
   ReadAhead& operator=(const ReadAhead&) = delete;
 
   ReadStatus NextEntry(Entry* entry) override;
   ReadStatus ReadContent(std::string_view* piece) override;
-  const std::string& Reason() const override { return item_.reason; }
+  const Reason& Problem() const override { return item_.reason; }
 
  private:
   // A part of the archive: the beginning of an entry or more of its content, and how either ends.
@@ -47,7 +47,7 @@ class ReadAhead final : public EntryReader {
     Entry entry;
     std::string content;
     std::optional<ReadStatus> end;  // of ReadContent, when the content ends here
-    std::string reason;
+    Reason reason;
   };
 
   ReadAhead(std::function<std::optional<std::string>()> ask_password, Hooks hooks)

@@ -16,6 +16,28 @@ ArchiverVersion ForHost(const platform::FileVersion& version) {
   return {version.path.c_str(), version.size, version.write_time};
 }
 
+// A reason as the interface tells it, for as long as this lives.
+class ToldReason {
+ public:
+  explicit ToldReason(const Reason& reason)
+      : name_(NameOf(reason)),
+        words_(Sentence(reason, Language::kEnglish)),
+        parts_(reason.arguments().begin(), reason.arguments().end()) {
+    for (const ToldReason& part : parts_) told_parts_.push_back(part.Told());
+  }
+
+  ArchiverReason Told() const {
+    return {name_.empty() ? nullptr : name_.c_str(), words_.c_str(), told_parts_.data(),
+            static_cast<std::uint32_t>(told_parts_.size())};
+  }
+
+ private:
+  std::string name_;
+  std::string words_;
+  std::vector<ToldReason> parts_;
+  std::vector<ArchiverReason> told_parts_;
+};
+
 }  // namespace
 
 Session::Session(const ArchiverSession* session, const Decode& decode) {
@@ -63,12 +85,22 @@ std::optional<std::string> Session::AskPassword(const std::string& archive) cons
   return std::string(buffer.data());
 }
 
-bool Session::AskProceed(const std::string& question) const {
-  return session_ && session_->proceed(session_->user, question.c_str()) == ARCHIVER_YES;
+bool Session::AskProceed(const Reason& question) const {
+  if (!session_) return false;
+  const ToldReason told(question);
+  const ArchiverReason asked = told.Told();
+  return (session_->proceed_for != nullptr ? session_->proceed_for(session_->user, &asked)
+                                           : session_->proceed(session_->user, asked.words)) == ARCHIVER_YES;
 }
 
-void Session::Problem(const std::string& entry, const std::string& reason) const {
-  if (session_) session_->problem(session_->user, entry.c_str(), reason.c_str());
+void Session::Problem(const std::string& entry, const Reason& reason) const {
+  if (!session_) return;
+  const ToldReason told(reason);
+  const ArchiverReason why = told.Told();
+  if (session_->problem_of != nullptr)
+    session_->problem_of(session_->user, entry.c_str(), &why);
+  else
+    session_->problem(session_->user, entry.c_str(), why.words);
 }
 
 void Session::ReadsFrom(const std::string& path) const {

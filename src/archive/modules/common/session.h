@@ -11,6 +11,7 @@
 
 #include "archive/archiver_abi.h"
 #include "platform/entries/file_side.h"
+#include "reasons/reason.h"
 
 namespace quendle::modules {
 
@@ -31,8 +32,8 @@ class Session {
   enum class Answer { kNo, kYes, kCancel };
   Answer AskOverwrite(const platform::FileVersion& existing, const platform::FileVersion& incoming) const;
   std::optional<std::string> AskPassword(const std::string& archive) const;
-  bool AskProceed(const std::string& question) const;
-  void Problem(const std::string& entry, const std::string& reason) const;
+  bool AskProceed(const Reason& question) const;
+  void Problem(const std::string& entry, const Reason& reason) const;
   // `path` is in the host's encoding.
   void ReadsFrom(const std::string& path) const;
 

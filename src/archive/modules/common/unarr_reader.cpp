@@ -42,11 +42,10 @@ class UnarrReader : public EntryReader {
     content_ = ReadStatus::kEnd;
     if (over_ != ReadStatus::kOk) return over_;
     if (!ar_parse_entry(archive_.get())) {
-      return over_ =
-                 ar_at_eof(archive_.get()) ? ReadStatus::kEnd : Fail("the next header is damaged or missing");
+      return over_ = ar_at_eof(archive_.get()) ? ReadStatus::kEnd : Fail(why::kNextHeaderDamaged);
     }
     const std::int64_t offset = ar_entry_get_offset(archive_.get());
-    if (offset <= last_offset_) return over_ = Fail("the headers do not follow each other");
+    if (offset <= last_offset_) return over_ = Fail(why::kHeadersOutOfOrder);
     last_offset_ = offset;
     Describe(static_cast<std::uint64_t>(offset), entry);
     return ReadStatus::kOk;
@@ -60,7 +59,7 @@ class UnarrReader : public EntryReader {
     buffer_.resize(kPieceSize);
     if (!ar_entry_uncompress(archive_.get(), buffer_.data(), size)) {
       // It may be either, so that what another library says of the content counts more.
-      reason_ = "the content is damaged, or packed in a way that is not known";
+      reason_ = why::kDamagedOrUnknownMethod;
       return content_ = ReadStatus::kUnsupported;
     }
     left_ -= size;
@@ -70,10 +69,10 @@ class UnarrReader : public EntryReader {
     return ReadStatus::kOk;
   }
 
-  const std::string& Reason() const override { return reason_; }
+  const Reason& Problem() const override { return reason_; }
 
  private:
-  ReadStatus Fail(const char* reason) {
+  ReadStatus Fail(Reason reason) {
     reason_ = reason;
     return ReadStatus::kFailed;
   }
@@ -93,11 +92,11 @@ class UnarrReader : public EntryReader {
       if (entry->path.ends_with('/')) entry->kind = EntryKind::kFolder;
     } else if (!describe_(offset, entry)) {
       content_ = ReadStatus::kUnsupported;
-      reason_ = "this kind of entry cannot be read";
+      reason_ = why::kUnreadableKind;
     }
     if (entry->encrypted) {
       content_ = ReadStatus::kUnsupported;
-      reason_ = "the entry is encrypted";
+      reason_ = why::kEncrypted;
     }
   }
 
@@ -111,7 +110,7 @@ class UnarrReader : public EntryReader {
   std::size_t left_ = 0;                   // bytes of it
   bool finished_ = false;                  // unarr has seen its end, and has checked it
   std::string buffer_;
-  std::string reason_;
+  Reason reason_;
 };
 
 }  // namespace
@@ -125,15 +124,15 @@ std::string AndUnarrVersion() {
 }
 
 std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput& input, UnarrFormat format,
-                                       DescribeUnarrEntry describe, std::string* reason) {
+                                       DescribeUnarrEntry describe, Reason* reason) {
   std::string memory;
   if (input.VolumeCount() > 1) {
-    *reason = "unarr does not read archives in several files";
+    *reason = why::kUnarrOneFile;
     return nullptr;
   }
   if (!input.IsWholeFile()) {
     if (input.Size() > kMemoryLimit) {
-      *reason = "the archive behind the program is too large for unarr";
+      *reason = why::kUnarrTooLarge;
       return nullptr;
     }
     memory.resize(static_cast<std::size_t>(input.Size()));
@@ -146,7 +145,7 @@ std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput& input, UnarrFormat fo
   }
   auto reader = std::make_unique<UnarrReader>(std::move(memory), std::move(describe));
   if (reader->Open(input, format)) return reader;
-  *reason = "unarr does not read this archive";
+  *reason = why::kUnarrCannot;
   return nullptr;
 }
 

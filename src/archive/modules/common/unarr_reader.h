@@ -21,6 +21,6 @@ using DescribeUnarrEntry = std::function<bool(std::uint64_t offset, Entry* entry
 // first, up to a limit. Several volumes are refused. Folders are passed over without a word, so that a family
 // that wants them takes them from the archive's own headers.
 std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput& input, UnarrFormat format,
-                                       DescribeUnarrEntry describe, std::string* reason);
+                                       DescribeUnarrEntry describe, Reason* reason);
 
 }  // namespace quendle::modules

@@ -11,9 +11,8 @@ std::string AndUnarrVersion() {
   return "";
 }
 
-std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput&, UnarrFormat, DescribeUnarrEntry,
-                                       std::string* reason) {
-  *reason = "unarr is not part of this build";
+std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput&, UnarrFormat, DescribeUnarrEntry, Reason* reason) {
+  *reason = why::kNoUnarr;
   return nullptr;
 }
 

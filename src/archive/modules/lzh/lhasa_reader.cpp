@@ -74,13 +74,13 @@ class LhasaReader final : public EntryReader {
 
   ReadStatus NextEntry(Entry* entry) override;
   ReadStatus ReadContent(std::string_view* piece) override;
-  const std::string& Reason() const override { return reason_; }
+  const Reason& Problem() const override { return reason_; }
 
  private:
   ReadStatus AtEnd();
   ReadStatus Begin();
   ReadStatus Finish();
-  ReadStatus Fail(ReadStatus status, std::string reason);
+  ReadStatus Fail(ReadStatus status, Reason reason);
 
   const ArchiveInput& input_;
   ReaderOptions options_;
@@ -93,10 +93,10 @@ class LhasaReader final : public EntryReader {
   std::string piece_;
   std::uint64_t size_ = 0;  // of the content so far
   Crc16Sum crc_;
-  std::string reason_;
+  Reason reason_;
 };
 
-ReadStatus LhasaReader::Fail(ReadStatus status, std::string reason) {
+ReadStatus LhasaReader::Fail(ReadStatus status, Reason reason) {
   reason_ = std::move(reason);
   return status;
 }
@@ -122,9 +122,8 @@ ReadStatus LhasaReader::AtEnd() {
   std::size_t got = 0;
   const platform::Result result = input_.ReadAt(position_, &end, 1, &got);
   if (!result.ok()) return Fail(ReadStatus::kFailed, result.reason);
-  if (got == 0) return Fail(ReadStatus::kFailed, "the archive is cut off: the mark at its end is missing");
-  return end == 0 ? ReadStatus::kEnd
-                  : Fail(ReadStatus::kFailed, "the archive is cut off, or damaged, in a header");
+  if (got == 0) return Fail(ReadStatus::kFailed, why::kEndMarkMissing);
+  return end == 0 ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, why::kCutOffInHeader);
 }
 
 ReadStatus LhasaReader::ReadContent(std::string_view* piece) {
@@ -149,27 +148,23 @@ ReadStatus LhasaReader::Begin() {
   if (IsStored(header_.method)) return ReadStatus::kOk;
   LHADecoderType* const type = lha_decoder_for_name(header_.method.data());
   if (type == nullptr) {
-    return Fail(ReadStatus::kUnsupported, "it is packed as " + header_.method + ", which is not supported");
+    return Fail(ReadStatus::kUnsupported, why::kUnsupportedMethod(header_.method));
   }
   decoder_.reset(
       lha_decoder_new(type, &PackedBytes::Read, packed_.get(), static_cast<std::size_t>(header_.size)));
-  return decoder_ ? ReadStatus::kOk
-                  : Fail(ReadStatus::kFailed, "its packed data does not begin as it should");
+  return decoder_ ? ReadStatus::kOk : Fail(ReadStatus::kFailed, why::kOddPackedData);
 }
 
 ReadStatus LhasaReader::Finish() {
   if (size_ != header_.size) {
-    return Fail(ReadStatus::kFailed,
-                std::to_string(size_) + " bytes came out of " + std::to_string(header_.size));
+    return Fail(ReadStatus::kFailed, why::kFewerBytes(size_, header_.size));
   }
-  return crc_.Value() == header_.crc ? ReadStatus::kEnd
-                                     : Fail(ReadStatus::kFailed, "its checksum does not agree");
+  return crc_.Value() == header_.crc ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, why::kWrongChecksum);
 }
 
 }  // namespace
 
-std::unique_ptr<EntryReader> OpenLhasa(const ArchiveInput& input, const ReaderOptions& options,
-                                       std::string*) {
+std::unique_ptr<EntryReader> OpenLhasa(const ArchiveInput& input, const ReaderOptions& options, Reason*) {
   return std::make_unique<LhasaReader>(input, options);
 }
 

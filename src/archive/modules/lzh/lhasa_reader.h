@@ -12,6 +12,6 @@ namespace quendle::modules {
 // page at bytes that are parts of characters; and what is stored does not go through its decoder, which is slower
 // than the disk.
 std::unique_ptr<EntryReader> OpenLhasa(const ArchiveInput& input, const ReaderOptions& options,
-                                       std::string* reason);
+                                       Reason* reason);
 
 }  // namespace quendle::modules

@@ -11,7 +11,7 @@
 namespace quendle::modules {
 namespace {
 
-std::optional<ArchiveInput> FindLzh(std::shared_ptr<const platform::InputFile> file, std::string*) {
+std::optional<ArchiveInput> FindLzh(std::shared_ptr<const platform::InputFile> file, Reason*) {
   const ArchiveInput whole(std::move(file), 0);
   // The method stands behind two bytes of the header. Programs have such words in them too, without a header.
   const auto position = FindSignature(whole, {{"-lh", "-lz", "-pm"}, 2}, [&whole](std::uint64_t candidate) {

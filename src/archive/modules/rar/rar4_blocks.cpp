@@ -52,12 +52,12 @@ bool ChecksumHolds(const Block& block) {
 
 // False, with the reason, for what is no block.
 bool ReadBlock(const ArchiveInput& input, std::uint64_t position, std::uint64_t end, Block* block,
-               std::string* problem) {
+               Reason* problem) {
   std::size_t got = 0;
   *block = {position, std::string(kBlockSize, '\0'), 0};
   platform::Result result = input.ReadAt(position, block->bytes.data(), kBlockSize, &got);
   const auto size = static_cast<std::size_t>(block->Number(5, 2));
-  *problem = "the archive is cut off, or damaged, in a header";
+  *problem = why::kCutOffInHeader;
   if (!result.ok() || got < kBlockSize || size < kBlockSize || size > end - position) return false;
   block->bytes.resize(size);
   result = input.ReadAt(position, block->bytes.data(), size, &got);
@@ -68,7 +68,7 @@ bool ReadBlock(const ArchiveInput& input, std::uint64_t position, std::uint64_t 
   if (block->Type() < kMain || block->Type() > kEnd || size < least || !ChecksumHolds(*block)) return false;
   if (block->IsFile() || block->Has(0x8000)) block->content_size = block->Number(7, 4);
   if (block->IsFile() && block->Has(0x100)) block->content_size |= block->Number(32, 4) << 32;
-  *problem = "the archive is cut off";
+  *problem = why::kCutOff;
   return block->content_size <= end - position - size;
 }
 
@@ -169,7 +169,7 @@ void ReadRar4Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_
   for (std::uint64_t position = begin; position < end || !has_main;) {
     Block block;
     if (!ReadBlock(input, position, end, &block, &archive->problem)) return;
-    archive->problem.clear();
+    archive->problem = {};
     if (block.Type() == kMain) {
       has_main = true;
       is_solid = block.Has(0x08);
@@ -181,7 +181,7 @@ void ReadRar4Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_
       return;
     } else if (block.Type() == kFile) {
       if (archive->files.size() >= kMostFiles) {
-        archive->problem = "there are too many entries";
+        archive->problem = why::kTooManyEntries;
         return;
       }
       archive->files.push_back(ToFile(block, is_solid));
@@ -191,7 +191,7 @@ void ReadRar4Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_
     }
     position = block.End();
   }
-  if (wants_end) archive->problem = "the archive is cut off: its last block is missing";
+  if (wants_end) archive->problem = why::kLastBlockMissing;
 }
 
 }  // namespace quendle::modules

@@ -59,9 +59,9 @@ bool Read(const ArchiveInput& input, std::uint64_t position, std::uint64_t size,
 
 // False, with the reason, for what is no block.
 bool ReadBlock(const ArchiveInput& input, std::uint64_t position, std::uint64_t end, Block* block,
-               std::string* problem) {
+               Reason* problem) {
   std::string bytes;
-  *problem = "the archive is cut off, or damaged, in a header";
+  *problem = why::kCutOffInHeader;
   if (!Read(input, position, std::min<std::uint64_t>(end - position, kFirstRead), &bytes) || bytes.size() < 7)
     return false;
   Numbers size_field(std::string_view(bytes).substr(4));
@@ -78,7 +78,7 @@ bool ReadBlock(const ArchiveInput& input, std::uint64_t position, std::uint64_t 
   const std::uint64_t content_size = (block->flags & 2) != 0 ? numbers.Next() : 0;
   if (numbers.Failed()) return false;
   block->own = fields.substr(numbers.Position());
-  *problem = "the archive is cut off";
+  *problem = why::kCutOff;
   if (content_size > end - position - whole) return false;
   block->end = position + whole + content_size;
   return true;
@@ -112,7 +112,7 @@ void ReadRar5Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_
   for (std::uint64_t position = begin;;) {
     Block block;
     if (!ReadBlock(input, position, end, &block, &archive->problem)) return;
-    archive->problem.clear();
+    archive->problem = {};
     if (block.type == kMain) {
       ReadMain(block, archive);
     } else if (block.type == kEncryption) {
@@ -123,7 +123,7 @@ void ReadRar5Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_
       return;
     } else if (block.type == kFile) {
       if (archive->files.size() >= kMostFiles) {
-        archive->problem = "there are too many entries";
+        archive->problem = why::kTooManyEntries;
         return;
       }
       RarFile& file = archive->files.emplace_back();

@@ -17,12 +17,12 @@ using namespace std::string_view_literals;
 
 // The files of the set from the first to the one that says that it is the last: others of such names may be
 // left from an older archive.
-std::optional<ArchiveInput> JoinVolumes(VolumeSet set, std::uint64_t first_offset, std::string* reason) {
+std::optional<ArchiveInput> JoinVolumes(VolumeSet set, std::uint64_t first_offset, Reason* reason) {
   for (std::size_t i = 0; i < set.files.size(); ++i) {
     const ArchiveInput volume(set.files[i], i == 0 ? first_offset : 0);
     const RarArchive headers = ReadRarVolume(volume, 0, volume.Size());
     if (headers.version == RarVersion::kNone || (!headers.is_volume && headers.problem.empty())) {
-      *reason = set.files[i]->Path() + " is no volume of this archive";
+      *reason = why::kNoVolumeOfThis(set.files[i]->Path());
       return std::nullopt;
     }
     if (headers.has_next || !headers.problem.empty()) continue;
@@ -31,14 +31,14 @@ std::optional<ArchiveInput> JoinVolumes(VolumeSet set, std::uint64_t first_offse
   }
   const ArchiveInput last(set.files.back(), set.files.size() == 1 ? first_offset : 0);
   if (ReadRarVolume(last, 0, last.Size()).has_next) {
-    *reason = set.missing_path.empty() ? "the volume behind " + last.Path() + " is missing"
-                                       : "the volume " + set.missing_path + " is missing";
+    *reason = set.missing_path.empty() ? why::kVolumeBehindMissing(last.Path())
+                                       : why::kVolumeMissing(set.missing_path);
     return std::nullopt;
   }
   return ArchiveInput(std::move(set.files)).From(first_offset);
 }
 
-std::optional<ArchiveInput> FindRar(std::shared_ptr<const platform::InputFile> file, std::string* reason) {
+std::optional<ArchiveInput> FindRar(std::shared_ptr<const platform::InputFile> file, Reason* reason) {
   const ArchiveInput whole(file, 0);
   // Two bytes of the signature's end tell the versions apart.
   const SignatureRule rule = {{"Rar!\x1A\x07\x00"sv, "Rar!\x1A\x07\x01\x00"sv}};
@@ -52,8 +52,7 @@ std::optional<ArchiveInput> FindRar(std::shared_ptr<const platform::InputFile> f
   if (!headers.is_volume) return own;
   VolumeSet set = FindVolumes(std::move(file));
   if (!set.is_first || !headers.is_first) {
-    *reason = set.is_first ? "this is not the first volume of the archive"
-                           : "the archive begins in " + set.first_path;
+    *reason = set.is_first ? why::kNotFirstVolume : why::kBeginsIn(set.first_path);
     return std::nullopt;
   }
   return JoinVolumes(std::move(set), *position, reason);

@@ -56,7 +56,7 @@ RarArchive ReadRarVolume(const ArchiveInput& input, std::uint64_t begin, std::ui
   } else if (volume.version == RarVersion::kRar5) {
     ReadRar5Blocks(input, begin + kSignature5.size(), end, &volume);
   } else {
-    volume.problem = "a volume does not begin like one";
+    volume.problem = why::kOddVolume;
   }
   return volume;
 }

@@ -45,7 +45,7 @@ struct RarArchive {
   bool names_encrypted = false;
   bool has_next = false;       // another volume follows
   std::vector<RarFile> files;  // of RAR 5: sizes and checksums only
-  std::string problem;         // why there may be more; empty: these are all
+  Reason problem;              // why there may be more; empty: these are all
 };
 
 // Goes through the headers of one file of a set, between two positions of the input.

@@ -14,19 +14,17 @@ namespace quendle::modules {
 namespace {
 
 constexpr std::uint64_t kLongestTarget = 4096;
-constexpr const char* kWrongChecksum = "its checksum does not agree";
-constexpr const char* kNamesEncrypted = "its list of names is encrypted, which is not supported";
 
 class RarReader final : public EntryReader {
  public:
   RarReader(const ArchiveInput& input, ReaderOptions options, RarArchive archive)
       : input_(input), options_(std::move(options)), archive_(std::move(archive)) {}
 
-  bool OpenByUnarr(std::string* reason);
-  bool OpenByLibarchive(std::string* reason);
+  bool OpenByUnarr(Reason* reason);
+  bool OpenByLibarchive(Reason* reason);
   ReadStatus NextEntry(Entry* entry) override;
   ReadStatus ReadContent(std::string_view* piece) override;
-  const std::string& Reason() const override { return reason_; }
+  const Reason& Problem() const override { return reason_; }
 
  private:
   const RarFile& Current() const { return archive_.files[next_ - 1]; }
@@ -34,7 +32,7 @@ class RarReader final : public EntryReader {
   ReadStatus GoToCurrent();
   void ReadToEnd();
   ReadStatus CheckContent();
-  ReadStatus Fail(ReadStatus status, std::string reason);
+  ReadStatus Fail(ReadStatus status, Reason reason);
 
   const ArchiveInput& input_;
   ReaderOptions options_;
@@ -47,10 +45,10 @@ class RarReader final : public EntryReader {
   ReadStatus content_status_ = ReadStatus::kEnd;
   std::uint64_t size_ = 0;  // of the content so far
   Crc32Sum crc_;
-  std::string reason_;
+  Reason reason_;
 };
 
-bool RarReader::OpenByUnarr(std::string* reason) {
+bool RarReader::OpenByUnarr(Reason* reason) {
   const auto describe = [this](std::uint64_t offset, Entry*) {
     library_position_ = offset;
     return true;
@@ -59,7 +57,7 @@ bool RarReader::OpenByUnarr(std::string* reason) {
   return library_ != nullptr;
 }
 
-bool RarReader::OpenByLibarchive(std::string* reason) {
+bool RarReader::OpenByLibarchive(Reason* reason) {
   const auto describe = [this](std::size_t index, Entry* entry) {
     if (index >= archive_.files.size()) return false;
     library_position_ = archive_.files[index].position;
@@ -71,7 +69,7 @@ bool RarReader::OpenByLibarchive(std::string* reason) {
   return library_ != nullptr;
 }
 
-ReadStatus RarReader::Fail(ReadStatus status, std::string reason) {
+ReadStatus RarReader::Fail(ReadStatus status, Reason reason) {
   reason_ = std::move(reason);
   return status;
 }
@@ -113,7 +111,7 @@ ReadStatus RarReader::ReadContent(std::string_view* piece) {
   if (content_status_ == ReadStatus::kEnd) {
     content_status_ = CheckContent();
   } else if (content_status_ != ReadStatus::kOk) {
-    reason_ = library_->Reason();
+    reason_ = library_->Problem();
   } else {
     size_ += piece->size();
     crc_.Add(*piece);
@@ -124,16 +122,15 @@ ReadStatus RarReader::ReadContent(std::string_view* piece) {
 // The library begins a solid archive anew for each entry that it unpacks with others skipped before it: going from
 // one entry to the next it is better made to unpack those in between.
 ReadStatus RarReader::GoToCurrent() {
-  if (Current().encrypted)
-    return Fail(ReadStatus::kPassword, "it is encrypted, which is not supported for RAR");
+  if (Current().encrypted) return Fail(ReadStatus::kPassword, why::kEncryptedRar);
   if (library_reads_ && Current().solid) ReadToEnd();
   for (;;) {
     Entry ignored;
     const ReadStatus status = library_->NextEntry(&ignored);
     if (status == ReadStatus::kEnd || (status == ReadStatus::kOk && library_position_ > Current().position)) {
-      return Fail(ReadStatus::kFailed, "the library passes over it");
+      return Fail(ReadStatus::kFailed, why::kPassedOver);
     }
-    if (status != ReadStatus::kOk) return Fail(status, library_->Reason());
+    if (status != ReadStatus::kOk) return Fail(status, library_->Problem());
     if (library_position_ == Current().position) return status;
     if (library_reads_ && Current().solid) ReadToEnd();
   }
@@ -148,10 +145,9 @@ void RarReader::ReadToEnd() {
 ReadStatus RarReader::CheckContent() {
   const RarFile& file = Current();
   if (size_ != file.size) {
-    return Fail(ReadStatus::kFailed,
-                std::to_string(size_) + " bytes came out of " + std::to_string(file.size));
+    return Fail(ReadStatus::kFailed, why::kFewerBytes(size_, file.size));
   }
-  return crc_.Value() == file.crc ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, kWrongChecksum);
+  return crc_.Value() == file.crc ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, why::kWrongChecksum);
 }
 
 // Adds what the library does not tell: that the archive is not whole, or the content of what is stored is wrong.
@@ -165,14 +161,14 @@ class Rar5Reader final : public EntryReader {
     size_ = 0;
     crc_ = {};
     if (status == ReadStatus::kOk) {
-      if (next_ == archive_.files.size()) return Fail("there are more entries than headers");
+      if (next_ == archive_.files.size()) return Fail(why::kMoreThanHeaders);
       entry->crc = archive_.files[next_++].crc;
       return status;
     }
-    reason_ = library_->Reason();
+    reason_ = library_->Problem();
     if (status != ReadStatus::kEnd) return status;
     if (!archive_.problem.empty()) return Fail(archive_.problem);
-    return next_ == archive_.files.size() ? status : Fail("the library passes over some of its entries");
+    return next_ == archive_.files.size() ? status : Fail(why::kSomePassedOver);
   }
   ReadStatus ReadContent(std::string_view* piece) override {
     const ReadStatus status = library_->ReadContent(piece);
@@ -181,19 +177,18 @@ class Rar5Reader final : public EntryReader {
       crc_.Add(*piece);
     } else if (status == ReadStatus::kEnd) {
       const RarFile& file = archive_.files[next_ - 1];
-      if (file.has_crc && crc_.Value() != file.crc) return Fail(kWrongChecksum);
+      if (file.has_crc && crc_.Value() != file.crc) return Fail(why::kWrongChecksum);
       // The library checks the other kind, but not of what is stored.
-      if (!file.has_crc && file.method == '0' && size_ > 0)
-        return Fail("its kind of checksum cannot be verified");
+      if (!file.has_crc && file.method == '0' && size_ > 0) return Fail(why::kUnverifiable);
     } else {
-      reason_ = library_->Reason();
+      reason_ = library_->Problem();
     }
     return status;
   }
-  const std::string& Reason() const override { return reason_; }
+  const Reason& Problem() const override { return reason_; }
 
  private:
-  ReadStatus Fail(std::string reason) {
+  ReadStatus Fail(Reason reason) {
     reason_ = std::move(reason);
     return ReadStatus::kFailed;
   }
@@ -203,13 +198,15 @@ class Rar5Reader final : public EntryReader {
   std::size_t next_ = 0;
   std::uint64_t size_ = 0;  // of the content so far
   Crc32Sum crc_;
-  std::string reason_;
+  Reason reason_;
 };
 
 std::unique_ptr<EntryReader> OpenRar4(const ArchiveInput& input, const ReaderOptions& options,
-                                      bool (RarReader::*open)(std::string*), std::string* reason) {
+                                      bool (RarReader::*open)(Reason*), Reason* reason) {
   RarArchive archive = ReadRarArchive(input);
-  *reason = archive.names_encrypted ? kNamesEncrypted : archive.files.empty() ? archive.problem : "";
+  *reason = archive.names_encrypted ? why::kNamesEncrypted
+            : archive.files.empty() ? archive.problem
+                                    : Reason();
   if (!reason->empty()) return nullptr;
   auto reader = std::make_unique<RarReader>(input, options, std::move(archive));
   if (((*reader).*open)(reason)) return reader;
@@ -219,19 +216,21 @@ std::unique_ptr<EntryReader> OpenRar4(const ArchiveInput& input, const ReaderOpt
 }  // namespace
 
 std::unique_ptr<EntryReader> OpenRarByUnarr(const ArchiveInput& input, const ReaderOptions& options,
-                                            std::string* reason) {
+                                            Reason* reason) {
   return OpenRar4(input, options, &RarReader::OpenByUnarr, reason);
 }
 
 std::unique_ptr<EntryReader> OpenRarByLibarchive(const ArchiveInput& input, const ReaderOptions& options,
-                                                 std::string* reason) {
+                                                 Reason* reason) {
   return OpenRar4(input, options, &RarReader::OpenByLibarchive, reason);
 }
 
 std::unique_ptr<EntryReader> OpenRar5(const ArchiveInput& input, const ReaderOptions& options,
-                                      std::string* reason) {
+                                      Reason* reason) {
   RarArchive archive = ReadRarArchive(input);
-  *reason = archive.names_encrypted ? kNamesEncrypted : archive.files.empty() ? archive.problem : "";
+  *reason = archive.names_encrypted ? why::kNamesEncrypted
+            : archive.files.empty() ? archive.problem
+                                    : Reason();
   if (!reason->empty()) return nullptr;
   // The library looks for the next volume in 512 bytes at a time, and does not see one that is smaller.
   Ending ending;

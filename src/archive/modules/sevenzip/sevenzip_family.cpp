@@ -35,8 +35,7 @@ bool IsWhole(const ArchiveInput& input, std::string_view start_header) {
   return offset <= room && size <= room - offset;
 }
 
-std::optional<ArchiveInput> FindSevenZip(std::shared_ptr<const platform::InputFile> file,
-                                         std::string* reason) {
+std::optional<ArchiveInput> FindSevenZip(std::shared_ptr<const platform::InputFile> file, Reason* reason) {
   const VolumeSet set = FindVolumes(std::move(file));
   const ArchiveInput all(set.files);
   const auto fits = [&](std::uint64_t position) { return StartHeader(all, position).has_value(); };
@@ -45,23 +44,22 @@ std::optional<ArchiveInput> FindSevenZip(std::shared_ptr<const platform::InputFi
     std::string begin(kSignature.size(), '\0');
     std::size_t got = 0;
     if (all.ReadAt(0, begin.data(), begin.size(), &got).ok() && begin == kSignature) {
-      *reason = "its start header is damaged or cut off";
+      *reason = why::kStartHeaderDamaged;
     }
     return std::nullopt;
   }
   if (!set.is_first) {
-    *reason = "the archive begins in " + set.first_path;
+    *reason = why::kBeginsIn(set.first_path);
     return std::nullopt;
   }
   ArchiveInput input = all.From(*position);
   if (IsWhole(input, *StartHeader(input, 0))) return input;
-  *reason = set.missing_path.empty() ? "the archive is cut off: its end is missing"
-                                     : "the volume " + set.missing_path + " is missing";
+  *reason = set.missing_path.empty() ? why::kEndMissing : why::kVolumeMissing(set.missing_path);
   return std::nullopt;
 }
 
 std::unique_ptr<EntryReader> OpenByLibarchive(const ArchiveInput& input, const ReaderOptions& options,
-                                              std::string* reason) {
+                                              Reason* reason) {
   return OpenLibarchive(input, options, LibarchiveFormat::kSevenZip, {}, reason);
 }
 

@@ -103,8 +103,8 @@ bool ParseEntry(std::string_view header, const ArchiveInput& input, ZipEntry* en
   return true;
 }
 
-platform::Result Damaged(const ArchiveInput& input, const std::string& how) {
-  return Failure(Code::kFailed, input.Path(), "the central directory is damaged: " + how);
+platform::Result Damaged(const ArchiveInput& input, const Reason& reason) {
+  return Failure(Code::kFailed, input.Path(), reason);
 }
 
 std::string MethodName(std::uint16_t method) {
@@ -166,7 +166,7 @@ platform::Result ReadZipDirectory(const ArchiveInput& input, ZipDirectory* direc
   ZipEnd end;
   platform::Result result = FindZipEnd(input, &end);
   if (!result.ok()) return result;
-  if (end.directory_size > kLargestDirectory) return Damaged(input, "it is too large");
+  if (end.directory_size > kLargestDirectory) return Damaged(input, why::kDirectoryTooLarge);
   directory->position = end.directory;
   directory->entries.clear();
   std::string bytes(static_cast<std::size_t>(end.directory_size), '\0');
@@ -177,16 +177,15 @@ platform::Result ReadZipDirectory(const ArchiveInput& input, ZipDirectory* direc
   std::string_view rest = std::string_view(bytes).substr(0, got);
   while (rest.starts_with("PK\1\2")) {
     const std::size_t size = kHeaderSize + Word(rest, 28) + Word(rest, 30) + Word(rest, 32);
-    if (rest.size() < kHeaderSize || rest.size() < size) return Damaged(input, "its last entry is cut off");
+    if (rest.size() < kHeaderSize || rest.size() < size) return Damaged(input, why::kDirectoryCutOff);
     ZipEntry& entry = directory->entries.emplace_back();
-    if (!ParseEntry(rest.substr(0, size), input, &entry))
-      return Damaged(input, "an entry is nowhere in the file");
+    if (!ParseEntry(rest.substr(0, size), input, &entry)) return Damaged(input, why::kDirectoryMisleads);
     entry.directory_position = end.directory + (got - rest.size());
     rest.remove_prefix(size);
   }
   const std::uint64_t count = directory->entries.size();
   if ((end.counts_modulo_65536 ? count % 65536 : count) != end.entries) {
-    return Damaged(input, std::to_string(count) + " entries are there of " + std::to_string(end.entries));
+    return Damaged(input, why::kDirectoryCount(count, end.entries));
   }
   std::stable_sort(directory->entries.begin(), directory->entries.end(),
                    [](const ZipEntry& a, const ZipEntry& b) { return a.position < b.position; });
@@ -203,8 +202,7 @@ platform::Result CheckZipLayout(const ArchiveInput& input, const ZipDirectory& d
     const std::uint64_t begin = entry.position + kLocalHeaderSize + Word(header, 26) + Word(header, 28);
     if (entry.position < free || begin > directory.position ||
         entry.packed_size > directory.position - begin) {
-      return Failure(Code::kRefused, input.Path(),
-                     "the archive is damaged or made to deceive: its entries share the same bytes");
+      return Failure(Code::kRefused, input.Path(), why::kSharedBytes);
     }
     free = begin + entry.packed_size;
   }

@@ -135,11 +135,9 @@ platform::Result FindZipEnd(const ArchiveInput& input, ZipEnd* end) {
       continue;
     *end = *found;
     if (end->volumes <= input.VolumeCount()) return platform::Success();
-    return Failure(Code::kFailed, input.Path(),
-                   "the archive has " + std::to_string(end->volumes) + " volumes, and not all are there");
+    return Failure(Code::kFailed, input.Path(), why::kVolumesMissing(end->volumes));
   }
-  return Failure(Code::kFailed, input.Path(),
-                 "the central directory is missing: the file is truncated or no ZIP archive");
+  return Failure(Code::kFailed, input.Path(), why::kDirectoryMissing);
 }
 
 }  // namespace quendle::modules

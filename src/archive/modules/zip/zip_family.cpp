@@ -27,14 +27,13 @@ bool BeginsLikeZip(const ArchiveInput& input) {
   return begin.starts_with("PK\3\4") || begin.starts_with("PK\5\6");
 }
 
-std::string MissingVolume(const VolumeSet& set, const ZipEnd& end) {
-  if (!set.missing_path.empty()) return "the volume " + set.missing_path + " is missing";
-  return "only " + std::to_string(set.files.size()) + " of its " + std::to_string(end.volumes) +
-         " volumes are there";
+Reason MissingVolume(const VolumeSet& set, const ZipEnd& end) {
+  if (!set.missing_path.empty()) return why::kVolumeMissing(set.missing_path);
+  return why::kOnlySomeVolumes(set.files.size(), end.volumes);
 }
 
 // The archive in all volumes that there are of the set.
-std::optional<ArchiveInput> FindInSet(std::shared_ptr<const platform::InputFile> file, std::string* reason) {
+std::optional<ArchiveInput> FindInSet(std::shared_ptr<const platform::InputFile> file, Reason* reason) {
   const ArchiveInput own(file, 0);
   VolumeSet set = FindVolumes(std::move(file));
   const ArchiveInput input(set.files);
@@ -42,19 +41,19 @@ std::optional<ArchiveInput> FindInSet(std::shared_ptr<const platform::InputFile>
   const platform::Result found = FindZipEnd(input, &end);
   const bool is_zip = BeginsLikeZip(input) || BeginsWithProgram(input);
   if (!set.is_first) {
-    if (found.ok() && is_zip) *reason = "the archive begins in " + set.first_path;
+    if (found.ok() && is_zip) *reason = why::kBeginsIn(set.first_path);
   } else if (end.volumes > set.files.size()) {
     *reason = MissingVolume(set, end);
   } else if (found.ok() && is_zip) {
     if (end.front == 0 || set.files.size() == 1) return input.From(end.front);
-    *reason = "archives in several files behind a program are not supported";
+    *reason = why::kVolumesBehindProgram;
   } else if (BeginsLikeZip(own)) {
     *reason = set.files.size() > 1 && !set.missing_path.empty() ? MissingVolume(set, end) : found.reason;
   }
   return std::nullopt;
 }
 
-std::optional<ArchiveInput> FindZip(std::shared_ptr<const platform::InputFile> file, std::string* reason) {
+std::optional<ArchiveInput> FindZip(std::shared_ptr<const platform::InputFile> file, Reason* reason) {
   const ArchiveInput own(file, 0);
   ZipEnd end;
   // A file that is whole by itself has no other volumes, whatever the files beside it are called.
@@ -65,7 +64,7 @@ std::optional<ArchiveInput> FindZip(std::shared_ptr<const platform::InputFile> f
 
 // The reader by unarr names entries by where their headers are in the directory.
 std::unique_ptr<EntryReader> OpenByUnarr(const ArchiveInput& input, const ReaderOptions& options,
-                                         std::string* reason) {
+                                         Reason* reason) {
   ZipDirectory directory;
   const platform::Result result = ReadZipDirectory(input, &directory);
   if (!result.ok()) {

@@ -74,14 +74,14 @@ class ZipReader final : public EntryReader {
 
   ReadStatus NextEntry(Entry* entry) override;
   ReadStatus ReadContent(std::string_view* piece) override;
-  const std::string& Reason() const override { return reason_; }
+  const Reason& Problem() const override { return reason_; }
 
  private:
   const ZipEntry& Current() const { return directory_.entries[next_ - 1]; }
   bool OpenBatch(std::size_t first);
   ReadStatus GoToCurrent();
   ReadStatus CheckLocalCrc();
-  ReadStatus Fail(ReadStatus status, std::string reason);
+  ReadStatus Fail(ReadStatus status, Reason reason);
   std::function<std::optional<std::string>()> Passwords();
 
   const ArchiveInput& input_;
@@ -95,10 +95,10 @@ class ZipReader final : public EntryReader {
   std::string link_target_;       // of the entry that it went to last
   ReadStatus content_status_ = ReadStatus::kEnd;
   std::vector<std::string> passwords_;  // that were asked for so far
-  std::string reason_;
+  Reason reason_;
 };
 
-ReadStatus ZipReader::Fail(ReadStatus status, std::string reason) {
+ReadStatus ZipReader::Fail(ReadStatus status, Reason reason) {
   reason_ = std::move(reason);
   return status;
 }
@@ -135,7 +135,7 @@ ReadStatus ZipReader::ReadContent(std::string_view* piece) {
   if (content_status_ == ReadStatus::kEnd) {
     content_status_ = CheckLocalCrc();
   } else if (content_status_ != ReadStatus::kOk) {
-    reason_ = library_->Reason();
+    reason_ = library_->Problem();
   }
   return content_status_;
 }
@@ -180,7 +180,7 @@ ReadStatus ZipReader::GoToCurrent() {
       return status;
     }
     if (status == ReadStatus::kOk) continue;
-    const std::string reason = status == ReadStatus::kEnd ? "its header is missing" : library_->Reason();
+    const Reason reason = status == ReadStatus::kEnd ? why::kHeaderMissing : library_->Problem();
     library_.reset();
     if (is_fresh) return Fail(status == ReadStatus::kEnd ? ReadStatus::kFailed : status, reason);
   }
@@ -194,13 +194,13 @@ ReadStatus ZipReader::CheckLocalCrc() {
   if (!result.ok()) return Fail(ReadStatus::kFailed, result.reason);
   const std::uint64_t crc = LittleEndian(header, 14, 4);
   if (crc == 0 || crc == Current().crc) return ReadStatus::kEnd;
-  return Fail(ReadStatus::kFailed, "its header and the directory have different checksums");
+  return Fail(ReadStatus::kFailed, why::kChecksumsDiffer);
 }
 
 }  // namespace
 
 std::unique_ptr<EntryReader> OpenZip(const ArchiveInput& input, const ReaderOptions& options,
-                                     std::string* reason) {
+                                     Reason* reason) {
   ZipDirectory directory;
   const platform::Result result = ReadZipDirectory(input, &directory);
   if (result.ok()) return std::make_unique<ZipReader>(input, options, std::move(directory));

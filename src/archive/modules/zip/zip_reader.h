@@ -9,7 +9,6 @@
 namespace quendle::modules {
 
 // Damage to one entry leaves the others readable. Volumes and positions are as the directory counts them.
-std::unique_ptr<EntryReader> OpenZip(const ArchiveInput& input, const ReaderOptions& options,
-                                     std::string* reason);
+std::unique_ptr<EntryReader> OpenZip(const ArchiveInput& input, const ReaderOptions& options, Reason* reason);
 
 }  // namespace quendle::modules
