@@ -23,7 +23,7 @@ bool ChooseProfile(clsMover* mover, const DispatchOptions& options, DispatchRepo
     report->error = std::to_string(report->matches.size()) +
                     " profiles match, name one with --profile: " + JoinTitles(report->matches);
     return false;
-  } else if (mover->ARCHIVETYPE != 0 && mover->Settings().Standard().Flag(text_id::kTest)) {
+  } else if (mover->ARCHIVETYPE != 0 && mover->Settings().Standard().Flag(TextId::kTest)) {
     return mover->FillFromTestSettings(&report->error);
   } else {
     report->outcome = Outcome::kUnmatched;

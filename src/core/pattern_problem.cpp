@@ -9,24 +9,22 @@
 namespace quendle {
 namespace {
 
-constexpr int kPlaceAndReason = 6672;
-
 // The engine's words.
 constexpr struct {
   std::string_view english;
-  int text;
+  TextId text;
 } kReasons[] = {
-    {"missing closing parenthesis", 6691},
-    {"unmatched closing parenthesis", 6692},
-    {"missing terminating ] for character class", 6693},
-    {"quantifier does not follow a repeatable item", 6694},
-    {"\\ at end of pattern", 6695},
-    {"range out of order in character class", 6696},
-    {"numbers out of order in {} quantifier", 6697},
-    {"number too big in {} quantifier", 6698},
-    {"match limit exceeded", 6707},
-    {"matching depth limit exceeded", 6707},
-    {"it is too long to be read whole", 6673},
+    {"missing closing parenthesis", TextId::kPatternNoClosing},
+    {"unmatched closing parenthesis", TextId::kPatternNoOpening},
+    {"missing terminating ] for character class", TextId::kPatternNoClassEnd},
+    {"quantifier does not follow a repeatable item", TextId::kPatternNothingToRepeat},
+    {"\\ at end of pattern", TextId::kPatternEndsInBackslash},
+    {"range out of order in character class", TextId::kPatternRangeReversed},
+    {"numbers out of order in {} quantifier", TextId::kPatternCountsReversed},
+    {"number too big in {} quantifier", TextId::kPatternCountTooBig},
+    {"match limit exceeded", TextId::kPatternTakesTooLong},
+    {"matching depth limit exceeded", TextId::kPatternTakesTooLong},
+    {"it is too long to be read whole", TextId::kTooLong},
 };
 
 std::string Translated(const std::string& reason) {
@@ -55,7 +53,7 @@ std::string PatternProblem(const std::string& pattern, const std::string& error)
   std::from_chars(error.data() + at + kAt.size(), error.data() + error.size(), offset);
   // The engine counts bytes, and stands behind the character that it does not like.
   const std::size_t place = CountCharacters(std::string_view(pattern).substr(0, offset));
-  return LoadText(kPlaceAndReason,
+  return LoadText(TextId::kPatternPlaceAndReason,
                   {std::to_string(std::max<std::size_t>(place, 1)), Translated(error.substr(0, at))});
 }
 
