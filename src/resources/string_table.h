@@ -4,7 +4,7 @@
 namespace quendle {
 
 enum class TextId : int {
-#define QUENDLE_TEXT(name, number, japanese) name = number,
+#define QUENDLE_TEXT(name, number, japanese) name = (number),
 #include "resources/string_table.inc"
 #undef QUENDLE_TEXT
 };
