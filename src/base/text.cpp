@@ -1,21 +1,16 @@
 #include "base/text.h"
 
-#include <algorithm>
-
 #include "base/modSystem.h"
-#include "resources/string_table.h"
 
 namespace quendle {
 
-std::string LoadText(int id) {
-  const StringTableEntry* end = kStringTable + kStringTableSize;
-  const StringTableEntry* found = std::lower_bound(
-      kStringTable, end, id, [](const StringTableEntry& entry, int wanted) { return entry.id < wanted; });
-  if (found == end || found->id != id) ProgrammingError("no such text");
-  return found->text;
+std::string LoadText(TextId id) {
+  const char* text = TextOf(id);
+  if (text == nullptr) ProgrammingError("no such text");
+  return text;
 }
 
-std::string LoadText(int id, const std::vector<std::string>& values) {
+std::string LoadText(TextId id, const std::vector<std::string>& values) {
   const std::string pattern = LoadText(id);
   std::string text;
   for (std::size_t i = 0; i < pattern.size(); ++i) {

@@ -5,16 +5,16 @@
 #include <vector>
 
 #include "reasons/reason.h"
+#include "resources/string_table.h"
 
 namespace quendle {
 
-// The text of an identifier of resources/string_table.h. An identifier that is not in the table is a
-// programming error.
-//   text_id::kItemsFile => "items.ini"
-std::string LoadText(int id);
+//   TextId::kItemsFile => "items.ini"
+std::string LoadText(TextId id);
 
-// The same with "%1", "%2" ... replaced.
-std::string LoadText(int id, const std::vector<std::string>& values);
+// The same with "%1", "%2" ... replaced. Those without a value stay.
+//   TextId::kStepFailed, {"コピー"} => "コピーできませんでした"
+std::string LoadText(TextId id, const std::vector<std::string>& values);
 
 // The sentence of a reason, in the language that these texts are in.
 //   why::kThereAlready => "すでにそこにあります"

@@ -23,9 +23,6 @@
 namespace quendle {
 namespace {
 
-constexpr int kRunFault = 6758;
-constexpr int kNoSuchProfile = 6759;
-
 // True when this is the first copy, or nobody can tell, which must not keep anybody from working.
 bool BecomeFirst(const Options& options, const SettingsFolders& folders,
                  std::unique_ptr<platform::RunningCopy>* copy) {
@@ -98,12 +95,12 @@ int Run(const Options& options, const SettingsFolders& folders, platform::Runnin
       const RunScope run(*made, TakenPaths(dropped));
       if (RunPaths(dropped, made, copy, all_windows) == kExitUsage) {
         all_windows->ShowMessage(UserInterface::MessageKind::kCritical,
-                                 LoadText(kNoSuchProfile, {ForDisplay(*options.profile)}));
+                                 LoadText(TextId::kNoSuchProfile, {ForDisplay(*options.profile)}));
       }
     } catch (const std::exception& fault) {
       TerminalUser::Warn(ForDisplay(fault.what()));
       all_windows->ShowMessage(UserInterface::MessageKind::kCritical,
-                               LoadText(kRunFault, {ForDisplay(fault.what())}));
+                               LoadText(TextId::kRunFault, {ForDisplay(fault.what())}));
     }
   };
   LazyWindows windows(terminal, [&](Reason* reason) {
@@ -122,7 +119,7 @@ int Run(const Options& options, const SettingsFolders& folders, platform::Runnin
     if (paths.size() < options.paths.size() && status == kExitDone) status = kExitUndone;
   } catch (const std::exception& fault) {
     TerminalUser::Warn(ForDisplay(fault.what()));
-    windows.ShowMessage(UserInterface::MessageKind::kCritical, LoadText(text_id::kRunTimeError));
+    windows.ShowMessage(UserInterface::MessageKind::kCritical, LoadText(TextId::kRunTimeError));
   }
   windows.Unload();  // they know the objects of the run
   return status;

@@ -21,7 +21,7 @@ bool IsMissing(const platform::Result& result) {
 
 std::string Ranked(const std::string& title, std::size_t rank, std::size_t all) {
   return ForDisplay(title) +
-         LoadText(text_id::kInBrackets, {std::to_string(rank) + "/" + std::to_string(all)});
+         LoadText(TextId::kInBrackets, {std::to_string(rank) + "/" + std::to_string(all)});
 }
 
 }  // namespace
@@ -51,7 +51,7 @@ bool ActionForm::NeedsUser() const {
   const clsMover& mover = environment_.mover;
   if (mover.SHOWUSERFORM) return true;
   if (profile_ || mover.PATTERNMATCHCOUNT() == 1) return false;
-  const bool is_tested = mover.ARCHIVETYPE != 0 && mover.Settings().Standard().Flag(text_id::kTest);
+  const bool is_tested = mover.ARCHIVETYPE != 0 && mover.Settings().Standard().Flag(TextId::kTest);
   return mover.PATTERNMATCHCOUNT() > 1 || !is_tested;
 }
 
@@ -100,8 +100,8 @@ void ActionForm::FillProfiles(const std::string& wanted) {
     view_.profiles = {ForDisplay(*profile_)};
     titles_ = {*profile_};
   } else if (titles_.empty()) {
-    view_.profiles = {LoadText(text_id::kNoProfile) +
-                      LoadText(text_id::kInBrackets, {LoadText(text_id::kUnregistered)})};
+    view_.profiles = {LoadText(TextId::kNoProfile) +
+                      LoadText(TextId::kInBrackets, {LoadText(TextId::kUnregistered)})};
     titles_ = {""};
   } else {
     if (selected != titles_.end()) view_.selected = static_cast<int>(selected - titles_.begin());
@@ -136,7 +136,7 @@ Reason ActionForm::LoadValues() {
   Reason why;
   if (const std::string title = SelectedTitle(); !title.empty()) {
     (void)mover.FillFromProfile(title, &why);
-  } else if (mover.ARCHIVETYPE != 0 && mover.Settings().Standard().Flag(text_id::kTest)) {
+  } else if (mover.ARCHIVETYPE != 0 && mover.Settings().Standard().Flag(TextId::kTest)) {
     (void)mover.FillFromTestSettings(&why);
   } else {
     mover.SetDefaultItemData();
@@ -174,7 +174,7 @@ bool ActionForm::Execute() {
     problem = LoadText(why::kProfileGone);
   }
   if (!problem.empty()) {
-    Refuse(title.empty() ? LoadText(text_id::kNoProfile) : title, problem);
+    Refuse(title.empty() ? LoadText(TextId::kNoProfile) : title, problem);
     Reload(title);
     return false;
   }

@@ -92,8 +92,8 @@ void ActionForm::SelectRename(int index) {
   clsMover& mover = environment_.mover;
   if (!view_.can_rename) return;
   const std::optional<ProfileValues> profile = mover.Settings().Profile(SelectedTitle());
-  const std::int16_t own = profile ? profile->Number(text_id::kSmartRename)
-                                   : mover.Settings().Standard().Number(text_id::kSmartRename);
+  const std::int16_t own = profile ? profile->Number(TextId::kSmartRename)
+                                   : mover.Settings().Standard().Number(TextId::kSmartRename);
   mover.SMARTRENAME = index == 0 ? own : static_cast<std::int16_t>(index);
   view_.rename = index;
   ComputeFields();
@@ -172,11 +172,11 @@ std::string ActionForm::TitleText() const {
   const clsMover& mover = environment_.mover;
   const std::string counter =
       std::to_string(mover.CMDLINECURRENT) + "/" + std::to_string(mover.CMDLINEMAX) + " - ";
-  if (mover.DOESFOLDER) return counter + LoadText(text_id::kFolder);
+  if (mover.DOESFOLDER) return counter + LoadText(TextId::kFolderTitle);
   const std::string title = SelectedTitle();
-  const std::string shown = title.empty() ? LoadText(text_id::kNoProfile) : ForDisplay(title);
+  const std::string shown = title.empty() ? LoadText(TextId::kNoProfile) : ForDisplay(title);
   if (mover.PATTERNMATCHCOUNT() > 0) return counter + shown;
-  return counter + LoadText(text_id::kUnregisteredFile) + " - " + shown;
+  return counter + LoadText(TextId::kUnregisteredFile) + " - " + shown;
 }
 
 }  // namespace quendle

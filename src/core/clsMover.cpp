@@ -83,7 +83,7 @@ void clsMover::ReadIndex() {
   ProfileIndex.clear();
   ProfileIndex.reserve(snapshot_->Titles().size());
   for (const std::string& title : snapshot_->Titles()) {
-    std::string pattern = snapshot_->Profile(title)->Text(text_id::kPattern);
+    std::string pattern = snapshot_->Profile(title)->Text(TextId::kPattern);
     Regex expression = ProfileRegex(pattern);
     ProfileIndex.push_back({title, std::move(pattern), std::move(expression)});
   }
@@ -91,7 +91,7 @@ void clsMover::ReadIndex() {
 
 std::vector<std::string> clsMover::GetAccordantTitles() {
   const std::string subject = MatchSubject(environment_.file_info.pFileNameLong());
-  std::vector<std::string> titles = {"", LoadText(text_id::kNoProfile)};
+  std::vector<std::string> titles = {"", LoadText(TextId::kNoProfile)};
   for (const ProfileIndexEntry& profile : ProfileIndex) {
     if (profile.expression.MatchWhole(subject) == RegexAnswer::kWhole) titles.push_back(profile.Title);
   }
@@ -106,7 +106,7 @@ std::vector<std::string> clsMover::GetAccordantTitles() {
 std::int16_t clsMover::DetectArchiveType() {
   archiver_->pFileName = ORIGINALPATH;
   if (DOESFOLDER) return 0;
-  if (snapshot_->Standard().Flag(text_id::kCheckArchive) ||
+  if (snapshot_->Standard().Flag(TextId::kCheckArchive) ||
       HasArchiveExtension(environment_.file_info.pFileNameExtension())) {
     return archiver_->GetArcType();
   }
@@ -136,33 +136,33 @@ bool clsMover::FillFromProfile(const std::string& title, Reason* why) {
 }
 
 void clsMover::FillFrom(const ProfileValues& profile) {
-  ACTION = profile.Number(text_id::kAction);
-  SMARTRENAME = DOESFOLDER ? std::int16_t{1} : profile.Number(text_id::kSmartRename);
-  EXTRACTTYPE = profile.Number(text_id::kExtractType);
-  SMARTMAKEDIR = profile.Flag(text_id::kSmartMakeDir);
-  OPENDIR = profile.Flag(text_id::kOpenDir);
-  INCLUDE = profile.Text(text_id::kInclude);
-  EXCLUDE = profile.Text(text_id::kExclude);
-  OPENFILE = profile.Text(text_id::kOpenFile);
-  MOVEINTO = profile.Text(text_id::kMoveTo);
-  COPYINTO = profile.Text(text_id::kCopyTo);
-  EXTRACTTO = GetTargetPathByFolder(1, profile.Text(text_id::kExtractTo));
+  ACTION = profile.Number(TextId::kAction);
+  SMARTRENAME = DOESFOLDER ? std::int16_t{1} : profile.Number(TextId::kSmartRename);
+  EXTRACTTYPE = profile.Number(TextId::kExtractType);
+  SMARTMAKEDIR = profile.Flag(TextId::kSmartMakeDir);
+  OPENDIR = profile.Flag(TextId::kOpenDir);
+  INCLUDE = profile.Text(TextId::kInclude);
+  EXCLUDE = profile.Text(TextId::kExclude);
+  OPENFILE = profile.Text(TextId::kOpenFile);
+  MOVEINTO = profile.Text(TextId::kMoveTo);
+  COPYINTO = profile.Text(TextId::kCopyTo);
+  EXTRACTTO = GetTargetPathByFolder(1, profile.Text(TextId::kExtractTo));
   MOVETO = GetTargetPathByFolder(2, MOVEINTO);
   COPYTO = GetTargetPathByFolder(4, COPYINTO);
 }
 
 bool clsMover::FillFromTestSettings(Reason* why) {
   const SettingsValues& test = snapshot_->Test();
-  *why = FolderProblem(why::kFolderOfTest, test.Text(text_id::kExtractTo), snapshot_->files().test);
+  *why = FolderProblem(why::kFolderOfTest, test.Text(TextId::kExtractTo), snapshot_->files().test);
   if (!why->empty()) return false;
   SetDefaultItemData();
   ACTION = static_cast<std::int16_t>(StepKind::kExtract);
-  SMARTRENAME = DOESFOLDER ? std::int16_t{1} : test.Number(text_id::kSmartRename);
-  EXTRACTTYPE = test.Number(text_id::kExtractType);
-  SMARTMAKEDIR = test.Flag(text_id::kSmartMakeDir);
-  OPENDIR = test.Flag(text_id::kOpenDir);
+  SMARTRENAME = DOESFOLDER ? std::int16_t{1} : test.Number(TextId::kSmartRename);
+  EXTRACTTYPE = test.Number(TextId::kExtractType);
+  SMARTMAKEDIR = test.Flag(TextId::kSmartMakeDir);
+  OPENDIR = test.Flag(TextId::kOpenDir);
   const std::string folder =
-      AddBackslash(test.Text(text_id::kExtractTo)) + environment_.file_info.pFileNameNoExt();
+      AddBackslash(test.Text(TextId::kExtractTo)) + environment_.file_info.pFileNameNoExt();
   EXTRACTTO = GetTargetPathByFolder(1, folder.empty() ? EXTRACTTO : folder);
   for (std::string* path : {&MOVETO, &COPYTO, &MOVEINTO, &COPYINTO}) path->clear();
   return true;
@@ -170,12 +170,12 @@ bool clsMover::FillFromTestSettings(Reason* why) {
 
 void clsMover::SetDefaultItemData() {
   const SettingsValues& standard = snapshot_->Standard();
-  ACTION = standard.Number(text_id::kAction);
-  EXTRACTTO = standard.Text(text_id::kExtractTo);
-  MOVETO = MOVEINTO = standard.Text(text_id::kMoveTo);
-  COPYTO = COPYINTO = standard.Text(text_id::kCopyTo);
-  EXTRACTTYPE = standard.Number(text_id::kExtractType);
-  SMARTRENAME = DOESFOLDER ? std::int16_t{1} : standard.Number(text_id::kSmartRename);
+  ACTION = standard.Number(TextId::kAction);
+  EXTRACTTO = standard.Text(TextId::kExtractTo);
+  MOVETO = MOVEINTO = standard.Text(TextId::kMoveTo);
+  COPYTO = COPYINTO = standard.Text(TextId::kCopyTo);
+  EXTRACTTYPE = standard.Number(TextId::kExtractType);
+  SMARTRENAME = DOESFOLDER ? std::int16_t{1} : standard.Number(TextId::kSmartRename);
   for (std::string* patterns : {&INCLUDE, &EXCLUDE, &OPENFILE}) patterns->clear();
 }
 

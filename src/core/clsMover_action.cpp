@@ -218,8 +218,8 @@ void clsMover::HandOptionsToArchiver() {
   archiver_->EXTRACTTYPE = EXTRACTTYPE;
   archiver_->INCLUDE = INCLUDE;
   archiver_->EXCLUDE = EXCLUDE;
-  archiver_->CONFIRMOVERWRITE = snapshot_->Standard().Flag(text_id::kConfirmOverwrite);
-  archiver_->ARCHIVECHARSET = snapshot_->Standard().Text(text_id::kArchiveCharset);
+  archiver_->CONFIRMOVERWRITE = snapshot_->Standard().Flag(TextId::kConfirmOverwrite);
+  archiver_->ARCHIVECHARSET = snapshot_->Standard().Text(TextId::kArchiveCharset);
 }
 
 void clsMover::PlanExtractStep(ActionStep* step, bool somebody_answers) {

@@ -22,7 +22,7 @@ bool ChooseProfile(clsMover* mover, const DispatchOptions& options, DispatchRepo
     report->outcome = Outcome::kAmbiguous;
     report->error = why::kSeveralMatch(report->matches.size(), JoinTitles(report->matches));
     return false;
-  } else if (mover->ARCHIVETYPE != 0 && mover->Settings().Standard().Flag(text_id::kTest)) {
+  } else if (mover->ARCHIVETYPE != 0 && mover->Settings().Standard().Flag(TextId::kTest)) {
     return mover->FillFromTestSettings(&report->error);
   } else {
     report->outcome = Outcome::kUnmatched;

@@ -23,8 +23,8 @@ EditDraft::EditDraft(EditMode mode, std::string title, const Stores& stores)
     : mode_(mode), title_(std::move(title)), stores_(stores) {
   ini_.pFileName = IsProfile() ? stores_.items.FileName() : Settings().FileName();
   ini_.pBUFFER(kWholeValues);
-  if (!IsProfile()) title_ = LoadText(text_id::kGeneral);
-  for (const int key : KeysOfEditor(mode)) {
+  if (!IsProfile()) title_ = LoadText(TextId::kGeneral);
+  for (const TextId key : KeysOfEditor(mode)) {
     const std::string text = mode_ == EditMode::kNew ? "" : Read(key);
     values_.push_back({key, text, text, ""});
   }
@@ -38,44 +38,44 @@ const clsPropDefault& EditDraft::Settings() const {
   return mode_ == EditMode::kTest ? stores_.test : stores_.standard;
 }
 
-std::vector<int> EditDraft::Keys() const {
+std::vector<TextId> EditDraft::Keys() const {
   return KeysOfEditor(mode_);
 }
 
-bool EditDraft::Has(int key) const {
+bool EditDraft::Has(TextId key) const {
   return std::any_of(values_.begin(), values_.end(), [key](const Value& value) { return value.key == key; });
 }
 
-const EditDraft::Value& EditDraft::Find(int key) const {
+const EditDraft::Value& EditDraft::Find(TextId key) const {
   for (const Value& value : values_) {
     if (value.key == key) return value;
   }
   ProgrammingError("a key that the editor does not have");
 }
 
-EditDraft::Value& EditDraft::Find(int key) {
+EditDraft::Value& EditDraft::Find(TextId key) {
   return const_cast<Value&>(std::as_const(*this).Find(key));
 }
 
-std::string EditDraft::Read(int key) const {
+std::string EditDraft::Read(TextId key) const {
   return ini_.GetStr(title_, LoadText(key), "");
 }
 
-const std::string& EditDraft::Text(int key) const {
+const std::string& EditDraft::Text(TextId key) const {
   return Find(key).current;
 }
 
-void EditDraft::SetText(int key, const std::string& text) {
+void EditDraft::SetText(TextId key, const std::string& text) {
   Find(key).current = text;
 }
 
-int EditDraft::Number(int key) const {
+int EditDraft::Number(TextId key) const {
   return IsInherited(key) ? stores_.standard.Values().Number(key) : Meaning(key, Find(key).current);
 }
 
 // What the stored text of a key counts as, if it counts at all.
-int EditDraft::Meaning(int key, const std::string& text) const {
-  if (!IsProfile()) return SettingsValues([&text](int) { return text; }, "").Number(key);
+int EditDraft::Meaning(TextId key, const std::string& text) const {
+  if (!IsProfile()) return SettingsValues([&text](TextId) { return text; }, "").Number(key);
   const SettingKey& rule = KeyOf(key);
   if (text.empty()) return rule.missing_in_profile;
   const std::optional<std::int16_t> number = NumberOf(rule, SettingsFile::kProfile, text);
@@ -83,17 +83,17 @@ int EditDraft::Meaning(int key, const std::string& text) const {
 }
 
 // A stored text that says the same already ("-1" for a ticked box) is left as it is.
-void EditDraft::SetNumber(int key, int number) {
+void EditDraft::SetNumber(TextId key, int number) {
   Value& value = Find(key);
   const bool was_on = Meaning(key, value.current) != 0;
   value.current = Meaning(key, value.original) == number ? value.original : std::to_string(number);
   const bool was_on_in_file = Meaning(key, value.original) != 0;
-  if (key == text_id::kId && was_on != (number != 0) && !was_on_in_file) SeedOwnValues(number != 0);
+  if (key == TextId::kId && was_on != (number != 0) && !was_on_in_file) SeedOwnValues(number != 0);
 }
 
-bool EditDraft::IsInherited(int key) const {
+bool EditDraft::IsInherited(TextId key) const {
   return IsProfile() && KeyOf(key).inherited == SettingKey::Inherited::kWithoutId &&
-         Meaning(text_id::kId, Find(text_id::kId).current) == 0;
+         Meaning(TextId::kId, Find(TextId::kId).current) == 0;
 }
 
 // A profile that is taken from the standard settings would otherwise do nothing at first.
@@ -110,7 +110,7 @@ void EditDraft::SeedOwnValues(bool on) {
   }
 }
 
-std::string EditDraft::InheritedFolder(int key) const {
+std::string EditDraft::InheritedFolder(TextId key) const {
   return IsProfile() ? stores_.standard.Values().Text(key) : Settings().DefaultDestination();
 }
 

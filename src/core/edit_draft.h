@@ -13,8 +13,8 @@
 
 namespace quendle {
 
-// Keys are named by their identifiers in the string table (text_id::kPattern ...). One that the use does not
-// have is a programming error.
+// Keys are known by their names in the string table (TextId::kPattern ...). One that the use does not have
+// is a programming error.
 class EditDraft {
  public:
   struct Stores {
@@ -30,34 +30,34 @@ class EditDraft {
   EditMode Mode() const { return mode_; }
   bool IsProfile() const;
   const std::string& Title() const { return title_; }
-  std::vector<int> Keys() const;
-  bool Has(int key) const;
+  std::vector<TextId> Keys() const;
+  bool Has(TextId key) const;
 
   // Texts and folders as they are typed; empty stands for missing.
-  const std::string& Text(int key) const;
-  void SetText(int key, const std::string& text);
+  const std::string& Text(TextId key) const;
+  void SetText(TextId key, const std::string& text);
   // Numbers and flags (0 or 1) as they count: what is missing or out of range reads as the settings read it,
   // and what is inherited as the standard settings say.
-  int Number(int key) const;
-  void SetNumber(int key, int number);
+  int Number(TextId key) const;
+  void SetNumber(TextId key, int number);
   // Does the profile leave this to the standard settings? When it stops doing so, what it has no value of its
   // own for begins with the inherited one.
-  bool IsInherited(int key) const;
+  bool IsInherited(TextId key) const;
   // What an empty folder stands for.
-  std::string InheritedFolder(int key) const;
+  std::string InheritedFolder(TextId key) const;
   // A folder that was picked, with the profile's name appended where the settings want that.
   std::string PickedFolder(const std::string& folder) const;
 
   // What saving writes for a key: folders hold no characters that names may not have.
-  std::string Stored(int key) const;
+  std::string Stored(TextId key) const;
   struct Problem {
     std::string text;           // in the language of the windows
     bool can_be_saved = false;  // if the user insists
   };
-  std::optional<Problem> ProblemOf(int key) const;
+  std::optional<Problem> ProblemOf(TextId key) const;
 
   // The keys that saving would write.
-  std::vector<int> ChangedKeys() const;
+  std::vector<TextId> ChangedKeys() const;
 
   // What became of the file since it was read, and the user has to settle: for each of `conflicts` whose
   // value holds. Of a profile that is gone, or a title that is taken, no key is looked at.
@@ -65,7 +65,7 @@ class EditDraft {
     bool is_gone = false;         // the profile was removed or renamed
     bool is_title_taken = false;  // the new profile has the title of another
     struct Conflict {
-      int key;
+      TextId key;
       std::string theirs;
     };
     std::vector<Conflict> conflicts;
@@ -80,24 +80,24 @@ class EditDraft {
   // this program writes between the two. Keys that only others changed have their new values afterwards.
   // Having to settle something is no failure, but nothing is written.
   platform::Result Save(Comparison* comparison);
-  std::vector<int> ChangedByOthers() const;  // and not by the user since
+  std::vector<TextId> ChangedByOthers() const;  // and not by the user since
   // Was anything written?
   bool IsSaved() const { return is_saved_; }
 
  private:
   struct Value {
-    int key;
+    TextId key;
     std::string original;  // in the file, as far as the user knows
     std::string current;
     std::string seed;  // inherited, when that became the current one
     bool is_changed_by_others = false;
   };
 
-  const Value& Find(int key) const;
-  Value& Find(int key);
-  std::string Read(int key) const;
+  const Value& Find(TextId key) const;
+  Value& Find(TextId key);
+  std::string Read(TextId key) const;
   bool IsTitleInFile() const;
-  int Meaning(int key, const std::string& text) const;
+  int Meaning(TextId key, const std::string& text) const;
   const clsPropDefault& Settings() const;
   bool IsChanged(const Value& value) const;
   bool IsToBeWritten(const Value& value) const;

@@ -13,12 +13,6 @@
 namespace quendle {
 namespace {
 
-constexpr int kNotAbsolute = 6022;
-constexpr int kHasParent = 6023;
-constexpr int kTooLong = 6673;
-constexpr int kHasBreak = 6674;
-constexpr int kUnknownCharset = 6677;
-
 bool HasBreak(const std::string& text) {
   return text.find_first_of(std::string_view("\r\n\0", 3)) != std::string::npos;
 }
@@ -35,26 +29,26 @@ std::string PatternListProblem(const std::string& patterns) {
 
 }  // namespace
 
-std::string EditDraft::Stored(int key) const {
+std::string EditDraft::Stored(TextId key) const {
   const std::string& text = Text(key);
   return KeyOf(key).kind == SettingKey::Kind::kFolder ? NormalizePathChars(text, 0) : text;
 }
 
-std::optional<EditDraft::Problem> EditDraft::ProblemOf(int key) const {
+std::optional<EditDraft::Problem> EditDraft::ProblemOf(TextId key) const {
   const std::string stored = Stored(key);
   if (stored.empty()) return std::nullopt;
-  if (HasBreak(stored)) return Problem{LoadText(kHasBreak)};
-  if (MayBeCut(stored)) return Problem{LoadText(kTooLong)};
+  if (HasBreak(stored)) return Problem{LoadText(why::kValueHasBreak)};
+  if (MayBeCut(stored)) return Problem{LoadText(why::kPatternMayBeCut)};
   if (KeyOf(key).kind == SettingKey::Kind::kFolder) {
-    if (!IsAbsolutePath(stored)) return Problem{LoadText(kNotAbsolute)};
-    if (HasParentComponent(stored)) return Problem{LoadText(kHasParent)};
+    if (!IsAbsolutePath(stored)) return Problem{LoadText(why::kDestinationNotAbsolute)};
+    if (HasParentComponent(stored)) return Problem{LoadText(why::kDestinationGoesUp)};
   }
   std::string why;
-  if (key == text_id::kPattern) why = PatternProblem(stored);
-  if (key == text_id::kInclude || key == text_id::kExclude) why = PatternListProblem(stored);
+  if (key == TextId::kPattern) why = PatternProblem(stored);
+  if (key == TextId::kInclude || key == TextId::kExclude) why = PatternListProblem(stored);
   if (!why.empty()) return Problem{why, true};
-  if (key == text_id::kArchiveCharset && !platform::TextFromEncoding("", stored)) {
-    return Problem{LoadText(kUnknownCharset, {stored}), true};
+  if (key == TextId::kArchiveCharset && !platform::TextFromEncoding("", stored)) {
+    return Problem{LoadText(TextId::kUnknownCharset, {stored}), true};
   }
   return std::nullopt;
 }
@@ -64,8 +58,8 @@ bool EditDraft::IsChanged(const Value& value) const {
   return value.current != value.original && Stored(value.key) != value.original;
 }
 
-std::vector<int> EditDraft::ChangedKeys() const {
-  std::vector<int> keys;
+std::vector<TextId> EditDraft::ChangedKeys() const {
+  std::vector<TextId> keys;
   for (const Value& value : values_) {
     if (IsChanged(value)) keys.push_back(value.key);
   }
@@ -111,8 +105,8 @@ void EditDraft::BecomeNew() {
   for (Value& value : values_) value.original.clear();
 }
 
-std::vector<int> EditDraft::ChangedByOthers() const {
-  std::vector<int> keys;
+std::vector<TextId> EditDraft::ChangedByOthers() const {
+  std::vector<TextId> keys;
   for (const Value& value : values_) {
     if (value.is_changed_by_others) keys.push_back(value.key);
   }
@@ -121,7 +115,7 @@ std::vector<int> EditDraft::ChangedByOthers() const {
 
 // One key makes the section of a new profile.
 bool EditDraft::IsToBeWritten(const Value& value) const {
-  return IsChanged(value) || (mode_ == EditMode::kNew && value.key == text_id::kPattern);
+  return IsChanged(value) || (mode_ == EditMode::kNew && value.key == TextId::kPattern);
 }
 
 clsIniFile::KeysAndValues EditDraft::Unsaved() const {

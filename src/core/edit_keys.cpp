@@ -11,29 +11,29 @@ namespace quendle {
 namespace {
 
 constexpr EditCaption kCaptions[] = {
-    {text_id::kPattern, 6612, 6613},
-    {text_id::kId, 6614, 6615},
-    {text_id::kAction, 6616, 6617},
-    {text_id::kSmartRename, 6624, 6625},
-    {text_id::kExtractType, 6626, 6627},
-    {text_id::kSmartMakeDir, 6628, 4108},
-    {text_id::kOpenDir, 6629, 4110},
-    {text_id::kExtractTo, 6618, 6619},
-    {text_id::kMoveTo, 6620, 6619},
-    {text_id::kCopyTo, 6622, 6619},
-    {text_id::kInclude, 6630, 6631},
-    {text_id::kExclude, 6632, 6633},
-    {text_id::kOpenFile, 6634, 6635},
-    {text_id::kConfirmAlways, 6636, 6637},
-    {text_id::kKeyCheck, 6638, 6639},
-    {text_id::kCheckArchive, 6640, 6641},
-    {text_id::kConfirmOverwrite, 6642, 6643},
-    {text_id::kShowResult, 6644, 6645},
-    {text_id::kTest, 6646, 6647},
-    {text_id::kAutoCompDir, 6648, 6649},
-    {text_id::kFiler, 6650, 6651},
-    {text_id::kFilerParm, 6652, 6653},
-    {text_id::kArchiveCharset, 6654, 6655},
+    {TextId::kPattern, TextId::kEditorPattern, TextId::kEditorPatternHint},
+    {TextId::kId, TextId::kEditorId, TextId::kEditorIdHint},
+    {TextId::kAction, TextId::kEditorAction, TextId::kEditorActionHint},
+    {TextId::kSmartRename, TextId::kEditorSmartRename, TextId::kEditorSmartRenameHint},
+    {TextId::kExtractType, TextId::kEditorExtractType, TextId::kEditorExtractTypeHint},
+    {TextId::kSmartMakeDir, TextId::kEditorSmartMakeDir, TextId::kSmartMakeDirHint},
+    {TextId::kOpenDir, TextId::kEditorOpenDir, TextId::kOpenDirHint},
+    {TextId::kExtractTo, TextId::kEditorExtractTo, TextId::kEditorFolderHint},
+    {TextId::kMoveTo, TextId::kEditorMoveTo, TextId::kEditorFolderHint},
+    {TextId::kCopyTo, TextId::kEditorCopyTo, TextId::kEditorFolderHint},
+    {TextId::kInclude, TextId::kEditorInclude, TextId::kEditorIncludeHint},
+    {TextId::kExclude, TextId::kEditorExclude, TextId::kEditorExcludeHint},
+    {TextId::kOpenFile, TextId::kEditorOpenFile, TextId::kEditorOpenFileHint},
+    {TextId::kConfirmAlways, TextId::kEditorConfirmAlways, TextId::kEditorConfirmAlwaysHint},
+    {TextId::kKeyCheck, TextId::kEditorKeyCheck, TextId::kEditorKeyCheckHint},
+    {TextId::kCheckArchive, TextId::kEditorCheckArchive, TextId::kEditorCheckArchiveHint},
+    {TextId::kConfirmOverwrite, TextId::kEditorConfirmOverwrite, TextId::kEditorConfirmOverwriteHint},
+    {TextId::kShowResult, TextId::kEditorShowResult, TextId::kEditorShowResultHint},
+    {TextId::kTest, TextId::kEditorTest, TextId::kEditorTestHint},
+    {TextId::kAutoCompDir, TextId::kEditorAutoCompDir, TextId::kEditorAutoCompDirHint},
+    {TextId::kFiler, TextId::kEditorFiler, TextId::kEditorFilerHint},
+    {TextId::kFilerParm, TextId::kEditorFilerParm, TextId::kEditorFilerParmHint},
+    {TextId::kArchiveCharset, TextId::kEditorArchiveCharset, TextId::kEditorArchiveCharsetHint},
 };
 
 bool IsShown(const SettingKey& key, EditMode mode) {
@@ -65,41 +65,42 @@ std::string ActionText(const std::string& stored) {
 
 }  // namespace
 
-std::vector<int> KeysOfEditor(EditMode mode) {
-  std::vector<int> names;
+std::vector<TextId> KeysOfEditor(EditMode mode) {
+  std::vector<TextId> names;
   for (const SettingKey& key : SettingKeys()) {
     if (IsShown(key, mode)) names.push_back(key.name);
   }
   return names;
 }
 
-const EditCaption& CaptionOf(int key) {
+const EditCaption& CaptionOf(TextId key) {
   for (const EditCaption& caption : kCaptions) {
     if (caption.key == key) return caption;
   }
   ProgrammingError("a key that the editor does not have");
 }
 
-std::string KeyName(int key) {
+std::string KeyName(TextId key) {
   const std::string caption = LoadText(CaptionOf(key).label);
   const std::string name = caption.substr(0, caption.find("(&"));
   const std::string colon = "：";
   return name.ends_with(colon) ? name.substr(0, name.size() - colon.size()) : name;
 }
 
-std::string ValueText(int key, const std::string& stored) {
-  constexpr int kEmpty = 6687, kOff = 6689, kOn = 6688;
-  constexpr int kRenames[] = {1872, 1873, 1874};
-  constexpr int kTypes[] = {6658, 6659};
+std::string ValueText(TextId key, const std::string& stored) {
+  constexpr TextId kRenames[] = {TextId::kRenameNever, TextId::kRenameAlways, TextId::kRenameWhenTaken};
+  constexpr TextId kTypes[] = {TextId::kOverwriteValue, TextId::kUpdateValue};
   const SettingKey& rule = KeyOf(key);
-  if (stored.empty()) return LoadText(kEmpty);
-  if (rule.kind == SettingKey::Kind::kFlag) return LoadText(ToBoolean(stored) ? kOn : kOff);
-  if (key == text_id::kAction) return ActionText(stored);
+  if (stored.empty()) return LoadText(TextId::kEmptyValue);
+  if (rule.kind == SettingKey::Kind::kFlag) {
+    return LoadText(ToBoolean(stored) ? TextId::kOnValue : TextId::kOffValue);
+  }
+  if (key == TextId::kAction) return ActionText(stored);
   double number = 0;
   if (rule.kind == SettingKey::Kind::kNumber && ToNumber(stored, &number)) {
     for (int choice = rule.lowest; choice <= rule.highest; ++choice) {
       if (number != choice) continue;
-      return LoadText(key == text_id::kSmartRename ? kRenames[choice - 1] : kTypes[choice - 1]);
+      return LoadText(key == TextId::kSmartRename ? kRenames[choice - 1] : kTypes[choice - 1]);
     }
   }
   return rule.kind == SettingKey::Kind::kFolder ? ForDisplay(stored) : stored;

@@ -5,24 +5,25 @@
 #include <vector>
 
 #include "core/edit_mode.h"
+#include "resources/string_table.h"
 
 namespace quendle {
 
-// The captions of a key, with their mnemonics; identifiers.
+// The captions of a key, with their mnemonics.
 struct EditCaption {
-  int key;
-  int label;
-  int tool_tip;
+  TextId key;
+  TextId label;
+  TextId tool_tip;
 };
 
 // In the order in which they are shown and written.
-std::vector<int> KeysOfEditor(EditMode mode);
+std::vector<TextId> KeysOfEditor(EditMode mode);
 // A key that the editor never shows is a programming error.
-const EditCaption& CaptionOf(int key);
+const EditCaption& CaptionOf(TextId key);
 
 // As messages call it: "解凍先(&X)：" => 解凍先
-std::string KeyName(int key);
+std::string KeyName(TextId key);
 // A stored value as messages show it: "3" of Action => 解凍+移動
-std::string ValueText(int key, const std::string& stored);
+std::string ValueText(TextId key, const std::string& stored);
 
 }  // namespace quendle

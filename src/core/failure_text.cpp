@@ -21,7 +21,7 @@ std::string Problems(const std::vector<ExtractionProblem>& problems) {
             ForDisplay(LoadText(problem.reason));
   }
   if (shown < problems.size()) {
-    text += "\r\n" + LoadText(text_id::kMoreProblems, {std::to_string(problems.size() - shown)});
+    text += "\r\n" + LoadText(TextId::kMoreProblems, {std::to_string(problems.size() - shown)});
   }
   return text;
 }
@@ -31,11 +31,11 @@ std::string Problems(const std::vector<ExtractionProblem>& problems) {
 std::string StepName(StepKind kind) {
   switch (kind) {
     case StepKind::kExtract:
-      return LoadText(text_id::kExtractStep);
+      return LoadText(TextId::kExtractStep);
     case StepKind::kMove:
-      return LoadText(text_id::kMoveStep);
+      return LoadText(TextId::kMoveStep);
     case StepKind::kCopy:
-      return LoadText(text_id::kCopyStep);
+      return LoadText(TextId::kCopyStep);
   }
   ProgrammingError("unknown step");
 }
@@ -44,7 +44,7 @@ std::string FailureText(const std::string& path, const std::vector<ActionStep>& 
   std::string text;
   for (const ActionStep& step : steps) {
     if (step.by_user || (step.result != StepResult::kFailed && step.result != StepResult::kSkipped)) continue;
-    text += "\r\n" + LoadText(text_id::kStepFailed, {StepName(step.kind)});
+    text += "\r\n" + LoadText(TextId::kStepFailed, {StepName(step.kind)});
     if (!step.to.empty()) text += ": " + ForDisplay(step.to);
     if (step.extraction && !step.extraction->problems.empty()) {
       text += Problems(step.extraction->problems);

@@ -30,8 +30,8 @@ std::string GetVersionString() {
 }
 
 bool WantsConfirmation(const SettingsValues& standard, const std::function<bool()>& is_ctrl_down) {
-  if (standard.Flag(text_id::kConfirmAlways)) return true;
-  return standard.Flag(text_id::kKeyCheck) && is_ctrl_down();
+  if (standard.Flag(TextId::kConfirmAlways)) return true;
+  return standard.Flag(TextId::kKeyCheck) && is_ctrl_down();
 }
 
 Globals::Globals(const SettingsFolders& folders, bool create_files, UserInterface& user,
@@ -61,7 +61,7 @@ void Globals::BeginRun(const std::vector<std::string>& paths) {
   g_Mover = std::make_unique<clsMover>(clsMover::Environment{*g_FileInfo, *g_RunSettings, user_},
                                        std::move(archiver), Arguments(paths));
   g_Output = std::make_unique<clsOutput>(user_);
-  g_Output->SHOWRESULT = g_Mover->Settings().Standard().Flag(text_id::kShowResult);
+  g_Output->SHOWRESULT = g_Mover->Settings().Standard().Flag(TextId::kShowResult);
 }
 
 void Globals::EndRun() {
@@ -112,7 +112,7 @@ std::vector<std::string> SettingsWarnings(const Globals& globals) {
   } else if (settings->Titles().empty()) {
     warnings.push_back(items + ": there are no profiles in it");
   }
-  const std::string charset = settings->Standard().Text(text_id::kArchiveCharset);
+  const std::string charset = settings->Standard().Text(TextId::kArchiveCharset);
   if (!charset.empty() && !platform::TextFromEncoding("", charset)) {
     warnings.push_back(globals.g_PropDefault->FileName() +
                        ": ArchiveCharset is no known encoding: " + charset);

@@ -8,8 +8,6 @@
 namespace quendle {
 namespace {
 
-constexpr int kPlaceAndReason = 6672;
-
 std::size_t CountCharacters(std::string_view utf8) {
   return static_cast<std::size_t>(
       std::count_if(utf8.begin(), utf8.end(), [](char c) { return (c & 0xC0) != 0x80; }));
@@ -27,7 +25,7 @@ std::string PatternProblem(const std::string& pattern, const Regex& expression) 
   if (!offset) return cause;
   // The engine counts bytes, and stands behind the character that it does not like.
   const std::size_t place = CountCharacters(std::string_view(pattern).substr(0, *offset));
-  return LoadText(kPlaceAndReason, {std::to_string(std::max<std::size_t>(place, 1)), cause});
+  return LoadText(TextId::kPatternPlaceAndReason, {std::to_string(std::max<std::size_t>(place, 1)), cause});
 }
 
 }  // namespace quendle

@@ -18,24 +18,15 @@
 namespace quendle {
 namespace {
 
-constexpr int kProfileProblem = 6854;
-constexpr int kTitleEmpty = 6700;
-constexpr int kTitleBlank = 6701;
-constexpr int kTitleBreak = 6702;
-constexpr int kTitleBracket = 6703;
-constexpr int kTitleReserved = 6704;
-constexpr int kTitleBroken = 6705;
-constexpr int kTitleBlankEnd = 6900;
-
 // In the order of the rows of folders.
 constexpr std::int16_t kActionBits[kActionRows] = {1, 2, 4};
 
 ProfileRow RowOf(const std::string& title, const ProfileValues& profile) {
-  constexpr int kFolders[kActionRows] = {text_id::kExtractTo, text_id::kMoveTo, text_id::kCopyTo};
+  constexpr TextId kFolders[kActionRows] = {TextId::kExtractTo, TextId::kMoveTo, TextId::kCopyTo};
   ProfileRow row{title,
-                 profile.Text(text_id::kPattern),
-                 profile.Number(text_id::kAction),
-                 profile.IsInherited(text_id::kAction),
+                 profile.Text(TextId::kPattern),
+                 profile.Number(TextId::kAction),
+                 profile.IsInherited(TextId::kAction),
                  {}};
   for (std::size_t i = 0; i < kActionRows; ++i) {
     row.folders[i] = {profile.Text(kFolders[i]), profile.IsInherited(kFolders[i]),
@@ -77,14 +68,16 @@ bool Contains(const std::vector<std::string>& titles, const std::string& title) 
 
 // A title is the name of a section, and what the store would refuse is told here in words of its own.
 std::string TitleProblem(const std::string& title) {
-  if (title.empty()) return LoadText(kTitleEmpty);
-  if (!platform::IsUtf8(title)) return LoadText(kTitleBroken);
-  if (title.find_first_of(std::string("\r\n\0", 3)) != std::string::npos) return LoadText(kTitleBreak);
-  if (TrimBlanks(title).empty()) return LoadText(kTitleBlank);
-  if (HasBlankAtAnEnd(title)) return LoadText(kTitleBlankEnd);
-  if (title.ends_with(']')) return LoadText(kTitleBracket);
-  const std::string reserved = LoadText(text_id::kNoProfile);
-  if (EqualsIgnoringCase(title, reserved)) return LoadText(kTitleReserved, {reserved});
+  if (title.empty()) return LoadText(TextId::kTitleEmpty);
+  if (!platform::IsUtf8(title)) return LoadText(TextId::kTitleNotText);
+  if (title.find_first_of(std::string("\r\n\0", 3)) != std::string::npos) {
+    return LoadText(TextId::kTitleHasBreak);
+  }
+  if (TrimBlanks(title).empty()) return LoadText(TextId::kTitleOnlyBlanks);
+  if (HasBlankAtAnEnd(title)) return LoadText(TextId::kTitleBlankAtEnd);
+  if (title.ends_with(']')) return LoadText(TextId::kTitleEndsInBracket);
+  const std::string reserved = LoadText(TextId::kNoProfile);
+  if (EqualsIgnoringCase(title, reserved)) return LoadText(TextId::kTitleReserved, {reserved});
   return "";
 }
 
@@ -107,11 +100,12 @@ void ProfileList::TakeRows(const SettingsSnapshot& snapshot) {
     rows_.push_back(RowOf(title, profile));
     if (!problem_.empty()) continue;
     const Reason problem = ProfileProblem(title, snapshot);
-    if (!problem.empty()) problem_ = LoadText(kProfileProblem, {ForDisplay(title), LoadText(problem)});
+    if (!problem.empty())
+      problem_ = LoadText(TextId::kProfileUnusable, {ForDisplay(title), LoadText(problem)});
   }
   const platform::ProfileParse& items = snapshot.files().items;
   if (items != nullptr && !items->SectionProblem().empty()) {
-    problem_ = LoadText(text_id::kItemsFile) + ": " + LoadText(items->SectionProblem());
+    problem_ = LoadText(TextId::kItemsFile) + ": " + LoadText(items->SectionProblem());
   }
 }
 
@@ -173,7 +167,7 @@ platform::Result ProfileList::CheckThere(const std::string& title) const {
 std::string ProfileList::NewTitleProblem(const std::string& title, const std::string& old_title) const {
   if (std::string problem = TitleProblem(title); !problem.empty()) return problem;
   const bool only_respells = !old_title.empty() && EqualsIgnoringCase(title, old_title);
-  return !only_respells && Contains(Titles(), title) ? LoadText(text_id::kSameProfileName) : "";
+  return !only_respells && Contains(Titles(), title) ? LoadText(TextId::kSameProfileName) : "";
 }
 
 std::string ProfileList::TitleForCopy(const std::string& title) const {

@@ -45,19 +45,19 @@ Reason ProfileProblem(const std::string& title, const SettingsSnapshot& settings
       return why::kMisread(why::kItsValue(LoadText(key.name)));
     }
   }
-  const bool extracts = (profile.Number(text_id::kAction) & 1) != 0;
-  if (extracts && (MayBeCut(profile.Text(text_id::kInclude)) || MayBeCut(profile.Text(text_id::kExclude)))) {
+  const bool extracts = (profile.Number(TextId::kAction) & 1) != 0;
+  if (extracts && (MayBeCut(profile.Text(TextId::kInclude)) || MayBeCut(profile.Text(TextId::kExclude)))) {
     return why::kEntryPatternsMayBeCut;
   }
   return {};
 }
 
 Reason EntryPatternProblem(const ProfileValues& profile) {
-  return EntryFilter(profile.Text(text_id::kInclude), profile.Text(text_id::kExclude)).Problem();
+  return EntryFilter(profile.Text(TextId::kInclude), profile.Text(TextId::kExclude)).Problem();
 }
 
 Reason IdleKeys(const ProfileValues& profile) {
-  if (profile.Flag(text_id::kId)) return {};
+  if (profile.Flag(TextId::kId)) return {};
   std::string names;
   for (const SettingKey& key : SettingKeys()) {
     if (key.inherited != SettingKey::Inherited::kWithoutId || profile.Stored(key.name).empty()) continue;

@@ -10,15 +10,10 @@
 namespace quendle {
 namespace {
 
-constexpr int kMissing = 6970;
-constexpr int kSurplus = 6971;
-constexpr int kLeft = 6972;
-constexpr int kLeftLine = 6973;
-constexpr int kBetweenNames = 6974;
 constexpr std::size_t kMostLines = 10;
 constexpr std::size_t kMostInLine = 2;
 
-void AddPart(int text, const std::vector<std::string>& names, std::size_t count, std::string* message) {
+void AddPart(TextId text, const std::vector<std::string>& names, std::size_t count, std::string* message) {
   if (count == 0) return;
   if (!message->empty()) *message += "\r\n\r\n";
   *message += LoadText(text, {std::to_string(kMostPaths)}) + NameLines(names, count);
@@ -29,7 +24,7 @@ std::vector<std::string> Shown(const std::vector<std::string>& names, std::size_
   std::vector<std::string> shown;
   for (std::size_t i = 0; i < std::min(names.size(), most); ++i) shown.push_back(ForDisplay(names[i]));
   if (shown.size() < count) {
-    shown.push_back(LoadText(text_id::kMoreProblems, {std::to_string(count - shown.size())}));
+    shown.push_back(LoadText(TextId::kMoreProblems, {std::to_string(count - shown.size())}));
   }
   return shown;
 }
@@ -38,18 +33,18 @@ std::vector<std::string> Shown(const std::vector<std::string>& names, std::size_
 
 std::string MessageOf(const UntoldPaths& untold) {
   std::string message;
-  AddPart(kMissing, untold.missing, untold.missing.size(), &message);
-  AddPart(kSurplus, untold.surplus, untold.surplus.size(), &message);
-  AddPart(kLeft, untold.left.names, untold.left.count, &message);
+  AddPart(TextId::kUntoldMissing, untold.missing, untold.missing.size(), &message);
+  AddPart(TextId::kUntoldSurplus, untold.surplus, untold.surplus.size(), &message);
+  AddPart(TextId::kUntoldLeft, untold.left.names, untold.left.count, &message);
   return message;
 }
 
 std::string LineOf(const platform::LeftPaths& left) {
   std::string line;
   for (const std::string& name : Shown(left.names, left.count, kMostInLine)) {
-    line += (line.empty() ? "" : LoadText(kBetweenNames)) + name;
+    line += (line.empty() ? "" : LoadText(TextId::kBetweenNames)) + name;
   }
-  return LoadText(kLeftLine, {line});
+  return LoadText(TextId::kUntoldLeftLine, {line});
 }
 
 std::string NameLines(const std::vector<std::string>& names, std::size_t count) {

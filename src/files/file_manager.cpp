@@ -19,7 +19,7 @@ std::string FindFiler(const std::string& filer) {
 }  // namespace
 
 FileManager FileManagerOf(const SettingsValues& standard) {
-  return {standard.Text(text_id::kFiler), standard.Text(text_id::kFilerParm)};
+  return {standard.Text(TextId::kFiler), standard.Text(TextId::kFilerParm)};
 }
 
 platform::Result OpenFolderWithFiler(const FileManager& manager, const std::string& folder) {

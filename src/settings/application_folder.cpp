@@ -20,7 +20,7 @@ SettingsFolders Together(const std::string& folder) {
 bool MayHoldSettings(const std::string& folder) {
   platform::EntryStatus status;
   const platform::Code code =
-      platform::ReadStatus(AddBackslash(folder) + LoadText(text_id::kStandardFile), &status).code;
+      platform::ReadStatus(AddBackslash(folder) + LoadText(TextId::kStandardFile), &status).code;
   return code != platform::Code::kNotFound && code != platform::Code::kNotFolder;
 }
 

@@ -14,7 +14,7 @@ clsPropDefault::clsPropDefault(const SettingsFolders& folders, bool create_files
 void clsPropDefault::SetMode(std::int16_t mode) {
   if (mode != kStandard && mode != kTestMode) ProgrammingError("settings mode other than 0 or 6");
   ini_.pFileName = AddBackslash(folders_.application) +
-                   LoadText(mode == kStandard ? text_id::kStandardFile : text_id::kTestFile);
+                   LoadText(mode == kStandard ? TextId::kStandardFile : TextId::kTestFile);
 }
 
 void clsPropDefault::CreateDefaultFiles() {
@@ -33,16 +33,16 @@ void clsPropDefault::CreateFile(SettingsFile file) {
   for (const auto& [name, value] : InitialValues(file)) {
     keys.emplace_back(LoadText(name), value == nullptr ? folders_.default_destination : value);
   }
-  creation_failure_ = platform::CreateProfile(ini_.pFileName, LoadText(text_id::kGeneral), keys);
+  creation_failure_ = platform::CreateProfile(ini_.pFileName, LoadText(TextId::kGeneral), keys);
 }
 
 SettingsValues clsPropDefault::Values() const {
-  return {[this](int name) { return ini_.GetStr(LoadText(text_id::kGeneral), LoadText(name), ""); },
+  return {[this](TextId name) { return ini_.GetStr(LoadText(TextId::kGeneral), LoadText(name), ""); },
           folders_.default_destination};
 }
 
-void clsPropDefault::Write(int key, const std::string& value) {
-  ini_.SetStr(LoadText(text_id::kGeneral), LoadText(key), value);
+void clsPropDefault::Write(TextId key, const std::string& value) {
+  ini_.SetStr(LoadText(TextId::kGeneral), LoadText(key), value);
 }
 
 }  // namespace quendle

@@ -37,42 +37,42 @@ class clsPropDefault {
   SettingsValues Values() const;
 
   // Each pair of overloads reads and writes one key (settings/setting_keys.h has their meanings and defaults).
-  bool CONFIRMALWAYS() const { return Values().Flag(text_id::kConfirmAlways); }
-  void CONFIRMALWAYS(std::int16_t value) { Write(text_id::kConfirmAlways, value); }
-  bool CHECKARCHIVE() const { return Values().Flag(text_id::kCheckArchive); }
-  void CHECKARCHIVE(std::int16_t value) { Write(text_id::kCheckArchive, value); }
-  bool CONFIRMOVERWRITE() const { return Values().Flag(text_id::kConfirmOverwrite); }
-  void CONFIRMOVERWRITE(std::int16_t value) { Write(text_id::kConfirmOverwrite, value); }
-  bool SHOWRESULT() const { return Values().Flag(text_id::kShowResult); }
-  void SHOWRESULT(std::int16_t value) { Write(text_id::kShowResult, value); }
-  bool KEYCHECK() const { return Values().Flag(text_id::kKeyCheck); }
-  void KEYCHECK(std::int16_t value) { Write(text_id::kKeyCheck, value); }
-  bool TEST() const { return Values().Flag(text_id::kTest); }
-  void TEST(std::int16_t value) { Write(text_id::kTest, value); }
-  bool AUTOCOMPDIR() const { return Values().Flag(text_id::kAutoCompDir); }
-  void AUTOCOMPDIR(std::int16_t value) { Write(text_id::kAutoCompDir, value); }
-  std::string FILER() const { return Values().Text(text_id::kFiler); }
-  void FILER(const std::string& value) { Write(text_id::kFiler, value); }
-  std::string FILERPARM() const { return Values().Text(text_id::kFilerParm); }
-  void FILERPARM(const std::string& value) { Write(text_id::kFilerParm, value); }
-  std::string ARCHIVECHARSET() const { return Values().Text(text_id::kArchiveCharset); }
-  void ARCHIVECHARSET(const std::string& value) { Write(text_id::kArchiveCharset, value); }
-  std::int16_t ACTION() const { return Values().Number(text_id::kAction); }
-  void ACTION(std::int16_t value) { Write(text_id::kAction, value); }
-  std::string EXTRACTTO() const { return Values().Text(text_id::kExtractTo); }
-  void EXTRACTTO(const std::string& value) { Write(text_id::kExtractTo, value); }
-  std::string MOVETO() const { return Values().Text(text_id::kMoveTo); }
-  void MOVETO(const std::string& value) { Write(text_id::kMoveTo, value); }
-  std::string COPYTO() const { return Values().Text(text_id::kCopyTo); }
-  void COPYTO(const std::string& value) { Write(text_id::kCopyTo, value); }
-  std::int16_t SMARTRENAME() const { return Values().Number(text_id::kSmartRename); }
-  void SMARTRENAME(std::int16_t value) { Write(text_id::kSmartRename, value); }
-  std::int16_t EXTRACTTYPE() const { return Values().Number(text_id::kExtractType); }
-  void EXTRACTTYPE(std::int16_t value) { Write(text_id::kExtractType, value); }
-  bool SMARTMAKEDIR() const { return Values().Flag(text_id::kSmartMakeDir); }
-  void SMARTMAKEDIR(std::int16_t value) { Write(text_id::kSmartMakeDir, value); }
-  bool OPENDIR() const { return Values().Flag(text_id::kOpenDir); }
-  void OPENDIR(std::int16_t value) { Write(text_id::kOpenDir, value); }
+  bool CONFIRMALWAYS() const { return Values().Flag(TextId::kConfirmAlways); }
+  void CONFIRMALWAYS(std::int16_t value) { Write(TextId::kConfirmAlways, value); }
+  bool CHECKARCHIVE() const { return Values().Flag(TextId::kCheckArchive); }
+  void CHECKARCHIVE(std::int16_t value) { Write(TextId::kCheckArchive, value); }
+  bool CONFIRMOVERWRITE() const { return Values().Flag(TextId::kConfirmOverwrite); }
+  void CONFIRMOVERWRITE(std::int16_t value) { Write(TextId::kConfirmOverwrite, value); }
+  bool SHOWRESULT() const { return Values().Flag(TextId::kShowResult); }
+  void SHOWRESULT(std::int16_t value) { Write(TextId::kShowResult, value); }
+  bool KEYCHECK() const { return Values().Flag(TextId::kKeyCheck); }
+  void KEYCHECK(std::int16_t value) { Write(TextId::kKeyCheck, value); }
+  bool TEST() const { return Values().Flag(TextId::kTest); }
+  void TEST(std::int16_t value) { Write(TextId::kTest, value); }
+  bool AUTOCOMPDIR() const { return Values().Flag(TextId::kAutoCompDir); }
+  void AUTOCOMPDIR(std::int16_t value) { Write(TextId::kAutoCompDir, value); }
+  std::string FILER() const { return Values().Text(TextId::kFiler); }
+  void FILER(const std::string& value) { Write(TextId::kFiler, value); }
+  std::string FILERPARM() const { return Values().Text(TextId::kFilerParm); }
+  void FILERPARM(const std::string& value) { Write(TextId::kFilerParm, value); }
+  std::string ARCHIVECHARSET() const { return Values().Text(TextId::kArchiveCharset); }
+  void ARCHIVECHARSET(const std::string& value) { Write(TextId::kArchiveCharset, value); }
+  std::int16_t ACTION() const { return Values().Number(TextId::kAction); }
+  void ACTION(std::int16_t value) { Write(TextId::kAction, value); }
+  std::string EXTRACTTO() const { return Values().Text(TextId::kExtractTo); }
+  void EXTRACTTO(const std::string& value) { Write(TextId::kExtractTo, value); }
+  std::string MOVETO() const { return Values().Text(TextId::kMoveTo); }
+  void MOVETO(const std::string& value) { Write(TextId::kMoveTo, value); }
+  std::string COPYTO() const { return Values().Text(TextId::kCopyTo); }
+  void COPYTO(const std::string& value) { Write(TextId::kCopyTo, value); }
+  std::int16_t SMARTRENAME() const { return Values().Number(TextId::kSmartRename); }
+  void SMARTRENAME(std::int16_t value) { Write(TextId::kSmartRename, value); }
+  std::int16_t EXTRACTTYPE() const { return Values().Number(TextId::kExtractType); }
+  void EXTRACTTYPE(std::int16_t value) { Write(TextId::kExtractType, value); }
+  bool SMARTMAKEDIR() const { return Values().Flag(TextId::kSmartMakeDir); }
+  void SMARTMAKEDIR(std::int16_t value) { Write(TextId::kSmartMakeDir, value); }
+  bool OPENDIR() const { return Values().Flag(TextId::kOpenDir); }
+  void OPENDIR(std::int16_t value) { Write(TextId::kOpenDir, value); }
 
   // Why the initial files could not be made; ok() when they were, or were there.
   const platform::Result& CreationFailure() const { return creation_failure_; }
@@ -84,8 +84,8 @@ class clsPropDefault {
  private:
   void CreateDefaultFiles();
   void CreateFile(SettingsFile file);
-  void Write(int key, const std::string& value);
-  void Write(int key, std::int16_t value) { Write(key, std::to_string(value)); }
+  void Write(TextId key, const std::string& value);
+  void Write(TextId key, std::int16_t value) { Write(key, std::to_string(value)); }
 
   SettingsFolders folders_;
   clsIniFile ini_;

@@ -10,7 +10,7 @@ namespace quendle {
 
 clsPropItem::clsPropItem(const std::string& application_folder, Fallbacks fallbacks)
     : fallbacks_(std::move(fallbacks)) {
-  ini_.pFileName = AddBackslash(application_folder) + LoadText(text_id::kItemsFile);
+  ini_.pFileName = AddBackslash(application_folder) + LoadText(TextId::kItemsFile);
 }
 
 void clsPropItem::DelSection(const std::string& title) {
@@ -42,17 +42,17 @@ void clsPropItem::OptimizeFile() {
 }
 
 ProfileValues clsPropItem::Values(const std::string& title) const {
-  return {[this, title](int name) { return ini_.GetStr(title, LoadText(name), ""); },
+  return {[this, title](TextId name) { return ini_.GetStr(title, LoadText(name), ""); },
           fallbacks_.standard().Values()};
 }
 
 std::string clsPropItem::EXTRACTTO(const std::string& title) const {
-  if (title != LoadText(text_id::kNoProfile)) return Values(title).Text(text_id::kExtractTo);
+  if (title != LoadText(TextId::kNoProfile)) return Values(title).Text(TextId::kExtractTo);
   const std::string own = AddBackslash(fallbacks_.test().EXTRACTTO()) + fallbacks_.target_base_name();
   return own.empty() ? fallbacks_.standard().EXTRACTTO() : own;
 }
 
-void clsPropItem::Write(const std::string& title, int key, const std::string& value) {
+void clsPropItem::Write(const std::string& title, TextId key, const std::string& value) {
   ini_.SetStr(title, LoadText(key), value);
 }
 

@@ -51,46 +51,46 @@ class clsPropItem {
   //
   // EXTRACTTO of the pseudo-profile "（なし）", which stands for a file without a profile, is the folder
   // named like the target below the test settings' folder: test folder /t and target data.zip => "/t/data".
-  std::string pattern(const std::string& title) const { return Values(title).Text(text_id::kPattern); }
-  void pattern(const std::string& title, const std::string& value) { Write(title, text_id::kPattern, value); }
+  std::string pattern(const std::string& title) const { return Values(title).Text(TextId::kPattern); }
+  void pattern(const std::string& title, const std::string& value) { Write(title, TextId::kPattern, value); }
   std::string EXTRACTTO(const std::string& title) const;
   void EXTRACTTO(const std::string& title, const std::string& value) {
-    Write(title, text_id::kExtractTo, value);
+    Write(title, TextId::kExtractTo, value);
   }
-  std::string MOVETO(const std::string& title) const { return Values(title).Text(text_id::kMoveTo); }
-  void MOVETO(const std::string& title, const std::string& value) { Write(title, text_id::kMoveTo, value); }
-  std::string COPYTO(const std::string& title) const { return Values(title).Text(text_id::kCopyTo); }
-  void COPYTO(const std::string& title, const std::string& value) { Write(title, text_id::kCopyTo, value); }
-  std::string INCLUDE(const std::string& title) const { return Values(title).Text(text_id::kInclude); }
-  void INCLUDE(const std::string& title, const std::string& value) { Write(title, text_id::kInclude, value); }
-  std::string EXCLUDE(const std::string& title) const { return Values(title).Text(text_id::kExclude); }
-  void EXCLUDE(const std::string& title, const std::string& value) { Write(title, text_id::kExclude, value); }
-  std::string OPENFILE(const std::string& title) const { return Values(title).Text(text_id::kOpenFile); }
+  std::string MOVETO(const std::string& title) const { return Values(title).Text(TextId::kMoveTo); }
+  void MOVETO(const std::string& title, const std::string& value) { Write(title, TextId::kMoveTo, value); }
+  std::string COPYTO(const std::string& title) const { return Values(title).Text(TextId::kCopyTo); }
+  void COPYTO(const std::string& title, const std::string& value) { Write(title, TextId::kCopyTo, value); }
+  std::string INCLUDE(const std::string& title) const { return Values(title).Text(TextId::kInclude); }
+  void INCLUDE(const std::string& title, const std::string& value) { Write(title, TextId::kInclude, value); }
+  std::string EXCLUDE(const std::string& title) const { return Values(title).Text(TextId::kExclude); }
+  void EXCLUDE(const std::string& title, const std::string& value) { Write(title, TextId::kExclude, value); }
+  std::string OPENFILE(const std::string& title) const { return Values(title).Text(TextId::kOpenFile); }
   void OPENFILE(const std::string& title, const std::string& value) {
-    Write(title, text_id::kOpenFile, value);
+    Write(title, TextId::kOpenFile, value);
   }
-  bool ID(const std::string& title) const { return Values(title).Flag(text_id::kId); }
-  void ID(const std::string& title, std::int16_t value) { Write(title, text_id::kId, value); }
-  std::int16_t ACTION(const std::string& title) const { return Values(title).Number(text_id::kAction); }
-  void ACTION(const std::string& title, std::int16_t value) { Write(title, text_id::kAction, value); }
+  bool ID(const std::string& title) const { return Values(title).Flag(TextId::kId); }
+  void ID(const std::string& title, std::int16_t value) { Write(title, TextId::kId, value); }
+  std::int16_t ACTION(const std::string& title) const { return Values(title).Number(TextId::kAction); }
+  void ACTION(const std::string& title, std::int16_t value) { Write(title, TextId::kAction, value); }
   std::int16_t SMARTRENAME(const std::string& title) const {
-    return Values(title).Number(text_id::kSmartRename);
+    return Values(title).Number(TextId::kSmartRename);
   }
   void SMARTRENAME(const std::string& title, std::int16_t value) {
-    Write(title, text_id::kSmartRename, value);
+    Write(title, TextId::kSmartRename, value);
   }
   std::int16_t EXTRACTTYPE(const std::string& title) const {
-    return Values(title).Number(text_id::kExtractType);
+    return Values(title).Number(TextId::kExtractType);
   }
   void EXTRACTTYPE(const std::string& title, std::int16_t value) {
-    Write(title, text_id::kExtractType, value);
+    Write(title, TextId::kExtractType, value);
   }
-  bool SMARTMAKEDIR(const std::string& title) const { return Values(title).Flag(text_id::kSmartMakeDir); }
+  bool SMARTMAKEDIR(const std::string& title) const { return Values(title).Flag(TextId::kSmartMakeDir); }
   void SMARTMAKEDIR(const std::string& title, std::int16_t value) {
-    Write(title, text_id::kSmartMakeDir, value);
+    Write(title, TextId::kSmartMakeDir, value);
   }
-  bool OPENDIR(const std::string& title) const { return Values(title).Flag(text_id::kOpenDir); }
-  void OPENDIR(const std::string& title, std::int16_t value) { Write(title, text_id::kOpenDir, value); }
+  bool OPENDIR(const std::string& title) const { return Values(title).Flag(TextId::kOpenDir); }
+  void OPENDIR(const std::string& title, std::int16_t value) { Write(title, TextId::kOpenDir, value); }
 
   const std::string& FileName() const { return ini_.pFileName; }
 
@@ -98,8 +98,8 @@ class clsPropItem {
   const platform::Result& LastFailure() const { return ini_.LastFailure(); }
 
  private:
-  void Write(const std::string& title, int key, const std::string& value);
-  void Write(const std::string& title, int key, std::int16_t value) {
+  void Write(const std::string& title, TextId key, const std::string& value);
+  void Write(const std::string& title, TextId key, std::int16_t value) {
     Write(title, key, std::to_string(value));
   }
 

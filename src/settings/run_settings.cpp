@@ -23,9 +23,9 @@ constexpr char AsciiUpper(char c) {
 }
 
 SettingsValues GeneralValues(const ProfileParse& parse, const std::string& default_destination) {
-  const auto stored = [parse](int name) -> std::string {
+  const auto stored = [parse](TextId name) -> std::string {
     if (parse == nullptr) return "";
-    return AsRead(parse->FindValue(LoadText(text_id::kGeneral), LoadText(name)).value_or(""));
+    return AsRead(parse->FindValue(LoadText(TextId::kGeneral), LoadText(name)).value_or(""));
   };
   return {stored, default_destination};
 }
@@ -77,16 +77,18 @@ SettingsSnapshot::SettingsSnapshot(Files files, const std::string& default_desti
 std::optional<ProfileValues> SettingsSnapshot::Profile(const std::string& title) const {
   const auto found = profiles_.find(platform::UpperCase(title));
   if (found == profiles_.end()) return std::nullopt;
-  const auto stored = [keys = &found->second](int name) { return AsRead(FirstValue(*keys, LoadText(name))); };
+  const auto stored = [keys = &found->second](TextId name) {
+    return AsRead(FirstValue(*keys, LoadText(name)));
+  };
   return ProfileValues(stored, standard_);
 }
 
 RunSettings::RunSettings(const SettingsFolders& folders) : default_destination_(folders.default_destination) {
   const std::string prefix = AddBackslash(folders.application);
-  const std::string general = LoadText(text_id::kGeneral);
-  standard_ = {prefix + LoadText(text_id::kStandardFile), general, false, nullptr};
-  test_ = {prefix + LoadText(text_id::kTestFile), general, false, nullptr};
-  items_ = {prefix + LoadText(text_id::kItemsFile), "", false, nullptr};
+  const std::string general = LoadText(TextId::kGeneral);
+  standard_ = {prefix + LoadText(TextId::kStandardFile), general, false, nullptr};
+  test_ = {prefix + LoadText(TextId::kTestFile), general, false, nullptr};
+  items_ = {prefix + LoadText(TextId::kItemsFile), "", false, nullptr};
 }
 
 // Nothing is done by text that may be somebody else's.

@@ -10,7 +10,7 @@ namespace {
 
 using enum SettingKey::Kind;
 using enum SettingKey::Inherited;
-using namespace text_id;
+using enum TextId;
 
 constexpr unsigned kP = static_cast<unsigned>(SettingsFile::kProfile);
 constexpr unsigned kS = static_cast<unsigned>(SettingsFile::kStandard);
@@ -35,7 +35,7 @@ constexpr SettingKey kKeys[] = {
     {kCheckArchive, kFlag, kS, kNever, 0, 1},
     {kConfirmOverwrite, kFlag, kS, kNever, 0, 1},
     {kShowResult, kFlag, kS, kNever, 0, 1},
-    {text_id::kTest, kFlag, kS, kNever, 0, 1},
+    {TextId::kTest, kFlag, kS, kNever, 0, 1},
     {kAutoCompDir, kFlag, kS, kNever, 0, 1, 0, 1},
     {kFiler, kText, kS},
     {kFilerParm, kText, kS},
@@ -46,7 +46,7 @@ constexpr InitialValue kNewStandard[] = {
     {kExtractTo, nullptr}, {kCopyTo, nullptr},   {kMoveTo, nullptr},    {kAction, "1"},
     {kAutoCompDir, "1"},   {kCheckArchive, "0"}, {kConfirmAlways, "1"}, {kConfirmOverwrite, "0"},
     {kExtractType, "1"},   {kSmartRename, "3"},  {kSmartMakeDir, "0"},  {kOpenDir, "1"},
-    {kShowResult, "1"},    {kKeyCheck, "0"},     {text_id::kTest, "0"},
+    {kShowResult, "1"},    {kKeyCheck, "0"},     {TextId::kTest, "0"},
 };
 constexpr InitialValue kNewTest[] = {
     {kExtractTo, nullptr}, {kExtractType, "1"}, {kSmartRename, "3"}, {kOpenDir, "1"}, {kSmartMakeDir, "0"},
@@ -58,7 +58,7 @@ std::span<const SettingKey> SettingKeys() {
   return kKeys;
 }
 
-const SettingKey& KeyOf(int name) {
+const SettingKey& KeyOf(TextId name) {
   for (const SettingKey& key : kKeys) {
     if (key.name == name) return key;
   }

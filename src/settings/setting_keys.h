@@ -7,6 +7,8 @@
 #include <span>
 #include <string>
 
+#include "resources/string_table.h"
+
 namespace quendle {
 
 enum class SettingsFile : unsigned {
@@ -20,7 +22,7 @@ struct SettingKey {
   // When a profile takes the value of the standard settings.
   enum class Inherited { kNever, kWhenEmpty, kWithoutId };
 
-  int name;  // identifier of its name in the string table
+  TextId name;
   Kind kind;
   unsigned files;  // those that have it, as bits
   Inherited inherited = Inherited::kNever;
@@ -37,7 +39,7 @@ struct SettingKey {
 std::span<const SettingKey> SettingKeys();
 
 // A name that is no key's is a programming error.
-const SettingKey& KeyOf(int name);
+const SettingKey& KeyOf(TextId name);
 
 // What a stored text counts as: a flag by ToBoolean, a number when it lies in its range. In the settings only whole
 // numbers do; a profile's are rounded, halves to the even neighbour. Nothing for what is out of range.
@@ -46,7 +48,7 @@ std::optional<std::int16_t> NumberOf(const SettingKey& key, SettingsFile file, c
 
 // What a newly made mover.ini or test.ini holds, in that order. A null value stands for the default destination.
 struct InitialValue {
-  int name;
+  TextId name;
   const char* value;
 };
 std::span<const InitialValue> InitialValues(SettingsFile file);

@@ -10,7 +10,7 @@ namespace {
 
 using Inherited = SettingKey::Inherited;
 
-const SettingKey& KeyIn(SettingsFile file, int name) {
+const SettingKey& KeyIn(SettingsFile file, TextId name) {
   const SettingKey& key = KeyOf(name);
   if (!key.IsIn(file)) ProgrammingError("a key that this settings file does not have");
   return key;
@@ -21,13 +21,13 @@ const SettingKey& KeyIn(SettingsFile file, int name) {
 SettingsValues::SettingsValues(StoredText stored, std::string default_destination)
     : stored_(std::move(stored)), default_destination_(std::move(default_destination)) {}
 
-std::string SettingsValues::Text(int name) const {
+std::string SettingsValues::Text(TextId name) const {
   const SettingKey& key = KeyIn(SettingsFile::kStandard, name);
   std::string text = stored_(name);
   return text.empty() && key.kind == SettingKey::Kind::kFolder ? default_destination_ : text;
 }
 
-std::int16_t SettingsValues::Number(int name) const {
+std::int16_t SettingsValues::Number(TextId name) const {
   const SettingKey& key = KeyIn(SettingsFile::kStandard, name);
   const std::string text = stored_(name);
   if (text.empty()) return key.missing_in_settings;
@@ -37,10 +37,10 @@ std::int16_t SettingsValues::Number(int name) const {
 ProfileValues::ProfileValues(StoredText stored, SettingsValues standard)
     : stored_(std::move(stored)), standard_(std::move(standard)) {}
 
-bool ProfileValues::IsInherited(int name) const {
+bool ProfileValues::IsInherited(TextId name) const {
   switch (KeyIn(SettingsFile::kProfile, name).inherited) {
     case Inherited::kWithoutId:
-      return !Flag(text_id::kId) || (!stored_(name).empty() && !OwnNumber(name));
+      return !Flag(TextId::kId) || (!stored_(name).empty() && !OwnNumber(name));
     case Inherited::kWhenEmpty:
       return stored_(name).empty();
     case Inherited::kNever:
@@ -49,17 +49,17 @@ bool ProfileValues::IsInherited(int name) const {
   return false;
 }
 
-std::string ProfileValues::Text(int name) const {
+std::string ProfileValues::Text(TextId name) const {
   return IsInherited(name) ? standard_.Text(name) : stored_(name);
 }
 
-std::int16_t ProfileValues::Number(int name) const {
+std::int16_t ProfileValues::Number(TextId name) const {
   if (IsInherited(name)) return standard_.Number(name);
   return OwnNumber(name).value_or(KeyOf(name).missing_in_profile);
 }
 
 // Nothing for what is missing or out of range.
-std::optional<std::int16_t> ProfileValues::OwnNumber(int name) const {
+std::optional<std::int16_t> ProfileValues::OwnNumber(TextId name) const {
   const std::string text = stored_(name);
   return text.empty() ? std::nullopt : NumberOf(KeyOf(name), SettingsFile::kProfile, text);
 }

@@ -11,7 +11,7 @@
 namespace quendle {
 
 // The text that a section has for the key of that name; empty when it has none.
-using StoredText = std::function<std::string(int name)>;
+using StoredText = std::function<std::string(TextId name)>;
 
 // The section "General" of mover.ini or test.ini. A key that the standard settings do not have is a programming error.
 class SettingsValues {
@@ -19,9 +19,9 @@ class SettingsValues {
   // `default_destination`: what a folder counts as that nobody has set.
   SettingsValues(StoredText stored, std::string default_destination);
 
-  std::string Text(int name) const;  // also of a folder
-  std::int16_t Number(int name) const;
-  bool Flag(int name) const { return Number(name) != 0; }
+  std::string Text(TextId name) const;  // also of a folder
+  std::int16_t Number(TextId name) const;
+  bool Flag(TextId name) const { return Number(name) != 0; }
 
   const std::string& DefaultDestination() const { return default_destination_; }
 
@@ -35,19 +35,19 @@ class ProfileValues {
  public:
   ProfileValues(StoredText stored, SettingsValues standard);
 
-  std::string Text(int name) const;  // also of a folder, which is the standard settings' when it is empty
-  std::int16_t Number(int name) const;
-  bool Flag(int name) const { return Number(name) != 0; }
+  std::string Text(TextId name) const;  // also of a folder, which is the standard settings' when it is empty
+  std::int16_t Number(TextId name) const;
+  bool Flag(TextId name) const { return Number(name) != 0; }
 
   // Does the standard settings' value count, since the profile has no ID of its own, leaves a folder empty, or has a
   // number that is out of range?
-  bool IsInherited(int name) const;
+  bool IsInherited(TextId name) const;
 
   // The text in the file, whether it counts or not.
-  std::string Stored(int name) const { return stored_(name); }
+  std::string Stored(TextId name) const { return stored_(name); }
 
  private:
-  std::optional<std::int16_t> OwnNumber(int name) const;
+  std::optional<std::int16_t> OwnNumber(TextId name) const;
 
   StoredText stored_;
   SettingsValues standard_;

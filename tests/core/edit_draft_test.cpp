@@ -14,7 +14,7 @@
 namespace quendle {
 namespace {
 
-using namespace text_id;
+using enum TextId;
 
 platform::Result Save(EditDraft& draft) {
   EditDraft::Comparison comparison;
@@ -38,8 +38,8 @@ GTEST_TEST(EditDraft, NumbersCountAsTheSettingsReadThem) {
       }
       test::Settings settings("[A]\nID=" + id + "\n" + keys, "[General]\n" + keys);
       const auto expect_same = [](const EditDraft& draft, const auto& read) {
-        for (const int key : {kAction, kSmartRename, kExtractType, kOpenDir}) {
-          EXPECT_EQ(draft.Number(key), read.Number(key)) << key;
+        for (const TextId key : {kAction, kSmartRename, kExtractType, kOpenDir}) {
+          EXPECT_EQ(draft.Number(key), read.Number(key)) << LoadText(key);
         }
       };
       expect_same(DraftOf(settings, EditMode::kProfile), settings.profiles.Values("A"));
@@ -79,7 +79,7 @@ GTEST_TEST(EditDraft, OnlyWhatChangedIsWritten) {
   } rows[] = {
       {"the same again",
        [](EditDraft& draft) {
-         for (const int key : draft.Keys()) {
+         for (const TextId key : draft.Keys()) {
            draft.SetText(key, draft.Text(key));
            if (KeyOf(key).kind != SettingKey::Kind::kText && KeyOf(key).kind != SettingKey::Kind::kFolder) {
              draft.SetNumber(key, draft.Number(key));
@@ -124,9 +124,9 @@ GTEST_TEST(EditDraft, OwnSettingsBeginWithTheInheritedOnes) {
   EXPECT_FALSE(draft.IsInherited(kAction));
   EXPECT_EQ(draft.Number(kAction), 5);
   EXPECT_EQ(draft.Number(kSmartRename), 2);
-  EXPECT_EQ(draft.ChangedKeys(), (std::vector<int>{kId, kAction, kOpenDir}));
+  EXPECT_EQ(draft.ChangedKeys(), (std::vector<TextId>{kId, kAction, kOpenDir}));
   draft.SetNumber(kId, 0);
-  EXPECT_EQ(draft.ChangedKeys(), std::vector<int>());
+  EXPECT_EQ(draft.ChangedKeys(), std::vector<TextId>());
 }
 
 GTEST_TEST(EditDraft, FoldersStandForOthersAndTakeTheTitle) {
@@ -145,7 +145,7 @@ GTEST_TEST(EditDraft, FoldersStandForOthersAndTakeTheTitle) {
 
 GTEST_TEST(EditDraft, ProblemsAreFound) {
   const struct {
-    int key;
+    TextId key;
     std::string text;
     const char* problem;  // its beginning
     bool can_be_saved;
@@ -228,7 +228,7 @@ GTEST_TEST(EditDraft, FailureSaysWhereAndWhyAndWritesNothing) {
   EXPECT_EQ(failure.path, settings.folder / "items.ini");
   EXPECT_EQ(failure.reason, "the value contains a line break or NUL");
   EXPECT_FALSE(draft.IsSaved());
-  EXPECT_EQ(draft.ChangedKeys(), (std::vector<int>{kPattern, kInclude}));
+  EXPECT_EQ(draft.ChangedKeys(), (std::vector<TextId>{kPattern, kInclude}));
   EXPECT_EQ(test::ReadFile(settings.folder / "items.ini"), "[A]\n\n");
 }
 

@@ -102,7 +102,7 @@ TEST_F(RunSettingsTest, ASnapshotStaysWhatItWas) {
   ASSERT_TRUE(settings.Read(&snapshot).ok());
   const auto text = [](const Snapshot& of, const char* title) {
     const std::optional<ProfileValues> profile = of->Profile(title);
-    return profile ? profile->Text(text_id::kPattern) + profile->Text(text_id::kMoveTo) : "none";
+    return profile ? profile->Text(TextId::kPattern) + profile->Text(TextId::kMoveTo) : "none";
   };
   EXPECT_EQ(text(first, "a") + " " + text(first, "B"), "2/a 1/m");
   EXPECT_EQ(text(snapshot, "a") + " " + text(snapshot, "B"), "3/b none");

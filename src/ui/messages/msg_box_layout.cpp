@@ -8,18 +8,17 @@
 namespace quendle {
 namespace {
 
-constexpr int kOk = 6100;
-constexpr int kCancel = 6101;
-constexpr int kYes = 6102;
-constexpr int kNo = 6103;
-constexpr int kRetry = 6104;
-
 constexpr std::array<ButtonSet, 5> kButtonSets = {{
-    {kButtonsOk, 1, {kOk}, 0, 0, {kAnswerOk}},
-    {kButtonsOkCancel, 2, {kOk, kCancel}, 0, 1, {kAnswerOk, kAnswerCancel}},
-    {kButtonsYesNoCancel, 3, {kYes, kNo, kCancel}, 0, 2, {kAnswerYes, kAnswerNo, kAnswerCancel}},
-    {kButtonsYesNo, 2, {kYes, kNo}, 0, 1, {kAnswerYes, kAnswerNo}},
-    {kButtonsRetryCancel, 2, {kRetry, kCancel}, 0, 1, {kAnswerRetry, kAnswerCancel}},
+    {kButtonsOk, 1, {TextId::kBoxOk}, 0, 0, {kAnswerOk}},
+    {kButtonsOkCancel, 2, {TextId::kBoxOk, TextId::kBoxCancel}, 0, 1, {kAnswerOk, kAnswerCancel}},
+    {kButtonsYesNoCancel,
+     3,
+     {TextId::kBoxYes, TextId::kBoxNo, TextId::kBoxCancel},
+     0,
+     2,
+     {kAnswerYes, kAnswerNo, kAnswerCancel}},
+    {kButtonsYesNo, 2, {TextId::kBoxYes, TextId::kBoxNo}, 0, 1, {kAnswerYes, kAnswerNo}},
+    {kButtonsRetryCancel, 2, {TextId::kBoxRetry, TextId::kBoxCancel}, 0, 1, {kAnswerRetry, kAnswerCancel}},
 }};
 
 constexpr int kButtonPadding = 400;

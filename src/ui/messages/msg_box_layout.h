@@ -10,6 +10,8 @@
 #include <functional>
 #include <vector>
 
+#include "resources/string_table.h"
+
 namespace quendle {
 
 struct TwipRect {
@@ -27,7 +29,7 @@ struct TwipRect {
 struct ButtonSet {
   std::int32_t style;
   std::size_t count;
-  std::array<int, 3> captions;  // identifiers of texts
+  std::array<TextId, 3> captions;
   std::size_t default_button;
   std::size_t cancel_button;  // pressed by the close box, and by Esc unless it is the only one
   std::array<std::int32_t, 3> answers;

@@ -73,12 +73,13 @@ QFont InstalledFont(const std::string& family, const std::string& size, Pitch pi
 }
 
 QFont DialogFont() {
-  static const QFont font = InstalledFont(LoadText(20), LoadText(21), Pitch::kProportional);
+  static const QFont font =
+      InstalledFont(LoadText(TextId::kFormFont), LoadText(TextId::kFormFontSize), Pitch::kProportional);
   return font;
 }
 
 QFont FixedPitchFont() {
-  return InstalledFont(LoadText(22), LoadText(23), Pitch::kFixed);
+  return InstalledFont(LoadText(TextId::kLogFont), LoadText(TextId::kLogFontSize), Pitch::kFixed);
 }
 
 void ApplyFormFont(QWidget* form, bool from_string_table) {

@@ -16,7 +16,7 @@ inline std::string FromQt(const QString& text) {
   return text.toStdString();
 }
 
-inline QString Text(int id) {
+inline QString Text(TextId id) {
   return ToQt(LoadText(id));
 }
 

@@ -17,20 +17,9 @@
 namespace quendle {
 namespace {
 
-constexpr int kMakeFolderTitle = 6340;
-constexpr int kMakeFolder = 6341;
-constexpr int kDeleteTitle = 6342;
-constexpr int kDelete = 6343;
-constexpr int kProceedTitle = 6344;
-constexpr int kPasswordTitle = 6345;
-constexpr int kPassword = 6346;
-constexpr int kWrongPassword = 6347;
-constexpr int kFolderNotOpened = 6348;
-constexpr int kFileNotOpened = 6349;
-
 constexpr const char* kLineBreak = "\r\n";
 
-std::string Below(int text, const std::string& shown) {
+std::string Below(TextId text, const std::string& shown) {
   return LoadText(text) + kLineBreak + kLineBreak + shown;
 }
 
@@ -88,8 +77,8 @@ class QtUser : public UserInterface {
   QWidget* Owner() const {
     return progress_.Window() != nullptr ? progress_.Window() : QApplication::activeWindow();
   }
-  bool AskYesNo(const std::string& prompt, std::int32_t icon, int title);
-  void ShowFailure(int text, const platform::Result& failure, const std::string& path);
+  bool AskYesNo(const std::string& prompt, std::int32_t icon, TextId title);
+  void ShowFailure(TextId text, const platform::Result& failure, const std::string& path);
 
   WindowsHost host_;
   ProgressDisplay progress_;
@@ -97,7 +86,7 @@ class QtUser : public UserInterface {
   int busy_ = 0;  // how many have begun and not ended
 };
 
-bool QtUser::AskYesNo(const std::string& prompt, std::int32_t icon, int title) {
+bool QtUser::AskYesNo(const std::string& prompt, std::int32_t icon, TextId title) {
   const Waiting waiting(*this);
   return quendle::ShowMessage(prompt, kButtonsYesNo, icon, LoadText(title)) == kAnswerYes;
 }
@@ -109,11 +98,12 @@ UserInterface::OverwriteAnswer QtUser::AskOverwrite(const platform::FileVersion&
 }
 
 bool QtUser::AskMakeFolder(const std::string& folder) {
-  return AskYesNo(Below(kMakeFolder, ForDisplay(folder)), kIconQuestion, kMakeFolderTitle);
+  return AskYesNo(Below(TextId::kMakeFolderQuestion, ForDisplay(folder)), kIconQuestion,
+                  TextId::kMakeFolderCaption);
 }
 
 bool QtUser::AskDelete(const std::string& path) {
-  return AskYesNo(Below(kDelete, ForDisplay(path)), kIconExclamation, kDeleteTitle);
+  return AskYesNo(Below(TextId::kDeleteQuestion, ForDisplay(path)), kIconExclamation, TextId::kDeleteCaption);
 }
 
 std::optional<std::string> QtUser::AskPassword(const std::string& archive) {
@@ -124,14 +114,15 @@ std::optional<std::string> QtUser::AskPassword(const std::string& archive) {
   const std::string name = ForDisplay(SplitPath(archive).name);
   const Waiting waiting(*this);
   std::string typed =
-      ShowPasswordInput(Below(is_first ? kPassword : kWrongPassword, name), LoadText(kPasswordTitle));
+      ShowPasswordInput(Below(is_first ? TextId::kAskPassword : TextId::kAskPasswordAgain, name),
+                        LoadText(TextId::kPasswordCaption));
   password_.is_over = typed.empty();
   if (password_.is_over) return std::nullopt;
   return typed;
 }
 
 bool QtUser::AskProceed(const Reason& question) {
-  return AskYesNo(LoadText(ForDisplay(question)), kIconExclamation, kProceedTitle);
+  return AskYesNo(LoadText(ForDisplay(question)), kIconExclamation, TextId::kProceedCaption);
 }
 
 void QtUser::ShowMessage(MessageKind kind, const std::string& text) {
@@ -163,7 +154,7 @@ void QtUser::SetBusy(bool busy) {
   }
 }
 
-void QtUser::ShowFailure(int text, const platform::Result& failure, const std::string& path) {
+void QtUser::ShowFailure(TextId text, const platform::Result& failure, const std::string& path) {
   if (failure.ok()) return;
   const std::string why = LoadText(ForDisplay(failure.reason));
   const Waiting waiting(*this);
@@ -172,11 +163,11 @@ void QtUser::ShowFailure(int text, const platform::Result& failure, const std::s
 }
 
 void QtUser::OpenFolder(const std::string& folder, const FileManager& manager) {
-  ShowFailure(kFolderNotOpened, OpenFolderWithFiler(manager, folder), folder);
+  ShowFailure(TextId::kFolderNotOpened, OpenFolderWithFiler(manager, folder), folder);
 }
 
 void QtUser::OpenFile(const std::string& path, const std::string& untrusted_folder) {
-  ShowFailure(kFileNotOpened, platform::OpenWithDesktop(path, untrusted_folder), path);
+  ShowFailure(TextId::kFileNotOpened, platform::OpenWithDesktop(path, untrusted_folder), path);
 }
 
 }  // namespace

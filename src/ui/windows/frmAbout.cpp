@@ -38,8 +38,8 @@ constexpr std::string_view kShownSuffix =
 constexpr const char* kLibraries[] = {"UnLHA32", "UnZIP32", "Cab32", "unrar32", "UNRAR", "7-zip32"};
 
 std::string CopyrightText() {
-  const std::string lines[] = {kProductName, GetVersionString(),         LoadText(text_id::kCompiled),
-                               "",           LoadText(text_id::kRights), LoadText(text_id::kLicence)};
+  const std::string lines[] = {kProductName, GetVersionString(),        LoadText(TextId::kCompiled),
+                               "",           LoadText(TextId::kRights), LoadText(TextId::kLicence)};
   std::string text;
   for (const std::string& line : lines) text += (&line == lines ? "" : "\r\n") + line;
   return text;
@@ -62,22 +62,22 @@ const ArchiverRow* RowOf(const std::string& name) {
 // Empty for a library that does not say whose it is.
 std::string Credit(const ArchiverLibrary* library) {
   const std::string credits = library == nullptr ? "" : library->Credits();
-  return credits.empty() ? "" : LoadText(text_id::kCredit, {ForDisplay(credits)});
+  return credits.empty() ? "" : LoadText(TextId::kCredit, {ForDisplay(credits)});
 }
 
 // One that cannot be used counts as missing.
 std::string LibraryLine(const std::string& name, ArchiverLibraries* libraries) {
   const std::string head = Padded(name + std::string(kShownSuffix), kNameColumns);
-  if (!libraries->IsInstalled(name)) return head + LoadText(text_id::kNotInstalled);
+  if (!libraries->IsInstalled(name)) return head + LoadText(TextId::kNotInstalled);
   const ArchiverRow* row = RowOf(name);
   const ArchiverLibrary* library = row == nullptr ? nullptr : libraries->Use(*row);
   if (row != nullptr && library == nullptr)
-    return head + LoadText(text_id::kNotInstalled) + " " + ForDisplay(LoadText(libraries->Problem(*row)));
+    return head + LoadText(TextId::kNotInstalled) + " " + ForDisplay(LoadText(libraries->Problem(*row)));
   clsFileVer file;
   file.pFileName(libraries->FileName(name));
   const std::string version = file.pVersionFull();
   return head + "\t" +
-         Padded(version.empty() ? LoadText(text_id::kUnknownVersion) : version, kVersionColumns) +
+         Padded(version.empty() ? LoadText(TextId::kUnknownVersion) : version, kVersionColumns) +
          Credit(library);
 }
 
@@ -98,8 +98,8 @@ frmAbout::frmAbout(QWidget* owner, const std::string& module_folder)
       img(new QLabel(this)),
       lblCopyright(new WrappedLabel(this)),
       lst(new QListWidget(this)),
-      cmd(new QPushButton(Text(6107), this)) {
-  setWindowTitle(ToQt(LoadText(text_id::kAboutCaption, {kProductName})));
+      cmd(new QPushButton(Text(TextId::kCloseButton), this)) {
+  setWindowTitle(ToQt(LoadText(TextId::kAboutCaption, {kProductName})));
   img->setObjectName("img");
   lblCopyright->setObjectName("lblCopyright");
   lst->setObjectName("lst");
@@ -107,7 +107,7 @@ frmAbout::frmAbout(QWidget* owner, const std::string& module_folder)
 
   img->setPixmap(Picture("quendle", kIconPixels, this));
   lblCopyright->setText(ToQt(CopyrightText()));
-  lst->setAccessibleName(Text(6516));
+  lst->setAccessibleName(Text(TextId::kAboutLibraries));
   lst->setItemDelegate(new ColumnDelegate(lst));
   lst->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents);
   lst->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);

@@ -59,48 +59,48 @@ void frmAction::Run() {
 
 // Only signals that the user causes, so that showing a view changes nothing.
 void frmAction::Connect() {
-  connect(cbo[0], &QComboBox::activated, this, [this](int index) {
+  connect(cbo[kProfileCombo], &QComboBox::activated, this, [this](int index) {
     form_.SelectProfile(index);
     ApplyView();
   });
-  connect(cbo[1], &QComboBox::activated, this, [this](int index) {
+  connect(cbo[kRenameCombo], &QComboBox::activated, this, [this](int index) {
     form_.SelectRename(index);
     ApplyView();
   });
   for (std::size_t row = 0; row < kActionRows; ++row) {
-    connect(chk[row], &QCheckBox::clicked, this, [this, row](bool ticked) {
+    connect(chk[kExtractCheck + row], &QCheckBox::clicked, this, [this, row](bool ticked) {
       form_.Tick(row, ticked);
       ApplyView();
     });
-    connect(txt[row + 1], &QLineEdit::textEdited, this, [this, row](const QString& text) {
+    connect(txt[kExtractField + row], &QLineEdit::textEdited, this, [this, row](const QString& text) {
       form_.TypeFolder(row, FromQt(text));
       ApplyView();
       SchedulePlan(kTypingPause);
     });
-    connect(cmd[row + 3], &QPushButton::clicked, this, [this, row] { Browse(row); });
+    connect(cmd[kBrowseExtractButton + row], &QPushButton::clicked, this, [this, row] { Browse(row); });
   }
-  connect(chk[3], &QCheckBox::clicked, this, [this](bool on) {
+  connect(chk[kSmartMakeDirCheck], &QCheckBox::clicked, this, [this](bool on) {
     form_.SetSmartMakeDir(on);
     ApplyView();
   });
-  connect(chk[4], &QCheckBox::clicked, this, [this](bool on) {
+  connect(chk[kOpenDirCheck], &QCheckBox::clicked, this, [this](bool on) {
     form_.SetOpenDir(on);
     ApplyView();
   });
   for (std::size_t i = 0; i < opt.size(); ++i) {
     connect(opt[i], &QRadioButton::clicked, this, [this, i] {
-      form_.SetOverwrites(i == 0);
+      form_.SetOverwrites(i == kOverwriteOption);
       ApplyView();
     });
   }
-  connect(cmd[0], &QPushButton::clicked, this, [this] { Finish(false); });
-  connect(cmd[1], &QPushButton::clicked, this, [this] { Finish(true); });
-  connect(cmd[2], &QPushButton::clicked, this, [this] { EditProfile(); });
+  connect(cmd[kCancelButton], &QPushButton::clicked, this, [this] { Finish(false); });
+  connect(cmd[kOkButton], &QPushButton::clicked, this, [this] { Finish(true); });
+  connect(cmd[kEditButton], &QPushButton::clicked, this, [this] { EditProfile(); });
 }
 
 void frmAction::changeEvent(QEvent* event) {
   QDialog::changeEvent(event);
-  if (event->type() == QEvent::PaletteChange && lbl[8] != nullptr) PaintMarks();
+  if (event->type() == QEvent::PaletteChange && lbl[kOpenFileMark] != nullptr) PaintMarks();
   // Whoever comes back may have made room for a file, or put one in its way.
   if (event->type() == QEvent::ActivationChange && isActiveWindow() && plan_ != nullptr) SchedulePlan(0);
 }
@@ -114,7 +114,8 @@ void frmAction::showEvent(QShowEvent* event) {
 // The window for a path that it has not shown yet.
 void frmAction::Fill() {
   ApplyView();
-  QWidget* first = cbo[0]->count() > 1 ? static_cast<QWidget*>(cbo[0]) : cmd[1];
+  QWidget* first =
+      cbo[kProfileCombo]->count() > 1 ? static_cast<QWidget*>(cbo[kProfileCombo]) : cmd[kOkButton];
   first->setFocus(Qt::OtherFocusReason);
 }
 
@@ -127,14 +128,15 @@ void frmAction::ApplyView() {
   ApplyRows();
   ApplyEditCommand();
   ApplyExtraction();
-  cbo[1]->setCurrentIndex(view.rename);
-  for (QWidget* control : {static_cast<QWidget*>(cbo[1]), static_cast<QWidget*>(lbl[4])}) {
+  cbo[kRenameCombo]->setCurrentIndex(view.rename);
+  for (QWidget* control :
+       {static_cast<QWidget*>(cbo[kRenameCombo]), static_cast<QWidget*>(lbl[kRenameLabel])}) {
     control->setEnabled(view.can_rename);
   }
-  mnuEdit[26]->setEnabled(view.can_rename && !view.is_folder);
+  mnuEdit[kStepRename]->setEnabled(view.can_rename && !view.is_folder);
   const bool is_usable = view.problem.empty();
-  cmd[1]->setEnabled(is_usable);
-  mnuFile[0]->setEnabled(is_usable);
+  cmd[kOkButton]->setEnabled(is_usable);
+  mnuFile[kExecute]->setEnabled(is_usable);
   ApplyFolder();
   SchedulePlan(0);
 }
@@ -151,48 +153,51 @@ void frmAction::ApplyProfiles() {
   QStringList wanted;
   for (const std::string& profile : view.profiles) wanted += ToQt(profile);
   QStringList shown;
-  for (int i = 0; i < cbo[0]->count(); ++i) shown += cbo[0]->itemText(i);
+  for (int i = 0; i < cbo[kProfileCombo]->count(); ++i) shown += cbo[kProfileCombo]->itemText(i);
   if (shown != wanted) {
-    cbo[0]->clear();
-    cbo[0]->addItems(wanted);
+    cbo[kProfileCombo]->clear();
+    cbo[kProfileCombo]->addItems(wanted);
   }
-  cbo[0]->setCurrentIndex(view.selected);
-  for (const int step : {0, 1}) mnuEdit[step]->setEnabled(wanted.size() > 1);
+  cbo[kProfileCombo]->setCurrentIndex(view.selected);
+  for (const int step : {kNextProfile, kPreviousProfile}) mnuEdit[step]->setEnabled(wanted.size() > 1);
 }
 
 void frmAction::ApplyRows() {
   const ActionView& view = form_.View();
-  ShowPath(txt[0], view.target);
+  ShowPath(txt[kTargetField], view.target);
   for (std::size_t i = 0; i < kActionRows; ++i) {
     const ActionView::Row& row = view.rows[i];
-    chk[i]->setChecked(row.is_ticked);
-    chk[i]->setEnabled(row.can_tick);
-    lbl[i + 1]->setEnabled(row.can_tick);
-    mnuEdit[static_cast<int>(i) + 16]->setEnabled(row.can_tick);
-    ShowPath(txt[i + 1], row.folder);
-    txt[i + 1]->setEnabled(row.can_fill);
-    cmd[i + 3]->setEnabled(row.can_fill);
+    chk[kExtractCheck + i]->setChecked(row.is_ticked);
+    chk[kExtractCheck + i]->setEnabled(row.can_tick);
+    lbl[kExtractLabel + i]->setEnabled(row.can_tick);
+    mnuEdit[kToggleExtract + static_cast<int>(i)]->setEnabled(row.can_tick);
+    ShowPath(txt[kExtractField + i], row.folder);
+    txt[kExtractField + i]->setEnabled(row.can_fill);
+    cmd[kBrowseExtractButton + i]->setEnabled(row.can_fill);
   }
 }
 
 void frmAction::ApplyEditCommand() {
   const bool edits = form_.View().edits_profile;
-  cmd[2]->setText(Text(edits ? 4215 : 4213));
-  cmd[2]->setToolTip(Text(edits ? 4216 : 4214));
-  mnuEdit[11]->setText(Text(edits ? 4651 : 4650));
+  cmd[kEditButton]->setText(Text(edits ? TextId::kActionEditProfile : TextId::kActionNewProfile));
+  cmd[kEditButton]->setToolTip(Text(edits ? TextId::kActionEditProfileHint : TextId::kActionNewProfileHint));
+  mnuEdit[kEditProfile]->setText(
+      Text(edits ? TextId::kActionMenuEditProfile : TextId::kActionMenuNewProfile));
 }
 
 void frmAction::ApplyExtraction() {
   const ActionView& view = form_.View();
-  opt[0]->setChecked(view.overwrites);
-  opt[1]->setChecked(!view.overwrites);
-  chk[3]->setChecked(view.smart_make_dir);
-  chk[4]->setChecked(view.open_dir);
-  const std::initializer_list<QWidget*> controls = {lbl[5], opt[0], opt[1], chk[3], chk[4]};
+  opt[kOverwriteOption]->setChecked(view.overwrites);
+  opt[kUpdateOption]->setChecked(!view.overwrites);
+  chk[kSmartMakeDirCheck]->setChecked(view.smart_make_dir);
+  chk[kOpenDirCheck]->setChecked(view.open_dir);
+  const std::initializer_list<QWidget*> controls = {lbl[kExtractTypeLabel], opt[kOverwriteOption],
+                                                    opt[kUpdateOption], chk[kSmartMakeDirCheck],
+                                                    chk[kOpenDirCheck]};
   for (QWidget* control : controls) control->setEnabled(view.can_set_extraction);
   for (std::size_t i = 0; i < view.marks.size(); ++i) {
-    lbl[i + 6]->setVisible(!view.marks[i].empty());
-    lbl[i + 6]->setToolTip(PlainToolTip(ToQt(view.marks[i])));
+    lbl[kIncludeMark + i]->setVisible(!view.marks[i].empty());
+    lbl[kIncludeMark + i]->setToolTip(PlainToolTip(ToQt(view.marks[i])));
   }
 }
 
@@ -201,10 +206,12 @@ void frmAction::ApplyExtraction() {
 void frmAction::ApplyFolder() {
   const bool is_folder = form_.View().is_folder;
   if (std::exchange(shows_folder_, is_folder) != is_folder) {
-    const std::initializer_list<QWidget*> controls = {fra[1], fra[2], lbl[1], chk[0], txt[1], cmd[3], cmd[2]};
+    const std::initializer_list<QWidget*> controls = {
+        fra[kSettingsFrame], fra[kSpecialFrame],        lbl[kExtractLabel], chk[kExtractCheck],
+        txt[kExtractField],  cmd[kBrowseExtractButton], cmd[kEditButton]};
     for (QWidget* control : controls) control->setVisible(!is_folder);
-    mnuEdit[11]->setVisible(!is_folder);
-    mnuEdit[16]->setVisible(!is_folder);
+    mnuEdit[kEditProfile]->setVisible(!is_folder);
+    mnuEdit[kToggleExtract]->setVisible(!is_folder);
   }
   if (isVisible()) {  // what is not shown yet has no sizes that could be out of date
     for (QGroupBox* frame : fra) frame->layout()->activate();

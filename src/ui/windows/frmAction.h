@@ -15,6 +15,7 @@
 
 #include "core/action_form.h"
 #include "core/edit_mode.h"
+#include "resources/string_table.h"
 #include "ui/messages/modMsgBox.h"
 #include "ui/parts/pickers.h"
 
@@ -48,6 +49,55 @@ struct ActionServices {
 
 class frmAction : public QDialog {
  public:
+  // The controls by their places in their arrays, whose names they bear: "txt(1)" is the folder to extract into.
+  enum Frame : std::size_t { kFileFrame, kSettingsFrame, kSpecialFrame, kProfileFrame, kFrames };
+  enum Combo : std::size_t { kProfileCombo, kRenameCombo, kCombos };
+  enum Check : std::size_t {
+    kExtractCheck,
+    kMoveCheck,
+    kCopyCheck,
+    kSmartMakeDirCheck,
+    kOpenDirCheck,
+    kChecks
+  };
+  enum Option : std::size_t { kOverwriteOption, kUpdateOption, kOptions };
+  enum Field : std::size_t { kTargetField, kExtractField, kMoveField, kCopyField, kFields };
+  enum Button : std::size_t {
+    kCancelButton,
+    kOkButton,
+    kEditButton,
+    kBrowseExtractButton,
+    kBrowseMoveButton,
+    kBrowseCopyButton,
+    kButtons
+  };
+  enum Label : std::size_t {
+    kTargetLabel,
+    kExtractLabel,
+    kMoveLabel,
+    kCopyLabel,
+    kRenameLabel,
+    kExtractTypeLabel,
+    kIncludeMark,
+    kExcludeMark,
+    kOpenFileMark,
+    kLabels
+  };
+  enum Menu : std::size_t { kFileMenu, kEditMenu, kSettingsMenu, kHelpMenu, kMenus };
+  // The commands of the menus, which do not count through.
+  enum FileCommand { kExecute = 0, kSkip = 1, kQuit = 6 };
+  enum EditCommand {
+    kNextProfile = 0,
+    kPreviousProfile = 1,
+    kEditProfile = 11,
+    kToggleExtract = 16,
+    kToggleMove,
+    kToggleCopy,
+    kStepRename = 26
+  };
+  enum SettingsCommand { kStandardSettings = 0, kTestSettings = 1, kGeneralSettings = 6 };
+  enum HelpCommand { kAbout = 0 };
+
   // `form` stands on the first path that the user is to settle.
   frmAction(ActionForm& form, const clsMover& mover, ActionServices services = {});
   ~frmAction() override;
@@ -76,8 +126,11 @@ class frmAction : public QDialog {
   void MakeControls();
   void SetTexts();
   void MakeMenus();
-  QMenu* MakeMenu(int caption, const char* name, const std::vector<std::pair<int, int>>& entries,
-                  Actions* actions);
+  struct MenuEntry {
+    int command;
+    TextId caption;  // kNone: a line between groups
+  };
+  QMenu* MakeMenu(TextId caption, const char* name, const std::vector<MenuEntry>& entries, Actions* actions);
   QLayout* MakeProfileFrame();
   QLayout* MakeFileFrame();
   QLayout* MakeSettingsFrame();
@@ -123,14 +176,14 @@ class frmAction : public QDialog {
   QMenuBar* menu_bar_ = nullptr;
   QWidget* body_ = nullptr;  // everything below the menu bar
   PlanView* plan_ = nullptr;
-  std::array<QGroupBox*, 4> fra{};
-  std::array<QComboBox*, 2> cbo{};
-  std::array<QCheckBox*, 5> chk{};
-  std::array<QRadioButton*, 2> opt{};
-  std::array<QLineEdit*, 4> txt{};
-  std::array<QPushButton*, 6> cmd{};
-  std::array<QLabel*, 9> lbl{};
-  std::array<QMenu*, 4> mnuMenu{};
+  std::array<QGroupBox*, kFrames> fra{};
+  std::array<QComboBox*, kCombos> cbo{};
+  std::array<QCheckBox*, kChecks> chk{};
+  std::array<QRadioButton*, kOptions> opt{};
+  std::array<QLineEdit*, kFields> txt{};
+  std::array<QPushButton*, kButtons> cmd{};
+  std::array<QLabel*, kLabels> lbl{};
+  std::array<QMenu*, kMenus> mnuMenu{};
   Actions mnuFile, mnuEdit, mnuOption, mnuAbout;
 
   QTimer plan_timer_{this};

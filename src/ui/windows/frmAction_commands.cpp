@@ -50,7 +50,7 @@ bool frmAction::eventFilter(QObject* watched, QEvent* event) {
     }
     case QEvent::MouseButtonDblClick:
       // The first click of the two has ended the path.
-      return watched == cmd[0] || watched == cmd[1];
+      return watched == cmd[kCancelButton] || watched == cmd[kOkButton];
     case QEvent::MouseButtonRelease: {
       const auto* label = qobject_cast<QLabel*>(watched);
       const auto& mouse = *static_cast<QMouseEvent*>(event);
@@ -88,7 +88,7 @@ std::function<void()> frmAction::CommandOf(const QKeyEvent& key) {
 
 void frmAction::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
-    cmd[0]->click();
+    cmd[kCancelButton]->click();
   } else {
     QDialog::keyPressEvent(event);
   }
@@ -107,23 +107,23 @@ void frmAction::ConnectMenus() {
   const auto on = [this](const Actions& menu, int index, const std::function<void()>& command) {
     connect(menu.at(index), &QAction::triggered, this, command);
   };
-  on(mnuFile, 0, [this] { Finish(true); });
-  on(mnuFile, 1, [this] { Finish(false); });
-  on(mnuFile, 6, [this] { Exit(); });
-  on(mnuEdit, 0, [this] { StepProfile(1); });
-  on(mnuEdit, 1, [this] { StepProfile(-1); });
-  on(mnuEdit, 11, [this] { EditProfile(); });
+  on(mnuFile, kExecute, [this] { Finish(true); });
+  on(mnuFile, kSkip, [this] { Finish(false); });
+  on(mnuFile, kQuit, [this] { Exit(); });
+  on(mnuEdit, kNextProfile, [this] { StepProfile(1); });
+  on(mnuEdit, kPreviousProfile, [this] { StepProfile(-1); });
+  on(mnuEdit, kEditProfile, [this] { EditProfile(); });
   for (const int row : {0, 1, 2}) {
-    on(mnuEdit, 16 + row, [this, row] { ToggleRow(static_cast<std::size_t>(row)); });
+    on(mnuEdit, kToggleExtract + row, [this, row] { ToggleRow(static_cast<std::size_t>(row)); });
   }
-  on(mnuEdit, 26, [this] {
+  on(mnuEdit, kStepRename, [this] {
     form_.StepRename();
     ApplyView();
   });
-  on(mnuOption, 0, [this] { Edit(EditMode::kStandard, ""); });
-  on(mnuOption, 1, [this] { Edit(EditMode::kTest, ""); });
-  on(mnuOption, 6, [this] { Edit(EditMode::kGeneral, ""); });
-  on(mnuAbout, 0, [this] {
+  on(mnuOption, kStandardSettings, [this] { Edit(EditMode::kStandard, ""); });
+  on(mnuOption, kTestSettings, [this] { Edit(EditMode::kTest, ""); });
+  on(mnuOption, kGeneralSettings, [this] { Edit(EditMode::kGeneral, ""); });
+  on(mnuAbout, kAbout, [this] {
     const Busy busy(&is_busy_);
     services_.show_about(this);
   });
@@ -184,22 +184,22 @@ void frmAction::ToggleRow(std::size_t row) {
   if (!form_.View().rows[row].can_tick) return;
   const bool wants_focus = form_.ToggleRow(row);
   ApplyView();
-  if (wants_focus) txt[row + 1]->setFocus(Qt::OtherFocusReason);
+  if (wants_focus) txt[kExtractField + row]->setFocus(Qt::OtherFocusReason);
 }
 
 void frmAction::Browse(std::size_t row) {
-  constexpr int kPrompts[kActionRows] = {text_id::kAskExtractFolder, text_id::kAskMoveFolder,
-                                         text_id::kAskCopyFolder};
+  constexpr TextId kPrompts[kActionRows] = {TextId::kAskExtractFolder, TextId::kAskMoveFolder,
+                                            TextId::kAskCopyFolder};
   std::string folder;
   {
     const Busy busy(&is_busy_);
     folder = services_.pick_folder(this, LoadText(kPrompts[row]), form_.StartFolder(row));
   }
-  txt[row + 1]->setFocus(Qt::OtherFocusReason);
+  txt[kExtractField + row]->setFocus(Qt::OtherFocusReason);
   if (folder.empty()) return;
   form_.ChooseFolder(row, folder);
   ApplyView();
-  txt[row + 1]->selectAll();
+  txt[kExtractField + row]->selectAll();
 }
 
 void frmAction::StepProfile(int step) {
@@ -220,10 +220,10 @@ void frmAction::EditProfile() {
 std::string frmAction::NameNewProfile() {
   const Busy busy(&is_busy_);
   const std::string title =
-      services_.show_input(LoadText(text_id::kAskProfileName), LoadText(text_id::kAddProfile), "");
+      services_.show_input(LoadText(TextId::kAskProfileName), LoadText(TextId::kAddProfile), "");
   if (title.empty()) return "";
   std::string problem = TitleProblem(title);
-  if (problem.empty() && mover_.CheckDupTitle(title)) problem = LoadText(text_id::kSameProfileName);
+  if (problem.empty() && mover_.CheckDupTitle(title)) problem = LoadText(TextId::kSameProfileName);
   if (!problem.empty()) {
     services_.show_message(problem, kButtonsOk, kIconCritical, "");
     return "";
@@ -246,12 +246,12 @@ void frmAction::PopUpSettings() {
   const QPoint pointer = QCursor::pos();
   // Far from the window nobody would look for it.
   const QPoint near_window = body_->mapToGlobal(QPoint(0, 0));
-  mnuMenu[2]->popup(frameGeometry().contains(pointer) ? pointer : near_window);
+  mnuMenu[kSettingsMenu]->popup(frameGeometry().contains(pointer) ? pointer : near_window);
 }
 
 void frmAction::ClickLabel(std::size_t index) {
-  if (index >= 1 && index <= kActionRows) ToggleRow(index - 1);
-  if (index == 4) cbo[1]->setFocus(Qt::MouseFocusReason);
+  if (index >= kExtractLabel && index <= kCopyLabel) ToggleRow(index - kExtractLabel);
+  if (index == kRenameLabel) cbo[kRenameCombo]->setFocus(Qt::MouseFocusReason);
 }
 
 // What OK will do is told by what would do it.

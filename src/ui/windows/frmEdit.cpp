@@ -24,24 +24,22 @@
 namespace quendle {
 namespace {
 
-constexpr int kUnreadable = 6752;
-
 QString Caption(const EditDraft& draft) {
-  const auto of_profile = [&draft](int id) {
+  const auto of_profile = [&draft](TextId id) {
     // Qt reads "[*]" in a title as the place of a mark for unsaved changes, unless it is doubled.
     return ToQt(LoadText(id, {ForDisplay(draft.Title())})).replace("[*]", "[*][*]");
   };
   switch (draft.Mode()) {
     case EditMode::kProfile:
-      return of_profile(6600);
+      return of_profile(TextId::kEditorCaptionProfile);
     case EditMode::kNew:
-      return of_profile(6601);
+      return of_profile(TextId::kEditorCaptionNew);
     case EditMode::kStandard:
-      return Text(6602);
+      return Text(TextId::kEditorCaptionStandard);
     case EditMode::kGeneral:
-      return Text(6603);
+      return Text(TextId::kEditorCaptionGeneral);
     default:
-      return Text(6604);
+      return Text(TextId::kEditorCaptionTest);
   }
 }
 
@@ -53,9 +51,9 @@ std::optional<std::string> OpenEditor(QWidget* owner, Globals& globals, EditMode
   std::shared_ptr<const SettingsSnapshot> settings;
   const platform::Result read = RunSettings(globals.g_PropDefault->Folders()).Read(&settings);
   if (!read.ok()) {
-    (void)ShowMessage(
-        LoadText(kUnreadable, {ForDisplay(LoadText(read.reason)) + "\r\n" + ForDisplay(read.path)}),
-        kButtonsOk, kIconExclamation, "");
+    (void)ShowMessage(LoadText(TextId::kProfilesUnreadable,
+                               {ForDisplay(LoadText(read.reason)) + "\r\n" + ForDisplay(read.path)}),
+                      kButtonsOk, kIconExclamation, "");
     return std::nullopt;
   }
   EditDraft draft(mode, title, {*globals.g_PropItem, *globals.g_PropDefault, *globals.g_PropTest});
@@ -94,8 +92,8 @@ void frmEdit::Connect() {
   }
   for (const auto& [bit, box] : chkAction) {
     connect(box, &QCheckBox::clicked, this, [this, bit = bit](bool on) {
-      const int others = draft_.Number(text_id::kAction) & ~bit;
-      draft_.SetNumber(text_id::kAction, on ? others | bit : others);
+      const int others = draft_.Number(TextId::kAction) & ~bit;
+      draft_.SetNumber(TextId::kAction, on ? others | bit : others);
     });
   }
   for (const auto& [key, choices] : opt) {
@@ -140,13 +138,13 @@ void frmEdit::Fill() {
 
 void frmEdit::ApplyNumbers() {
   for (const auto& [key, box] : chk) box->setChecked(draft_.Number(key) != 0);
-  for (const auto& [bit, box] : chkAction) box->setChecked((draft_.Number(text_id::kAction) & bit) != 0);
+  for (const auto& [bit, box] : chkAction) box->setChecked((draft_.Number(TextId::kAction) & bit) != 0);
   for (const auto& [key, choices] : opt) choices.at(draft_.Number(key))->setChecked(true);
-  const bool is_own = own_.empty() || !draft_.IsInherited(text_id::kSmartRename);
+  const bool is_own = own_.empty() || !draft_.IsInherited(TextId::kSmartRename);
   for (QWidget* control : own_) control->setEnabled(is_own);
 }
 
-void frmEdit::ApplyHint(int key) {
+void frmEdit::ApplyHint(TextId key) {
   const std::optional<EditDraft::Problem> problem = draft_.ProblemOf(key);
   const QString text = problem ? ToQt(problem->text) : QString();
   hint[key]->setText(text);
@@ -175,12 +173,12 @@ void frmEdit::keyPressEvent(QKeyEvent* event) {
 
 // Of choices that exclude each other the one that is made.
 void frmEdit::FocusOnFirst() {
-  const int first = draft_.Keys().front();
+  const TextId first = draft_.Keys().front();
   if (opt.count(first) != 0) opt[first].at(draft_.Number(first))->setFocus(Qt::OtherFocusReason);
   FocusOn(first);
 }
 
-void frmEdit::FocusOn(int key) {
+void frmEdit::FocusOn(TextId key) {
   if (txt.count(key) != 0) txt[key]->setFocus(Qt::OtherFocusReason);
 }
 

@@ -67,34 +67,35 @@ class frmEdit : public QDialog {
   QWidget* MakeCharsetGroup();
   QLayout* MakeButtons();
   QLayout* MakeColumns();
-  QWidget* MakeGroup(int caption, QLayout* layout);
-  QPushButton* MakeButton(const char* name, int caption, int tool_tip, int accessible_name = 0);
-  QCheckBox* MakeCheckBox(int key);
+  QWidget* MakeGroup(TextId caption, QLayout* layout);
+  QPushButton* MakeButton(const char* name, TextId caption, TextId tool_tip,
+                          TextId accessible_name = TextId::kNone);
+  QCheckBox* MakeCheckBox(TextId key);
   struct ChoiceTexts {
-    int caption, tool_tip;
+    TextId caption, tool_tip;
   };
-  QWidget* MakeChoices(int key, QBoxLayout::Direction direction, const std::vector<ChoiceTexts>& texts);
+  QWidget* MakeChoices(TextId key, QBoxLayout::Direction direction, const std::vector<ChoiceTexts>& texts);
   QWidget* MakeActions();
-  void AddChoiceRow(QGridLayout* grid, int key, QWidget* choices);
-  void AddField(QGridLayout* grid, int key, QPushButton* button = nullptr);
-  void Register(int key, QLineEdit* field);
-  QLabel* MakeHint(int key);
+  void AddChoiceRow(QGridLayout* grid, TextId key, QWidget* choices);
+  void AddField(QGridLayout* grid, TextId key, QPushButton* button = nullptr);
+  void Register(TextId key, QLineEdit* field);
+  QLabel* MakeHint(TextId key);
   void ArrangeControls();
-  QString Name(const char* kind, int key) const;
+  QString Name(const char* kind, TextId key) const;
 
   // State
   void Connect();
   void Fill();
   void FocusOnFirst();
   void ApplyNumbers();
-  void ApplyHint(int key);
+  void ApplyHint(TextId key);
   void PaintHints();
   void ShowSendTo();
 
   // Commands
   bool IsFitForSettings(const std::string& picked);
-  void Put(int key, const std::string& text);
-  void BrowseFolder(int key);
+  void Put(TextId key, const std::string& text);
+  void BrowseFolder(TextId key);
   void BrowseFiler();
   void ProposePattern();
   void TryPattern();
@@ -104,7 +105,7 @@ class frmEdit : public QDialog {
   bool Settle(const EditDraft::Comparison& comparison);
   bool AskWhoseValue(const EditDraft::Comparison::Conflict& conflict);
   void TellOthersChanges();
-  void FocusOn(int key);
+  void FocusOn(TextId key);
   bool Ask(const std::string& question);
   void Tell(const std::string& text, std::int32_t icon);
 
@@ -113,12 +114,12 @@ class frmEdit : public QDialog {
   std::string example_name_;  // of the file that a pattern was proposed for, when there is no target
   EditServices services_;
 
-  std::map<int, QLineEdit*> txt;
-  std::map<int, QCheckBox*> chk;
-  std::map<int, QCheckBox*> chkAction;              // by bit
-  std::map<int, std::map<int, QRadioButton*>> opt;  // by key and number
-  std::map<int, QPushButton*> cmdFolder;
-  std::map<int, QLabel*> hint;
+  std::map<TextId, QLineEdit*> txt;
+  std::map<TextId, QCheckBox*> chk;
+  std::map<int, QCheckBox*> chkAction;                 // by bit
+  std::map<TextId, std::map<int, QRadioButton*>> opt;  // by key and number
+  std::map<TextId, QPushButton*> cmdFolder;
+  std::map<TextId, QLabel*> hint;
   std::vector<QWidget*> own_;  // what is dimmed while it is inherited
   QComboBox* cboCharset = nullptr;
   QPushButton* cmdFiler = nullptr;

@@ -20,17 +20,17 @@ namespace {
 
 constexpr const char* kLineBreak = "\r\n";
 
-std::string ListOfValues(const EditDraft& draft, const std::vector<int>& keys) {
+std::string ListOfValues(const EditDraft& draft, const std::vector<TextId>& keys) {
   std::string list;
-  for (const int key : keys) {
+  for (const TextId key : keys) {
     list.append(kLineBreak).append(KeyName(key)).append(": ").append(ValueText(key, draft.Stored(key)));
   }
   return list;
 }
 
-std::string ListOfNames(const std::vector<int>& keys) {
+std::string ListOfNames(const std::vector<TextId>& keys) {
   std::string list;
-  for (const int key : keys) list.append(list.empty() ? "" : "、").append(KeyName(key));
+  for (const TextId key : keys) list.append(list.empty() ? "" : "、").append(KeyName(key));
   return list;
 }
 
@@ -47,21 +47,21 @@ void frmEdit::Tell(const std::string& text, std::int32_t icon) {
 // Nothing was picked, or a path that is no text: the settings are text.
 bool frmEdit::IsFitForSettings(const std::string& picked) {
   if (platform::IsUtf8(picked)) return !picked.empty();
-  Tell(LoadText(6675, {ForDisplay(picked)}), kIconExclamation);
+  Tell(LoadText(TextId::kNameNotText, {ForDisplay(picked)}), kIconExclamation);
   return false;
 }
 
 // As if it were typed over what is there: it can be undone.
-void frmEdit::Put(int key, const std::string& text) {
+void frmEdit::Put(TextId key, const std::string& text) {
   txt[key]->selectAll();
   txt[key]->insert(ToQt(text));
   txt[key]->selectAll();
 }
 
-void frmEdit::BrowseFolder(int key) {
-  const std::map<int, int> prompts = {{text_id::kExtractTo, text_id::kAskExtractFolder},
-                                      {text_id::kMoveTo, text_id::kAskMoveFolder},
-                                      {text_id::kCopyTo, text_id::kAskCopyFolder}};
+void frmEdit::BrowseFolder(TextId key) {
+  const std::map<TextId, TextId> prompts = {{TextId::kExtractTo, TextId::kAskExtractFolder},
+                                            {TextId::kMoveTo, TextId::kAskMoveFolder},
+                                            {TextId::kCopyTo, TextId::kAskCopyFolder}};
   const Busy busy(&is_busy_);
   const std::string& typed = draft_.Text(key);
   const std::string start = typed.empty() ? draft_.InheritedFolder(key) : typed;
@@ -73,12 +73,12 @@ void frmEdit::BrowseFolder(int key) {
 void frmEdit::BrowseFiler() {
   const Busy busy(&is_busy_);
   FileDialogRequest request;
-  request.title = LoadText(6669);
-  request.filter = {{LoadText(6678), "*"}};
-  request.folder = SplitPath(draft_.Text(text_id::kFiler)).folder;
+  request.title = LoadText(TextId::kBrowseFiler);
+  request.filter = {{LoadText(TextId::kAllFiles), "*"}};
+  request.folder = SplitPath(draft_.Text(TextId::kFiler)).folder;
   const std::string picked = services_.pick_file(this, request);
-  FocusOn(text_id::kFiler);
-  if (IsFitForSettings(picked)) Put(text_id::kFiler, picked);
+  FocusOn(TextId::kFiler);
+  if (IsFitForSettings(picked)) Put(TextId::kFiler, picked);
 }
 
 // At once: the menus are no part of the settings.
@@ -89,7 +89,9 @@ void frmEdit::SwitchSendTo() {
   const platform::Result done =
       is_there ? platform::RemoveFromSendTo() : platform::AddToSendTo(services_.program);
   ShowSendTo();
-  if (!done.ok()) Tell(LoadText(6824, {ForDisplay(done.path), LoadText(done.reason)}), kIconCritical);
+  if (!done.ok()) {
+    Tell(LoadText(TextId::kSendToNotChanged, {ForDisplay(done.path), LoadText(done.reason)}), kIconCritical);
+  }
 }
 
 void frmEdit::ProposePattern() {
@@ -97,8 +99,8 @@ void frmEdit::ProposePattern() {
   std::string pattern = MakePatternFromTarget(target_);
   if (target_.pFileNameLong().empty()) {
     FileDialogRequest request;
-    request.title = LoadText(6679);
-    request.filter = {{LoadText(6678), "*"}};
+    request.title = LoadText(TextId::kPickExample);
+    request.filter = {{LoadText(TextId::kAllFiles), "*"}};
     const std::string picked = services_.pick_file(this, request);
     if (picked.empty()) return;
     clsFileInfo file;
@@ -110,14 +112,14 @@ void frmEdit::ProposePattern() {
     pattern = MakePatternFromTarget(file);
     example_name_ = file.pFileNameLong();
   }
-  FocusOn(text_id::kPattern);
-  Put(text_id::kPattern, pattern);
+  FocusOn(TextId::kPattern);
+  Put(TextId::kPattern, pattern);
 }
 
 void frmEdit::TryPattern() {
   const Busy busy(&is_busy_);
   const std::string& name = target_.pFileNameLong();
-  services_.open_tester(this, draft_.Text(text_id::kPattern), name.empty() ? example_name_ : name);
+  services_.open_tester(this, draft_.Text(TextId::kPattern), name.empty() ? example_name_ : name);
 }
 
 void frmEdit::Save() {
@@ -130,7 +132,7 @@ void frmEdit::Save() {
     const platform::Result saved = draft_.Save(&comparison);
     Fill();  // what has come from the file is to be seen
     if (!saved.ok()) {
-      Tell(LoadText(6686, {ForDisplay(saved.path), LoadText(saved.reason)}), kIconCritical);
+      Tell(LoadText(TextId::kNotSaved, {ForDisplay(saved.path), LoadText(saved.reason)}), kIconCritical);
       return;
     }
     if (!Settle(comparison)) return;
@@ -141,19 +143,19 @@ void frmEdit::Save() {
 
 // Is what would be written fit to be written, or at least meant?
 bool frmEdit::MaySave() {
-  const std::vector<int> changed = draft_.ChangedKeys();
-  for (const int key : changed) {
+  const std::vector<TextId> changed = draft_.ChangedKeys();
+  for (const TextId key : changed) {
     const auto problem = draft_.ProblemOf(key);
     if (!problem) continue;
     const std::string text = KeyName(key) + ": " + problem->text;
-    if (problem->can_be_saved && Ask(LoadText(6681, {text}))) continue;
-    if (!problem->can_be_saved) Tell(LoadText(6680, {text}), kIconExclamation);
+    if (problem->can_be_saved && Ask(LoadText(TextId::kSaveAnyway, {text}))) continue;
+    if (!problem->can_be_saved) Tell(LoadText(TextId::kCannotSave, {text}), kIconExclamation);
     FocusOn(key);
     return false;
   }
   const bool is_new = draft_.Mode() == EditMode::kNew;
-  if (is_new && draft_.Text(text_id::kPattern).empty() && !Ask(LoadText(6682))) {
-    FocusOn(text_id::kPattern);
+  if (is_new && draft_.Text(TextId::kPattern).empty() && !Ask(LoadText(TextId::kSaveEmptyPattern))) {
+    FocusOn(TextId::kPattern);
     return false;
   }
   return true;
@@ -162,11 +164,11 @@ bool frmEdit::MaySave() {
 // False when it cannot be settled here, or the user wants to think about it.
 bool frmEdit::Settle(const EditDraft::Comparison& comparison) {
   if (comparison.is_title_taken) {
-    Tell(LoadText(text_id::kSameProfileName), kIconCritical);
+    Tell(LoadText(TextId::kSameProfileName), kIconCritical);
     return false;
   }
   if (comparison.is_gone) {
-    if (!Ask(LoadText(6684, {ForDisplay(draft_.Title())}))) return false;
+    if (!Ask(LoadText(TextId::kSaveAsNewProfile, {ForDisplay(draft_.Title())}))) return false;
     draft_.BecomeNew();
   }
   return std::all_of(comparison.conflicts.begin(), comparison.conflicts.end(),
@@ -175,9 +177,10 @@ bool frmEdit::Settle(const EditDraft::Comparison& comparison) {
 
 // False when the user does not decide.
 bool frmEdit::AskWhoseValue(const EditDraft::Comparison::Conflict& conflict) {
-  const int key = conflict.key;
+  const TextId key = conflict.key;
   const std::string question =
-      LoadText(6683, {KeyName(key), ValueText(key, draft_.Stored(key)), ValueText(key, conflict.theirs)});
+      LoadText(TextId::kWhoseValue,
+               {KeyName(key), ValueText(key, draft_.Stored(key)), ValueText(key, conflict.theirs)});
   const std::int32_t answer = services_.show_message(question, kButtonsYesNoCancel, kIconQuestion, "");
   if (answer != kAnswerYes && answer != kAnswerNo) return false;
   draft_.Settle(conflict, answer == kAnswerYes);
@@ -187,15 +190,15 @@ bool frmEdit::AskWhoseValue(const EditDraft::Comparison::Conflict& conflict) {
 
 void frmEdit::TellOthersChanges() {
   if (draft_.ChangedByOthers().empty()) return;
-  Tell(LoadText(6685, {ListOfValues(draft_, draft_.ChangedByOthers())}), kIconInformation);
+  Tell(LoadText(TextId::kOthersChanges, {ListOfValues(draft_, draft_.ChangedByOthers())}), kIconInformation);
 }
 
 void frmEdit::reject() {
   if (is_busy_) return;
   const Busy busy(&is_busy_);
   QGuiApplication::inputMethod()->commit();
-  const std::vector<int> changed = draft_.ChangedKeys();
-  if (!changed.empty() && !Ask(LoadText(6676, {ListOfNames(changed)}))) return;
+  const std::vector<TextId> changed = draft_.ChangedKeys();
+  if (!changed.empty() && !Ask(LoadText(TextId::kCloseUnsaved, {ListOfNames(changed)}))) return;
   QDialog::reject();
 }
 

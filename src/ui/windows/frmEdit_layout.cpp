@@ -23,11 +23,6 @@
 namespace quendle {
 namespace {
 
-constexpr int kAddToSendTo = 6820;
-constexpr int kRemoveFromSendTo = 6821;
-constexpr int kAddToSendToHint = 6822;
-constexpr int kRemoveFromSendToHint = 6823;
-
 constexpr int kFieldCharacters = 36;  // that a field has room for at first
 
 constexpr int kLongestText = 1 << 17;  // as long as what is read from a file: nothing is cut by showing it
@@ -61,25 +56,25 @@ void AlignCaptions(const QLayout& column) {
 
 }  // namespace
 
-QString frmEdit::Name(const char* kind, int key) const {
+QString frmEdit::Name(const char* kind, TextId key) const {
   return QString("%1.%2").arg(kind, Text(key));
 }
 
-QWidget* frmEdit::MakeGroup(int caption, QLayout* layout) {
+QWidget* frmEdit::MakeGroup(TextId caption, QLayout* layout) {
   auto* group = new QGroupBox(Text(caption), this);
   group->setLayout(layout);
   return group;
 }
 
-QPushButton* frmEdit::MakeButton(const char* name, int caption, int tool_tip, int accessible_name) {
+QPushButton* frmEdit::MakeButton(const char* name, TextId caption, TextId tool_tip, TextId accessible_name) {
   auto* button = new QPushButton(Text(caption), this);
   button->setObjectName(name);
-  if (tool_tip != 0) button->setToolTip(Text(tool_tip));
-  if (accessible_name != 0) button->setAccessibleName(Text(accessible_name));
+  button->setToolTip(Text(tool_tip));
+  button->setAccessibleName(Text(accessible_name));
   return button;
 }
 
-QCheckBox* frmEdit::MakeCheckBox(int key) {
+QCheckBox* frmEdit::MakeCheckBox(TextId key) {
   auto* box = new QCheckBox(Text(CaptionOf(key).label), this);
   box->setObjectName(Name("chk", key));
   box->setToolTip(Text(CaptionOf(key).tool_tip));
@@ -87,7 +82,7 @@ QCheckBox* frmEdit::MakeCheckBox(int key) {
 }
 
 // A row of the behaviour's grid, in which a caption stands beside the first line of what it is for.
-void frmEdit::AddChoiceRow(QGridLayout* grid, int key, QWidget* choices) {
+void frmEdit::AddChoiceRow(QGridLayout* grid, TextId key, QWidget* choices) {
   auto* label = new QLabel(Text(CaptionOf(key).label), this);
   label->setToolTip(Text(CaptionOf(key).tool_tip));
   choices->setAccessibleName(ToQt(KeyName(key)));
@@ -100,7 +95,7 @@ void frmEdit::AddChoiceRow(QGridLayout* grid, int key, QWidget* choices) {
 }
 
 // The first choice is number 1.
-QWidget* frmEdit::MakeChoices(int key, QBoxLayout::Direction direction,
+QWidget* frmEdit::MakeChoices(TextId key, QBoxLayout::Direction direction,
                               const std::vector<ChoiceTexts>& texts) {
   auto* frame = new QWidget(this);  // the choices exclude each other within it
   auto* choices = new QBoxLayout(direction, frame);
@@ -119,14 +114,17 @@ QWidget* frmEdit::MakeChoices(int key, QBoxLayout::Direction direction,
 
 QWidget* frmEdit::MakeActions() {
   constexpr struct {
-    int bit, caption, tool_tip;
-  } kActions[] = {{1, 6656, 6657}, {2, 6660, 6661}, {4, 6662, 6663}};
+    int bit;
+    TextId caption, tool_tip;
+  } kActions[] = {{1, TextId::kEditorExtract, TextId::kEditorExtractHint},
+                  {2, TextId::kEditorMove, TextId::kEditorMoveHint},
+                  {4, TextId::kEditorCopy, TextId::kEditorCopyHint}};
   auto* frame = new QWidget(this);
   auto* row = new QHBoxLayout(frame);
   row->setContentsMargins(0, 0, 0, 0);
   for (const auto& action : kActions) {
     auto* box = new QCheckBox(Text(action.caption), frame);
-    box->setObjectName(Name("chk", text_id::kAction) + QString(".%1").arg(action.bit));
+    box->setObjectName(Name("chk", TextId::kAction) + QString(".%1").arg(action.bit));
     box->setToolTip(Text(action.tool_tip));
     row->addWidget(box);
     chkAction[action.bit] = box;
@@ -135,14 +133,14 @@ QWidget* frmEdit::MakeActions() {
   return frame;
 }
 
-QLabel* frmEdit::MakeHint(int key) {
+QLabel* frmEdit::MakeHint(TextId key) {
   auto* label = new WrappedLabel(this);
   label->setObjectName(Name("hint", key));
   label->hide();
   return hint[key] = label;
 }
 
-void frmEdit::Register(int key, QLineEdit* field) {
+void frmEdit::Register(TextId key, QLineEdit* field) {
   field->setObjectName(Name("txt", key));
   field->setToolTip(Text(CaptionOf(key).tool_tip));
   field->setAccessibleName(ToQt(KeyName(key)));
@@ -153,7 +151,7 @@ void frmEdit::Register(int key, QLineEdit* field) {
 }
 
 // A caption, the field, maybe a button, and below them what is wrong with what was typed.
-void frmEdit::AddField(QGridLayout* grid, int key, QPushButton* button) {
+void frmEdit::AddField(QGridLayout* grid, TextId key, QPushButton* button) {
   const int row = grid->rowCount();
   auto* label = new QLabel(Text(CaptionOf(key).label), this);
   auto* field = new QLineEdit(this);
@@ -170,88 +168,93 @@ void frmEdit::AddField(QGridLayout* grid, int key, QPushButton* button) {
 
 QWidget* frmEdit::MakePatternGroup() {
   QGridLayout* grid = MakeGrid();
-  AddField(grid, text_id::kPattern);
+  AddField(grid, TextId::kPattern);
   auto* buttons = new QHBoxLayout;
-  cmdPropose = MakeButton("cmd.Propose", 6664, 6665);
-  cmdTest = MakeButton("cmd.Test", 6666, 6667);
+  cmdPropose = MakeButton("cmd.Propose", TextId::kProposePattern, TextId::kProposePatternHint);
+  cmdTest = MakeButton("cmd.Test", TextId::kTryPattern, TextId::kTryPatternHint);
   buttons->addWidget(cmdPropose);
   buttons->addWidget(cmdTest);
   grid->addLayout(buttons, 1, kButtonColumn + 1);
-  return MakeGroup(6605, grid);
+  return MakeGroup(TextId::kEditorPatternGroup, grid);
 }
 
 QWidget* frmEdit::MakeBehaviourGroup() {
   auto* column = new QVBoxLayout;
   QGridLayout* grid = MakeGrid();
-  if (draft_.Has(text_id::kId)) column->addWidget(MakeCheckBox(text_id::kId));
-  if (draft_.Has(text_id::kAction)) AddChoiceRow(grid, text_id::kAction, MakeActions());
-  AddChoiceRow(grid, text_id::kSmartRename,
-               MakeChoices(text_id::kSmartRename, QBoxLayout::TopToBottom,
-                           {{3509, 3510}, {3511, 3512}, {3513, 3514}}));
-  AddChoiceRow(grid, text_id::kExtractType,
-               MakeChoices(text_id::kExtractType, QBoxLayout::LeftToRight, {{4351, 4352}, {4353, 4354}}));
+  if (draft_.Has(TextId::kId)) column->addWidget(MakeCheckBox(TextId::kId));
+  if (draft_.Has(TextId::kAction)) AddChoiceRow(grid, TextId::kAction, MakeActions());
+  AddChoiceRow(grid, TextId::kSmartRename,
+               MakeChoices(TextId::kSmartRename, QBoxLayout::TopToBottom,
+                           {{TextId::kRenameNeverChoice, TextId::kRenameNeverHint},
+                            {TextId::kRenameAlwaysChoice, TextId::kRenameAlwaysHint},
+                            {TextId::kRenameWhenTakenChoice, TextId::kRenameWhenTakenHint}}));
+  AddChoiceRow(grid, TextId::kExtractType,
+               MakeChoices(TextId::kExtractType, QBoxLayout::LeftToRight,
+                           {{TextId::kOverwriteChoice, TextId::kOverwriteChoiceHint},
+                            {TextId::kUpdateChoice, TextId::kUpdateChoiceHint}}));
   column->addLayout(grid);
-  for (const int key : {text_id::kSmartMakeDir, text_id::kOpenDir}) {
+  for (const TextId key : {TextId::kSmartMakeDir, TextId::kOpenDir}) {
     column->addWidget(MakeCheckBox(key));
     own_.push_back(chk[key]);
   }
   column->addStretch();
-  return MakeGroup(6606, column);
+  return MakeGroup(TextId::kEditorBehaviourGroup, column);
 }
 
 QWidget* frmEdit::MakeFolderGroup() {
   constexpr struct {
-    int key, tool_tip, accessible_name;
-  } kFolders[] = {
-      {text_id::kExtractTo, 4208, 6219}, {text_id::kMoveTo, 4210, 6220}, {text_id::kCopyTo, 4212, 6221}};
+    TextId key, tool_tip, accessible_name;
+  } kFolders[] = {{TextId::kExtractTo, TextId::kBrowseExtractFolderHint, TextId::kBrowseExtractFolderName},
+                  {TextId::kMoveTo, TextId::kBrowseMoveFolderHint, TextId::kBrowseMoveFolderName},
+                  {TextId::kCopyTo, TextId::kBrowseCopyFolderHint, TextId::kBrowseCopyFolderName}};
   QGridLayout* grid = MakeGrid();
   for (const auto& folder : kFolders) {
     if (!draft_.Has(folder.key)) continue;
     const QByteArray name = Name("cmd", folder.key).toUtf8();
-    QPushButton* button = MakeButton(name, 6668, folder.tool_tip, folder.accessible_name);
+    QPushButton* button = MakeButton(name, TextId::kBrowse, folder.tool_tip, folder.accessible_name);
     cmdFolder[folder.key] = button;
     AddField(grid, folder.key, button);
   }
   grid->setRowStretch(grid->rowCount(), 1);
-  return MakeGroup(6607, grid);
+  return MakeGroup(TextId::kEditorFolderGroup, grid);
 }
 
 QWidget* frmEdit::MakeMemberGroup() {
   QGridLayout* grid = MakeGrid();
-  for (const int key : {text_id::kInclude, text_id::kExclude, text_id::kOpenFile}) AddField(grid, key);
-  return MakeGroup(6608, grid);
+  for (const TextId key : {TextId::kInclude, TextId::kExclude, TextId::kOpenFile}) AddField(grid, key);
+  return MakeGroup(TextId::kEditorMemberGroup, grid);
 }
 
 QWidget* frmEdit::MakeGeneralGroup() {
   auto* column = new QVBoxLayout;
-  for (const int key : draft_.Keys()) {
+  for (const TextId key : draft_.Keys()) {
     if (KeyOf(key).kind == SettingKey::Kind::kFlag) column->addWidget(MakeCheckBox(key));
   }
   column->addStretch();
-  cmdSendTo = MakeButton("cmd.SendTo", kAddToSendTo, kAddToSendToHint);
+  cmdSendTo = MakeButton("cmd.SendTo", TextId::kAddToSendTo, TextId::kAddToSendToHint);
   column->addWidget(cmdSendTo, 0, Qt::AlignLeft);
   ShowSendTo();
-  return MakeGroup(6609, column);
+  return MakeGroup(TextId::kEditorGeneralGroup, column);
 }
 
 // The button says what it will do.
 void frmEdit::ShowSendTo() {
   const bool is_there = platform::IsInSendTo(services_.program);
-  cmdSendTo->setText(Text(is_there ? kRemoveFromSendTo : kAddToSendTo));
-  cmdSendTo->setToolTip(Text(is_there ? kRemoveFromSendToHint : kAddToSendToHint));
+  cmdSendTo->setText(Text(is_there ? TextId::kRemoveFromSendTo : TextId::kAddToSendTo));
+  cmdSendTo->setToolTip(Text(is_there ? TextId::kRemoveFromSendToHint : TextId::kAddToSendToHint));
 }
 
 QWidget* frmEdit::MakeFilerGroup() {
   QGridLayout* grid = MakeGrid();
-  cmdFiler = MakeButton("cmd.FILER", 6668, 6669, 6669);
-  AddField(grid, text_id::kFiler, cmdFiler);
-  AddField(grid, text_id::kFilerParm);
-  return MakeGroup(6610, grid);
+  cmdFiler = MakeButton("cmd.FILER", TextId::kBrowse, TextId::kBrowseFiler, TextId::kBrowseFiler);
+  AddField(grid, TextId::kFiler, cmdFiler);
+  AddField(grid, TextId::kFilerParm);
+  return MakeGroup(TextId::kEditorFilerGroup, grid);
 }
 
 QWidget* frmEdit::MakeCharsetGroup() {
   QGridLayout* grid = MakeGrid();
-  const EditCaption& rule = CaptionOf(text_id::kArchiveCharset);
+  const EditCaption& rule = CaptionOf(TextId::kArchiveCharset);
   auto* label = new QLabel(Text(rule.label), this);
   cboCharset = new QComboBox(this);
   cboCharset->setObjectName("cbo.ArchiveCharset");
@@ -267,12 +270,12 @@ QWidget* frmEdit::MakeCharsetGroup() {
   grid->addWidget(cboCharset, 0, kFieldColumn);
   grid->addWidget(MakeHint(rule.key), 1, kFieldColumn);
   grid->setRowStretch(2, 1);
-  return MakeGroup(6611, grid);
+  return MakeGroup(TextId::kEditorCharsetGroup, grid);
 }
 
 QLayout* frmEdit::MakeButtons() {
-  cmdOk = MakeButton("cmd.OK", 6108, 6670);
-  cmdCancel = MakeButton("cmd.Cancel", 6109, 6671);
+  cmdOk = MakeButton("cmd.OK", TextId::kOkButton, TextId::kEditorOkHint);
+  cmdCancel = MakeButton("cmd.Cancel", TextId::kCancelButton, TextId::kEditorCancelHint);
   cmdOk->setDefault(true);
   auto* row = new QHBoxLayout;
   row->addStretch();

@@ -30,13 +30,6 @@
 namespace quendle {
 namespace {
 
-constexpr int kCount = 6740;
-constexpr int kFilteredCount = 6741;
-constexpr int kMatchCount = 6742;
-constexpr int kNoMatches = 6743;
-constexpr int kNoProfiles = 6750;
-constexpr int kNoHits = 6751;
-constexpr int kUnreadable = 6752;
 constexpr int kHintWidth =
     240;  // of what was typed, in logical pixels: a word that is too long is not wrapped
 
@@ -282,12 +275,12 @@ void frmMain::UpdateTexts() {
 void frmMain::UpdateHint() {
   std::string text;
   if (!read_problem_.empty()) {
-    text = LoadText(kUnreadable, {read_problem_});
+    text = LoadText(TextId::kProfilesUnreadable, {read_problem_});
   } else if (list_.Rows().empty()) {
-    text = LoadText(kNoProfiles);
+    text = LoadText(TextId::kNoProfilesYet);
   } else if (model_.rowCount() == 0) {
     const QString wanted = hint_->fontMetrics().elidedText(filter_->text(), Qt::ElideMiddle, kHintWidth);
-    text = LoadText(kNoHits, {FromQt(wanted)});
+    text = LoadText(TextId::kNoFilterHits, {FromQt(wanted)});
   }
   hint_->setText(ToQt(text).remove('\r'));
   hint_->setVisible(!text.empty());
@@ -300,12 +293,13 @@ QString frmMain::StatusText() const {
     return ToQt(list_.Problem());
   }
   std::string text = model_.Filter().isEmpty()
-                         ? LoadText(kCount, {all})
-                         : LoadText(kFilteredCount, {all, std::to_string(model_.rowCount())});
+                         ? LoadText(TextId::kProfileCount, {all})
+                         : LoadText(TextId::kFilteredCount, {all, std::to_string(model_.rowCount())});
   if (list_.TestedName().empty()) return ToQt(text);
   const std::string name = ForDisplay(list_.TestedName());
   const int count = list_.MatchCount();
-  text += count == 0 ? LoadText(kNoMatches, {name}) : LoadText(kMatchCount, {name, std::to_string(count)});
+  text += count == 0 ? LoadText(TextId::kNoMatches, {name})
+                     : LoadText(TextId::kMatchCount, {name, std::to_string(count)});
   return ToQt(text);
 }
 

@@ -12,6 +12,7 @@
 #include "core/edit_mode.h"
 #include "core/profile_list.h"
 #include "core/windows.h"
+#include "resources/string_table.h"
 #include "ui/messages/modMsgBox.h"
 #include "ui/parts/window_memory.h"
 #include "ui/windows/profile_model.h"
@@ -81,8 +82,8 @@ class frmMain : public QMainWindow {
   // Layout
   void MakeControls();
   void MakeMenus();
-  QMenu* MakeMenu(int caption);
-  QAction* AddCommand(QMenu* menu, int caption, const char* name, const QList<QKeySequence>& keys,
+  QMenu* MakeMenu(TextId caption);
+  QAction* AddCommand(QMenu* menu, TextId caption, const char* name, const QList<QKeySequence>& keys,
                       Needs needs, std::function<void()> act);
   void MakeProfileMenu();
   void MakeOtherMenus();
@@ -124,7 +125,7 @@ class frmMain : public QMainWindow {
   void OpenTester();
   void OpenSettings(EditMode mode);
   void Dispatch(const std::vector<std::string>& paths);
-  std::string AskTitle(const std::string& prompt, int caption, const std::string& old_title);
+  std::string AskTitle(const std::string& prompt, TextId caption, const std::string& old_title);
   bool Tell(const platform::Result& result);
   QRect TestPlace() const;
   bool TellsSurplus(std::vector<std::string>* paths);

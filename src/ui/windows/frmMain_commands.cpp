@@ -23,20 +23,6 @@
 namespace quendle {
 namespace {
 
-constexpr int kRenamePrompt = 6710;
-constexpr int kRenameCaption = 6711;
-constexpr int kRemoveCaption = 6712;
-constexpr int kRemovePrompt = 6713;
-constexpr int kNotChanged = 6714;
-constexpr int kNoSuchFolder = 6715;
-constexpr int kNoFolderSet = 6021;
-constexpr int kFolderNotOpened = 6348;
-constexpr int kTooMany = 6755;
-constexpr int kFilesCaption = 6756;
-constexpr int kAtWork = 6757;
-constexpr int kDropTries = 6734;
-constexpr int kDropDispatches = 6735;
-
 constexpr const char* kLineBreak = "\r\n";
 
 }  // namespace
@@ -44,14 +30,14 @@ constexpr const char* kLineBreak = "\r\n";
 // False when it has failed.
 bool frmMain::Tell(const platform::Result& result) {
   if (result.ok()) return true;
-  services_.show_message(LoadText(kNotChanged) + kLineBreak + kLineBreak + ForDisplay(result.path) +
-                             kLineBreak + ForDisplay(LoadText(result.reason)),
+  services_.show_message(LoadText(TextId::kProfileNotChanged) + kLineBreak + kLineBreak +
+                             ForDisplay(result.path) + kLineBreak + ForDisplay(LoadText(result.reason)),
                          kButtonsOk, kIconCritical, "");
   return false;
 }
 
 // A title that may be given, or empty when the user gave up. What was typed is not lost when it may not.
-std::string frmMain::AskTitle(const std::string& prompt, int caption, const std::string& old_title) {
+std::string frmMain::AskTitle(const std::string& prompt, TextId caption, const std::string& old_title) {
   std::string title = old_title;
   for (;;) {
     title = services_.show_input(prompt, LoadText(caption), title);
@@ -66,7 +52,7 @@ void frmMain::Add() {
   std::string added;
   {
     const Busy busy(&is_busy_);
-    const std::string title = AskTitle(LoadText(text_id::kAskProfileName), text_id::kAddProfile, "");
+    const std::string title = AskTitle(LoadText(TextId::kAskProfileName), TextId::kAddProfile, "");
     if (title.empty()) return;
     if (const auto saved = services_.open_editor(this, EditMode::kNew, title)) {
       added = *saved;
@@ -95,8 +81,8 @@ void frmMain::Rename() {
   std::string title;
   {
     const Busy busy(&is_busy_);
-    const std::string prompt = LoadText(kRenamePrompt, {ForDisplay(titles.front())});
-    title = AskTitle(prompt, kRenameCaption, titles.front());
+    const std::string prompt = LoadText(TextId::kRenamePrompt, {ForDisplay(titles.front())});
+    title = AskTitle(prompt, TextId::kRenameCaption, titles.front());
     if (title.empty()) return;
     if (!Tell(list_.Rename(titles.front(), title))) title.clear();
   }
@@ -120,9 +106,10 @@ void frmMain::Remove() {
   const int first = SelectedRows().front();
   {
     const Busy busy(&is_busy_);
-    const std::string prompt = LoadText(kRemovePrompt) + kLineBreak + NameLines(titles, titles.size());
+    const std::string prompt =
+        LoadText(TextId::kRemovePrompt) + kLineBreak + NameLines(titles, titles.size());
     const std::int32_t answer =
-        services_.show_message(prompt, kButtonsYesNo, kIconExclamation, LoadText(kRemoveCaption));
+        services_.show_message(prompt, kButtonsYesNo, kIconExclamation, LoadText(TextId::kRemoveCaption));
     if (answer != kAnswerYes) return;
     Tell(list_.Remove(titles));
   }
@@ -137,12 +124,12 @@ void frmMain::OpenFolder(std::size_t kind) {
   const std::string folder = model_.RowAt(selected.front()).folders[kind].path;
   const Busy busy(&is_busy_);
   if (folder.empty()) {
-    services_.show_message(LoadText(kNoFolderSet), kButtonsOk, kIconExclamation, "");
+    services_.show_message(LoadText(why::kNoDestination), kButtonsOk, kIconExclamation, "");
   } else if (!FolderExists(folder)) {
-    services_.show_message(LoadText(kNoSuchFolder) + kLineBreak + ForDisplay(folder), kButtonsOk,
+    services_.show_message(LoadText(TextId::kNoSuchFolder) + kLineBreak + ForDisplay(folder), kButtonsOk,
                            kIconExclamation, "");
   } else if (const platform::Result opened = services_.open_folder(folder); !opened.ok()) {
-    services_.show_message(LoadText(kFolderNotOpened) + kLineBreak + kLineBreak + ForDisplay(folder) +
+    services_.show_message(LoadText(TextId::kFolderNotOpened) + kLineBreak + kLineBreak + ForDisplay(folder) +
                                kLineBreak + ForDisplay(LoadText(opened.reason)),
                            kButtonsOk, kIconExclamation, "");
   }
@@ -169,10 +156,11 @@ bool frmMain::TellsSurplus(std::vector<std::string>* paths) {
   if (paths->size() <= kMost) return true;
   const std::vector<std::string> surplus(paths->begin() + kMost, paths->end());
   paths->resize(kMost);
-  const std::string prompt = LoadText(kTooMany, {std::to_string(kMost), std::to_string(surplus.size())}) +
-                             kLineBreak + NameLines(surplus, surplus.size());
-  return services_.show_message(prompt, kButtonsOkCancel, kIconExclamation, LoadText(kFilesCaption)) ==
-         kAnswerOk;
+  const std::string prompt =
+      LoadText(TextId::kTooManyFiles, {std::to_string(kMost), std::to_string(surplus.size())}) + kLineBreak +
+      NameLines(surplus, surplus.size());
+  return services_.show_message(prompt, kButtonsOkCancel, kIconExclamation,
+                                LoadText(TextId::kFilesCaption)) == kAnswerOk;
 }
 
 // The list stays in sight, but does nothing while the files are worked through.
@@ -185,7 +173,7 @@ void frmMain::Dispatch(const std::vector<std::string>& dropped) {
     QWidget* focus = focusWidget();
     std::vector<QWidget*> parts = {menuBar(), centralWidget(), findChild<QToolBar*>()};
     for (QWidget* part : parts) part->setEnabled(false);
-    status_->SetText(Text(kAtWork));
+    status_->SetText(Text(TextId::kAtWork));
     left_ = {};
     services_.dispatch(paths);
     QCoreApplication::processEvents();  // what was typed meanwhile was not meant for the list
@@ -212,7 +200,8 @@ void frmMain::dragMoveEvent(QDragMoveEvent* event) {
   // Whatever becomes of the files is up to this program: the one they come from must not remove them.
   event->setDropAction(Qt::CopyAction);
   event->accept();
-  status_->SetText(Text(TestPlace().contains(event->position().toPoint()) ? kDropTries : kDropDispatches));
+  status_->SetText(
+      Text(TestPlace().contains(event->position().toPoint()) ? TextId::kDropTests : TextId::kDropDispatches));
 }
 
 void frmMain::dragLeaveEvent(QDragLeaveEvent* event) {

@@ -25,23 +25,22 @@ namespace {
 constexpr int kColumnCharacters[ProfileModel::kColumns] = {13, 12, 15, 0, 11, 11, 11};
 constexpr int kWidestColumn = 4000;     // that anybody could have made
 constexpr QSize kFirstSize(1040, 540);  // so that all columns are in sight
-constexpr int kFilterPlaceholder = 6731;
-constexpr int kFilterName = 6730;
-constexpr int kTestName = 6732;
-constexpr int kTestPlaceholder = 6733;
-constexpr int kOpenTip = 6766;
 
 constexpr struct {
   const char* command;
   const char* picture;
-  int caption;
+  TextId caption;
 } kToolBar[] = {
-    {"add", "add", 6760},       {"edit", "edit", 6761},
-    {"rename", "rename", 6762}, {"duplicate", "duplicate", 6763},
-    {"remove", "remove", 6764},
+    {"add", "add", TextId::kToolAdd},          {"edit", "edit", TextId::kToolEdit},
+    {"rename", "rename", TextId::kToolRename}, {"duplicate", "duplicate", TextId::kToolDuplicate},
+    {"remove", "remove", TextId::kToolRemove},
 };
-constexpr const char* kOpenCommands[kActionRows] = {"openExtract", "openMove", "openCopy"};
-constexpr int kOpenButton = 6765;
+constexpr struct {
+  const char* command;
+  TextId caption;
+} kOpenCommands[kActionRows] = {{"openExtract", TextId::kMainMenuOpenExtractFolder},
+                                {"openMove", TextId::kMainMenuOpenMoveFolder},
+                                {"openCopy", TextId::kMainMenuOpenCopyFolder}};
 
 }  // namespace
 
@@ -78,7 +77,7 @@ void frmMain::MakeControls() {
 }
 
 QLayout* frmMain::MakeFields() {
-  const auto make = [this](const char* name, int caption, int placeholder, QBoxLayout* row) {
+  const auto make = [this](const char* name, TextId caption, TextId placeholder, QBoxLayout* row) {
     auto* label = new QLabel(Text(caption), this);
     auto* field = new QLineEdit(this);
     field->setObjectName(name);
@@ -91,17 +90,17 @@ QLayout* frmMain::MakeFields() {
     return field;
   };
   auto* row = new QHBoxLayout;
-  filter_ = make("filter", kFilterName, kFilterPlaceholder, row);
+  filter_ = make("filter", TextId::kFilterLabel, TextId::kFilterPlaceholder, row);
   row->addSpacing(12);
-  test_ = make("test", kTestName, kTestPlaceholder, row);
+  test_ = make("test", TextId::kTestLabel, TextId::kTestPlaceholder, row);
   return row;
 }
 
-QMenu* frmMain::MakeMenu(int caption) {
+QMenu* frmMain::MakeMenu(TextId caption) {
   return menuBar()->addMenu(Text(caption));
 }
 
-QAction* frmMain::AddCommand(QMenu* menu, int caption, const char* name, const QList<QKeySequence>& keys,
+QAction* frmMain::AddCommand(QMenu* menu, TextId caption, const char* name, const QList<QKeySequence>& keys,
                              Needs needs, std::function<void()> act) {
   QAction* action = menu->addAction(Text(caption));
   action->setObjectName(name);
@@ -127,45 +126,51 @@ void frmMain::MakeMenus() {
 }
 
 void frmMain::MakeProfileMenu() {
-  QMenu* menu = MakeMenu(1001);
-  AddCommand(menu, 1101, "add", {QKeySequence("Ctrl+N"), QKeySequence("Ins")}, Needs::kNothing,
-             [this] { Add(); });
-  LetKeysBeTheLists(AddCommand(menu, 1102, "edit",
+  QMenu* menu = MakeMenu(TextId::kMainMenuProfile);
+  AddCommand(menu, TextId::kMainMenuAdd, "add", {QKeySequence("Ctrl+N"), QKeySequence("Ins")},
+             Needs::kNothing, [this] { Add(); });
+  LetKeysBeTheLists(AddCommand(menu, TextId::kMainMenuEdit, "edit",
                                {QKeySequence(Qt::Key_Return), QKeySequence(Qt::Key_Enter)}, Needs::kOne,
                                [this] { Edit(); }));
-  AddCommand(menu, 1103, "rename", {QKeySequence("F2")}, Needs::kOne, [this] { Rename(); });
-  AddCommand(menu, 1104, "duplicate", {QKeySequence("Ctrl+D")}, Needs::kOne, [this] { Duplicate(); });
-  LetKeysBeTheLists(
-      AddCommand(menu, 1105, "remove", {QKeySequence("Del")}, Needs::kSome, [this] { Remove(); }));
+  AddCommand(menu, TextId::kMainMenuRename, "rename", {QKeySequence("F2")}, Needs::kOne,
+             [this] { Rename(); });
+  AddCommand(menu, TextId::kMainMenuDuplicate, "duplicate", {QKeySequence("Ctrl+D")}, Needs::kOne,
+             [this] { Duplicate(); });
+  LetKeysBeTheLists(AddCommand(menu, TextId::kMainMenuRemove, "remove", {QKeySequence("Del")}, Needs::kSome,
+                               [this] { Remove(); }));
   menu->addSeparator();
   for (std::size_t kind = 0; kind < kActionRows; ++kind) {
     const int number = static_cast<int>(kind) + 1;
-    AddCommand(menu, 1110 + number, kOpenCommands[kind], {QKeySequence(QString("Ctrl+%1").arg(number))},
-               Needs::kOne, [this, kind] { OpenFolder(kind); });
+    AddCommand(menu, kOpenCommands[kind].caption, kOpenCommands[kind].command,
+               {QKeySequence(QString("Ctrl+%1").arg(number))}, Needs::kOne,
+               [this, kind] { OpenFolder(kind); });
   }
   menu->addSeparator();
-  AddCommand(menu, 1121, "tester", {QKeySequence("Ctrl+T")}, Needs::kNothing, [this] { OpenTester(); });
+  AddCommand(menu, TextId::kMainMenuTester, "tester", {QKeySequence("Ctrl+T")}, Needs::kNothing,
+             [this] { OpenTester(); });
   menu->addSeparator();
-  AddCommand(menu, 1131, "quit", {QKeySequence("Ctrl+Q"), QKeySequence("Ctrl+W")}, Needs::kNothing,
-             [this] { close(); });
+  AddCommand(menu, TextId::kMainMenuQuit, "quit", {QKeySequence("Ctrl+Q"), QKeySequence("Ctrl+W")},
+             Needs::kNothing, [this] { close(); });
 }
 
 void frmMain::MakeOtherMenus() {
-  QMenu* shown = MakeMenu(1002);
-  AddCommand(shown, 1201, "find", {QKeySequence("Ctrl+F")}, Needs::kNothing,
+  QMenu* shown = MakeMenu(TextId::kMainMenuView);
+  AddCommand(shown, TextId::kMainMenuFilter, "find", {QKeySequence("Ctrl+F")}, Needs::kNothing,
              [this] { filter_->setFocus(Qt::ShortcutFocusReason); });
-  AddCommand(shown, 1202, "try", {QKeySequence("Ctrl+E")}, Needs::kNothing,
+  AddCommand(shown, TextId::kMainMenuTest, "try", {QKeySequence("Ctrl+E")}, Needs::kNothing,
              [this] { test_->setFocus(Qt::ShortcutFocusReason); });
   shown->addSeparator();
-  LetKeysBeTheLists(AddCommand(shown, 1203, "selectAll", {QKeySequence("Ctrl+A")}, Needs::kRows,
-                               [this] { view_->selectAll(); }));
-  AddCommand(shown, 1204, "refresh", {QKeySequence("F5")}, Needs::kNothing, [this] { Refresh(); });
-  QMenu* settings = MakeMenu(1003);
+  LetKeysBeTheLists(AddCommand(shown, TextId::kMainMenuSelectAll, "selectAll", {QKeySequence("Ctrl+A")},
+                               Needs::kRows, [this] { view_->selectAll(); }));
+  AddCommand(shown, TextId::kMainMenuRefresh, "refresh", {QKeySequence("F5")}, Needs::kNothing,
+             [this] { Refresh(); });
+  QMenu* settings = MakeMenu(TextId::kMainMenuSettings);
   const auto edit = [this](EditMode mode) { return [this, mode] { OpenSettings(mode); }; };
-  AddCommand(settings, 1301, "standard", {}, Needs::kNothing, edit(EditMode::kStandard));
-  AddCommand(settings, 1302, "testSettings", {}, Needs::kNothing, edit(EditMode::kTest));
-  AddCommand(settings, 1303, "general", {}, Needs::kNothing, edit(EditMode::kGeneral));
-  AddCommand(MakeMenu(1004), 1401, "about", {}, Needs::kNothing, [this] {
+  AddCommand(settings, TextId::kMainMenuStandard, "standard", {}, Needs::kNothing, edit(EditMode::kStandard));
+  AddCommand(settings, TextId::kMainMenuTestSettings, "testSettings", {}, Needs::kNothing,
+             edit(EditMode::kTest));
+  AddCommand(settings, TextId::kMainMenuGeneral, "general", {}, Needs::kNothing, edit(EditMode::kGeneral));
+  AddCommand(MakeMenu(TextId::kMainMenuHelp), TextId::kMainMenuAbout, "about", {}, Needs::kNothing, [this] {
     const auto show = services_.show_about;
     show(this);
   });
@@ -193,12 +198,12 @@ void frmMain::MakeToolBar() {
 
 void frmMain::AddOpenButton(QToolBar* bar) {
   auto* open = new QToolButton(bar);
-  open->setText(Text(kOpenButton));
-  open->setToolTip(Text(kOpenTip));
+  open->setText(Text(TextId::kToolOpen));
+  open->setToolTip(Text(TextId::kToolOpenHint));
   open->setIcon(Picture("folder"));
   open->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
   open->setPopupMode(QToolButton::InstantPopup);
-  for (const char* name : kOpenCommands) open->addAction(findChild<QAction*>(name));
+  for (const auto& row : kOpenCommands) open->addAction(findChild<QAction*>(row.command));
   bar->addWidget(open);
   open_button_ = open;
 }

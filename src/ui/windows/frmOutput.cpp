@@ -37,7 +37,7 @@ std::string WithVisibleControls(std::string_view text) {
 }  // namespace
 
 frmOutput::frmOutput(QWidget* owner) : QDialog(owner), txt(new QPlainTextEdit(this)) {
-  setWindowTitle(Text(1804));
+  setWindowTitle(Text(TextId::kExtractionLogCaption));
   setWindowFlag(Qt::WindowMaximizeButtonHint);
   txt->setObjectName("txt");
   txt->setReadOnly(true);
@@ -47,9 +47,9 @@ frmOutput::frmOutput(QWidget* owner) : QDialog(owner), txt(new QPlainTextEdit(th
   txt->setTabChangesFocus(true);
   SelectAllOnFocus(txt);
 
-  auto* select = new QPushButton(Text(6105), this);
-  auto* copy = new QPushButton(Text(6106), this);
-  auto* close = new QPushButton(Text(6107), this);
+  auto* select = new QPushButton(Text(TextId::kSelectAllButton), this);
+  auto* copy = new QPushButton(Text(TextId::kCopyButton), this);
+  auto* close = new QPushButton(Text(TextId::kCloseButton), this);
   close->setDefault(true);
   auto* row = new QHBoxLayout;
   row->addWidget(select);

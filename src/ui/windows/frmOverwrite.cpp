@@ -23,46 +23,36 @@ namespace {
 
 using Answer = UserInterface::OverwriteAnswer;
 
-constexpr int kCaption = 6320;
-constexpr int kQuestion = 6321;
-constexpr int kExisting = 6322;
-constexpr int kIncoming = 6323;
-constexpr int kName = 6324;
-constexpr int kFolder = 6325;
-constexpr int kSize = 6326;
-constexpr int kTime = 6327;
-constexpr int kSizeInBytes = 6328;
-constexpr int kLarger = 6329;
-constexpr int kNewer = 6330;
-constexpr int kUnknownTime = 6331;
-
 constexpr int kWidth = 520;
 constexpr int kIconPixels = 32;
 constexpr int kButtonPadding = 20;
 
 struct AnswerButton {
-  int text;
+  TextId text;
   Answer answer;
 };
 constexpr AnswerButton kButtons[] = {
-    {6332, Answer::kYes},     {6333, Answer::kNo},     {6334, Answer::kYesToAll},
-    {6335, Answer::kNoToAll}, {4201, Answer::kCancel},
+    {TextId::kOverwriteYes, Answer::kYes},
+    {TextId::kOverwriteNo, Answer::kNo},
+    {TextId::kOverwriteYesToAll, Answer::kYesToAll},
+    {TextId::kOverwriteNoToAll, Answer::kNoToAll},
+    {TextId::kCancel, Answer::kCancel},
 };
 
 QString BytesText(std::uint64_t bytes) {
-  return Text(kSizeInBytes)
+  return Text(TextId::kOverwriteSizeInBytes)
       .arg(SizeText(bytes), QLocale(QLocale::Japanese).toString(static_cast<qulonglong>(bytes)));
 }
 
 //   => "2003-11-07 18:30:05"
 QString TimeText(std::int64_t seconds) {
   std::tm local{};
-  if (!platform::ToLocalTime(seconds, &local)) return Text(kUnknownTime);
+  if (!platform::ToLocalTime(seconds, &local)) return Text(TextId::kOverwriteUnknownTime);
   return QString::asprintf("%04d-%02d-%02d %02d:%02d:%02d", local.tm_year + 1900, local.tm_mon + 1,
                            local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
 }
 
-void AddLine(QGridLayout* grid, int caption, const std::string& path) {
+void AddLine(QGridLayout* grid, TextId caption, const std::string& path) {
   const int row = grid->rowCount();
   grid->addWidget(new QLabel(Text(caption)), row, 0);
   auto* label = new ElidedLabel;
@@ -71,7 +61,7 @@ void AddLine(QGridLayout* grid, int caption, const std::string& path) {
 }
 
 // A figure, and in bold what makes it the more interesting of the two.
-void AddLine(QGridLayout* grid, int caption, const QString& figure, int mark, bool is_marked) {
+void AddLine(QGridLayout* grid, TextId caption, const QString& figure, TextId mark, bool is_marked) {
   const int row = grid->rowCount();
   grid->addWidget(new QLabel(Text(caption)), row, 0);
   grid->addWidget(new QLabel(figure), row, 1);
@@ -86,7 +76,7 @@ void AddLine(QGridLayout* grid, int caption, const QString& figure, int mark, bo
 frmOverwrite::frmOverwrite(QWidget* owner, const platform::FileVersion& existing,
                            const platform::FileVersion& incoming)
     : QDialog(owner) {
-  setWindowTitle(Text(kCaption));
+  setWindowTitle(Text(TextId::kOverwriteCaption));
   setWindowFlag(Qt::WindowContextHelpButtonHint, false);
   auto* row = new QHBoxLayout;
   row->addStretch();
@@ -98,10 +88,10 @@ frmOverwrite::frmOverwrite(QWidget* owner, const platform::FileVersion& existing
   icon->setPixmap(Picture("question", kIconPixels, this));
   head->addWidget(icon);
   head->addSpacing(4);
-  head->addWidget(new QLabel(Text(kQuestion)), 1);
+  head->addWidget(new QLabel(Text(TextId::kOverwriteQuestion)), 1);
   layout->addLayout(head);
-  layout->addWidget(MakeSide(kExisting, existing, incoming));
-  layout->addWidget(MakeSide(kIncoming, incoming, existing));
+  layout->addWidget(MakeSide(TextId::kOverwriteExisting, existing, incoming));
+  layout->addWidget(MakeSide(TextId::kOverwriteIncoming, incoming, existing));
   layout->addLayout(row);
   ApplyFormFont(this, true);
   for (QPushButton* button : findChildren<QPushButton*>()) {
@@ -117,21 +107,23 @@ frmOverwrite::frmOverwrite(QWidget* owner, const platform::FileVersion& existing
   CentreOnScreen(this);
 }
 
-QWidget* frmOverwrite::MakeSide(int title, const platform::FileVersion& file,
+QWidget* frmOverwrite::MakeSide(TextId title, const platform::FileVersion& file,
                                 const platform::FileVersion& other) {
   auto* side = new QGroupBox(Text(title));
   auto* grid = new QGridLayout(side);
   grid->setColumnStretch(2, 1);
   grid->setHorizontalSpacing(12);
   const PathParts parts = SplitPath(file.path);
-  AddLine(grid, kName, parts.name);
-  AddLine(grid, kFolder, AddBackslash(parts.folder));
-  AddLine(grid, kSize, BytesText(file.size), kLarger, file.size > other.size);
-  AddLine(grid, kTime, TimeText(file.write_time), kNewer, file.write_time > other.write_time);
+  AddLine(grid, TextId::kOverwriteName, parts.name);
+  AddLine(grid, TextId::kOverwriteFolder, AddBackslash(parts.folder));
+  AddLine(grid, TextId::kOverwriteSize, BytesText(file.size), TextId::kOverwriteLarger,
+          file.size > other.size);
+  AddLine(grid, TextId::kOverwriteTime, TimeText(file.write_time), TextId::kOverwriteNewer,
+          file.write_time > other.write_time);
   return side;
 }
 
-void frmOverwrite::AddButton(QBoxLayout* row, int text, Answer answer) {
+void frmOverwrite::AddButton(QBoxLayout* row, TextId text, Answer answer) {
   auto* button = new QPushButton(Text(text));
   row->addWidget(button);
   connect(button, &QPushButton::clicked, this, [this, answer] {

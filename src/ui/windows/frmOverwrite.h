@@ -6,6 +6,7 @@
 
 #include "base/user_interface.h"
 #include "platform/moving/file_operation.h"
+#include "resources/string_table.h"
 
 class QBoxLayout;
 class QGridLayout;
@@ -20,8 +21,8 @@ class frmOverwrite : public QDialog {
   UserInterface::OverwriteAnswer Ask();
 
  private:
-  QWidget* MakeSide(int title, const platform::FileVersion& file, const platform::FileVersion& other);
-  void AddButton(QBoxLayout* row, int text, UserInterface::OverwriteAnswer answer);
+  QWidget* MakeSide(TextId title, const platform::FileVersion& file, const platform::FileVersion& other);
+  void AddButton(QBoxLayout* row, TextId text, UserInterface::OverwriteAnswer answer);
 
   UserInterface::OverwriteAnswer answer_ = UserInterface::OverwriteAnswer::kCancel;
 };

@@ -17,36 +17,27 @@
 namespace quendle {
 namespace {
 
-constexpr int kCancel = 4201;
-constexpr int kCaption = 6300;
-constexpr int kPreparing = 6301;
-constexpr int kDoneOfTotal = 6302;
-constexpr int kPerSecond = 6303;
-constexpr int kSecondsLeft = 6304;
-constexpr int kMinutesLeft = 6305;
-constexpr int kHoursLeft = 6306;
-constexpr int kCancelling = 6307;
-
 constexpr int kWidth = 440;
 constexpr int kBarSteps = 1000;
 
 QString AmountText(const platform::FileProgress& progress) {
-  if (progress.bytes_done == 0 && progress.bytes_total == 0) return Text(kPreparing);
+  if (progress.bytes_done == 0 && progress.bytes_total == 0) return Text(TextId::kProgressPreparing);
   if (progress.bytes_total == 0) return SizeText(progress.bytes_done);
-  return Text(kDoneOfTotal).arg(SizeText(progress.bytes_done), SizeText(progress.bytes_total));
+  return Text(TextId::kProgressDoneOfTotal)
+      .arg(SizeText(progress.bytes_done), SizeText(progress.bytes_total));
 }
 
 QString TimeLeftText(double seconds) {
   constexpr double kLongest = 99 * 3600;  // beyond that nobody believes it
   if (seconds > kLongest) return {};
   const int whole = static_cast<int>(seconds) + 1;
-  if (whole < 60) return Text(kSecondsLeft).arg(whole);
-  if (whole < 3600) return Text(kMinutesLeft).arg(whole / 60).arg(whole % 60);
-  return Text(kHoursLeft).arg(whole / 3600).arg(whole / 60 % 60);
+  if (whole < 60) return Text(TextId::kProgressSecondsLeft).arg(whole);
+  if (whole < 3600) return Text(TextId::kProgressMinutesLeft).arg(whole / 60).arg(whole % 60);
+  return Text(TextId::kProgressHoursLeft).arg(whole / 3600).arg(whole / 60 % 60);
 }
 
 QString RateText(const platform::FileProgress& progress, double bytes_per_second) {
-  QString text = Text(kPerSecond).arg(SizeText(static_cast<std::uint64_t>(bytes_per_second)));
+  QString text = Text(TextId::kProgressPerSecond).arg(SizeText(static_cast<std::uint64_t>(bytes_per_second)));
   if (progress.bytes_total <= progress.bytes_done || bytes_per_second < 1) return text;
   const QString left =
       TimeLeftText(static_cast<double>(progress.bytes_total - progress.bytes_done) / bytes_per_second);
@@ -67,8 +58,8 @@ frmProgress::frmProgress(QWidget* owner)
       amount_(new QLabel(this)),
       rate_(new QLabel(this)),
       bar_(new QProgressBar(this)),
-      cancel_(new QPushButton(Text(kCancel), this)) {
-  setWindowTitle(Text(kCaption));
+      cancel_(new QPushButton(Text(TextId::kCancel), this)) {
+  setWindowTitle(Text(TextId::kProgressCaption));
   setWindowFlag(Qt::WindowContextHelpButtonHint, false);
   setWindowModality(Qt::ApplicationModal);
   bar_->setRange(0, kBarSteps);
@@ -93,7 +84,8 @@ frmProgress::frmProgress(QWidget* owner)
   setFocusPolicy(Qt::StrongFocus);
   setFocus();
   const QFontMetrics metrics = cancel_->fontMetrics();
-  const int growth = metrics.horizontalAdvance(Text(kCancelling)) - metrics.horizontalAdvance(Text(kCancel));
+  const int growth = metrics.horizontalAdvance(Text(TextId::kProgressCancelling)) -
+                     metrics.horizontalAdvance(Text(TextId::kCancel));
   cancel_->setMinimumWidth(cancel_->sizeHint().width() + std::max(growth, 0));
   connect(cancel_, &QPushButton::clicked, this, &frmProgress::reject);
   resize(kWidth, sizeHint().height());
@@ -122,7 +114,7 @@ void frmProgress::UpdateBar(const platform::FileProgress& progress) {
 void frmProgress::reject() {
   cancelled_ = true;
   cancel_->setEnabled(false);
-  cancel_->setText(Text(kCancelling));
+  cancel_->setText(Text(TextId::kProgressCancelling));
 }
 
 }  // namespace quendle

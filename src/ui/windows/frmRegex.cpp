@@ -19,22 +19,19 @@
 namespace quendle {
 namespace {
 
-constexpr int kString = 0;
-constexpr int kPattern = 1;
 constexpr int kBoxCharacters = 56;  // that a box has room for at first
-
-constexpr int kNoText = 0;
 
 }  // namespace
 
 frmRegex::frmRegex(QWidget* owner, const std::string& target_name) : QDialog(owner), lbl{new QLabel(this)} {
-  setWindowTitle(Text(6500));
+  setWindowTitle(Text(TextId::kTesterCaption));
   auto* column = new QVBoxLayout(this);
   const struct {
-    int index;
-    int caption;
-    int tool_tip;
-  } frames[] = {{kPattern, 3415, 3416}, {kString, 3417, 3418}};
+    Box index;
+    TextId caption;
+    TextId tool_tip;
+  } frames[] = {{kPattern, TextId::kTesterPattern, TextId::kTesterPatternHint},
+                {kString, TextId::kTesterString, TextId::kTesterStringHint}};
   for (const auto& row : frames) {
     auto* frame = new QGroupBox(Text(row.caption), this);
     auto* box = new QLineEdit(frame);
@@ -46,8 +43,8 @@ frmRegex::frmRegex(QWidget* owner, const std::string& target_name) : QDialog(own
     column->addWidget(frame);
     SelectAllOnFocus(box);
     connect(box, &QLineEdit::textChanged, this, [this] { Evaluate(); });
-    fra[static_cast<std::size_t>(row.index)] = frame;
-    txt[static_cast<std::size_t>(row.index)] = box;
+    fra[row.index] = frame;
+    txt[row.index] = box;
   }
   lbl[0]->setObjectName("lbl(0)");
   lbl[0]->setTextFormat(Qt::PlainText);
@@ -76,27 +73,27 @@ void frmRegex::pPattern(const std::string& pattern) {
 void frmRegex::Evaluate() {
   const QColor black = palette().color(QPalette::WindowText);
   if (txt[kString]->text().isEmpty() || txt[kPattern]->text().isEmpty()) {
-    return ShowResult(kNoText, black, "");
+    return ShowResult(TextId::kNone, black, "");
   }
   const std::string pattern = FromQt(txt[kPattern]->text());
   const Regex regex(pattern);
   const std::string subject = FromDisplay(FromQt(txt[kString]->text()));
   switch (regex.MatchWhole(platform::WithReplacementCharacters(subject))) {
     case RegexAnswer::kWhole:
-      return ShowResult(text_id::kRegexMatch, black, "");
+      return ShowResult(TextId::kRegexMatch, black, "");
     case RegexAnswer::kNotWhole:
-      return ShowResult(text_id::kRegexUnmatch, NoColour(palette()), "");
+      return ShowResult(TextId::kRegexUnmatch, NoColour(palette()), "");
     case RegexAnswer::kError:
-      return ShowResult(text_id::kRegexError, NoColour(palette()), PatternProblem(pattern, regex));
+      return ShowResult(TextId::kRegexError, NoColour(palette()), PatternProblem(pattern, regex));
   }
 }
 
-void frmRegex::ShowResult(int text, const QColor& colour, const std::string& reason) {
+void frmRegex::ShowResult(TextId text, const QColor& colour, const std::string& reason) {
   QPalette colours = lbl[0]->palette();
   colours.setColor(QPalette::WindowText, colour);
   lbl[0]->setPalette(colours);
   lbl[0]->setToolTip(PlainToolTip(ToQt(reason)));
-  const QString shown = text == kNoText ? QString() : Text(text);
+  const QString shown = Text(text);
   if (lbl[0]->text() == shown) return;
   lbl[0]->setText(shown);
   // Nobody's focus is on it: a screen reader speaks of it only when it is told to.

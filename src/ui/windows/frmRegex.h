@@ -3,7 +3,10 @@
 
 #include <QDialog>
 #include <array>
+#include <cstddef>
 #include <string>
+
+#include "resources/string_table.h"
 
 class QGroupBox;
 class QLabel;
@@ -21,11 +24,14 @@ class frmRegex : public QDialog {
   void pPattern(const std::string& pattern);
 
  private:
-  void Evaluate();
-  void ShowResult(int text, const QColor& colour, const std::string& reason);
+  // The boxes by their places in the arrays.
+  enum Box : std::size_t { kString, kPattern, kBoxes };
 
-  std::array<QGroupBox*, 2> fra;  // 0 around the string, 1 around the pattern
-  std::array<QLineEdit*, 2> txt;
+  void Evaluate();
+  void ShowResult(TextId text, const QColor& colour, const std::string& reason);
+
+  std::array<QGroupBox*, kBoxes> fra;
+  std::array<QLineEdit*, kBoxes> txt;
   std::array<QLabel*, 1> lbl;  // the result
 };
 

@@ -9,11 +9,11 @@ namespace quendle {
 namespace {
 
 std::string Note(const ActionStep& step, bool is_stopped) {
-  if (is_stopped && step.result == StepResult::kSkipped) return LoadText(text_id::kPlanLeftOut);
-  if (step.asks) return LoadText(text_id::kPlanAsks);
-  if (!step.error.empty()) return LoadText(text_id::kPlanReason, {ReasonInOneLine(LoadText(step.error))});
+  if (is_stopped && step.result == StepResult::kSkipped) return LoadText(TextId::kPlanLeftOut);
+  if (step.asks) return LoadText(TextId::kPlanAsks);
+  if (!step.error.empty()) return LoadText(TextId::kPlanReason, {ReasonInOneLine(LoadText(step.error))});
   if (!step.extraction) return "";
-  return LoadText(text_id::kPlanEntries,
+  return LoadText(TextId::kPlanEntries,
                   {std::to_string(step.extraction->all), std::to_string(step.extraction->chosen)});
 }
 
@@ -30,11 +30,11 @@ std::vector<PlanLine> PlanLines(const std::vector<ActionStep>& steps) {
   bool is_stopped = false;
   for (const ActionStep& step : steps) {
     const bool fails = step.result == StepResult::kFailed;
-    lines.push_back({LoadText(text_id::kPlanStep, {StepName(step.kind)}), ForDisplay(step.to),
+    lines.push_back({LoadText(TextId::kPlanStep, {StepName(step.kind)}), ForDisplay(step.to),
                      Note(step, is_stopped), fails});
     is_stopped |= fails;
   }
-  if (lines.empty()) lines.push_back({LoadText(text_id::kPlanNothing), "", ""});
+  if (lines.empty()) lines.push_back({LoadText(TextId::kPlanNothing), "", ""});
   return lines;
 }
 

@@ -66,7 +66,7 @@ class ElidedLine : public QLabel {
   bool painting_ = false;
 };
 
-PlanView::PlanView(QWidget* owner) : QGroupBox(Text(text_id::kPlanCaption), owner) {
+PlanView::PlanView(QWidget* owner) : QGroupBox(Text(TextId::kPlanCaption), owner) {
   auto* layout = new QVBoxLayout(this);
   layout->setSpacing(2);
   for (ElidedLine*& line : lines_) {

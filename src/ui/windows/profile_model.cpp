@@ -16,13 +16,9 @@
 namespace quendle {
 namespace {
 
-constexpr int kFirstHeader = 6720;
-constexpr int kStandardSettings = 1871;
-constexpr int kRank = 6745;
-constexpr int kNoMatch = 6746;
-constexpr int kPartOnly = 6747;
-constexpr int kPatternError = 6748;
-constexpr int kDoesNothing = 6749;
+constexpr TextId kHeaders[ProfileModel::kColumns] = {
+    TextId::kColumnTitle,         TextId::kColumnMatch,      TextId::kColumnPattern,   TextId::kColumnAction,
+    TextId::kColumnExtractFolder, TextId::kColumnMoveFolder, TextId::kColumnCopyFolder};
 
 std::string ActionText(std::int16_t action) {
   std::string text;
@@ -30,7 +26,7 @@ std::string ActionText(std::int16_t action) {
     if ((action & static_cast<std::int16_t>(kind)) == 0) continue;
     text += (text.empty() ? "" : "・") + StepName(kind);
   }
-  return text.empty() ? LoadText(kDoesNothing) : text;
+  return text.empty() ? LoadText(TextId::kDoesNothing) : text;
 }
 
 const ProfileRow::Folder& FolderOf(const ProfileRow& row, int column) {
@@ -116,7 +112,7 @@ void ProfileModel::sort(int column, Qt::SortOrder order) {
 
 QVariant ProfileModel::headerData(int section, Qt::Orientation orientation, int role) const {
   if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
-  return Text(kFirstHeader + section);
+  return Text(kHeaders[section]);
 }
 
 QVariant ProfileModel::data(const QModelIndex& index, int role) const {
@@ -129,7 +125,7 @@ QVariant ProfileModel::data(const QModelIndex& index, int role) const {
       return CellText(row, column);
     case Qt::ToolTipRole: {
       QString text = CellText(row, column);
-      if (IsInherited(list_.Rows()[row], column)) text += Text(kStandardSettings);
+      if (IsInherited(list_.Rows()[row], column)) text += Text(TextId::kByStandardSettings);
       return PlainToolTip(text);
     }
     case Qt::ForegroundRole:
@@ -173,13 +169,14 @@ QString ProfileModel::MatchText(std::size_t row) const {
     case NameMatch::Kind::kNotTested:
       return "";
     case NameMatch::Kind::kMatches:
-      return ToQt(LoadText(kRank, {std::to_string(match.rank), std::to_string(list_.MatchCount())}));
+      return ToQt(
+          LoadText(TextId::kMatchRank, {std::to_string(match.rank), std::to_string(list_.MatchCount())}));
     case NameMatch::Kind::kPartOnly:
-      return Text(kPartOnly);
+      return Text(TextId::kMatchPart);
     case NameMatch::Kind::kNoMatch:
-      return Text(kNoMatch);
+      return Text(TextId::kMatchNone);
     case NameMatch::Kind::kError:
-      return ToQt(LoadText(kPatternError, {match.reason}));
+      return ToQt(LoadText(TextId::kMatchError, {match.reason}));
   }
   return "";
 }

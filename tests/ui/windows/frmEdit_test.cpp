@@ -186,7 +186,7 @@ GTEST_TEST(FrmEdit, InheritedValuesAreShownDimmed) {
   EXPECT_TRUE(own->isChecked());
   own->setFocus();
   edit.Press(Qt::Key_Down);
-  EXPECT_EQ(edit.draft.Number(text_id::kSmartRename), 2);
+  EXPECT_EQ(edit.draft.Number(TextId::kSmartRename), 2);
 }
 
 GTEST_TEST(FrmEdit, ButtonsFillTheirFields) {
@@ -265,7 +265,7 @@ GTEST_TEST(FrmEdit, NewProfileExistsAfterwards) {
   edit.Click("cmd.OK");  // no: without a pattern is not meant
   EXPECT_EQ(edit.window->focusWidget()->objectName(), "txt.Pattern");
   edit.Click("cmd.OK");
-  EXPECT_EQ(edit.messages.back(), LoadText(1857));
+  EXPECT_EQ(edit.messages.back(), LoadText(TextId::kSameProfileName));
   EXPECT_TRUE(edit.window->isVisible());
   edit.OthersWrite("[B]\n");
   edit.Press(Qt::Key_Return);
