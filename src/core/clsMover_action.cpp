@@ -236,7 +236,7 @@ bool clsMover::ExtractStep() {
   const bool extracted = archiver_->mExtractArchive(EXTRACTTO);
   SMARTMAKEDIR = archiver_->SMARTMAKEDIR;  // cleared where there is no folder level to save
   if (!extracted) return false;
-  if (OPENDIR) environment_.user.OpenFolder(EXTRACTTO, FileManagerOf(snapshot_->Standard()));
+  if (OPENDIR) environment_.user.ShowInFileManager(EXTRACTTO, FileManagerOf(snapshot_->Standard()));
   OpenFiles();
   return true;
 }

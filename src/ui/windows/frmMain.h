@@ -11,7 +11,7 @@
 
 #include "core/edit_mode.h"
 #include "core/profile_list.h"
-#include "core/windows.h"
+#include "core/windows_library.h"
 #include "ui/messages/modMsgBox.h"
 #include "ui/parts/window_memory.h"
 #include "ui/windows/profile_model.h"
@@ -41,7 +41,7 @@ struct MainServices {
   std::function<std::optional<std::string>(QWidget*, EditMode, const std::string& title)> open_editor;
   std::function<void(QWidget*, const std::string& pattern, const std::string& name)> open_tester;
   std::function<void(QWidget*)> show_about;
-  std::function<platform::Result(const std::string& folder)> open_folder;
+  std::function<platform::Result(const std::string& folder)> show_in_file_manager;
   std::function<void(const std::vector<std::string>& paths)> dispatch;
   std::function<bool()> is_interrupted = [] { return false; };
   // What other copies were started with, since the last call.
@@ -120,7 +120,7 @@ class frmMain : public QMainWindow {
   void Rename();
   void Duplicate();
   void Remove();
-  void OpenFolder(std::size_t kind);
+  void OpenDestination(std::size_t kind);
   void OpenTester();
   void OpenSettings(EditMode mode);
   void Dispatch(const std::vector<std::string>& paths);

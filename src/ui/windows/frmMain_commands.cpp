@@ -132,7 +132,7 @@ void frmMain::Remove() {
   SelectRow(std::min(first, model_.rowCount() - 1));
 }
 
-void frmMain::OpenFolder(std::size_t kind) {
+void frmMain::OpenDestination(std::size_t kind) {
   const std::vector<int> selected = SelectedRows();
   if (selected.size() != 1) return;
   const std::string folder = model_.RowAt(selected.front()).folders[kind].path;
@@ -142,7 +142,7 @@ void frmMain::OpenFolder(std::size_t kind) {
   } else if (!FolderExists(folder)) {
     services_.show_message(LoadText(kNoSuchFolder) + kLineBreak + ForDisplay(folder), kButtonsOk,
                            kIconExclamation, "");
-  } else if (const platform::Result opened = services_.open_folder(folder); !opened.ok()) {
+  } else if (const platform::Result opened = services_.show_in_file_manager(folder); !opened.ok()) {
     services_.show_message(LoadText(kFolderNotOpened) + kLineBreak + kLineBreak + ForDisplay(folder) +
                                kLineBreak + ForDisplay(InJapanese(opened.reason)),
                            kButtonsOk, kIconExclamation, "");

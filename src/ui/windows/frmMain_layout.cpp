@@ -141,7 +141,7 @@ void frmMain::MakeProfileMenu() {
   for (std::size_t kind = 0; kind < kActionRows; ++kind) {
     const int number = static_cast<int>(kind) + 1;
     AddCommand(menu, 1110 + number, kOpenCommands[kind], {QKeySequence(QString("Ctrl+%1").arg(number))},
-               Needs::kOne, [this, kind] { OpenFolder(kind); });
+               Needs::kOne, [this, kind] { OpenDestination(kind); });
   }
   menu->addSeparator();
   AddCommand(menu, 1121, "tester", {QKeySequence("Ctrl+T")}, Needs::kNothing, [this] { OpenTester(); });

@@ -83,8 +83,8 @@ void AddLine(QGridLayout* grid, int caption, const QString& figure, int mark, bo
 
 }  // namespace
 
-frmOverwrite::frmOverwrite(QWidget* owner, const platform::FileVersion& existing,
-                           const platform::FileVersion& incoming)
+frmOverwrite::frmOverwrite(QWidget* owner, const platform::FileSide& existing,
+                           const platform::FileSide& incoming)
     : QDialog(owner) {
   setWindowTitle(Text(kCaption));
   setWindowFlag(Qt::WindowContextHelpButtonHint, false);
@@ -117,8 +117,7 @@ frmOverwrite::frmOverwrite(QWidget* owner, const platform::FileVersion& existing
   CentreOnScreen(this);
 }
 
-QWidget* frmOverwrite::MakeSide(int title, const platform::FileVersion& file,
-                                const platform::FileVersion& other) {
+QWidget* frmOverwrite::MakeSide(int title, const platform::FileSide& file, const platform::FileSide& other) {
   auto* side = new QGroupBox(Text(title));
   auto* grid = new QGridLayout(side);
   grid->setColumnStretch(2, 1);

@@ -33,7 +33,7 @@ std::string ActionText(std::int16_t action) {
   return text.empty() ? LoadText(kDoesNothing) : text;
 }
 
-const ProfileRow::Folder& FolderOf(const ProfileRow& row, int column) {
+const ProfileRow::Folder& FolderAt(const ProfileRow& row, int column) {
   return row.folders[static_cast<std::size_t>(column - ProfileModel::kExtractFolder)];
 }
 
@@ -148,7 +148,7 @@ QVariant ProfileModel::data(const QModelIndex& index, int role) const {
 
 bool ProfileModel::IsInherited(const ProfileRow& row, int column) const {
   if (column == kAction) return row.inherits_action;
-  return column >= kExtractFolder && FolderOf(row, column).is_used && FolderOf(row, column).is_inherited;
+  return column >= kExtractFolder && FolderAt(row, column).is_used && FolderAt(row, column).is_inherited;
 }
 
 QString ProfileModel::CellText(std::size_t row, int column) const {
@@ -163,7 +163,7 @@ QString ProfileModel::CellText(std::size_t row, int column) const {
     case kAction:
       return ToQt(ActionText(profile.action));
     default:
-      return FolderOf(profile, column).is_used ? ToQt(ForDisplay(FolderOf(profile, column).path)) : QString();
+      return FolderAt(profile, column).is_used ? ToQt(ForDisplay(FolderAt(profile, column).path)) : QString();
   }
 }
 

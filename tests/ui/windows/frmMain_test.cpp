@@ -53,7 +53,7 @@ class MainWindow {
       opened.push_back(pattern + "|" + name);
     };
     services.show_about = [this](QWidget*) { opened.emplace_back("about"); };
-    services.open_folder = [this](const std::string& folder) {
+    services.show_in_file_manager = [this](const std::string& folder) {
       opened.push_back(folder);
       return platform::Success();
     };

@@ -1,5 +1,5 @@
 // The library's one entry.
-#include "core/windows.h"
+#include "core/windows_library.h"
 
 #include <QtWidgets>
 #include <clocale>
