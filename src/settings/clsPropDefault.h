@@ -55,8 +55,6 @@ class clsPropDefault {
   void FILER(const std::string& value) { Write(text_id::kFiler, value); }
   std::string FILERPARM() const { return Values().Text(text_id::kFilerParm); }
   void FILERPARM(const std::string& value) { Write(text_id::kFilerParm, value); }
-  std::string ARCHIVECHARSET() const { return Values().Text(text_id::kArchiveCharset); }
-  void ARCHIVECHARSET(const std::string& value) { Write(text_id::kArchiveCharset, value); }
   std::int16_t ACTION() const { return Values().Number(text_id::kAction); }
   void ACTION(std::int16_t value) { Write(text_id::kAction, value); }
   std::string EXTRACTTO() const { return Values().Text(text_id::kExtractTo); }

@@ -49,6 +49,7 @@ class QtWindows final : public Windows {
 QtWindows::QtWindows(const WindowsHost& host) : host_(host) {
   fonts_.join();
   std::setlocale(LC_NUMERIC, "C");  // the program reads and writes numbers of its own
+  // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the application owns it from here on.
   QApplication::setStyle(new ProgramStyle);
   QApplication::setDesktopFileName("quendle");
   QApplication::setQuitOnLastWindowClosed(false);
