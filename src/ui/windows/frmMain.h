@@ -33,10 +33,8 @@ void RunProfileList(const WindowsHost& host);
 
 // What the list opens and starts.
 struct MainServices {
-  std::function<std::int32_t(const std::string&, std::int32_t, std::int32_t, const std::string&)>
-      show_message = ShowMessage;
-  std::function<std::string(const std::string&, const std::string&, const std::string&)> show_input =
-      ShowInput;
+  MessageFunction show_message = ShowMessage;
+  InputFunction show_input = ShowInput;
   // Opens the editor as OpenEditor does.
   std::function<std::optional<std::string>(QWidget*, EditMode, const std::string& title)> open_editor;
   std::function<void(QWidget*, const std::string& pattern, const std::string& name)> open_tester;
@@ -124,7 +122,6 @@ class frmMain : public QMainWindow {
   void OpenTester();
   void OpenSettings(EditMode mode);
   void Dispatch(const std::vector<std::string>& paths);
-  std::string AskTitle(const std::string& prompt, int caption, const std::string& old_title);
   bool Tell(const platform::Result& result);
   QRect TestPlace() const;
   bool TellsSurplus(std::vector<std::string>* paths);

@@ -19,6 +19,7 @@
 #include "ui/parts/dropped_files.h"
 #include "ui/parts/elided_label.h"
 #include "ui/parts/text.h"
+#include "ui/windows/ask_title.h"
 #include "ui/windows/frmMain.h"
 
 namespace quendle {
@@ -51,23 +52,13 @@ bool frmMain::Tell(const platform::Result& result) {
   return false;
 }
 
-// A title that may be given, or empty when the user gave up. What was typed is not lost when it may not.
-std::string frmMain::AskTitle(const std::string& prompt, int caption, const std::string& old_title) {
-  std::string title = old_title;
-  for (;;) {
-    title = services_.show_input(prompt, LoadText(caption), title);
-    if (title.empty() || title == old_title) return "";
-    const std::string problem = list_.NewTitleProblem(title, old_title);
-    if (problem.empty()) return title;
-    services_.show_message(problem, kButtonsOk, kIconCritical, "");
-  }
-}
-
 void frmMain::Add() {
   std::string added;
   {
     const Busy busy(&is_busy_);
-    const std::string title = AskTitle(LoadText(text_id::kAskProfileName), text_id::kAddProfile, "");
+    const TitleQuestion question =
+        NewTitleQuestion([this](const std::string& typed) { return list_.NewTitleProblem(typed); });
+    const std::string title = AskTitle(question, services_.show_input, services_.show_message);
     if (title.empty()) return;
     if (const auto saved = services_.open_editor(this, EditMode::kNew, title)) {
       added = *saved;
@@ -96,8 +87,10 @@ void frmMain::Rename() {
   std::string title;
   {
     const Busy busy(&is_busy_);
-    const std::string prompt = LoadText(kRenamePrompt, {ForDisplay(titles.front())});
-    title = AskTitle(prompt, kRenameCaption, titles.front());
+    const std::string old = titles.front();
+    title = AskTitle({LoadText(kRenamePrompt, {ForDisplay(old)}), kRenameCaption, old,
+                      [this, &old](const std::string& typed) { return list_.NewTitleProblem(typed, old); }},
+                     services_.show_input, services_.show_message);
     if (title.empty()) return;
     if (!Tell(list_.Rename(titles.front(), title))) title.clear();
   }
