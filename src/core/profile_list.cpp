@@ -28,9 +28,6 @@ constexpr int kTitleReserved = 6704;
 constexpr int kTitleBroken = 6705;
 constexpr int kTitleBlankEnd = 6900;
 
-// In the order of the rows of folders.
-constexpr std::int16_t kActionBits[kActionRows] = {1, 2, 4};
-
 ProfileRow RowOf(const std::string& title, const ProfileValues& profile) {
   constexpr int kFolders[kActionRows] = {text_id::kExtractTo, text_id::kMoveTo, text_id::kCopyTo};
   ProfileRow row{title,
@@ -40,7 +37,7 @@ ProfileRow RowOf(const std::string& title, const ProfileValues& profile) {
                  {}};
   for (std::size_t i = 0; i < kActionRows; ++i) {
     row.folders[i] = {profile.Text(kFolders[i]), profile.IsInherited(kFolders[i]),
-                      (row.action & kActionBits[i]) != 0};
+                      Includes(row.action, kStepKinds[i])};
   }
   return row;
 }

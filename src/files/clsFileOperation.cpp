@@ -120,7 +120,7 @@ Result clsFileOperation::Transfer(Kind kind, const std::string& source, const st
   const std::string exact =
       is_folder ? AddBackslash(destination) + SplitPath(RemoveBackslashes(source)).name : destination;
   platform::FileOperationOptions options = Options();
-  options.into_folder = kind != Kind::kRename && !is_folder && !fails_if_taken_;
+  options.into_folder = kind != Kind::kRename && !is_folder && !fails_if_taken_ && !is_exact_;
   Result result = operation(source, exact, options, &observer);
 
   const std::string folder = platform::FolderOf(exact);

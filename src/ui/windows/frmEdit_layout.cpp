@@ -119,17 +119,19 @@ QWidget* frmEdit::MakeChoices(int key, QBoxLayout::Direction direction,
 
 QWidget* frmEdit::MakeActions() {
   constexpr struct {
-    int bit, caption, tool_tip;
-  } kActions[] = {{1, 6656, 6657}, {2, 6660, 6661}, {4, 6662, 6663}};
+    StepKind kind;
+    int caption, tool_tip;
+  } kActions[] = {
+      {StepKind::kExtract, 6656, 6657}, {StepKind::kMove, 6660, 6661}, {StepKind::kCopy, 6662, 6663}};
   auto* frame = new QWidget(this);
   auto* row = new QHBoxLayout(frame);
   row->setContentsMargins(0, 0, 0, 0);
   for (const auto& action : kActions) {
     auto* box = new QCheckBox(Text(action.caption), frame);
-    box->setObjectName(Name("chk", text_id::kAction) + QString(".%1").arg(action.bit));
+    box->setObjectName(Name("chk", text_id::kAction) + QString(".%1").arg(static_cast<int>(action.kind)));
     box->setToolTip(Text(action.tool_tip));
     row->addWidget(box);
-    chkAction[action.bit] = box;
+    chkAction[action.kind] = box;
   }
   row->addStretch();
   return frame;

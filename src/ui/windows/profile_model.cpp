@@ -7,7 +7,7 @@
 #include <numeric>
 
 #include "base/display.h"
-#include "core/failure_text.h"
+#include "core/action_text.h"
 #include "platform/text/unicode.h"
 #include "ui/parts/form_helpers.h"
 #include "ui/parts/hints.h"
@@ -23,15 +23,6 @@ constexpr int kNoMatch = 6746;
 constexpr int kPartOnly = 6747;
 constexpr int kPatternError = 6748;
 constexpr int kDoesNothing = 6749;
-
-std::string ActionText(std::int16_t action) {
-  std::string text;
-  for (const StepKind kind : {StepKind::kExtract, StepKind::kMove, StepKind::kCopy}) {
-    if ((action & static_cast<std::int16_t>(kind)) == 0) continue;
-    text += (text.empty() ? "" : "・") + StepName(kind);
-  }
-  return text.empty() ? LoadText(kDoesNothing) : text;
-}
 
 const ProfileRow::Folder& FolderAt(const ProfileRow& row, int column) {
   return row.folders[static_cast<std::size_t>(column - ProfileModel::kExtractFolder)];
@@ -161,7 +152,7 @@ QString ProfileModel::CellText(std::size_t row, int column) const {
     case kPattern:
       return ToQt(profile.pattern);
     case kAction:
-      return ToQt(ActionText(profile.action));
+      return profile.action == kNoSteps ? Text(kDoesNothing) : ToQt(ActionText(profile.action, "・"));
     default:
       return FolderAt(profile, column).is_used ? ToQt(ForDisplay(FolderAt(profile, column).path)) : QString();
   }
