@@ -159,7 +159,7 @@ bool clsMover::FillFromTestSettings(std::string* why) {
                        snapshot_->files().test);
   if (!why->empty()) return false;
   SetDefaultItemData();
-  ACTION = static_cast<std::int16_t>(StepKind::kExtract);
+  ACTION = WithStep(kNoSteps, StepKind::kExtract);
   SMARTRENAME = DOESFOLDER ? std::int16_t{1} : test.Number(text_id::kSmartRename);
   EXTRACTTYPE = test.Number(text_id::kExtractType);
   SMARTMAKEDIR = test.Flag(text_id::kSmartMakeDir);

@@ -16,7 +16,7 @@ struct ProfileChoice {
     kNone,
   };
   Kind kind = Kind::kNone;
-  std::string title = "";  // of a profile
+  std::string title = {};  // of a profile
 
   // Does something act without anybody being asked?
   bool IsClear() const { return kind == Kind::kProfile || kind == Kind::kTestSettings; }
