@@ -37,10 +37,7 @@ class ActionWindow {
       messages.push_back(std::to_string(icon) + "|" + text);
       return kAnswerOk;
     };
-    services.show_input = [this](const std::string& prompt, const std::string& title, const std::string&) {
-      asked.push_back(title + "|" + prompt);
-      return typed;
-    };
+    services.show_input = titles.Answering();
     services.open_editor = [this](QWidget*, EditMode mode, const std::string& title) {
       edited.push_back(EditorCall(mode, title));
       return on_edit ? on_edit() : std::nullopt;
@@ -88,7 +85,8 @@ class ActionWindow {
   TempFolder files;
   Run run;
   ActionServices services;
-  std::string picked, typed;                            // the answers
+  std::string picked;  // the answer
+  TypedTitles titles;
   std::function<std::optional<std::string>()> on_edit;  // the title under which it saves
   std::vector<std::string> asked, messages, edited;
   std::optional<ActionForm> form;

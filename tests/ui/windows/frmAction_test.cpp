@@ -266,15 +266,14 @@ GTEST_TEST(FrmAction, FoldersArePicked) {
 GTEST_TEST(FrmAction, ProfilesAreMadeAndEdited) {
   ActionWindow opened(kItems, {"a.none"});
   EXPECT_EQ(opened.cmd(2)->text(), "新規作成(&E)");
-  opened.Click(opened.cmd(2));  // no name
-  opened.typed = "b";
+  opened.Click(opened.cmd(2));              // no name
+  opened.titles.typed = {"b", "（なし）"};  // taken, and what stands for no profile
   opened.Click(opened.cmd(2));
-  EXPECT_EQ(opened.messages, std::vector<std::string>{"16|同名のプロファイルが既に存在します。"});
-  opened.typed = "（なし）";  // which stands for no profile
-  opened.Click(opened.cmd(2));
-  EXPECT_EQ(opened.messages.size(), 2U);
+  EXPECT_EQ(opened.titles.proposed, (std::vector<std::string>{"", "", "b", "（なし）"}));
+  ASSERT_EQ(opened.messages.size(), 2U);
+  EXPECT_EQ(opened.messages[0], "16|同名のプロファイルが既に存在します。");
   EXPECT_TRUE(opened.edited.empty());
-  opened.typed = "New";
+  opened.titles.typed = {"New"};
   opened.Trigger("mnuEdit(11)");
   EXPECT_EQ(opened.edited, std::vector<std::string>{"new|New"});
   EXPECT_EQ(opened.cmd(2)->text(), "新規作成(&E)");
@@ -283,6 +282,7 @@ GTEST_TEST(FrmAction, ProfilesAreMadeAndEdited) {
     test::WriteFile(file, test::ReadFile(file) + "\n[New]\nPattern=.*none\n");
     return "New";
   };
+  opened.titles.typed = {"New"};
   opened.Click(opened.cmd(2));
   EXPECT_EQ(opened.window->windowTitle(), "1/1 - New");
   EXPECT_EQ(opened.Get<QAction>("mnuEdit(11)")->text(), "プロファイルを編集(&E)");
