@@ -1,5 +1,5 @@
-#include "platform/process/system_failure.h"
 #include "platform/process/process.h"
+#include "platform/process/system_failure.h"
 #include "platform/services/send_to.h"
 
 #include <sys/stat.h>
