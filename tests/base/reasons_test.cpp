@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <regex>
 
 #include "base/modString.h"
@@ -43,7 +44,7 @@ GTEST_TEST(Reasons, AreTranslatedWithTheirNamesAndNumbers) {
 // The sources without the breaks inside a literal.
 std::string Sources(const std::string& but) {
   std::string all;
-  for (const auto& entry : fs::recursive_directory_iterator(QUENDLE_SOURCES)) {
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(QUENDLE_SOURCES)) {
     if (entry.is_regular_file() && entry.path().filename() != but) {
       all += test::ReadFile(test::TextOf(entry.path()));
     }
