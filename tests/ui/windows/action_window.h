@@ -1,14 +1,8 @@
 // An action window over files, settings and answers of a test.
 #pragma once
 
-#include <QAction>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QTimer>
-#include <QtTest/QTest>
+#include <QTest>
+#include <QtWidgets>
 #include <memory>
 #include <optional>
 #include <string>
@@ -98,7 +92,7 @@ class ActionWindow {
     for (const std::string& name : names) {
       paths.push_back(files / name);
       if (name.ends_with('/')) {
-        std::filesystem::create_directories(paths.back());
+        fs::create_directories(paths.back());
         paths.back().pop_back();
       } else if (!name.ends_with(".missing")) {
         WriteFile(paths.back(), name);

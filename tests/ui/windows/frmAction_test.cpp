@@ -1,8 +1,6 @@
 #include "ui/windows/frmAction.h"
 
-#include <QElapsedTimer>
-#include <QScreen>
-#include <QTimer>
+#include <QtWidgets>
 
 #include "ui/windows/action_window.h"
 
@@ -50,8 +48,7 @@ GTEST_TEST(FrmAction, KeysThatEndAPath) {
     Qt::Key key;
     Qt::KeyboardModifiers modifiers;
     const char* focus;
-    bool executes;
-    bool ends_run;
+    bool executes, ends_run;
   } rows[] = {
       {"Ctrl+Return", Qt::Key_Return, Qt::ControlModifier, "txt(2)", true, false},
       {"Ctrl+Enter", Qt::Key_Enter, Qt::ControlModifier, "cmd(0)", true, false},
@@ -68,7 +65,7 @@ GTEST_TEST(FrmAction, KeysThatEndAPath) {
     ActionWindow opened(MovingTo(to.path()), {"a.txt", "b.txt", "c.txt"});
     opened.Get<QWidget>(row.focus)->setFocus();
     opened.Press(row.key, row.modifiers);
-    EXPECT_EQ(std::filesystem::exists(to / "a.txt"), row.executes);
+    EXPECT_EQ(fs::exists(to / "a.txt"), row.executes);
     EXPECT_EQ(opened.window->isVisible(), !row.ends_run);
     EXPECT_EQ(opened.form->Undone().size(), row.ends_run ? 3U : row.executes ? 0U : 1U);
     EXPECT_EQ(opened.window->windowTitle(), row.ends_run ? "1/3 - M" : "2/3 - M");

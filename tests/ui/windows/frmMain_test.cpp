@@ -1,15 +1,8 @@
 #include "ui/windows/frmMain.h"
 
-#include <QAction>
-#include <QDropEvent>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMimeData>
-#include <QTreeView>
-#include <QUrl>
-#include <QtTest/QTest>
+#include <QTest>
+#include <QtWidgets>
 #include <algorithm>
-#include <filesystem>
 #include <memory>
 
 #include "core/modMain.h"
@@ -373,8 +366,8 @@ GTEST_TEST(FrmMain, FailuresAreTold) {
   main.Press(Qt::Key_2, Qt::ControlModifier);
   ASSERT_EQ(main.messages.size(), 1U);
   EXPECT_TRUE(main.messages[0].ends_with("/no/such"));
-  std::filesystem::remove(main.settings.profiles.FileName());
-  std::filesystem::create_directory(main.settings.profiles.FileName());
+  fs::remove(main.settings.profiles.FileName());
+  fs::create_directory(main.settings.profiles.FileName());
   main.Press(Qt::Key_Delete);
   EXPECT_EQ(main.messages.size(), 3U);  // the question, and why not
   EXPECT_NE(main.messages.back().find(main.settings.profiles.FileName()), std::string::npos);

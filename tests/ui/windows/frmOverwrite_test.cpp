@@ -1,7 +1,6 @@
 #include "ui/windows/frmOverwrite.h"
 
-#include <QLabel>
-#include <QScreen>
+#include <QtWidgets>
 
 #include "support/scoped_variable.h"
 #include "ui/modal.h"
