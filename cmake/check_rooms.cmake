@@ -7,6 +7,7 @@
 # only the interface of archiver libraries.
 
 cmake_policy(VERSION 3.25)
+cmake_path(ABSOLUTE_PATH SOURCE_FOLDER)
 
 set(may_include_reasons "")
 set(may_include_platform/text reasons)

@@ -6,15 +6,15 @@
 
 what=${1:-all}
 case $what in all | files | archives | windows) ;; *) echo "usage: bench.sh [files|archives|windows]" >&2; exit 2 ;; esac
-install_missing python3
+install_missing bench
 wants() { [ "$what" = all ] || [ "$what" = "$1" ]; }
-if wants archives; then install_missing zip unzip 7zip gcab cabextract libarchive-tools lhasa unar; fi
+if wants archives; then install_missing archivers; fi
 export PYTHONDONTWRITEBYTECODE=1
 build release quendle
 if wants files; then python3 "$root/benchmarks/bench.py" "$root/build/release/src/quendle"; fi
 if wants archives; then python3 "$root/benchmarks/bench_archives.py" "$root/build/release/src/quendle"; fi
 if wants windows; then
-  install_missing xvfb libxcb-damage0-dev gawk
+  install_missing display
   cmake --preset release -S "$root" >/dev/null
   build release first_paint
   build release bare_window

@@ -7,7 +7,7 @@ seconds=${1:-600}
 shift || true
 targets=("$@")
 [ $# -gt 0 ] || targets=(fuzz_command fuzz_names fuzz_version fuzz_zip fuzz_lzh fuzz_cab fuzz_rar fuzz_sevenzip)
-install_missing clang libclang-rt-14-dev
+install_missing fuzz
 for target in "${targets[@]}"; do build fuzz "$target"; done
 cd "$root/build/fuzz"
 # A library that asks for more memory than there is gets none, as without the sanitizer.

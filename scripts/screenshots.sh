@@ -2,7 +2,7 @@
 # Photographs the windows in their states into docs/images/ (or a folder that is given), under an X server and a window manager
 # of its own: screenshots.sh [FOLDER [SCALE]]
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
-install_missing "${window_packages[@]}" zip
+install_missing pictures
 build release quendle
 
 out=$(mkdir -p "${1:-$root/docs/images}" && cd "${1:-$root/docs/images}" && pwd)

@@ -4,7 +4,7 @@
 # photographed before. Arguments go to ctest (-R NAME, say).
 . "$(dirname "${BASH_SOURCE[0]}")/../packaging/windows/common.sh"
 
-install_missing "${wine_packages[@]}"
+install_missing wine
 "$windows/dependencies.sh"
 build windows all
 # The windows are there when Qt is.

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced by the scripts that photograph windows: an X server and a window manager of their own, and what drives a window.
 # $work is a folder to work in and $out the one for the pictures; the program is started in the background, its process
 # kept in $program and its output in $work/log.

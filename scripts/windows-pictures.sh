@@ -2,7 +2,7 @@
 # Drives the windows of Quendle for Windows under Wine, and fails when one does not come or an archive is not unpacked;
 # their pictures go to docs/images/ or a folder that is given: windows-pictures.sh [FOLDER]
 . "$(dirname "${BASH_SOURCE[0]}")/../packaging/windows/common.sh"
-install_missing "${window_packages[@]}" "${wine_packages[@]}" zip
+install_missing pictures wine
 build windows quendle
 
 out=$(mkdir -p "${1:-$root/docs/images}" && cd "${1:-$root/docs/images}" && pwd)

@@ -3,7 +3,7 @@
 # build/Quendle-X.Y.Z-win64.zip. The first run also builds Qt, about half an hour on two cores.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-install_missing zip
+install_missing
 "$windows/dependencies.sh" --windows
 # Anew, since the folder may have been configured before there was Qt.
 (cd "$root" && cmake --preset windows >/dev/null)

@@ -75,7 +75,7 @@ for library in "${libraries[@]}"; do
   if is_built "$library"; then continue; fi
   log=$QUENDLE_WINDOWS_DEPS/log/$library
   if [ -z "$prepared" ]; then
-    install_missing "${build_packages[@]}"
+    install_missing libraries
     enable_sources >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
     prepared=yes
   fi

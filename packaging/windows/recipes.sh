@@ -1,5 +1,5 @@
+# shellcheck shell=bash
 # Sourced by dependencies.sh: how each library is built. build_NAME runs in the unpacked source package NAME.
-build_packages=(dpkg-dev quilt autoconf automake libtool make xz-utils)
 deps=$QUENDLE_WINDOWS_DEPS
 target=x86_64-w64-mingw32
 flags="-O2 -ffunction-sections -fdata-sections"

@@ -88,7 +88,7 @@ std::int32_t ArchiveSession::OnOverwrite(void* user, const ArchiverVersion* exis
 std::int32_t ArchiveSession::AskOverwrite(const ArchiverVersion& existing, const ArchiverVersion& incoming) {
   if (answer_to_all_) return *answer_to_all_;
   const auto version = [this](const ArchiverVersion& side) {
-    return platform::FileVersion{Text(side.path), side.size, side.write_time};
+    return platform::FileSide{Text(side.path), side.size, side.write_time};
   };
   switch (user_.AskOverwrite(version(existing), version(incoming))) {
     case UserInterface::OverwriteAnswer::kYes:

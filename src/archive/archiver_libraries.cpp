@@ -51,10 +51,10 @@ std::vector<std::string> ArchiverLibraries::PlacesOfUsers() {
 
 std::string ArchiverLibraries::FileName(const std::string& library) const {
   const std::string name = FileOf(library);
-  const std::string own = AddBackslash(folder_) + name;
+  std::string own = AddBackslash(folder_) + name;
   if (FileExists(own)) return own;
   for (const std::string& folder : platform::LibraryFolders()) {
-    if (const std::string elsewhere = AddBackslash(folder) + name; FileExists(elsewhere)) return elsewhere;
+    if (std::string elsewhere = AddBackslash(folder) + name; FileExists(elsewhere)) return elsewhere;
   }
   return own;
 }

@@ -132,7 +132,7 @@ std::string PlainPath(std::string_view path, PathStyle style) {
   constexpr std::size_t kPrefix = 4;
   constexpr std::string_view kShare = "UNC\\";
   if (!plain.starts_with("\\\\?\\") && !plain.starts_with("\\\\.\\")) return plain;
-  const std::string rest = plain.substr(kPrefix);
+  std::string rest = plain.substr(kPrefix);
   if (HasDriveRoot(rest)) return rest;
   const bool is_share = EqualsIgnoringCase(rest.substr(0, kShare.size()), kShare);
   return is_share ? "\\\\" + rest.substr(kShare.size()) : plain;

@@ -30,8 +30,8 @@ class UserInterface {
   };
 
   // May `existing` be replaced by `incoming`?
-  virtual OverwriteAnswer AskOverwrite(const platform::FileVersion& existing,
-                                       const platform::FileVersion& incoming) = 0;
+  virtual OverwriteAnswer AskOverwrite(const platform::FileSide& existing,
+                                       const platform::FileSide& incoming) = 0;
 
   // May this missing destination folder be made? With nobody to ask: no.
   virtual bool AskMakeFolder(const std::string& folder) = 0;
@@ -65,7 +65,7 @@ class UserInterface {
   virtual void SetBusy(bool busy) = 0;
 
   // Shows the folder in that file manager. A failure is shown, not returned: the work is done by then.
-  virtual void OpenFolder(const std::string& folder, const FileManager& manager) = 0;
+  virtual void ShowInFileManager(const std::string& folder, const FileManager& manager) = 0;
 
   // Opens a file with the program that the desktop has for it, which is never one from `untrusted_folder`. A
   // failure is shown, not returned.

@@ -33,8 +33,8 @@ UserInterface& LazyWindows::Dialogs() {
   return windows == nullptr ? terminal_ : windows->Dialogs();
 }
 
-UserInterface::OverwriteAnswer LazyWindows::AskOverwrite(const platform::FileVersion& existing,
-                                                         const platform::FileVersion& incoming) {
+UserInterface::OverwriteAnswer LazyWindows::AskOverwrite(const platform::FileSide& existing,
+                                                         const platform::FileSide& incoming) {
   return Dialogs().AskOverwrite(existing, incoming);
 }
 
@@ -81,8 +81,8 @@ void LazyWindows::SetBusy(bool busy) {
   if (windows_) windows_->Dialogs().SetBusy(busy);
 }
 
-void LazyWindows::OpenFolder(const std::string& folder, const FileManager& manager) {
-  (windows_ ? windows_->Dialogs() : terminal_).OpenFolder(folder, manager);
+void LazyWindows::ShowInFileManager(const std::string& folder, const FileManager& manager) {
+  (windows_ ? windows_->Dialogs() : terminal_).ShowInFileManager(folder, manager);
 }
 
 void LazyWindows::OpenFile(const std::string& path, const std::string& untrusted_folder) {

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "base/user_interface.h"
-#include "core/windows.h"
+#include "core/windows_library.h"
 
 namespace quendle {
 
@@ -30,8 +30,8 @@ class LazyWindows : public UserInterface {
   // No window is shown from now on.
   void Unload() { windows_.reset(); }
 
-  OverwriteAnswer AskOverwrite(const platform::FileVersion& existing,
-                               const platform::FileVersion& incoming) override;
+  OverwriteAnswer AskOverwrite(const platform::FileSide& existing,
+                               const platform::FileSide& incoming) override;
   bool AskMakeFolder(const std::string& folder) override;
   bool AskDelete(const std::string& path) override;
   std::optional<std::string> AskPassword(const std::string& archive) override;
@@ -41,7 +41,7 @@ class LazyWindows : public UserInterface {
   bool ShowProgress(const platform::FileProgress& progress, bool simple) override;
   void EndProgress() override;
   void SetBusy(bool busy) override;
-  void OpenFolder(const std::string& folder, const FileManager& manager) override;
+  void ShowInFileManager(const std::string& folder, const FileManager& manager) override;
   void OpenFile(const std::string& path, const std::string& untrusted_folder) override;
 
  private:

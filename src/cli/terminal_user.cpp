@@ -57,8 +57,8 @@ void WarnOfLines(const std::string& text, bool is_shown_so = false) {
 
 }  // namespace
 
-UserInterface::OverwriteAnswer TerminalUser::AskOverwrite(const platform::FileVersion&,
-                                                          const platform::FileVersion&) {
+UserInterface::OverwriteAnswer TerminalUser::AskOverwrite(const platform::FileSide&,
+                                                          const platform::FileSide&) {
   return OverwriteAnswer::kNobody;
 }
 
@@ -115,7 +115,7 @@ void TerminalUser::EndProgress() {
 
 void TerminalUser::SetBusy(bool) {}  // the terminal shows by itself that the program has not ended
 
-void TerminalUser::OpenFolder(const std::string& folder, const FileManager& manager) {
+void TerminalUser::ShowInFileManager(const std::string& folder, const FileManager& manager) {
   WarnUnlessOpened(folder, OpenFolderWithFiler(manager, folder));
 }
 

@@ -17,8 +17,8 @@ class TerminalUser : public UserInterface {
   TerminalUser(int columns, std::optional<std::string> password)
       : columns_(columns), password_(std::move(password)) {}
 
-  OverwriteAnswer AskOverwrite(const platform::FileVersion& existing,
-                               const platform::FileVersion& incoming) override;
+  OverwriteAnswer AskOverwrite(const platform::FileSide& existing,
+                               const platform::FileSide& incoming) override;
   bool AskMakeFolder(const std::string& folder) override;
   bool AskDelete(const std::string& path) override;
   // The one password there is, once for each archive.
@@ -29,7 +29,7 @@ class TerminalUser : public UserInterface {
   bool ShowProgress(const platform::FileProgress& progress, bool simple) override;
   void EndProgress() override;
   void SetBusy(bool busy) override;
-  void OpenFolder(const std::string& folder, const FileManager& manager) override;
+  void ShowInFileManager(const std::string& folder, const FileManager& manager) override;
   void OpenFile(const std::string& path, const std::string& untrusted_folder) override;
 
   // A line on the error stream, after anything printed so far.

@@ -47,10 +47,52 @@ bool WantsForm(const Options& options, clsMover* mover) {
          WantsConfirmation(mover->Settings().Standard(), ctrl_is_down);
 }
 
+// A run with windows, which are made when the first is needed and are gone before what they know.
+class Session {
+ public:
+  Session(const Options& options, const SettingsFolders& folders, platform::RunningCopy* copy,
+          const std::optional<std::string>& password)
+      : options_(options),
+        copy_(copy),
+        password_(password),
+        terminal_(platform::ErrorStreamColumns(), password),
+        windows_(terminal_, [this](std::string* reason) { return LoadWindows(Host(), reason); }),
+        globals_(folders, true, windows_, FindModuleFolder(), TakenPaths(options)) {}
+  ~Session() { windows_.Unload(); }
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  int Run();
+
+ private:
+  WindowsHost Host();
+  bool WorkThrough(ActionForm* form);
+  int RunPaths(const Options& options);
+  int RunList();
+  void Dispatch(const std::vector<std::string>& paths);
+
+  const Options& options_;
+  platform::RunningCopy* copy_;
+  const std::optional<std::string>& password_;
+  TerminalUser terminal_;
+  LazyWindows windows_;
+  Globals globals_;
+};
+
+WindowsHost Session::Host() {
+  return {globals_,
+          copy_,
+          &platform::InterruptRequested,
+          platform::InterruptHandle(),
+          password_,
+          windows_.OperationBegin(),
+          [this](const std::vector<std::string>& paths) { Dispatch(paths); }};
+}
+
 // True when every path was done.
-bool WorkThrough(ActionForm* form, LazyWindows* windows) {
+bool Session::WorkThrough(ActionForm* form) {
   if (form->Advance()) {
-    if (Windows* shown = windows->Get()) {
+    if (Windows* shown = windows_.Get()) {
       shown->RunActionWindow(*form);
     } else {
       form->SkipRest();
@@ -61,68 +103,54 @@ bool WorkThrough(ActionForm* form, LazyWindows* windows) {
 }
 
 // Works through the paths of the dispatcher.
-int RunPaths(const Options& options, Globals* globals, platform::RunningCopy* copy, LazyWindows* windows) {
-  clsMover& mover = *globals->g_Mover;
+int Session::RunPaths(const Options& options) {
+  clsMover& mover = *globals_.g_Mover;
   std::optional<std::string> profile;
   if (!FindProfile(options, &mover, &profile)) return kExitUsage;
   mover.SHOWUSERFORM = WantsForm(options, &mover);
-  ActionForm form({mover, *globals->g_FileInfo, *windows}, profile);
-  const bool all_done = WorkThrough(&form, windows);
+  ActionForm form({mover, *globals_.g_FileInfo, windows_}, profile);
+  const bool all_done = WorkThrough(&form);
   for (const std::string& problem : mover.LibraryProblems()) TerminalUser::Warn(ForDisplay(problem));
   for (const std::string& problem : mover.ProfileProblems(false)) TerminalUser::Warn(ForDisplay(problem));
-  TellUntold({form.Missing(), SurplusPaths(options), {}}, copy, windows);
+  TellUntold({form.Missing(), SurplusPaths(options), {}}, copy_, &windows_);
   return all_done ? kExitDone : kExitUndone;
 }
 
 // Without paths: the list of profiles.
-int RunList(LazyWindows* windows) {
-  Windows* shown = windows->Get();
+int Session::RunList() {
+  Windows* shown = windows_.Get();
   if (shown == nullptr) return kExitUndone;
   shown->RunMain();
   return kExitDone;
 }
 
-int Run(const Options& options, const SettingsFolders& folders, platform::RunningCopy* copy,
-        const std::optional<std::string>& password) {
-  TerminalUser terminal(platform::ErrorStreamColumns(), password);
-  Globals* made = nullptr;
-  LazyWindows* all_windows = nullptr;
-  const auto dispatch = [&](const std::vector<std::string>& paths) {
-    Options dropped = options;
-    dropped.paths = paths;
-    // The list of profiles outlives a run that goes wrong.
-    try {
-      const RunScope run(*made, TakenPaths(dropped));
-      if (RunPaths(dropped, made, copy, all_windows) == kExitUsage) {
-        all_windows->ShowMessage(UserInterface::MessageKind::kCritical,
-                                 LoadText(TextId::kNoSuchProfile, {ForDisplay(*options.profile)}));
-      }
-    } catch (const std::exception& fault) {
-      TerminalUser::Warn(ForDisplay(fault.what()));
-      all_windows->ShowMessage(UserInterface::MessageKind::kCritical,
-                               LoadText(TextId::kRunFault, {ForDisplay(fault.what())}));
-    }
-  };
-  LazyWindows windows(terminal, [&](Reason* reason) {
-    return LoadWindows({*made, copy, &platform::InterruptRequested, platform::InterruptHandle(), password,
-                        all_windows->OperationBegin(), dispatch},
-                       reason);
-  });
-  all_windows = &windows;
-  const std::vector<std::string> paths = TakenPaths(options);
-  Globals globals(folders, true, windows, FindModuleFolder(), paths);
-  made = &globals;
-  int status = kExitUndone;
+// For the list of profiles, which outlives a run that goes wrong.
+void Session::Dispatch(const std::vector<std::string>& paths) {
+  Options dropped = options_;
+  dropped.paths = paths;
   try {
-    for (const std::string& warning : SettingsWarnings(globals)) TerminalUser::Warn(ForDisplay(warning));
-    status = paths.empty() ? RunList(&windows) : RunPaths(options, &globals, copy, &windows);
-    if (paths.size() < options.paths.size() && status == kExitDone) status = kExitUndone;
+    const RunScope run(globals_, TakenPaths(dropped));
+    if (RunPaths(dropped) == kExitUsage) {
+      windows_.ShowMessage(UserInterface::MessageKind::kCritical,
+                           LoadText(TextId::kNoSuchProfile, {ForDisplay(*dropped.profile)}));
+    }
   } catch (const std::exception& fault) {
     TerminalUser::Warn(ForDisplay(fault.what()));
-    windows.ShowMessage(UserInterface::MessageKind::kCritical, LoadText(TextId::kRunTimeError));
+    windows_.ShowMessage(UserInterface::MessageKind::kCritical,
+                         LoadText(TextId::kRunFault, {ForDisplay(fault.what())}));
   }
-  windows.Unload();  // they know the objects of the run
-  return status;
+}
+
+int Session::Run() {
+  try {
+    for (const std::string& warning : SettingsWarnings(globals_)) TerminalUser::Warn(ForDisplay(warning));
+    const int status = options_.paths.empty() ? RunList() : RunPaths(options_);
+    return status == kExitDone && !SurplusPaths(options_).empty() ? kExitUndone : status;
+  } catch (const std::exception& fault) {
+    TerminalUser::Warn(ForDisplay(fault.what()));
+    windows_.ShowMessage(UserInterface::MessageKind::kCritical, LoadText(TextId::kRunTimeError));
+    return kExitUndone;
+  }
 }
 
 }  // namespace
@@ -134,7 +162,7 @@ int RunWindowed(const Options& options) {
   const SettingsFolders folders = FindSettingsFolders(options.settings);
   std::unique_ptr<platform::RunningCopy> copy;
   if (!BecomeFirst(options, folders, &copy)) return kExitUndone;
-  return Run(options, folders, copy.get(), password);
+  return Session(options, folders, copy.get(), password).Run();
 }
 
 }  // namespace quendle

@@ -8,12 +8,11 @@
 #include "base/modSystem.h"
 #include "base/text.h"
 #include "core/failure_text.h"
+#include "core/profile_choice.h"
 #include "resources/string_table.h"
 
 namespace quendle {
 namespace {
-
-constexpr std::int16_t kExtractBit = static_cast<std::int16_t>(StepKind::kExtract);
 
 bool IsMissing(const platform::Result& result) {
   return result.code == platform::Code::kNotFound || result.code == platform::Code::kNotFolder;
@@ -48,11 +47,7 @@ bool ActionForm::Advance() {
 }
 
 bool ActionForm::NeedsUser() const {
-  const clsMover& mover = environment_.mover;
-  if (mover.SHOWUSERFORM) return true;
-  if (profile_ || mover.PATTERNMATCHCOUNT() == 1) return false;
-  const bool is_tested = mover.ARCHIVETYPE != 0 && mover.Settings().Standard().Flag(TextId::kTest);
-  return mover.PATTERNMATCHCOUNT() > 1 || !is_tested;
+  return environment_.mover.SHOWUSERFORM || !ChooseProfile(environment_.mover, profile_).IsClear();
 }
 
 platform::Result ActionForm::ReadTarget() {
@@ -90,8 +85,8 @@ bool ActionForm::Fill() {
 // Selects the wanted title when it matches, else the one that was named for the run, else the first.
 void ActionForm::FillProfiles(const std::string& wanted) {
   clsMover& mover = environment_.mover;
-  titles_ = mover.GetAccordantTitles();
-  titles_.erase(titles_.begin(), mover.PATTERNMATCHCOUNT() == 0 ? titles_.end() : titles_.begin() + 2);
+  mover.GetAccordantTitles();
+  titles_ = mover.Matches();
   view_ = {};
   view_.edits_profile = !titles_.empty();
   auto selected = std::find(titles_.begin(), titles_.end(), wanted);
@@ -114,10 +109,11 @@ void ActionForm::FillProfiles(const std::string& wanted) {
 
 void ActionForm::LoadProfile() {
   clsMover& mover = environment_.mover;
-  view_.problem = LoadText(LoadValues());
+  refusal_ = LoadValues();
+  view_.problem = LoadText(refusal_);
   if (!view_.problem.empty()) {
     // What was read so far belongs to no profile.
-    mover.ACTION = 0;
+    mover.ACTION = kNoSteps;
     for (std::size_t row = 0; row < kActionRows; ++row) Destination(row).clear();
   }
   if (asks_) LeaveOutExtraction();
@@ -134,23 +130,23 @@ void ActionForm::LoadProfile() {
 Reason ActionForm::LoadValues() {
   clsMover& mover = environment_.mover;
   Reason why;
-  if (const std::string title = SelectedTitle(); !title.empty()) {
-    (void)mover.FillFromProfile(title, &why);
-  } else if (mover.ARCHIVETYPE != 0 && mover.Settings().Standard().Flag(TextId::kTest)) {
-    (void)mover.FillFromTestSettings(&why);
-  } else {
-    mover.SetDefaultItemData();
-    mover.EXTRACTTO = mover.GetTargetPathByFolder(1, mover.EXTRACTTO);
-    mover.MOVETO = mover.GetTargetPathByFolder(2, mover.MOVETO);
-    mover.COPYTO = mover.GetTargetPathByFolder(4, mover.COPYTO);
+  const std::string title = SelectedTitle();
+  const ProfileChoice choice = ChooseProfile(mover, title.empty() ? std::nullopt : std::optional(title));
+  if (choice.IsClear()) {
+    (void)FillFromChoice(choice, &mover, &why);
+    return why;
   }
-  return why;
+  mover.SetDefaultItemData();
+  for (std::size_t row = 0; row < kActionRows; ++row) {
+    Destination(row) = mover.GetTargetPathByFolder(kStepKinds[row], Destination(row));
+  }
+  return {};
 }
 
 // Its box is disabled then, so that the user could not do it.
 void ActionForm::LeaveOutExtraction() {
   clsMover& mover = environment_.mover;
-  if (mover.ARCHIVETYPE == 0) mover.ACTION = static_cast<std::int16_t>(mover.ACTION & ~kExtractBit);
+  if (mover.ARCHIVETYPE == 0) mover.ACTION = WithStep(mover.ACTION, StepKind::kExtract, false);
 }
 
 bool ActionForm::Execute() {
@@ -175,6 +171,7 @@ bool ActionForm::Execute() {
   }
   if (!problem.empty()) {
     Refuse(title.empty() ? LoadText(TextId::kNoProfile) : title, problem);
+    if (!refusal_.empty()) mover.NoteTold(title, refusal_);
     Reload(title);
     return false;
   }

@@ -1,12 +1,12 @@
 // The action window without its widgets: the walk over the paths of a run, what is known of the current one and chosen
 // for it, and the commands. The window shows View() and hands on what the user does.
 //
-// The three actions are counted as the window orders them: 0 extract, 1 move, 2 copy.
+// The three actions are counted as the window orders them (kStepKinds): 0 extract, 1 move, 2 copy.
 #pragma once
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,7 +15,7 @@
 
 namespace quendle {
 
-inline constexpr std::size_t kActionRows = 3;
+inline constexpr std::size_t kActionRows = std::size(kStepKinds);
 
 struct ActionView {
   std::string title;   // "2/5 - Reports"
@@ -139,6 +139,7 @@ class ActionForm {
   std::optional<std::string> profile_;
   std::vector<std::string> titles_;  // beside view_.profiles; empty for the unregistered entry
   std::array<Field, kActionRows> fields_;
+  Reason refusal_;     // why the selected profile must not be acted on
   bool asks_ = false;  // the user is to settle the current path
   ActionView view_;
   std::vector<std::string> undone_;

@@ -11,8 +11,6 @@
 namespace quendle {
 namespace {
 
-constexpr std::int16_t kBits[kActionRows] = {1, 2, 4};
-constexpr std::int16_t kMoveAndCopy = 6;
 constexpr int kRenameEntries = 4;
 
 void CheckRange(int value, int count) {
@@ -54,7 +52,7 @@ void ActionForm::StepProfile(int step) {
 void ActionForm::Tick(std::size_t row, bool ticked) {
   std::int16_t& action = environment_.mover.ACTION;
   if (!view_.rows.at(row).can_tick) return;
-  action = static_cast<std::int16_t>(ticked ? action | kBits[row] : action & ~kBits[row]);
+  action = WithStep(action, kStepKinds[row], ticked);
   UpdateView();
 }
 
@@ -76,13 +74,13 @@ void ActionForm::TypeFolder(std::size_t row, const std::string& shown) {
   field.folder = is_folder ? field.path : "";
   RememberFolder(row);
   Destination(row) =
-      is_folder ? environment_.mover.GetTargetPathByFolder(kBits[row], field.folder) : field.path;
+      is_folder ? environment_.mover.GetTargetPathByFolder(kStepKinds[row], field.folder) : field.path;
   UpdateView();
 }
 
 void ActionForm::ChooseFolder(std::size_t row, const std::string& folder) {
   CheckRange(static_cast<int>(row), static_cast<int>(kActionRows));
-  Destination(row) = environment_.mover.GetTargetPathByFolder(kBits[row], folder);
+  Destination(row) = environment_.mover.GetTargetPathByFolder(kStepKinds[row], folder);
   FillField(row, folder);
   UpdateView();
 }
@@ -109,7 +107,7 @@ void ActionForm::ComputeFields() {
   for (std::size_t row = 1; row < kActionRows; ++row) {
     Field& field = fields_[row];
     if (field.folder.empty()) continue;
-    Destination(row) = environment_.mover.GetTargetPathByFolder(kBits[row], field.folder);
+    Destination(row) = environment_.mover.GetTargetPathByFolder(kStepKinds[row], field.folder);
     if (!field.is_typed) FillField(row, std::string(field.folder));
   }
 }
@@ -148,12 +146,13 @@ void ActionForm::UpdateView() {
   view_.is_archive = mover.ARCHIVETYPE != 0;
   for (std::size_t row = 0; row < kActionRows; ++row) {
     ActionView::Row& shown = view_.rows[row];
-    shown.is_ticked = (mover.ACTION & kBits[row]) != 0;
+    shown.is_ticked = Includes(mover.ACTION, kStepKinds[row]);
     shown.can_tick = view_.problem.empty() && (row > 0 || view_.is_archive);
     shown.can_fill = shown.is_ticked && shown.can_tick;
     shown.folder = fields_[row].shown;
   }
-  view_.can_rename = !mover.DOESFOLDER && (mover.ACTION & kMoveAndCopy) != 0;
+  const bool brings = view_.rows[1].is_ticked || view_.rows[2].is_ticked;
+  view_.can_rename = !mover.DOESFOLDER && brings;
   view_.can_set_extraction = view_.rows[0].can_fill;
   view_.overwrites = mover.EXTRACTTYPE == 1;
   view_.smart_make_dir = mover.SMARTMAKEDIR;

@@ -36,6 +36,7 @@ clsMover::clsMover(const Environment& environment, std::unique_ptr<clsArchiver> 
   for (std::size_t i = 1; i < CommandLineArgs.size(); ++i) {
     CommandLineArgs[i] = MakeAbsolute(CommandLineArgs[i], current_folder);
   }
+  operation_.pExactPath(true);
   operation_.pAllowUndo(false);
   operation_.pConfirmMakeDir(false);
   operation_.pRenameOnCollision(false);
@@ -95,8 +96,8 @@ std::vector<std::string> clsMover::GetAccordantTitles() {
   for (const ProfileIndexEntry& profile : ProfileIndex) {
     if (profile.expression.MatchWhole(subject) == RegexAnswer::kWhole) titles.push_back(profile.Title);
   }
-  pattern_match_count_ = static_cast<std::int32_t>(titles.size()) - 2;
-  if (pattern_match_count_ == 0) {
+  matches_.assign(titles.begin() + 2, titles.end());
+  if (matches_.empty()) {
     for (const ProfileIndexEntry& profile : ProfileIndex) titles.push_back(profile.Title);
   }
   ARCHIVETYPE = DetectArchiveType();
@@ -146,9 +147,9 @@ void clsMover::FillFrom(const ProfileValues& profile) {
   OPENFILE = profile.Text(TextId::kOpenFile);
   MOVEINTO = profile.Text(TextId::kMoveTo);
   COPYINTO = profile.Text(TextId::kCopyTo);
-  EXTRACTTO = GetTargetPathByFolder(1, profile.Text(TextId::kExtractTo));
-  MOVETO = GetTargetPathByFolder(2, MOVEINTO);
-  COPYTO = GetTargetPathByFolder(4, COPYINTO);
+  EXTRACTTO = GetTargetPathByFolder(StepKind::kExtract, profile.Text(TextId::kExtractTo));
+  MOVETO = GetTargetPathByFolder(StepKind::kMove, MOVEINTO);
+  COPYTO = GetTargetPathByFolder(StepKind::kCopy, COPYINTO);
 }
 
 bool clsMover::FillFromTestSettings(Reason* why) {
@@ -156,14 +157,14 @@ bool clsMover::FillFromTestSettings(Reason* why) {
   *why = FolderProblem(why::kFolderOfTest, test.Text(TextId::kExtractTo), snapshot_->files().test);
   if (!why->empty()) return false;
   SetDefaultItemData();
-  ACTION = static_cast<std::int16_t>(StepKind::kExtract);
+  ACTION = WithStep(kNoSteps, StepKind::kExtract);
   SMARTRENAME = DOESFOLDER ? std::int16_t{1} : test.Number(TextId::kSmartRename);
   EXTRACTTYPE = test.Number(TextId::kExtractType);
   SMARTMAKEDIR = test.Flag(TextId::kSmartMakeDir);
   OPENDIR = test.Flag(TextId::kOpenDir);
   const std::string folder =
       AddBackslash(test.Text(TextId::kExtractTo)) + environment_.file_info.pFileNameNoExt();
-  EXTRACTTO = GetTargetPathByFolder(1, folder.empty() ? EXTRACTTO : folder);
+  EXTRACTTO = GetTargetPathByFolder(StepKind::kExtract, folder.empty() ? EXTRACTTO : folder);
   for (std::string* path : {&MOVETO, &COPYTO, &MOVEINTO, &COPYINTO}) path->clear();
   return true;
 }
@@ -188,7 +189,9 @@ std::vector<std::string> clsMover::ProfileProblems(bool also_idle) const {
     };
     if (const Reason error = entry.expression.Error(); !error.empty()) tell(why::kPatternUnusable(error));
     const ProfileValues profile = *snapshot_->Profile(entry.Title);
-    tell(ProfileProblem(entry.Title, *snapshot_));
+    const Reason refusal = ProfileProblem(entry.Title, *snapshot_);
+    const auto told = told_.find(entry.Title);
+    if (told == told_.end() || told->second != refusal) tell(refusal);
     tell(EntryPatternProblem(profile));
     if (also_idle) tell(IdleKeys(profile));
   }

@@ -20,6 +20,7 @@
 #include "files/clsFileInfo.h"
 #include "files/clsFileOperation.h"
 #include "platform/entries/entry_status.h"
+#include "settings/action_steps.h"
 #include "settings/run_settings.h"
 
 namespace quendle {
@@ -29,9 +30,6 @@ struct ProfileIndexEntry {
   std::string Pattern;
   Regex expression;  // Pattern, compiled once
 };
-
-// The kinds are the bits of an action code.
-enum class StepKind : std::int16_t { kExtract = 1, kMove = 2, kCopy = 4 };
 
 enum class StepResult {
   kPlanned,  // would be done
@@ -74,14 +72,14 @@ class clsMover {
   std::string MOVETO;               // full path to move a file to; the folder to move a folder into
   std::string COPYTO;               // the same for copying
   std::string EXTRACTTO;            // folder to extract into
-  std::int16_t ACTION = 2;          // bits: 1 extract, 2 move, 4 copy
-  std::int16_t SMARTRENAME = 1;     // 1 keep names, 2 always append the date, 3 append it on a collision
-  std::int16_t EXTRACTTYPE = 2;     // 1 overwrite, 2 update
-  bool SMARTMAKEDIR = false;        // no second folder level for an archive with a single root folder
-  bool OPENDIR = false;             // open the extraction folder afterwards
-  std::string INCLUDE;              // patterns separated by ";" of the archive's entries to take
-  std::string EXCLUDE;              // and to leave
-  std::string OPENFILE;             // names separated by ";" of what to open in EXTRACTTO afterwards
+  std::int16_t ACTION = static_cast<std::int16_t>(StepKind::kMove);  // the steps as bits
+  std::int16_t SMARTRENAME = 1;  // 1 keep names, 2 always append the date, 3 append it on a collision
+  std::int16_t EXTRACTTYPE = 2;  // 1 overwrite, 2 update
+  bool SMARTMAKEDIR = false;     // no second folder level for an archive with a single root folder
+  bool OPENDIR = false;          // open the extraction folder afterwards
+  std::string INCLUDE;           // patterns separated by ";" of the archive's entries to take
+  std::string EXCLUDE;           // and to leave
+  std::string OPENFILE;          // names separated by ";" of what to open in EXTRACTTO afterwards
   // The folders from which MOVETO and COPYTO were computed by smart rename: a name that is taken meanwhile is chosen
   // anew. Empty: the path is meant as it stands.
   std::string MOVEINTO;
@@ -105,15 +103,21 @@ class clsMover {
   // empty, 1 is "（なし）", from 2 on come the titles of the profiles that match or, when none does, of all
   // profiles.
   std::vector<std::string> GetAccordantTitles();
-  std::int32_t PATTERNMATCHCOUNT() const { return pattern_match_count_; }
+  std::int32_t PATTERNMATCHCOUNT() const { return static_cast<std::int32_t>(matches_.size()); }
+  // The titles of those that matched then.
+  const std::vector<std::string>& Matches() const { return matches_; }
 
   // The profile's title as it is written in the store, without regard to the case of `title`.
   std::optional<std::string> FindTitle(const std::string& title) const;
   bool CheckDupTitle(const std::string& title) const { return FindTitle(title).has_value(); }
 
-  // What is wrong with profiles: why one is never acted on, patterns that cannot be used or whose matching went over
-  // the limit so far, and titles that stand more than once. With `also_idle`, which keys do not count, too. One line each.
+  // What is wrong with profiles: why one is never acted on, unless NoteTold says that it has been told; patterns that
+  // cannot be used or whose matching went over the limit so far, and titles that stand more than once. With
+  // `also_idle`, which keys do not count, too. One line each.
   std::vector<std::string> ProfileProblems(bool also_idle) const;
+
+  // The user has been told that FillFromProfile refuses this profile, and why.
+  void NoteTold(const std::string& title, const Reason& why) { told_[title] = why; }
 
   // Archiver libraries that could not be used so far, one line each.
   std::vector<std::string> LibraryProblems() const { return archiver_->LibraryProblems(); }
@@ -129,10 +133,9 @@ class clsMover {
   bool FillFromTestSettings(Reason* why);
   void SetDefaultItemData();
 
-  // The path that a folder chosen for one kind of action (1 extraction, 2 move, 4 copy) leads to: the folder
-  // itself for an extraction and for a folder as target, else the file's path in it after smart rename. Empty
-  // for another kind.
-  std::string GetTargetPathByFolder(std::int16_t kind, const std::string& folder) const;
+  // The path that a folder chosen for one kind of step leads to: the folder itself for an extraction and for a folder
+  // as target, else the file's path in it after smart rename.
+  std::string GetTargetPathByFolder(StepKind kind, const std::string& folder) const;
 
   // `folder`/`name`, or by SMARTRENAME with the target's date: "/d", "a.txt" => "/d/a.txt",
   // "/d/a_20031107.txt",
@@ -162,6 +165,7 @@ class clsMover {
   void ReadIndex();
   void FillFrom(const ProfileValues& profile);
   std::vector<ActionStep> WalkSteps(bool execute, bool somebody_answers);
+  void CheckAction() const;
   ActionStep MakeStep(StepKind kind, bool execute) const;
   std::string FinalPath(StepKind kind) const;
   Reason KnownProblem(const ActionStep& step, bool execute) const;
@@ -169,14 +173,12 @@ class clsMover {
   const std::string* ChoosesNameIn(StepKind kind) const;
   void PlanOtherName(ActionStep* step, const std::vector<ActionStep>& earlier);
   bool WouldAsk(const ActionStep& step, const std::vector<ActionStep>& earlier) const;
-  bool IsMoveIntoOwnFolder(StepKind kind) const;
+  bool IsMoveToWhereItIs(const ActionStep& step) const;
   void PlanExtractStep(ActionStep* step, bool somebody_answers);
   bool RunStep(ActionStep* step);
   bool TransferStep(ActionStep* step);
   void HandOptionsToArchiver();
   bool ExtractStep();
-  bool CopyStep();
-  bool MoveStep();
   void OpenFiles();
   bool IsTarget(const platform::EntryStatus& entry) const;
   bool NameIsTaken(const std::string& path) const;
@@ -188,8 +190,9 @@ class clsMover {
   std::vector<std::string> CommandLineArgs;
   std::vector<ProfileIndexEntry> ProfileIndex;
   std::shared_ptr<const SettingsSnapshot> snapshot_;
-  std::int32_t pattern_match_count_ = 0;
+  std::vector<std::string> matches_;
   std::vector<ActionStep> steps_;
+  std::unordered_map<std::string, Reason> told_;  // why profiles are not acted on, by their titles
   // Both by the paths of WithRealFolder; the first with what is there now of the entry that will be there.
   std::unordered_map<std::string, std::string> assumed_taken_;
   std::unordered_set<std::string> assumed_free_;

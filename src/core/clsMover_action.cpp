@@ -16,10 +16,6 @@ namespace {
 // Extraction first; the move last, since the file is gone from its place after it.
 constexpr StepKind kStepOrder[] = {StepKind::kExtract, StepKind::kCopy, StepKind::kMove};
 
-bool Includes(std::int16_t action, StepKind kind) {
-  return (action & static_cast<std::int16_t>(kind)) != 0;
-}
-
 Reason Described(const platform::Result& place) {
   return place.ok() ? Reason() : why::kAbout(place.reason, place.path);
 }
@@ -41,7 +37,7 @@ bool clsMover::ActionMain() {
   const BusyScope busy(environment_.user);
   steps_ = WalkSteps(true, true);
   for (const ActionStep& step : steps_) {
-    const bool may_fail = ACTION == 7 && step.kind == StepKind::kCopy;
+    const bool may_fail = ACTION == kAllSteps && step.kind == StepKind::kCopy;
     if (step.result != StepResult::kDone && !may_fail) return false;
   }
   return true;
@@ -49,7 +45,7 @@ bool clsMover::ActionMain() {
 
 // Plan and run walk the same way: only here do they part.
 std::vector<ActionStep> clsMover::WalkSteps(bool execute, bool somebody_answers) {
-  if (ACTION < 0 || ACTION > 7) ProgrammingError("action code outside 0 to 7");
+  CheckAction();
   std::vector<ActionStep> steps;
   bool stopped = false;
   bool stopped_by_user = false;
@@ -72,7 +68,7 @@ std::vector<ActionStep> clsMover::WalkSteps(bool execute, bool somebody_answers)
         step.error = DOESFOLDER ? why::kFilesExistUnasked : why::kFileExistsUnasked;
       }
     }
-    if (step.result == StepResult::kFailed && !(ACTION == 7 && kind == StepKind::kCopy)) {
+    if (step.result == StepResult::kFailed && !(ACTION == kAllSteps && kind == StepKind::kCopy)) {
       stopped = true;
       stopped_by_user = step.by_user;
     }
@@ -83,7 +79,7 @@ std::vector<ActionStep> clsMover::WalkSteps(bool execute, bool somebody_answers)
 
 ActionStep clsMover::MakeStep(StepKind kind, bool execute) const {
   ActionStep step{kind, FinalPath(kind), StepResult::kPlanned, {}};
-  if (IsMoveIntoOwnFolder(kind)) {
+  if (IsMoveToWhereItIs(step)) {
     step.result = StepResult::kSkipped;
     step.error = why::kInThatFolder;
     return step;
@@ -100,9 +96,10 @@ std::string clsMover::FinalPath(StepKind kind) const {
   return AddBackslash(to) + environment_.file_info.pFileNameLong();
 }
 
-bool clsMover::IsMoveIntoOwnFolder(StepKind kind) const {
-  return kind == StepKind::kMove && Includes(ACTION, StepKind::kExtract) &&
-         RemoveBackslash(MOVETO) == environment_.file_info.pFolderPathLong();
+// After an extraction a move into the target's own folder has nothing to do; another name in it is a move like any.
+bool clsMover::IsMoveToWhereItIs(const ActionStep& step) const {
+  return step.kind == StepKind::kMove && Includes(ACTION, StepKind::kExtract) && IsRootedPath(step.to) &&
+         platform::WithRealFolder(step.to) == platform::WithRealFolder(ORIGINALPATH);
 }
 
 Reason clsMover::KnownProblem(const ActionStep& step, bool execute) const {
@@ -152,7 +149,7 @@ void clsMover::PlanOtherName(ActionStep* step, const std::vector<ActionStep>& ea
       before.kind == StepKind::kCopy && before.result == StepResult::kPlanned && before.to == step->to;
   if (!is_taken || folder == nullptr) return;
   const auto place = assumed_taken_.emplace(platform::WithRealFolder(step->to), ORIGINALPATH).first;
-  step->to = GetTargetPathByFolder(static_cast<std::int16_t>(step->kind), *folder);
+  step->to = GetTargetPathByFolder(step->kind, *folder);
   assumed_taken_.erase(place);
 }
 
@@ -186,30 +183,20 @@ bool clsMover::RunStep(ActionStep* step) {
 // A name that smart rename has found free may be taken by the time the file comes; then the next one is found.
 bool clsMover::TransferStep(ActionStep* step) {
   constexpr int kMostTries = 100;
-  const bool moves = step->kind == StepKind::kMove;
-  std::string& to = moves ? MOVETO : COPYTO;
+  const auto operate = step->kind == StepKind::kMove ? &clsFileOperation::mMove : &clsFileOperation::mCopy;
   const std::string* folder = ChoosesNameIn(step->kind);
   operation_.pFailIfTaken(folder != nullptr);
   for (int tries = 1;; ++tries) {
-    if (moves ? MoveStep() : CopyStep()) return true;
+    if ((operation_.*operate)(ORIGINALPATH, step->to)) return true;
     const bool is_taken =
         operation_.pFailIfTaken() && operation_.LastFailure().code == platform::Code::kExists;
     if (!is_taken || tries == kMostTries) return false;
-    std::string next = GetTargetPathByFolder(static_cast<std::int16_t>(step->kind), *folder);
-    if (next == to && FolderExists(to)) return false;  // it would go into that
-    if (next == to) operation_.pFailIfTaken(false);    // it is taken by what belongs there: the user is asked
-    to = std::move(next);
-    step->to = to;
+    std::string next = GetTargetPathByFolder(step->kind, *folder);
+    if (next == step->to && FolderExists(next)) return false;  // which no file replaces
+    if (next == step->to)
+      operation_.pFailIfTaken(false);  // it is taken by what belongs there: the user is asked
+    step->to = std::move(next);
   }
-}
-
-bool clsMover::MoveStep() {
-  return operation_.mMove(ORIGINALPATH, DOESFOLDER ? AddBackslash(MOVETO) : MOVETO);
-}
-
-// A folder goes below its destination also when that does not exist yet: the separator says so.
-bool clsMover::CopyStep() {
-  return operation_.mCopy(ORIGINALPATH, DOESFOLDER ? AddBackslash(COPYTO) : COPYTO);
 }
 
 void clsMover::HandOptionsToArchiver() {
@@ -235,7 +222,7 @@ bool clsMover::ExtractStep() {
   const bool extracted = archiver_->mExtractArchive(EXTRACTTO);
   SMARTMAKEDIR = archiver_->SMARTMAKEDIR;  // cleared where there is no folder level to save
   if (!extracted) return false;
-  if (OPENDIR) environment_.user.OpenFolder(EXTRACTTO, FileManagerOf(snapshot_->Standard()));
+  if (OPENDIR) environment_.user.ShowInFileManager(EXTRACTTO, FileManagerOf(snapshot_->Standard()));
   OpenFiles();
   return true;
 }

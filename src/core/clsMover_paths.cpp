@@ -8,20 +8,23 @@
 
 namespace quendle {
 
-std::string clsMover::GetTargetPathByFolder(std::int16_t kind, const std::string& written) const {
+std::string clsMover::GetTargetPathByFolder(StepKind kind, const std::string& written) const {
   std::string folder = PlainPath(written);
-  if (kind == 1) return folder;
-  if (kind != 2 && kind != 4) return "";
-  if (DOESFOLDER) return folder;
-  if (ACTION < 0 || ACTION > 7) ProgrammingError("action code outside 0 to 7");
+  if (kind == StepKind::kExtract || DOESFOLDER) return folder;
+  CheckAction();
   const std::string& name = environment_.file_info.pFileNameLong();
-  if (ACTION != 0 && ACTION != 2 && ACTION != 4) {
+  const bool copies_and_moves = Includes(ACTION, StepKind::kCopy) && Includes(ACTION, StepKind::kMove);
+  if (copies_and_moves || Includes(ACTION, StepKind::kExtract)) {
     // With other steps around it, a destination that is the file itself means that the file stays.
     std::string plain = AddBackslash(folder) + name;
     if (platform::EntryStatus there; platform::ReadStatus(plain, &there).ok() && IsTarget(there))
       return plain;
   }
   return GetFilenameBySmartRename(folder, name);
+}
+
+void clsMover::CheckAction() const {
+  if (ACTION < kNoSteps || ACTION > kAllSteps) ProgrammingError("action code outside 0 to 7");
 }
 
 // Whether /in and /IN are one folder is for the file system to say.

@@ -1,6 +1,6 @@
 #include "core/dispatch.h"
 
-#include "resources/string_table.h"
+#include "core/profile_choice.h"
 
 namespace quendle {
 namespace {
@@ -13,24 +13,28 @@ std::string JoinTitles(const std::vector<std::string>& titles) {
 
 // Fills the dispatcher's state from the one profile that is to act. False, with the report's outcome and
 // error set, when there is none or it cannot be used.
-bool ChooseProfile(clsMover* mover, const DispatchOptions& options, DispatchReport* report) {
-  if (options.profile) {
-    report->profile = *options.profile;
-  } else if (report->matches.size() == 1) {
-    report->profile = report->matches.front();
-  } else if (report->matches.size() > 1) {
-    report->outcome = Outcome::kAmbiguous;
-    report->error = why::kSeveralMatch(report->matches.size(), JoinTitles(report->matches));
-    return false;
-  } else if (mover->ARCHIVETYPE != 0 && mover->Settings().Standard().Flag(TextId::kTest)) {
-    return mover->FillFromTestSettings(&report->error);
-  } else {
-    report->outcome = Outcome::kUnmatched;
-    report->error = why::kNoneMatches;
-    return false;
+bool FillByChoice(clsMover* mover, const DispatchOptions& options, DispatchReport* report) {
+  const ProfileChoice choice = ChooseProfile(*mover, options.profile);
+  switch (choice.kind) {
+    case ProfileChoice::Kind::kAmbiguous:
+      report->outcome = Outcome::kAmbiguous;
+      report->error = why::kSeveralMatch(report->matches.size(), JoinTitles(report->matches));
+      return false;
+    case ProfileChoice::Kind::kNone:
+      report->outcome = Outcome::kUnmatched;
+      report->error = why::kNoneMatches;
+      return false;
+    case ProfileChoice::Kind::kTestSettings:
+      break;
+    case ProfileChoice::Kind::kProfile:
+      report->profile = choice.title;
+      break;
   }
-  if (mover->FillFromProfile(*report->profile, &report->error)) return true;
-  report->error = why::kInProfile(*report->profile, report->error);
+  if (FillFromChoice(choice, mover, &report->error)) return true;
+  if (report->profile) {
+    mover->NoteTold(*report->profile, report->error);
+    report->error = why::kInProfile(*report->profile, report->error);
+  }
   return false;
 }
 
@@ -57,10 +61,10 @@ DispatchReport DispatchCurrent(clsMover* mover, const clsFileInfo& file_info,
     report.error = why::kSettingsUnreadable(why::kAbout(read.path, read.reason));
     return report;
   }
-  const std::vector<std::string> titles = mover->GetAccordantTitles();
+  mover->GetAccordantTitles();
   report.archive_type = mover->ARCHIVETYPE;
-  if (mover->PATTERNMATCHCOUNT() > 0) report.matches.assign(titles.begin() + 2, titles.end());
-  if (!ChooseProfile(mover, options, &report)) return report;
+  report.matches = mover->Matches();
+  if (!FillByChoice(mover, options, &report)) return report;
 
   if (options.dry_run) {
     report.steps = mover->PlanSteps();

@@ -3,7 +3,7 @@
 #include "base/display.h"
 #include "base/modSystem.h"
 #include "base/text.h"
-#include "core/failure_text.h"
+#include "core/action_text.h"
 #include "resources/string_table.h"
 #include "settings/setting_keys.h"
 
@@ -51,16 +51,10 @@ bool IsShown(const SettingKey& key, EditMode mode) {
   ProgrammingError("the editor is called in a mode that it does not have");
 }
 
-std::string ActionText(const std::string& stored) {
+std::string StoredActionText(const std::string& stored) {
   double number = 0;
-  if (!ToNumber(stored, &number) || number < 1 || number > 7) return stored;
-  std::string text;
-  for (const StepKind kind : {StepKind::kExtract, StepKind::kMove, StepKind::kCopy}) {
-    if ((static_cast<int>(number) & static_cast<int>(kind)) == 0) continue;
-    if (!text.empty()) text += "+";
-    text += StepName(kind);
-  }
-  return text;
+  if (!ToNumber(stored, &number) || number < kNoSteps + 1 || number > kAllSteps) return stored;
+  return ActionText(static_cast<std::int16_t>(number), "+");
 }
 
 }  // namespace
@@ -95,7 +89,7 @@ std::string ValueText(TextId key, const std::string& stored) {
   if (rule.kind == SettingKey::Kind::kFlag) {
     return LoadText(ToBoolean(stored) ? TextId::kOnValue : TextId::kOffValue);
   }
-  if (key == TextId::kAction) return ActionText(stored);
+  if (key == TextId::kAction) return StoredActionText(stored);
   double number = 0;
   if (rule.kind == SettingKey::Kind::kNumber && ToNumber(stored, &number)) {
     for (int choice = rule.lowest; choice <= rule.highest; ++choice) {

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "base/display.h"
-#include "base/modSystem.h"
 #include "base/text.h"
+#include "core/action_text.h"
 #include "resources/string_table.h"
 
 namespace quendle {
@@ -27,18 +27,6 @@ std::string Problems(const std::vector<ExtractionProblem>& problems) {
 }
 
 }  // namespace
-
-std::string StepName(StepKind kind) {
-  switch (kind) {
-    case StepKind::kExtract:
-      return LoadText(TextId::kExtractStep);
-    case StepKind::kMove:
-      return LoadText(TextId::kMoveStep);
-    case StepKind::kCopy:
-      return LoadText(TextId::kCopyStep);
-  }
-  ProgrammingError("unknown step");
-}
 
 std::string FailureText(const std::string& path, const std::vector<ActionStep>& steps) {
   std::string text;

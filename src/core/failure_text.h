@@ -8,9 +8,6 @@
 
 namespace quendle {
 
-// "解凍", "移動", "コピー"
-std::string StepName(StepKind kind);
-
 // Several lines, "\r\n" between them, in the language of the windows: the path, each step that was not done with its
 // destination, and why. Names are shown as by ForDisplay. Empty when each step was done, or was left undone
 // because the user said so.

@@ -18,9 +18,6 @@
 namespace quendle {
 namespace {
 
-// In the order of the rows of folders.
-constexpr std::int16_t kActionBits[kActionRows] = {1, 2, 4};
-
 ProfileRow RowOf(const std::string& title, const ProfileValues& profile) {
   constexpr TextId kFolders[kActionRows] = {TextId::kExtractTo, TextId::kMoveTo, TextId::kCopyTo};
   ProfileRow row{title,
@@ -30,7 +27,7 @@ ProfileRow RowOf(const std::string& title, const ProfileValues& profile) {
                  {}};
   for (std::size_t i = 0; i < kActionRows; ++i) {
     row.folders[i] = {profile.Text(kFolders[i]), profile.IsInherited(kFolders[i]),
-                      (row.action & kActionBits[i]) != 0};
+                      Includes(row.action, kStepKinds[i])};
   }
   return row;
 }

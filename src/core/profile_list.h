@@ -27,7 +27,7 @@ std::string TitleProblem(const std::string& title);
 struct ProfileRow {
   std::string title;
   std::string pattern;
-  std::int16_t action = 0;       // bits: 1 extract, 2 move, 4 copy
+  std::int16_t action = 0;       // as in settings/action_steps.h
   bool inherits_action = false;  // from the standard settings
 
   // What becomes of each action, counted as in ActionView: extract, move, copy.

@@ -6,6 +6,7 @@
 #include "base/text.h"
 #include "platform/text/misread_utf8.h"
 #include "resources/string_table.h"
+#include "settings/action_steps.h"
 #include "settings/clsIniFile.h"
 
 namespace quendle {
@@ -45,7 +46,7 @@ Reason ProfileProblem(const std::string& title, const SettingsSnapshot& settings
       return why::kMisread(why::kItsValue(LoadText(key.name)));
     }
   }
-  const bool extracts = (profile.Number(TextId::kAction) & 1) != 0;
+  const bool extracts = Includes(profile.Number(TextId::kAction), StepKind::kExtract);
   if (extracts && (MayBeCut(profile.Text(TextId::kInclude)) || MayBeCut(profile.Text(TextId::kExclude)))) {
     return why::kEntryPatternsMayBeCut;
   }

@@ -5,6 +5,7 @@
 
 #include "base/modString.h"
 #include "base/modSystem.h"
+#include "platform/entries/path_names.h"
 #include "platform/entries/paths.h"
 #include "platform/moving/file_operation.h"
 #include "platform/process/process.h"
@@ -37,7 +38,7 @@ class Observer : public platform::FileOperationObserver {
 
   bool UserDeclined() const { return user_declined_; }
 
-  Answer OnOverwrite(const platform::FileVersion& existing, const platform::FileVersion& incoming) override {
+  Answer OnOverwrite(const platform::FileSide& existing, const platform::FileSide& incoming) override {
     if (for_all_) return *for_all_;
     switch (user_.AskOverwrite(existing, incoming)) {
       case UserInterface::OverwriteAnswer::kYesToAll:
@@ -68,12 +69,6 @@ class Observer : public platform::FileOperationObserver {
   bool user_declined_ = false;
   std::optional<Answer> for_all_;
 };
-
-// The folder that is to hold the path; empty for the current one.
-std::string FolderOf(const std::string& path) {
-  const std::size_t cut = path.rfind(Separator(kHostStyle));
-  return cut == std::string::npos ? "" : RemoveBackslashes(path.substr(0, cut + 1));
-}
 
 }  // namespace
 
@@ -125,11 +120,11 @@ Result clsFileOperation::Transfer(Kind kind, const std::string& source, const st
   const std::string exact =
       is_folder ? AddBackslash(destination) + SplitPath(RemoveBackslashes(source)).name : destination;
   platform::FileOperationOptions options = Options();
-  options.into_folder = kind != Kind::kRename && !is_folder && !fails_if_taken_;
+  options.into_folder = kind != Kind::kRename && !is_folder && !fails_if_taken_ && !is_exact_;
   Result result = operation(source, exact, options, &observer);
 
-  const std::string folder = FolderOf(exact);
-  if (kind != Kind::kRename && result.code == Code::kNotFound && !folder.empty() && !FolderExists(folder) &&
+  const std::string folder = platform::FolderOf(exact);
+  if (kind != Kind::kRename && result.code == Code::kNotFound && !FolderExists(folder) &&
       platform::IsTaken(source)) {
     std::vector<std::string> made;
     result = MakeDestination(folder, &made);

@@ -27,7 +27,8 @@ class clsFileOperation {
   // To a path in an existing folder.
   bool mRename(const std::string& source, const std::string& destination);
 
-  // Into the destination when it is an existing folder or ends in a separator, else to exactly that path.
+  // Into the destination when it ends in a separator or, unless pExactPath, is an existing folder; else to exactly that
+  // path.
   // Missing folders are made, and those that were go again if nothing comes into them.
   bool mMove(const std::string& source, const std::string& destination);
   bool mCopy(const std::string& source, const std::string& destination);
@@ -55,6 +56,11 @@ class clsFileOperation {
   // and nobody is asked.
   bool pFailIfTaken() const { return fails_if_taken_; }
   void pFailIfTaken(bool value) { fails_if_taken_ = value; }
+
+  // A destination without a separator at its end is where the entry is to be, also when a folder is there: a folder is
+  // merged into that, and a file fails.
+  bool pExactPath() const { return is_exact_; }
+  void pExactPath(bool value) { is_exact_ = value; }
 
   // Progress without names.
   bool pSimpleProgress() const { return Has(FOF_SIMPLEPROGRESS); }
@@ -88,6 +94,7 @@ class clsFileOperation {
   void* target_ = nullptr;
   std::uint16_t flags_ = 0;
   bool fails_if_taken_ = false;
+  bool is_exact_ = false;
   platform::Result last_failure_;
   bool failed_by_user_ = false;
 };

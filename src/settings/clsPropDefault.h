@@ -55,8 +55,6 @@ class clsPropDefault {
   void FILER(const std::string& value) { Write(TextId::kFiler, value); }
   std::string FILERPARM() const { return Values().Text(TextId::kFilerParm); }
   void FILERPARM(const std::string& value) { Write(TextId::kFilerParm, value); }
-  std::string ARCHIVECHARSET() const { return Values().Text(TextId::kArchiveCharset); }
-  void ARCHIVECHARSET(const std::string& value) { Write(TextId::kArchiveCharset, value); }
   std::int16_t ACTION() const { return Values().Number(TextId::kAction); }
   void ACTION(std::int16_t value) { Write(TextId::kAction, value); }
   std::string EXTRACTTO() const { return Values().Text(TextId::kExtractTo); }

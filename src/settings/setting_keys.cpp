@@ -4,6 +4,7 @@
 
 #include "base/modSystem.h"
 #include "resources/string_table.h"
+#include "settings/action_steps.h"
 
 namespace quendle {
 namespace {
@@ -19,7 +20,8 @@ constexpr unsigned kT = static_cast<unsigned>(SettingsFile::kTest);
 constexpr SettingKey kKeys[] = {
     {kPattern, kText, kP},
     {kId, kFlag, kP, kNever, 0, 1},
-    {kAction, kNumber, kP | kS, kWithoutId, 0, 7, 0, 1},
+    {kAction, kNumber, kP | kS, kWithoutId, kNoSteps, kAllSteps, kNoSteps,
+     WithStep(kNoSteps, StepKind::kExtract)},
     {kSmartRename, kNumber, kP | kS | kT, kWithoutId, 1, 3, 1, 3},
     {kExtractType, kNumber, kP | kS | kT, kWithoutId, 1, 2, 1, 1},
     {kSmartMakeDir, kFlag, kP | kS | kT, kWithoutId, 0, 1},

@@ -8,7 +8,6 @@
 namespace quendle {
 namespace {
 
-namespace fs = std::filesystem;
 using Texts = std::vector<std::string>;
 
 const std::string kTree =
@@ -58,8 +57,7 @@ GTEST_TEST(ClsArchiverExtract, StopsAtTheFirstResultThatIsNotZero) {
 GTEST_TEST(ClsArchiverExtract, WhatIsLeftToExtract) {
   const char* const one = "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"A\"\n";
   const struct {
-    const char* script;
-    const char* exclude;
+    const char *script, *exclude;
     bool succeeds;
     const char* calls;
     Texts problems;
@@ -74,11 +72,7 @@ GTEST_TEST(ClsArchiverExtract, WhatIsLeftToExtract) {
       {"entry ../a\nentry b\n", "", false, "-x  -o \"~/a.cab\" \"~/d/\" \"@\"\n\"B\"\n", {"../a: "}},
       {"entry ..\n", "", false, "", {"..: "}},
       {"entry \n", "", false, "", {": there is no name for 1 of its entries"}},
-      {"entry a\nproblem its checksum is wrong\nproblem x\n",
-       "",
-       false,
-       one,
-       {"e: its checksum is wrong", "e: x"}},
+      {"entry a\nproblem bad sum\nproblem x\n", "", false, one, {"e: bad sum", "e: x"}},
       {"entry a\nresult 32\n", "", false, one, {": the archiver library reported error 32"}},
       {"entry a\nresult 3\nproblem no\n", "", false, one, {"e: no"}},
       {"entry a\ntold kVolumeMissing|x: %1\ntold kStopped|x\ntold kOfLaterVersion|x\n",
@@ -98,10 +92,7 @@ GTEST_TEST(ClsArchiverExtract, WhatIsLeftToExtract) {
     EXPECT_FALSE(bench.archiver.SMARTMAKEDIR);
     EXPECT_EQ(bench.Calls(), row.calls);
     EXPECT_EQ(fs::exists(bench.folder / "d"), row.succeeds && *row.calls != '\0');
-    const Texts problems = bench.Problems(bench.archiver.LastReport());
-    ASSERT_EQ(problems.size(), row.problems.size());
-    for (std::size_t i = 0; i < problems.size(); ++i)
-      EXPECT_TRUE(problems[i].starts_with(row.problems[i])) << problems[i];
+    EXPECT_TRUE(bench.Tells(bench.archiver.LastReport(), row.problems));
     EXPECT_TRUE(bench.user.logs.empty());
     EXPECT_EQ(bench.ResponseFilesLeft(), 0);
   }
@@ -109,10 +100,7 @@ GTEST_TEST(ClsArchiverExtract, WhatIsLeftToExtract) {
 
 GTEST_TEST(ClsArchiverExtract, PlacesThatCannotBeUsed) {
   const struct {
-    const char* archive;
-    const char* destination;
-    const char* reason;
-    const char* calls;
+    const char *archive, *destination, *reason, *calls;
     const char* temporary = "tmp";
   } rows[] = {
       {"a\"b", "d", "double quote", ""},
@@ -162,11 +150,7 @@ GTEST_TEST(ClsArchiverExtract, KeepsWhatTheProgramAndTheArchiveStandOn) {
       {"", true, "entry T/a.7z\nentry T/x/b\n", {"T/a.7z"}, "\"T/X/B\""},
       {"", false, "entry a.7z\nentry T/a.7z\n", {"a.7z"}, "\"T/A.7Z\""},
       {"", false, "entry second\nentry b\n", {"second"}, "\"B\""},
-      {"",
-       false,
-       "entry kept/x/y\nentry own.ini/x\nentry own.ini/\n",
-       {"kept/x/y", "own.ini/x", "own.ini/"},
-       ""},
+      {"", false, "entry kept/x\nentry own.ini/x\nentry own.ini/\n", {"kept/x", "own.ini/x", "own.ini/"}, ""},
       {"kept/deep/deeper", false, "entry b\n", {"b"}, ""},
       {"linked", false, "entry a.7z\nentry own.ini\n", {"a.7z", "own.ini"}, ""},
       {"", false, "reads ~/volume\nentry volume\nentry b\n", {"volume"}, "\"B\""},

@@ -7,7 +7,6 @@
 namespace quendle {
 namespace {
 
-namespace fs = std::filesystem;
 using Texts = std::vector<std::string>;
 
 constexpr const char* kLibraries[] = {"UnZIP32", "UnLHA32", "Cab32", "unrar32", "7-zip32"};
@@ -108,7 +107,7 @@ GTEST_TEST(ClsArchiver, Plans) {
     std::size_t all, chosen;
     Texts folders;  // below the destination
     bool avoided;
-    Texts problems;
+    Texts problems;  // their beginnings
   } rows[] = {
       {"full", true, "", "entry TOP/A.TXT\nentry Top\\Sub\\B.TXT\n", 2, 2, {"", "/Sub"}, true, {}},
       {"full", false, "", "entry TOP/A.TXT\nentry TOP/SUB/B.TXT\n", 2, 2, {""}, false, {}},
@@ -116,14 +115,14 @@ GTEST_TEST(ClsArchiver, Plans) {
       {"full", true, ".*\\.txt", "entry T/\nentry T/a.txt\nentry T/b.dat\n", 3, 1, {""}, true, {}},
       {"full", true, "\\.txt$", "entry T/a.txt\n", 1, 0, {}, true, {}},
       {"full", true, "", "", 0, 0, {}, false, {}},
-      {"full", true, "b;(", "entry b\n", 1, 0, {}, false, {": the pattern ( of Include cannot be used: *"}},
+      {"full", true, "b;(", "entry b\n", 1, 0, {}, false, {": the pattern ( of Include cannot be used: "}},
       {"full", true, "b;(x+)+\\d", runs, 3, 0, {}, true, {": the pattern (x+)+\\d of Include " + exceeded}},
       {"plain", false, "", "closed\n", 0, 0, {}, false, {}},
       {"full", false, "", "closed\nlisting it is cut\n", 0, 0, {}, false, {": it is cut"}},
-      {"full", true, "", "entry ../x\nentry a\n", 2, 1, {""}, false, {"../x: *"}},
-      {"full", false, "", "entry /x\nentry a\"\n", 2, 0, {}, false, {"/x: *", "a\": *"}},
-      {"full", true, "", "entry T/link/a\nentry T/b\n", 2, 2, {}, true, {": *"}},
-      {"plain", true, "", "entry T/a\"b/c\nentry T/d\n", 2, 2, {"/a\"b", ""}, true, {": *"}},
+      {"full", true, "", "entry ../x\nentry a\n", 2, 1, {""}, false, {"../x: "}},
+      {"full", false, "", "entry /x\nentry a\"\n", 2, 0, {}, false, {"/x: ", "a\": "}},
+      {"full", true, "", "entry T/link/a\nentry T/b\n", 2, 2, {}, true, {": "}},
+      {"plain", true, "", "entry T/a\"b/c\nentry T/d\n", 2, 2, {"/a\"b", ""}, true, {": "}},
       // Without a NUL the name fills the field; with the optional export it is whole.
       {"plain", false, "(a{200}/){2}a{111}", "entry " + deep_name + "\n", 1, 1, {""}, false, {}},
       {"full", false, "(a{200}/){2}a{200}", "entry " + deep_name + "\n", 1, 1, {""}, false, {}},
@@ -151,12 +150,7 @@ GTEST_TEST(ClsArchiver, Plans) {
     Texts folders;
     for (const std::string& name : row.folders) folders.push_back(test::Native(destination + name));
     EXPECT_EQ(report.folders, folders);
-    Texts problems = bench.Problems(report);
-    for (std::size_t i = 0; i < problems.size() && i < row.problems.size(); ++i) {
-      if (row.problems[i].ends_with("*"))
-        problems[i].replace(row.problems[i].size() - 1, std::string::npos, "*");
-    }
-    EXPECT_EQ(problems, row.problems);
+    EXPECT_TRUE(bench.Tells(report, row.problems));
   }
 }
 
@@ -184,10 +178,7 @@ GTEST_TEST(ClsArchiver, PlansSeeWhatIsInTheWay) {
     ASSERT_EQ(bench.Take("a.zip", "accept UnZip\nentry T/\nentry T/a\nentry T/s/b\n"), 1);
     for (const char* file : {"d/a", "d/T/a", "e/a/x", "e/s"}) test::WriteFile(bench.folder / file, "");
     bench.archiver.SMARTMAKEDIR = row.smart;
-    const Texts problems = bench.Problems(bench.archiver.PlanExtraction(bench.folder / row.destination));
-    ASSERT_EQ(problems.size(), row.problems.size()) << problems.front();
-    for (std::size_t i = 0; i < problems.size(); ++i)
-      EXPECT_TRUE(problems[i].starts_with(row.problems[i])) << problems[i];
+    EXPECT_TRUE(bench.Tells(bench.archiver.PlanExtraction(bench.folder / row.destination), row.problems));
   }
 }
 

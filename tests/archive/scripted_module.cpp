@@ -55,9 +55,8 @@ Script ReadScript(const std::string& archive) {
 
 std::vector<std::string> All(const Script& script, std::string_view word) {
   std::vector<std::string> found;
-  for (const auto& [key, value] : script) {
+  for (const auto& [key, value] : script)
     if (key == word) found.push_back(value);
-  }
   return found;
 }
 
@@ -206,44 +205,26 @@ std::int32_t Next(ArchiverHandle handle, ArchiverEntry* entry) {
 
 }  // namespace
 
-#define REQUIRED(prefix)                                                                     \
-  std::int32_t prefix(void*, const char* line, char* output, std::uint32_t size) {           \
-    return RunOne(line, output, size);                                                       \
-  }                                                                                          \
-  std::int32_t prefix##CheckArchive(const char* archive, std::int32_t) {                     \
-    return Check(archive, #prefix);                                                          \
-  }                                                                                          \
-  ArchiverHandle prefix##OpenArchive(void*, const char* archive, std::uint32_t) {            \
-    return OpenScript(archive);                                                              \
-  }                                                                                          \
-  std::int32_t prefix##FindFirst(ArchiverHandle handle, const char*, ArchiverEntry* entry) { \
-    return Next(handle, entry);                                                              \
-  }                                                                                          \
-  std::int32_t prefix##FindNext(ArchiverHandle handle, ArchiverEntry* entry) {               \
-    return Next(handle, entry);                                                              \
+#define EXPORT(type, name, parameters, answer) \
+  type name parameters {                       \
+    return answer;                             \
   }
-
-#define CLOSE(prefix)                                        \
-  std::int32_t prefix##CloseArchive(ArchiverHandle handle) { \
-    return open_archives.erase(handle) == 1 ? 0 : -1;        \
-  }
-
-#define OPTIONAL(prefix)                                                                  \
-  std::int32_t prefix##UseUtf8(std::int32_t) {                                            \
-    return 1;                                                                             \
-  }                                                                                       \
-  std::uint32_t prefix##FullName(ArchiverHandle handle, char* name, std::uint32_t size) { \
-    return CopyFullName(handle, name, size);                                              \
-  }                                                                                       \
-  std::uint32_t prefix##Credits(char* text, std::uint32_t size) {                         \
-    return CopyCredits(text, size);                                                       \
-  }                                                                                       \
-  std::int32_t prefix##SetSession(const ArchiverSession* host) {                          \
-    return session = host, 1;                                                             \
-  }                                                                                       \
-  std::int32_t prefix##ExtractCalls(void*, ArchiverCall* calls, std::uint32_t count) {    \
-    return RunAll(calls, count);                                                          \
-  }
+// clang-format off
+#define REQUIRED(prefix)                                                                                   \
+  EXPORT(std::int32_t, prefix, (void*, const char* line, char* output, std::uint32_t size), RunOne(line, output, size)) \
+  EXPORT(std::int32_t, prefix##CheckArchive, (const char* archive, std::int32_t), Check(archive, #prefix))  \
+  EXPORT(ArchiverHandle, prefix##OpenArchive, (void*, const char* archive, std::uint32_t), OpenScript(archive)) \
+  EXPORT(std::int32_t, prefix##FindFirst, (ArchiverHandle h, const char*, ArchiverEntry* e), Next(h, e))    \
+  EXPORT(std::int32_t, prefix##FindNext, (ArchiverHandle h, ArchiverEntry* e), Next(h, e))
+#define CLOSE(prefix) \
+  EXPORT(std::int32_t, prefix##CloseArchive, (ArchiverHandle h), open_archives.erase(h) == 1 ? 0 : -1)
+#define OPTIONAL(prefix)                                                                                   \
+  EXPORT(std::int32_t, prefix##UseUtf8, (std::int32_t), 1)                                                 \
+  EXPORT(std::uint32_t, prefix##FullName, (ArchiverHandle h, char* name, std::uint32_t size), CopyFullName(h, name, size)) \
+  EXPORT(std::uint32_t, prefix##Credits, (char* text, std::uint32_t size), CopyCredits(text, size))        \
+  EXPORT(std::int32_t, prefix##SetSession, (const ArchiverSession* host), (session = host, 1))             \
+  EXPORT(std::int32_t, prefix##ExtractCalls, (void*, ArchiverCall* calls, std::uint32_t count), RunAll(calls, count))
+// clang-format on
 
 #define FOR_EACH_PREFIX(functions) \
   functions(UnZip) functions(Unlha) functions(Cab) functions(Unrar) functions(SevenZip)

@@ -11,9 +11,7 @@ constexpr PathStyle kPosix = PathStyle::kPosix;
 GTEST_TEST(ModString, SeparatorsAtTheEnd) {
   const struct {
     PathStyle style;
-    const char* path;
-    const char* added;
-    const char* removed;
+    const char *path, *added, *removed;
   } rows[] = {
       {kWindows, "", "", ""},
       {kWindows, "C:\\data", "C:\\data\\", "C:\\data"},
@@ -60,8 +58,7 @@ GTEST_TEST(ModString, AbsolutePaths) {
 GTEST_TEST(ModString, WhatUsersWriteForAPath) {
   const struct {
     PathStyle style;
-    const char* written;
-    const char* plain;
+    const char *written, *plain;
     bool is_rooted;  // the plain path
     bool has_parent;
   } rows[] = {
@@ -93,11 +90,7 @@ GTEST_TEST(ModString, WhatUsersWriteForAPath) {
 
 GTEST_TEST(ModString, Splitting) {
   const struct {
-    const char* path;
-    const char* folder;
-    const char* name;
-    const char* base;
-    const char* extension;
+    const char *path, *folder, *name, *base, *extension;
   } rows[] = {
       {"/a/b.txt", "/a", "b.txt", "b", "txt"},
       {"/b", "", "b", "", "b"},
@@ -128,9 +121,7 @@ GTEST_TEST(ModString, Quotes) {
 GTEST_TEST(ModString, Blanks) {
   const struct {
     std::string text;
-    const char* trimmed;
-    const char* left;
-    const char* right;
+    const char *trimmed, *left, *right;
   } rows[] = {
       {"　a　b\t", "a　b", "a　b\t", "　a　b"},
       {" \r\n　", "", "", ""},
@@ -149,8 +140,7 @@ GTEST_TEST(ModString, Blanks) {
 
 GTEST_TEST(ModString, Newlines) {
   const struct {
-    const char* text;
-    const char* normal;
+    const char *text, *normal;
     bool without_pair;
   } rows[] = {
       {"a\nb\n", "a\r\nb\r\n", false}, {"a\rb", "a\r\nb", false}, {"a\r\nb\nc", "a\r\nb\nc", false},
@@ -170,8 +160,7 @@ GTEST_TEST(ModString, Existence) {
                          test::MakeLink(folder.path(), folder / "link");
   const struct {
     std::string path;
-    bool file;
-    bool is_folder;
+    bool file, is_folder;
   } rows[] = {
       {folder / "file", true, false},
       {folder.path(), false, true},
@@ -192,8 +181,7 @@ GTEST_TEST(ModString, CharactersOfPaths) {
   const struct {
     PathStyle style;
     int mode;
-    const char* text;
-    const char* normal;
+    const char *text, *normal;
   } rows[] = {
       {kWindows, 0, "", ""},
       {kWindows, 0, "D:\\in<1>\\a?b", "D:\\in＜1＞\\a？b"},
@@ -226,8 +214,7 @@ GTEST_TEST(ModString, CharactersOfPaths) {
 GTEST_TEST(ModString, TitlesAsNames) {
   const struct {
     PathStyle style;
-    const char* title;
-    const char* name;
+    const char *title, *name;
   } rows[] = {
       {kPosix, "../a/b", "..／a／b"},
       {kPosix, "a:b\\c", "a:b\\c"},
@@ -239,10 +226,7 @@ GTEST_TEST(ModString, TitlesAsNames) {
       {kWindows, "C:\\x\\..", "C：＼x＼.."},
       {kWindows, "..", ""},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.title);
-    EXPECT_EQ(TitleAsName(row.title, row.style), row.name);
-  }
+  for (const auto& row : rows) EXPECT_EQ(TitleAsName(row.title, row.style), row.name) << row.title;
 }
 
 }  // namespace

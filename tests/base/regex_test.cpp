@@ -8,8 +8,7 @@ namespace {
 GTEST_TEST(Regex, WholeNames) {
   using enum RegexAnswer;
   const struct {
-    const char* pattern;
-    const char* subject;
+    const char *pattern, *subject;
     RegexAnswer answer;
   } rows[] = {
       {"\\.ZIP$", "A.ZIP", kNotWhole},

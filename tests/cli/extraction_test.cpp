@@ -9,8 +9,6 @@
 namespace quendle {
 namespace {
 
-namespace fs = std::filesystem;
-
 // A program with the library for ZIP archives, settings and one archive "a.zip" of a script.
 class Installed {
  public:
@@ -96,11 +94,10 @@ GTEST_TEST(ProgramExtraction, NeverDestroysWhatItStandsOn) {
   test::WriteFile(folder / "p/items.ini",
                   "[Z]\r\nPattern=.*\\.zip\r\nID=1\r\nAction=1\r\nSmartMakeDir=1\r\n");
   std::vector<test::StoredEntry> entries;
-  for (const std::string& name : {std::string("a.zip"), std::string("mover.ini"), std::string("items.ini"),
-                                  std::string("test.ini"), std::string("quendle.exe"), "modules/" + library,
-                                  std::string("modules/new"), std::string("readme")}) {
+  for (const std::string name :
+       {"a.zip", "mover.ini", "items.ini", "test.ini", "quendle.exe", "modules/new", "readme"})
     entries.push_back({"T/" + name, "evil"});
-  }
+  entries.push_back({"T/modules/" + library, "evil"});
   test::WriteFile(folder / "p/a.zip", test::StoredZip(entries));
   const auto expected = test::Picture(folder / "p");
   for (const char* mode : {"--dry-run", "--batch"}) {

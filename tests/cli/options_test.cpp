@@ -7,8 +7,7 @@ using Arguments = std::vector<std::string>;
 
 GTEST_TEST(Options, ReadsArgumentsOrSaysWhatIsWrong) {
   const struct {
-    Arguments arguments;
-    Arguments paths;
+    Arguments arguments, paths;
     const char* profile;
     const char* problem = nullptr;  // a part of it
   } rows[] = {

@@ -14,8 +14,6 @@
 namespace quendle {
 namespace {
 
-namespace fs = std::filesystem;
-
 GTEST_TEST(Program, WithoutADisplayThatAnswersNoWindowIsTried) {
   test::TempFolder folder;
   test::WriteSettings(folder, "[Texts]\r\nPattern=.*\\.txt\r\nID=1\r\nAction=2\r\n");
@@ -83,17 +81,16 @@ GTEST_TEST(Program, OneCopyForEachFolderWithSettings) {
   test::WriteSettings(folder, "[Texts]\r\nPattern=.*\\.txt\r\nID=1\r\nAction=2\r\n");
   fs::copy(folder / "s", folder / "other");
   fs::create_directory_symlink(folder / "s", folder / "link");
-  fs::create_directory(folder / "run");
-  fs::permissions(folder / "run", fs::perms::owner_all);
+  const test::TempFolder run;
   const std::string windowed =
-      "XDG_RUNTIME_DIR='" + folder / "run" + "' QT_QPA_PLATFORM=offscreen '" QUENDLE_PROGRAM "' --settings ";
+      "XDG_RUNTIME_DIR='" + run.path() + "' QT_QPA_PLATFORM=offscreen '" QUENDLE_PROGRAM "' --settings ";
   const auto start = [&](const std::string& command) {
     return std::system(("cd '" + folder.path() + "' || exit; exec >>err 2>&1; " + command).c_str());
   };
   test::WriteFile(folder / "a.txt", "x");
   ASSERT_EQ(start(windowed + "s --confirm a.txt & echo $! >first"), 0);
   const auto listens = [&] {
-    const auto in = fs::directory_iterator(folder / "run");
+    const auto in = fs::directory_iterator(run.path());
     return std::any_of(begin(in), end(in), [](const auto& entry) { return entry.is_socket(); });
   };
   for (int i = 0; i < 20'000 && !listens(); ++i) usleep(1000);
@@ -127,9 +124,8 @@ pid_t Start(std::vector<std::string> arguments) {
 GTEST_TEST(Program, WhatIsLeftOutIsToldInAWindow) {
   const test::TempFolder folder;
   test::WriteSettings(folder, "[Texts]\r\nPattern=.*\\.txt\r\nID=1\r\nAction=2\r\n");
-  fs::create_directory(folder / "run");
-  fs::permissions(folder / "run", fs::perms::owner_all);
-  const test::ScopedVariable runtime("XDG_RUNTIME_DIR", folder / "run");
+  const test::TempFolder run;
+  const test::ScopedVariable runtime("XDG_RUNTIME_DIR", run.path());
   const test::ScopedVariable platform("QT_QPA_PLATFORM", "offscreen");
   const struct {
     int files;

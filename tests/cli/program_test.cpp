@@ -7,7 +7,6 @@
 namespace quendle {
 namespace {
 
-namespace fs = std::filesystem;
 using namespace std::string_literals;
 
 GTEST_TEST(Program, ExitStatusAndStreams) {
@@ -35,10 +34,13 @@ GTEST_TEST(Program, ExitStatusAndStreams) {
       {"--batch none.dat d.txt", 1, "d.txt [Texts]", "none.dat: no profile matches"},
       {"--batch --profile texts a.txt", 0, "[Texts] move to ", ""},
       {"--batch \"表 示.txt\"", 0, "表 示.txt [Texts]", ""},
+      {"1.txt 2.txt 3.txt 4.txt 5.txt 6.txt 7.txt 8.txt 9.txt 10.txt 11.txt", 1, "10.txt [Texts] move to ",
+       "11.txt: left out"},
   };
   for (const char* name : {"a.txt", "b.txt", "-c.txt", "d.txt", "表 示.txt", "none.dat"}) {
     test::WriteFile(folder / name, "x");
   }
+  for (int i = 1; i <= 11; ++i) test::WriteFile(folder / (std::to_string(i) + ".txt"), "x");
   for (const auto& row : rows) {
     SCOPED_TRACE(row.arguments);
     const test::Ended ended = test::RunProgram(folder, row.arguments);
@@ -48,6 +50,7 @@ GTEST_TEST(Program, ExitStatusAndStreams) {
     EXPECT_EQ(ended.out.empty(), *row.out == '\0') << ended.out;
     EXPECT_EQ(ended.err.empty(), *row.err == '\0') << ended.err;
   }
+  EXPECT_TRUE(fs::exists(folder / "m/10.txt") && fs::exists(folder / "11.txt"));
 }
 
 GTEST_TEST(Program, JsonObjects) {
@@ -82,22 +85,6 @@ GTEST_TEST(Program, JsonObjects) {
   EXPECT_EQ(objects[2]["path"], root + test::Native("/in/gone"));
   EXPECT_EQ(objects[2]["result"], "missing");
   EXPECT_EQ(objects[2]["profile"], nullptr);
-}
-
-GTEST_TEST(Program, OnlyTenPathsWithoutBatch) {
-  test::TempFolder folder;
-  test::WriteSettings(folder, "[T]\r\nPattern=f.*\r\nID=1\r\nAction=2\r\n");
-  std::string paths;
-  for (int i = 10; i <= 21; ++i) {
-    const std::string name = std::string("f").append(std::to_string(i));
-    paths.append(" ").append(name);
-    test::WriteFile(folder / name, "x");
-  }
-  const test::Ended ended = test::RunProgram(folder, paths);
-  EXPECT_EQ(ended.status, 1);
-  EXPECT_NE(ended.err.find("f21: left out"), std::string::npos) << ended.err;
-  EXPECT_TRUE(fs::exists(folder / "m/f19"));
-  EXPECT_TRUE(fs::exists(folder / "f20"));
 }
 
 GTEST_TEST(Program, DamagedSettingsGetAClearLine) {

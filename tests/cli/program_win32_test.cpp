@@ -4,8 +4,6 @@
 namespace quendle {
 namespace {
 
-namespace fs = std::filesystem;
-
 GTEST_TEST(Program, WaysToNameAPath) {
   test::TempFolder folder;
   test::WriteSettings(folder, "[All]\r\nPattern=.*\r\nID=1\r\nAction=2\r\n");

@@ -311,12 +311,14 @@ GTEST_TEST(ActionForm, RefusesWhatIsNoLongerAsItWasShown) {
     ASSERT_TRUE(bench.form.Advance());
     EXPECT_EQ(bench.form.View().problem.empty(), row.before != too_long);
     EXPECT_EQ(bench.form.Plan().empty(), row.before == too_long);
+    EXPECT_EQ(bench.run.mover->ProfileProblems(false).size(), row.before == too_long ? 1U : 0U);
     bench.SetItems(row.after);
     EXPECT_FALSE(bench.form.Execute());
     ASSERT_EQ(bench.run.user.messages.size(), 1U);
     EXPECT_TRUE(bench.run.user.messages[0].starts_with(row.message)) << bench.run.user.messages[0];
     EXPECT_EQ(bench.form.View().title, row.title);
     EXPECT_EQ(bench.form.View().problem.empty(), row.after != too_long);
+    EXPECT_EQ(bench.run.mover->ProfileProblems(false), Texts{}) << "what was told is not told again";
     EXPECT_TRUE(bench.IsThere("a.txt"));
     EXPECT_EQ(bench.form.Undone(), Texts{});
   }

@@ -109,12 +109,11 @@ GTEST_TEST(ClsMover, SmartRename) {
     ASSERT_TRUE(run.mover->SetTarget().ok());
     run.mover->ACTION = row.action;
     run.mover->SMARTRENAME = row.mode;
-    for (const std::int16_t kind : {std::int16_t{2}, std::int16_t{4}}) {
+    for (const StepKind kind : {StepKind::kMove, StepKind::kCopy}) {
       EXPECT_EQ(run.mover->GetTargetPathByFolder(kind, folder / "to"), folder / "to/" + row.result);
       EXPECT_EQ(run.mover->GetTargetPathByFolder(kind, folder / "to/"), folder / "to/" + row.result);
     }
-    EXPECT_EQ(run.mover->GetTargetPathByFolder(1, folder / "to"), folder / "to");
-    EXPECT_EQ(run.mover->GetTargetPathByFolder(3, folder / "to"), "");
+    EXPECT_EQ(run.mover->GetTargetPathByFolder(StepKind::kExtract, folder / "to"), folder / "to");
   }
 }
 
@@ -130,10 +129,11 @@ GTEST_TEST(ClsMover, SmartRenameInTheOwnFolder) {
                          "x_20031107.zip", "x.zip", "x.zip",          "x.zip"};
   for (std::int16_t action = 0; action <= 7; ++action) {
     run.mover->ACTION = action;
-    EXPECT_EQ(run.mover->GetTargetPathByFolder(2, folder.path()), folder / names[action]) << action;
+    EXPECT_EQ(run.mover->GetTargetPathByFolder(StepKind::kMove, folder.path()), folder / names[action])
+        << action;
   }
   run.mover->DOESFOLDER = true;
-  EXPECT_EQ(run.mover->GetTargetPathByFolder(2, folder.path()), folder.path());
+  EXPECT_EQ(run.mover->GetTargetPathByFolder(StepKind::kMove, folder.path()), folder.path());
 }
 
 GTEST_TEST(ClsMover, ActionsRunTheirStepsInOrder) {
@@ -261,17 +261,46 @@ GTEST_TEST(ClsMover, FoldersGoBelowTheirDestinationWhetherItExistsOrNot) {
   EXPECT_TRUE(fs::exists(folder / "new/copies/d/y"));
   EXPECT_TRUE(fs::exists(folder / "moved/d/y"));
   EXPECT_FALSE(fs::exists(folder / "d"));
+}
 
-  // Extracted and moved into the folder where it is: the extraction happens, the move has nothing to do.
-  fs::rename(folder / "moved/d", folder / "d");
-  ASSERT_TRUE(run.mover->SetTarget().ok());
-  run.mover->ACTION = 3;
-  run.mover->ARCHIVETYPE = 1;
-  run.mover->EXTRACTTO = test::Rooted("/e");
-  run.mover->MOVETO = folder.path() + test::kSeparator;
-  EXPECT_FALSE(run.mover->ActionMain());
-  EXPECT_EQ(run.archiver->extracted.size(), 1U);
-  EXPECT_EQ(run.mover->Steps().at(1).result, StepResult::kSkipped);
+GTEST_TEST(ClsMover, AfterAnExtractionAMoveIntoTheOwnFolderHasNothingToDo) {
+  const struct {
+    const char* target;
+    std::int16_t action;
+    const char* to;  // as MOVETO has it
+    StepResult result;
+  } rows[] = {
+      {"in/x.zip", 3, "in/x.zip", StepResult::kSkipped},
+      {"in/x.zip", 7, "in/x.zip", StepResult::kSkipped},
+      {"in/x.zip", 3, "link/x.zip", StepResult::kSkipped},
+      {"in/x.zip", 3, "in/y.zip", StepResult::kDone},
+      {"in/x.zip", 3, "out/x.zip", StepResult::kDone},
+      {"in/x.zip", 2, "in/x.zip", StepResult::kFailed},
+      {"in/d", 3, "in/", StepResult::kSkipped},
+      {"in/d", 3, "in", StepResult::kSkipped},
+      {"in/d", 3, "out", StepResult::kDone},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(std::string(row.target) + " to " + row.to);
+    const test::TempFolder folder;
+    for (const char* name : {"in/x.zip", "in/d/y"}) test::WriteFile(folder / name, name);
+    std::error_code no_links;  // on Windows not everybody may make them
+    fs::create_directory_symlink(folder / "in", folder / "link", no_links);
+    if (no_links && std::string(row.to).starts_with("link")) continue;
+    test::Run run("", "", {folder / row.target});
+    clsMover& mover = *run.mover;
+    ASSERT_TRUE(mover.SetTarget().ok());
+    mover.ACTION = row.action;
+    mover.ARCHIVETYPE = 1;
+    mover.EXTRACTTO = folder / "e";
+    mover.COPYTO = folder / "c/x.zip";
+    mover.MOVETO = folder / row.to;
+    EXPECT_EQ(mover.ActionMain(), row.result == StepResult::kDone);
+    EXPECT_EQ(run.archiver->extracted.size(), row.action == 2 ? 0U : 1U);
+    EXPECT_EQ(mover.Steps().back().result, row.result);
+    EXPECT_EQ(fs::exists(folder / row.target), row.result != StepResult::kDone);
+    EXPECT_TRUE(fs::exists(mover.Steps().back().to));
+  }
 }
 
 // The files may be edited at any moment: one path is done by what they said at one moment, and a window that shows

@@ -59,6 +59,18 @@ GTEST_TEST(Dispatch, Outcomes) {
   }
 }
 
+// At the path that it was to act on; and what stood in no path's way, at the end.
+GTEST_TEST(Dispatch, AProfileThatIsNotActedOnIsToldOnce) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "a.cut", "x");
+  const std::string values = "ID=1\nAction=2\nMoveTo=/" + std::string(1500, 'x') + "\n";
+  test::Run run("[a]\nPattern=.*cut\n" + values + "[b]\nPattern=b\n" + values, "", {folder / "a.cut"});
+  const std::string why = "a folder of the profile is too long to be read whole";
+  EXPECT_EQ(run.mover->ProfileProblems(false).size(), 2U);
+  EXPECT_EQ(DispatchAll(&run, {}).at(0).error, "profile a: " + why);
+  EXPECT_EQ(run.mover->ProfileProblems(false), std::vector<std::string>{"profile b: " + why});
+}
+
 // What a dry run prints is what a run does, also where one path takes the name or the place of another.
 GTEST_TEST(Dispatch, PlansAreWhatIsDone) {
   const struct {

@@ -1,25 +1,22 @@
 #include "files/clsFileInfo.h"
 
 #include <ctime>
+#include <iomanip>
+#include <sstream>
 
 #include "base/modString.h"
 #include "platform/text/unicode.h"
 #include "support/picture.h"
-#include "support/temp_folder.h"
-#include "support/time_zone.h"
+#include "support/scoped_variable.h"
 
 namespace quendle {
 namespace {
-
-namespace fs = std::filesystem;
 
 GTEST_TEST(ClsFileInfo, PartsOfNames) {
   const test::TempFolder folder;
   const std::string root = fs::canonical(folder.path()).string() + test::kSeparator;
   const struct {
-    const char* name;
-    const char* base;
-    const char* extension;
+    const char *name, *base, *extension;
   } rows[] = {
       {"report.txt", "report", "txt"},   {"A.B.C", "A.B", "C"}, {"README", "", "README"},
       {".profile", "", "profile"},       {"a. ", "a", " "},     {"表.ｔxt", "表", "ｔxt"},
@@ -58,11 +55,7 @@ GTEST_TEST(ClsFileInfo, TimesAreLocal) {
   const test::TempFolder folder;
   test::WriteFile(folder / "x", "x");
   std::tm local = {};
-  local.tm_year = 2003 - 1900;
-  local.tm_mon = 10;
-  local.tm_mday = 7;
-  local.tm_hour = 23;
-  local.tm_min = 30;
+  std::istringstream("2003-11-07 23:30") >> std::get_time(&local, "%Y-%m-%d %H:%M");
   local.tm_isdst = -1;
   for (const char* zone : test::kZones) {
     const test::TimeZone changed(zone);

@@ -1,24 +1,17 @@
 #include "files/clsFileOperation.h"
 
-#include <filesystem>
 #include <optional>
 
 #include "base/modString.h"
 #include "support/picture.h"
 #include "support/scoped_variable.h"
 #include "support/scripted_user.h"
-#include "support/temp_folder.h"
 
 namespace quendle {
 namespace {
 
-namespace fs = std::filesystem;
-using platform::Code;
-using test::Picture;
-using test::ReadFile;
-using test::WriteFile;
+using platform::Code, test::Picture, test::ReadFile, test::WriteFile;
 using Answer = UserInterface::OverwriteAnswer;
-using Files = std::map<std::string, std::string>;
 
 class FileOperationClass : public testing::Test {
  protected:
@@ -53,8 +46,7 @@ TEST_F(FileOperationClass, SettingAFlagTouchesNoOther) {
 
 TEST_F(FileOperationClass, DestinationsAndMissingFolders) {
   struct Row {
-    const char* source;
-    const char* destination;
+    const char *source, *destination;
     const char* expected;  // where it is afterwards; empty when the folder may not be made
     bool asks;
   };
@@ -96,7 +88,7 @@ TEST_F(FileOperationClass, ATakenNameIsTakenForWhoWantsAFreeOne) {
   operation_.pConfirmMakeDir(false);
   operation_.pRespondDialog(true);
   for (const char* name : {"f", "d/x", "there/f", "there/d/y"}) WriteFile(folder_ / name, name);
-  const Files before = Picture(folder_.path());
+  const auto before = Picture(folder_.path());
   for (const bool is_move : {false, true}) {
     const auto operation = is_move ? &clsFileOperation::mMove : &clsFileOperation::mCopy;
     const std::string to[][2] = {
@@ -117,7 +109,7 @@ TEST_F(FileOperationClass, FoldersMadeForNothingGoAgain) {
   operation_.pConfirmMakeDir(false);
   WriteFile(folder_ / "d/x", "x");
   WriteFile(folder_ / "f", "f");
-  const Files before = Picture(folder_.path());
+  const auto before = Picture(folder_.path());
   // The second report comes when the folders have been made.
   unsigned reports = 0;
   bool loses_one = false;
@@ -154,15 +146,14 @@ TEST_F(FileOperationClass, RenamesMakeNoFolders) {
   EXPECT_EQ(operation_.LastFailure().code, Code::kIsFolder);
   EXPECT_TRUE(operation_.mRename(folder_ / "f", folder_ / "d/g"));
   EXPECT_TRUE(operation_.LastFailure().ok());
-  EXPECT_EQ(Picture(folder_.path()), (Files{{"d", "folder"}, {"d/g", "file f"}}));
+  EXPECT_EQ(test::Listing(folder_.path()), "d/ d/g=f");
 }
 
 TEST_F(FileOperationClass, AnswersToAllHoldForOneOperation) {
   struct Row {
     std::vector<Answer> answers;
     bool responds;
-    std::size_t questions;
-    std::size_t replaced;
+    std::size_t questions, replaced;
   };
   const Row rows[] = {
       {{Answer::kYesToAll}, false, 1, 3},         {{Answer::kNoToAll}, false, 1, 0},

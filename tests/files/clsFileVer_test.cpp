@@ -125,7 +125,7 @@ GTEST_TEST(FileVer, HugeFilesAreNotReadWhole) {
   const test::TempFolder folder;
   test::WriteFile(folder / "huge", test::PeFile(64, kVersion));
   std::error_code failed;
-  std::filesystem::resize_file(folder / "huge", std::uintmax_t{1} << 40, failed);
+  fs::resize_file(folder / "huge", std::uintmax_t{1} << 40, failed);
   if (failed) GTEST_SKIP() << "no files of that size here";
   clsFileVer version;
   version.pFileName(folder / "huge");

@@ -7,8 +7,6 @@
 namespace quendle {
 namespace {
 
-namespace fs = std::filesystem;
-
 GTEST_TEST(FileManager, ElseTheDesktops) {
   const test::TempFolder folder;
   test::Recorder filer(folder / "bin/fm");
@@ -18,8 +16,7 @@ GTEST_TEST(FileManager, ElseTheDesktops) {
   const std::string out = folder / "o \"u\" $t";
   fs::create_directory(out);
   const struct {
-    std::string filer;
-    std::string parameters;
+    std::string filer, parameters;
   } rows[] = {
       {"", "/e,%1"},        {"none", ""},   {folder / "none", ""}, {"plain", ""}, {folder / "bin/plain", ""},
       {folder / "bin", ""}, {"bin/fm", ""}, {"./fm", ""},

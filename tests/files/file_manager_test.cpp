@@ -1,6 +1,6 @@
 #include "files/file_manager.h"
-
 #include "base/modString.h"
+#include "files/modBrowseDir.h"
 #include "support/recorder.h"
 #include "support/scoped_variable.h"
 #include "support/settings.h"
@@ -16,11 +16,9 @@ GTEST_TEST(FileManager, TheConfiguredOne) {
   const std::string path_end = kHostStyle == PathStyle::kWindows ? "" : ":/bin:/usr/bin";
   const test::ScopedVariable path("PATH", folder / "bin" + path_end);
   const std::string out = folder / "o 'u' $t";
-  std::filesystem::create_directory(test::FsPath(out));
+  fs::create_directory(test::FsPath(out));
   const struct {
-    std::string filer;
-    std::string parameters;
-    std::string record;
+    std::string filer, parameters, record;
   } rows[] = {
       {"fm", "", "1\n" + out + "\n"},         {program, "", "1\n" + out + "\n"},
       {"fm", "/e,%1", "1\n/e," + out + "\n"}, {"fm", "--new \"%1\" x", "3\n--new\n" + out + "\nx\n"},
@@ -37,6 +35,28 @@ GTEST_TEST(FileManager, TheConfiguredOne) {
   const test::Settings settings("", "[General]\nFILER=fm\n");
   EXPECT_TRUE(OpenFolderWithFiler(FileManagerOf(settings.standard.Values()), folder / "gone").ok())
       << "there is nothing to open";
+}
+
+GTEST_TEST(ModBrowseDir, TheNearestFolderThatIsThere) {
+  const test::TempFolder folder;
+  test::WriteFile(folder / "a b/file", "x");
+  const std::string there = folder / "a b";
+  const struct {
+    std::string proposed, expected;
+  } rows[] = {
+      {there, there + "/"},
+      {there + "/", there + "/"},
+      {there + "/c/d/e", there + "/"},
+      {there + "//c//d", there + "/"},
+      {there + "/file/x", there + "/"},
+      {test::Rooted("/"), test::Rooted("/")},
+      {test::Rooted("/none-of-that-name/b/c"), ""},
+      {"none-of-that-name/b", ""},
+      {"", ""},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(PickerStartFolder(test::Native(row.proposed)), test::Native(row.expected)) << row.proposed;
+  }
 }
 
 }  // namespace

@@ -3,15 +3,12 @@
 #include <algorithm>
 
 #include "archive/modules/common/entry_times.h"
-#include "modules/unpack_bytes.h"
 #include "support/lzh_cab_rar.h"
-#include "support/temp_folder.h"
 
 namespace quendle::modules {
 namespace {
 
-using test::CabSet;
-using test::StoredCab;
+using test::CabSet, test::StoredCab;
 
 // Stored, and packed as most cabinets are.
 const CabSet kPackings[] = {{}, {.mszip = true}};

@@ -55,7 +55,7 @@ std::vector<Sample> Samples() {
 
 test::UnpackedArchive Unpack(const Sample& sample, const std::string& bytes) {
   static const test::TempFolder folder;
-  std::filesystem::remove(folder / sample.name);  // to write over it waits for the disk
+  fs::remove(folder / sample.name);  // to write over it waits for the disk
   test::WriteFile(folder / sample.name, bytes);
   return test::Unpack(sample.family, folder / sample.name);
 }
@@ -120,7 +120,7 @@ GTEST_TEST(Families, VolumesAreJoined) {
     EXPECT_EQ(text(0), sample.text);
     for (const std::size_t later : {1, 2}) EXPECT_EQ(text(later), "!the archive begins in " + volumes[0]);
     for (const std::size_t gone : {2, 1}) {
-      std::filesystem::remove(volumes[gone]);
+      fs::remove(volumes[gone]);
       const bool is_alone = gone == 1 && &sample.family == &kZipFamily;  // it may be any ZIP archive
       EXPECT_EQ(text(0), is_alone ? sample.cut_off : "!the volume " + volumes[gone] + " is missing");
     }

@@ -1,16 +1,12 @@
 #include "archive/modules/lzh/lzh_family.h"
 
-#include "modules/unpack_bytes.h"
 #include "support/lzh_cab_rar.h"
-#include "support/temp_folder.h"
-#include "support/time_zone.h"
+#include "support/scoped_variable.h"
 
 namespace quendle::modules {
 namespace {
 
-using test::LzhEntry;
-using test::Number;
-using test::StoredLzh;
+using test::LzhEntry, test::Number, test::StoredLzh;
 
 std::string Text(const std::string& bytes) {
   return test::UnpackBytes(kLzhFamily, bytes).Text();
@@ -26,13 +22,12 @@ LzhEntry Extended(std::vector<std::string> extensions, std::uint32_t time = test
 
 GTEST_TEST(Lzh, ReadsNamesOfAllLevels) {
   const std::string wide("\x42\x30\xFF\xFF", 4);
-  struct Row {
+  const struct {
     const char* what;
     int level;
     LzhEntry entry;
     const char* text;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"5C in a character", 0, {"\x83\x5C\\\x95\x5C.txt", "1"}, "ソ/表.txt=1"},
       {"kana, FF between", 0, {"\xCA\xDD\xFF\xB6.txt", "1"}, "ﾊﾝ/ｶ.txt=1"},
       {"comment behind the name", 0, {std::string("a\0b", 3), "1"}, "a=1"},
@@ -50,10 +45,7 @@ GTEST_TEST(Lzh, ReadsNamesOfAllLevels) {
       {"unknown method", 0, {"a", "1", "-lh9-"}, "a!it is packed as -lh9-, which is not supported"},
       {"empty", 0, {"a", ""}, "a="},
   };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.what);
-    EXPECT_EQ(Text(StoredLzh(row.level, {row.entry})), row.text);
-  }
+  for (const auto& row : rows) EXPECT_EQ(Text(StoredLzh(row.level, {row.entry})), row.text) << row.what;
 }
 
 GTEST_TEST(Lzh, TellsTimesAndModes) {
@@ -63,15 +55,14 @@ GTEST_TEST(Lzh, TellsTimesAndModes) {
       0x41, Number(0, 8) + Number((1'000'000'000ULL + 11'644'473'600) * 10'000'000 + 5, 8) + Number(0, 8));
   const std::string unix_area =
       Number('U', 1) + Number(0, 1) + Number(1'000'000'001, 4) + Number(0755, 2) + Number(0, 4);
-  struct Row {
+  const struct {
     const char* what;
     int level;
     LzhEntry entry;
     std::int64_t seconds;
     std::int32_t nanoseconds;
     bool executable;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"local time", 0, {"a"}, kNoon, 0, false},
       {"local time, level 1", 1, {"a"}, kNoon, 0, false},
       {"Unix, level 0", 0, {"a", "", "-lh0-", {}, 0, unix_area}, 1'000'000'001, 0, true},
@@ -81,7 +72,7 @@ GTEST_TEST(Lzh, TellsTimesAndModes) {
        1'000'000'003, 0, false},
       {"NTFS", 2, Extended({Extension(1, "a"), ntfs}, 1), 1'000'000'000, 500, false},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
     const auto read = test::UnpackBytes(kLzhFamily, StoredLzh(row.level, {row.entry}));
     ASSERT_EQ(read.entries.size(), 1U) << read.problem;

@@ -1,15 +1,11 @@
 #include "archive/modules/rar/rar_family.h"
 
-#include "modules/unpack_bytes.h"
 #include "support/lzh_cab_rar.h"
-#include "support/temp_folder.h"
 
 namespace quendle::modules {
 namespace {
 
-using test::RarEntry;
-using test::StoredRar;
-using test::StoredRar5;
+using test::RarEntry, test::StoredRar, test::StoredRar5;
 
 constexpr unsigned kEncrypted = 0x04;
 constexpr unsigned kFolder = 0xE0;
@@ -21,12 +17,11 @@ std::string Text(const std::string& bytes) {
 }
 
 GTEST_TEST(Rar, ReadsNamesAndKinds) {
-  struct Row {
+  const struct {
     const char* what;
     RarEntry entry;
     const char* text;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"5C in a character", {"\x83\x5C\\\x95\x5C.txt", "1"}, "ソ/表.txt=1"},
       {"UTF-8", {"é", "1", kUnicode}, "é=1"},
       // Pairs of bits: low byte alone, with the common high byte, both bytes, copied from the other name.
@@ -37,13 +32,13 @@ GTEST_TEST(Rar, ReadsNamesAndKinds) {
       {"encrypted", {"a", "1", kEncrypted}, "a!it is encrypted, which is not supported for RAR"},
       {"empty", {"a", ""}, "a="},
   };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.what);
-    EXPECT_EQ(Text(StoredRar({row.entry})), row.text);
-  }
+  for (const auto& row : rows) EXPECT_EQ(Text(StoredRar({row.entry})), row.text) << row.what;
   EXPECT_EQ(Text(StoredRar({}, 0x80)), "!its list of names is encrypted, which is not supported");
   EXPECT_EQ(Text(test::kRar5Signature + test::Rar5Block(std::string("\x04\0\0\0\x0F", 5))),
             "!its list of names is encrypted, which is not supported");
+  std::string damaged = StoredRar({{"a", "first"}, {"dir", "", kFolder}, {"b", "second"}});
+  damaged[20 + 32] ^= 1;
+  EXPECT_EQ(Text(damaged), "!the archive is cut off, or damaged, in a header") << "in a name";
 }
 
 GTEST_TEST(Rar, TellsTimesAndModes) {
@@ -60,12 +55,6 @@ GTEST_TEST(Rar, TellsTimesAndModes) {
   EXPECT_TRUE(exact.executable);
 }
 
-GTEST_TEST(Rar, DamageIsNoticed) {
-  std::string damaged = StoredRar({{"a", "first"}, {"dir", "", kFolder}, {"b", "second"}});
-  damaged[20 + 32] ^= 1;
-  EXPECT_EQ(Text(damaged), "!the archive is cut off, or damaged, in a header") << "in a name";
-}
-
 GTEST_TEST(Rar, ReadsVolumesWhenAllAreThere) {
   const std::string whole = "0123456789";
   const auto part = [&](std::size_t from, std::size_t to, unsigned flags) {
@@ -77,24 +66,22 @@ GTEST_TEST(Rar, ReadsVolumesWhenAllAreThere) {
   const std::vector<std::string> new_ones = {StoredRar5("a", whole.substr(0, 4), whole, 0, true),
                                              StoredRar5("a", whole.substr(4, 3), whole, 1, true),
                                              StoredRar5("a", whole.substr(7), whole, 2)};
-  struct Row {
+  const struct {
     const char* what;
     std::vector<const char*> names;
     const std::vector<std::string>& volumes;
     const char* text;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"old names", {"a.rar", "a.r00", "a.r01"}, old_ones, "a=0123456789 b=1"},
       {"RAR 5", {"a.part01.rar", "a.part02.rar", "a.part03.rar"}, new_ones, "a=0123456789"},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
     for (std::size_t missing = 0; missing <= 3; ++missing) {
       const test::TempFolder folder;
       const auto path = [&](std::size_t i) { return folder / row.names[i]; };
-      for (std::size_t i = 0; i < 3; ++i) {
+      for (std::size_t i = 0; i < 3; ++i)
         if (i != missing) test::WriteFile(path(i), row.volumes[i]);
-      }
       const auto read = [&](std::size_t i) { return test::Unpack(kRarFamily, path(i)).Text(); };
       if (missing == 3) {
         EXPECT_EQ(read(0), row.text);

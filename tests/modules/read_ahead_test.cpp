@@ -4,8 +4,8 @@
 #include <stdexcept>
 #include <thread>
 
+#include "support/archives.h"
 #include "support/scripted_family.h"
-#include "support/temp_folder.h"
 
 namespace quendle::modules {
 namespace {
@@ -20,9 +20,7 @@ struct Fixture {
   Fixture() {
     test::g_first_engine = {};
     test::WriteFile(folder / "a", "archive");
-    std::unique_ptr<platform::InputFile> file;
-    EXPECT_TRUE(platform::InputFile::Open(folder / "a", &file).ok());
-    input = std::make_unique<ArchiveInput>(std::move(file), 0);
+    input = std::make_unique<ArchiveInput>(test::Opened(folder / "a"), 0);
   }
 
   std::unique_ptr<EntryReader> Open(const Engine& engine = {"first", &test::OpenFirst}) {

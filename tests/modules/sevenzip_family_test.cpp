@@ -1,15 +1,11 @@
 #include "archive/modules/sevenzip/sevenzip_family.h"
 
-#include <filesystem>
-
-#include "modules/unpack_bytes.h"
+#include "support/archives.h"
 
 namespace quendle::modules {
 namespace {
 
-using test::Number;
-using test::Pack;
-using test::Unpack;
+using test::Number, test::Pack, test::Unpack;
 
 std::string Text(const std::string& bytes) {
   return test::UnpackBytes(kSevenZipFamily, bytes).Text();

@@ -1,77 +1,65 @@
 #include "archive/modules/common/volumes.h"
 
-#include <filesystem>
+#include <sstream>
 
-#include "support/temp_folder.h"
+#include "support/archives.h"
+#include "support/picture.h"
 
 namespace quendle::modules {
 namespace {
 
 GTEST_TEST(Volumes, SetsAreFoundByName) {
-  using Names = std::vector<std::string>;
-  struct Row {
-    Names there;  // besides the one given
-    std::string given;
-    Names files;
+  const struct {
+    std::string there;  // besides the one given
+    std::string given, files;
     std::string first;  // empty: the one given
     std::string missing;
-  };
-  const Row rows[] = {
-      {{}, "a.lzh", {"a.lzh"}, "", ""},
-      {{"a.part1.rar"}, "a.part0.rar", {"a.part0.rar"}, "", "a.part0.r00"},
-      {{}, "a.part20240101.rar", {"a.part20240101.rar"}, "", "a.part20240101.r00"},
-      {{"a.7z.001"}, "a.7z.000", {"a.7z.000"}, "", ""},
-      {{"a.001"}, "a.002", {"a.002"}, "", ""},
-      {{".7z"}, "noextension", {"noextension"}, "", ""},
+  } rows[] = {
+      {"", "a.lzh", "a.lzh", "", ""},
+      {"a.part1.rar", "a.part0.rar", "a.part0.rar", "", "a.part0.r00"},
+      {"", "a.part20240101.rar", "a.part20240101.rar", "", "a.part20240101.r00"},
+      {"a.7z.001", "a.7z.000", "a.7z.000", "", ""},
+      {"a.001", "a.002", "a.002", "", ""},
+      {".7z", "noextension", "noextension", "", ""},
 
-      {{"a.part2.rar", "a.part3.rar", "b.part4.rar"},
-       "a.part1.rar",
-       {"a.part1.rar", "a.part2.rar", "a.part3.rar"},
-       "",
+      {"a.part2.rar a.part3.rar b.part4.rar", "a.part1.rar", "a.part1.rar a.part2.rar a.part3.rar", "",
        "a.part4.rar"},
-      {{"a.part10.rar"}, "a.part1.rar", {"a.part1.rar"}, "", "a.part2.rar"},
-      {{"a.part1.rar"}, "a.part10.rar", {"a.part1.rar"}, "a.part1.rar", "a.part2.rar"},
-      {{"a.part1.rar", "a.part01.rar", "a.part02.rar"},
-       "a.part10.rar",
-       {"a.part01.rar", "a.part02.rar"},
-       "a.part01.rar",
+      {"a.part10.rar", "a.part1.rar", "a.part1.rar", "", "a.part2.rar"},
+      {"a.part1.rar", "a.part10.rar", "a.part1.rar", "a.part1.rar", "a.part2.rar"},
+      {"a.part1.rar a.part01.rar a.part02.rar", "a.part10.rar", "a.part01.rar a.part02.rar", "a.part01.rar",
        "a.part03.rar"},
-      {{"a.part2.rar", "a.part02.rar"}, "a.part01.rar", {"a.part01.rar", "a.part02.rar"}, "", "a.part03.rar"},
-      {{"a.part3.rar"}, "a.part2.rar", {"a.part2.rar"}, "a.part1.rar", "a.part1.rar"},
-      {{"A.Part2.RAR"}, "a.part1.rar", {"a.part1.rar", "A.Part2.RAR"}, "", "a.part3.rar"},
-      {{"A.PART2.RAR", "a.part2.rar", "A.part1.rar"},
-       "a.part1.rar",
-       {"a.part1.rar", "a.part2.rar"},
-       "",
-       "a.part3.rar"},
-      {{"表.PART1.rar"}, "表.part2.rar", {"表.PART1.rar", "表.part2.rar"}, "表.PART1.rar", "表.part3.rar"},
+      {"a.part2.rar a.part02.rar", "a.part01.rar", "a.part01.rar a.part02.rar", "", "a.part03.rar"},
+      {"a.part3.rar", "a.part2.rar", "a.part2.rar", "a.part1.rar", "a.part1.rar"},
+      {"A.Part2.RAR", "a.part1.rar", "a.part1.rar A.Part2.RAR", "", "a.part3.rar"},
+      {"A.PART2.RAR a.part2.rar A.part1.rar", "a.part1.rar", "a.part1.rar a.part2.rar", "", "a.part3.rar"},
+      {"表.PART1.rar", "表.part2.rar", "表.PART1.rar 表.part2.rar", "表.PART1.rar", "表.part3.rar"},
 
-      {{"a.zip", "ab.r00"}, "a.rar", {"a.rar"}, "", "a.r00"},
-      {{"A.R00", "a.r01", "a.r03"}, "a.rar", {"a.rar", "A.R00", "a.r01"}, "", "a.r02"},
-      {{"a.rar", "a.r00"}, "a.r01", {"a.rar", "a.r00", "a.r01"}, "a.rar", "a.r02"},
-      {{"a.rar"}, "A.S00", {"a.rar"}, "a.rar", "A.R00"},
-      {{}, "a.r00", {"a.r00"}, "a.rar", "a.rar"},
+      {"a.zip ab.r00", "a.rar", "a.rar", "", "a.r00"},
+      {"A.R00 a.r01 a.r03", "a.rar", "a.rar A.R00 a.r01", "", "a.r02"},
+      {"a.rar a.r00", "a.r01", "a.rar a.r00 a.r01", "a.rar", "a.r02"},
+      {"a.rar", "A.S00", "a.rar", "a.rar", "A.R00"},
+      {"", "a.r00", "a.r00", "a.rar", "a.rar"},
 
-      {{"a.7z.002", "a.zip.003"}, "a.7z.001", {"a.7z.001", "a.7z.002"}, "", "a.7z.003"},
+      {"a.7z.002 a.zip.003", "a.7z.001", "a.7z.001 a.7z.002", "", "a.7z.003"},
 
-      {{}, "a.zip", {"a.zip"}, "", "a.z01"},
-      {{"a.Z01", "a.z02"}, "a.zip", {"a.Z01", "a.z02", "a.zip"}, "", "a.z03"},
-      {{"a.z01", "a.z03"}, "a.zip", {"a.z01", "a.zip"}, "", "a.z02"},
-      {{"a.z02"}, "a.z01", {"a.z01", "a.z02"}, "a.zip", "a.zip"},
+      {"", "a.zip", "a.zip", "", "a.z01"},
+      {"a.Z01 a.z02", "a.zip", "a.Z01 a.z02 a.zip", "", "a.z03"},
+      {"a.z01 a.z03", "a.zip", "a.z01 a.zip", "", "a.z02"},
+      {"a.z02", "a.z01", "a.z01 a.z02", "a.zip", "a.zip"},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.given);
     const test::TempFolder folder;
     test::WriteFile(folder / row.given, "");
-    for (const std::string& name : row.there) test::WriteFile(folder / name, "");
-    const auto made = std::filesystem::directory_iterator(folder.path());
-    if (std::distance(begin(made), end(made)) <= std::ssize(row.there)) continue;  // case does not count here
-    std::unique_ptr<platform::InputFile> file;
-    ASSERT_TRUE(platform::InputFile::Open(folder / row.given, &file).ok());
-    const VolumeSet set = FindVolumes(std::move(file));
+    std::istringstream others(row.there);
+    std::size_t count = 1;
+    for (std::string name; others >> name; ++count) test::WriteFile(folder / name, "");
+    if (test::Picture(folder.path()).size() < count) continue;  // case does not count here
+    const VolumeSet set = FindVolumes(test::Opened(folder / row.given));
     const auto path = [&](const std::string& name) { return name.empty() ? "" : folder / name; };
-    Names files;
-    for (const auto& found : set.files) files.push_back(found->Path().substr(folder.path().size() + 1));
+    std::string files;
+    for (const auto& found : set.files)
+      files += (files.empty() ? "" : " ") + test::TextOf(test::FsPath(found->Path()).filename());
     EXPECT_EQ(files, row.files);
     EXPECT_EQ(set.is_first, row.first.empty());
     EXPECT_EQ(set.first_path, path(row.first));
@@ -86,9 +74,7 @@ GTEST_TEST(Volumes, LettersGoOnBehindANumberOf99) {
     test::WriteFile(folder / name, "");
   }
   test::WriteFile(folder / "a.rar", "");
-  std::unique_ptr<platform::InputFile> file;
-  ASSERT_TRUE(platform::InputFile::Open(folder / "a.rar", &file).ok());
-  const VolumeSet set = FindVolumes(std::move(file));
+  const VolumeSet set = FindVolumes(test::Opened(folder / "a.rar"));
   ASSERT_EQ(set.files.size(), 201U);
   EXPECT_EQ(set.files[100]->Path(), folder / "a.r99");
   EXPECT_EQ(set.files[101]->Path(), folder / "a.s00");
@@ -100,12 +86,10 @@ GTEST_TEST(Volumes, BareNamesAreOfTheCurrentFolder) {
   const test::TempFolder folder;
   test::WriteFile(folder / "a.rar", "");
   test::WriteFile(folder / "a.r00", "");
-  const std::filesystem::path here = std::filesystem::current_path();
-  std::filesystem::current_path(folder.path());
-  std::unique_ptr<platform::InputFile> file;
-  ASSERT_TRUE(platform::InputFile::Open("a.rar", &file).ok());
-  EXPECT_EQ(FindVolumes(std::move(file)).files.size(), 2U);
-  std::filesystem::current_path(here);
+  const fs::path here = fs::current_path();
+  fs::current_path(folder.path());
+  EXPECT_EQ(FindVolumes(test::Opened("a.rar")).files.size(), 2U);
+  fs::current_path(here);
 }
 
 }  // namespace

@@ -101,8 +101,7 @@ TEST_F(IniFile, EnumSectionListsHeadersInOrder) {
 
 TEST_F(IniFile, ItemsAndDataOfASection) {
   const struct {
-    std::string bytes;
-    std::string section;
+    std::string bytes, section;
     std::int32_t count;
     Texts items;
     std::string data;
@@ -156,10 +155,7 @@ TEST_F(IniFile, AllData) {
 
 TEST_F(IniFile, RenameSection) {
   const struct {
-    std::string before;
-    std::string old_name;
-    std::string new_name;
-    std::string after;
+    std::string before, old_name, new_name, after;
     bool is_refused = false;
   } rows[] = {
       {"x\r\n[a]\r\nk = 1\r\n[A]\r\n", "A", "New", "x\r\n[New]\r\nk = 1\r\n[A]\r\n"},

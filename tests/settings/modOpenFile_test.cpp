@@ -1,6 +1,5 @@
 #include "settings/modOpenFile.h"
 
-#include <filesystem>
 #include <regex>
 #include <set>
 
@@ -10,17 +9,14 @@ namespace quendle {
 namespace {
 
 using namespace std::string_literals;
-namespace fs = std::filesystem;
 
 const std::string kMarkedA = "\xFF\xFE\x61\0"s;  // "a" in UTF-16 behind its mark
 
 GTEST_TEST(ReadTextFile, DetectsUtf16ByTheFirstByte) {
   const test::TempFolder folder;
   const struct {
-    std::string bytes;
-    std::string text;
-    bool read_as_unicode;
-    bool is_unicode;
+    std::string bytes, text;
+    bool read_as_unicode, is_unicode;
   } rows[] = {
       {"a\r\n\x95\x5C\xFD", "a\r\n表\uEFFD", false, false},
       {kMarkedA, "\uFEFFa", true, true},
@@ -54,8 +50,7 @@ GTEST_TEST(WriteTextFile, ReplacesPrintsAndAppends) {
   const std::string path = folder / "a.txt";
   const char* const kMissing = "<missing>";
   const struct {
-    std::string before;
-    std::string text;
+    std::string before, text;
     std::int16_t mode;
     bool as_unicode;
     std::string after;

@@ -1,9 +1,12 @@
 // An archiver over scripted libraries (tests/archive/scripted_module.cpp) and a user of a test.
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "archive/clsArchiver.h"
 #include "platform/services/library.h"
@@ -11,16 +14,15 @@
 #include "support/picture.h"
 #include "support/scoped_variable.h"
 #include "support/scripted_user.h"
-#include "support/temp_folder.h"
 
 namespace quendle::test {
 
 // Installs a variant ("plain", "full", "broken") of the scripted library under a library's name.
 inline void InstallModule(const std::string& folder, const std::string& name, const std::string& variant) {
   const std::string suffix(platform::kLibrarySuffix);
-  std::filesystem::create_directories(FsPath(folder));
-  std::filesystem::copy_file(std::string(QUENDLE_SCRIPTED_MODULES "/scripted_") + variant + suffix,
-                             FsPath(folder + kSeparator + name + suffix));
+  fs::create_directories(FsPath(folder));
+  fs::copy_file(std::string(QUENDLE_SCRIPTED_MODULES "/scripted_") + variant + suffix,
+                FsPath(folder + kSeparator + name + suffix));
 }
 
 class ArchiverBench {
@@ -65,15 +67,25 @@ class ArchiverBench {
   }
 
   std::ptrdiff_t ResponseFilesLeft() const {
-    return std::distance(std::filesystem::directory_iterator(folder / "tmp"), {});
+    return std::distance(fs::directory_iterator(folder / "tmp"), {});
   }
 
   std::vector<std::string> Problems(const ExtractionReport& report) const {
     std::vector<std::string> problems;
-    for (const ExtractionProblem& problem : report.problems) {
+    for (const ExtractionProblem& problem : report.problems)
       problems.push_back(problem.entry + ": " + English(problem.reason));
-    }
     return problems;
+  }
+  // Whether its problems are as many, and each begins so.
+  testing::AssertionResult Tells(const ExtractionReport& report,
+                                 const std::vector<std::string>& beginnings) const {
+    const std::vector<std::string> problems = Problems(report);
+    const auto begins = [](const std::string& text, const std::string& start) {
+      return text.starts_with(start);
+    };
+    return testing::AssertionResult(
+               std::equal(problems.begin(), problems.end(), beginnings.begin(), beginnings.end(), begins))
+           << testing::PrintToString(problems);
   }
 
   TempFolder folder;
@@ -85,7 +97,7 @@ class ArchiverBench {
 
  private:
   std::string MakeFolder(const std::string& name) const {
-    std::filesystem::create_directory(folder / name);
+    fs::create_directory(folder / name);
     return folder / name;
   }
 };

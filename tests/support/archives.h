@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "archive/modules/common/checksum.h"
 #include "archive/modules/common/family.h"
 #include "platform/text/unicode.h"
@@ -140,6 +142,12 @@ struct UnpackedArchive {
   }
 };
 
+inline std::unique_ptr<platform::InputFile> Opened(const std::string& path) {
+  std::unique_ptr<platform::InputFile> file;
+  EXPECT_TRUE(platform::InputFile::Open(path, &file).ok()) << path;
+  return file;
+}
+
 // Reads the archive at `path`: all entries with all content. `passwords` are tried in turn.
 inline UnpackedArchive Unpack(const modules::Family& family, const std::string& path,
                               const std::vector<std::string>& passwords = {},
@@ -168,6 +176,14 @@ inline UnpackedArchive Unpack(const modules::Family& family, const std::string& 
   }
   if (status != modules::ReadStatus::kEnd) unpacked.problem = reader->Problem();
   return unpacked;
+}
+
+inline UnpackedArchive UnpackBytes(const modules::Family& family, const std::string& bytes,
+                                   const std::vector<std::string>& passwords = {},
+                                   const std::string& charset = "") {
+  const TempFolder folder;
+  WriteFile(folder / "a", bytes);
+  return Unpack(family, folder / "a", passwords, charset);
 }
 
 }  // namespace quendle::test

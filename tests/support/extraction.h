@@ -2,7 +2,6 @@
 #pragma once
 
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <string>
 
@@ -10,11 +9,8 @@
 
 #include "platform/extraction/extraction_folder.h"
 #include "support/file_systems.h"
-#include "support/temp_folder.h"
 
 namespace quendle::test {
-
-using Entries = std::map<std::string, std::string>;
 
 class ExtractionFolderTest : public testing::Test {
  protected:
@@ -22,7 +18,6 @@ class ExtractionFolderTest : public testing::Test {
   using Taken = platform::ExtractionFolder::Taken;
 
   void SetUp() override {
-    namespace fs = std::filesystem;
     fs::permissions(destination_.path(), fs::perms::all);  // for tests without privileges
     WriteFile(outside_ / "victim", "safe");
     fs::create_directory(outside_ / "empty");
@@ -41,8 +36,8 @@ class ExtractionFolderTest : public testing::Test {
     EXPECT_TRUE(folder_->Look(path, &occupant).ok());
     return occupant.taken;
   }
-  Entries Inside() const { return Picture(destination_.path()); }
-  Entries Outside() const { return Picture(outside_.path()); }
+  std::string Inside() const { return Listing(destination_.path()); }
+  std::string Outside() const { return Listing(outside_.path()); }
   std::string At(const std::string& path) const { return path.empty() ? "" : destination_ / path; }
 
   TempFolder destination_;

@@ -15,7 +15,7 @@ namespace quendle::test {
 #ifdef _WIN32
 inline std::string OtherFileSystem() {
   constexpr char kOfWinesHost[] = "Z:\\dev\\shm";
-  return std::filesystem::is_directory(kOfWinesHost) ? kOfWinesHost : "";
+  return fs::is_directory(kOfWinesHost) ? kOfWinesHost : "";
 }
 #else
 inline std::string OtherFileSystem() {
@@ -24,7 +24,7 @@ inline std::string OtherFileSystem() {
     stat(path.c_str(), &status);
     return status;
   };
-  const dev_t usual = status_of(std::filesystem::temp_directory_path().string()).st_dev;
+  const dev_t usual = status_of(fs::temp_directory_path().string()).st_dev;
   for (const char* folder : {"/dev/shm", "/tmp", "/run"}) {
     const struct stat status = status_of(folder);
     const struct stat above = status_of(std::string(folder) + "/..");
@@ -38,7 +38,7 @@ inline std::string OtherFileSystem() {
 // A symbolic link, a pipe; false where the system or the library makes none.
 inline bool MakeLink(const std::string& target, const std::string& path) {
   std::error_code error;
-  std::filesystem::create_symlink(FsPath(target), FsPath(path), error);
+  fs::create_symlink(FsPath(target), FsPath(path), error);
   return !error;
 }
 #ifdef _WIN32

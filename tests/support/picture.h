@@ -20,7 +20,6 @@ inline std::string Slashed(std::string path) {
 
 // Every entry below the folder, hidden ones too, with enough about it to notice any change of content.
 inline std::map<std::string, std::string> Picture(const std::string& folder) {
-  namespace fs = std::filesystem;
   std::map<std::string, std::string> picture;
   for (const fs::directory_entry& entry : fs::recursive_directory_iterator(FsPath(folder))) {
     const fs::path& path = entry.path();
@@ -42,9 +41,25 @@ inline std::map<std::string, std::string> Picture(const std::string& folder) {
   return picture;
 }
 
+// The same in one line: "d/ d/a.txt=its content d/link>target pipe?".
+inline std::string Listing(const std::string& folder) {
+  std::string listing;
+  for (const auto& [name, what] : Picture(folder)) {
+    listing.append(listing.empty() ? "" : " ").append(name);
+    if (what.starts_with("link to ")) {
+      listing.append(">").append(what.substr(8));
+    } else if (what == "folder" || what == "other") {
+      listing.append(what == "folder" ? "/" : "?");
+    } else {
+      listing.append("=").append(what.starts_with("file ") ? what.substr(5) : what);
+    }
+  }
+  return listing;
+}
+
 inline void SetWriteTime(const std::string& path, std::int64_t seconds) {
   const std::chrono::sys_time<std::chrono::seconds> time{std::chrono::seconds(seconds)};
-  std::filesystem::last_write_time(ExactPath(path), std::chrono::file_clock::from_sys(time));
+  fs::last_write_time(ExactPath(path), std::chrono::file_clock::from_sys(time));
 }
 
 }  // namespace quendle::test

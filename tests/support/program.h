@@ -22,7 +22,7 @@ struct Ended {
 
 // From the root on, since the shell is elsewhere.
 inline std::string BuiltProgram() {
-  return TextOf(std::filesystem::absolute(QUENDLE_PROGRAM).make_preferred());
+  return TextOf(fs::absolute(QUENDLE_PROGRAM).make_preferred());
 }
 
 // Runs it in `folder`, with the settings in folder/s, nothing to read and, on POSIX, no display. `arguments` go to the

@@ -15,12 +15,12 @@ class Recorder {
   // A program at `path`, whose record lies beside it.
   explicit Recorder(const std::string& path) : record_(path + ".record") {
 #ifdef _WIN32
-    std::filesystem::create_directories(FsPath(path).parent_path());
-    std::filesystem::copy_file(QUENDLE_RECORDER, FsPath(path));
+    fs::create_directories(FsPath(path).parent_path());
+    fs::copy_file(QUENDLE_RECORDER, FsPath(path));
 #else
     WriteFile(path, "#!/bin/sh\n{ echo \"$#\"; printf '%s\\n' \"$@\"; } >'" + record_ + ".part' && mv '" +
                         record_ + ".part' '" + record_ + "'\n");
-    std::filesystem::permissions(FsPath(path), std::filesystem::perms::owner_all);
+    fs::permissions(FsPath(path), fs::perms::owner_all);
 #endif
   }
 
@@ -28,12 +28,12 @@ class Recorder {
   // started comes when the machine and its disk have the time, and then no test waits any longer.
   std::string Take(std::chrono::milliseconds patience = std::chrono::seconds(100)) {
     const auto end = std::chrono::steady_clock::now() + patience;
-    while (!std::filesystem::exists(FsPath(record_))) {
+    while (!fs::exists(FsPath(record_))) {
       if (std::chrono::steady_clock::now() >= end) return "not started";
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     std::string record = ReadFile(record_);
-    std::filesystem::remove(FsPath(record_));
+    fs::remove(FsPath(record_));
     return record;
   }
 

@@ -1,7 +1,8 @@
-// An environment variable for the time of a test.
+// An environment variable, and the time zone of the C library, for the time of a test.
 #pragma once
 
 #include <cstdlib>
+#include <ctime>
 #include <optional>
 #include <string>
 
@@ -29,6 +30,33 @@ class ScopedVariable {
 
   const char* name_;
   std::optional<std::string> old_;
+};
+
+// Those that a process can be told for all of it; on Windows only the system's own.
+#ifdef _WIN32
+inline constexpr const char* kZones[] = {""};
+#else
+inline constexpr const char* kZones[] = {"UTC0", "JST-9", "EST5"};
+#endif
+
+class TimeZone {
+ public:
+  explicit TimeZone(const char* zone) : variable_("TZ", zone) { Apply(); }
+
+ private:
+  static void Apply() {
+#ifdef _WIN32
+    _tzset();
+#else
+    tzset();
+#endif
+  }
+
+  struct Restore {
+    ~Restore() { Apply(); }
+  };
+  Restore restore_;  // behind the variable's own
+  ScopedVariable variable_;
 };
 
 }  // namespace quendle::test

@@ -18,7 +18,7 @@ class ScriptedObserver : public platform::FileOperationObserver {
   std::function<bool(const platform::FileProgress&)> on_progress;
 
   std::vector<std::string> asked;  // the existing files
-  platform::FileVersion incoming;  // of the last question
+  platform::FileSide incoming;     // of the last question
   platform::FileProgress last;
   std::size_t reports = 0;
 
@@ -28,7 +28,7 @@ class ScriptedObserver : public platform::FileOperationObserver {
     return !on_progress || on_progress(progress);
   }
 
-  Answer OnOverwrite(const platform::FileVersion& existing, const platform::FileVersion& arriving) override {
+  Answer OnOverwrite(const platform::FileSide& existing, const platform::FileSide& arriving) override {
     asked.push_back(existing.path);
     incoming = arriving;
     if (answers.empty()) return Answer::kNo;

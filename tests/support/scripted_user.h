@@ -37,7 +37,7 @@ class ScriptedUser : public UserInterface {
   int shown_simple_progress = 0;
   int ended_progress = 0;
 
-  OverwriteAnswer AskOverwrite(const platform::FileVersion& existing, const platform::FileVersion&) override {
+  OverwriteAnswer AskOverwrite(const platform::FileSide& existing, const platform::FileSide&) override {
     asked_overwrite.push_back(existing.path);
     if (overwrite_answers.empty()) return OverwriteAnswer::kNobody;
     const std::size_t turn = std::min(asked_overwrite.size(), overwrite_answers.size());
@@ -70,7 +70,7 @@ class ScriptedUser : public UserInterface {
   }
   void EndProgress() override { ++ended_progress; }
   void SetBusy(bool is_busy) override { busy.push_back(is_busy); }
-  void OpenFolder(const std::string& folder, const FileManager& manager) override {
+  void ShowInFileManager(const std::string& folder, const FileManager& manager) override {
     opened_folders.push_back(folder);
     file_manager = manager.program;
   }

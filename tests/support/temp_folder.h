@@ -8,9 +8,13 @@
 #include <random>
 #include <string>
 
-namespace quendle::test {
+namespace quendle {
 
-inline constexpr char kSeparator = static_cast<char>(std::filesystem::path::preferred_separator);
+namespace fs = std::filesystem;  // in every test
+
+namespace test {
+
+inline constexpr char kSeparator = static_cast<char>(fs::path::preferred_separator);
 
 // A path that a test writes with slashes, as the system writes it.
 inline std::string Native(std::string path) {
@@ -24,35 +28,35 @@ inline std::string Rooted(const std::string& path) {
 }
 
 // The library takes plain strings for text of the C locale, save on POSIX.
-inline std::filesystem::path FsPath(const std::string& path) {
-  return std::filesystem::path(std::u8string(path.begin(), path.end()));
+inline fs::path FsPath(const std::string& path) {
+  return fs::path(std::u8string(path.begin(), path.end()));
 }
-inline std::string TextOf(const std::filesystem::path& path) {
+inline std::string TextOf(const fs::path& path) {
   const std::u8string text = path.u8string();
   return {text.begin(), text.end()};
 }
 
 // What Windows makes of a path is not wanted: it takes dots and blanks off the end of a name.
-inline std::filesystem::path ExactPath(const std::string& path) {
+inline fs::path ExactPath(const std::string& path) {
   return FsPath(path.size() > 2 && path.compare(1, 2, ":\\") == 0 ? "\\\\?\\" + Native(path) : path);
 }
 
 class TempFolder {
  public:
   // `parent` chooses the file system.
-  explicit TempFolder(const std::string& parent = TextOf(std::filesystem::temp_directory_path())) {
+  explicit TempFolder(const std::string& parent = TextOf(fs::temp_directory_path())) {
     std::random_device random;
     std::error_code error;
     do {
       const auto name = "quendle-test-" + std::to_string(random());
       path_ = TextOf((FsPath(parent) / name).make_preferred());
-    } while (!std::filesystem::create_directory(FsPath(path_), error) && !error);
+    } while (!fs::create_directory(FsPath(path_), error) && !error);
     if (error) path_.clear();
-    std::filesystem::permissions(FsPath(path_), std::filesystem::perms::owner_all, error);
+    fs::permissions(FsPath(path_), fs::perms::owner_all, error);
   }
   ~TempFolder() {
     std::error_code ignored;  // a test that took rights away gives them back itself
-    std::filesystem::remove_all(ExactPath(path_), ignored);
+    fs::remove_all(ExactPath(path_), ignored);
   }
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;
@@ -65,7 +69,7 @@ class TempFolder {
 };
 
 inline void WriteFile(const std::string& path, const std::string& bytes) {
-  std::filesystem::create_directories(FsPath(path).parent_path());
+  fs::create_directories(FsPath(path).parent_path());
   std::ofstream(ExactPath(path), std::ios::binary) << bytes;
 }
 
@@ -74,4 +78,5 @@ inline std::string ReadFile(const std::string& path) {
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-}  // namespace quendle::test
+}  // namespace test
+}  // namespace quendle

@@ -10,7 +10,6 @@
 #include "platform/moving/file_operation.h"
 #include "support/file_systems.h"
 #include "support/scripted_observer.h"
-#include "support/temp_folder.h"
 
 namespace quendle::test {
 
@@ -49,13 +48,10 @@ class WayTest : public testing::TestWithParam<Way> {
     return (GetParam().moves ? platform::MoveEntry : platform::CopyEntry)(At(from), At(to), options_,
                                                                           &observer_);
   }
-  bool IsThere(const std::string& path) const {
-    return std::filesystem::exists(std::filesystem::symlink_status(FsPath(At(path))));
-  }
+  bool IsThere(const std::string& path) const { return fs::exists(fs::symlink_status(FsPath(At(path)))); }
 
   TempFolder source_;
-  TempFolder destination_{GetParam().across ? OtherFileSystem()
-                                            : TextOf(std::filesystem::temp_directory_path())};
+  TempFolder destination_{GetParam().across ? OtherFileSystem() : TextOf(fs::temp_directory_path())};
   ScriptedObserver observer_;
   platform::FileOperationOptions options_;
 };

@@ -1,11 +1,8 @@
 // Acting on modal windows, which only return when somebody acts on them.
 #pragma once
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QPointer>
 #include <QTest>
-#include <QTimer>
+#include <QtWidgets>
 #include <algorithm>
 #include <functional>
 #include <vector>

@@ -98,7 +98,7 @@ Result ReadRegularFile(const std::string& path, std::string* bytes, WatchedRead*
   if (!file.ok()) return NotOpened(path);
   if (GetFileType(file.get()) != FILE_TYPE_DISK) return Failure(Code::kRefused, path, why::kNotRegularFile);
   EntryStatus status;
-  Result result = Outcome(StatusOfOpen(file.get(), &status), path);
+  Result result = ResultOf(StatusOfOpen(file.get(), &status), path);
   if (result.ok()) result = CheckRegular(status, path);
   if (!result.ok()) return result;
   if (status.size > kGreatestSize) return Failure(Code::kRefused, path, why::kFileTooLarge);
@@ -106,11 +106,11 @@ Result ReadRegularFile(const std::string& path, std::string* bytes, WatchedRead*
   Handle alone;
   if (IsChangedLately(status)) {
     watched->writers = KeepWritersOut(file.get(), &alone);
-    if (result = Outcome(StatusOfOpen(file.get(), &status), path); !result.ok()) return result;
+    if (result = ResultOf(StatusOfOpen(file.get(), &status), path); !result.ok()) return result;
   }
   watched->before = status;
   result = ReadUpTo(file.get(), status.size, path, bytes);
-  return result.ok() ? Outcome(StatusOfOpen(file.get(), &watched->after), path) : result;
+  return result.ok() ? ResultOf(StatusOfOpen(file.get(), &watched->after), path) : result;
 }
 
 // Says whether the file at `real`, if there is one, may be replaced. `*exists` tells whether there is.
@@ -270,7 +270,7 @@ Result WriteTemporaryFile(const std::string& path, std::string_view bytes) {
                                 nullptr, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
   if (!file.ok()) return LastSystemFailure(path);
   EntryStatus status;
-  Result result = Outcome(StatusOfOpen(file.get(), &status), path);
+  Result result = ResultOf(StatusOfOpen(file.get(), &status), path);
   if (result.ok()) result = CheckRegular(status, path);
   if (result.ok()) result = WriteAll(file.get(), bytes, path);
   return !result.ok() || SetEndOfFile(file.get()) != 0 ? result : LastSystemFailure(path);
@@ -291,7 +291,7 @@ Result FolderLock::Take(const std::string& path, std::unique_ptr<FolderLock>* lo
       lock->reset(new FolderLock(reinterpret_cast<std::intptr_t>(held.Release())));
       return Success();
     }
-    if (error != ERROR_ALREADY_EXISTS) return Outcome(error, folder);
+    if (error != ERROR_ALREADY_EXISTS) return ResultOf(error, folder);
     if (InterruptRequested()) return Failure(Code::kCancelled, folder, why::kInterrupted);
     if (std::chrono::steady_clock::now() > deadline)
       return Failure(Code::kFailed, folder, why::kSettingsHeld);

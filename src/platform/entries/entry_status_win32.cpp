@@ -46,7 +46,7 @@ Result StatusAt(const std::string& path, DWORD flags, EntryStatus* status) {
   const std::wstring wide = SystemPath(path);
   const Handle entry(CreateFileW(wide.c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
                                  FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr));
-  return Outcome(entry.ok() ? StatusOfOpen(entry.get(), status) : NamingError(GetLastError(), wide), path);
+  return ResultOf(entry.ok() ? StatusOfOpen(entry.get(), status) : NamingError(GetLastError(), wide), path);
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ Result InputFile::Open(const std::string& path, std::unique_ptr<InputFile>* file
     return Failure(Code::kRefused, path, why::kNotRegular);
   }
   EntryStatus status;
-  if (const DWORD error = StatusOfOpen(opened.get(), &status); error != 0) return Outcome(error, path);
+  if (const DWORD error = StatusOfOpen(opened.get(), &status); error != 0) return ResultOf(error, path);
   if (status.is_folder()) return Failure(Code::kIsFolder, path, why::kThisIsFolder);
   std::string identity;
   for (const auto part : {status.id.volume, status.id.high, status.id.low, status.size,

@@ -45,7 +45,7 @@ Result MakeSymbolicLink(const OpenFolder& folder, const std::string& name, const
                         bool to_folder) {
   const std::wstring path = FinalPath(HandleFrom(folder.get())) + L'\\' + WideFromText(name);
   if (const DWORD error = MakeSymbolicLink(path, target, to_folder); error != 0)
-    return Outcome(error, folder.Shown(name));
+    return ResultOf(error, folder.Shown(name));
   // Wine claims to have made one.
   EntryStatus status;
   if (folder.StatusOf(name, &status).ok() && status.is_link()) return Success();
@@ -94,7 +94,7 @@ Result OpenFolder::ReadLink(const std::string& name, const EntryStatus& recorded
   DWORD error = OpenBelow(HandleFrom(get()), WideFromText(name), {}, &link);
   if (error == 0) error = ReadLinkRecord(link.get(), content);
   if (error == 0) error = StatusOfOpen(link.get(), &now);
-  if (error != 0) return Outcome(error, Shown(name));
+  if (error != 0) return ResultOf(error, Shown(name));
   return IsUnchanged(recorded, now) ? Success() : SourceChanged(Shown(name));
 }
 
@@ -109,17 +109,17 @@ Result OpenFolder::MakeLinkLike(const std::string& name, const std::string& cont
   const NtOpening how{
       .access = GENERIC_WRITE | DELETE, .options = is_folder ? kOnlyFolders : kOnlyFiles, .makes = true};
   DWORD error = OpenBelow(folder, wide, how, &made);
-  if (error != 0) return Outcome(error, Shown(name));
+  if (error != 0) return ResultOf(error, Shown(name));
   error = WriteLinkRecord(made.get(), content);
   if (error != 0) (void)RemoveOpen(made.get(), 0);
-  return Outcome(error, Shown(name));
+  return ResultOf(error, Shown(name));
 }
 
 Result OpenFolder::MakeHardLink(const std::string& path, const std::string& name) const {
   const Handle file(CreateFileW(SystemPath(path).c_str(), FILE_WRITE_ATTRIBUTES, kShareAll, nullptr,
                                 OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
   if (!file.ok()) return LastSystemFailure(Shown(name));
-  return Outcome(LinkOpen(file.get(), HandleFrom(get()), WideFromText(name)), Shown(name));
+  return ResultOf(LinkOpen(file.get(), HandleFrom(get()), WideFromText(name)), Shown(name));
 }
 
 }  // namespace quendle::platform

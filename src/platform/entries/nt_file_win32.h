@@ -12,7 +12,7 @@ namespace quendle::platform {
 
 inline constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-inline Result Outcome(DWORD error, std::string path) {
+inline Result ResultOf(DWORD error, std::string path) {
   return error == 0 ? Success() : SystemFailure(static_cast<int>(error), std::move(path));
 }
 

@@ -28,13 +28,13 @@ Result NoFolder(const std::string& path) {
 // when they are not opened themselves.
 Result TakeFolder(Handle opened, Use use, const std::string& shown, SystemHandle* handle) {
   EntryStatus status;
-  if (const DWORD error = StatusOfOpen(opened.get(), &status); error != 0) return Outcome(error, shown);
+  if (const DWORD error = StatusOfOpen(opened.get(), &status); error != 0) return ResultOf(error, shown);
   if (!status.is_folder()) return NoFolder(shown);
   if ((status.mode & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
     Handle followed;
     const NtOpening how{.access = RightsFor(use), .options = kOnlyFolders, .follows = true};
     if (const DWORD error = OpenBelow(opened.get(), L"", how, &followed); error != 0)
-      return Outcome(error, shown);
+      return ResultOf(error, shown);
     opened = std::move(followed);
   }
   *handle = Taken(std::move(opened));
@@ -102,19 +102,19 @@ Result OpenFolder::Enter(const std::string& name, Use use, OpenFolder* folder) c
   const NtOpening how{.access = RightsFor(use), .options = kOnlyFolders};
   const DWORD error = OpenBelow(HandleFrom(get()), WideFromText(name), how, &opened);
   if (error == ERROR_DIRECTORY) return NoFolder(folder->shown_);
-  if (error != 0) return Outcome(error, folder->shown_);
+  if (error != 0) return ResultOf(error, folder->shown_);
   return TakeFolder(std::move(opened), use, folder->shown_, &folder->handle_);
 }
 
 Result OpenFolder::Status(EntryStatus* status) const {
-  return Outcome(StatusOfOpen(HandleFrom(get()), status), shown_);
+  return ResultOf(StatusOfOpen(HandleFrom(get()), status), shown_);
 }
 
 Result OpenFolder::StatusOf(const std::string& name, EntryStatus* status) const {
   Handle entry;
   DWORD error = OpenBelow(HandleFrom(get()), WideFromText(name), {}, &entry);
   if (error == 0) error = StatusOfOpen(entry.get(), status);
-  return Outcome(error, Shown(name));
+  return ResultOf(error, Shown(name));
 }
 
 Result OpenFolder::List(std::vector<std::string>* names) const {
@@ -134,7 +134,7 @@ Result OpenFolder::List(std::vector<std::string>* names) const {
 
 Result OpenFolder::CheckRemovable(const std::string& name, const EntryStatus& /*entry*/) const {
   Handle opened;
-  return Outcome(OpenBelow(HandleFrom(get()), WideFromText(name), {.access = DELETE}, &opened), Shown(name));
+  return ResultOf(OpenBelow(HandleFrom(get()), WideFromText(name), {.access = DELETE}, &opened), Shown(name));
 }
 
 // Followed, since only so the content is read that is kept elsewhere: whoever copies it looks whether it is
@@ -145,7 +145,7 @@ Result OpenFolder::OpenFile(const std::string& name, SystemHandle* file) const {
   const NtOpening how{.access = GENERIC_READ, .options = kOnlyFiles | kReadAhead, .follows = true};
   const DWORD error = OpenBelow(HandleFrom(get()), WideFromText(name), how, &opened);
   if (error == 0) *file = Taken(std::move(opened));
-  return Outcome(error, Shown(name));
+  return ResultOf(error, Shown(name));
 }
 
 Result OpenFolder::MakeFile(const std::string& name, NewEntry how, SystemHandle* file) const {
@@ -153,14 +153,14 @@ Result OpenFolder::MakeFile(const std::string& name, NewEntry how, SystemHandle*
   const DWORD error = OpenBelow(HandleFrom(get()), WideFromText(name),
                                 Making(GENERIC_READ | GENERIC_WRITE, kOnlyFiles, how), &opened);
   if (error == 0) *file = Taken(std::move(opened));
-  return Outcome(error, Shown(name));
+  return ResultOf(error, Shown(name));
 }
 
 Result OpenFolder::MakeFolder(const std::string& name, NewEntry how) const {
   Handle made;
-  return Outcome(OpenBelow(HandleFrom(get()), WideFromText(name),
-                           Making(FILE_READ_ATTRIBUTES, kOnlyFolders, how), &made),
-                 Shown(name));
+  return ResultOf(OpenBelow(HandleFrom(get()), WideFromText(name),
+                            Making(FILE_READ_ATTRIBUTES, kOnlyFolders, how), &made),
+                  Shown(name));
 }
 
 // Whether it is a folder shows only when it is open.
@@ -170,7 +170,7 @@ Result OpenFolder::Remove(const std::string& name) const {
   DWORD error = OpenForRemoval(HandleFrom(get()), WideFromText(name), &entry);
   if (error == 0) error = StatusOfOpen(entry.get(), &status);
   if (error == 0 && status.is_folder()) return Failure(Code::kIsFolder, Shown(name), why::kThisIsFolder);
-  return Outcome(error == 0 ? RemoveOpen(entry.get(), status.mode) : error, Shown(name));
+  return ResultOf(error == 0 ? RemoveOpen(entry.get(), status.mode) : error, Shown(name));
 }
 
 Result OpenFolder::RemoveFolder(const std::string& name) const {
@@ -179,7 +179,7 @@ Result OpenFolder::RemoveFolder(const std::string& name) const {
   DWORD error = OpenForRemoval(HandleFrom(get()), WideFromText(name), &entry);
   if (error == 0) error = StatusOfOpen(entry.get(), &status);
   if (error == 0 && !status.is_folder()) return NoFolder(Shown(name));
-  return Outcome(error == 0 ? RemoveOpen(entry.get(), status.mode) : error, Shown(name));
+  return ResultOf(error == 0 ? RemoveOpen(entry.get(), status.mode) : error, Shown(name));
 }
 
 void OpenFolder::MakeAccessible(const std::string& /*name*/) const {}

@@ -79,7 +79,7 @@ std::string FindOnSearchPath(const std::string& name) {
 Result MakeFolder(const std::string& path) {
   const std::wstring wide = SystemPath(path);
   if (CreateDirectoryW(wide.c_str(), nullptr) != 0) return Success();
-  return Outcome(NamingError(GetLastError(), wide), path);
+  return ResultOf(NamingError(GetLastError(), wide), path);
 }
 
 Result MakeTemporaryFile(const std::string& folder, std::string* path) {

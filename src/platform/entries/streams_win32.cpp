@@ -57,10 +57,10 @@ Result CopyStreams(HANDLE from, const std::string& from_path, HANDLE to, const s
     Handle in;
     Handle out;
     DWORD error = OpenStream(from, name, {.access = GENERIC_READ}, &in);
-    if (error != 0) return Outcome(error, from_path);
+    if (error != 0) return ResultOf(error, from_path);
     error = OpenStream(to, name, {.access = GENERIC_WRITE, .makes = true}, &out);
     if (MeansNoStreams(error)) return Success();
-    if (error != 0) return Outcome(error, to_path);
+    if (error != 0) return ResultOf(error, to_path);
     Result result = CopyData(in.get(), from_path, out.get(), to_path);
     if (!result.ok()) return result;
   }

@@ -52,7 +52,7 @@ class ExtractionFolder {
   };
   struct Occupant {
     Taken taken = Taken::kFree;
-    FileVersion version;  // of what is there
+    FileSide version;  // of what is there
   };
   // A failure when a folder on the way cannot be entered: a file or a link is in its place, say. kRefused, for a safe
   // path, only by what Protect was told.

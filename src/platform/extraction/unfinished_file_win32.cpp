@@ -44,7 +44,7 @@ Result UnfinishedFile::Complete(const EntryAttributes& attributes) {
   if (!file_.ok()) return Success();
   EntryStatus status;
   const DWORD error = StatusOfOpen(HandleFrom(file_.get()), &status);
-  if (error != 0) return Outcome(error, shown_);
+  if (error != 0) return ResultOf(error, shown_);
   id_ = status.id;
   FILE_BASIC_INFO basic = {};
   basic.FileAttributes = FILE_ATTRIBUTE_ARCHIVE;  // no longer hidden

@@ -106,7 +106,7 @@ class DataCopy {
 };
 
 Result ReadStatusOf(OpenEntry entry, EntryStatus* status) {
-  return Outcome(StatusOfOpen(HandleOf(entry), status), entry.path);
+  return ResultOf(StatusOfOpen(HandleOf(entry), status), entry.path);
 }
 
 Result CheckUnchanged(OpenEntry from, const EntryStatus& recorded) {

@@ -41,7 +41,7 @@ class FileOperationObserver {
   virtual bool OnProgress(const FileProgress& progress) = 0;
 
   // May `existing` be replaced by `incoming`? "To all" answers are the observer's to remember.
-  virtual Answer OnOverwrite(const FileVersion& existing, const FileVersion& incoming) = 0;
+  virtual Answer OnOverwrite(const FileSide& existing, const FileSide& incoming) = 0;
 };
 
 struct FileOperationOptions {

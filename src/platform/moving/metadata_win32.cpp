@@ -41,7 +41,7 @@ Result CopyMetadata(const Transfer& transfer, OpenEntry from, const EntryStatus&
     error = OpenBelow(HandleFrom(to.handle), L"", {.access = FILE_WRITE_ATTRIBUTES}, &opened);
     if (error == 0) error = SetBasic(opened.get(), basic);
   }
-  return Outcome(error, to.path);
+  return ResultOf(error, to.path);
 }
 
 Result CopyLinkMetadata(const Transfer& transfer, const EntryStatus& recorded, const OpenFolder& folder,
@@ -50,7 +50,7 @@ Result CopyLinkMetadata(const Transfer& transfer, const EntryStatus& recorded, c
   DWORD error =
       OpenBelow(HandleFrom(folder.get()), WideFromText(name), {.access = FILE_WRITE_ATTRIBUTES}, &link);
   if (error == 0) error = SetBasic(link.get(), BasicFrom(transfer, recorded));
-  return Outcome(error, shown);
+  return ResultOf(error, shown);
 }
 
 }  // namespace quendle::platform

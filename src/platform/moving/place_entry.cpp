@@ -11,7 +11,7 @@
 namespace quendle::platform {
 namespace {
 
-FileVersion VersionOf(const std::string& path, const EntryStatus& status) {
+FileSide SideOf(const std::string& path, const EntryStatus& status) {
   return {path, status.size, status.write_time.seconds};
 }
 
@@ -68,7 +68,7 @@ Result PlaceUnderFreeName(Transfer& transfer, const std::string& source, const E
 Result PlaceOnFile(Transfer& transfer, const std::string& source, const EntryStatus& status,
                    const std::string& destination, const EntryStatus& existing) {
   using Answer = FileOperationObserver::Answer;
-  switch (transfer.observer->OnOverwrite(VersionOf(destination, existing), VersionOf(source, status))) {
+  switch (transfer.observer->OnOverwrite(SideOf(destination, existing), SideOf(source, status))) {
     case Answer::kYes:
       return BringEntry(transfer, source, status, destination, &existing);
     case Answer::kNo:

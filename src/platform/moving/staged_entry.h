@@ -49,7 +49,7 @@ class StagedEntry final : private UndoneAtExit {
   // What is recorded of what was made here is read and removed without a question.
   class Nobody final : public FileOperationObserver {
     bool OnProgress(const FileProgress&) override { return true; }
-    Answer OnOverwrite(const FileVersion&, const FileVersion&) override { return Answer::kNo; }
+    Answer OnOverwrite(const FileSide&, const FileSide&) override { return Answer::kNo; }
   };
 
   void Clear();

@@ -1,5 +1,5 @@
-#include "platform/services/keyboard.h"
 #include "platform/process/process.h"
+#include "platform/services/keyboard.h"
 
 #include <iterator>
 #include <string_view>

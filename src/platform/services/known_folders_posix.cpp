@@ -6,9 +6,9 @@
 #include <memory>
 
 #include "platform/entries/entry_status.h"
-#include "platform/process/process.h"
 #include "platform/entries/path_names.h"
 #include "platform/entries/paths.h"
+#include "platform/process/process.h"
 #include "platform/services/known_folders.h"
 
 namespace quendle::platform {

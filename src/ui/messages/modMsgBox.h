@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace quendle {
@@ -31,7 +32,12 @@ std::int32_t ShowMessage(const std::string& prompt, std::int32_t buttons, std::i
 // Asks for one line of text. Empty when it was cancelled, or nothing was typed.
 std::string ShowInput(const std::string& prompt, const std::string& title, const std::string& default_text);
 
-// The same with what is typed hidden.
+// One of the two, or what stands in for it.
+using MessageFunction =
+    std::function<std::int32_t(const std::string&, std::int32_t, std::int32_t, const std::string&)>;
+using InputFunction = std::function<std::string(const std::string&, const std::string&, const std::string&)>;
+
+// The same as ShowInput with what is typed hidden.
 std::string ShowPasswordInput(const std::string& prompt, const std::string& title);
 
 }  // namespace quendle

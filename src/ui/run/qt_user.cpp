@@ -40,8 +40,8 @@ class QtUser : public UserInterface {
   QtUser(const QtUser&) = delete;
   QtUser& operator=(const QtUser&) = delete;
 
-  OverwriteAnswer AskOverwrite(const platform::FileVersion& existing,
-                               const platform::FileVersion& incoming) override;
+  OverwriteAnswer AskOverwrite(const platform::FileSide& existing,
+                               const platform::FileSide& incoming) override;
   bool AskMakeFolder(const std::string& folder) override;
   bool AskDelete(const std::string& path) override;
   std::optional<std::string> AskPassword(const std::string& archive) override;
@@ -51,7 +51,7 @@ class QtUser : public UserInterface {
   bool ShowProgress(const platform::FileProgress& progress, bool simple) override;
   void EndProgress() override { progress_.End(); }
   void SetBusy(bool busy) override;
-  void OpenFolder(const std::string& folder, const FileManager& manager) override;
+  void ShowInFileManager(const std::string& folder, const FileManager& manager) override;
   void OpenFile(const std::string& path, const std::string& untrusted_folder) override;
 
  private:
@@ -91,8 +91,8 @@ bool QtUser::AskYesNo(const std::string& prompt, std::int32_t icon, TextId title
   return quendle::ShowMessage(prompt, kButtonsYesNo, icon, LoadText(title)) == kAnswerYes;
 }
 
-UserInterface::OverwriteAnswer QtUser::AskOverwrite(const platform::FileVersion& existing,
-                                                    const platform::FileVersion& incoming) {
+UserInterface::OverwriteAnswer QtUser::AskOverwrite(const platform::FileSide& existing,
+                                                    const platform::FileSide& incoming) {
   const Waiting waiting(*this);
   return frmOverwrite(Owner(), existing, incoming).Ask();
 }
@@ -162,7 +162,7 @@ void QtUser::ShowFailure(TextId text, const platform::Result& failure, const std
                              "");
 }
 
-void QtUser::OpenFolder(const std::string& folder, const FileManager& manager) {
+void QtUser::ShowInFileManager(const std::string& folder, const FileManager& manager) {
   ShowFailure(TextId::kFolderNotOpened, OpenFolderWithFiler(manager, folder), folder);
 }
 

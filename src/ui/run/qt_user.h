@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "base/user_interface.h"
-#include "core/windows.h"
+#include "core/windows_library.h"
 
 namespace quendle {
 

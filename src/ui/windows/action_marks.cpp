@@ -4,14 +4,13 @@
 #include <QFontMetrics>
 #include <QPainter>
 
-#include "core/failure_text.h"
+#include "core/action_text.h"
 #include "ui/parts/form_helpers.h"
 #include "ui/parts/text.h"
 
 namespace quendle {
 namespace {
 
-constexpr StepKind kKinds[] = {StepKind::kExtract, StepKind::kMove, StepKind::kCopy};
 constexpr int kGap = 4;
 constexpr int kPadding = 5;  // of a mark, on the left and on the right
 constexpr int kMargin = 4;   // of the cell
@@ -45,7 +44,7 @@ void PaintMark(QPainter* painter, const QRect& place, StepKind kind, const QPale
 int ActionMarks::Width(const QFont& font) {
   const QFontMetrics metrics(MarkFont(font));
   int width = 2 * kMargin;
-  for (const StepKind kind : kKinds) width += MarkWidth(metrics, kind) + kGap;
+  for (const StepKind kind : kStepKinds) width += MarkWidth(metrics, kind) + kGap;
   return width - kGap;
 }
 
@@ -56,7 +55,7 @@ QSize ActionMarks::sizeHint(const QStyleOptionViewItem& option, const QModelInde
 void ActionMarks::paint(QPainter* painter, const QStyleOptionViewItem& option,
                         const QModelIndex& index) const {
   const ProfileRow& row = model_.RowAt(index.row());
-  if (row.action == 0) {
+  if (row.action == kNoSteps) {
     QStyledItemDelegate::paint(painter, option, index);
     return;
   }
@@ -74,12 +73,10 @@ void ActionMarks::paint(QPainter* painter, const QStyleOptionViewItem& option,
   const QFontMetrics metrics(painter->font());
   const int height = std::min(metrics.height() + 2, cell.rect.height() - 2);
   int x = cell.rect.left() + kMargin;
-  for (const StepKind kind : kKinds) {
+  for (const StepKind kind : kStepKinds) {
     const int width = MarkWidth(metrics, kind);
     const QRect place(x, cell.rect.center().y() - height / 2 + 1, width, height);
-    if ((row.action & static_cast<std::int16_t>(kind)) != 0) {
-      PaintMark(painter, place, kind, cell.palette);
-    }
+    if (Includes(row.action, kind)) PaintMark(painter, place, kind, cell.palette);
     x += width + kGap;
   }
   painter->restore();

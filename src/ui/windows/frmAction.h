@@ -38,10 +38,8 @@ class PlanView;
 // The other windows that the action window opens.
 struct ActionServices {
   std::function<std::string(QWidget*, const std::string&, const std::string&)> pick_folder = PickFolder;
-  std::function<std::int32_t(const std::string&, std::int32_t, std::int32_t, const std::string&)>
-      show_message = ShowMessage;
-  std::function<std::string(const std::string&, const std::string&, const std::string&)> show_input =
-      ShowInput;
+  MessageFunction show_message = ShowMessage;
+  InputFunction show_input = ShowInput;
   // Opens the editor as OpenEditor does.
   std::function<std::optional<std::string>(QWidget*, EditMode, const std::string& title)> open_editor;
   std::function<void(QWidget*)> show_about;

@@ -16,6 +16,7 @@
 #include "resources/string_table.h"
 #include "ui/parts/busy.h"
 #include "ui/parts/text.h"
+#include "ui/windows/ask_title.h"
 #include "ui/windows/frmAction.h"
 #include "ui/windows/plan_view.h"
 
@@ -216,19 +217,13 @@ void frmAction::EditProfile() {
   }
 }
 
-// A name that a profile can have and none has; empty when the user has given none.
 std::string frmAction::NameNewProfile() {
   const Busy busy(&is_busy_);
-  const std::string title =
-      services_.show_input(LoadText(TextId::kAskProfileName), LoadText(TextId::kAddProfile), "");
-  if (title.empty()) return "";
-  std::string problem = TitleProblem(title);
-  if (problem.empty() && mover_.CheckDupTitle(title)) problem = LoadText(TextId::kSameProfileName);
-  if (!problem.empty()) {
-    services_.show_message(problem, kButtonsOk, kIconCritical, "");
-    return "";
-  }
-  return title;
+  const TitleQuestion question = NewTitleQuestion([this](const std::string& title) {
+    std::string problem = TitleProblem(title);
+    return problem.empty() && mover_.CheckDupTitle(title) ? LoadText(TextId::kSameProfileName) : problem;
+  });
+  return AskTitle(question, services_.show_input, services_.show_message);
 }
 
 void frmAction::Edit(EditMode mode, const std::string& title) {

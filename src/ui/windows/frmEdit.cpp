@@ -90,10 +90,9 @@ void frmEdit::Connect() {
       ApplyNumbers();
     });
   }
-  for (const auto& [bit, box] : chkAction) {
-    connect(box, &QCheckBox::clicked, this, [this, bit = bit](bool on) {
-      const int others = draft_.Number(TextId::kAction) & ~bit;
-      draft_.SetNumber(TextId::kAction, on ? others | bit : others);
+  for (const auto& [kind, box] : chkAction) {
+    connect(box, &QCheckBox::clicked, this, [this, kind = kind](bool on) {
+      draft_.SetNumber(TextId::kAction, WithStep(Action(), kind, on));
     });
   }
   for (const auto& [key, choices] : opt) {
@@ -136,9 +135,13 @@ void frmEdit::Fill() {
   ApplyNumbers();
 }
 
+std::int16_t frmEdit::Action() const {
+  return static_cast<std::int16_t>(draft_.Number(TextId::kAction));
+}
+
 void frmEdit::ApplyNumbers() {
   for (const auto& [key, box] : chk) box->setChecked(draft_.Number(key) != 0);
-  for (const auto& [bit, box] : chkAction) box->setChecked((draft_.Number(TextId::kAction) & bit) != 0);
+  for (const auto& [kind, box] : chkAction) box->setChecked(Includes(Action(), kind));
   for (const auto& [key, choices] : opt) choices.at(draft_.Number(key))->setChecked(true);
   const bool is_own = own_.empty() || !draft_.IsInherited(TextId::kSmartRename);
   for (QWidget* control : own_) control->setEnabled(is_own);

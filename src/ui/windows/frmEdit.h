@@ -36,8 +36,7 @@ std::optional<std::string> OpenEditor(QWidget* owner, Globals& globals, EditMode
 struct EditServices {
   std::function<std::string(QWidget*, const std::string&, const std::string&)> pick_folder = PickFolder;
   std::function<std::string(QWidget*, const FileDialogRequest&)> pick_file = ShowFileDialog;
-  std::function<std::int32_t(const std::string&, std::int32_t, std::int32_t, const std::string&)>
-      show_message = ShowMessage;
+  MessageFunction show_message = ShowMessage;
   std::function<void(QWidget*, const std::string&, const std::string&)> open_tester = OpenRegexTester;
   std::string program = platform::ExecutablePath();  // for the menus of file managers
 };
@@ -87,6 +86,7 @@ class frmEdit : public QDialog {
   void Connect();
   void Fill();
   void FocusOnFirst();
+  std::int16_t Action() const;
   void ApplyNumbers();
   void ApplyHint(TextId key);
   void PaintHints();
@@ -116,7 +116,7 @@ class frmEdit : public QDialog {
 
   std::map<TextId, QLineEdit*> txt;
   std::map<TextId, QCheckBox*> chk;
-  std::map<int, QCheckBox*> chkAction;                 // by bit
+  std::map<StepKind, QCheckBox*> chkAction;
   std::map<TextId, std::map<int, QRadioButton*>> opt;  // by key and number
   std::map<TextId, QPushButton*> cmdFolder;
   std::map<TextId, QLabel*> hint;

@@ -114,20 +114,20 @@ QWidget* frmEdit::MakeChoices(TextId key, QBoxLayout::Direction direction,
 
 QWidget* frmEdit::MakeActions() {
   constexpr struct {
-    int bit;
+    StepKind kind;
     TextId caption, tool_tip;
-  } kActions[] = {{1, TextId::kEditorExtract, TextId::kEditorExtractHint},
-                  {2, TextId::kEditorMove, TextId::kEditorMoveHint},
-                  {4, TextId::kEditorCopy, TextId::kEditorCopyHint}};
+  } kActions[] = {{StepKind::kExtract, TextId::kEditorExtract, TextId::kEditorExtractHint},
+                  {StepKind::kMove, TextId::kEditorMove, TextId::kEditorMoveHint},
+                  {StepKind::kCopy, TextId::kEditorCopy, TextId::kEditorCopyHint}};
   auto* frame = new QWidget(this);
   auto* row = new QHBoxLayout(frame);
   row->setContentsMargins(0, 0, 0, 0);
   for (const auto& action : kActions) {
     auto* box = new QCheckBox(Text(action.caption), frame);
-    box->setObjectName(Name("chk", TextId::kAction) + QString(".%1").arg(action.bit));
+    box->setObjectName(Name("chk", TextId::kAction) + QString(".%1").arg(static_cast<int>(action.kind)));
     box->setToolTip(Text(action.tool_tip));
     row->addWidget(box);
-    chkAction[action.bit] = box;
+    chkAction[action.kind] = box;
   }
   row->addStretch();
   return frame;

@@ -43,7 +43,7 @@ void RunProfileList(const WindowsHost& host) {
   };
   services.open_tester = OpenRegexTester;
   services.show_about = [](QWidget* owner) { ShowAbout(owner, FindModuleFolder()); };
-  services.open_folder = [&globals](const std::string& folder) {
+  services.show_in_file_manager = [&globals](const std::string& folder) {
     return OpenFolderWithFiler(FileManagerOf(globals.g_PropDefault->Values()), folder);
   };
   services.dispatch = host.dispatch;

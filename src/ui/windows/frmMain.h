@@ -11,7 +11,7 @@
 
 #include "core/edit_mode.h"
 #include "core/profile_list.h"
-#include "core/windows.h"
+#include "core/windows_library.h"
 #include "resources/string_table.h"
 #include "ui/messages/modMsgBox.h"
 #include "ui/parts/window_memory.h"
@@ -34,15 +34,13 @@ void RunProfileList(const WindowsHost& host);
 
 // What the list opens and starts.
 struct MainServices {
-  std::function<std::int32_t(const std::string&, std::int32_t, std::int32_t, const std::string&)>
-      show_message = ShowMessage;
-  std::function<std::string(const std::string&, const std::string&, const std::string&)> show_input =
-      ShowInput;
+  MessageFunction show_message = ShowMessage;
+  InputFunction show_input = ShowInput;
   // Opens the editor as OpenEditor does.
   std::function<std::optional<std::string>(QWidget*, EditMode, const std::string& title)> open_editor;
   std::function<void(QWidget*, const std::string& pattern, const std::string& name)> open_tester;
   std::function<void(QWidget*)> show_about;
-  std::function<platform::Result(const std::string& folder)> open_folder;
+  std::function<platform::Result(const std::string& folder)> show_in_file_manager;
   std::function<void(const std::vector<std::string>& paths)> dispatch;
   std::function<bool()> is_interrupted = [] { return false; };
   // What other copies were started with, since the last call.
@@ -121,11 +119,10 @@ class frmMain : public QMainWindow {
   void Rename();
   void Duplicate();
   void Remove();
-  void OpenFolder(std::size_t kind);
+  void OpenDestination(std::size_t kind);
   void OpenTester();
   void OpenSettings(EditMode mode);
   void Dispatch(const std::vector<std::string>& paths);
-  std::string AskTitle(const std::string& prompt, TextId caption, const std::string& old_title);
   bool Tell(const platform::Result& result);
   QRect TestPlace() const;
   bool TellsSurplus(std::vector<std::string>* paths);

@@ -18,6 +18,7 @@
 #include "ui/parts/dropped_files.h"
 #include "ui/parts/elided_label.h"
 #include "ui/parts/text.h"
+#include "ui/windows/ask_title.h"
 #include "ui/windows/frmMain.h"
 
 namespace quendle {
@@ -36,23 +37,13 @@ bool frmMain::Tell(const platform::Result& result) {
   return false;
 }
 
-// A title that may be given, or empty when the user gave up. What was typed is not lost when it may not.
-std::string frmMain::AskTitle(const std::string& prompt, TextId caption, const std::string& old_title) {
-  std::string title = old_title;
-  for (;;) {
-    title = services_.show_input(prompt, LoadText(caption), title);
-    if (title.empty() || title == old_title) return "";
-    const std::string problem = list_.NewTitleProblem(title, old_title);
-    if (problem.empty()) return title;
-    services_.show_message(problem, kButtonsOk, kIconCritical, "");
-  }
-}
-
 void frmMain::Add() {
   std::string added;
   {
     const Busy busy(&is_busy_);
-    const std::string title = AskTitle(LoadText(TextId::kAskProfileName), TextId::kAddProfile, "");
+    const TitleQuestion question =
+        NewTitleQuestion([this](const std::string& typed) { return list_.NewTitleProblem(typed); });
+    const std::string title = AskTitle(question, services_.show_input, services_.show_message);
     if (title.empty()) return;
     if (const auto saved = services_.open_editor(this, EditMode::kNew, title)) {
       added = *saved;
@@ -81,8 +72,10 @@ void frmMain::Rename() {
   std::string title;
   {
     const Busy busy(&is_busy_);
-    const std::string prompt = LoadText(TextId::kRenamePrompt, {ForDisplay(titles.front())});
-    title = AskTitle(prompt, TextId::kRenameCaption, titles.front());
+    const std::string old = titles.front();
+    title = AskTitle({LoadText(TextId::kRenamePrompt, {ForDisplay(old)}), TextId::kRenameCaption, old,
+                      [this, &old](const std::string& typed) { return list_.NewTitleProblem(typed, old); }},
+                     services_.show_input, services_.show_message);
     if (title.empty()) return;
     if (!Tell(list_.Rename(titles.front(), title))) title.clear();
   }
@@ -118,7 +111,7 @@ void frmMain::Remove() {
   SelectRow(std::min(first, model_.rowCount() - 1));
 }
 
-void frmMain::OpenFolder(std::size_t kind) {
+void frmMain::OpenDestination(std::size_t kind) {
   const std::vector<int> selected = SelectedRows();
   if (selected.size() != 1) return;
   const std::string folder = model_.RowAt(selected.front()).folders[kind].path;
@@ -128,7 +121,7 @@ void frmMain::OpenFolder(std::size_t kind) {
   } else if (!FolderExists(folder)) {
     services_.show_message(LoadText(TextId::kNoSuchFolder) + kLineBreak + ForDisplay(folder), kButtonsOk,
                            kIconExclamation, "");
-  } else if (const platform::Result opened = services_.open_folder(folder); !opened.ok()) {
+  } else if (const platform::Result opened = services_.show_in_file_manager(folder); !opened.ok()) {
     services_.show_message(LoadText(TextId::kFolderNotOpened) + kLineBreak + kLineBreak + ForDisplay(folder) +
                                kLineBreak + ForDisplay(LoadText(opened.reason)),
                            kButtonsOk, kIconExclamation, "");

@@ -143,7 +143,7 @@ void frmMain::MakeProfileMenu() {
     const int number = static_cast<int>(kind) + 1;
     AddCommand(menu, kOpenCommands[kind].caption, kOpenCommands[kind].command,
                {QKeySequence(QString("Ctrl+%1").arg(number))}, Needs::kOne,
-               [this, kind] { OpenFolder(kind); });
+               [this, kind] { OpenDestination(kind); });
   }
   menu->addSeparator();
   AddCommand(menu, TextId::kMainMenuTester, "tester", {QKeySequence("Ctrl+T")}, Needs::kNothing,

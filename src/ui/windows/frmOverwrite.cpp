@@ -73,8 +73,8 @@ void AddLine(QGridLayout* grid, TextId caption, const QString& figure, TextId ma
 
 }  // namespace
 
-frmOverwrite::frmOverwrite(QWidget* owner, const platform::FileVersion& existing,
-                           const platform::FileVersion& incoming)
+frmOverwrite::frmOverwrite(QWidget* owner, const platform::FileSide& existing,
+                           const platform::FileSide& incoming)
     : QDialog(owner) {
   setWindowTitle(Text(TextId::kOverwriteCaption));
   setWindowFlag(Qt::WindowContextHelpButtonHint, false);
@@ -107,8 +107,8 @@ frmOverwrite::frmOverwrite(QWidget* owner, const platform::FileVersion& existing
   CentreOnScreen(this);
 }
 
-QWidget* frmOverwrite::MakeSide(TextId title, const platform::FileVersion& file,
-                                const platform::FileVersion& other) {
+QWidget* frmOverwrite::MakeSide(TextId title, const platform::FileSide& file,
+                                const platform::FileSide& other) {
   auto* side = new QGroupBox(Text(title));
   auto* grid = new QGridLayout(side);
   grid->setColumnStretch(2, 1);

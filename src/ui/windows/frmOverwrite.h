@@ -15,13 +15,13 @@ namespace quendle {
 
 class frmOverwrite : public QDialog {
  public:
-  frmOverwrite(QWidget* owner, const platform::FileVersion& existing, const platform::FileVersion& incoming);
+  frmOverwrite(QWidget* owner, const platform::FileSide& existing, const platform::FileSide& incoming);
 
   // Shows the window until the user has answered. Esc and the close box cancel.
   UserInterface::OverwriteAnswer Ask();
 
  private:
-  QWidget* MakeSide(TextId title, const platform::FileVersion& file, const platform::FileVersion& other);
+  QWidget* MakeSide(TextId title, const platform::FileSide& file, const platform::FileSide& other);
   void AddButton(QBoxLayout* row, TextId text, UserInterface::OverwriteAnswer answer);
 
   UserInterface::OverwriteAnswer answer_ = UserInterface::OverwriteAnswer::kCancel;

@@ -2,7 +2,7 @@
 
 #include "base/display.h"
 #include "base/text.h"
-#include "core/failure_text.h"
+#include "core/action_text.h"
 #include "resources/string_table.h"
 
 namespace quendle {
@@ -36,15 +36,6 @@ std::vector<PlanLine> PlanLines(const std::vector<ActionStep>& steps) {
   }
   if (lines.empty()) lines.push_back({LoadText(TextId::kPlanNothing), "", ""});
   return lines;
-}
-
-std::string PlanText(const std::vector<ActionStep>& steps) {
-  std::string text;
-  for (const PlanLine& line : PlanLines(steps)) {
-    if (!text.empty()) text += '\n';
-    text += line.Whole();
-  }
-  return text;
 }
 
 }  // namespace quendle

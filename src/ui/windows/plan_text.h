@@ -21,11 +21,8 @@ struct PlanLine {
 
 // One line for each step, or one that says that nothing is to be done, in the language of the windows; names
 // as by ForDisplay.
-std::vector<PlanLine> PlanLines(const std::vector<ActionStep>& steps);
-
-// The same, "\n" between them.
 //   => "移動 → /texts/report_20031107.txt"
-std::string PlanText(const std::vector<ActionStep>& steps);
+std::vector<PlanLine> PlanLines(const std::vector<ActionStep>& steps);
 
 // A reason in the language of the windows, which may be of several lines, as one of a plan.
 std::string ReasonInOneLine(std::string reason);

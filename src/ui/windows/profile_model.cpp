@@ -7,7 +7,7 @@
 #include <numeric>
 
 #include "base/display.h"
-#include "core/failure_text.h"
+#include "core/action_text.h"
 #include "platform/text/unicode.h"
 #include "ui/parts/form_helpers.h"
 #include "ui/parts/hints.h"
@@ -20,16 +20,7 @@ constexpr TextId kHeaders[ProfileModel::kColumns] = {
     TextId::kColumnTitle,         TextId::kColumnMatch,      TextId::kColumnPattern,   TextId::kColumnAction,
     TextId::kColumnExtractFolder, TextId::kColumnMoveFolder, TextId::kColumnCopyFolder};
 
-std::string ActionText(std::int16_t action) {
-  std::string text;
-  for (const StepKind kind : {StepKind::kExtract, StepKind::kMove, StepKind::kCopy}) {
-    if ((action & static_cast<std::int16_t>(kind)) == 0) continue;
-    text += (text.empty() ? "" : "・") + StepName(kind);
-  }
-  return text.empty() ? LoadText(TextId::kDoesNothing) : text;
-}
-
-const ProfileRow::Folder& FolderOf(const ProfileRow& row, int column) {
+const ProfileRow::Folder& FolderAt(const ProfileRow& row, int column) {
   return row.folders[static_cast<std::size_t>(column - ProfileModel::kExtractFolder)];
 }
 
@@ -144,7 +135,7 @@ QVariant ProfileModel::data(const QModelIndex& index, int role) const {
 
 bool ProfileModel::IsInherited(const ProfileRow& row, int column) const {
   if (column == kAction) return row.inherits_action;
-  return column >= kExtractFolder && FolderOf(row, column).is_used && FolderOf(row, column).is_inherited;
+  return column >= kExtractFolder && FolderAt(row, column).is_used && FolderAt(row, column).is_inherited;
 }
 
 QString ProfileModel::CellText(std::size_t row, int column) const {
@@ -157,9 +148,9 @@ QString ProfileModel::CellText(std::size_t row, int column) const {
     case kPattern:
       return ToQt(profile.pattern);
     case kAction:
-      return ToQt(ActionText(profile.action));
+      return profile.action == kNoSteps ? Text(TextId::kDoesNothing) : ToQt(ActionText(profile.action, "・"));
     default:
-      return FolderOf(profile, column).is_used ? ToQt(ForDisplay(FolderOf(profile, column).path)) : QString();
+      return FolderAt(profile, column).is_used ? ToQt(ForDisplay(FolderAt(profile, column).path)) : QString();
   }
 }
 

@@ -6,12 +6,9 @@
 
 #include "platform/ini/profile.h"
 #include "support/file_systems.h"
-#include "support/temp_folder.h"
 
 namespace quendle::platform {
 namespace {
-
-namespace fs = std::filesystem;
 
 GTEST_TEST(ReplaceFile, LeavesNothingElse) {
   const test::TempFolder folder;
@@ -43,20 +40,22 @@ GTEST_TEST(ReplaceFile, KeepsLinks) {
   EXPECT_EQ(test::Picture(folder / "real").size(), 2U);
 }
 
-GTEST_TEST(ReplaceFile, RefusesWhatIsNoFile) {
+GTEST_TEST(ReplaceFile, RefusesWhatIsNoFileOrTooLarge) {
   const test::TempFolder folder;
   fs::create_directory(folder / "folder");
   const bool has_pipe = test::MakePipe(folder / "pipe");
-  test::WriteFile(folder / "file", "x");
+  for (const char* name : {"file", "huge"}) test::WriteFile(folder / name, "x");
+  fs::resize_file(folder / "huge", std::uintmax_t{1} << 30);  // it would fill the memory
+  const Code of_pipe = has_pipe ? Code::kRefused : Code::kNotFound;
   const struct {
     std::string path;
-    Code replaced;
-    Code read;
+    Code replaced, read;
   } rows[] = {
       {folder / "folder", Code::kIsFolder, Code::kIsFolder},
       {folder / "none/file", Code::kNotFound, Code::kNotFound},
       {folder / "file/below", Code::kNotFolder, Code::kNotFolder},
-      {folder / "pipe", has_pipe ? Code::kRefused : Code::kOk, has_pipe ? Code::kRefused : Code::kNotFound},
+      {folder / "pipe", has_pipe ? of_pipe : Code::kOk, of_pipe},
+      {folder / "huge", Code::kOk, Code::kRefused},
       {"", Code::kNotFound, Code::kNotFound},
   };
   for (const auto& row : rows) {
@@ -70,15 +69,9 @@ GTEST_TEST(ReplaceFile, RefusesWhatIsNoFile) {
     EXPECT_EQ(replaced.code, row.replaced) << row.path;
     EXPECT_EQ(replaced.reason.empty(), replaced.ok()) << row.path;
   }
-  EXPECT_EQ(test::Picture(folder.path()).size(), 3U);
-}
-
-GTEST_TEST(ReadWholeFile, RefusesFilesThatWouldFillTheMemory) {
-  const test::TempFolder folder;
-  test::WriteFile(folder / "sparse", "");
-  fs::resize_file(folder / "sparse", std::uintmax_t{1} << 30);
-  std::string bytes;
-  EXPECT_EQ(ReadWholeFile(folder / "sparse", &bytes).code, Code::kRefused);
+  EXPECT_EQ(test::Picture(folder.path()).size(), 4U);
+  std::string endless;
+  EXPECT_TRUE(!has_pipe || ReadWholeFile("/dev/zero", &endless).code == Code::kRefused);
 }
 
 // What an editor does that saves without a temporary file.
@@ -98,8 +91,7 @@ GTEST_TEST(ReadSettledFile, WaitsForWhoWritesInPlace) {
   const std::string whole = "[General]\nFolder=/new\n";
   const struct {
     const char* name;
-    milliseconds writing;
-    milliseconds pause;
+    milliseconds writing, pause;
     bool ends;
   } rows[] = {
       {"a few saves", milliseconds(100), milliseconds(3), true},

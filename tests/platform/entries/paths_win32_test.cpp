@@ -5,8 +5,6 @@
 namespace quendle::platform {
 namespace {
 
-namespace fs = std::filesystem;
-
 GTEST_TEST(LongPath, SpellsNamesAsTheirFoldersDo) {
   const test::TempFolder folder;
   const std::string spelled = folder / "A long folder/表 Report.TXT";

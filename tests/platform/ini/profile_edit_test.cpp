@@ -35,14 +35,9 @@ std::string RandomFile(std::mt19937* random) {
                                     "\n", "\r\n", "[a]", "[a]]", "[aa]", "a=a"};
   std::string text;
   for (std::size_t i = (*random)() % 12; i > 0; --i) text += kParts[(*random)() % std::size(kParts)];
-  switch ((*random)() % 3) {
-    case 0:
-      return std::string(kUtf16LeMark) + ToUtf16Le(text);
-    case 1:
-      return std::string(kMark) + text;
-    default:
-      return text;
-  }
+  const std::string encoded[] = {std::string(kUtf16LeMark) + ToUtf16Le(text), std::string(kMark) + text,
+                                 text};
+  return encoded[(*random)() % 3];
 }
 
 Reason SectionProblemIn(const std::string& bytes) {
@@ -78,9 +73,8 @@ GTEST_TEST(EditProfile, RewritingSectionsKeepsEveryKeyOrIsRefused) {
        },
        [](const Seen& before) {
          Seen after = Without(before, "A");
-         for (const auto& [names, value] : before) {
+         for (const auto& [names, value] : before)
            if (names.first == "A") after[{"N", names.second}] = value;
-         }
          return after;
        }},
   };
@@ -136,11 +130,7 @@ GTEST_TEST(EditProfile, ChangesOnlyItsLines) {
   const char* const kDelete = "<delete>";
   const char* const kBody = "<body>";
   const struct {
-    std::string before;
-    std::string section;
-    std::string key;
-    std::string value;
-    std::string after;
+    std::string before, section, key, value, after;
   } rows[] = {
       {"", "a", "k", "v", "[a]\r\nk=v\r\n"},
       {"[a]\r\nk=1\r\n", "A", "K", "2", "[a]\r\nK=2\r\n"},

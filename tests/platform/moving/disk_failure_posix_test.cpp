@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <set>
@@ -15,18 +14,14 @@
 #include "platform/ini/profile.h"
 #include "platform/process/system_failure.h"
 #include "support/failing_disk_posix.h"
+#include "support/outcome.h"
 #include "support/picture.h"
 #include "support/ways.h"
 
 namespace quendle::platform {
 namespace {
 
-namespace fs = std::filesystem;
-using test::FailingDisk;
-using test::Picture;
-using test::ReadFile;
-using test::TempFolder;
-using test::WriteFile;
+using test::FailingDisk, test::Picture, test::ReadFile, test::TempFolder, test::WriteFile;
 using Answer = FileOperationObserver::Answer;
 using Pictured = std::map<std::string, std::string>;
 
@@ -82,9 +77,8 @@ TEST_F(DiskFailure, NothingIsRemovedBeforeItsCopyIsOnTheDisk) {
     std::vector<std::string> order = {"sync " + hidden, "rename " + hidden, "sync " + destination_.path()};
     if (is_move) order.push_back("unlink " + source_ / name);
     auto next = order.begin();
-    for (const std::string& call : disk.calls()) {
+    for (const std::string& call : disk.calls())
       if (next != order.end() && call.starts_with(*next)) ++next;
-    }
     EXPECT_TRUE(next == order.end()) << name << " lacks " << *next;
   }
 }
@@ -276,28 +270,22 @@ TEST_F(DiskFailure, SettingsAreReadWholeOrNotAndReplacedOrNot) {
       [&](const Result& result, const std::string& failed) { EXPECT_EQ(result.ok(), failed.empty()); });
 }
 
-TEST_F(DiskFailure, ATornReadIsReadAgain) {
-  const std::string path = source_ / "a.ini";
-  WriteFile(path, "[A]\nID=1\n");
-  std::this_thread::sleep_for(std::chrono::milliseconds(950));  // writers are kept out of younger files
-  std::string bytes;
-  FailingDisk disk;
-  const auto write = [&](const char* text) { return [&path, text] { WriteFile(path, text); }; };
-  disk.Before("read", 1, write("[B]\nID=1\n"));
-  disk.Before("open", 2, write("[B]\nID=2\n"));
-  const Result result = ReadSettledFile(path, &bytes);
-  EXPECT_TRUE(result.ok()) << result.reason;
-  EXPECT_EQ(bytes, "[B]\nID=2\n");
-}
-
-TEST_F(DiskFailure, AFileThatWasOnlyEmptiedIsWaitedFor) {
-  const std::string path = source_ / "a.ini";
-  std::string bytes;
-  FailingDisk disk;
-  disk.Before("open", 1, [&] { WriteFile(path, ""); });
-  disk.Before("open", 2, [&] { WriteFile(path, "[A]\n"); });
-  EXPECT_TRUE(ReadSettledFile(path, &bytes).ok());
-  EXPECT_EQ(bytes, "[A]\n");
+TEST_F(DiskFailure, WhatIsBeingWrittenInPlaceIsReadAgain) {
+  const struct {
+    const char *what, *call, *first, *second;  // written before that call, and before the second opening
+  } rows[] = {{"torn", "read", "[B]\nID=1\n", "[B]\nID=2\n"}, {"only emptied", "open", "", "[A]\n"}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    const std::string path = source_ / "a.ini";
+    WriteFile(path, "[A]\nID=1\n");
+    std::this_thread::sleep_for(std::chrono::milliseconds(950));  // writers are kept out of younger files
+    std::string bytes;
+    FailingDisk disk;
+    disk.Before(row.call, 1, [&] { WriteFile(path, row.first); });
+    disk.Before("open", 2, [&] { WriteFile(path, row.second); });
+    EXPECT_TRUE(test::Succeeds(ReadSettledFile(path, &bytes)));
+    EXPECT_EQ(bytes, row.second);
+  }
 }
 
 TEST_F(DiskFailure, ChangesUnderOneTimeStampAreSeen) {

@@ -1,20 +1,16 @@
 #include <cstdlib>
-#include <filesystem>
 
 #include <fcntl.h>
 #include <sys/xattr.h>
 
+#include "support/outcome.h"
 #include "support/rights_posix.h"
 #include "support/ways.h"
 
 namespace quendle::platform {
 namespace {
 
-namespace fs = std::filesystem;
-using test::Picture;
-using test::StatusOf;
-using test::TempFolder;
-using test::WriteFile;
+using test::Picture, test::StatusOf, test::TempFolder, test::WriteFile;
 
 class FileOperationOnPosix : public test::WayTest {};
 
@@ -106,8 +102,7 @@ TEST_P(CopyingOnPosix, KeepsMetadataHolesAndHardLinks) {
   const std::vector<std::string> names = {"t", "t/f", "t/folder", "t/l", "t/holes"};
   for (const std::string& name : names) recorded.push_back(StatusOf(source_ / name));
 
-  const Result result = Run("S/t", "D/t");
-  ASSERT_TRUE(result.ok()) << result.path << ": " << result.reason;
+  ASSERT_TRUE(test::Succeeds(Run("S/t", "D/t")));
   EXPECT_EQ(Picture(destination_.path()), before);
   EXPECT_EQ(Picture(source_.path()).empty(), GetParam().moves);
   for (std::size_t i = 0; i < names.size(); ++i) {

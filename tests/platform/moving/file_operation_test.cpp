@@ -1,22 +1,17 @@
 #include "platform/moving/file_operation.h"
 
 #include <chrono>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <thread>
 
+#include "support/outcome.h"
 #include "support/ways.h"
 
 namespace quendle::platform {
 namespace {
 
-namespace fs = std::filesystem;
-using test::Picture;
-using test::ReadFile;
-using test::TempFolder;
-using test::TextOf;
-using test::WriteFile;
+using test::Picture, test::ReadFile, test::TempFolder, test::TextOf, test::WriteFile;
 using Answer = FileOperationObserver::Answer;
 
 class FileOperation : public test::WayTest {};
@@ -73,17 +68,13 @@ TEST_P(FileOperation, RefusalsLeaveBothSidesAsTheyWere) {
     const auto destination_before = Picture(At("D"));
     observer_.answers = row.answers;
     observer_.asked.clear();
-    const Result result = Run(row.from, row.to);
-    EXPECT_EQ(result.code, row.code) << result.reason;
-    EXPECT_EQ(result.path, At(row.path));
-    EXPECT_NE(result.reason, "");
+    EXPECT_TRUE(test::Fails(Run(row.from, row.to), row.code, At(row.path)));
     EXPECT_EQ(Picture(At("S")), source_before);
     EXPECT_EQ(Picture(At("D")), destination_before);
   }
 }
 
 TEST_P(FileOperation, YesReplacesTheFileItself) {
-  WriteFile(At("S/f"), "newer");
   WriteFile(At("D/target"), "untouched");
   for (const bool is_link : {false, true}) {
     SCOPED_TRACE(is_link);
@@ -93,12 +84,10 @@ TEST_P(FileOperation, YesReplacesTheFileItself) {
     if (is_link && !test::MakeLink("target", At("D/f"))) continue;
     observer_.answers = {Answer::kYes};
     observer_.asked.clear();
-    const Result result = Run("S/f", "D/f");
-    EXPECT_TRUE(result.ok()) << result.reason;
+    EXPECT_TRUE(test::Succeeds(Run("S/f", "D/f")));
     EXPECT_EQ(observer_.asked, std::vector<std::string>{At("D/f")});
     EXPECT_EQ(observer_.incoming.size, 5U);
-    EXPECT_EQ(Picture(At("D")),
-              (std::map<std::string, std::string>{{"f", "file newer"}, {"target", "file untouched"}}));
+    EXPECT_EQ(test::Listing(At("D")), "f=newer target=untouched");
     EXPECT_EQ(IsThere("S/f"), !GetParam().moves);
   }
 }
@@ -118,8 +107,7 @@ TEST_P(FileOperation, CollisionsTakeTheNextFreeName) {
     for (int i = 1; i <= 3; ++i) {
       const std::string entry = At(std::string("S/") + row.name);
       WriteFile(row.is_folder ? entry + "/f" : entry, std::to_string(i));
-      const Result result = Run(std::string("S/") + row.name, std::string("D/") + row.name);
-      EXPECT_TRUE(result.ok()) << result.reason;
+      EXPECT_TRUE(test::Succeeds(Run(std::string("S/") + row.name, std::string("D/") + row.name)));
     }
     EXPECT_EQ(ReadFile(At(std::string("D/") + row.expected + (row.is_folder ? "/f" : ""))), "3");
   }
@@ -242,8 +230,7 @@ GTEST_TEST(DeleteEntry, RemovesATreeButNotWhatItsLinksLeadTo) {
   const bool has_link = test::MakeLink(folder / "kept", folder / "gone/deep/link");
   test::ScriptedObserver observer;
   EXPECT_TRUE(DeleteEntry(folder / "gone/", {}, &observer).ok());
-  EXPECT_EQ(Picture(folder.path()),
-            (std::map<std::string, std::string>{{"kept", "folder"}, {"kept/f", "file f"}}));
+  EXPECT_EQ(test::Listing(folder.path()), "kept/ kept/f=f");
   EXPECT_EQ(observer.reports, has_link ? 5U : 4U);
   EXPECT_EQ(DeleteEntry(folder / "gone", {}, &observer).code, Code::kNotFound);
   EXPECT_EQ(DeleteEntry(TextOf(fs::path(folder.path()).root_path()), {}, &observer).code, Code::kRefused);

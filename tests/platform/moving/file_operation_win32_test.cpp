@@ -2,14 +2,13 @@
 #include "platform/entries/paths.h"
 #include "platform/process/system_failure.h"
 #include "platform/text/wide_win32.h"
+#include "support/outcome.h"
 #include "support/ways.h"
 
 namespace quendle::platform {
 namespace {
 
-namespace fs = std::filesystem;
-using test::Picture;
-using test::WriteFile;
+using test::Picture, test::WriteFile;
 
 class FileOperationOnWindows : public test::WayTest {};
 
@@ -35,8 +34,7 @@ TEST_P(FileOperationOnWindows, KeepsTimesAndAttributes) {
   EntryStatus folder_before;
   ASSERT_TRUE(ReadStatus(At("S/d/f"), &before).ok());
   ASSERT_TRUE(ReadStatus(At("S/d/e"), &folder_before).ok());
-  const Result result = Run("S/d", "D/d");
-  ASSERT_TRUE(result.ok()) << result.path << ": " << result.reason;
+  ASSERT_TRUE(test::Succeeds(Run("S/d", "D/d")));
   EntryStatus after;
   ASSERT_TRUE(ReadStatus(At("D/d/f"), &after).ok());
   EXPECT_EQ(after.write_time, before.write_time);
@@ -55,9 +53,8 @@ TEST_P(FileOperationOnWindows, AYesReplacesWhatIsReadOnly) {
   EXPECT_EQ(Run("S/f", "D/f").code, Code::kExists);
   EXPECT_NE(AttributesOf(At("D/f")) & FILE_ATTRIBUTE_READONLY, 0U);
   observer_.answers = {FileOperationObserver::Answer::kYes};
-  const Result result = Run("S/f", "D/f");
-  EXPECT_TRUE(result.ok()) << result.reason;
-  EXPECT_EQ(Picture(At("D")), (std::map<std::string, std::string>{{"f", "file new"}}));
+  EXPECT_TRUE(test::Succeeds(Run("S/f", "D/f")));
+  EXPECT_EQ(test::Listing(At("D")), "f=new");
   EXPECT_EQ(AttributesOf(At("D/f")) & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN), 0U);
 }
 
@@ -70,8 +67,7 @@ TEST_P(FileOperationOnWindows, NamesMeanWhatTheySay) {
         CreateFileW(SystemPath(At("S/" + name)).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
     ASSERT_TRUE(made.ok());
     made.Close();
-    const Result result = Run("S/" + name, "D/" + name);
-    EXPECT_TRUE(result.ok()) << result.reason;
+    EXPECT_TRUE(test::Succeeds(Run("S/" + name, "D/" + name)));
     EXPECT_TRUE(IsTaken(At("D/" + name)));
     EXPECT_EQ(IsTaken(At("S/" + name)), !GetParam().moves);
     EXPECT_FALSE(IsTaken(At("D/a")));
@@ -82,7 +78,7 @@ TEST_P(FileOperationOnWindows, NamesMeanWhatTheySay) {
     EXPECT_EQ(Run(stream, "D/x").code, Code::kRefused) << stream;
   EXPECT_EQ(Run("S/a", "D/x:s").code, Code::kRefused);
   EXPECT_EQ(DeleteEntry(At("S/a:s"), {}, &observer_).code, Code::kRefused);
-  EXPECT_EQ(Picture(At("S")), (std::map<std::string, std::string>{{"a", "file another"}}));
+  EXPECT_EQ(test::Listing(At("S")), "a=another");
   EXPECT_TRUE(Picture(At("D")).empty());
 }
 
@@ -102,8 +98,7 @@ TEST_P(FileOperationOnWindows, PathsMayBeLong) {
   const std::string top = std::string(120, 'd');
   const std::string too_long = English(SystemFailure(ERROR_FILENAME_EXCED_RANGE, "").reason);
   EXPECT_EQ(Run("S/" + top, "D/" + longest + "f").reason, too_long);
-  const Result result = Run("S/" + top, "D/" + top);
-  EXPECT_TRUE(result.ok()) << result.path << ": " << result.reason;
+  EXPECT_TRUE(test::Succeeds(Run("S/" + top, "D/" + top)));
   EXPECT_TRUE(IsTaken(At("D" + deep.substr(1) + "/" + longest)));
   EXPECT_EQ(IsTaken(At("S/" + top)), !GetParam().moves);
   for (const char* side : {"S/", "D/"}) (void)DeleteEntry(At(side + top), {}, &observer_);
@@ -115,8 +110,7 @@ GTEST_TEST(MoveEntry, RespellsNames) {
   WriteFile(folder / "folder/x", "x");
   test::ScriptedObserver observer;
   for (const char* name : {"File.TXT", "Folder"}) {
-    const Result result = MoveEntry(LongPath(folder / name), folder / name, {}, &observer);
-    EXPECT_TRUE(result.ok()) << result.reason;
+    EXPECT_TRUE(test::Succeeds(MoveEntry(LongPath(folder / name), folder / name, {}, &observer)));
     EXPECT_TRUE(IsTaken(folder / name));
   }
   EXPECT_EQ(Picture(folder.path()).size(), 3U);  // Wine keeps the spelling

@@ -1,7 +1,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
-#include <filesystem>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,19 +8,15 @@
 #include "platform/moving/file_operation.h"
 #include "support/failing_disk_posix.h"
 #include "support/file_systems.h"
+#include "support/outcome.h"
 #include "support/rights_posix.h"
 #include "support/scoped_variable.h"
 #include "support/scripted_observer.h"
-#include "support/temp_folder.h"
 
 namespace quendle::platform {
 namespace {
 
-namespace fs = std::filesystem;
-using test::Picture;
-using test::ReadFile;
-using test::TempFolder;
-using test::WriteFile;
+using test::Picture, test::ReadFile, test::TempFolder, test::WriteFile;
 
 class Trash : public testing::Test {
  protected:
@@ -58,8 +53,7 @@ TEST_F(Trash, FindsANameForEverything) {
   for (const std::string& name :
        {std::string("f.txt"), std::string("f.txt"), std::string("orphan"), longest}) {
     WriteFile(folder_ / name, name);
-    const Result result = Throw(folder_ / name);
-    EXPECT_TRUE(result.ok()) << result.path << ": " << result.reason;
+    EXPECT_TRUE(test::Succeeds(Throw(folder_ / name)));
   }
   EXPECT_TRUE(Picture(folder_.path()).empty());
   EXPECT_EQ(ReadFile(InTrash("files/f (2).txt")), "f.txt");

@@ -35,8 +35,6 @@ extern "C" int getsockopt(int socket, int level, int name, void* value, socklen_
 namespace quendle::platform {
 namespace {
 
-namespace fs = std::filesystem;
-
 using test::ScopedVariable;
 
 // "first", "asked another" or why nobody can tell.

@@ -4,6 +4,7 @@
 #include "platform/services/keyboard.h"
 #include "platform/services/running_copy.h"
 #include "platform/text/wide_win32.h"
+#include "support/outcome.h"
 #include "support/scoped_variable.h"
 
 namespace quendle::platform {
@@ -16,8 +17,7 @@ std::string OwnKey() {
 }
 
 bool IsFirst(const std::string& key, std::unique_ptr<RunningCopy>* copy) {
-  const Result claimed = RunningCopy::Claim(key, {}, copy);
-  EXPECT_TRUE(claimed.ok()) << claimed.reason;
+  EXPECT_TRUE(test::Succeeds(RunningCopy::Claim(key, {}, copy)));
   return *copy != nullptr;
 }
 

@@ -1,7 +1,6 @@
 #include "platform/text/wide_win32.h"
 
-#include <filesystem>
-
+#include "support/outcome.h"
 #include "support/temp_folder.h"
 
 namespace quendle::platform {
@@ -17,13 +16,12 @@ GTEST_TEST(Wide, EveryNameComesBackTheSame) {
 
 GTEST_TEST(Wide, SystemPathsAreAbsoluteAndNotRewritten) {
   const test::TempFolder folder;
-  const std::filesystem::path before = std::filesystem::current_path();
-  std::filesystem::current_path(folder.path());
+  const fs::path before = fs::current_path();
+  fs::current_path(folder.path());
   const std::string here = "\\\\?\\" + folder.path();
   const std::string drive = folder.path().substr(0, 2);
   const struct {
-    std::string path;
-    std::string system_path;
+    std::string path, system_path;
   } rows[] = {
       {"C:\\a/b", "\\\\?\\C:\\a\\b"},
       {"C:/a//b/", "\\\\?\\C:\\a\\b"},
@@ -41,7 +39,7 @@ GTEST_TEST(Wide, SystemPathsAreAbsoluteAndNotRewritten) {
       {"\\a.", "\\\\?\\" + drive + "\\a."},
   };
   for (const auto& row : rows) EXPECT_EQ(TextFromWide(SystemPath(row.path)), row.system_path) << row.path;
-  std::filesystem::current_path(before);
+  fs::current_path(before);
 }
 
 GTEST_TEST(Wide, SystemPathsBecomeTheUsualOnes) {
@@ -67,9 +65,7 @@ GTEST_TEST(Wide, PathsForOtherProgramsMeanTheSameToThem) {
   for (const std::string& path : {std::string("C:\\a."), std::string("C:\\a \\b "), std::string("C:\\a\\nul"),
                                   "C:\\" + std::string(300, 'a')}) {
     std::wstring shell_path;
-    const Result refused = ToShellPath(path, &shell_path);
-    EXPECT_EQ(refused.code, Code::kRefused) << path;
-    EXPECT_EQ(refused.path, path);
+    EXPECT_TRUE(test::Fails(ToShellPath(path, &shell_path), Code::kRefused, path));
   }
 }
 

@@ -1,10 +1,6 @@
 #include "ui/messages/frmMsgBox.h"
 
-#include <QLabel>
-#include <QLineEdit>
-#include <QScreen>
-#include <QScrollArea>
-#include <QScrollBar>
+#include <QtWidgets>
 
 #include "ui/messages/modMsgBox.h"
 #include "ui/messages/msg_box_layout.h"

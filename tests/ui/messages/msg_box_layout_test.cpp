@@ -28,11 +28,9 @@ BoxInput Example(const std::vector<int>& captions, const std::vector<int>& lines
 GTEST_TEST(MsgBoxLayout, MessageBoxes) {
   const struct {
     const char* name;
-    std::vector<int> captions;
-    std::vector<int> lines;
+    std::vector<int> captions, lines;
     bool has_icon;
-    int width;
-    int button_width;
+    int width, button_width;
     std::vector<int> button_lefts;
     TwipRect label;
   } rows[] = {
@@ -70,9 +68,7 @@ GTEST_TEST(MsgBoxLayout, InputBoxes) {
     const char* name;
     int screen_width;
     std::vector<int> lines;
-    int width;
-    int label_width;
-    int field_top;
+    int width, label_width, field_top;
   } rows[] = {
       {"below the buttons", 20000, {400}, 6600, 5000, 1200},
       {"below a long prompt", 20000, {400, 400, 400, 20000}, 6600, 5000, 200 + 7 * kLine + 150},

@@ -1,14 +1,7 @@
 #include "ui/parts/form_helpers.h"
 
-#include <QApplication>
-#include <QFontDatabase>
-#include <QFontMetricsF>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPlainTextEdit>
-#include <QScreen>
-#include <QVBoxLayout>
-#include <QtTest/QTest>
+#include <QTest>
+#include <QtWidgets>
 
 #include "ui/parts/modListBox.h"
 #include "ui/parts/pictures.h"
@@ -20,8 +13,7 @@ GTEST_TEST(FormHelpers, FindsEntriesFromBehindTheStartAndRound) {
   const struct {
     std::vector<const char*> entries;
     const char* text;
-    int start;
-    int found;
+    int start, found;
   } rows[] = {
       {{"b", "A", "a"}, "A", -1, 1},
       {{"b", "A", "a"}, "A", 1, 2},

@@ -1,9 +1,6 @@
 #include "ui/parts/pickers.h"
 
-#include <QFileDialog>
-#include <QFileSystemModel>
-#include <QLineEdit>
-#include <QMessageBox>
+#include <QtWidgets>
 
 #include "support/temp_folder.h"
 #include "ui/modal.h"
@@ -54,13 +51,11 @@ class Typist {
 
 GTEST_TEST(Pickers, PicksExistingFoldersOnly) {
   const test::TempFolder folder;
-  std::filesystem::create_directories(folder / "資料");
-  std::filesystem::create_directories(folder / "b\xFF");
+  fs::create_directories(folder / "資料");
+  fs::create_directories(folder / "b\xFF");
   const struct {
     QString typed;
-    std::string proposed;
-    std::string begins_in;
-    std::string picked;
+    std::string proposed, begins_in, picked;
   } rows[] = {
       {"資料", folder / "none/at/all", folder.path(), folder / "資料"},
       {"", folder.path(), folder.path(), ""},

@@ -1,18 +1,6 @@
 #include "ui/parts/qt_texts.h"
 
-#include <QAbstractButton>
-#include <QAction>
-#include <QApplication>
-#include <QDialogButtonBox>
-#include <QFileDialog>
-#include <QHeaderView>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPlainTextEdit>
-#include <QRegularExpression>
-#include <QSpinBox>
-#include <QTimer>
+#include <QtWidgets>
 
 #include "support/temp_folder.h"
 #include "ui/parts/text.h"

@@ -1,8 +1,6 @@
 #include "ui/run/qt_user.h"
 
-#include <QLabel>
-#include <QLineEdit>
-#include <QProgressBar>
+#include <QtWidgets>
 #include <chrono>
 #include <functional>
 #include <utility>
@@ -16,8 +14,7 @@
 namespace quendle {
 namespace {
 
-using std::chrono::milliseconds;
-using std::chrono::seconds;
+using std::chrono::milliseconds, std::chrono::seconds;
 
 constexpr std::uint64_t kMebi = 1 << 20;
 
@@ -92,8 +89,7 @@ TEST_F(QtUserTest, OpensAfterOneSecondAndNothingElseTakesInput) {
   ASSERT_EQ(std::exchange(other.moves, 0), 1);
   const struct {
     milliseconds later;
-    bool repaints;
-    bool is_open;
+    bool repaints, is_open;
   } rows[] = {
       {milliseconds(0), true, false},   {milliseconds(10), false, false},  // too soon to be worth the time
       {milliseconds(989), true, false}, {milliseconds(16), true, true},   {milliseconds(60), true, true},

@@ -1,14 +1,8 @@
 // An action window over files, settings and answers of a test.
 #pragma once
 
-#include <QAction>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QTimer>
-#include <QtTest/QTest>
+#include <QTest>
+#include <QtWidgets>
 #include <memory>
 #include <optional>
 #include <string>
@@ -37,10 +31,7 @@ class ActionWindow {
       messages.push_back(std::to_string(icon) + "|" + text);
       return kAnswerOk;
     };
-    services.show_input = [this](const std::string& prompt, const std::string& title, const std::string&) {
-      asked.push_back(title + "|" + prompt);
-      return typed;
-    };
+    services.show_input = titles.Answering();
     services.open_editor = [this](QWidget*, EditMode mode, const std::string& title) {
       edited.push_back(EditorCall(mode, title));
       return on_edit ? on_edit() : std::nullopt;
@@ -88,7 +79,8 @@ class ActionWindow {
   TempFolder files;
   Run run;
   ActionServices services;
-  std::string picked, typed;                            // the answers
+  std::string picked;  // the answer
+  TypedTitles titles;
   std::function<std::optional<std::string>()> on_edit;  // the title under which it saves
   std::vector<std::string> asked, messages, edited;
   std::optional<ActionForm> form;
@@ -100,7 +92,7 @@ class ActionWindow {
     for (const std::string& name : names) {
       paths.push_back(files / name);
       if (name.ends_with('/')) {
-        std::filesystem::create_directories(paths.back());
+        fs::create_directories(paths.back());
         paths.back().pop_back();
       } else if (!name.ends_with(".missing")) {
         WriteFile(paths.back(), name);

@@ -1,10 +1,12 @@
-// What a window has opened the editor for, for tests that stand in for it.
+// What stands in for the editor and for the question for a title in tests of the windows that open them.
 #pragma once
 
 #include <map>
 #include <string>
+#include <vector>
 
 #include "core/edit_mode.h"
+#include "ui/messages/modMsgBox.h"
 
 namespace quendle::test {
 
@@ -16,5 +18,20 @@ inline std::string EditorCall(EditMode mode, const std::string& title) {
                                                         {EditMode::kGeneral, "general"}};
   return names.at(mode) + "|" + title;
 }
+
+struct TypedTitles {
+  std::vector<std::string> typed;  // in turn; nothing afterwards
+  std::vector<std::string> proposed;
+
+  InputFunction Answering() {
+    return [this](const std::string&, const std::string&, const std::string& text) {
+      proposed.push_back(text);
+      if (typed.empty()) return std::string();
+      std::string next = typed.front();
+      typed.erase(typed.begin());
+      return next;
+    };
+  }
+};
 
 }  // namespace quendle::test

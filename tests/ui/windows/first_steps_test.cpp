@@ -1,12 +1,5 @@
 // What somebody meets who starts the program for the first time: from the empty list to a file that has been moved.
-#include <QCheckBox>
-#include <QDropEvent>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMimeData>
-#include <QRegularExpression>
-#include <QTreeView>
-#include <QUrl>
+#include <QtWidgets>
 
 #include "support/scoped_variable.h"
 #include "support/scripted_user.h"
@@ -93,7 +86,7 @@ class FirstSteps : public testing::Test {
     const test::WithModal confirmation([this](QWidget& shown) {
       EXPECT_EQ(FromQt(shown.windowTitle()), "1/1 - Reports");
       EXPECT_EQ(TextOf(shown, "txt(2)"), files_ / "sorted/data12.txt");
-      EXPECT_TRUE(std::filesystem::exists(file_));
+      EXPECT_TRUE(fs::exists(file_));
       test::Click(shown, "OK");
     });
     QMimeData data;
@@ -104,7 +97,7 @@ class FirstSteps : public testing::Test {
     QDropEvent drop(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(window, &drop);
     EXPECT_TRUE(QTest::qWaitFor([&] { return confirmation.windows() == 1 && list->hasFocus(); }));
-    EXPECT_FALSE(std::filesystem::exists(file_));
+    EXPECT_FALSE(fs::exists(file_));
     EXPECT_EQ(test::ReadFile(files_ / "sorted/data12.txt"), "text");
     EXPECT_EQ(globals_.g_FileInfo->pFileNameLong(), "") << "the next pattern would be made from it";
     EXPECT_TRUE(window->isVisible() && window->isActiveWindow() && list->isEnabled());
@@ -120,7 +113,7 @@ class FirstSteps : public testing::Test {
 
 TEST_F(FirstSteps, LeadFromAnEmptyListToAMovedFile) {
   test::WriteFile(file_, "text");
-  std::filesystem::create_directory(files_ / "sorted");
+  fs::create_directory(files_ / "sorted");
   QTimer::singleShot(0, [this] {
     TellStory();
     QApplication::closeAllWindows();

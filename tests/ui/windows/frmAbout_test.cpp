@@ -1,8 +1,6 @@
 #include "ui/windows/frmAbout.h"
 
-#include <QLabel>
-#include <QListWidget>
-#include <QPushButton>
+#include <QtWidgets>
 #include <regex>
 
 #include "core/modMain.h"
@@ -26,7 +24,7 @@ GTEST_TEST(About, NothingIsInstalled) {
       "UnLHA32.so     *** 未導入 ***", "UnZIP32.so     *** 未導入 ***", "Cab32.so       *** 未導入 ***",
       "unrar32.so     *** 未導入 ***", "UNRAR.so       *** 未導入 ***", "7-zip32.so     *** 未導入 ***"};
   const test::TempFolder folder;
-  std::filesystem::create_directory(folder / "UnZIP32.so");
+  fs::create_directory(folder / "UnZIP32.so");
   EXPECT_EQ(Lines(folder.path()), expected);
   EXPECT_EQ(Lines(folder / "none"), expected);
   EXPECT_EQ(Lines(""), expected);
@@ -34,9 +32,9 @@ GTEST_TEST(About, NothingIsInstalled) {
 
 GTEST_TEST(About, LibrariesOfOthers) {
   const test::TempFolder folder;
-  std::filesystem::copy_file(QUENDLE_SCRIPTED_MODULES "/scripted_full.so", folder / "UnLHA32.so");
-  std::filesystem::copy_file(QUENDLE_SCRIPTED_MODULES "/scripted_plain.so", folder / "UnZIP32.so");
-  std::filesystem::copy_file(QUENDLE_MODULES "/Cab32.so", folder / "UNRAR.so");
+  fs::copy_file(QUENDLE_SCRIPTED_MODULES "/scripted_full.so", folder / "UnLHA32.so");
+  fs::copy_file(QUENDLE_SCRIPTED_MODULES "/scripted_plain.so", folder / "UnZIP32.so");
+  fs::copy_file(QUENDLE_MODULES "/Cab32.so", folder / "UNRAR.so");
   test::WriteFile(folder / "Cab32.so", "no library");
   const std::vector<std::string> lines = Lines(folder.path());
   ASSERT_EQ(lines.size(), 6U);

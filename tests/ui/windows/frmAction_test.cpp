@@ -1,8 +1,6 @@
 #include "ui/windows/frmAction.h"
 
-#include <QElapsedTimer>
-#include <QScreen>
-#include <QTimer>
+#include <QtWidgets>
 
 #include "ui/windows/action_window.h"
 
@@ -50,8 +48,7 @@ GTEST_TEST(FrmAction, KeysThatEndAPath) {
     Qt::Key key;
     Qt::KeyboardModifiers modifiers;
     const char* focus;
-    bool executes;
-    bool ends_run;
+    bool executes, ends_run;
   } rows[] = {
       {"Ctrl+Return", Qt::Key_Return, Qt::ControlModifier, "txt(2)", true, false},
       {"Ctrl+Enter", Qt::Key_Enter, Qt::ControlModifier, "cmd(0)", true, false},
@@ -68,7 +65,7 @@ GTEST_TEST(FrmAction, KeysThatEndAPath) {
     ActionWindow opened(MovingTo(to.path()), {"a.txt", "b.txt", "c.txt"});
     opened.Get<QWidget>(row.focus)->setFocus();
     opened.Press(row.key, row.modifiers);
-    EXPECT_EQ(std::filesystem::exists(to / "a.txt"), row.executes);
+    EXPECT_EQ(fs::exists(to / "a.txt"), row.executes);
     EXPECT_EQ(opened.window->isVisible(), !row.ends_run);
     EXPECT_EQ(opened.form->Undone().size(), row.ends_run ? 3U : row.executes ? 0U : 1U);
     EXPECT_EQ(opened.window->windowTitle(), row.ends_run ? "1/3 - M" : "2/3 - M");
@@ -266,15 +263,14 @@ GTEST_TEST(FrmAction, FoldersArePicked) {
 GTEST_TEST(FrmAction, ProfilesAreMadeAndEdited) {
   ActionWindow opened(kItems, {"a.none"});
   EXPECT_EQ(opened.cmd(2)->text(), "新規作成(&E)");
-  opened.Click(opened.cmd(2));  // no name
-  opened.typed = "b";
+  opened.Click(opened.cmd(2));              // no name
+  opened.titles.typed = {"b", "（なし）"};  // taken, and what stands for no profile
   opened.Click(opened.cmd(2));
-  EXPECT_EQ(opened.messages, std::vector<std::string>{"16|同名のプロファイルが既に存在します。"});
-  opened.typed = "（なし）";  // which stands for no profile
-  opened.Click(opened.cmd(2));
-  EXPECT_EQ(opened.messages.size(), 2U);
+  EXPECT_EQ(opened.titles.proposed, (std::vector<std::string>{"", "", "b", "（なし）"}));
+  ASSERT_EQ(opened.messages.size(), 2U);
+  EXPECT_EQ(opened.messages[0], "16|同名のプロファイルが既に存在します。");
   EXPECT_TRUE(opened.edited.empty());
-  opened.typed = "New";
+  opened.titles.typed = {"New"};
   opened.Trigger("mnuEdit(11)");
   EXPECT_EQ(opened.edited, std::vector<std::string>{"new|New"});
   EXPECT_EQ(opened.cmd(2)->text(), "新規作成(&E)");
@@ -283,6 +279,7 @@ GTEST_TEST(FrmAction, ProfilesAreMadeAndEdited) {
     test::WriteFile(file, test::ReadFile(file) + "\n[New]\nPattern=.*none\n");
     return "New";
   };
+  opened.titles.typed = {"New"};
   opened.Click(opened.cmd(2));
   EXPECT_EQ(opened.window->windowTitle(), "1/1 - New");
   EXPECT_EQ(opened.Get<QAction>("mnuEdit(11)")->text(), "プロファイルを編集(&E)");

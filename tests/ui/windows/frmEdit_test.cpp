@@ -1,11 +1,7 @@
 #include "ui/windows/frmEdit.h"
 
-#include <QCheckBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QRadioButton>
-#include <QRegularExpression>
 #include <QTest>
+#include <QtWidgets>
 #include <set>
 
 #include "platform/entries/paths.h"
@@ -325,13 +321,13 @@ GTEST_TEST(FrmEdit, FailedWriteKeepsEverything) {
   EditWindow edit(settings, EditMode::kGeneral);
   edit.Type("FILER", "f");
   const std::string folder = settings.folder.path();
-  std::filesystem::remove_all(folder);
+  fs::remove_all(folder);
   WriteFile(folder, "a file in the place of the folder");
   edit.Press(Qt::Key_Return);
   EXPECT_TRUE(edit.window->isVisible());
   EXPECT_NE(edit.messages.at(0).find("/mover.ini\r\nフォルダではありません"), std::string::npos);
-  std::filesystem::remove(folder);
-  std::filesystem::create_directory(folder);
+  fs::remove(folder);
+  fs::create_directory(folder);
   edit.Press(Qt::Key_Return);
   EXPECT_EQ(settings.standard.FILER(), "f");
 }

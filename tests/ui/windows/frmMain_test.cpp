@@ -1,15 +1,8 @@
 #include "ui/windows/frmMain.h"
 
-#include <QAction>
-#include <QDropEvent>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMimeData>
-#include <QTreeView>
-#include <QUrl>
-#include <QtTest/QTest>
+#include <QTest>
+#include <QtWidgets>
 #include <algorithm>
-#include <filesystem>
 #include <memory>
 
 #include "core/modMain.h"
@@ -35,13 +28,7 @@ class MainWindow {
       messages.push_back(text);
       return answer;
     };
-    services.show_input = [this](const std::string&, const std::string&, const std::string& text) {
-      proposed.push_back(text);
-      if (typed.empty()) return std::string();
-      const std::string next = typed.front();
-      typed.erase(typed.begin());
-      return next;
-    };
+    services.show_input = asked_titles.Answering();
     services.open_editor = [this](QWidget*, EditMode mode, const std::string& title) {
       edited.push_back(test::EditorCall(mode, title));
       const std::string file = settings.profiles.FileName();
@@ -53,7 +40,7 @@ class MainWindow {
       opened.push_back(pattern + "|" + name);
     };
     services.show_about = [this](QWidget*) { opened.emplace_back("about"); };
-    services.open_folder = [this](const std::string& folder) {
+    services.show_in_file_manager = [this](const std::string& folder) {
       opened.push_back(folder);
       return platform::Success();
     };
@@ -118,7 +105,8 @@ class MainWindow {
   }
 
   test::Settings settings;
-  std::vector<std::string> messages, proposed, typed, edited, opened, dispatched;
+  std::vector<std::string> messages, edited, opened, dispatched;
+  test::TypedTitles asked_titles;
   platform::LeftPaths left;
   std::int32_t answer = kAnswerYes;
   std::function<void()> on_dispatch;
@@ -209,7 +197,7 @@ GTEST_TEST(FrmMain, KeysAndClicksReachTheirCommands) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
     MainWindow main;
-    main.typed = {"new"};
+    main.asked_titles.typed = {"new"};
     main.ClickRow(1);
     row.act(main);
     EXPECT_EQ(main.edited, row.edited.empty() ? std::vector<std::string>() : std::vector{row.edited});
@@ -219,10 +207,10 @@ GTEST_TEST(FrmMain, KeysAndClicksReachTheirCommands) {
 
 GTEST_TEST(FrmMain, AddsUnderATitleThatIsFree) {
   MainWindow main;
-  main.typed = {"B", "x]", "aa"};
+  main.asked_titles.typed = {"B", "x]", "aa"};
   main.filter->setText("lzh");
   main.Press(Qt::Key_Insert);
-  EXPECT_EQ(main.proposed, (std::vector<std::string>{"", "B", "x]"}));
+  EXPECT_EQ(main.asked_titles.proposed, (std::vector<std::string>{"", "B", "x]"}));
   ASSERT_EQ(main.messages.size(), 2U);
   EXPECT_EQ(main.messages[0], "同名のプロファイルが既に存在します。");
   EXPECT_EQ(main.Column(), "A;aa;b;c");  // the filter would have hidden it
@@ -234,9 +222,9 @@ GTEST_TEST(FrmMain, AddsUnderATitleThatIsFree) {
 GTEST_TEST(FrmMain, RenamesAndDuplicates) {
   MainWindow main;
   main.ClickRow(1);
-  main.typed = {"a", "B"};
+  main.asked_titles.typed = {"a", "B"};
   main.Press(Qt::Key_F2);
-  EXPECT_EQ(main.proposed.front(), "b");
+  EXPECT_EQ(main.asked_titles.proposed.front(), "b");
   EXPECT_EQ(main.messages.size(), 1U);
   EXPECT_EQ(main.Column(), "A;B;c");
   main.Press(Qt::Key_D, Qt::ControlModifier);
@@ -279,7 +267,7 @@ GTEST_TEST(FrmMain, SeesWhatOthersChange) {
     MainWindow changed;
     changed.filter->setText("/");
     changed.ClickRow(1);
-    changed.typed = {"mine"};
+    changed.asked_titles.typed = {"mine"};
     const std::string theirs = "[B]\r\nPattern=theirs\r\n[n]\r\n";
     test::WriteFile(changed.settings.profiles.FileName(), theirs);
     changed.Press(key, modifier);
@@ -378,8 +366,8 @@ GTEST_TEST(FrmMain, FailuresAreTold) {
   main.Press(Qt::Key_2, Qt::ControlModifier);
   ASSERT_EQ(main.messages.size(), 1U);
   EXPECT_TRUE(main.messages[0].ends_with("/no/such"));
-  std::filesystem::remove(main.settings.profiles.FileName());
-  std::filesystem::create_directory(main.settings.profiles.FileName());
+  fs::remove(main.settings.profiles.FileName());
+  fs::create_directory(main.settings.profiles.FileName());
   main.Press(Qt::Key_Delete);
   EXPECT_EQ(main.messages.size(), 3U);  // the question, and why not
   EXPECT_NE(main.messages.back().find(main.settings.profiles.FileName()), std::string::npos);

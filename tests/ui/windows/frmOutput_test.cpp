@@ -1,10 +1,7 @@
 #include "ui/windows/frmOutput.h"
 
-#include <QApplication>
-#include <QClipboard>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QtTest/QTest>
+#include <QTest>
+#include <QtWidgets>
 #include <ctime>
 
 #include "ui/parts/text.h"

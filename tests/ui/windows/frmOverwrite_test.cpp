@@ -1,7 +1,6 @@
 #include "ui/windows/frmOverwrite.h"
 
-#include <QLabel>
-#include <QScreen>
+#include <QtWidgets>
 
 #include "support/scoped_variable.h"
 #include "ui/modal.h"
@@ -10,11 +9,11 @@
 namespace quendle {
 namespace {
 
-using platform::FileVersion;
+using platform::FileSide;
 using Answer = UserInterface::OverwriteAnswer;
 
-const FileVersion kOld = {"/in/資料 <b>1<p>.txt", 1572864, 1068201005};
-const FileVersion kNew = {"/out/資料 <b>1<p>.txt", 12, 1068201006};
+const FileSide kOld = {"/in/資料 <b>1<p>.txt", 1572864, 1068201005};
+const FileSide kNew = {"/out/資料 <b>1<p>.txt", 12, 1068201006};
 
 QStringList Texts(const QWidget& window) {
   QStringList texts;

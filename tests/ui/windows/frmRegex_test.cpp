@@ -1,10 +1,6 @@
 #include "ui/windows/frmRegex.h"
 
-#include <QAccessible>
-#include <QClipboard>
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
+#include <QtWidgets>
 
 #include "ui/modal.h"
 #include "ui/parts/text.h"
@@ -28,9 +24,7 @@ struct Shown {
 
 GTEST_TEST(RegexTester, SaysWhetherTheWholeStringFits) {
   const struct {
-    const char* name;
-    const char* pattern;
-    const char* result;
+    const char *name, *pattern, *result;
     QColor colour;
   } rows[] = {
       {"abc", "a", "Unmatch.", QColor(255, 0, 0)},

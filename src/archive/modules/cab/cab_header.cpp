@@ -9,7 +9,8 @@ namespace quendle::modules {
 namespace {
 
 constexpr std::size_t kHeaderSize = 36;
-constexpr std::size_t kMostSize = kHeaderSize + 4 + 65'535 + 4 * 256;  // with reserved bytes and four names
+// With reserved bytes and four names.
+constexpr std::size_t kMostSize = kHeaderSize + 4 + 65'535 + std::size_t{4} * 256;
 
 // The text up to the next NUL.
 std::string TakeString(std::string_view* bytes) {

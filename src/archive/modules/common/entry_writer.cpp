@@ -112,8 +112,7 @@ EntryWriter::Decision EntryWriter::SettleConflict(Call* call, const Entry& entry
 }
 
 EntryWriter::Decision EntryWriter::AskToReplace(Call* call, const Entry& entry,
-                                                const platform::FileVersion& existing,
-                                                const Session& session) {
+                                                const platform::FileSide& existing, const Session& session) {
   const auto& time = entry.attributes.write_time;
   replace_ = Replace::kFile;
   switch (call->request.existing) {
@@ -124,7 +123,7 @@ EntryWriter::Decision EntryWriter::AskToReplace(Call* call, const Entry& entry,
       note_ = ": the file that is there is not older";
       break;
     case Existing::kAsk: {
-      const platform::FileVersion incoming{entry.path, entry.size.value_or(0), time ? time->seconds : 0};
+      const platform::FileSide incoming{entry.path, entry.size.value_or(0), time ? time->seconds : 0};
       const Session::Answer answer = session.AskOverwrite(existing, incoming);
       if (answer == Session::Answer::kYes) return Decision::kWriteFile;
       if (answer == Session::Answer::kCancel) return Decision::kCancel;

@@ -50,7 +50,7 @@ class EntryWriter {
 
   platform::Result FindPath(const Call& call, const Entry& entry);
   Decision SettleConflict(Call* call, const Entry& entry, const Session& session, Reason* why);
-  Decision AskToReplace(Call* call, const Entry& entry, const platform::FileVersion& existing,
+  Decision AskToReplace(Call* call, const Entry& entry, const platform::FileSide& existing,
                         const Session& session);
   Decision Decide(const platform::Result& result, Call* call, const Entry& entry, Reason* why);
   void Log(Call* call, const char* what, const Entry& entry) const;

@@ -12,7 +12,7 @@ constexpr std::chrono::milliseconds kBetweenReports{20};
 
 constexpr std::size_t kFirstSize = offsetof(ArchiverSession, protected_paths);
 
-ArchiverVersion ForHost(const platform::FileVersion& version) {
+ArchiverVersion ForHost(const platform::FileSide& version) {
   return {version.path.c_str(), version.size, version.write_time};
 }
 
@@ -59,8 +59,8 @@ bool Session::Progress(const std::string& entry, std::uint64_t done, std::uint64
   return session_->progress(session_->user, entry.c_str(), done, total) != 0;
 }
 
-Session::Answer Session::AskOverwrite(const platform::FileVersion& existing,
-                                      const platform::FileVersion& incoming) const {
+Session::Answer Session::AskOverwrite(const platform::FileSide& existing,
+                                      const platform::FileSide& incoming) const {
   if (!session_) return Answer::kNo;
   const ArchiverVersion there = ForHost(existing);
   const ArchiverVersion coming = ForHost(incoming);

@@ -30,7 +30,7 @@ class Session {
   bool Progress(const std::string& entry, std::uint64_t done, std::uint64_t total);
 
   enum class Answer { kNo, kYes, kCancel };
-  Answer AskOverwrite(const platform::FileVersion& existing, const platform::FileVersion& incoming) const;
+  Answer AskOverwrite(const platform::FileSide& existing, const platform::FileSide& incoming) const;
   std::optional<std::string> AskPassword(const std::string& archive) const;
   bool AskProceed(const Reason& question) const;
   void Problem(const std::string& entry, const Reason& reason) const;
