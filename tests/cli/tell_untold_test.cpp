@@ -37,7 +37,7 @@ GTEST_TEST(TellUntold, NamesWhatCopiesLeftBeforeAndMeanwhile) {
   const auto told = [&](const UntoldPaths& untold, const char* before) {
     std::vector<std::string> shown;
     test::ScriptedUser terminal;
-    LazyWindows windows(terminal, [&](std::string*) {
+    LazyWindows windows(terminal, [&](Reason*) {
       return std::make_unique<BusyWindows>(&shown, [&] { start("late"); });
     });
     if (before != nullptr) start(before);

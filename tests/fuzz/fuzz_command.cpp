@@ -10,7 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string text(reinterpret_cast<const char*>(data), size);
   for (const Dialect* dialect : {&kZipDialect, &kLzhDialect, &kCabDialect, &kRarDialect, &kSevenZipDialect}) {
     Request request;
-    Reason problem;
+    quendle::Reason problem;
     const bool read = ParseCommandLine(*dialect, text, &request, &problem);
     if (read != problem.empty() || (read && (request.archive.empty() || request.folder.empty())))
       std::abort();

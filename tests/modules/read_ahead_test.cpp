@@ -48,12 +48,12 @@ struct Fixture {
       std::string text = entry.path + "=";
       std::string_view piece;
       while ((status = reader->ReadContent(&piece)) == ReadStatus::kOk) text += piece;
-      read.push_back(text + (status == ReadStatus::kEnd ? "" : "!" + reader->Problem()));
+      read.push_back(text + (status == ReadStatus::kEnd ? "" : "!" + English(reader->Problem())));
     }
     EXPECT_EQ(reader->NextEntry(&entry), status);
     std::string_view piece;
     EXPECT_EQ(reader->ReadContent(&piece), status);
-    if (status != ReadStatus::kEnd) read.push_back("!" + reader->Problem());
+    if (status != ReadStatus::kEnd) read.push_back("!" + English(reader->Problem()));
     return read;
   }
 };
