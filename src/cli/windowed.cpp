@@ -56,7 +56,7 @@ class Session {
         copy_(copy),
         password_(password),
         terminal_(platform::ErrorStreamColumns(), password),
-        windows_(terminal_, [this](std::string* reason) { return LoadWindows(Host(), reason); }),
+        windows_(terminal_, [this](Reason* reason) { return LoadWindows(Host(), reason); }),
         globals_(folders, true, windows_, FindModuleFolder(), TakenPaths(options)) {}
   ~Session() { windows_.Unload(); }
   Session(const Session&) = delete;
