@@ -37,9 +37,8 @@ GTEST_TEST(TellUntold, NamesWhatCopiesLeftBeforeAndMeanwhile) {
   const auto told = [&](const UntoldPaths& untold, const char* before) {
     std::vector<std::string> shown;
     test::ScriptedUser terminal;
-    LazyWindows windows(terminal, [&](Reason*) {
-      return std::make_unique<BusyWindows>(&shown, [&] { start("late"); });
-    });
+    LazyWindows windows(
+        terminal, [&](Reason*) { return std::make_unique<BusyWindows>(&shown, [&] { start("late"); }); });
     if (before != nullptr) start(before);
     TellUntold(untold, copy.get(), &windows);
     EXPECT_TRUE(terminal.messages.empty());

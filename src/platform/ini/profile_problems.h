@@ -1,6 +1,6 @@
-// What keeps the text of an INI file from being read with certainty. A problem says where it is ("line
-// 12: ..."), what it is, and what to do about it; it is empty when there is none. Lines are
-// counted from 1 as editors count them, at any line break.
+// What keeps the text of an INI file from being read with certainty. A problem says where it is ("line 12: ..."),
+// what it is, and what to do about it; it is empty when there is none. Lines are counted from 1 as editors count them, at
+// any line break.
 #pragma once
 
 #include <string_view>

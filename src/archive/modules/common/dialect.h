@@ -47,8 +47,8 @@ extern const Dialect kCabDialect;
 extern const Dialect kRarDialect;
 extern const Dialect kSevenZipDialect;
 
-// Reads a command line. False, with `*problem`, for one that is not of the dialect, lacks
-// the archive or the folder, or has a word that the dialect does not know: what is not understood is not done.
+// Reads a command line. False, with `*problem`, for one that is not of the dialect, lacks the archive or the folder,
+// or has a word that the dialect does not know: what is not understood is not done.
 //
 // A word is in double quotes or without blanks; a quote only ends a word when a blank or the end follows it.
 //   ZIP  -x -s -i -C -j -o "/a.zip" "/out/" "@/tmp/r"  => /a.zip into /out by /tmp/r, no paths, replace
