@@ -48,7 +48,8 @@ struct Fixture {
       std::string text = entry.path + "=";
       std::string_view piece;
       while ((status = reader->ReadContent(&piece)) == ReadStatus::kOk) text += piece;
-      read.push_back(text + (status == ReadStatus::kEnd ? "" : "!" + English(reader->Problem())));
+      if (status != ReadStatus::kEnd) text.append("!").append(English(reader->Problem()));
+      read.push_back(text);
     }
     EXPECT_EQ(reader->NextEntry(&entry), status);
     std::string_view piece;

@@ -59,7 +59,7 @@ GTEST_TEST(Volumes, SetsAreFoundByName) {
     const auto path = [&](const std::string& name) { return name.empty() ? "" : folder / name; };
     std::string files;
     for (const auto& found : set.files)
-      files += (files.empty() ? "" : " ") + test::TextOf(test::FsPath(found->Path()).filename());
+      files.append(files.empty() ? "" : " ").append(test::TextOf(test::FsPath(found->Path()).filename()));
     EXPECT_EQ(files, row.files);
     EXPECT_EQ(set.is_first, row.first.empty());
     EXPECT_EQ(set.first_path, path(row.first));

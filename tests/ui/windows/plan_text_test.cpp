@@ -31,7 +31,7 @@ GTEST_TEST(PlanLines, Rows) {
     std::string text;
     std::vector<bool> fails;
     for (const PlanLine& line : PlanLines(row.steps)) {
-      text += (text.empty() ? "" : "\n") + line.Whole();
+      text.append(text.empty() ? "" : "\n").append(line.Whole());
       fails.push_back(line.fails);
     }
     EXPECT_EQ(text, row.text);
