@@ -57,8 +57,8 @@ class clsArchiver {
   // Of several that do the first in that order counts.
   virtual std::int16_t GetArcType();
 
-  // Why pFileName, which is to be extracted, has no type: one English line. Where GetArcType was not asked for it, the reason
-  // is its name's ending.
+  // Why pFileName, which is to be extracted, has no type. Where GetArcType was not asked for it, the reason is its name's
+  // ending.
   Reason WhyNoType();
 
   // Extracts pFileName, whose type is not 0, into `destination`. True when all that was to be extracted was,

@@ -16,8 +16,8 @@ class ExtractionGuard {
   ExtractionGuard(const std::string& destination, const std::vector<std::string>& archive_files,
                   const std::vector<std::string>& program_files);
 
-  // Why nothing may be made at the safe path below the destination, as one English line with the path; empty where it may
-  // as far as this is about.
+  // Why nothing may be made at the safe path below the destination, with the path in it; empty where it may as far as this
+  // is about.
   Reason Problem(const std::string& path);
 
  private:

@@ -1,4 +1,4 @@
-// Look-up in the string table.
+// What the windows say: texts of the string table, and sentences of reasons.
 #pragma once
 
 #include <string>

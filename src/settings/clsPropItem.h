@@ -1,8 +1,8 @@
 // The user's profiles: one section each in items.ini, named by the profile's title.
 //
-// Every property reads from or writes to the profile's section at once. For its behaviour (action, rename mode, extraction mode, smart make dir, open folder)
-// a profile has values of its own or, while its ID flag is off, those of the standard settings; empty folders
-// always fall back to the standard settings.
+// Every property reads from or writes to the profile's section at once. For its behaviour (action, rename mode, extraction
+// mode, smart make dir, open folder) a profile has values of its own or, while its ID flag is off, those of the standard
+// settings; empty folders always fall back to the standard settings.
 #pragma once
 
 #include <cstdint>

@@ -22,7 +22,8 @@ std::string ReadTextFile(const std::string& path, bool* is_unicode);
 inline constexpr std::int16_t kReplaceText = 0;
 // The same with a line break behind it, in the ANSI code page.
 inline constexpr std::int16_t kPrintText = 1;
-// Behind what is there: as it is to UTF-16, else with a line break, in the encoding that is there. Half a unit at the end of UTF-16 goes.
+// Behind what is there: as it is to UTF-16, else with a line break, in the encoding that is there. Half a unit at the end
+// of UTF-16 goes.
 inline constexpr std::int16_t kAppendText = 2;
 
 // True only when there was nothing to write in mode 0, which leaves an empty file. The mark is written at the

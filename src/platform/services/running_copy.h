@@ -22,9 +22,10 @@ namespace quendle::platform {
 class RunningCopy {
  public:
   // True with `*copy` set: this is the first one. True with null: another one is running; it has been asked to show its
-  // window, and told of `paths`, which are done by nobody. A failure means that nobody can tell. Windows: a window of it that is there has also been brought to the
-  // front, restored if it was an icon, which only a program that the user has just started may do; and when the system
-  // lets no request through because the other one runs with more rights, that is a failure.
+  // window, and told of `paths`, which are done by nobody. A failure means that nobody can tell. Windows: a window of it
+  // that is there has also been brought to the front, restored if it was an icon, which only a program that the user has
+  // just started may do; and when the system lets no request through because the other one runs with more rights, that is
+  // a failure.
   static Result Claim(const std::string& key, const std::vector<std::string>& paths,
                       std::unique_ptr<RunningCopy>* copy);
   ~RunningCopy();
