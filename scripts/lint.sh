@@ -50,7 +50,7 @@ changed() {
     git ls-files --others --exclude-standard -- '*.h' '*.cpp'
   else
     git log --first-parent --diff-merges=first-parent -n 20 --name-only --diff-filter=d --format= -- '*.h' '*.cpp' |
-      awk '!seen[$0]++' | head -n "$most_files"
+      awk -v most="$most_files" '!seen[$0]++ && count++ < most'
   fi
 }
 
