@@ -39,6 +39,12 @@ bool IsSure(const WatchedRead& watched, Clock::duration missing_quiet, std::size
   return missing_quiet <= 0s || (watched.writers == WatchedRead::Writers::kNone && bytes_read > 0);
 }
 
+Result ReadWatched(const std::string& path, std::string* bytes, WatchedRead* watched) {
+  Result result = ReadRegularFile(path, bytes, watched);
+  if (!result.ok()) bytes->clear();
+  return result;
+}
+
 // Nothing of that name, or a link that leads nowhere? Success when there is something by now.
 Result WhatIsMissing(const std::string& path, const Result& not_found) {
   EntryStatus status;

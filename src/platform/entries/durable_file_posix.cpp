@@ -68,28 +68,6 @@ WatchedRead::Writers KeepWritersOut(const Descriptor& file) {
   return errno == EAGAIN ? WatchedRead::Writers::kSome : WatchedRead::Writers::kUnknown;
 }
 
-Result ReadRegularFile(const std::string& path, std::string* bytes, WatchedRead* watched) {
-  // Without O_NONBLOCK a pipe in the file's place would wait for a writer.
-  const Descriptor file(
-      Retried([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
-  struct stat entry;
-  if (!file.ok() || fstat(file.get(), &entry) != 0) return LastSystemFailure(path);
-  if (S_ISDIR(entry.st_mode)) return SystemFailure(EISDIR, path);
-  if (!S_ISREG(entry.st_mode)) return Failure(Code::kRefused, path, why::kNotRegularFile);
-  if (entry.st_size > kGreatestSize) return Failure(Code::kRefused, path, why::kFileTooLarge);
-  if (watched == nullptr) return ReadUpTo(file, entry.st_size, path, bytes);
-  watched->before = StatusFrom(entry);
-  if (IsChangedLately(watched->before)) {
-    watched->writers = KeepWritersOut(file);
-    if (fstat(file.get(), &entry) != 0) return LastSystemFailure(path);
-    watched->before = StatusFrom(entry);
-  }
-  Result result = ReadUpTo(file, entry.st_size, path, bytes);
-  if (result.ok() && fstat(file.get(), &entry) != 0) return LastSystemFailure(path);
-  watched->after = StatusFrom(entry);
-  return result;
-}
-
 // Says whether the file at `real`, if there is one, may be replaced. `*exists` tells whether there is.
 Result CheckReplaceable(const std::string& real, struct stat* old, bool* exists) {
   *exists = lstat(real.c_str(), old) == 0;
@@ -165,7 +143,7 @@ class Replacement {
   Descriptor file_;
 };
 
-Result OpenFolder(const std::string& folder, Descriptor* handle) {
+Result HoldFolder(const std::string& folder, Descriptor* handle) {
   *handle = Descriptor(Retried([&] { return open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
   return handle->ok() ? Success() : LastSystemFailure(folder);
 }
@@ -195,9 +173,25 @@ Result WaitForLock(int handle, const std::string& folder) {
 
 }  // namespace
 
-Result ReadWatched(const std::string& path, std::string* bytes, WatchedRead* watched) {
-  Result result = ReadRegularFile(path, bytes, watched);
-  if (!result.ok()) bytes->clear();
+Result ReadRegularFile(const std::string& path, std::string* bytes, WatchedRead* watched) {
+  // Without O_NONBLOCK a pipe in the file's place would wait for a writer.
+  const Descriptor file(
+      Retried([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
+  struct stat entry;
+  if (!file.ok() || fstat(file.get(), &entry) != 0) return LastSystemFailure(path);
+  if (S_ISDIR(entry.st_mode)) return SystemFailure(EISDIR, path);
+  if (!S_ISREG(entry.st_mode)) return Failure(Code::kRefused, path, why::kNotRegularFile);
+  if (entry.st_size > kGreatestSize) return Failure(Code::kRefused, path, why::kFileTooLarge);
+  if (watched == nullptr) return ReadUpTo(file, entry.st_size, path, bytes);
+  watched->before = StatusFrom(entry);
+  if (IsChangedLately(watched->before)) {
+    watched->writers = KeepWritersOut(file);
+    if (fstat(file.get(), &entry) != 0) return LastSystemFailure(path);
+    watched->before = StatusFrom(entry);
+  }
+  Result result = ReadUpTo(file, entry.st_size, path, bytes);
+  if (result.ok() && fstat(file.get(), &entry) != 0) return LastSystemFailure(path);
+  watched->after = StatusFrom(entry);
   return result;
 }
 
@@ -208,7 +202,7 @@ Result ReplaceFile(const std::string& path, std::string_view bytes) {
   Descriptor folder;
   Result result = FollowLinks(path, &real);
   if (result.ok()) result = CheckReplaceable(real, &old, &exists);
-  if (result.ok()) result = OpenFolder(FolderOf(real), &folder);
+  if (result.ok()) result = HoldFolder(FolderOf(real), &folder);
   if (!result.ok()) return result;
   Replacement replacement(folder.get(), real);
   result = replacement.Create(exists ? 0600 : 0666);
@@ -231,7 +225,7 @@ Result FolderLock::Take(const std::string& path, std::unique_ptr<FolderLock>* lo
   if (Result followed = FollowLinks(path, &real); !followed.ok()) return followed;
   const std::string folder = FolderOf(real);
   Descriptor handle;
-  if (Result opened = OpenFolder(folder, &handle); !opened.ok()) return opened;
+  if (Result opened = HoldFolder(folder, &handle); !opened.ok()) return opened;
   if (Result locked = WaitForLock(handle.get(), folder); !locked.ok()) return locked;
   lock->reset(new FolderLock(handle.Release()));
   return Success();

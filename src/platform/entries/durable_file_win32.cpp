@@ -93,26 +93,6 @@ WatchedRead::Writers KeepWritersOut(HANDLE file, Handle* alone) {
                                                    : WatchedRead::Writers::kUnknown;
 }
 
-Result ReadRegularFile(const std::string& path, std::string* bytes, WatchedRead* watched) {
-  const Handle file = OpenForReading(path, 0);
-  if (!file.ok()) return NotOpened(path);
-  if (GetFileType(file.get()) != FILE_TYPE_DISK) return Failure(Code::kRefused, path, why::kNotRegularFile);
-  EntryStatus status;
-  Result result = ResultOf(StatusOfOpen(file.get(), &status), path);
-  if (result.ok()) result = CheckRegular(status, path);
-  if (!result.ok()) return result;
-  if (status.size > kGreatestSize) return Failure(Code::kRefused, path, why::kFileTooLarge);
-  if (watched == nullptr) return ReadUpTo(file.get(), status.size, path, bytes);
-  Handle alone;
-  if (IsChangedLately(status)) {
-    watched->writers = KeepWritersOut(file.get(), &alone);
-    if (result = ResultOf(StatusOfOpen(file.get(), &status), path); !result.ok()) return result;
-  }
-  watched->before = status;
-  result = ReadUpTo(file.get(), status.size, path, bytes);
-  return result.ok() ? ResultOf(StatusOfOpen(file.get(), &watched->after), path) : result;
-}
-
 // Says whether the file at `real`, if there is one, may be replaced. `*exists` tells whether there is.
 Result CheckReplaceable(const std::string& real, EntryStatus* old, bool* exists) {
   if (NameOf(real).empty()) return SystemFailure(ERROR_FILE_NOT_FOUND, real);
@@ -241,10 +221,24 @@ DWORD TryLock(const std::wstring& name, Handle* lock) {
 
 }  // namespace
 
-Result ReadWatched(const std::string& path, std::string* bytes, WatchedRead* watched) {
-  Result result = ReadRegularFile(path, bytes, watched);
-  if (!result.ok()) bytes->clear();
-  return result;
+Result ReadRegularFile(const std::string& path, std::string* bytes, WatchedRead* watched) {
+  const Handle file = OpenForReading(path, 0);
+  if (!file.ok()) return NotOpened(path);
+  if (GetFileType(file.get()) != FILE_TYPE_DISK) return Failure(Code::kRefused, path, why::kNotRegularFile);
+  EntryStatus status;
+  Result result = ResultOf(StatusOfOpen(file.get(), &status), path);
+  if (result.ok()) result = CheckRegular(status, path);
+  if (!result.ok()) return result;
+  if (status.size > kGreatestSize) return Failure(Code::kRefused, path, why::kFileTooLarge);
+  if (watched == nullptr) return ReadUpTo(file.get(), status.size, path, bytes);
+  Handle alone;
+  if (IsChangedLately(status)) {
+    watched->writers = KeepWritersOut(file.get(), &alone);
+    if (result = ResultOf(StatusOfOpen(file.get(), &status), path); !result.ok()) return result;
+  }
+  watched->before = status;
+  result = ReadUpTo(file.get(), status.size, path, bytes);
+  return result.ok() ? ResultOf(StatusOfOpen(file.get(), &watched->after), path) : result;
 }
 
 Result ReplaceFile(const std::string& path, std::string_view bytes) {

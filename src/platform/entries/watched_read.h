@@ -21,8 +21,8 @@ struct WatchedRead {
 // that another content would have another stamp?
 bool IsLeftAlone(const EntryTime& stamp, std::chrono::system_clock::time_point when);
 
-// As ReadWholeFile, which watches nothing.
-Result ReadWatched(const std::string& path, std::string* bytes, WatchedRead* watched);
+// As ReadWholeFile, but after a failure the bytes may be some of the file. `watched` may be null.
+Result ReadRegularFile(const std::string& path, std::string* bytes, WatchedRead* watched);
 
 inline std::chrono::system_clock::duration AgeOf(const EntryTime& stamp,
                                                  std::chrono::system_clock::time_point now) {
