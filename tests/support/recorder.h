@@ -28,11 +28,11 @@ class Recorder {
   // started comes when the machine and its disk have the time, and then no test waits any longer.
   std::string Take(std::chrono::milliseconds patience = std::chrono::seconds(100)) {
     const auto end = std::chrono::steady_clock::now() + patience;
-    while (!fs::exists(FsPath(record_))) {
+    std::string record;
+    while ((record = ReadFile(record_)).empty()) {  // not there, or in the hands of whoever renames it
       if (std::chrono::steady_clock::now() >= end) return "not started";
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    std::string record = ReadFile(record_);
     fs::remove(FsPath(record_));
     return record;
   }

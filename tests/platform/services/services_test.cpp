@@ -36,9 +36,9 @@ GTEST_TEST(Launch, StartsAProgramWithItsWords) {
   const test::TempFolder folder;
   const std::string program = folder / "a program";
   test::Recorder recorder(program);
-  ASSERT_TRUE(StartProgramFor(program, "--show \"\" %1", "/it's \"here\" $HOME").ok());
+  ASSERT_TRUE(test::Succeeds(StartProgramFor(program, "--show \"\" %1", "/it's \"here\" $HOME")));
   EXPECT_EQ(recorder.Take(), "3\n--show\n\n/it's \"here\" $HOME\n");
-  ASSERT_TRUE(StartProgram({program, "", "a\\\"b\\", "c d\\", "%1 表"}).ok());
+  ASSERT_TRUE(test::Succeeds(StartProgram({program, "", "a\\\"b\\", "c d\\", "%1 表"})));
   EXPECT_EQ(recorder.Take(), "4\n\na\\\"b\\\nc d\\\n%1 表\n");
 
   EXPECT_TRUE(test::Fails(StartProgramFor(folder / "none", "%1", "x"), Code::kNotFound, folder / "none"));
