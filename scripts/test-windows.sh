@@ -23,4 +23,6 @@ trap '/usr/lib/wine/wineserver -k || true' EXIT
 /usr/lib/wine/wineserver -p
 timeout 300 "$root/scripts/wine.sh" wineboot -i >/dev/null 2>&1
 cd "$root"
-ctest --preset windows --parallel "$(nproc)" "$@"
+# Wine also fails to start a program for another one now and then. A test that did not pass is tried once more: a fault of
+# the program's own is there each time.
+ctest --preset windows --parallel "$(nproc)" --repeat until-pass:2 "$@"
