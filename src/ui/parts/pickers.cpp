@@ -22,7 +22,7 @@ QString StartFolder(const std::string& proposed) {
 
 // A name that is no text is shown with replacement characters, which lead to another file, if to any.
 std::string PickedPath(const QString& picked) {
-  const std::string path = FromQt(QDir::toNativeSeparators(picked));
+  std::string path = FromQt(QDir::toNativeSeparators(picked));
   if (picked.contains(QChar::ReplacementCharacter) && !platform::IsTaken(path)) return "";
   return path;
 }
