@@ -25,6 +25,8 @@ class ToldReason {
         parts_(reason.arguments().begin(), reason.arguments().end()) {
     for (const ToldReason& part : parts_) told_parts_.push_back(part.Told());
   }
+  ToldReason(const ToldReason&) = delete;  // the parts are pointed at where they are
+  ToldReason& operator=(const ToldReason&) = delete;
 
   ArchiverReason Told() const {
     return {name_.empty() ? nullptr : name_.c_str(), words_.c_str(), told_parts_.data(),
