@@ -23,39 +23,51 @@ std::shared_ptr<const platform::InputFile> FileOf(const std::uint8_t* data, std:
   return file;
 }
 
-void ReadAll(const OpenedArchive& archive, const Engine& engine, const ReaderOptions& options) {
-  Reason reason;
-  const auto reader = engine.open(archive.input, options, &reason);
-  std::uint64_t total = 0;
-  Entry entry;
-  while (reader && total < kMostBytes && reader->NextEntry(&entry) == ReadStatus::kOk) {
-    if (entry.kind != EntryKind::kFile) continue;
-    std::string_view piece;
-    std::uint64_t size = 0;
-    ReadStatus status;
-    while ((status = reader->ReadContent(&piece)) == ReadStatus::kOk && size < kMostBytes) {
-      if (piece.empty()) std::abort();
-      size += piece.size();
-    }
-    if (status == ReadStatus::kEnd && entry.size && *entry.size != size) std::abort();  // a false success
-    if (status > ReadStatus::kEnd && reader->Problem().empty()) std::abort();
-    total += size;
+// Asks for everything, up to so much.
+class Checker : public EntrySink {
+ public:
+  bool Wants(const Entry& entry) override { return entry.kind == EntryKind::kFile; }
+  bool Begin(Entry entry, bool) override {
+    size_ = entry.size;
+    given_ = 0;
+    return total_ < kMostBytes;
   }
-}
+  Wish Content(std::string_view piece) override {
+    if (piece.empty()) std::abort();
+    given_ += piece.size();
+    total_ += piece.size();
+    return given_ < kMostBytes ? Wish::kMore : Wish::kSkip;
+  }
+  bool End(ReadStatus status, const Reason& problem) override {
+    if (status == ReadStatus::kEnd && size_ && *size_ != given_) std::abort();  // a false success
+    if (status > ReadStatus::kEnd && problem.empty()) std::abort();
+    return true;
+  }
+
+ private:
+  std::optional<std::uint64_t> size_;
+  std::uint64_t given_ = 0;
+  std::uint64_t total_ = 0;
+};
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const ReaderOptions options{
-      "", [asked = 0]() mutable { return asked++ < 2 ? std::optional<std::string>("right") : std::nullopt; }};
+  const auto password = [] { return std::optional<std::string>("right"); };
   Reason reason;
   const auto input = FUZZ_FAMILY.find(FileOf(data, size), &reason);
   if (!input) return 0;
-  const auto archive = ListArchive(FUZZ_FAMILY, *input, options, &reason);
+  const auto archive = ListArchive(
+      FUZZ_FAMILY, *input, "",
+      [password, asked = 0]() mutable { return asked++ < 2 ? password() : std::nullopt; }, &reason);
   if (!archive) {
     if (reason.empty()) std::abort();
     return 0;
   }
-  for (const Engine& engine : archive->engines) ReadAll(*archive, engine, options);
+  for (const Engine& engine : archive->engines) {
+    Checker checker;
+    const auto reader = engine.open(archive->input, {"", password}, &reason);
+    if (reader && reader->Unpack(&checker) > ReadStatus::kEnd && reader->Problem().empty()) std::abort();
+  }
   return 0;
 }

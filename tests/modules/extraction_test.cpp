@@ -74,7 +74,7 @@ struct Fixture {
   void Run() {
     Reason reason;
     const auto archive = ListArchive(test::kScriptedFamily, ArchiveInput(test::Opened(folder / "a"), 0),
-                                     {"", [] { return std::nullopt; }}, &reason);
+                                     "", [] { return std::nullopt; }, &reason);
     ASSERT_TRUE(archive) << reason;
     const ArchiverSession abi = host.Session();
     Session session(&abi);

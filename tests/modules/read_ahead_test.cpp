@@ -13,7 +13,7 @@ namespace {
 struct Fixture {
   test::TempFolder folder;
   std::unique_ptr<ArchiveInput> input;
-  std::vector<std::string> passwords;  // given in turn, on the test's own thread
+  std::string password;  // given on the test's own thread
   bool may_wait = true;
   std::string unwanted;
 
@@ -26,10 +26,7 @@ struct Fixture {
   std::unique_ptr<EntryReader> Open(const Engine& engine = {"first", &test::OpenFirst}) {
     const auto ask = [this, user = std::this_thread::get_id()]() -> std::optional<std::string> {
       EXPECT_EQ(std::this_thread::get_id(), user);
-      if (passwords.empty()) return std::nullopt;
-      std::string first = passwords.front();
-      passwords.erase(passwords.begin());
-      return first;
+      return password;
     };
     Reason reason;
     return ReadAhead::Open(
@@ -70,7 +67,7 @@ GTEST_TEST(ReadAhead, GivesWhatTheReaderGives) {
                            {"z", "4"}},
                           ReadStatus::kFailed,
                           "right"};
-  fixture.passwords = {"wrong", "right"};
+  fixture.password = "right";
   fixture.unwanted = "not";
   EXPECT_EQ(fixture.ReadAll(), (std::vector<std::string>{"a=1", "empty=", "large=" + large, "bad=2!scripted",
                                                          "not=", "z=4", "!scripted"}));
@@ -98,7 +95,7 @@ GTEST_TEST(ReadAhead, SkippingAndLeaving) {
   test::g_first_engine.password = "right";
   reader = fixture.Open();
   ASSERT_EQ(reader->NextEntry(&entry), ReadStatus::kOk);
-  reader.reset();  // while a password is waited for
+  reader.reset();  // perhaps while a password is waited for
 }
 
 class SlowReader : public EntryReader {

@@ -142,6 +142,34 @@ struct UnpackedArchive {
   }
 };
 
+// Notes what a reader unpacks.
+class Collector : public modules::EntrySink {
+ public:
+  explicit Collector(UnpackedArchive* unpacked) : entries_(unpacked->entries) {}
+
+  bool IsLocked() const { return is_locked_; }
+  bool Wants(const modules::Entry& entry) override { return entry.kind == modules::EntryKind::kFile; }
+  bool Begin(modules::Entry entry, bool) override {
+    entries_.push_back({std::move(entry), "", {}});
+    return true;
+  }
+  Wish Content(std::string_view piece) override {
+    EXPECT_FALSE(piece.empty());
+    entries_.back().content += piece;
+    return Wish::kMore;
+  }
+  bool End(modules::ReadStatus status, const Reason& problem) override {
+    EXPECT_EQ(status == modules::ReadStatus::kEnd, problem.empty());
+    entries_.back().problem = problem;
+    is_locked_ = is_locked_ || status == modules::ReadStatus::kPassword;
+    return true;
+  }
+
+ private:
+  std::vector<Unpacked>& entries_;
+  bool is_locked_ = false;
+};
+
 inline std::unique_ptr<platform::InputFile> Opened(const std::string& path) {
   std::unique_ptr<platform::InputFile> file;
   EXPECT_TRUE(platform::InputFile::Open(path, &file).ok()) << path;
@@ -160,22 +188,22 @@ inline UnpackedArchive Unpack(const modules::Family& family, const std::string& 
   if (!input) return unpacked;
   if (family.check != nullptr) unpacked.problem = family.check(*input).reason;
   if (!unpacked.problem.empty()) return unpacked;
-  const auto ask = [&passwords, next = std::size_t{0}]() mutable -> std::optional<std::string> {
-    return next < passwords.size() ? std::optional(passwords[next++]) : std::nullopt;
-  };
-  const auto reader = family.engines(*input).front().open(*input, {charset, ask}, &unpacked.problem);
-  if (!reader) return unpacked;
-  modules::Entry entry;
-  modules::ReadStatus status = modules::ReadStatus::kOk;
-  while ((status = reader->NextEntry(&entry)) == modules::ReadStatus::kOk) {
-    Unpacked& one = unpacked.entries.emplace_back(Unpacked{entry, "", {}});
-    if (entry.kind != modules::EntryKind::kFile) continue;
-    std::string_view piece;
-    while ((status = reader->ReadContent(&piece)) == modules::ReadStatus::kOk) one.content += piece;
-    if (status != modules::ReadStatus::kEnd) one.problem = reader->Problem();
+  modules::Passwords tried(
+      [&passwords, next = std::size_t{0}]() mutable {
+        return next < passwords.size() ? std::optional(passwords[next++]) : std::nullopt;
+      },
+      family.passwords);
+  for (;;) {
+    unpacked = {};
+    const auto reader = family.engines(*input).front().open(
+        *input, {charset, [&tried] { return tried.Current(); }}, &unpacked.problem);
+    if (!reader) return unpacked;
+    Collector collector(&unpacked);
+    const modules::ReadStatus status = reader->Unpack(&collector);
+    if (status != modules::ReadStatus::kEnd) unpacked.problem = reader->Problem();
+    const bool is_locked = collector.IsLocked() || status == modules::ReadStatus::kPassword;
+    if (!is_locked || !tried.Advance()) return unpacked;
   }
-  if (status != modules::ReadStatus::kEnd) unpacked.problem = reader->Problem();
-  return unpacked;
 }
 
 inline UnpackedArchive UnpackBytes(const modules::Family& family, const std::string& bytes,

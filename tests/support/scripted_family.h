@@ -51,11 +51,8 @@ class ScriptedReader : public modules::EntryReader {
 
   modules::ReadStatus ReadContent(std::string_view* piece) override {
     const ScriptedEntry& entry = archive_.entries[next_ - 1];
-    while (!is_open_ && !archive_.password.empty()) {
-      const auto password = options_.ask_password();
-      if (!password) return modules::ReadStatus::kPassword;
-      is_open_ = *password == archive_.password;
-    }
+    if (!archive_.password.empty() && options_.password() != archive_.password)
+      return modules::ReadStatus::kPassword;
     if (given_ || entry.content.empty()) return entry.ends;
     given_ = true;
     *piece = entry.content;
@@ -69,7 +66,6 @@ class ScriptedReader : public modules::EntryReader {
   modules::ReaderOptions options_;
   std::size_t next_ = 0;
   bool given_ = false;
-  bool is_open_ = false;
   Reason reason_{"scripted"};
 };
 

@@ -45,34 +45,64 @@ enum class ReadStatus {
 
 struct ReaderOptions {
   std::string charset;  // of names that do not say theirs; empty: see DecodeName
-  // The next password to try for this archive, nothing when there is none (any more). Never null.
-  std::function<std::optional<std::string>()> ask_password;
+  // The one password for this reading, in the bytes that the format takes; nothing when there is none. The same
+  // at every call. What it does not open is read again with the next one, by another reader. Never null.
+  std::function<std::optional<std::string>()> password;
 };
 
-// Reads an archive from its first entry to its last. Whatever is in the archive, each call ends and the entries
-// are finitely many; contents that are wrong are never called complete.
-class EntryReader {
+// Takes what a reader unpacks. A false, or kStop, ends the reading: nobody wants more.
+class EntrySink {
  public:
-  virtual ~EntryReader() = default;
+  virtual ~EntrySink() = default;
 
-  // Goes to the next entry; content of the current one that was not read is skipped. After anything but kOk
-  // there are no more entries, and after kFailed, kUnsupported and kPassword the archive is not whole.
+  // Is the content of this entry wanted? Asked of every entry, once and in their order, before it begins.
+  virtual bool Wants(const Entry& entry) = 0;
+
+  // The next entry. Content and one End follow when it is wanted.
+  virtual bool Begin(Entry entry, bool is_wanted) = 0;
+
+  // kSkip: the rest of this entry is not wanted any more, nor its end.
+  enum class Wish { kMore, kSkip, kStop };
+  virtual Wish Content(std::string_view piece) = 0;
+
+  virtual bool End(ReadStatus status, const Reason& problem) = 0;
+};
+
+// An archive from its first entry to its last, as one library reads it. It is either listed or unpacked, once.
+// Whatever is in the archive, each call ends and the entries are finitely many; contents that are wrong are
+// never called complete.
+class ArchiveReader {
+ public:
+  virtual ~ArchiveReader() = default;
+
+  // Lists: goes to the next entry. After anything but kOk there are no more entries, and after kFailed,
+  // kUnsupported and kPassword the archive is not whole.
   virtual ReadStatus NextEntry(Entry* entry) = 0;
 
+  // Unpacks: gives `sink` the entries, until it ends that. Answers as NextEntry does behind the last one.
+  virtual ReadStatus Unpack(EntrySink* sink) = 0;
+
+  // Why the last answer was kFailed, kUnsupported or kPassword.
+  virtual const Reason& Problem() const = 0;
+};
+
+// A reader from which contents can be fetched; content of an entry that was not read is skipped by NextEntry.
+class EntryReader : public ArchiveReader {
+ public:
   // The next piece of the current file's content, never an empty one, valid until the next call. After
   // anything but kOk the entry is over, but NextEntry may be called.
   virtual ReadStatus ReadContent(std::string_view* piece) = 0;
 
-  // Why the last answer was kFailed, kUnsupported or kPassword.
-  virtual const Reason& Problem() const = 0;
+  ReadStatus Unpack(EntrySink* sink) override;
 };
 
 // One library underneath, as a family uses it. Open gives a reader, or null with the reason, for an archive of
 // which `input` holds the bytes and which outlives the reader.
 struct Engine {
   const char* name;
-  std::unique_ptr<EntryReader> (*open)(const ArchiveInput& input, const ReaderOptions& options,
-                                       Reason* reason);
+  std::function<std::unique_ptr<ArchiveReader>(const ArchiveInput& input, const ReaderOptions& options,
+                                               Reason* reason)>
+      open;
 };
 
 }  // namespace quendle::modules

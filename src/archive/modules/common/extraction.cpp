@@ -17,35 +17,10 @@ namespace {
 
 // An entry that a call asked for.
 struct Wanted {
-  Call* call = nullptr;  // null: nobody did, or it is settled
-  Reason reason;         // why the engines so far could not read it
-};
-
-// The passwords for an archive, whichever engines use them.
-class Passwords {
- public:
-  Passwords(const Session& session, std::string archive) : session_(session), archive_(std::move(archive)) {}
-
-  // For one reader: what was given before, then new ones.
-  std::function<std::optional<std::string>()> Source() {
-    return [this, next = std::size_t{0}]() mutable -> std::optional<std::string> {
-      if (next == given_.size() && given_.size() < kMostTries && !given_up_) {
-        auto password = session_.AskPassword(archive_);
-        given_up_ = !password;
-        if (password) given_.push_back(std::move(*password));
-      }
-      if (next == given_.size()) return std::nullopt;
-      return given_[next++];
-    };
-  }
-
- private:
-  static constexpr std::size_t kMostTries = 20;  // the host says long before when it is enough
-
-  const Session& session_;
-  std::string archive_;
-  std::vector<std::string> given_;
-  bool given_up_ = false;
+  Call* call = nullptr;         // null: nobody did, or it is settled
+  Reason reason;                // why the engines so far could not read it
+  bool is_unsupported = false;  // ... which is that none knows how it is packed
+  bool lacks_password = false;  // the password at hand does not open it
 };
 
 using PathIndex = std::unordered_map<std::string, std::vector<std::size_t>>;
@@ -76,7 +51,8 @@ class Extraction {
         limits_(limits),
         session_(*session),
         calls_(*calls),
-        passwords_(*session, archive.input.Path()),
+        passwords_([this] { return session_.AskPassword(archive_.input.Path()); }, archive.password_form,
+                   archive.password),
         wanted_(archive.entries.size()) {}
 
   void Run();
@@ -84,7 +60,9 @@ class Extraction {
  private:
   void ChooseEntries();
   bool MayBegin();
+  void UseEngine(const Engine& engine);
   void ReadWith(const Engine& engine);
+  void SettleLocked();
   std::unique_ptr<EntryReader> OpenReader(const Engine& engine, Reason* reason);
   void ExtractEntry(std::size_t index, const Entry& entry, EntryReader* reader);
   void WriteFile(std::size_t index, const Entry& entry, EntryReader* reader);
@@ -112,7 +90,7 @@ void Extraction::Run() {
   ChooseEntries();
   if (!MayBegin()) return SettleRest();
   for (std::size_t i = 0; i < archive_.engines.size() && left_ > 0 && stopped_.empty(); ++i) {
-    ReadWith(archive_.engines[i]);
+    UseEngine(archive_.engines[i]);
   }
   writer_->Finish(
       [this](Call* call, const std::string& entry, const Reason& reason) { Fail(call, entry, reason); });
@@ -172,28 +150,52 @@ std::unique_ptr<EntryReader> Extraction::OpenReader(const Engine& engine, Reason
     return index && wanted[*index] && entry.kind == EntryKind::kFile;
   };
   hooks.may_wait = [this] { return GoOn(""); };
-  return ReadAhead::Open(engine, archive_.input, ReaderOptions{session_.Charset(), passwords_.Source()},
+  return ReadAhead::Open(engine, archive_.input,
+                         ReaderOptions{session_.Charset(), [this] { return passwords_.Current(); }},
                          std::move(hooks), reason);
+}
+
+// What one password does not open is read again with the next one.
+void Extraction::UseEngine(const Engine& engine) {
+  const auto is_locked = [](const Wanted& wanted) { return wanted.lacks_password; };
+  passwords_.Restart();
+  do {
+    for (Wanted& wanted : wanted_) wanted.lacks_password = false;
+    ReadWith(engine);
+  } while (stopped_.empty() && std::any_of(wanted_.begin(), wanted_.end(), is_locked) &&
+           passwords_.Advance());
+  if (stopped_.empty()) SettleLocked();
+}
+
+// No engine opens without the password.
+void Extraction::SettleLocked() {
+  for (std::size_t i = 0; i < wanted_.size(); ++i) {
+    if (!wanted_[i].lacks_password) continue;
+    Fail(wanted_[i].call, archive_.entries[i].path, wanted_[i].reason);
+    wanted_[i] = {};
+    --left_;
+  }
 }
 
 void Extraction::ReadWith(const Engine& engine) {
   Reason reason;
   const auto reader = OpenReader(engine, &reason);
   EntryMatcher matcher(by_path_);
+  ReadStatus status = ReadStatus::kOk;
   while (reader && left_ > 0 && stopped_.empty()) {
     Entry entry;
-    const ReadStatus status = reader->NextEntry(&entry);
-    if (status == ReadStatus::kEnd) break;
-    if (status != ReadStatus::kOk) {
-      reason = reader->Problem();
-      break;
-    }
+    status = reader->NextEntry(&entry);
+    if (status != ReadStatus::kOk) break;
     const auto index = matcher.Find(entry);
     if (index && wanted_[*index].call != nullptr) ExtractEntry(*index, entry, reader.get());
   }
-  if (reason.empty()) return;
+  if (reader && (status == ReadStatus::kOk || status == ReadStatus::kEnd)) return;
+  if (reader) reason = reader->Problem();
   for (Wanted& wanted : wanted_) {
-    if (wanted.call != nullptr && wanted.reason.empty()) wanted.reason = reason;
+    if (wanted.call == nullptr) continue;
+    wanted.lacks_password = wanted.lacks_password || status == ReadStatus::kPassword;
+    // That an engine is not there tells more than that the others do not know how it is packed.
+    if (wanted.reason.empty() || (!reader && wanted.is_unsupported)) wanted.reason = reason;
   }
 }
 
@@ -234,15 +236,16 @@ void Extraction::WriteFile(std::size_t index, const Entry& entry, EntryReader* r
       return Stop(why::kAbout(result.path, result.reason));
     }
     Fail(wanted.call, entry.path, result.reason);
-  } else if (status == ReadStatus::kPassword) {  // no engine opens without it
-    writer_->Discard();
-    Fail(wanted.call, entry.path, reader->Problem());
   } else if (status != ReadStatus::kEnd) {
     writer_->Discard();
     if (!stopped_.empty()) return;
     done_ -= size;
+    wanted.lacks_password = status == ReadStatus::kPassword;
     // What an engine says of contents tells more than that it does not know the method.
-    if (wanted.reason.empty() || status != ReadStatus::kUnsupported) wanted.reason = reader->Problem();
+    if (wanted.reason.empty() || status != ReadStatus::kUnsupported) {
+      wanted.reason = reader->Problem();
+      wanted.is_unsupported = status == ReadStatus::kUnsupported;
+    }
     return;
   }
   wanted.call = nullptr;

@@ -8,6 +8,7 @@
 
 #include "archive/modules/common/dialect.h"
 #include "archive/modules/common/entry_reader.h"
+#include "archive/modules/common/passwords.h"
 
 namespace quendle::modules {
 
@@ -28,6 +29,8 @@ struct Family {
 
   // The libraries under it and their versions: "libarchive 3.6.2, libunarr 1.0.1".
   std::string (*libraries)();
+
+  PasswordForm passwords = PasswordForm::kText;
 };
 
 }  // namespace quendle::modules

@@ -103,7 +103,7 @@ class LibarchiveReader final : public EntryReader {
   LibarchiveFormat format_;
   DescribeEntry describe_;
   archive* library_;
-  std::string password_;  // the last one that the library was given
+  std::optional<std::string> password_;  // once the library was given one
   Reason reason_;
 
   std::size_t index_ = 0;  // of the next entry
@@ -132,10 +132,10 @@ bool LibarchiveReader::Open() {
 
 const char* LibarchiveReader::NextPassword(archive*, void* self) {
   auto* reader = static_cast<LibarchiveReader*>(self);
-  const std::optional<std::string> password = reader->options_.ask_password();
-  if (!password) return nullptr;
-  reader->password_ = *password;
-  return reader->password_.c_str();
+  // It asks again when that one was wrong, and is to be content then.
+  if (reader->password_) return nullptr;
+  reader->password_ = reader->options_.password();
+  return reader->password_ ? reader->password_->c_str() : nullptr;
 }
 
 Entry LibarchiveReader::Convert(archive_entry* raw) const {
@@ -260,7 +260,7 @@ ReadStatus LibarchiveReader::FailByLibrary(bool nothing_given) {
     return Fail(ReadStatus::kPassword, Contains(text, "ncorrect") ? why::kWrongPassword : why::kNoPassword);
   }
   if (Contains(text, "crypt") || Contains(text, "Crypto")) {
-    return Fail(ReadStatus::kPassword, why::kUnknownEncryption(text));
+    return Fail(ReadStatus::kUnsupported, why::kUnknownEncryption(text));
   }
   if (encrypted_ && content_status_ == ReadStatus::kOk) {
     return Fail(ReadStatus::kPassword, why::kWrongPasswordOrDamaged(text));

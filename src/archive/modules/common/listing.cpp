@@ -14,6 +14,7 @@ constexpr std::size_t kMostEntries = 4'000'000;
 struct Attempt {
   std::vector<Entry> entries;
   Reason problem;
+  bool lacks_password = false;
 };
 
 Attempt ListWith(const Engine& engine, const ArchiveInput& input, const ReaderOptions& options) {
@@ -27,6 +28,7 @@ Attempt ListWith(const Engine& engine, const ArchiveInput& input, const ReaderOp
     if (status == ReadStatus::kEnd) return attempt;
     if (status != ReadStatus::kOk) {
       attempt.problem = reader->Problem();
+      attempt.lacks_password = status == ReadStatus::kPassword;
     } else if (attempt.entries.size() >= kMostEntries) {
       attempt.problem = why::kTooManyEntries;
     }
@@ -37,10 +39,21 @@ Attempt ListWith(const Engine& engine, const ArchiveInput& input, const ReaderOp
   }
 }
 
+// With each password in turn, when the list takes one.
+Attempt ListWithPasswords(const Engine& engine, const ArchiveInput& input, const std::string& charset,
+                          Passwords* passwords) {
+  passwords->Restart();
+  for (;;) {
+    Attempt attempt = ListWith(engine, input, {charset, [passwords] { return passwords->Current(); }});
+    if (!attempt.lacks_password || !passwords->Advance()) return attempt;
+  }
+}
+
 }  // namespace
 
 std::unique_ptr<OpenedArchive> ListArchive(const Family& family, const ArchiveInput& input,
-                                           const ReaderOptions& options, Reason* reason) {
+                                           const std::string& charset,
+                                           std::function<std::optional<std::string>()> ask, Reason* reason) {
   if (family.check != nullptr) {
     const platform::Result check = family.check(input);
     if (!check.ok()) {
@@ -49,16 +62,23 @@ std::unique_ptr<OpenedArchive> ListArchive(const Family& family, const ArchiveIn
     }
   }
   std::vector<Engine> engines = family.engines(input);
+  bool needed = false;
+  Passwords passwords(
+      [&needed, ask = std::move(ask)] {
+        needed = true;
+        return ask();
+      },
+      family.passwords);
   Attempt best;
   std::size_t chosen = 0;
   for (std::size_t i = 0; i < engines.size(); ++i) {
-    Attempt attempt = ListWith(engines[i], input, options);
+    Attempt attempt = ListWithPasswords(engines[i], input, charset, &passwords);
     const bool is_whole = attempt.problem.empty();
     if (i == 0 || is_whole || attempt.entries.size() > best.entries.size()) {
       best = std::move(attempt);
       chosen = i;
     }
-    if (is_whole) break;
+    if (is_whole || attempt.lacks_password) break;
   }
   if (best.entries.empty() && !best.problem.empty()) {
     *reason = best.problem;
@@ -67,8 +87,9 @@ std::unique_ptr<OpenedArchive> ListArchive(const Family& family, const ArchiveIn
   const auto first = engines.begin();
   std::rotate(first, first + static_cast<std::ptrdiff_t>(chosen),
               first + static_cast<std::ptrdiff_t>(chosen) + 1);
-  return std::make_unique<OpenedArchive>(
-      OpenedArchive{input, std::move(engines), std::move(best.entries), std::move(best.problem)});
+  return std::make_unique<OpenedArchive>(OpenedArchive{input, std::move(engines), std::move(best.entries),
+                                                       std::move(best.problem), family.passwords,
+                                                       needed ? passwords.Current() : std::nullopt});
 }
 
 }  // namespace quendle::modules

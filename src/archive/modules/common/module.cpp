@@ -75,9 +75,8 @@ Module::Archive Module::List(const std::string& path, Reason* reason) {
   for (const std::string& part : input->Paths()) session_.ReadsFrom(ToHost(part));
   const std::string identity = input->Identity() + session_.Charset();
   if (last_ && last_identity_ == identity) return last_;
-  // A password for a listing: none, since no engine here can open encrypted headers.
-  last_ =
-      ListArchive(family_, *input, ReaderOptions{session_.Charset(), [] { return std::nullopt; }}, reason);
+  last_ = ListArchive(
+      family_, *input, session_.Charset(), [this, &path] { return session_.AskPassword(path); }, reason);
   last_identity_ = identity;
   return last_;
 }

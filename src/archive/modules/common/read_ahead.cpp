@@ -18,12 +18,12 @@ constexpr std::chrono::milliseconds kBetweenCalls{20};
 
 std::unique_ptr<EntryReader> ReadAhead::Open(const Engine& engine, const ArchiveInput& input,
                                              const ReaderOptions& options, Hooks hooks, Reason* reason) {
-  std::unique_ptr<ReadAhead> ahead(new ReadAhead(options.ask_password, std::move(hooks)));
+  std::unique_ptr<ReadAhead> ahead(new ReadAhead(options.password, std::move(hooks)));
   ahead->reader_ = engine.open(
       input, ReaderOptions{options.charset, [self = ahead.get()] { return self->RequestPassword(); }},
       reason);
   if (!ahead->reader_) return nullptr;
-  ahead->thread_ = std::thread([self = ahead.get()] { self->ReadArchive(); });
+  ahead->thread_ = std::thread([self = ahead.get()] { self->UnpackArchive(); });
   return ahead;
 }
 
@@ -37,12 +37,11 @@ ReadAhead::~ReadAhead() {
   thread_.join();
 }
 
-void ReadAhead::ReadArchive() {
+void ReadAhead::UnpackArchive() {
   Item last;
   try {
-    for (std::uint64_t number = 1;; ++number) {
-      if (!ReadEntry(number)) return;
-    }
+    last.header = last.end = reader_->Unpack(this);
+    if (last.header != ReadStatus::kEnd) last.reason = reader_->Problem();
   } catch (const std::exception& fault) {
     last.header = last.end = ReadStatus::kFailed;
     last.reason = Reason(fault.what());
@@ -50,35 +49,33 @@ void ReadAhead::ReadArchive() {
   Give(std::move(last));
 }
 
-// False after the last one.
-bool ReadAhead::ReadEntry(std::uint64_t number) {
-  Item item;
-  item.header = reader_->NextEntry(&item.entry);
-  if (item.header != ReadStatus::kOk) {
-    if (item.header != ReadStatus::kEnd) item.reason = reader_->Problem();
-    item.end = item.header;
-    Give(std::move(item));
-    return false;
-  }
-  item.entry.path = WithoutCurrentFolder(std::move(item.entry.path));
-  if (hooks_.is_wanted(item.entry)) return ReadWanted(number, std::move(item));
-  item.end = ReadStatus::kEnd;
-  return Give(std::move(item));
+bool ReadAhead::Wants(const Entry& entry) {
+  Entry named = entry;
+  named.path = WithoutCurrentFolder(std::move(named.path));
+  return hooks_.is_wanted(named);
 }
 
-bool ReadAhead::ReadWanted(std::uint64_t number, Item item) {
-  std::string_view piece;
-  ReadStatus status;
-  while ((status = reader_->ReadContent(&piece)) == ReadStatus::kOk) {
-    item.content.append(piece);
-    if (item.content.size() < kItemBytes) continue;
-    if (!Give(std::exchange(item, {}))) return false;
-    const std::lock_guard lock(mutex_);
-    if (number < unwanted_before_) return true;
-  }
-  item.end = status;
-  if (status != ReadStatus::kEnd) item.reason = reader_->Problem();
-  return Give(std::move(item));
+bool ReadAhead::Begin(Entry entry, bool is_wanted) {
+  ++begun_entries_;
+  begun_ = {};
+  begun_.header = ReadStatus::kOk;
+  begun_.entry = std::move(entry);
+  begun_.entry.path = WithoutCurrentFolder(std::move(begun_.entry.path));
+  return is_wanted || End(ReadStatus::kEnd, {});
+}
+
+EntrySink::Wish ReadAhead::Content(std::string_view piece) {
+  begun_.content.append(piece);
+  if (begun_.content.size() < kItemBytes) return Wish::kMore;
+  if (!Give(std::exchange(begun_, {}))) return Wish::kStop;
+  const std::lock_guard lock(mutex_);
+  return begun_entries_ < unwanted_before_ ? Wish::kSkip : Wish::kMore;
+}
+
+bool ReadAhead::End(ReadStatus status, const Reason& problem) {
+  begun_.end = status;
+  begun_.reason = problem;
+  return Give(std::exchange(begun_, {}));
 }
 
 // Waits for room. False when nobody wants any more.

@@ -16,13 +16,12 @@
 
 namespace quendle::modules {
 
-// Gives what the engine's reader gives. Only the reader is used on the other thread; whoever is asked for
+// Gives what the engine's reader unpacks. Only the reader is used on the other thread; whoever is asked for
 // anything is asked on the thread that calls NextEntry and ReadContent.
-class ReadAhead final : public EntryReader {
+class ReadAhead final : public EntryReader, private EntrySink {
  public:
   struct Hooks {
-    // Will the content of this entry be asked for? Content that nobody wants is not unpacked. Called on the
-    // other thread, for each entry once and in order.
+    // As EntrySink::Wants, on the other thread. Content that nobody wants is not unpacked.
     std::function<bool(const Entry&)> is_wanted;
     // Called at least ten times a second while there is nothing to give yet. False ends the reading: the
     // answer is kFailed then.
@@ -50,13 +49,15 @@ class ReadAhead final : public EntryReader {
     Reason reason;
   };
 
-  ReadAhead(std::function<std::optional<std::string>()> ask_password, Hooks hooks)
-      : ask_password_(std::move(ask_password)), hooks_(std::move(hooks)) {}
+  ReadAhead(std::function<std::optional<std::string>()> password, Hooks hooks)
+      : ask_password_(std::move(password)), hooks_(std::move(hooks)) {}
 
-  // On the other thread:
-  void ReadArchive();
-  bool ReadEntry(std::uint64_t number);
-  bool ReadWanted(std::uint64_t number, Item item);
+  // On the other thread, or on one that the reader makes while that waits for it:
+  void UnpackArchive();
+  bool Wants(const Entry& entry) override;
+  bool Begin(Entry entry, bool is_wanted) override;
+  Wish Content(std::string_view piece) override;
+  bool End(ReadStatus status, const Reason& problem) override;
   bool Give(Item item);
   std::optional<std::string> RequestPassword();
 
@@ -68,7 +69,9 @@ class ReadAhead final : public EntryReader {
   const std::function<std::optional<std::string>()> ask_password_;
   const Hooks hooks_;
   const std::thread::id user_thread_ = std::this_thread::get_id();
-  std::unique_ptr<EntryReader> reader_;
+  std::unique_ptr<ArchiveReader> reader_;
+  Item begun_;  // what is not given yet of the entry that is unpacked
+  std::uint64_t begun_entries_ = 0;
 
   std::mutex mutex_;  // over what stands up to the thread
   std::condition_variable changed_;

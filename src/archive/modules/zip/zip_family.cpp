@@ -101,6 +101,7 @@ std::string ZipLibraries() {
 
 }  // namespace
 
-const Family kZipFamily = {"ZIP", kZipDialect, &FindZip, &ZipEngines, &CheckZip, &ZipLibraries};
+const Family kZipFamily = {"ZIP",         kZipDialect,         &FindZip, &ZipEngines, &CheckZip,
+                           &ZipLibraries, PasswordForm::kBytes};
 
 }  // namespace quendle::modules

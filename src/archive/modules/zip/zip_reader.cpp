@@ -82,7 +82,6 @@ class ZipReader final : public EntryReader {
   ReadStatus GoToCurrent();
   ReadStatus CheckLocalCrc();
   ReadStatus Fail(ReadStatus status, Reason reason);
-  std::function<std::optional<std::string>()> Passwords();
 
   const ArchiveInput& input_;
   ReaderOptions options_;
@@ -94,25 +93,12 @@ class ZipReader final : public EntryReader {
   std::size_t library_end_ = 0;   // behind the last one that it sees
   std::string link_target_;       // of the entry that it went to last
   ReadStatus content_status_ = ReadStatus::kEnd;
-  std::vector<std::string> passwords_;  // that were asked for so far
   Reason reason_;
 };
 
 ReadStatus ZipReader::Fail(ReadStatus status, Reason reason) {
   reason_ = std::move(reason);
   return status;
-}
-
-// Each library object is told again what the user said to the ones before it.
-std::function<std::optional<std::string>()> ZipReader::Passwords() {
-  return [this, known = std::size_t{0}]() mutable -> std::optional<std::string> {
-    if (known == passwords_.size()) {
-      auto password = options_.ask_password();
-      if (!password) return std::nullopt;
-      passwords_.push_back(std::move(*password));
-    }
-    return passwords_[known++];
-  };
 }
 
 ReadStatus ZipReader::NextEntry(Entry* entry) {
@@ -158,8 +144,7 @@ bool ZipReader::OpenBatch(std::size_t first) {
     *entry = std::move(described);
     return true;
   };
-  library_ = OpenLibarchive(input_, {options_.charset, Passwords()}, LibarchiveFormat::kZip, describe,
-                            &reason_, std::move(ending));
+  library_ = OpenLibarchive(input_, options_, LibarchiveFormat::kZip, describe, &reason_, std::move(ending));
   library_next_ = first;
   library_end_ = end;
   return library_ != nullptr;
