@@ -26,7 +26,8 @@ std::shared_ptr<const platform::InputFile> FileOf(const std::uint8_t* data, std:
 // Asks for everything, up to so much.
 class Checker : public EntrySink {
  public:
-  bool Wants(const Entry& entry) override { return entry.kind == EntryKind::kFile; }
+  bool Wants(const Entry&) override { return true; }
+  bool GoesOn() override { return total_ < kMostBytes; }
   bool Begin(Entry entry, bool) override {
     size_ = entry.size;
     given_ = 0;

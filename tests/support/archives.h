@@ -148,7 +148,8 @@ class Collector : public modules::EntrySink {
   explicit Collector(UnpackedArchive* unpacked) : entries_(unpacked->entries) {}
 
   bool IsLocked() const { return is_locked_; }
-  bool Wants(const modules::Entry& entry) override { return entry.kind == modules::EntryKind::kFile; }
+  bool Wants(const modules::Entry&) override { return true; }
+  bool GoesOn() override { return true; }
   bool Begin(modules::Entry entry, bool) override {
     entries_.push_back({std::move(entry), "", {}});
     return true;

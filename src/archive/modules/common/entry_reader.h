@@ -55,7 +55,7 @@ class EntrySink {
  public:
   virtual ~EntrySink() = default;
 
-  // Is the content of this entry wanted? Asked of every entry, once and in their order, before it begins.
+  // Is the content of this entry wanted, or a link's target? Asked of every entry, once and in their order, before it begins.
   virtual bool Wants(const Entry& entry) = 0;
 
   // The next entry. Content and one End follow when it is wanted.
@@ -66,6 +66,9 @@ class EntrySink {
   virtual Wish Content(std::string_view piece) = 0;
 
   virtual bool End(ReadStatus status, const Reason& problem) = 0;
+
+  // Is anything wanted still? For readers that are long without giving anything.
+  virtual bool GoesOn() = 0;
 };
 
 // An archive from its first entry to its last, as one library reads it. It is either listed or unpacked, once.

@@ -147,7 +147,7 @@ std::unique_ptr<EntryReader> Extraction::OpenReader(const Engine& engine, Reason
   hooks.is_wanted = [wanted = std::move(wanted),
                      matcher = EntryMatcher(by_path_)](const Entry& entry) mutable {
     const auto index = matcher.Find(entry);
-    return index && wanted[*index] && entry.kind == EntryKind::kFile;
+    return index && wanted[*index] && (entry.kind == EntryKind::kFile || entry.kind == EntryKind::kLink);
   };
   hooks.may_wait = [this] { return GoOn(""); };
   return ReadAhead::Open(engine, archive_.input,

@@ -78,6 +78,11 @@ bool ReadAhead::End(ReadStatus status, const Reason& problem) {
   return Give(std::exchange(begun_, {}));
 }
 
+bool ReadAhead::GoesOn() {
+  const std::lock_guard lock(mutex_);
+  return !stop_;
+}
+
 // Waits for room. False when nobody wants any more.
 bool ReadAhead::Give(Item item) {
   std::unique_lock lock(mutex_);

@@ -58,6 +58,7 @@ class ReadAhead final : public EntryReader, private EntrySink {
   bool Begin(Entry entry, bool is_wanted) override;
   Wish Content(std::string_view piece) override;
   bool End(ReadStatus status, const Reason& problem) override;
+  bool GoesOn() override;
   bool Give(Item item);
   std::optional<std::string> RequestPassword();
 

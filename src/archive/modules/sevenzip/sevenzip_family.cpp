@@ -3,47 +3,34 @@
 #include <memory>
 #include <utility>
 
-#include "archive/modules/common/checksum.h"
 #include "archive/modules/common/libarchive_reader.h"
-#include "archive/modules/common/little_endian.h"
+#include "archive/modules/common/sevenzip_library.h"
 #include "archive/modules/common/signature_scan.h"
 #include "archive/modules/common/volumes.h"
+#include "archive/modules/sevenzip/sevenzip_headers.h"
+#include "archive/modules/sevenzip/sevenzip_reader.h"
 
 namespace quendle::modules {
 namespace {
 
-using namespace std::string_view_literals;
-
-constexpr std::string_view kSignature = "7z\xBC\xAF\x27\x1C"sv;
-constexpr std::size_t kStartHeaderSize = 32;
-
-// The start header, if one that its checksum confirms is there.
-std::optional<std::string> StartHeader(const ArchiveInput& input, std::uint64_t position) {
-  std::string header(kStartHeaderSize, '\0');
-  std::size_t got = 0;
-  const platform::Result result = input.ReadAt(position, header.data(), header.size(), &got);
-  if (!result.ok() || got < header.size() || !header.starts_with(kSignature)) return std::nullopt;
-  if (LittleEndian(header, 8, 4) != Crc32(std::string_view(header).substr(12))) return std::nullopt;
-  return header;
-}
+// Beyond what archives of millions of files take. The libraries take some five times as much memory.
+constexpr std::uint64_t kLargestHeaders = 32U << 20;
 
 // Is the input long enough for the end header, which the start header places?
-bool IsWhole(const ArchiveInput& input, std::string_view start_header) {
-  const std::uint64_t offset = LittleEndian(start_header, 12, 8);
-  const std::uint64_t size = LittleEndian(start_header, 20, 8);
-  const std::uint64_t room = input.Size() - kStartHeaderSize;
-  return offset <= room && size <= room - offset;
+bool IsWhole(const ArchiveInput& input) {
+  const auto start = ReadSevenZipStart(input, 0);
+  return start && start->end_offset <= input.Size() && start->end_size <= input.Size() - start->end_offset;
 }
 
 std::optional<ArchiveInput> FindSevenZip(std::shared_ptr<const platform::InputFile> file, Reason* reason) {
   const VolumeSet set = FindVolumes(std::move(file));
   const ArchiveInput all(set.files);
-  const auto fits = [&](std::uint64_t position) { return StartHeader(all, position).has_value(); };
-  const auto position = FindSignature(all, {{kSignature}}, fits);
+  const auto fits = [&](std::uint64_t position) { return ReadSevenZipStart(all, position).has_value(); };
+  const auto position = FindSignature(all, {{kSevenZipSignature}}, fits);
   if (!position) {
-    std::string begin(kSignature.size(), '\0');
+    std::string begin(kSevenZipSignature.size(), '\0');
     std::size_t got = 0;
-    if (all.ReadAt(0, begin.data(), begin.size(), &got).ok() && begin == kSignature) {
+    if (all.ReadAt(0, begin.data(), begin.size(), &got).ok() && begin == kSevenZipSignature) {
       *reason = why::kStartHeaderDamaged;
     }
     return std::nullopt;
@@ -53,7 +40,7 @@ std::optional<ArchiveInput> FindSevenZip(std::shared_ptr<const platform::InputFi
     return std::nullopt;
   }
   ArchiveInput input = all.From(*position);
-  if (IsWhole(input, *StartHeader(input, 0))) return input;
+  if (IsWhole(input)) return input;
   *reason = set.missing_path.empty() ? why::kEndMissing : why::kVolumeMissing(set.missing_path);
   return std::nullopt;
 }
@@ -64,12 +51,23 @@ std::unique_ptr<EntryReader> OpenByLibarchive(const ArchiveInput& input, const R
 }
 
 std::vector<Engine> SevenZipEngines(const ArchiveInput&) {
-  return {{"libarchive", &OpenByLibarchive}};
+  return {{"7-Zip", &OpenSevenZip}, {"libarchive", &OpenByLibarchive}};
+}
+
+// A few kilobytes may say that they unpack to millions of entries.
+platform::Result CheckSevenZip(const ArchiveInput& input) {
+  const auto size = UnpackedHeadersSize(input);
+  if (!size || *size <= kLargestHeaders) return platform::Success();
+  return Failure(platform::Code::kRefused, input.Path(), why::kHeadersTooLarge(*size >> 20U));
+}
+
+std::string SevenZipLibraries() {
+  return LibarchiveVersion() + AndSevenZipVersion();
 }
 
 }  // namespace
 
-const Family kSevenZipFamily = {"7Z",    kSevenZipDialect,  &FindSevenZip, &SevenZipEngines,
-                                nullptr, &LibarchiveVersion};
+const Family kSevenZipFamily = {"7Z",           kSevenZipDialect,  &FindSevenZip, &SevenZipEngines,
+                                &CheckSevenZip, &SevenZipLibraries};
 
 }  // namespace quendle::modules

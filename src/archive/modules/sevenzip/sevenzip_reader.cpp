@@ -1,0 +1,193 @@
+#include "archive/modules/sevenzip/sevenzip_reader.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "archive/modules/common/entry_times.h"
+#include "archive/modules/common/sevenzip_archive.h"
+
+namespace quendle::modules {
+namespace {
+
+constexpr std::size_t kLongestTarget = 4096;
+
+// The kind that the attributes tell: those of Windows in the lower half, of Unix in the upper one when bit 15 says so.
+void SetKind(std::uint32_t attributes, Entry* entry) {
+  constexpr std::uint32_t kReparsePoint = 0x400;
+  constexpr std::uint32_t kHasMode = 0x8000;
+  const std::uint32_t mode = (attributes & kHasMode) != 0 ? attributes >> 16U : 0;
+  switch (mode & 0170000U) {
+    case 0:
+      // What such a point leads to is told in a form of Windows' own.
+      if ((attributes & kReparsePoint) != 0) entry->kind = EntryKind::kOther;
+      break;
+    case 0040000:
+      entry->kind = EntryKind::kFolder;
+      break;
+    case 0100000:
+      break;
+    case 0120000:
+      entry->kind = EntryKind::kLink;
+      break;
+    default:
+      entry->kind = EntryKind::kOther;
+  }
+  entry->attributes.executable = entry->kind == EntryKind::kFile && (mode & 0111U) != 0;
+}
+
+class SevenZipReader final : public ArchiveReader, private SevenZipReceiver {
+ public:
+  SevenZipReader(const ArchiveInput& input, const ReaderOptions& options)
+      : archive_(
+            {input.Size(), [&input](std::uint64_t position, void* buffer, std::size_t size,
+                                    std::size_t* got) { return input.ReadAt(position, buffer, size, got); }},
+            options.password),
+        password_(options.password) {}
+
+  void Open() {
+    const ReadStatus opened = archive_.Open(sevenzip::kSevenZipFormat, &reason_);
+    if (opened != ReadStatus::kOk) end_ = opened;
+  }
+  ReadStatus NextEntry(Entry* entry) override;
+  ReadStatus Unpack(EntrySink* sink) override;
+  const Reason& Problem() const override { return reason_; }
+
+ private:
+  Entry At(std::uint32_t index) const;
+  bool Choose();
+  bool BeginBefore(std::uint32_t index);
+  bool BeginEntry(Entry entry);
+  bool EndLink(sevenzip::ExtractResult result);
+
+  bool Begin(std::uint32_t index) override;
+  bool Write(std::string_view piece) override;
+  bool End(std::uint32_t index, sevenzip::ExtractResult result) override;
+  bool GoesOn() override { return sink_->GoesOn(); }
+
+  SevenZipArchive archive_;
+  std::function<std::optional<std::string>()> password_;
+  ReadStatus end_ = ReadStatus::kEnd;  // how the list of entries ends
+  Reason reason_;
+  std::uint32_t next_ = 0;  // the entry that is listed, or begun, next
+
+  EntrySink* sink_ = nullptr;
+  std::vector<bool> wanted_;             // beside the entries
+  std::vector<std::uint32_t> unpacked_;  // of those: that the library is to unpack
+  bool is_locked_ = false;               // there is no password
+  bool password_fits_ = false;           // something encrypted was right
+  Entry entry_;                          // at hand
+  std::string target_;                   // of it, when it is a link
+  EntrySink::Wish wish_ = EntrySink::Wish::kMore;
+};
+
+Entry SevenZipReader::At(std::uint32_t index) const {
+  Entry entry;
+  entry.path = archive_.Text(index, sevenzip::kPath);
+  std::replace(entry.path.begin(), entry.path.end(), '\\', '/');
+  SetKind(static_cast<std::uint32_t>(archive_.Number(index, sevenzip::kAttributes).value_or(0)), &entry);
+  if (archive_.Number(index, sevenzip::kIsAnti).value_or(0) != 0) entry.kind = EntryKind::kOther;
+  if (archive_.Number(index, sevenzip::kIsFolder).value_or(0) != 0) entry.kind = EntryKind::kFolder;
+  if (entry.kind == EntryKind::kFolder && !entry.path.ends_with('/')) entry.path += '/';
+  if (entry.kind == EntryKind::kFile) entry.size = archive_.Number(index, sevenzip::kSize).value_or(0);
+  entry.packed_size = archive_.Number(index, sevenzip::kPackedSize).value_or(0);
+  entry.crc = static_cast<std::uint32_t>(archive_.Number(index, sevenzip::kCrc).value_or(0));
+  entry.encrypted = archive_.Number(index, sevenzip::kIsEncrypted).value_or(0) != 0;
+  entry.method = archive_.Text(index, sevenzip::kMethod);
+  if (const auto time = archive_.Number(index, sevenzip::kWriteTime))
+    entry.attributes.write_time = TimeFromNtfs(*time);
+  return entry;
+}
+
+ReadStatus SevenZipReader::NextEntry(Entry* entry) {
+  if (next_ == archive_.Count()) return end_;
+  *entry = At(next_++);
+  return ReadStatus::kOk;
+}
+
+ReadStatus SevenZipReader::Unpack(EntrySink* sink) {
+  sink_ = sink;
+  const bool goes_on = Choose();
+  std::optional<Reason> failure;
+  if (goes_on && !unpacked_.empty()) failure = archive_.Extract(unpacked_, this);
+  if (failure) {
+    reason_ = *failure;
+    return ReadStatus::kFailed;
+  }
+  return goes_on && BeginBefore(archive_.Count()) ? end_ : ReadStatus::kEnd;
+}
+
+// Finds out what the library is to unpack. Links are always read, as their targets belong to them.
+bool SevenZipReader::Choose() {
+  for (std::uint32_t index = 0; index < archive_.Count(); ++index) {
+    const Entry entry = At(index);
+    wanted_.push_back(sink_->Wants(entry));
+    const bool is_read = entry.kind == EntryKind::kLink ||
+                         (entry.kind == EntryKind::kFile && wanted_.back() && entry.size != 0U);
+    if (!is_read) continue;
+    if (entry.encrypted && !is_locked_) is_locked_ = !password_().has_value();
+    if (!entry.encrypted || !is_locked_) unpacked_.push_back(index);
+  }
+  return sink_->GoesOn();
+}
+
+// The entries that the library was not given, or passes over, are given in their places among the others.
+bool SevenZipReader::BeginBefore(std::uint32_t index) {
+  while (next_ < index) {
+    const std::uint32_t passed = next_++;
+    const bool is_wanted = wanted_[passed];
+    const Entry entry = At(passed);
+    if (!sink_->Begin(entry, is_wanted)) return false;
+    const bool is_empty = entry.kind != EntryKind::kFile || entry.size == 0U;
+    if (is_wanted && !(is_empty                        ? sink_->End(ReadStatus::kEnd, {})
+                       : entry.encrypted && is_locked_ ? sink_->End(ReadStatus::kPassword, why::kNoPassword)
+                                                       : sink_->End(ReadStatus::kFailed, why::kPassedOver)))
+      return false;
+  }
+  return true;
+}
+
+bool SevenZipReader::Begin(std::uint32_t index) {
+  if (!BeginBefore(index)) return false;
+  next_ = index + 1;
+  entry_ = At(index);
+  target_.clear();
+  wish_ = EntrySink::Wish::kMore;
+  return entry_.kind == EntryKind::kLink || sink_->Begin(entry_, true);
+}
+
+bool SevenZipReader::Write(std::string_view piece) {
+  if (entry_.kind == EntryKind::kLink) {
+    target_ += piece.substr(0, kLongestTarget - std::min(target_.size(), kLongestTarget));
+  } else if (wish_ == EntrySink::Wish::kMore) {
+    wish_ = sink_->Content(piece);
+  }
+  return wish_ != EntrySink::Wish::kStop;
+}
+
+bool SevenZipReader::End(std::uint32_t, sevenzip::ExtractResult result) {
+  if (entry_.kind == EntryKind::kLink) return EndLink(result);
+  if (wish_ != EntrySink::Wish::kMore) return true;
+  Reason reason;
+  const ReadStatus status = StatusOf(result, entry_.method, entry_.encrypted && !password_fits_, &reason);
+  if (status == ReadStatus::kEnd && entry_.encrypted) password_fits_ = true;
+  return sink_->End(status, reason);
+}
+
+// Without its target a link is refused.
+bool SevenZipReader::EndLink(sevenzip::ExtractResult result) {
+  if (result == sevenzip::ExtractResult::kWhole) entry_.link_target = std::exchange(target_, {});
+  return sink_->Begin(std::move(entry_), false);
+}
+
+}  // namespace
+
+std::unique_ptr<ArchiveReader> OpenSevenZip(const ArchiveInput& input, const ReaderOptions& options,
+                                            Reason* reason) {
+  if (SevenZipLibrary::Get(reason) == nullptr) return nullptr;
+  auto reader = std::make_unique<SevenZipReader>(input, options);
+  reader->Open();
+  return reader;
+}
+
+}  // namespace quendle::modules
