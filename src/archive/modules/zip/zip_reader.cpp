@@ -117,7 +117,9 @@ std::function<std::optional<std::string>()> ZipReader::Passwords() {
 
 ReadStatus ZipReader::NextEntry(Entry* entry) {
   content_status_ = ReadStatus::kEnd;
-  if (next_ == directory_.entries.size()) return ReadStatus::kEnd;
+  if (next_ == directory_.entries.size()) {
+    return directory_.problem.empty() ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, directory_.problem);
+  }
   ++next_;
   *entry = ToEntry(Current(), options_.charset);
   if (entry->kind == EntryKind::kFile) content_status_ = ReadStatus::kOk;
