@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <tuple>
 
 #include "archive/modules/zip/zip_end.h"
 #include "archive/modules/zip/zip_recovery.h"
@@ -26,8 +27,9 @@ std::uint64_t PositionOf(const ArchiveInput& input, const ZipPlace& place) {
 }
 
 void SortByPosition(std::vector<ZipEntry>* entries) {
-  std::stable_sort(entries->begin(), entries->end(),
-                   [](const ZipEntry& a, const ZipEntry& b) { return a.position < b.position; });
+  std::sort(entries->begin(), entries->end(), [](const ZipEntry& a, const ZipEntry& b) {
+    return std::tie(a.position, a.directory_position) < std::tie(b.position, b.directory_position);
+  });
 }
 
 // Positions that all lead past the local headers by as much as the directory itself is misplaced.
@@ -43,6 +45,8 @@ void Shift(ZipBytes* bytes, std::int64_t shift, std::vector<ZipEntry>* entries) 
 
 platform::Result ReadCounted(const ArchiveInput& input, const ZipEnd& end, ZipDirectory* directory) {
   directory->position = end.directory;
+  directory->entries.reserve(static_cast<std::size_t>(
+      std::min({end.entries, end.directory_size / kDirectoryHeaderSize, kMostZipMemory / sizeof(ZipEntry)})));
   std::uint64_t behind = 0;
   platform::Result result =
       ReadZipHeaders(input, end.directory, end.directory + end.directory_size, &directory->entries, &behind);
@@ -53,8 +57,9 @@ platform::Result ReadCounted(const ArchiveInput& input, const ZipEnd& end, ZipDi
   return result;
 }
 
-// Do the entries have bytes of their own? `*has_strays` says whether one lacks its local header.
-platform::Result CheckLayout(const ArchiveInput& input, const ZipDirectory& directory, bool* has_strays) {
+// Do the entries have bytes of their own? `*is_doubtful` says whether positions may be wrong: entries share bytes,
+// or one lacks its local header.
+platform::Result CheckLayout(const ArchiveInput& input, const ZipDirectory& directory, bool* is_doubtful) {
   ZipBytes bytes(input, kLocalHeaderBlock);
   std::uint64_t free = 0;  // nothing has used the bytes from here on
   for (const ZipEntry& entry : directory.entries) {
@@ -62,12 +67,13 @@ platform::Result CheckLayout(const ArchiveInput& input, const ZipDirectory& dire
     std::uint64_t header = LocalHeaderSize(bytes.At(entry.position, kLocalHeaderSize));
     if (!bytes.result().ok()) return bytes.result();
     if (header == 0) {
-      *has_strays = true;
+      *is_doubtful = true;
       header = kLocalHeaderSize + entry.name.size();
     }
     const std::uint64_t begin = entry.position + header;
     if (entry.position < free || begin > directory.position ||
         entry.packed_size > directory.position - begin) {
+      *is_doubtful = true;
       return Failure(Code::kRefused, input.Path(), why::kSharedBytes);
     }
     free = begin + entry.packed_size;
@@ -77,7 +83,7 @@ platform::Result CheckLayout(const ArchiveInput& input, const ZipDirectory& dire
 
 // What the end record leads to, if that is a directory of this archive.
 platform::Result ReadByEnd(const ArchiveInput& input, const platform::Result& found, const ZipEnd& end,
-                           ZipDirectory* directory, bool* has_strays) {
+                           ZipDirectory* directory, bool* is_doubtful) {
   *directory = {};
   if (!found.ok()) return found;
   if (end.is_misplaced) return Damaged(input, why::kDirectoryMissing);
@@ -87,7 +93,7 @@ platform::Result ReadByEnd(const ArchiveInput& input, const platform::Result& fo
   ZipBytes bytes(input, kLocalHeaderBlock);
   Shift(&bytes, end.shift, &directory->entries);
   if (end.is_followed) directory->problem = why::kArchiveBehind;
-  return CheckLayout(input, *directory, has_strays);
+  return CheckLayout(input, *directory, is_doubtful);
 }
 
 }  // namespace
@@ -114,7 +120,7 @@ platform::Result ReadZipHeaders(const ArchiveInput& input, std::uint64_t begin, 
     entry.directory_position = *behind;
     *behind += size;
     memory += MemoryOf(entry);
-    if (memory > kMostZipMemory) return Damaged(input, why::kDirectoryTooLarge);
+    if (memory > kMostZipMemory) return Failure(Code::kRefused, input.Path(), why::kDirectoryTooLarge);
   }
   return bytes.result();
 }
@@ -122,23 +128,21 @@ platform::Result ReadZipHeaders(const ArchiveInput& input, std::uint64_t begin, 
 platform::Result ReadZipDirectory(const ArchiveInput& input, ZipDirectory* directory) {
   ZipEnd end;
   const platform::Result found = FindZipEnd(input, &end);
-  if (end.volumes > input.VolumeCount() || found.code == Code::kRefused) return found;
-  bool has_strays = false;
-  const platform::Result read = ReadByEnd(input, found, end, directory, &has_strays);
-  if (read.ok() && !has_strays) return read;
+  if (end.volumes > input.VolumeCount()) return found;
+  bool is_doubtful = false;
+  const platform::Result read = ReadByEnd(input, found, end, directory, &is_doubtful);
+  if (!is_doubtful && (read.ok() || read.code == Code::kRefused)) return read;
 
+  *directory = {};  // memory for one is enough
   ZipDirectory walked;
-  const platform::Result result = WalkLocalHeaders(input, &walked);
+  const bool has_entries = WalkLocalHeaders(input, &walked).ok() && !walked.entries.empty();
   std::uint64_t behind = 0;
-  if (result.ok() && !walked.entries.empty() && TakeDirectoryBehind(input, &walked, &behind)) {
-    if (found.ok() && end.directory > behind) walked.problem = why::kArchiveBehind;
-    *directory = std::move(walked);
-    return platform::Success();
-  }
-  // What the directory says is right but for some entries, or hostile.
-  if (read.ok() || read.code == Code::kRefused) return read;
-  if (!result.ok() || walked.entries.empty()) return read;
-  walked.problem = why::kFoundByHeaders(read.reason, walked.entries.size());
+  const bool agrees = has_entries && TakeDirectoryBehind(input, &walked, &behind);
+  if (!agrees && read.ok()) return ReadByEnd(input, found, end, directory, &is_doubtful);
+  if (!agrees && (!has_entries || read.code == Code::kRefused)) return read;
+  if (!agrees) walked.problem = why::kFoundByHeaders(read.reason, walked.entries.size());
+  if (agrees && found.ok() && end.directory > behind) walked.problem = why::kArchiveBehind;
+  SortByPosition(&walked.entries);
   *directory = std::move(walked);
   return platform::Success();
 }

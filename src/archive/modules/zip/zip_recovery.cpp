@@ -54,7 +54,7 @@ class Walker {
     for (ZipEntry entry; Take(&entry); entry = {}) {
       memory += MemoryOf(entry);
       if (memory > kMostZipMemory)
-        return Failure(platform::Code::kFailed, input_.Path(), why::kDirectoryTooLarge);
+        return Failure(platform::Code::kRefused, input_.Path(), why::kDirectoryTooLarge);
       directory->entries.push_back(std::move(entry));
     }
     directory->position = position_;
@@ -138,11 +138,6 @@ void SortByContent(std::vector<ZipEntry>* entries) {
   });
 }
 
-void SortByPosition(std::vector<ZipEntry>* entries) {
-  std::sort(entries->begin(), entries->end(),
-            [](const ZipEntry& a, const ZipEntry& b) { return a.position < b.position; });
-}
-
 }  // namespace
 
 platform::Result WalkLocalHeaders(const ArchiveInput& input, ZipDirectory* directory) {
@@ -153,6 +148,7 @@ platform::Result WalkLocalHeaders(const ArchiveInput& input, ZipDirectory* direc
 bool TakeDirectoryBehind(const ArchiveInput& input, ZipDirectory* directory, std::uint64_t* behind) {
   std::vector<ZipEntry>& walked = directory->entries;
   std::vector<ZipEntry> headers;
+  headers.reserve(walked.size());
   if (!ReadZipHeaders(input, directory->position, input.Size(), &headers, behind).ok()) return false;
   if (headers.size() != walked.size() || !CountAgrees(input, *behind, headers.size())) return false;
   SortByContent(&headers);
@@ -163,7 +159,6 @@ bool TakeDirectoryBehind(const ArchiveInput& input, ZipDirectory* directory, std
     for (std::size_t i = 0; i < headers.size(); ++i) headers[i].position = walked[i].position;
     walked = std::move(headers);
   }
-  SortByPosition(&walked);
   return agrees;
 }
 

@@ -13,9 +13,9 @@ namespace quendle::modules {
 platform::Result WalkLocalHeaders(const ArchiveInput& input, ZipDirectory* directory);
 
 // Puts the headers of the central directory that stands at `directory->position` in the place of the entries that
-// WalkLocalHeaders found, with the positions of those. False, and nothing is changed, when there is no directory or
-// it does not list just these: the same names, sizes and checksums, and as many as the record behind it counts.
-// `*behind` is the first byte behind what was read.
+// WalkLocalHeaders found, with the positions of those. False, and they stay what they are, when there is no
+// directory or it does not list just these: the same names, sizes and checksums, and as many as the record behind it counts.
+// `*behind` is the first byte behind what was read. The entries are in no order then.
 bool TakeDirectoryBehind(const ArchiveInput& input, ZipDirectory* directory, std::uint64_t* behind);
 
 }  // namespace quendle::modules
