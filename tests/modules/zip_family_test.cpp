@@ -20,6 +20,34 @@ std::string Text(const std::string& bytes, const std::vector<std::string>& passw
   return test::UnpackBytes(kZipFamily, bytes, passwords, charset).Text();
 }
 
+const std::string kMissing = "!the central directory is missing: the file is truncated or no ZIP archive";
+
+std::string Found(int entries) {
+  return "; its " + std::to_string(entries) +
+         " entries were found by their own headers, and more may be lost";
+}
+
+// With another byte at the `index`-th of the first local header.
+std::string Altered(std::string bytes, std::size_t index) {
+  return bytes.replace(bytes.find("PK\3\4\x14") + index, 1, "?");
+}
+
+std::string CutBehind(const std::string& bytes, const std::string& part) {
+  return bytes.substr(0, bytes.find(part) + part.size());
+}
+
+// Entries without a directory, whose sizes are in descriptors behind their contents.
+std::string Streamed(const std::vector<test::StoredEntry>& entries, bool is_signed, int width) {
+  std::string bytes;
+  for (const auto& entry : entries) {
+    const auto& [name, content] = std::pair(entry.name, entry.content);
+    bytes += "PK\3\4" + Number(20, 2) + Number(8, 2) + Number(0, 2) + Number(0x5A8F6000, 4) + Number(0, 12) +
+             Number(name.size(), 4) + name + content + (is_signed ? "PK\7\x8" : "") +
+             Number(Crc32(content), 4) + Number(content.size(), width) + Number(content.size(), width);
+  }
+  return bytes;
+}
+
 GTEST_TEST(Zip, IsFoundWhereItIsOne) {
   const std::string inner = StoredZip({{"inner", "1"}});
   const struct {
@@ -35,6 +63,21 @@ GTEST_TEST(Zip, IsFoundWhereItIsOne) {
       {"with the longest comment", StoredZip({{"a", "1"}}, "", false, std::string(0xFFFF, 'c')), "a=1"},
       {"with another in the comment", StoredZip({{"a", "1"}}, "", false, inner), "a=1"},
       {"with bytes behind it", StoredZip({{"a", "1"}}) + std::string(9000, 'x'), "a=1"},
+      {"far from the end", StoredZip({{"a", "1"}}) + std::string(200'000, 'x'), "a=1"},
+      {"behind other bytes", " " + StoredZip({{"a", "1"}}, std::string(9000, 'x')) + "x", "a=1"},
+      {"counting other bytes", StoredZip({{"a", "1"}}, "text", true), "a=1"},
+      {"counting bytes that are gone", StoredZip({{"a", "1"}}, "text", true).substr(4), "a=1"},
+      {"counting more bytes than there are", StoredZip({{"a", "1"}}, "text", true).substr(2), "a=1"},
+      {"renamed behind other bytes", "text" + Altered(StoredZip({{"a", "1"}}), 30), "!no archive"},
+      {"in another kind of archive", StoredZip({{"a", "1"}}, "Rar!\x1A\7"), "!no archive"},
+      {"empty behind other bytes", StoredZip({}, "text"), "!no archive"},
+      {"in one whose end is missing", CutBehind(StoredZip({{"in.zip", inner}}), inner),
+       "in.zip=" + inner + kMissing + Found(1)},
+      {"in one behind a program", CutBehind(StoredZip({{"in.zip", inner}}, kProgram), inner), "!no archive"},
+      {"in front of another", StoredZip({{"a", "1"}}) + inner,
+       "a=1!another ZIP archive stands behind this one and was not read"},
+      {"in front of another, far away", StoredZip({{"a", "1"}}) + std::string(200'000, 'x') + inner,
+       "a=1!another ZIP archive stands behind this one and was not read"},
       {"text", "PK is what ZIP archives begin with", "!no archive"},
       {"nothing", "", "!no archive"},
   };
@@ -68,12 +111,13 @@ GTEST_TEST(Zip, TellsKindsTimesAndModes) {
                                         {"plain", "2", 0, ntfs_time + unix_time, unix_made, 0100644U << 16},
                                         {"dos", "3", 0, "", 0, 0100755U << 16},
                                         {"link", "表/tool", 0, "", unix_made, 0120777U << 16},
-                                        {"pipe", "", 0, "", unix_made, 0010644U << 16},
+                                        {"pipe", "4", 0, "", unix_made, 0010644U << 16},
+                                        {"device", "", 0, "", unix_made, 0020644U << 16},
                                         {"folder", "", 0, "", 0, 0x10},
                                     }));
   const auto read = Unpack(kZipFamily, folder / "a.zip");
-  EXPECT_EQ(read.Text(), "tool=1 plain=2 dos=3 link>表/tool pipe folder/");
-  ASSERT_EQ(read.entries.size(), 6U);
+  EXPECT_EQ(read.Text(), "tool=1 plain=2 dos=3 link>表/tool pipe=4 device folder/");
+  ASSERT_EQ(read.entries.size(), 7U);
   const auto& attributes = [&](std::size_t i) { return read.entries[i].entry.attributes; };
   EXPECT_TRUE(attributes(0).executable);
   EXPECT_FALSE(attributes(1).executable);
@@ -83,7 +127,7 @@ GTEST_TEST(Zip, TellsKindsTimesAndModes) {
   EXPECT_EQ(attributes(1).write_time->nanoseconds, 500);
   const std::time_t local = attributes(2).write_time->seconds;
   EXPECT_EQ(std::localtime(&local)->tm_hour, 12);
-  EXPECT_EQ(read.entries[4].entry.kind, EntryKind::kOther);
+  EXPECT_EQ(read.entries[5].entry.kind, EntryKind::kOther);
 }
 
 GTEST_TEST(Zip, ReadsMethodsAndPasswords) {
@@ -141,46 +185,76 @@ std::size_t Header(const std::string& bytes, int index) {
   return position;
 }
 
-GTEST_TEST(ZipDamage, IsRefusedAsAWhole) {
+struct Wrong {
+  std::size_t position;
+  std::uint64_t value;
+  int width;
+};
+
+GTEST_TEST(ZipDamage, OfTheDirectoryIsMadeUpForByTheLocalHeaders) {
   const std::string good = StoredZip({{"a", "12345678"}, {"b", "2"}});
+  const std::string whole = "a=12345678 b=2";
   const std::string shares = "!the archive is damaged or made to deceive: its entries share the same bytes";
-  const std::string damaged = "!the central directory is damaged: ";
-  const std::string missing = "!the central directory is missing: the file is truncated or no ZIP archive";
+  const std::string damaged = whole + "!the central directory is damaged: ";
   const std::size_t end = good.size() - 22;
   const struct {
     const char* what;
-    std::size_t position;
-    std::uint64_t value;
-    int width;
+    std::vector<Wrong> wrong;
     std::string text;
   } rows[] = {
-      {"the same entry twice", Header(good, 1) + 42, 0, 4, shares},
-      {"an entry in another's content", Header(good, 1) + 42, 33, 4, shares},
-      {"content that reaches into the next entry", Header(good, 0) + 20, 9, 4, shares},
-      {"content that reaches into the directory", Header(good, 1) + 20, 2, 4, shares},
-      {"content without end", Header(good, 1) + 20, 0xFFFFFFFE, 4, shares},
-      {"an entry in the directory", Header(good, 1) + 42, Header(good, 0), 4, shares},
-      {"an entry behind the end", Header(good, 1) + 42, 0x7FFFFFFF, 4,
-       damaged + "an entry is nowhere in the file"},
-      {"wide numbers that are missing", Header(good, 1) + 42, 0xFFFFFFFF, 4,
-       damaged + "an entry is nowhere in the file"},
-      {"a volume that does not exist", Header(good, 1) + 34, 3, 2,
-       damaged + "an entry is nowhere in the file"},
-      {"too many entries", end + 10, 60'000, 2, damaged + "2 entries are there of 60000"},
-      {"too few entries", end + 10, 1, 2, damaged + "2 entries are there of 1"},
-      {"a name without end", Header(good, 1) + 28, 0xFFFF, 2, damaged + "its last entry is cut off"},
-      {"another signature", Header(good, 1), 0, 4, damaged + "1 entries are there of 2"},
-      {"no first entry", Header(good, 0), 0, 4, missing},
-      {"a directory that is too large", end + 12, 0x10000000, 4, missing},
-      {"a directory elsewhere", end + 16, 0x10000000, 4, missing},
-      {"a comment that is cut off", end + 20, 1, 2, missing},
+      {"the same entry twice", {{Header(good, 1) + 42, 0, 4}, {Header(good, 1) + 46, 'a', 1}}, shares},
+      {"an entry in another's content",
+       {{Header(good, 1) + 42, 33, 4}, {Header(good, 1) + 16, 0, 4}},
+       shares},
+      {"content that reaches into the next entry", {{Header(good, 0) + 20, 9, 4}}, shares},
+      {"content that reaches into the directory", {{Header(good, 1) + 20, 2, 4}}, shares},
+      {"content without end", {{Header(good, 1) + 20, 0xFFFFFFFE, 4}}, shares},
+      {"only the position is another's", {{Header(good, 1) + 42, 0, 4}}, whole},
+      {"an entry behind the end", {{Header(good, 1) + 42, 0x7FFFFFFF, 4}}, whole},
+      {"wide numbers that are missing", {{Header(good, 1) + 42, 0xFFFFFFFF, 4}}, whole},
+      {"nowhere, and of another size",
+       {{Header(good, 1) + 42, 0x7FFFFFFF, 4}, {Header(good, 1) + 24, 2, 4}},
+       damaged + "an entry is nowhere in the file" + Found(2)},
+      {"nowhere, and of another checksum",
+       {{Header(good, 1) + 42, 0x7FFFFFFF, 4}, {Header(good, 1) + 16, 2, 4}},
+       damaged + "an entry is nowhere in the file" + Found(2)},
+      {"too many entries", {{end + 10, 60'000, 2}}, damaged + "2 entries are there of 60000" + Found(2)},
+      {"too few entries", {{end + 10, 1, 2}}, damaged + "2 entries are there of 1" + Found(2)},
+      {"a name without end",
+       {{Header(good, 1) + 28, 0xFFFF, 2}},
+       damaged + "its last entry is cut off" + Found(2)},
+      {"another signature", {{Header(good, 1), 0, 4}}, damaged + "1 entries are there of 2" + Found(2)},
+      {"no first entry", {{Header(good, 0), 0, 4}}, whole + kMissing + Found(2)},
+      {"a directory that is too large", {{end + 12, 0x10000000, 4}}, whole},
+      {"a directory elsewhere", {{end + 16, 0x10000000, 4}}, whole},
+      {"neither size nor position", {{end + 12, 0, 8}}, whole},
+      {"neither, and another count", {{end + 12, 0, 8}, {end + 10, 3, 2}}, whole + kMissing + Found(2)},
+      {"nothing in it", {{end + 10, 0, 8}, {end + 16, end, 4}}, whole + kMissing + Found(2)},
+      {"a comment that is cut off", {{end + 20, 1, 2}}, whole},
   };
-  ASSERT_EQ(Text(good), "a=12345678 b=2");
+  ASSERT_EQ(Text(good), whole);
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
     std::string bytes = good;
-    Patch(&bytes, row.position, row.value, row.width);
+    for (const Wrong& wrong : row.wrong) Patch(&bytes, wrong.position, wrong.value, wrong.width);
     EXPECT_EQ(Text(bytes), row.text);
+  }
+}
+
+GTEST_TEST(ZipDamage, WithoutADirectoryEntriesAreFound) {
+  // Contents are archives of their own, which end as the entry itself does.
+  const std::string inner = Streamed({{"inner", "1"}}, true, 4) + Streamed({{"more", "2"}}, false, 4);
+  for (const bool is_signed : {true, false}) {
+    for (const int width : {4, 8}) {
+      SCOPED_TRACE(std::to_string(width) + (is_signed ? " signed" : ""));
+      const std::string two = Streamed({{"a", inner}, {"e", ""}}, is_signed, width);
+      const std::string three = two + Streamed({{"c", std::string(65'535, 'P')}}, is_signed, width);
+      const std::string text = "a=" + inner + " e=";
+      EXPECT_EQ(Text(three), text + " c=" + std::string(65'535, 'P') + kMissing + Found(3));
+      EXPECT_EQ(Text(three.substr(0, three.size() - 1)), text + kMissing + Found(2));
+      EXPECT_EQ(Text(two + StoredZip({{"f/", "", 8}, {"c", "3"}}).substr(0, 70)),
+                text + " f/ c=3" + kMissing + Found(4));
+    }
   }
 }
 
@@ -210,6 +284,8 @@ GTEST_TEST(ZipDamage, OfOneEntryLeavesTheOthers) {
     EXPECT_EQ(text.find("b=2") == text.npos, !row.in_first) << text;
     EXPECT_EQ(text.find("b!") == text.npos, row.in_first) << text;
   }
+  const std::string text = Text(Altered(StoredZip({{"a", "1"}, {"b", "2"}}, kProgram), 0));
+  EXPECT_TRUE(text.starts_with("a!") && text.ends_with(" b=2")) << text;
 }
 
 // The library cannot go on behind packed content that makes no sense; the entries behind it are read still.
@@ -246,10 +322,23 @@ GTEST_TEST(ZipDamage, WideRecordsMayLie) {
   EXPECT_EQ(Text(wide(1, size, offset, UINT64_MAX)), "a=1");  // it is right before the locator all the same
   for (const std::uint64_t lie : {std::uint64_t{0}, std::uint64_t{46}, std::uint64_t{48},
                                   std::uint64_t{1} << 62, UINT64_MAX - 40, UINT64_MAX}) {
-    EXPECT_EQ(Text(wide(lie, size, offset, offset + size)).front(), '!') << lie;
-    EXPECT_EQ(Text(wide(1, lie, offset, offset + size)).front(), '!') << lie;
-    EXPECT_EQ(Text(wide(1, size, lie, offset + size)).front(), '!') << lie;
+    EXPECT_EQ(Text(wide(lie, size, offset, offset + size)).substr(0, 30), "a=1!the central directory is d")
+        << lie;
+    EXPECT_EQ(Text(wide(1, lie, offset, offset + size)), "a=1") << lie;
+    EXPECT_EQ(Text(wide(1, size, lie, offset + size)), "a=1") << lie;
   }
+}
+
+GTEST_TEST(ZipDamage, SaysThatTheDirectoryIsEncrypted) {
+  std::string bytes = StoredZip({{"a", "1"}});
+  const std::size_t end = bytes.size() - 22;
+  Patch(&bytes, end + 10, 0xFFFF, 2);
+  bytes.insert(end, "PK\6\6" + Number(44 + 28, 8) + Number(62, 4) + Number(0, 8) + Number(1, 8) +
+                        Number(1, 8) + Number(47, 8) + Number(32, 8) + Number(8, 2) + Number(47, 8) +
+                        Number(47, 8) + Number(0x660E, 2) + Number(0, 8) + "PK\6\7" + Number(0, 4) +
+                        Number(end, 8) + Number(1, 4));
+  Patch(&bytes, Header(bytes, 0), 0x12345678, 4);
+  EXPECT_EQ(Text(bytes), "!the central directory is encrypted, which is not supported for ZIP");
 }
 
 }  // namespace

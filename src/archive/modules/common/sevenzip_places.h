@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "archive/modules/common/sevenzip_api.h"
@@ -11,6 +12,9 @@ namespace quendle::modules {
 
 // The files that it may be, the best first. No other place is looked at.
 std::vector<std::string> SevenZipPlaces();
+
+// The text that the library, where it takes bytes for a password, makes these bytes of.
+std::string SevenZipPassword(std::string_view bytes);
 
 // The functions for strings that the library frees, or null: POSIX: its own. Windows: the system's.
 void FindTextFunctions(const platform::Library& library, sevenzip::Char* (**allocate)(const sevenzip::Char*),

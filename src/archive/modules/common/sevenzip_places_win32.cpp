@@ -3,6 +3,7 @@
 #include <oleauto.h>
 
 #include "archive/modules/common/sevenzip_places.h"
+#include "platform/text/code_page.h"
 
 namespace quendle::modules {
 namespace {
@@ -25,6 +26,11 @@ std::string OwnFolder() {
 // Beside the archiver library that this code is in, whichever program loaded that.
 std::vector<std::string> SevenZipPlaces() {
   return {OwnFolder() + "7z.dll"};
+}
+
+// It takes the system's code page.
+std::string SevenZipPassword(std::string_view bytes) {
+  return platform::TextFromAnsi(bytes);
 }
 
 void FindTextFunctions(const platform::Library&, sevenzip::Char* (**allocate)(const sevenzip::Char*),

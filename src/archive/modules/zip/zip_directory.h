@@ -2,48 +2,42 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
-#include <string>
 #include <vector>
 
 #include "archive/modules/common/archive_input.h"
-#include "archive/modules/common/entry_reader.h"
+#include "archive/modules/zip/zip_bytes.h"
+#include "archive/modules/zip/zip_entry.h"
 #include "reasons/result.h"
 
 namespace quendle::modules {
 
-struct ZipEntry {
-  std::string name;      // raw
-  bool is_utf8 = false;  // the name
-  std::uint16_t made_by = 0;
-  std::uint16_t flags = 0;
-  std::uint16_t method = 0;
-  std::uint16_t packed_method = 0;  // as the headers have it: 99 for any method that is encrypted by AES
-  std::uint32_t dos_time = 0;
-  std::uint32_t crc = 0;
-  std::uint64_t packed_size = 0;
-  std::uint64_t size = 0;
-  std::uint32_t external_attributes = 0;
-  std::uint64_t position = 0;            // of the local header in the input
-  std::uint64_t directory_position = 0;  // of the header in the directory
-  std::optional<platform::EntryTime> time;
-
-  bool IsEncrypted() const { return (flags & 1U) != 0; }
-};
-
 struct ZipDirectory {
-  std::uint64_t position = 0;
+  std::uint64_t position = 0;     // contents end here at the latest
   std::vector<ZipEntry> entries;  // by the positions of their local headers
+  Reason problem;                 // why there may be more than the entries; empty: these are all
 };
 
-// Reads the directory of an archive that begins where the input does. Failures have the path of the archive.
+// Reads the directory of an archive that begins where the input does, or whose positions count as if it did.
+// Where there is none, or it contradicts the archive, the local headers are gone through (zip_recovery.h).
+//
+// Fails with the path of the archive: kRefused when entries share bytes with each other or with the directory,
+// since such an archive unpacks to more than it can hold; else when nothing of it can be read.
 platform::Result ReadZipDirectory(const ArchiveInput& input, ZipDirectory* directory);
 
-// Refused when entries share bytes with each other or with the directory: such an archive unpacks to more than
-// it can hold.
-platform::Result CheckZipLayout(const ArchiveInput& input, const ZipDirectory& directory);
+// Is each entry described alike by its local header, and in the place that the directory says?
+bool LocalHeadersAgree(const ArchiveInput& input, const ZipDirectory& directory);
 
-// All but the target of a link.
-Entry ToEntry(const ZipEntry& zip, const std::string& charset);
+// Fails when no local header stands where that of `entry` should be, or it has another checksum. `*content` is
+// where the content begins.
+platform::Result CheckLocalHeader(const ArchiveInput& input, const ZipEntry& entry, std::uint64_t* content);
+
+// Appends the entries whose headers stand one behind the other from `begin` on and before `end`; `*behind` is the
+// first byte behind them. Positions are as if the archive began where the input does.
+platform::Result ReadZipHeaders(const ArchiveInput& input, std::uint64_t begin, std::uint64_t end,
+                                std::vector<ZipEntry>* entries, std::uint64_t* behind);
+
+// How much memory the entries of one archive may take, and what this one takes: beyond it a directory is refused.
+inline constexpr std::uint64_t kMostZipMemory = 128U << 20;
+std::uint64_t MemoryOf(const ZipEntry& entry);
 
 }  // namespace quendle::modules

@@ -14,12 +14,21 @@ struct ZipEnd {
   std::uint64_t directory_size = 0;
   std::uint64_t entries = 0;
   bool counts_modulo_65536 = false;
-  std::uint64_t front = 0;    // bytes before the archive: positions in it count from there
+  // What is to be added to the positions that the archive says: bytes that came in front of it since they were
+  // written, or, below 0, that went.
+  std::int64_t shift = 0;
   std::uint64_t volumes = 1;  // of the whole set; when the input has fewer, nothing else is known
+  // The input begins with a ZIP archive, from which this directory does not count. It is that of another one,
+  // stored in the first or standing behind it, or its positions are wrong.
+  bool is_misplaced = false;
+  bool is_followed = false;  // another archive stands behind this one
 };
 
-// Finds the directory from the end of the input. Bytes in front of the archive are only taken for such when
-// they begin with a program; an archive cut off behind another one stored in it is not taken for that one.
+// Finds the directory from the end of the input. An archive in the comment of another one is not taken for that
+// one, and an empty archive is only found where the input begins. Bytes in front may be of any kind.
 platform::Result FindZipEnd(const ArchiveInput& input, ZipEnd* end);
+
+// Does the input begin as an archive does, also one in several volumes and an empty one?
+bool BeginsLikeZip(const ArchiveInput& input);
 
 }  // namespace quendle::modules

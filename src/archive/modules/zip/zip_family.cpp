@@ -2,30 +2,20 @@
 #include "archive/modules/common/signature_scan.h"
 #include "archive/modules/zip/zip_end.h"
 
-#include <map>
+#include <algorithm>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "archive/modules/common/libarchive_reader.h"
-#include "archive/modules/common/unarr_reader.h"
+#include "archive/modules/common/sevenzip_library.h"
 #include "archive/modules/common/volumes.h"
 #include "archive/modules/zip/zip_directory.h"
 #include "archive/modules/zip/zip_reader.h"
+#include "archive/modules/zip/zip_sevenzip.h"
 
 namespace quendle::modules {
 namespace {
-
-// The beginning of an archive, also of one in several volumes and of an empty one.
-bool BeginsLikeZip(const ArchiveInput& input) {
-  std::string begin(8, '\0');
-  std::size_t got = 0;
-  if (!input.ReadAt(0, begin.data(), begin.size(), &got).ok()) return false;
-  begin.resize(got);
-  for (const char* mark : {"PK\7\x8", "PK00"}) {
-    if (begin.starts_with(mark)) begin.erase(0, 4);
-  }
-  return begin.starts_with("PK\3\4") || begin.starts_with("PK\5\6");
-}
 
 Reason MissingVolume(const VolumeSet& set, const ZipEnd& end) {
   if (!set.missing_path.empty()) return why::kVolumeMissing(set.missing_path);
@@ -38,65 +28,79 @@ std::optional<ArchiveInput> FindInSet(std::shared_ptr<const platform::InputFile>
   VolumeSet set = FindVolumes(std::move(file));
   const ArchiveInput input(set.files);
   ZipEnd end;
-  const platform::Result found = FindZipEnd(input, &end);
+  const bool is_found = FindZipEnd(input, &end).ok() && !end.is_misplaced;
   const bool is_zip = BeginsLikeZip(input) || BeginsWithProgram(input);
   if (!set.is_first) {
-    if (found.ok() && is_zip) *reason = why::kBeginsIn(set.first_path);
+    if (is_found && is_zip) *reason = why::kBeginsIn(set.first_path);
   } else if (end.volumes > set.files.size()) {
     *reason = MissingVolume(set, end);
-  } else if (found.ok() && is_zip) {
-    if (end.front == 0 || set.files.size() == 1) return input.From(end.front);
+  } else if (is_found && is_zip && set.files.size() > 1) {
+    if (end.shift <= 0) return input;
     *reason = why::kVolumesBehindProgram;
   } else if (BeginsLikeZip(own)) {
-    *reason = set.files.size() > 1 && !set.missing_path.empty() ? MissingVolume(set, end) : found.reason;
+    if (set.files.size() == 1 || set.missing_path.empty())
+      return input;  // its entries may do without a directory
+    *reason = MissingVolume(set, end);
   }
   return std::nullopt;
+}
+
+// Is the archive at `begin` the content of an entry of another one, whose header stands in front of it? Of that one
+// the end is missing then, and it is not the one that is meant.
+bool IsStored(const ArchiveInput& input, std::uint64_t begin) {
+  constexpr std::uint64_t kLargestHeader = kLocalHeaderSize + 2 * 0xFFFF;
+  ZipBytes bytes(input, 0);
+  const std::uint64_t reach = std::min(begin, kLargestHeader);
+  const std::string_view front = bytes.At(begin - reach, static_cast<std::size_t>(reach));
+  for (std::size_t place = front.find("PK\3\4"); place != front.npos;
+       place = front.find("PK\3\4", place + 1)) {
+    if (LocalHeaderSize(front.substr(place)) == front.size() - place) return true;
+  }
+  return false;
+}
+
+// Does it begin as archives of other kinds do, which may hold this one?
+bool BeginsLikeOtherArchive(const ArchiveInput& input) {
+  static constexpr std::pair<std::size_t, std::string_view> kMarks[] = {
+      {0, "Rar!\x1A\7"}, {0, "7z\xBC\xAF\x27\x1C"}, {0, "MSCF"}, {2, "-lh"}, {2, "-lz"}, {257, "ustar"}};
+  ZipBytes bytes(input, 512);
+  return std::any_of(std::begin(kMarks), std::end(kMarks), [&bytes](const auto& mark) {
+    return bytes.At(mark.first, mark.second.size()) == mark.second;
+  });
+}
+
+// The archive behind bytes that are none. Programs often have one behind them; in any other file it has to agree in
+// everything with its local headers, so that no other document passes for an archive.
+bool IsBehind(const ArchiveInput& own, const ArchiveInput& input) {
+  if (IsStored(own, own.Size() - input.Size())) return false;
+  if (BeginsWithProgram(own)) return true;
+  ZipDirectory directory;
+  return !BeginsLikeOtherArchive(own) && ReadZipDirectory(input, &directory).ok() &&
+         directory.problem.empty() && !directory.entries.empty() && LocalHeadersAgree(input, directory);
 }
 
 std::optional<ArchiveInput> FindZip(std::shared_ptr<const platform::InputFile> file, Reason* reason) {
   const ArchiveInput own(file, 0);
   ZipEnd end;
   // A file that is whole by itself has no other volumes, whatever the files beside it are called.
-  if (FindZipEnd(own, &end).ok() && (BeginsLikeZip(own) || BeginsWithProgram(own)))
-    return own.From(end.front);
+  if (FindZipEnd(own, &end).ok() && !end.is_misplaced) {
+    const ArchiveInput input = own.From(end.shift > 0 ? static_cast<std::uint64_t>(end.shift) : 0);
+    if (BeginsLikeZip(own) || IsBehind(own, input)) return input;
+  }
   return FindInSet(std::move(file), reason);
 }
 
-// The reader by unarr names entries by where their headers are in the directory.
-std::unique_ptr<EntryReader> OpenByUnarr(const ArchiveInput& input, const ReaderOptions& options,
-                                         Reason* reason) {
-  ZipDirectory directory;
-  const platform::Result result = ReadZipDirectory(input, &directory);
-  if (!result.ok()) {
-    *reason = result.reason;
-    return nullptr;
-  }
-  std::map<std::uint64_t, ZipEntry> entries;
-  for (ZipEntry& entry : directory.entries) entries.emplace(entry.directory_position, std::move(entry));
-  const auto describe = [entries = std::move(entries), charset = options.charset](std::uint64_t offset,
-                                                                                  Entry* entry) {
-    const auto found = entries.find(offset);
-    if (found == entries.end()) return false;
-    *entry = ToEntry(found->second, charset);
-    return true;
-  };
-  return OpenUnarr(input, UnarrFormat::kZip, describe, reason);
-}
-
 std::vector<Engine> ZipEngines(const ArchiveInput&) {
-  std::vector<Engine> engines = {{"libarchive", &OpenZip}};
-  if (HasUnarr()) engines.push_back({"unarr", &OpenByUnarr});
-  return engines;
+  return {{"libarchive", &OpenZip}, {"7-Zip", &OpenZipBySevenZip}};
 }
 
 platform::Result CheckZip(const ArchiveInput& input) {
   ZipDirectory directory;
-  const platform::Result result = ReadZipDirectory(input, &directory);
-  return result.ok() ? CheckZipLayout(input, directory) : result;
+  return ReadZipDirectory(input, &directory);
 }
 
 std::string ZipLibraries() {
-  return LibarchiveVersion() + AndUnarrVersion();
+  return LibarchiveVersion() + AndSevenZipVersion();
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "archive/modules/common/libarchive_reader.h"
-#include "archive/modules/common/little_endian.h"
 #include "archive/modules/zip/zip_directory.h"
+#include "archive/modules/zip/zip_headers.h"
 
 namespace quendle::modules {
 namespace {
@@ -14,57 +14,23 @@ namespace {
 // it sees at a time bounds what that costs.
 constexpr std::size_t kBatch = 256;
 
-void Append(std::string* bytes, std::uint64_t value, int width) {
-  for (int i = 0; i < width; ++i) bytes->push_back(static_cast<char>(value >> (8 * i) & 0xFF));
-}
-
 // Mode bits by which the library tells the kinds apart. It is to see links, of which it reads the target.
-std::uint32_t ExternalAttributes(const Entry& entry) {
-  return (entry.kind == EntryKind::kLink ? 0120777U : 0100644U) << 16U;
+ZipHeaderForm FormOf(const ZipEntry& zip, const Entry& entry) {
+  ZipHeaderForm form;  // without a name, which the library takes from the local header
+  form.flags = zip.flags;
+  form.attributes = (entry.kind == EntryKind::kLink ? 0120777U : 0100644U) << 16U;
+  form.position = zip.position;
+  return form;
 }
 
-void AppendHeader(std::string* bytes, const ZipEntry& zip, const Entry& entry) {
-  bytes->append("PK\1\2");
-  Append(bytes, 3 << 8 | 45, 2);
-  Append(bytes, 45, 2);
-  Append(bytes, zip.flags, 2);
-  Append(bytes, zip.packed_method, 2);
-  Append(bytes, zip.dos_time, 4);
-  Append(bytes, zip.crc, 4);
-  Append(bytes, 0xFFFFFFFF, 4);  // the sizes and the position are in the extra field
-  Append(bytes, 0xFFFFFFFF, 4);
-  Append(bytes, 0, 2);   // the name, of which the library reads the local one
-  Append(bytes, 28, 2);  // the extra field
-  Append(bytes, 0, 6);   // comment, volume, internal attributes
-  Append(bytes, ExternalAttributes(entry), 4);
-  Append(bytes, 0xFFFFFFFF, 4);
-  Append(bytes, 0x0001, 2);
-  Append(bytes, 24, 2);
-  Append(bytes, zip.size, 8);
-  Append(bytes, zip.packed_size, 8);
-  Append(bytes, zip.position, 8);
-}
-
-void AppendEnd(std::string* bytes, std::uint64_t position, std::size_t count) {
-  const std::uint64_t size = bytes->size();
-  bytes->append("PK\6\6");
-  Append(bytes, 44, 8);
-  Append(bytes, 45, 2);
-  Append(bytes, 45, 2);
-  Append(bytes, 0, 8);  // volumes
-  Append(bytes, count, 8);
-  Append(bytes, count, 8);
-  Append(bytes, size, 8);
-  Append(bytes, position, 8);
-  bytes->append("PK\6\7");
-  Append(bytes, 0, 4);
-  Append(bytes, position + size, 8);
-  Append(bytes, 1, 4);
-  bytes->append("PK\5\6");
-  Append(bytes, 0, 4);                   // volumes
-  Append(bytes, 0xFFFFFFFFFFFFFFFF, 8);  // counts and size
-  Append(bytes, 0xFFFFFFFF, 4);
-  Append(bytes, 0, 2);
+// What the library takes for damaged, or for a wrong password, without knowing it; nothing for all else.
+std::optional<Reason> WhyNotRead(const ZipEntry& zip) {
+  constexpr std::uint16_t kStore = 0;
+  constexpr std::uint16_t kDeflate = 8;
+  if (!zip.IsEncrypted()) return std::nullopt;
+  if (zip.IsStronglyEncrypted()) return why::kUnknownEncryption("strong encryption");
+  if (zip.method == kStore || zip.method == kDeflate) return std::nullopt;
+  return why::kUnsupportedMethod(ZipMethodName(zip.method));
 }
 
 class ZipReader final : public EntryReader {
@@ -103,7 +69,9 @@ ReadStatus ZipReader::Fail(ReadStatus status, Reason reason) {
 
 ReadStatus ZipReader::NextEntry(Entry* entry) {
   content_status_ = ReadStatus::kEnd;
-  if (next_ == directory_.entries.size()) return ReadStatus::kEnd;
+  if (next_ == directory_.entries.size()) {
+    return directory_.problem.empty() ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, directory_.problem);
+  }
   ++next_;
   *entry = ToEntry(Current(), options_.charset);
   if (entry->kind == EntryKind::kFile) content_status_ = ReadStatus::kOk;
@@ -133,10 +101,11 @@ bool ZipReader::OpenBatch(std::size_t first) {
   // The library passes over entries at equal positions.
   while (end < entries.size() && end - first < kBatch &&
          (end == first || entries[end].position > entries[end - 1].position)) {
-    AppendHeader(&ending.bytes, entries[end], ToEntry(entries[end], options_.charset));
+    const ZipHeaderForm form = FormOf(entries[end], ToEntry(entries[end], options_.charset));
+    AppendDirectoryHeader(entries[end], form, &ending.bytes);
     ++end;
   }
-  AppendEnd(&ending.bytes, ending.position, end - first);
+  AppendZipEnd(ending.position, end - first, 0, &ending.bytes);
   const auto describe = [this, first](std::size_t index, Entry* entry) {
     if (first + index >= library_end_) return false;
     Entry described = ToEntry(directory_.entries[first + index], options_.charset);
@@ -152,6 +121,7 @@ bool ZipReader::OpenBatch(std::size_t first) {
 
 // Passes over the entries on the way. A library that stumbles over one, or did before, begins anew behind it.
 ReadStatus ZipReader::GoToCurrent() {
+  if (const auto reason = WhyNotRead(Current())) return Fail(ReadStatus::kUnsupported, *reason);
   const std::size_t wanted = next_ - 1;
   if (wanted < library_next_ || wanted >= library_end_) library_.reset();
   for (;;) {
@@ -173,13 +143,9 @@ ReadStatus ZipReader::GoToCurrent() {
 
 // The library believes the checksum in the local header, if there is one, and not the directory's.
 ReadStatus ZipReader::CheckLocalCrc() {
-  std::string header(18, '\0');
-  std::size_t got = 0;
-  const platform::Result result = input_.ReadAt(Current().position, header.data(), header.size(), &got);
-  if (!result.ok()) return Fail(ReadStatus::kFailed, result.reason);
-  const std::uint64_t crc = LittleEndian(header, 14, 4);
-  if (crc == 0 || crc == Current().crc) return ReadStatus::kEnd;
-  return Fail(ReadStatus::kFailed, why::kChecksumsDiffer);
+  std::uint64_t content = 0;
+  const platform::Result result = CheckLocalHeader(input_, Current(), &content);
+  return result.ok() ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, result.reason);
 }
 
 }  // namespace
