@@ -73,8 +73,9 @@ struct Fixture {
 
   void Run() {
     Reason reason;
-    const auto archive = ListArchive(test::kScriptedFamily, ArchiveInput(test::Opened(folder / "a"), 0),
-                                     "", [] { return std::nullopt; }, &reason);
+    const auto archive = ListArchive(
+        test::kScriptedFamily, ArchiveInput(test::Opened(folder / "a"), 0), "", [] { return std::nullopt; },
+        &reason);
     ASSERT_TRUE(archive) << reason;
     const ArchiverSession abi = host.Session();
     Session session(&abi);
@@ -226,17 +227,30 @@ GTEST_TEST(Extraction, Passwords) {
               {{"x", "y", "z", "right"}, true, 4},
               {{"x", "y"}, false, 3},
               {{}, false, 1}};
+  const auto extract = [](Fixture* fixture, const test::ScriptedArchive& archive,
+                          const std::vector<std::string>& given) {
+    test::g_first_engine = archive;
+    test::g_second_engine = archive;
+    fixture->host.passwords = given;
+    fixture->Run();
+    return fixture->Out();
+  };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.given.size());
     Fixture fixture;
-    test::g_first_engine = {{{"a", "1"}, {"b", "2"}}, ReadStatus::kEnd, "right"};
-    test::g_second_engine = test::g_first_engine;
-    fixture.host.passwords = row.given;
-    fixture.Run();
-    EXPECT_EQ(fixture.Out(), row.fits ? "a=1 b=2" : "");
+    EXPECT_EQ(extract(&fixture, {{{"a", "1"}, {"b", "2"}}, ReadStatus::kEnd, "right"}, row.given),
+              row.fits ? "a=1 b=2" : "");
     EXPECT_EQ(fixture.calls[0].failed, !row.fits);
     EXPECT_EQ(fixture.host.asked_passwords, row.asked);
   }
+  // Entries may have passwords of their own, or none; damage to one that opened is not the password's fault.
+  ScriptedEntry own[] = {{"a", "1"}, {"b", "2"}, {"c", "3"}, {"d", "4", ReadStatus::kFailed}};
+  own[0].password = own[3].password = "x";
+  own[2].password = "y";
+  Fixture fixture;
+  EXPECT_EQ(extract(&fixture, {{std::begin(own), std::end(own)}}, {"x", "y", "z"}), "a=1 b=2 c=3");
+  EXPECT_EQ(fixture.host.asked_passwords, 2U);
+  EXPECT_TRUE(fixture.FailedOnlyWith("d: scripted"));
 }
 
 GTEST_TEST(Extraction, SuspiciousArchivesAreAskedAbout) {

@@ -1,6 +1,8 @@
 #include <ctime>
 
 #include "archive/modules/zip/zip_family.h"
+#include "archive/modules/zip/zip_reader.h"
+#include "archive/modules/zip/zip_sevenzip.h"
 #include "support/archives.h"
 
 namespace quendle::modules {
@@ -339,6 +341,50 @@ GTEST_TEST(ZipDamage, SaysThatTheDirectoryIsEncrypted) {
                         Number(end, 8) + Number(1, 4));
   Patch(&bytes, Header(bytes, 0), 0x12345678, 4);
   EXPECT_EQ(Text(bytes), "!the central directory is encrypted, which is not supported for ZIP");
+}
+
+std::string TextBy(const Engine& engine, const std::string& path, const std::string& password) {
+  Passwords passwords(
+      [asked = false, &password]() mutable {
+        return std::exchange(asked, true) ? std::nullopt : std::optional(password);
+      },
+      PasswordForm::kText);
+  return test::UnpackBy(engine, ArchiveInput(test::Opened(path), 0), "", &passwords).Text();
+}
+
+const Engine kLibarchive = {"libarchive", &OpenZip};
+const Engine kSevenZip = {"7-Zip", &OpenZipBySevenZip};
+
+// A text of 140 bytes as 7-Zip 26.02 packed it: by LZMA, encrypted by AES-256 with "right".
+GTEST_TEST(Zip, PasswordsOfMethodsThatLibarchiveDoesNotEncrypt) {
+  const std::string zip = test::FromHex(
+      "504b03043f00030063000000210000000000380000008c00000005000b00612e7478740199070002004145030e00e97e17a8"
+      "533f064f2fbab6292c9139c634efe0db072af787d91139db1bece7d960f02afa45048784513581379f305d837098ec842e81"
+      "ace0504b01023f033f00030063000000210000000000380000008c00000005000b000000000000002080a48100000000612e"
+      "7478740199070002004145030e00504b050600000000010001003e000000660000000000");
+  const test::TempFolder folder;
+  test::WriteFile(folder / "a", zip);
+  std::string text;
+  for (int i = 0; i < 20; ++i) text += "hello, ";
+  EXPECT_EQ(TextBy(kLibarchive, folder / "a", "right"), "a.txt!it is packed as lzma, which is not supported");
+  EXPECT_EQ(TextBy(kSevenZip, folder / "a", "right"), "a.txt=" + text);
+  EXPECT_EQ(TextBy(kSevenZip, folder / "a", "wrong"), "a.txt!no password given opens it");
+}
+
+// A password's bytes are those of the packer's encoding, whichever that was.
+GTEST_TEST(Zip, PasswordsThatAreNotAscii) {
+  const test::TempFolder folder;
+  const std::string whole = "a=" + std::string(50, 'a');
+  for (const char* method : {"encryption=zipcrypt", "encryption=aes256"}) {
+    for (const char* bytes : {"表", "\x95\x5C"}) {
+      const std::string zip = Pack("zip", method, {{"a", std::string(50, 'a')}}, bytes);
+      EXPECT_EQ(test::UnpackBytes(kZipFamily, zip, {"x", "表"}).Text(), whole) << method;
+      // 7-Zip's library takes the bytes of one encoding: UTF-8, or on Windows those of the code page.
+      if ((bytes[0] == '\xE8') != (test::kSeparator == '/')) continue;
+      test::WriteFile(folder / "a", zip);
+      EXPECT_EQ(TextBy(kSevenZip, folder / "a", bytes), whole) << method;
+    }
+  }
 }
 
 }  // namespace

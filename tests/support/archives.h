@@ -28,6 +28,15 @@ inline std::string Number(std::uint64_t value, int width) {
   return bytes;
 }
 
+// "0aFF" => "\x0A\xFF"
+inline std::string FromHex(std::string_view digits) {
+  std::string bytes;
+  for (std::size_t at = 0; at + 1 < digits.size(); at += 2) {
+    bytes.push_back(static_cast<char>(std::stoi(std::string(digits.substr(at, 2)), nullptr, 16)));
+  }
+  return bytes;
+}
+
 inline void Patch(std::string* bytes, std::size_t position, std::uint64_t value, int width) {
   bytes->replace(position, static_cast<std::size_t>(width), Number(value, width));
 }
@@ -177,6 +186,22 @@ inline std::unique_ptr<platform::InputFile> Opened(const std::string& path) {
   return file;
 }
 
+// Reads the archive by that engine, with each of the passwords until all of it is open.
+inline UnpackedArchive UnpackBy(const modules::Engine& engine, const modules::ArchiveInput& input,
+                                const std::string& charset, modules::Passwords* passwords) {
+  for (;;) {
+    UnpackedArchive unpacked;
+    const auto reader =
+        engine.open(input, {charset, [passwords] { return passwords->Current(); }}, &unpacked.problem);
+    if (!reader) return unpacked;
+    Collector collector(&unpacked);
+    const modules::ReadStatus status = reader->Unpack(&collector);
+    if (status != modules::ReadStatus::kEnd) unpacked.problem = reader->Problem();
+    const bool is_locked = collector.IsLocked() || status == modules::ReadStatus::kPassword;
+    if (!is_locked || !passwords->Advance()) return unpacked;
+  }
+}
+
 // Reads the archive at `path`: all entries with all content. `passwords` are tried in turn.
 inline UnpackedArchive Unpack(const modules::Family& family, const std::string& path,
                               const std::vector<std::string>& passwords = {},
@@ -194,17 +219,7 @@ inline UnpackedArchive Unpack(const modules::Family& family, const std::string& 
         return next < passwords.size() ? std::optional(passwords[next++]) : std::nullopt;
       },
       family.passwords);
-  for (;;) {
-    unpacked = {};
-    const auto reader = family.engines(*input).front().open(
-        *input, {charset, [&tried] { return tried.Current(); }}, &unpacked.problem);
-    if (!reader) return unpacked;
-    Collector collector(&unpacked);
-    const modules::ReadStatus status = reader->Unpack(&collector);
-    if (status != modules::ReadStatus::kEnd) unpacked.problem = reader->Problem();
-    const bool is_locked = collector.IsLocked() || status == modules::ReadStatus::kPassword;
-    if (!is_locked || !tried.Advance()) return unpacked;
-  }
+  return UnpackBy(family.engines(*input).front(), *input, charset, &tried);
 }
 
 inline UnpackedArchive UnpackBytes(const modules::Family& family, const std::string& bytes,

@@ -18,6 +18,7 @@ struct ScriptedEntry {
   std::string link_target{};
   std::int64_t write_time = 1'000'000'000;
   std::optional<std::uint64_t> declared_size{};  // none: that of the content
+  std::string password{};                        // of its content; empty: that of the archive
 };
 
 struct ScriptedArchive {
@@ -51,8 +52,8 @@ class ScriptedReader : public modules::EntryReader {
 
   modules::ReadStatus ReadContent(std::string_view* piece) override {
     const ScriptedEntry& entry = archive_.entries[next_ - 1];
-    if (!archive_.password.empty() && options_.password() != archive_.password)
-      return modules::ReadStatus::kPassword;
+    const std::string& password = entry.password.empty() ? archive_.password : entry.password;
+    if (!password.empty() && options_.password() != password) return modules::ReadStatus::kPassword;
     if (given_ || entry.content.empty()) return entry.ends;
     given_ = true;
     *piece = entry.content;

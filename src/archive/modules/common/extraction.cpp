@@ -21,6 +21,7 @@ struct Wanted {
   Reason reason;                // why the engines so far could not read it
   bool is_unsupported = false;  // ... which is that none knows how it is packed
   bool lacks_password = false;  // the password at hand does not open it
+  bool is_due = true;           // in this reading
 };
 
 using PathIndex = std::unordered_map<std::string, std::vector<std::size_t>>;
@@ -142,7 +143,7 @@ bool Extraction::MayBegin() {
 std::unique_ptr<EntryReader> Extraction::OpenReader(const Engine& engine, Reason* reason) {
   // The other thread goes by what is wanted now.
   std::vector<bool> wanted;
-  for (const Wanted& entry : wanted_) wanted.push_back(entry.call != nullptr);
+  for (const Wanted& entry : wanted_) wanted.push_back(entry.call != nullptr && entry.is_due);
   ReadAhead::Hooks hooks;
   hooks.is_wanted = [wanted = std::move(wanted),
                      matcher = EntryMatcher(by_path_)](const Entry& entry) mutable {
@@ -159,12 +160,14 @@ std::unique_ptr<EntryReader> Extraction::OpenReader(const Engine& engine, Reason
 void Extraction::UseEngine(const Engine& engine) {
   const auto is_locked = [](const Wanted& wanted) { return wanted.lacks_password; };
   passwords_.Restart();
-  do {
-    for (Wanted& wanted : wanted_) wanted.lacks_password = false;
+  for (Wanted& wanted : wanted_) wanted.is_due = true;
+  for (;;) {
     ReadWith(engine);
-  } while (stopped_.empty() && std::any_of(wanted_.begin(), wanted_.end(), is_locked) &&
-           passwords_.Advance());
-  if (stopped_.empty()) SettleLocked();
+    const bool any_locked = std::any_of(wanted_.begin(), wanted_.end(), is_locked);
+    if (!stopped_.empty() || !any_locked) return;
+    if (!passwords_.Advance()) return SettleLocked();
+    for (Wanted& wanted : wanted_) wanted.is_due = std::exchange(wanted.lacks_password, false);
+  }
 }
 
 // No engine opens without the password.
@@ -187,12 +190,14 @@ void Extraction::ReadWith(const Engine& engine) {
     status = reader->NextEntry(&entry);
     if (status != ReadStatus::kOk) break;
     const auto index = matcher.Find(entry);
-    if (index && wanted_[*index].call != nullptr) ExtractEntry(*index, entry, reader.get());
+    const Wanted* const wanted = index ? &wanted_[*index] : nullptr;
+    if (wanted != nullptr && wanted->call != nullptr && wanted->is_due)
+      ExtractEntry(*index, entry, reader.get());
   }
   if (reader && (status == ReadStatus::kOk || status == ReadStatus::kEnd)) return;
   if (reader) reason = reader->Problem();
   for (Wanted& wanted : wanted_) {
-    if (wanted.call == nullptr) continue;
+    if (wanted.call == nullptr || !wanted.is_due) continue;
     wanted.lacks_password = wanted.lacks_password || status == ReadStatus::kPassword;
     // That an engine is not there tells more than that the others do not know how it is packed.
     if (wanted.reason.empty() || (!reader && wanted.is_unsupported)) wanted.reason = reason;

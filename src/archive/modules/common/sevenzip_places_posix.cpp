@@ -1,8 +1,5 @@
 #include "archive/modules/common/sevenzip_places.h"
 
-#include "platform/text/code_page.h"
-#include "platform/text/unicode.h"
-
 namespace quendle::modules {
 
 // Of the packages 7zip and p7zip-full of Debian and Ubuntu, 7zip of Fedora, and 7zip of Arch.
@@ -11,15 +8,9 @@ std::vector<std::string> SevenZipPlaces() {
           "/usr/libexec/p7zip/7z.so"};
 }
 
-// It takes UTF-8, and a byte outside of that for the same private-use character as TextFromAnsi does.
+// It takes UTF-8 only: bytes of another encoding never fit.
 std::string SevenZipPassword(std::string_view bytes) {
-  std::string text;
-  for (char32_t character; !bytes.empty();) {
-    const bool is_character = platform::TakeCodePoint(&bytes, &character);
-    platform::AppendCodePoint(is_character ? character : platform::kFirstUndecodableByte + (character - 0x80),
-                              &text);
-  }
-  return text;
+  return std::string(bytes);
 }
 
 void FindTextFunctions(const platform::Library& library, sevenzip::Char* (**allocate)(const sevenzip::Char*),
