@@ -91,6 +91,29 @@ GTEST_TEST(EntryPath, NamesBecomePathsBelowTheFolder) {
   }
 }
 
+GTEST_TEST(EntryPath, RootsAreLeftOut) {
+  for (const auto& [name, expected] : {std::array{"/a/b", "a/b"},
+                                       {"////x", "x"},
+                                       {"//server/share/x", "server/share/x"},
+                                       {"C:\\x\\y", "x\\y"},
+                                       {"z:x", "x"},
+                                       {"\\\\?\\C:\\x", "x"},
+                                       {"///?/\\\\.\\c:/x", "x"},
+                                       {"/C:/x", "x"},
+                                       {"C:D:/E:x", "x"},
+                                       {"./C:/x", "x"},
+                                       {"/.", ""},
+                                       {"C:", ""},
+                                       {"//?/", ""},
+                                       {"/../x", "../x"},
+                                       {"C:/../D:/x", "../D:/x"},
+                                       {"/?/x", "?/x"},
+                                       {"1:x/C:/y", "1:x/C:/y"}}) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(WithoutRoot(name), expected);
+  }
+}
+
 GTEST_TEST(EntryPath, RestOfAName) {
   for (const auto& [rest, posix, windows] :
        {std::array{"C:x/a", "C:x/a", "C_x/a"}, {"", "", ""}, {"a//", "a", "a"}}) {
