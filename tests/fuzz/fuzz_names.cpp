@@ -16,9 +16,13 @@ void Check(bool holds) {
   if (!holds) std::abort();
 }
 
-void CheckSafe(const std::string& name, platform::NameRules rules) {
+void CheckSafe(const std::string& whole, platform::NameRules rules) {
   std::string path;
-  if (!platform::SafeEntryPath(name, rules, &path).ok()) return;
+  const std::string name(platform::WithoutRoot(whole));
+  Check(whole.ends_with(name) && platform::WithoutRoot(name) == name);
+  const Reason refused = platform::SafeEntryPath(name, rules, &path).reason;
+  Check(refused != Reason(why::kNameAbsolute) && refused != Reason(why::kNameHasDrive));
+  if (!refused.empty()) return;
   Check(!path.empty() && path.front() != '/' && path.back() != '/' && path.find('\0') == std::string::npos);
   Check(("/" + path + "/").find("/../") == std::string::npos && path.find("//") == std::string::npos);
   std::string again;  // what is safe stays as it is

@@ -217,6 +217,33 @@ GTEST_TEST(Extraction, CallsWithoutPaths) {
   EXPECT_EQ(fixture.host.problems, std::vector<std::string>{"T/GONE: there is no such entry"});
 }
 
+// They are asked for as they are listed; two that become one are both kept.
+GTEST_TEST(Extraction, NamesWithRoots) {
+  Fixture fixture;
+  test::g_first_engine.entries = {{"/", "", ReadStatus::kEnd, EntryKind::kFolder},
+                                  {"/T/a", "1"},
+                                  {"C:/T/a", "2"},
+                                  {".//T/a", "3"},
+                                  {"/T/l", "", ReadStatus::kEnd, EntryKind::kLink, "/T/a"},
+                                  {"C:/../x", "4"},
+                                  {"/t/A", "5"}};
+  fixture.calls[0].request.response_file = "r";
+  fixture.calls[0].names = {"T/A", "T/L", "../X"};
+  fixture.Run();
+  const bool ignores_case = test::kSeparator != '/';
+  EXPECT_EQ(fixture.Out(), ignores_case ? "T/ T/A (4)=5 T/a=1 T/a (2)=2 T/a (3)=3"
+                                        : "T/ T/a=1 T/a (2)=2 T/a (3)=3 t/ t/A=5");
+  const std::vector<std::string> log = {
+      "extracted  T/a (in the archive /T/a)",
+      "extracted  T/a (in the archive C:/T/a) as a (2), since another entry has that name",
+      "extracted  T/a as a (3), since another entry has that name",
+      "failed     T/l: the link may lead out of the folder",
+      "failed     ../x: the name leads out of the folder: there is a \"..\" in it",
+      std::string("extracted  t/A (in the archive /t/A)")
+          .append(ignores_case ? " as A (4), since another entry has that name" : "")};
+  EXPECT_EQ(fixture.calls[0].log, log);
+}
+
 GTEST_TEST(Extraction, Passwords) {
   const struct {
     std::vector<std::string> given;

@@ -75,12 +75,15 @@ GTEST_TEST(Module, AcceptsItsArchivesAlsoIncompleteOnes) {
 GTEST_TEST(Module, ListsNamesOfAnyLength) {
   std::string long_name = "x";  // the record's 512 bytes end in the middle of a character
   for (int i = 0; i < 300; ++i) long_name += "表";
-  const std::vector<std::string> names = {"a.txt", "d/", long_name, "b_c"};
+  const std::vector<std::string> names = {"a.txt", "d/", long_name, "b_c", "T/x"};
   for (const bool utf8 : {true, false}) {
     SCOPED_TRACE(utf8);
     Fixture fixture(utf8);
-    test::g_first_engine.entries = {
-        {"a.txt", "1"}, {"d/", "", ReadStatus::kEnd, EntryKind::kFolder}, {long_name, ""}, {"b\nc", ""}};
+    const auto folder = [](const char* name) {
+      return test::ScriptedEntry{name, "", ReadStatus::kEnd, EntryKind::kFolder};
+    };
+    test::g_first_engine.entries = {{"a.txt", "1"}, folder("d/"),    folder("./"), {long_name, ""},
+                                    {"b\nc", ""},   {"/C:/T/x", ""}, folder("/")};
     std::vector<std::string> expected = names;
     if (!utf8) {
       expected[2] = "x";

@@ -104,7 +104,31 @@ bool StaysInside(std::string_view target, std::size_t depth, std::string_view se
   return true;
 }
 
+// Is it a path that Windows takes as it stands, such as "\\?\C:\x"?
+bool IsVerbatim(std::string_view path) {
+  return path.size() >= 4 && IsAbsolute(path) && IsAbsolute(path.substr(1)) && path[2] == '?' &&
+         IsAbsolute(path.substr(3));
+}
+
 }  // namespace
+
+std::string_view WithoutRoot(std::string_view name) {
+  // What one system takes for a name may leave a root of the other's behind: "/C:/x", "C:C:x".
+  while (!name.empty()) {
+    std::string_view rest = name;
+    const std::string_view part = TakePart(&rest, kAnySeparator);
+    if (IsVerbatim(name)) {
+      name.remove_prefix(4);
+    } else if (part.empty() || part == ".") {
+      name = rest;
+    } else if (HasDrive(part)) {
+      name.remove_prefix(2);
+    } else {
+      break;
+    }
+  }
+  return name;
+}
 
 Result SafeEntryPath(std::string_view name, NameRules rules, std::string* path) {
   if (name.find('\0') != std::string_view::npos) return Refused(name, why::kNameHasNul);

@@ -10,6 +10,12 @@
 
 namespace quendle::platform {
 
+// The end of the name of an entry at which it becomes relative by the rules of every system: without separators, "."
+// parts and drives at its beginning. What ".." does there is left to SafeEntryPath.
+//   "/a/b" => "a/b"    "//server/x" => "server/x"    "C:\x" => "x"    "C:x" => "x"    "\\?\C:\x" => "x"
+//   "/C:/x" => "x"     "C:C:x" => "x"                "/../x" => "../x"    "/" => ""
+std::string_view WithoutRoot(std::string_view name);
+
 // Turns the name of an entry, in UTF-8 with "/" or "\" between its parts and, for a folder, at its end, into a
 // path relative to the destination, with "/" between the parts and none at the end. Empty parts and "." are
 // left out. kRefused, with the reason, for names that lead elsewhere or nowhere: with "..", absolute, with a

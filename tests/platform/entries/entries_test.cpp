@@ -91,6 +91,26 @@ GTEST_TEST(EntryPath, NamesBecomePathsBelowTheFolder) {
   }
 }
 
+GTEST_TEST(EntryPath, RootsAreLeftOut) {
+  const std::pair<const char*, const char*> rows[] = {
+
+      {"//server/share/x", "server/share/x"},
+      {"C:\\x\\y", "x\\y"},
+
+      {"///?/\\\\.\\c:/x", "x"},
+
+      {"/C:D:/E:x", "x"},
+      {"./C:/x", "x"},
+      {"/.", ""},
+
+      {"/../x", "../x"},
+      {"C:/../D:/x", "../D:/x"},
+      {"/a?/x", "a?/x"},
+      {"//?b/x", "?b/x"},
+      {"1:x/C:/y", "1:x/C:/y"}};
+  for (const auto& [name, expected] : rows) EXPECT_EQ(WithoutRoot(name), expected) << name;
+}
+
 GTEST_TEST(EntryPath, RestOfAName) {
   for (const auto& [rest, posix, windows] :
        {std::array{"C:x/a", "C:x/a", "C_x/a"}, {"", "", ""}, {"a//", "a", "a"}}) {

@@ -41,7 +41,7 @@ std::string DecodeName(std::string_view bytes, bool says_utf8, const std::string
 }
 
 std::string WithoutCurrentFolder(std::string path) {
-  while (path.starts_with("./")) path.erase(0, 2);
+  while (path.starts_with("./")) path.erase(0, std::min(path.find_first_not_of('/', 1), path.size()));
   return path;
 }
 

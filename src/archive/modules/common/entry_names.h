@@ -15,7 +15,7 @@ namespace quendle::modules {
 std::string DecodeName(std::string_view bytes, bool says_utf8, const std::string& charset);
 
 // The path without "./" in front, by which some packers say that it is below the folder that they packed.
-//   "./a/b" => "a/b"    "./" => ""    "../a" => "../a"
+//   "./a/b" => "a/b"    ".//a" => "a"    "./" => ""    "../a" => "../a"    "/a" => "/a"
 std::string WithoutCurrentFolder(std::string path);
 
 // Is there an encoding of that name?

@@ -11,6 +11,7 @@ namespace {
 
 using Owner = platform::ProtectedEntries::Owner;
 using Taken = platform::ExtractionFolder::Taken;
+using platform::WithoutRoot;
 
 std::string WithSeparator(std::string folder) {
   const bool windows = platform::kHostNames == platform::NameRules::kWindows;
@@ -29,6 +30,11 @@ std::string CommonFolder(const std::vector<Call>& calls) {
     common.erase(common.rfind('/') + 1);
   }
   return common;
+}
+
+// What WithoutRoot takes off.
+std::string RootOf(const std::string& path) {
+  return path.substr(0, path.size() - WithoutRoot(path).size());
 }
 
 // The last part of a path, with the "/" at its end if it has one.
@@ -82,7 +88,7 @@ EntryWriter::Decision EntryWriter::Prepare(Call* call, const Entry& entry, const
 // too long.
 platform::Result EntryWriter::FindPath(const Call& call, const Entry& entry) {
   std::string own;
-  platform::Result result = platform::SafeEntryPath(entry.path, platform::kHostNames, &own);
+  platform::Result result = platform::SafeEntryPath(WithoutRoot(entry.path), platform::kHostNames, &own);
   if (!result.ok()) return result;
   if (!call.request.with_paths) own = LastPart(own);
   const std::string below = WithSeparator(call.request.folder).substr(base_.size()) + own;
@@ -141,7 +147,7 @@ EntryWriter::Decision EntryWriter::Decide(const platform::Result& result, Call* 
     Log(call, "extracted  ", entry);
     return Decision::kDone;
   }
-  const bool is_named = result.path.empty() || result.path == entry.path;
+  const bool is_named = result.path.empty() || result.path == WithoutRoot(entry.path);
   *why = is_named ? result.reason : why::kAbout(result.reason, result.path);
   return Decision::kRefused;
 }
@@ -160,7 +166,12 @@ void EntryWriter::Finish(const std::function<void(Call*, const std::string&, con
 }
 
 void EntryWriter::Log(Call* call, const char* what, const Entry& entry) const {
-  call->log.push_back(std::string(what).append(ListedName(entry.path)).append(note_));
+  const std::string listed = ListedName(entry.path);
+  std::string line = std::string(what).append(listed);
+  if (const std::string root = RootOf(entry.path); !root.empty()) {
+    line.append(" (in the archive ").append(root).append(listed).append(")");
+  }
+  call->log.push_back(line.append(note_));
 }
 
 }  // namespace quendle::modules

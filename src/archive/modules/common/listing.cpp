@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "archive/modules/common/entry_names.h"
+#include "platform/entries/entry_path.h"
 
 namespace quendle::modules {
 namespace {
@@ -34,7 +35,8 @@ Attempt ListWith(const Engine& engine, const ArchiveInput& input, const ReaderOp
     }
     if (!attempt.problem.empty()) return attempt;
     entry.path = WithoutCurrentFolder(std::move(entry.path));
-    if (entry.path.empty() && entry.kind == EntryKind::kFolder) continue;  // the folder that was packed
+    // The folder that was packed, or the root: there is nothing to make.
+    if (entry.kind == EntryKind::kFolder && platform::WithoutRoot(entry.path).empty()) continue;
     attempt.entries.push_back(std::move(entry));
   }
 }

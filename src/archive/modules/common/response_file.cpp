@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/entries/entry_path.h"
 #include "platform/text/unicode.h"
 
 namespace quendle::modules {
@@ -13,7 +14,7 @@ std::string ComparableName(std::string_view name) {
 }
 
 std::string ListedName(std::string_view path) {
-  std::string listed(path);
+  std::string listed(platform::WithoutRoot(path));
   for (char& c : listed) {
     if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '_';
   }

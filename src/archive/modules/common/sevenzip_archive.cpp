@@ -5,6 +5,7 @@
 
 #include "archive/modules/common/sevenzip_codecs.h"
 #include "archive/modules/common/sevenzip_object.h"
+#include "platform/text/utf8_locale.h"
 
 namespace quendle::modules {
 using namespace sevenzip;
@@ -191,6 +192,7 @@ std::optional<std::uint64_t> SevenZipArchive::Number(std::uint32_t index, Proper
 
 std::optional<Reason> SevenZipArchive::Extract(const std::vector<std::uint32_t>& indices,
                                                SevenZipReceiver* receiver) {
+  const platform::Utf8Locale utf8;  // by which it makes bytes of passwords
   Extracting callback(this, receiver);
   const HResult result =
       archive_->Extract(indices.data(), static_cast<std::uint32_t>(indices.size()), 0, &callback);
