@@ -33,6 +33,25 @@ for package in "${linked[@]}"; do
   fi
 done
 
+# 7-Zip's library is not linked in. Its licence wants its text and an offer of the source to go with it.
+sevenzip_version=$(sed -n '1s/^7zip //p' "$QUENDLE_WINDOWS_DEPS/built/7zip")
+cp "$QUENDLE_WINDOWS_DEPS/share/7zip-copyright.txt" "$staging/$name/licences/7zip.txt"
+cp /usr/share/common-licenses/LGPL-2.1 "$staging/$name/licences/LGPL-2.1.txt"
+cat >"$staging/$name/licences/7zip-source.txt" <<END
+modules/7z.dll is the library of 7-Zip. It is free software under the GNU Lesser General Public License, version 2.1 or
+(at your option) any later version, with parts under other licences: see LGPL-2.1.txt and 7zip.txt. You may change it, and
+put a changed one in its place.
+
+It was built, as build_7zip in packaging/windows/recipes.sh of Quendle's source says, from Debian's source package 7zip,
+version $sevenzip_version, which you find at
+
+  https://deb.debian.org/debian/pool/main/7/7zip/
+  https://snapshot.debian.org/package/7zip/
+
+For three years from the day you were given this program, who gave it to you also gives you that source on request, for
+no more than what the copying costs.
+END
+
 archive=$root/build/$name.zip
 rm -f "$archive"
 (cd "$staging" && find "$name" -type f | sort | zip -q -9 -X "$archive" -@)

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Builds the libraries that Quendle for Windows is linked with from Debian's source packages (with Debian's patches), static and
-# for x86_64-w64-mingw32, into the folder QUENDLE_WINDOWS_DEPS (default: ~/.cache/quendle/windows):
+# Builds the libraries that Quendle for Windows needs from Debian's source packages (with Debian's patches), static (but 7-Zip's)
+# and for x86_64-w64-mingw32, into the folder QUENDLE_WINDOWS_DEPS (default: ~/.cache/quendle/windows):
 #   dependencies.sh             all but Qt, some minutes
 #   dependencies.sh --windows   Qt as well, about half an hour on two cores
 # Each is built once and again only when its lines here change; a run with nothing to do needs no network.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 . "$windows/recipes.sh"
 
-libraries=(zlib bzip2 xz-utils libzstd libarchive unarr lhasa libmspack pcre2 utf8proc googletest nlohmann-json3)
+libraries=(zlib bzip2 xz-utils libzstd libarchive unarr lhasa libmspack 7zip pcre2 utf8proc googletest nlohmann-json3)
 # Only the second choice behind another library; not every mirror of Debian's has its source.
 optional=(unarr)
 case ${1:-} in
@@ -17,17 +17,13 @@ case ${1:-} in
 esac
 
 stamps=$QUENDLE_WINDOWS_DEPS/built
-mkdir -p "$stamps" "$QUENDLE_WINDOWS_DEPS"/{include,lib/pkgconfig,build,log}
+mkdir -p "$stamps" "$QUENDLE_WINDOWS_DEPS"/{include,lib/pkgconfig,share,build,log}
 exec 9>"$QUENDLE_WINDOWS_DEPS/lock"
 flock 9
 
 # The stamp of a library names the version that was built on its first line, and the lines it was built by on the second.
 recipe_of() { { declare -f "build_$1" use_autotools use_cmake; } | sha256sum; }
 is_built() { [ -f "$stamps/$1" ] && [ "$(sed -n 2p "$stamps/$1")" = "$(recipe_of "$1")" ]; }
-
-as_root() {
-  if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo -n "$@"; fi
-}
 
 # Debian's binary packages are listed on every system, its source packages seldom.
 enable_sources() {

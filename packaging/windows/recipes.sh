@@ -86,6 +86,15 @@ build_libmspack() {
   sed -i 's/^Cflags:.*/& -D_FILE_OFFSET_BITS=64/' "$deps/lib/pkgconfig/libmspack.pc"
 }
 
+# A DLL of its own, as the licence wants: whoever likes can put another one in its place. Its codecs for RAR are not free and
+# not in Debian's source.
+build_7zip() {
+  make -C CPP/7zip/Bundles/Format7zF -f ../../cmpl_gcc.mak -j"$jobs" IS_MINGW=1 MSYSTEM=1 DISABLE_RAR=1 \
+    CC=$target-gcc-posix CXX=$target-g++-posix RC=$target-windres
+  $target-strip -o "$deps/lib/7z.dll" CPP/7zip/Bundles/Format7zF/b/g/7z.dll
+  cp debian/copyright "$deps/share/7zip-copyright.txt"
+}
+
 build_pcre2() {
   use_cmake -DPCRE2_SUPPORT_JIT=ON -DPCRE2_SUPPORT_UNICODE=ON -DPCRE2_BUILD_PCRE2GREP=OFF -DPCRE2_BUILD_TESTS=OFF
   cmake --build build-windows --target install

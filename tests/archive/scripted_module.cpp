@@ -20,6 +20,7 @@
 // SCRIPTED_FULL adds the optional exports to the six functions, SCRIPTED_BROKEN leaves out one that is
 // required.
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <fstream>
 #include <iterator>

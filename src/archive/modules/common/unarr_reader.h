@@ -5,7 +5,7 @@
 
 namespace quendle::modules {
 
-// Not every build for Windows has it.
+// Not every build has it.
 bool HasUnarr();
 
 // ", libunarr 1.0.1", to be put behind the versions of others; empty in a build without it.
