@@ -68,8 +68,9 @@ void ForgetErrors() {
   errno = 0;
 }
 
-bool Contains(const std::string& text, const char* part) {
-  return text.find(part) != std::string::npos;
+bool ContainsAny(const std::string& text, std::initializer_list<const char*> parts) {
+  return std::any_of(parts.begin(), parts.end(),
+                     [&text](const char* part) { return text.find(part) != std::string::npos; });
 }
 
 class LibarchiveReader final : public EntryReader {
@@ -252,20 +253,25 @@ ReadStatus LibarchiveReader::Fail(ReadStatus status, Reason reason) {
 // that another library knows better.
 ReadStatus LibarchiveReader::FailByLibrary(bool nothing_given) {
   const char* words = library_ == nullptr ? nullptr : archive_error_string(library_);
-  std::string text = words == nullptr || *words == '\0' ? "damaged" : words;
+  std::string text = words == nullptr ? "" : words;
   std::replace_if(
       text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
   while (text.ends_with('.') || text.ends_with(' ')) text.pop_back();
-  if (Contains(text, "assphrase")) {
-    return Fail(ReadStatus::kPassword, Contains(text, "ncorrect") ? why::kWrongPassword : why::kNoPassword);
+  if (ContainsAny(text, {"assphrase"})) {
+    const bool was_wrong = ContainsAny(text, {"ncorrect"});
+    return Fail(ReadStatus::kPassword, was_wrong ? why::kWrongPassword : why::kNoPassword);
   }
-  if (Contains(text, "crypt") || Contains(text, "Crypto")) {
+  if (ContainsAny(text, {"runcated"})) return Fail(ReadStatus::kFailed, why::kCutOff);
+  if (ContainsAny(text, {"memory", "allocate"})) return Fail(ReadStatus::kFailed, why::kNotEnoughMemory);
+  if (ContainsAny(text, {"crypt", "Crypto"}))
     return Fail(ReadStatus::kUnsupported, why::kUnknownEncryption(text));
-  }
-  if (encrypted_ && content_status_ == ReadStatus::kOk) {
-    return Fail(ReadStatus::kPassword, why::kWrongPasswordOrDamaged(text));
-  }
-  return Fail(nothing_given ? ReadStatus::kUnsupported : ReadStatus::kFailed, Reason(std::move(text)));
+  if (ContainsAny(text, {"nsupported", "not supported", "No support", "unavailable", "Unknown codec",
+                         "Unexpected codec", "unknown unpacked size", "Invalid options"}))
+    return Fail(ReadStatus::kUnsupported, why::kUnsupportedInWords(text));
+  const Reason damage = text.empty() ? Reason(why::kUnreadable) : why::kDamagedInWords(text);
+  if (encrypted_ && content_status_ == ReadStatus::kOk)
+    return Fail(ReadStatus::kPassword, why::kWrongPasswordOrDamaged(damage));
+  return Fail(nothing_given ? ReadStatus::kUnsupported : ReadStatus::kFailed, damage);
 }
 
 }  // namespace
