@@ -5,8 +5,8 @@
 
 #include "archive/modules/common/library_versions.h"
 #include "archive/modules/common/signature_scan.h"
-#include "archive/modules/lzh/lhasa_reader.h"
 #include "archive/modules/lzh/lzh_headers.h"
+#include "archive/modules/lzh/lzh_reader.h"
 
 namespace quendle::modules {
 namespace {
@@ -15,14 +15,15 @@ std::optional<ArchiveInput> FindLzh(std::shared_ptr<const platform::InputFile> f
   const ArchiveInput whole(std::move(file), 0);
   // The method stands behind two bytes of the header. Programs have such words in them too, without a header.
   const auto position = FindSignature(whole, {{"-lh", "-lz", "-pm"}, 2}, [&whole](std::uint64_t candidate) {
-    return ReadLzhHeader(whole, candidate, candidate == 0).has_value();
+    const auto place = candidate == 0 ? HeaderPlace::kEntry : HeaderPlace::kInProgram;
+    return ReadLzhHeader(whole, candidate, place).has_value();
   });
   if (!position) return std::nullopt;
   return whole.From(*position);
 }
 
 std::vector<Engine> LzhEngines(const ArchiveInput&) {
-  return {{"lhasa", &OpenLhasa}};
+  return {{"lzh", &OpenLzh}};
 }
 
 std::string LzhLibraries() {

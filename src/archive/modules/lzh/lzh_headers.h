@@ -15,18 +15,23 @@ struct LzhHeader {
   std::uint64_t content_position = 0;
   std::uint64_t packed_size = 0;
   std::uint64_t size = 0;
-  std::uint16_t crc = 0;
+  std::optional<std::uint16_t> crc;  // of the content; the oldest packers gave none
+  char system = 0;  // that it was packed on, as a letter: 'U' Unix, 'm' classic Mac OS ...; 0: unknown
   // "/" where the header has byte FF, which is in no character; the folder in front of the name.
   std::string path;      // raw
   bool is_utf8 = false;  // the path
   std::string charset;   // of the path, if the header says it
   std::optional<platform::EntryTime> time;
-  std::optional<std::uint32_t> unix_mode;
+  std::optional<std::uint32_t> unix_mode;  // as Unix has it: OS-9 puts its own bits there
 };
 
-// The header at the position, with its checksums verified. Nothing when there is none, or it is damaged; also
-// when the content that it announces ends behind the input, unless `may_be_cut`.
-std::optional<LzhHeader> ReadLzhHeader(const ArchiveInput& input, std::uint64_t position, bool may_be_cut);
+// What is looked for: the header of an entry, which may be up to 1 MiB and announce content that the input lacks; or
+// a first one anywhere in a program. That has to announce content that is there, and no more than 4 KiB are read for
+// it: most places that look like one are none, and there may be hundreds of thousands of them.
+enum class HeaderPlace { kEntry, kInProgram };
+
+// The header at the position, with its checksums verified. Nothing when there is none, or it is damaged.
+std::optional<LzhHeader> ReadLzhHeader(const ArchiveInput& input, std::uint64_t position, HeaderPlace place);
 
 Entry ToEntry(const LzhHeader& header, const std::string& charset);
 
