@@ -14,16 +14,17 @@
 namespace quendle::modules {
 namespace {
 
-constexpr std::size_t kFirstRead = 1024;    // enough for most headers
-constexpr std::size_t kLargest = 1U << 20;  // of a header; more is none
-constexpr std::size_t kLargestInProgram = 4U << 10;
+constexpr std::size_t kFirstRead = 1024;      // enough for most headers
+constexpr std::size_t kLargest = 1U << 20;    // of a header; more is none
+constexpr std::size_t kMostExtensions = 256;  // of one header, for each type one
 constexpr std::size_t kLeast = 22;
 constexpr std::uint32_t kUtf8CodePage = 65001;
 
+// Such as "-lh5-". Which of them are known is not asked here: an entry by another one is to be told as such.
 bool IsMethod(std::string_view method) {
-  return method.size() == 5 &&
-         (method.starts_with("-lh") || method.starts_with("-lz") || method.starts_with("-pm")) &&
-         std::isalnum(static_cast<unsigned char>(method[3])) != 0 && method[4] == '-';
+  const auto is_word = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; };
+  return method.size() == 5 && method[0] == '-' && method[4] == '-' &&
+         std::all_of(method.begin() + 1, method.end() - 1, is_word);
 }
 
 // Reads one header from bytes that begin with it and may go on behind it.
@@ -114,7 +115,8 @@ class Parser {
 
   // Each extension ends with the size of the next one.
   bool ParseExtensions(std::uint64_t next, std::size_t width) {
-    while (next != 0) {
+    for (std::size_t count = 0; next != 0; ++count) {
+      if (count == kMostExtensions) return false;
       const auto size = static_cast<std::size_t>(next);
       if (size < width + 1 || size > kLargest || !Need(size_ + size)) return false;
       ParseExtension(static_cast<std::uint8_t>(bytes_[size_]), size_ + 1,
@@ -200,23 +202,26 @@ class Parser {
 
 }  // namespace
 
-std::optional<LzhHeader> ReadLzhHeader(const ArchiveInput& input, std::uint64_t position, HeaderPlace place) {
-  const std::size_t largest = place == HeaderPlace::kEntry ? kLargest : kLargestInProgram;
+std::optional<LzhHeader> ParseLzhHeader(std::string_view bytes, std::size_t* needed) {
+  Parser parser(bytes);
+  if (parser.Parse()) return parser.Take();
+  if (needed != nullptr) *needed = parser.Needed();
+  return std::nullopt;
+}
+
+std::optional<LzhHeader> ReadLzhHeader(const ArchiveInput& input, std::uint64_t position) {
   std::string bytes;
   for (std::size_t size = kFirstRead;;) {
     bytes.resize(size);
     std::size_t got = 0;
     if (!input.ReadAt(position, bytes.data(), size, &got).ok()) return std::nullopt;
-    Parser parser(std::string_view(bytes).substr(0, got));
-    if (parser.Parse()) {
-      LzhHeader header = parser.Take();
-      header.content_position += position;
-      const bool is_cut = header.packed_size > input.Size() - header.content_position;
-      if (is_cut && place != HeaderPlace::kEntry) return std::nullopt;
+    std::size_t needed = 0;
+    if (auto header = ParseLzhHeader(std::string_view(bytes).substr(0, got), &needed)) {
+      header->content_position += position;
       return header;
     }
-    if (got < size || parser.Needed() == 0 || parser.Needed() > largest) return std::nullopt;
-    size = std::min(largest, std::max(parser.Needed(), 2 * size));
+    if (got < size || needed == 0 || needed > kLargest) return std::nullopt;
+    size = std::min(kLargest, std::max(needed, 4 * size));
   }
 }
 

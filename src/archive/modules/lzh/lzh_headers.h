@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "archive/modules/common/archive_input.h"
 #include "archive/modules/common/entry_reader.h"
@@ -25,13 +26,12 @@ struct LzhHeader {
   std::optional<std::uint32_t> unix_mode;  // as Unix has it: OS-9 puts its own bits there
 };
 
-// What is looked for: the header of an entry, which may be up to 1 MiB and announce content that the input lacks; or
-// a first one anywhere in a program. That has to announce content that is there, and no more than 4 KiB are read for
-// it: most places that look like one are none, and there may be hundreds of thousands of them.
-enum class HeaderPlace { kEntry, kInProgram };
+// The header with which the bytes begin, its content's position counted from there. Nothing when there is none, or its
+// checksums do not hold; `*needed`, unless null, is then how many bytes it takes at least to know more, or 0.
+std::optional<LzhHeader> ParseLzhHeader(std::string_view bytes, std::size_t* needed = nullptr);
 
-// The header at the position, with its checksums verified. Nothing when there is none, or it is damaged.
-std::optional<LzhHeader> ReadLzhHeader(const ArchiveInput& input, std::uint64_t position, HeaderPlace place);
+// The header at the position, of up to 1 MiB. What it announces may end behind the input.
+std::optional<LzhHeader> ReadLzhHeader(const ArchiveInput& input, std::uint64_t position);
 
 Entry ToEntry(const LzhHeader& header, const std::string& charset);
 

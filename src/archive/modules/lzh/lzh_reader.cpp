@@ -56,7 +56,7 @@ ReadStatus LzhReader::NextEntry(Entry* entry) {
   unpacker_.reset();
   content_status_ = ReadStatus::kEnd;
   if (archive_status_ != ReadStatus::kOk) return archive_status_;
-  auto header = ReadLzhHeader(input_, position_, HeaderPlace::kEntry);
+  auto header = ReadLzhHeader(input_, position_);
   if (!header) return archive_status_ = AtEnd();
   header_ = std::move(*header);
   const std::uint64_t rest = input_.Size() - header_.content_position;
