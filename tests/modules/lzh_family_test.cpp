@@ -1,6 +1,6 @@
 #include "archive/modules/lzh/lzh_family.h"
 
-#include <chrono>
+#include <ctime>
 
 #include "support/lzh_cab_rar.h"
 #include "support/scoped_variable.h"
@@ -114,8 +114,13 @@ const std::string kFox = "The quick brown fox jumps over the lazy dog. ";
 // 33,000 equal repetitions, so that both codes are halved once.
 GTEST_TEST(Lzh, UnpacksAdaptiveCodes) {
   Content content;
+  content.Add("abc");
+  content.Repeat(3, 9);
   content.Add(kFox);
-  for (const auto& [back, count] : {std::pair{45, 200}, {1, 32}, {7, 31}}) content.Repeat(back, count);
+  for (const auto& [back, count] :
+       {std::pair{45, 200}, {100, 4}, {100, 4}, {2, 3}, {100, 4}, {2, 3}, {1, 32}, {7, 31}}) {
+    content.Repeat(back, count);
+  }
   content.Add("Pack my box");
   content.Repeat(70, 9);
   content.Repeat(200, 12);
@@ -127,15 +132,16 @@ GTEST_TEST(Lzh, UnpacksAdaptiveCodes) {
   for (const auto& [back, count] : {std::pair{20, 20}, {4100, 5}, {2, 256}}) content.Repeat(back, count);
   const std::string packed =
       FromHex(
-          "182c29f21a9c969397ef131b199d99692ad63cd25db862686f8e43adfd7c4e383062604a7c7b894652bf95462a2cba00"
-          "802cc614c0dad9a675f53626d025c29d51e5cfbf18c291c28e0ac02881470ab855c28428428428c2a42a42ac2ac2784f"
-          "09e13c2784f09e144298530a614c298530aa1542509425094250942509c2709c2709c2709c2709c2709c2709c2709c29"
-          "0a4290a4290a4290a4290a422110884422110884422110884422110884422110884422110884422110884422130984c2"
-          "6130984c26130984c26130984c26130984c26130984c26130984c26130984c26130984c2e170b85c2e170b85c2e170b8"
-          "5c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e17"
-          "0b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e") +
-      std::string(128, '\x12') + std::string(32'651, '\x16') +
-      FromHex("135c200bfb18ed7b51bccd90d56bdb4d966d66932301a966b6656eaa35a625040d838208");
+          "252627c40b782dc10c1614f90d4e4b77cbf6380d8cceccb295691e672ed6313437bf19d6ce9de71b573030e13e3dc0a3"
+          "195fca84b5161591db51ee80d4473706dc02009b1852c50d49e55dce84998718a6963c68f79402a01520a00a00a00a00"
+          "a70a70a70a909e13c2784f09e13c2784f0a2144288530a614c298530942509425094250942509c2709c2709c2709c270"
+          "9c2709c2709c2709c2709c2709c290a4290a429088442211088442211088442211088442211088442211088442211088"
+          "4422110884422110884422130984c26130984c26130984c26130984c26130984c26130984c26130984c26130b85c2e17"
+          "0b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2"
+          "e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b85c2e170b8"
+          "5c2e170b85c2e170b85c2e") +
+      std::string(128, '\x12') + std::string(32'650, '\x16') +
+      FromHex("13502003fb08ed069b799b52d76136daccdb4d26169d6ccdbd646caa30a622020d878208");
   const LzhEntry entry{"a", content.Get(), "-lh2-", {}, test::kDosTime, "", 'U', packed};
   EXPECT_EQ(Text(StoredLzh(0, {entry})), "a=" + content.Get());
   const LzhEntry cut{"a", content.Get(), "-lh2-", {}, test::kDosTime, "", 'U', packed.substr(0, 20'000)};
@@ -246,9 +252,9 @@ GTEST_TEST(Lzh, HeadersOfOtherMakers) {
 GTEST_TEST(Lzh, IsFoundBehindManyMarks) {
   std::string program = "MZ";
   while (program.size() < (1U << 20)) program += "-lh5-";
-  const auto begin = std::chrono::steady_clock::now();
+  const std::clock_t begin = std::clock();
   EXPECT_EQ(Text(program + StoredLzh(1, {{"a", "1"}})), "a=1");
-  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
+  EXPECT_LT(std::clock() - begin, 10 * CLOCKS_PER_SEC);
 }
 
 GTEST_TEST(Lzh, DamageIsNoticed) {
@@ -269,7 +275,7 @@ GTEST_TEST(Lzh, DamageIsNoticed) {
   EXPECT_EQ(Text(folder.substr(0, folder.size() - 1)), "d/!the archive is cut off: its end is missing");
   const std::string sizes = Number(1, 4) + Number(1, 4) + Number(0, 4);
   const std::string too_small = Number(4, 2) + "-lh0-" + sizes + " \3" + Number(0, 2) + "U" + Number(30, 4);
-  EXPECT_EQ(Text(test::LzhHeaderAndContent(0, {"a", "1"}) + too_small + Number(5, 2) + std::string(50, 'x')),
+  EXPECT_EQ(Text(test::LzhHeaderAndContent(0, {"a", "1"}) + too_small + Number(0, 2) + std::string(50, 'x')),
             "a=1!the archive is cut off, or damaged, in a header");
 }
 

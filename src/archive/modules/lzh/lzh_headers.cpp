@@ -1,7 +1,6 @@
 #include "archive/modules/lzh/lzh_headers.h"
 
 #include <algorithm>
-#include <cctype>
 #include <string_view>
 #include <utility>
 
@@ -22,7 +21,9 @@ constexpr std::uint32_t kUtf8CodePage = 65001;
 
 // Such as "-lh5-". Which of them are known is not asked here: an entry by another one is to be told as such.
 bool IsMethod(std::string_view method) {
-  const auto is_word = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; };
+  const auto is_word = [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+  };
   return method.size() == 5 && method[0] == '-' && method[4] == '-' &&
          std::all_of(method.begin() + 1, method.end() - 1, is_word);
 }
