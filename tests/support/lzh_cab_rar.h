@@ -26,7 +26,9 @@ struct LzhEntry {
   std::string method = "-lh0-";
   std::vector<std::string> extensions = {};  // a type and data each; none at level 0
   std::uint32_t time = kDosTime;
-  std::string area = {};  // behind the header of level 0
+  std::string area = {};    // behind the header of level 0
+  char system = 'U';        // from level 1 on
+  std::string packed = {};  // the content, unless it is stored
 };
 
 inline std::string LzhHeaderAndContent(int level, const LzhEntry& entry) {
@@ -36,19 +38,20 @@ inline std::string LzhHeaderAndContent(int level, const LzhEntry& entry) {
     chain += entry.extensions[i] + Number(is_last ? 0 : entry.extensions[i + 1].size() + 2, 2);
   }
   const std::string first = Number(entry.extensions.empty() ? 0 : entry.extensions[0].size() + 2, 2);
-  const std::size_t packed = entry.content.size() + (level == 1 ? chain.size() : 0);
-  std::string header = entry.method + Number(packed, 4) + Number(entry.content.size(), 4) +
+  const std::string& packed = entry.packed.empty() ? entry.content : entry.packed;
+  const std::size_t packed_size = packed.size() + (level == 1 ? chain.size() : 0);
+  std::string header = entry.method + Number(packed_size, 4) + Number(entry.content.size(), 4) +
                        Number(entry.time, 4) + " " + Number(static_cast<unsigned>(level), 1);
   const std::string crc = Number(Crc16(entry.content), 2);
   if (level == 2) {
-    header += crc + "U" + first + chain;
-    return Number(header.size() + 2, 2) + header + entry.content;
+    header += crc + entry.system + first + chain;
+    return Number(header.size() + 2, 2) + header + packed;
   }
-  header += Number(entry.name.size(), 1) + entry.name + crc + (level == 1 ? "U" + first : entry.area);
+  header +=
+      Number(entry.name.size(), 1) + entry.name + crc + (level == 1 ? entry.system + first : entry.area);
   unsigned sum = 0;
   for (const char c : header) sum += static_cast<unsigned char>(c);
-  return Number(header.size(), 1) + Number(sum & 0xFF, 1) + header + (level == 1 ? chain : "") +
-         entry.content;
+  return Number(header.size(), 1) + Number(sum & 0xFF, 1) + header + (level == 1 ? chain : "") + packed;
 }
 
 inline std::string StoredLzh(int level, const std::vector<LzhEntry>& entries) {

@@ -13,15 +13,19 @@
 namespace quendle::modules {
 namespace {
 
-constexpr std::size_t kFirstRead = 1024;    // enough for most headers
-constexpr std::size_t kLargest = 1U << 20;  // of a header; more is none
+constexpr std::size_t kFirstRead = 1024;      // enough for most headers
+constexpr std::size_t kLargest = 1U << 20;    // of a header; more is none
+constexpr std::size_t kMostExtensions = 256;  // of one header, for each type one
 constexpr std::size_t kLeast = 22;
 constexpr std::uint32_t kUtf8CodePage = 65001;
 
+// Such as "-lh5-". Which of them are known is not asked here: an entry by another one is to be told as such.
 bool IsMethod(std::string_view method) {
-  return method.size() == 5 &&
-         (method.starts_with("-lh") || method.starts_with("-lz") || method.starts_with("-pm")) &&
-         method[4] == '-';
+  const auto is_word = [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+  };
+  return method.size() == 5 && method[0] == '-' && method[4] == '-' &&
+         std::all_of(method.begin() + 1, method.end() - 1, is_word);
 }
 
 // Reads one header from bytes that begin with it and may go on behind it.
@@ -37,13 +41,22 @@ class Parser {
     const std::uint64_t level = Number(20, 1);
     if (!(level < 2 ? ParseOld(level) : level < 4 && ParseNew(level))) return false;
     if (common_crc_position_ != 0 && !CommonCrcHolds()) return false;
+    if (header_.system == kOs9) header_.unix_mode.reset();
     JoinPath();
     header_.content_position = size_;
     return true;
   }
   LzhHeader Take() { return std::move(header_); }
+  // Parse() fails without so many bytes; 0: it fails anyway.
+  std::size_t Needed() const { return needed_; }
 
  private:
+  static constexpr char kOs9 = 'K';
+
+  bool Need(std::size_t size) {
+    if (size > bytes_.size()) needed_ = size;
+    return size <= bytes_.size();
+  }
   std::uint64_t Number(std::size_t at, std::size_t width) const { return LittleEndian(bytes_, at, width); }
 
   // Levels 0 and 1: a sum of bytes, the name, the time of DOS.
@@ -51,12 +64,14 @@ class Parser {
     const auto base = static_cast<std::size_t>(Number(0, 1)) + 2;
     const auto name_size = static_cast<std::size_t>(Number(21, 1));
     const std::size_t crc_at = kLeast + name_size;
-    if (base > bytes_.size() || base < crc_at + 2) return false;
+    const bool has_crc = base >= crc_at + 2;
+    if (base > bytes_.size() || !(has_crc || (level == 0 && base == crc_at))) return false;
     unsigned sum = 0;
     for (const char c : bytes_.substr(2, base - 2)) sum += static_cast<unsigned char>(c);
     if ((sum & 0xFF) != Number(1, 1)) return false;
     name_ = bytes_.substr(kLeast, name_size);
-    header_.crc = static_cast<std::uint16_t>(Number(crc_at, 2));
+    if (has_crc) header_.crc = static_cast<std::uint16_t>(Number(crc_at, 2));
+    if (base > crc_at + 2) header_.system = bytes_[crc_at + 2];
     header_.time = TimeFromDos(static_cast<std::uint32_t>(Number(15, 4)));
     size_ = base;
     if (level == 0) {
@@ -81,25 +96,30 @@ class Parser {
   // Levels 2 and 3: the size of the whole, the time of Unix, everything else in extensions.
   bool ParseNew(std::uint64_t level) {
     const bool is_wide = level == 3;
-    const std::uint64_t whole = is_wide ? Number(24, 4) : Number(0, 2);
+    const auto whole = static_cast<std::size_t>(is_wide ? Number(24, 4) : Number(0, 2));
     const std::size_t first = is_wide ? 28 : 24;
-    if (is_wide && Number(0, 2) != 4) return false;
-    if (whole > kLargest || whole > bytes_.size() || whole < first + 2) return false;
+    const std::size_t width = is_wide ? 4 : 2;
+    if (is_wide && Number(0, 2) != width) return false;
+    if (whole > kLargest || whole < first + width || !Need(whole)) return false;
     header_.time = {static_cast<std::int64_t>(Number(15, 4)), 0};
     header_.crc = static_cast<std::uint16_t>(Number(21, 2));
-    const std::size_t width = is_wide ? 4 : 2;
-    bytes_ = bytes_.substr(0, static_cast<std::size_t>(whole));
+    header_.system = bytes_[23];
+    // Packers for OS-9 do not count the two bytes of the size itself.
+    const std::size_t uncounted = !is_wide && header_.system == kOs9 ? 2 : 0;
+    bytes_ = bytes_.substr(0, whole + uncounted);
     size_ = first + width;
     if (!ParseExtensions(Number(first, width), width)) return false;
-    size_ = static_cast<std::size_t>(whole);  // a byte may follow so that the size does not look like an end
-    return true;
+    // A byte may follow so that the size does not look like an end.
+    size_ = size_ > whole ? whole + uncounted : whole;
+    return Need(size_);
   }
 
   // Each extension ends with the size of the next one.
   bool ParseExtensions(std::uint64_t next, std::size_t width) {
-    while (next != 0) {
-      if (next < width + 1 || next > kLargest || next > bytes_.size() - size_) return false;
+    for (std::size_t count = 0; next != 0; ++count) {
+      if (count == kMostExtensions) return false;
       const auto size = static_cast<std::size_t>(next);
+      if (size < width + 1 || size > kLargest || !Need(size_ + size)) return false;
       ParseExtension(static_cast<std::uint8_t>(bytes_[size_]), size_ + 1,
                      bytes_.substr(size_ + 1, size - width - 1));
       next = Number(size_ + size - width, width);
@@ -169,6 +189,7 @@ class Parser {
 
   std::string_view bytes_;
   std::size_t size_ = 0;  // of the header so far
+  std::size_t needed_ = 0;
   LzhHeader header_;
   std::string_view folder_;
   std::string_view name_;
@@ -182,26 +203,27 @@ class Parser {
 
 }  // namespace
 
-std::optional<LzhHeader> ReadLzhHeader(const ArchiveInput& input, std::uint64_t position, bool may_be_cut) {
+std::optional<LzhHeader> ParseLzhHeader(std::string_view bytes, std::size_t* needed) {
+  Parser parser(bytes);
+  if (parser.Parse()) return parser.Take();
+  if (needed != nullptr) *needed = parser.Needed();
+  return std::nullopt;
+}
+
+std::optional<LzhHeader> ReadLzhHeader(const ArchiveInput& input, std::uint64_t position) {
   std::string bytes;
-  for (const std::size_t size : {kFirstRead, 2 * kLargest}) {
-    bytes.resize(static_cast<std::size_t>(
-        std::min<std::uint64_t>(size, input.Size() - std::min(position, input.Size()))));
+  for (std::size_t size = kFirstRead;;) {
+    bytes.resize(size);
     std::size_t got = 0;
-    if (!input.ReadAt(position, bytes.data(), bytes.size(), &got).ok()) return std::nullopt;
-    bytes.resize(got);
-    if (got < kLeast || !IsMethod(std::string_view(bytes).substr(2, 5))) return std::nullopt;
-    Parser parser(bytes);
-    if (parser.Parse()) {
-      LzhHeader header = parser.Take();
-      header.content_position += position;
-      const bool is_cut = header.packed_size > input.Size() - header.content_position;
-      if (is_cut && !may_be_cut) return std::nullopt;
+    if (!input.ReadAt(position, bytes.data(), size, &got).ok()) return std::nullopt;
+    std::size_t needed = 0;
+    if (auto header = ParseLzhHeader(std::string_view(bytes).substr(0, got), &needed)) {
+      header->content_position += position;
       return header;
     }
-    if (got < size) break;
+    if (got < size || needed == 0 || needed > kLargest) return std::nullopt;
+    size = std::min(kLargest, std::max(needed, 4 * size));
   }
-  return std::nullopt;
 }
 
 Entry ToEntry(const LzhHeader& header, const std::string& charset) {
@@ -227,7 +249,7 @@ Entry ToEntry(const LzhHeader& header, const std::string& charset) {
     if (!entry.path.ends_with('/')) entry.path += '/';
   }
   entry.packed_size = header.packed_size;
-  entry.crc = header.crc;
+  entry.crc = header.crc.value_or(0);
   entry.method = header.method;
   entry.attributes.write_time = header.time;
   return entry;

@@ -1,0 +1,144 @@
+#include "archive/modules/lzh/lzh_reader.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "archive/modules/common/checksum.h"
+#include "archive/modules/lzh/lzh_headers.h"
+#include "archive/modules/lzh/macbinary.h"
+#include "archive/modules/lzh/packed_bytes.h"
+#include "archive/modules/lzh/unpacker.h"
+
+namespace quendle::modules {
+namespace {
+
+constexpr std::size_t kPieceSize = 256U << 10;
+
+class LzhReader final : public EntryReader {
+ public:
+  LzhReader(const ArchiveInput& input, ReaderOptions options) : input_(input), options_(std::move(options)) {}
+
+  ReadStatus NextEntry(Entry* entry) override;
+  ReadStatus ReadContent(std::string_view* piece) override;
+  const Reason& Problem() const override { return reason_; }
+
+ private:
+  ReadStatus AtEnd();
+  ReadStatus Begin();
+  ReadStatus Finish();
+  ReadStatus Fail(ReadStatus status, Reason reason);
+  Part FindPart();
+  std::string_view PartOf(std::string_view unpacked) const;
+
+  const ArchiveInput& input_;
+  ReaderOptions options_;
+  std::uint64_t position_ = 0;  // of the next header
+  bool is_cut_ = false;         // the input ends in the content of the last entry
+  ReadStatus archive_status_ = ReadStatus::kOk;
+  LzhHeader header_;
+  Part part_;  // of what is unpacked that is the file
+  std::unique_ptr<PackedBytes> packed_;
+  std::unique_ptr<Unpacker> unpacker_;
+  ReadStatus content_status_ = ReadStatus::kEnd;
+  std::string piece_;
+  std::uint64_t size_ = 0;  // unpacked so far
+  Crc16Sum crc_;            // of that
+  Reason reason_;
+};
+
+ReadStatus LzhReader::Fail(ReadStatus status, Reason reason) {
+  reason_ = std::move(reason);
+  return status;
+}
+
+ReadStatus LzhReader::NextEntry(Entry* entry) {
+  unpacker_.reset();
+  content_status_ = ReadStatus::kEnd;
+  if (archive_status_ != ReadStatus::kOk) return archive_status_;
+  auto header = ReadLzhHeader(input_, position_);
+  if (!header) return archive_status_ = AtEnd();
+  header_ = std::move(*header);
+  const std::uint64_t rest = input_.Size() - header_.content_position;
+  is_cut_ = header_.packed_size > rest;
+  position_ = header_.content_position + std::min(header_.packed_size, rest);
+  *entry = ToEntry(header_, options_.charset);
+  if (entry->kind != EntryKind::kFile) return ReadStatus::kOk;
+  part_ = FindPart();
+  entry->size = part_.size;
+  content_status_ = ReadStatus::kOk;
+  return ReadStatus::kOk;
+}
+
+// The last header is followed by one of size 0, or by nothing. No format says how many entries there are, so that an
+// archive which is cut off behind one of them looks whole.
+ReadStatus LzhReader::AtEnd() {
+  char end = 0;
+  std::size_t got = 0;
+  const platform::Result result = input_.ReadAt(position_, &end, 1, &got);
+  if (!result.ok()) return Fail(ReadStatus::kFailed, result.reason);
+  if (is_cut_) return Fail(ReadStatus::kFailed, why::kEndMissing);
+  return got == 0 || end == 0 ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, why::kCutOffInHeader);
+}
+
+// All of it, or the fork in it. Whether there is one, the first unpacked bytes say; that these cannot be unpacked is
+// told when the content is read.
+Part LzhReader::FindPart() {
+  const Part all{0, header_.size};
+  if (header_.system != 'm' || header_.size < kMacBinaryHeader || Begin() != ReadStatus::kOk) return all;
+  std::size_t got = 0;
+  while (got < kMacBinaryHeader) {
+    const std::size_t more = unpacker_->Read(piece_.data() + got, kMacBinaryHeader - got);
+    if (more == 0) break;
+    got += more;
+  }
+  unpacker_.reset();
+  return FindOnlyFork(std::string_view(piece_).substr(0, got), header_).value_or(all);
+}
+
+ReadStatus LzhReader::ReadContent(std::string_view* piece) {
+  if (content_status_ == ReadStatus::kOk && !unpacker_) content_status_ = Begin();
+  while (content_status_ == ReadStatus::kOk) {
+    const std::size_t got = unpacker_->Read(piece_.data(), piece_.size());
+    if (got == 0) return content_status_ = Finish();
+    const auto unpacked = std::string_view(piece_).substr(0, got);
+    crc_.Add(unpacked);
+    *piece = PartOf(unpacked);
+    size_ += got;
+    if (!piece->empty()) break;
+  }
+  return content_status_;
+}
+
+// What of the bytes that follow `size_` ones is the file.
+std::string_view LzhReader::PartOf(std::string_view unpacked) const {
+  const std::uint64_t end = part_.begin + part_.size;
+  const std::uint64_t from = std::clamp<std::uint64_t>(part_.begin, size_, size_ + unpacked.size());
+  const std::uint64_t to = std::clamp<std::uint64_t>(end, from, size_ + unpacked.size());
+  return unpacked.substr(static_cast<std::size_t>(from - size_), static_cast<std::size_t>(to - from));
+}
+
+ReadStatus LzhReader::Begin() {
+  size_ = 0;
+  crc_ = {};
+  piece_.resize(kPieceSize);
+  packed_ = std::make_unique<PackedBytes>(input_, header_.content_position, header_.packed_size);
+  return MakeUnpacker(header_, packed_.get(), &unpacker_, &reason_);
+}
+
+ReadStatus LzhReader::Finish() {
+  if (!packed_->Problem().empty()) return Fail(ReadStatus::kFailed, packed_->Problem());
+  if (size_ != header_.size) {
+    return Fail(ReadStatus::kFailed, why::kFewerBytes(size_, header_.size));
+  }
+  const bool is_right = !header_.crc || crc_.Value() == *header_.crc;
+  return is_right ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, why::kWrongChecksum);
+}
+
+}  // namespace
+
+std::unique_ptr<EntryReader> OpenLzh(const ArchiveInput& input, const ReaderOptions& options, Reason*) {
+  return std::make_unique<LzhReader>(input, options);
+}
+
+}  // namespace quendle::modules
