@@ -62,8 +62,9 @@ std::optional<std::uint64_t> NextCabinet(const ArchiveInput& input, std::uint64_
   const auto found =
       FindSignature(rest, {.signatures = {"MSCF"}, .behind_anything = true}, [&](std::uint64_t candidate) {
         const auto header = ReadCabHeader(rest, candidate);
-        return header && header->reserved_are_zero && header->size <= rest.Size() - candidate &&
-               header->first_block > kHeaderSize && header->first_block <= header->size;
+        return header && header->reserved_are_zero &&
+               (begin > 0 || header->size <= rest.Size() - candidate) && header->first_block > kHeaderSize &&
+               header->first_block <= header->size;
       });
   return found ? std::optional(begin + *found) : std::nullopt;
 }

@@ -21,9 +21,9 @@ struct CabHeader {
 
 std::optional<CabHeader> ReadCabHeader(const ArchiveInput& input, std::uint64_t position);
 
-// The first whole cabinet from `begin` on that is a file of its own, or stands in what is not known to be another archive
-// (FindSignature). Its header has to hold in full: in the beginning of a file "MSCF" says enough, in the middle of one it
-// may be a word.
+// The first cabinet from `begin` on, there or behind a program or what is not known to be another archive (FindSignature).
+// Its header has to hold in full, as "MSCF" alone may be a word. At 0, where nothing says yet that there are cabinets at
+// all, it must not be cut off, either.
 std::optional<std::uint64_t> NextCabinet(const ArchiveInput& input, std::uint64_t begin);
 
 }  // namespace quendle::modules

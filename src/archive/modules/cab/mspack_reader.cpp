@@ -19,7 +19,7 @@ namespace {
 
 constexpr unsigned kPieceSize = 1U << 20;
 // Bytes that may be unpacked more than once for files that share theirs with others.
-constexpr std::uint64_t kMostUnpackedAgain = std::uint64_t{4} << 30;
+constexpr std::uint64_t kMostUnpackedAgain = 512U << 20;
 
 Reason ReasonFor(int error) {
   switch (error) {

@@ -116,10 +116,8 @@ void ReadFile(const Block& block, RarFile* file) {
     file->crc = static_cast<std::uint32_t>(LittleEndian(block.own, numbers.Position(), 4));
     numbers.Skip(4);
   }
-  const std::uint64_t packing = numbers.Next();
-  file->solid = (packing >> 6 & 1) != 0;
-  file->method = static_cast<std::uint8_t>('0' + (packing >> 7 & 7));
-  file->host = static_cast<std::uint8_t>(numbers.Next());
+  file->method = static_cast<std::uint8_t>('0' + (numbers.Next() >> 7 & 7));
+  numbers.Next();  // system
   file->name = numbers.Text();
 }
 

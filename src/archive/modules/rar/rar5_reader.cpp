@@ -1,8 +1,11 @@
 #include "archive/modules/rar/rar5_reader.h"
 
 #include <algorithm>
+#include <optional>
+#include <string>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "archive/modules/common/checksum.h"
 #include "archive/modules/common/entry_names.h"
@@ -12,10 +15,8 @@
 namespace quendle::modules {
 namespace {
 
-// What may be gone over more than once for the sake of contents that several files have: bytes to be unpacked, and
-// for each header as much as that would take about as long.
-constexpr std::uint64_t kMostGoneOver = std::uint64_t{8} << 30;
-constexpr std::uint64_t kHeaderCost = 1024;
+// A content up to this size is kept for the next file that has the same.
+constexpr std::size_t kMostKept = 4U << 20;
 
 // One way through the archive. Adds what the library does not tell: that the archive is not whole, or a content is
 // wrong.
@@ -94,7 +95,7 @@ class Rar5Reader final : public EntryReader {
   bool IsCopy(const Entry& entry);
   ReadStatus NextCopy(Entry* entry);
   ReadStatus GoToSource();
-  bool MayGoOver(std::size_t source);
+  ReadStatus ReadCopy(std::string_view* piece);
   ReadStatus Fail(ReadStatus status, Reason reason);
 
   const ArchiveInput& input_;
@@ -107,7 +108,8 @@ class Rar5Reader final : public EntryReader {
   std::size_t next_copy_ = 0;
   ReadStatus copy_status_ = ReadStatus::kEnd;  // of the current copy's content
   bool at_source_ = false;
-  std::uint64_t gone_over_ = 0;
+  std::string kept_;  // the content of the last source, as far as it was read; not more than kMostKept
+  std::optional<std::size_t> kept_of_;  // that source, when it is all of it
   Reason reason_;
 };
 
@@ -171,14 +173,30 @@ ReadStatus Rar5Reader::ReadContent(std::string_view* piece) {
     const ReadStatus status = first_->ReadContent(piece);
     return status == ReadStatus::kOk || status == ReadStatus::kEnd ? status : Fail(status, first_->Problem());
   }
-  if (copy_status_ == ReadStatus::kOk && !at_source_) copy_status_ = GoToSource();
-  if (copy_status_ != ReadStatus::kOk) return copy_status_;
-  copy_status_ = again_->ReadContent(piece);
-  if (copy_status_ != ReadStatus::kOk && copy_status_ != ReadStatus::kEnd) reason_ = again_->Problem();
+  if (copy_status_ == ReadStatus::kOk) copy_status_ = ReadCopy(piece);
   return copy_status_;
 }
 
-// Copies with different sources are read in one more way through the archive, each further one of the same source needs
+ReadStatus Rar5Reader::ReadCopy(std::string_view* piece) {
+  const std::size_t source = copies_[next_copy_ - 1].source;
+  if (kept_of_ == source) {
+    *piece = at_source_ ? std::string_view() : kept_;
+    at_source_ = true;
+    return piece->empty() ? ReadStatus::kEnd : ReadStatus::kOk;
+  }
+  if (!at_source_) {
+    if (const ReadStatus status = GoToSource(); status != ReadStatus::kOk) return status;
+    kept_.clear();
+    kept_of_.reset();
+    at_source_ = true;
+  }
+  const ReadStatus status = again_->ReadContent(piece);
+  if (status == ReadStatus::kOk && kept_.size() <= kMostKept) kept_ += *piece;
+  if (status == ReadStatus::kEnd && kept_.size() <= kMostKept) kept_of_ = source;
+  return status == ReadStatus::kOk || status == ReadStatus::kEnd ? status : Fail(status, again_->Problem());
+}
+
+// Copies with different sources are read in one more way through the archive; each further one of a large source needs
 // another.
 ReadStatus Rar5Reader::GoToSource() {
   const Copy& copy = copies_[next_copy_ - 1];
@@ -187,7 +205,6 @@ ReadStatus Rar5Reader::GoToSource() {
     return Fail(ReadStatus::kFailed, why::kSourceMissing(name));
   }
   if (!again_ || again_->Passed() > copy.source) {
-    if (!MayGoOver(copy.source)) return Fail(ReadStatus::kFailed, why::kReadAgainTooOften);
     again_ = OpenPass();
     if (!again_) return ReadStatus::kFailed;
   }
@@ -197,16 +214,7 @@ ReadStatus Rar5Reader::GoToSource() {
     if (status == ReadStatus::kEnd) return Fail(ReadStatus::kFailed, why::kPassedOver);
     if (status != ReadStatus::kOk) return Fail(status, again_->Problem());
   }
-  at_source_ = true;
   return ReadStatus::kOk;
-}
-
-bool Rar5Reader::MayGoOver(std::size_t source) {
-  for (std::size_t i = 0; again_ && i < source && gone_over_ <= kMostGoneOver; ++i) {
-    const RarFile& file = archive_.files[i];
-    gone_over_ += kHeaderCost + (file.solid ? std::min(file.size, kMostGoneOver) : 0);
-  }
-  return gone_over_ <= kMostGoneOver;
 }
 
 }  // namespace
