@@ -135,7 +135,8 @@ typedef struct ArchiverSession {
   const char* charset;
 
   /* Called at least ten times a second during an extraction with the entry in work and the bytes written of
-   * all that are to be (0: unknown). 0 cancels: what is complete stays, nothing else does. */
+   * all that are to be (0: unknown). 0 cancels: what is complete stays, nothing else does. While a file is looked
+   * at or listed it is called with the archive itself, and cancels that; the answer then is that of a failure. */
   int32_t(ARCHIVER_CALL* progress)(void* user, const char* path, uint64_t done, uint64_t total);
 
   /* May existing be replaced by incoming? Asked where the command line says to ask. */

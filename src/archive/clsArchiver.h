@@ -57,6 +57,9 @@ class clsArchiver {
   // Of several that do the first in that order counts.
   virtual std::int16_t GetArcType();
 
+  // The user has stopped the last GetArcType, whose answer means nothing then.
+  bool IsTypeUnknown() const { return stopped_; }
+
   // Why pFileName, which is to be extracted, has no type. Where GetArcType was not asked for it, the reason is its name's
   // ending.
   Reason WhyNoType();
@@ -83,6 +86,7 @@ class clsArchiver {
   struct Work;
   Work Begin(const ArchiverRow& row, const ArchiverLibrary& library, const std::string& destination,
              ExtractionReport* report) const;
+  bool Accepts(const ArchiverLibrary& library);
   Reason VolumeProblem();
   void RememberPassword(const Work& work);
   void List(Work* work);
@@ -96,6 +100,7 @@ class clsArchiver {
   Environment environment_;
   ArchiverLibraries libraries_;
   std::int16_t type_ = 0;  // the last answer of GetArcType
+  bool stopped_ = false;   // that one
   std::string inspected_;  // the file that it was for
   std::string password_;   // that opened an archive of this run
 };

@@ -42,16 +42,26 @@ std::int16_t clsArchiver::GetArcType() {
     if (libraries_.IsInstalled(row)) installed.push_back(&row);
   }
   type_ = 0;
+  stopped_ = false;
   inspected_ = pFileName;
   // A library that opens a pipe may wait for ever.
   if (!FileProblem(pFileName).empty()) return type_;
   for (const ArchiverRow* row : installed) {
     const ArchiverLibrary* library = libraries_.Use(*row);
-    if (library == nullptr || !library->Accepts(pFileName)) continue;
-    type_ = row->type;
-    break;
+    if (library != nullptr && Accepts(*library)) type_ = row->type;
+    if (type_ != 0 || stopped_) break;
   }
   return type_;
+}
+
+// A library may look for long at what is large, or made to be looked at for long.
+bool clsArchiver::Accepts(const ArchiverLibrary& library) {
+  std::vector<ExtractionProblem> untold;
+  ArchiveSession session(library, environment_.user, pFileName, {}, &untold);
+  const bool accepts = library.Accepts(pFileName);
+  session.RethrowFault();
+  stopped_ = session.IsCancelled();
+  return accepts && !stopped_;
 }
 
 Reason clsArchiver::WhyNoType() {

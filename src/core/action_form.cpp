@@ -78,6 +78,10 @@ bool ActionForm::Fill() {
     return false;
   }
   FillProfiles("");
+  if (environment_.mover.IsTypeUnknown()) {
+    NoteUndone(path, why::kInterrupted);
+    return false;
+  }
   LoadProfile();
   return true;
 }

@@ -106,12 +106,15 @@ std::vector<std::string> clsMover::GetAccordantTitles() {
 
 std::int16_t clsMover::DetectArchiveType() {
   archiver_->pFileName = ORIGINALPATH;
+  is_type_unknown_ = false;
   if (DOESFOLDER) return 0;
-  if (snapshot_->Standard().Flag(TextId::kCheckArchive) ||
-      HasArchiveExtension(environment_.file_info.pFileNameExtension())) {
-    return archiver_->GetArcType();
+  if (!snapshot_->Standard().Flag(TextId::kCheckArchive) &&
+      !HasArchiveExtension(environment_.file_info.pFileNameExtension())) {
+    return 0;
   }
-  return 0;
+  const std::int16_t type = archiver_->GetArcType();
+  is_type_unknown_ = archiver_->IsTypeUnknown();
+  return type;
 }
 
 std::optional<std::string> clsMover::FindTitle(const std::string& title) const {

@@ -103,6 +103,8 @@ class clsMover {
   // empty, 1 is "（なし）", from 2 on come the titles of the profiles that match or, when none does, of all
   // profiles.
   std::vector<std::string> GetAccordantTitles();
+  // The user stopped that before it was known whether the target is an archive: nothing must be done to it.
+  bool IsTypeUnknown() const { return is_type_unknown_; }
   std::int32_t PATTERNMATCHCOUNT() const { return static_cast<std::int32_t>(matches_.size()); }
   // The titles of those that matched then.
   const std::vector<std::string>& Matches() const { return matches_; }
@@ -186,6 +188,7 @@ class clsMover {
 
   Environment environment_;
   std::unique_ptr<clsArchiver> archiver_;
+  bool is_type_unknown_ = false;
   clsFileOperation operation_;
   std::vector<std::string> CommandLineArgs;
   std::vector<ProfileIndexEntry> ProfileIndex;

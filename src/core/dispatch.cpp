@@ -62,6 +62,10 @@ DispatchReport DispatchCurrent(clsMover* mover, const clsFileInfo& file_info,
     return report;
   }
   mover->GetAccordantTitles();
+  if (mover->IsTypeUnknown()) {
+    report.error = why::kInterrupted;
+    return report;
+  }
   report.archive_type = mover->ARCHIVETYPE;
   report.matches = mover->Matches();
   if (!FillByChoice(mover, options, &report)) return report;

@@ -146,6 +146,8 @@ GTEST_TEST(SignatureScan, FindsArchivesAtTheBeginningAndBehindPrograms) {
   constexpr std::size_t kBlock = 256 << 10;  // what is read at a time
   const std::string filler(3 * kBlock, 'P');
   const auto program = [&](std::size_t size) { return "MZ" + filler.substr(0, size - 2); };
+  std::string marks = "MZ";
+  for (int i = 0; i < 10'001; ++i) marks += "PK\3\4";
   const struct {
     const char* what;
     std::string bytes;
@@ -153,6 +155,7 @@ GTEST_TEST(SignatureScan, FindsArchivesAtTheBeginningAndBehindPrograms) {
     std::uint64_t reach;
     std::uint64_t from;  // the first position that fits
     std::optional<std::uint64_t> found;
+    bool behind_anything = false;
   } rows[] = {
       {"beginning", "PK\3\4", 0, 100, 0, 0},
       {"beginning, with a lead", "..PK\3\4", 2, 100, 0, 0},
@@ -164,6 +167,13 @@ GTEST_TEST(SignatureScan, FindsArchivesAtTheBeginningAndBehindPrograms) {
       {"a lead in a program", "MZ -lh5-", 2, 100, 0, 1},
       {"a lead that begins before the program", "MZ-lh5-", 3, 100, 0, {}},
       {"the first that fits", "MZPK\3\4-lh5-PK\3\4", 0, 100, 7, 11},
+      {"Mach-O", "\xCF\xFA\xED\xFE PK\3\4", 0, 100, 0, 5},
+      {"Mach-O for several machines", "\xCA\xFE\xBA\xBE PK\3\4", 0, 100, 0, 5},
+      {"behind anything", "text PK\3\4", 0, 100, 0, 5, true},
+      {"not behind anything", "text PK\3\4", 0, 100, 0, {}},
+      {"in another archive", "Rar!\x1A\7 PK\3\4", 0, 100, 0, {}, true},
+      {"the last that is tried", marks, 0, kBlock, 2 + 4 * 9'999, 2 + 4 * 9'999},
+      {"behind as many as are tried", marks, 0, kBlock, 2 + 4 * 10'000, {}},
       {"none fits", "MZPK\3\4", 0, 100, 99, {}},
       {"the last within reach", "MZ....PK\3\4", 0, 7, 0, 6},
       {"behind reach", "MZ....PK\3\4", 0, 6, 0, {}},
@@ -179,11 +189,12 @@ GTEST_TEST(SignatureScan, FindsArchivesAtTheBeginningAndBehindPrograms) {
     test::WriteFile(folder / "in", "??" + row.bytes);
     const ArchiveInput input(test::Opened(folder / "in"), 2);
     std::vector<std::uint64_t> tried;
-    const auto found = FindSignature(input, {{"PK\3\4", "-lh5-"}, row.lead, row.reach}, [&](auto position) {
-      EXPECT_TRUE(tried.empty() || tried.back() < position);
-      tried.push_back(position);
-      return position >= row.from;
-    });
+    const auto found = FindSignature(input, {{"PK\3\4", "-lh5-"}, row.lead, row.reach, row.behind_anything},
+                                     [&](auto position) {
+                                       EXPECT_TRUE(tried.empty() || tried.back() < position);
+                                       tried.push_back(position);
+                                       return position >= row.from;
+                                     });
     EXPECT_EQ(found, row.found);
   }
 }

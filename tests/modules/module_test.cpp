@@ -1,5 +1,8 @@
 #include "archive/modules/common/module.h"
 
+#include <chrono>
+#include <thread>
+
 #include "archive/modules/zip/zip_family.h"
 #include "support/archives.h"
 #include "support/picture.h"
@@ -41,7 +44,7 @@ struct Fixture {
       EXPECT_TRUE(full.starts_with(entry.file_name)) << entry.file_name;
       names.push_back(full);
     }
-    EXPECT_EQ(module.CloseArchive(handle), 0);
+    EXPECT_EQ(module.CloseArchive(handle) == 0, handle != 0);
     EXPECT_NE(module.CloseArchive(handle), 0);
     return names;
   }
@@ -70,6 +73,28 @@ GTEST_TEST(Module, AcceptsItsArchivesAlsoIncompleteOnes) {
   }
   EXPECT_EQ(fixture.problems,
             (std::vector<std::string>{": the volume x.002 is missing", "kVolumeMissing(x.002)"}));
+}
+
+GTEST_TEST(Module, CanBeStoppedWhileItLooksAtAFile) {
+  Fixture fixture(true, kZipFamily);
+  const std::string path = fixture.folder / "a";
+  test::WriteFile(path, test::StoredZip({{"a.txt", "1"}}));
+  fixture.session.progress = [](void*, const char* archive, std::uint64_t, std::uint64_t) {
+    EXPECT_TRUE(std::string(archive).ends_with("a"));
+    return 0;
+  };
+  const auto try_all = [&] {
+    fixture.module.SetSession(&fixture.session);
+    const auto wait = [] { std::this_thread::sleep_for(std::chrono::milliseconds(25)); };  // until it asks
+    wait();
+    const bool is_archive = fixture.module.CheckArchive(path.c_str()) != 0;
+    wait();
+    return std::pair(is_archive, fixture.List());
+  };
+  EXPECT_EQ(try_all(), std::pair(false, std::vector<std::string>()));
+  EXPECT_EQ(fixture.problems, std::vector<std::string>{": cancelled"});
+  fixture.session.progress = [](void*, const char*, std::uint64_t, std::uint64_t) { return 1; };
+  EXPECT_EQ(try_all(), std::pair(true, std::vector<std::string>{"a.txt"})) << "nothing is kept of it";
 }
 
 GTEST_TEST(Module, ListsNamesOfAnyLength) {

@@ -41,6 +41,92 @@ GTEST_TEST(Rar, ReadsNamesAndKinds) {
   EXPECT_EQ(Text(damaged), "!the archive is cut off, or damaged, in a header") << "in a name";
 }
 
+// Each version had its own idea of what a block's checksum is over; what is over nothing may be a file.
+GTEST_TEST(Rar, PassesOverOldBlocksWholeByTheirChecksumsOnly) {
+  const auto block = [](unsigned type, std::size_t size, std::size_t summed,
+                        const std::string& content = "") {
+    std::string bytes = test::RarBlock(type, content.empty() ? 0 : 0x8000,
+                                       test::Number(content.size(), 4) + std::string(size - 11, 'x'));
+    const std::string of = (bytes + content).substr(2, summed - 2);
+    test::Patch(&bytes, 0, Crc32(of) & 0xFFFF, 2);
+    return bytes + content;
+  };
+  const struct {
+    const char* what;
+    std::string bytes;
+    bool holds;
+  } rows[] = {
+      {"comment", block(0x75, 20, 13), true},
+      {"extra information", block(0x76, 20, 14), true},
+      {"owner", block(0x77, 14, 14, "owner"), true},
+      {"owner, summed with content", block(0x77, 14, 19, "owner"), true},
+      {"recovery record", block(0x78, 26, 26, "record"), true},
+      {"signature", block(0x79, 20, 15), true},
+      {"any, summed as a whole", block(0x75, 20, 20), true},
+      {"of another version", block(0x78, 26, 20), false},
+      {"of another version, with content", block(0x76, 14, 19, "owner"), false},
+  };
+  const std::string before = StoredRar({{"a", "1"}});
+  const std::string file = test::RarFileBlock({"b", "2"});
+  for (const auto& row : rows) {
+    const std::string bytes =
+        before.substr(0, before.size() - 7) + row.bytes + file + before.substr(before.size() - 7);
+    EXPECT_EQ(Text(bytes), row.holds ? "a=1 b=2" : "a=1!the archive is cut off, or damaged, in a header")
+        << row.what;
+  }
+  // A comment behind the salt, and times of which the second one has seconds of its own.
+  RarEntry commented = {"a", "1", 0x1408, 2, 0x20, "", std::string("saltsalt\0\xB9\1\2\3SECS\1comment", 25)};
+  std::string bytes = StoredRar({commented});
+  test::Patch(&bytes, 20, Crc32(bytes.substr(22, 32 + 1 + 8 + 2 + 3 + 5 - 2)) & 0xFFFF, 2);
+  EXPECT_EQ(Text(bytes), "a=1");
+}
+
+// What a RAR 5 archive has of one file, or of one that has the content of `source`, by a redirection of that kind.
+std::string Rar5Entry(const std::string& name, const std::string& content, const std::string& source = "",
+                      unsigned kind = 4) {
+  using test::Number;
+  const std::string record = "\5" + Number(kind, 1) + Number(0, 1) + Number(source.size(), 1) + source;
+  const std::string extra = source.empty() ? "" : Number(record.size(), 1) + record;
+  return test::Rar5Block(
+      Number(2, 1) + Number(extra.empty() ? 2 : 3, 1) + (extra.empty() ? "" : Number(extra.size(), 1)) +
+          Number(content.size(), 1) + Number(4, 1) + Number(content.size(), 1) + Number(0x20, 1) +
+          Number(Crc32(content), 4) + Number(0, 1) + Number(0, 1) + Number(name.size(), 1) + name + extra,
+      content);
+}
+
+GTEST_TEST(Rar, GivesLinksAndCopiesTheContentOfEarlierFiles) {
+  const auto text = [](const std::string& entries) {
+    return Text(test::kRar5Signature + test::Rar5Block(std::string("\1\0\0", 3)) + entries +
+                test::Rar5Block(std::string("\5\0\0", 3)));
+  };
+  const std::string a = Rar5Entry("a", "1");
+  const std::string b = Rar5Entry("b", "2");
+  const std::string missing = "!the file whose content it has, a, is not in front of it in the archive";
+  const struct {
+    const char* what;
+    std::string entries;
+    std::string text;
+  } rows[] = {
+      {"hard link", a + Rar5Entry("l", "", "a"), "a=1 l=1"},
+      {"copy", a + Rar5Entry("l", "", "a", 5), "a=1 l=1"},
+      {"in the order of the sources", a + b + Rar5Entry("l", "", "b") + Rar5Entry("m", "", "a", 5),
+       "a=1 b=2 m=1 l=2"},
+      {"of one source, and of a link", a + Rar5Entry("l", "", "a") + Rar5Entry("m", "", "l") + b,
+       "a=1 b=2 l=1 m=1"},
+      {"the last of that name", a + Rar5Entry("a", "3") + Rar5Entry("l", "", "a"), "a=1 a=3 l=3"},
+      {"a later one", Rar5Entry("l", "", "a") + a, "a=1 l" + missing},
+      {"itself", Rar5Entry("a", "", "a", 5), "a" + missing},
+  };
+  for (const auto& row : rows) EXPECT_EQ(text(row.entries), row.text) << row.what;
+  std::string many;
+  for (int i = 0; i < 200; ++i) many += Rar5Entry("x", "");
+  many += a;
+  for (int i = 0; i < 200; ++i) many += Rar5Entry("l", "", "a");
+  unsigned reads = 0;
+  const InterruptibleReads counted([&] { return ++reads < 5'000; });
+  EXPECT_TRUE(text(many).ends_with(" l=1 l=1 l=1")) << "not read anew for each";
+}
+
 GTEST_TEST(Rar, TellsTimesAndModes) {
   // One more second and 0x030201 times 100 nanoseconds.
   const auto read = test::UnpackBytes(

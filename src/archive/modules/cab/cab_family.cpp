@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "archive/modules/cab/cab_header.h"
+#include "archive/modules/cab/cabinets_reader.h"
 #include "archive/modules/cab/mspack_reader.h"
 #include "archive/modules/cab/plain_cab.h"
 #include "archive/modules/common/folder_names.h"
@@ -45,17 +46,50 @@ ArchiveInput WithFollowers(File file, std::uint64_t position) {
   return ArchiveInput(std::move(files)).From(position);
 }
 
-std::optional<ArchiveInput> FindCab(std::shared_ptr<const platform::InputFile> file, Reason*) {
+// The path of the first of the cabinets that stand in front of it in its set, as far as they are there; empty when the
+// one before is not.
+std::string FirstOfSet(const File& file, CabHeader header) {
+  File first = file;
+  for (std::size_t i = 0; i < kMostCabinets && !header.previous.empty(); ++i) {
+    File previous = OpenBeside(first->Path(), header.previous);
+    if (!previous) break;
+    const auto read = ReadCabHeader(ArchiveInput(previous, 0), 0);
+    if (!read || read->set != header.set || read->index + 1 != header.index) break;
+    first = std::move(previous);
+    header = *read;
+  }
+  return first == file ? "" : first->Path();
+}
+
+// Does a cabinet, or the last of several behind each other, end where the input does?
+bool EndsWithCabinet(const ArchiveInput& input, std::uint64_t position) {
+  for (std::optional<std::uint64_t> next = position; next; next = NextCabinet(input, position)) {
+    position = *next + ReadCabHeader(input, *next).value_or(CabHeader{}).size;
+    if (position == *next) return false;
+  }
+  return position == input.Size();
+}
+
+std::optional<ArchiveInput> FindCab(std::shared_ptr<const platform::InputFile> file, Reason* reason) {
   const ArchiveInput whole(file, 0);
-  const auto position = FindSignature(whole, {{"MSCF"}}, [&whole](std::uint64_t candidate) {
-    const auto header = ReadCabHeader(whole, candidate);
-    return header && (candidate == 0 || header->size <= whole.Size() - candidate);
-  });
+  const bool is_at_begin = ReadCabHeader(whole, 0).has_value();
+  const auto position = is_at_begin ? std::optional<std::uint64_t>(0) : NextCabinet(whole, 0);
   if (!position) return std::nullopt;
+  // What is neither at the beginning nor behind a program may be a part of something else: a disk, a document.
+  if (!is_at_begin && !BeginsWithProgram(whole) && !EndsWithCabinet(whole, *position)) return std::nullopt;
+  const auto header = ReadCabHeader(whole, *position);
+  if (const std::string first = header ? FirstOfSet(file, *header) : ""; !first.empty()) {
+    *reason = why::kBeginsIn(first);
+    return std::nullopt;
+  }
   return WithFollowers(std::move(file), *position);
 }
 
 std::vector<Engine> CabEngines(const ArchiveInput& input) {
+  if (const auto header = ReadCabHeader(input, 0);
+      header && input.VolumeCount() == 1 && header->next.empty() && NextCabinet(input, header->size)) {
+    return {{"libmspack", &OpenCabinets}};
+  }
   std::vector<Engine> engines = {{"libmspack", &OpenMspack}};
   if (IsPlainCabinet(input)) engines.insert(engines.begin(), {"libarchive", &OpenPlainCab});
   return engines;

@@ -3,6 +3,7 @@
 #include <mspack.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -17,6 +18,8 @@ namespace quendle::modules {
 namespace {
 
 constexpr unsigned kPieceSize = 1U << 20;
+// Bytes that may be unpacked more than once for files that share theirs with others.
+constexpr std::uint64_t kMostUnpackedAgain = 512U << 20;
 
 Reason ReasonFor(int error) {
   switch (error) {
@@ -65,7 +68,9 @@ class MspackReader final : public EntryReader {
   void Append(const mscabd_file& file, mscabd_folder* folder);
   void MoveFiles(std::size_t first, const mscabd_folder* from, mscabd_folder* to);
   bool FailToAppend(std::size_t index);
+  void SortFiles();
   void FindProblem();
+  bool MayUnpack();
   Entry Convert(const File& named) const;
   Reason WhyNot(Reason otherwise) const;
   ReadStatus Fail(ReadStatus status, Reason reason);
@@ -75,9 +80,13 @@ class MspackReader final : public EntryReader {
   MspackSystem system_;
   mscab_decompressor* library_ = nullptr;
   mscabd_cabinet* cabinet_ = nullptr;  // the first one, which has the folders of all
-  std::vector<File> files_;
+  std::vector<File> files_;            // as their data lies
+  bool listed_in_order_ = true;        // the cabinet lists them like that
   std::size_t next_ = 0;
-  mscabd_file current_ = {};  // what is left of it
+  mscabd_file current_ = {};                 // what is left of it
+  const mscabd_folder* unpacked_ = nullptr;  // the folder that the library is in
+  std::uint64_t unpacked_to_ = 0;            // and how far
+  std::uint64_t unpacked_again_ = 0;
   std::set<const mscabd_folder*> damaged_;
   ReadStatus content_status_ = ReadStatus::kEnd;
   std::string missing_;  // the cabinet behind the last one
@@ -106,7 +115,27 @@ bool MspackReader::Open() {
     return false;
   }
   if (AppendCabinets()) FindProblem();
+  SortFiles();
   return true;
+}
+
+// The library unpacks a folder from its beginning for each file that lies in front of the one before.
+void MspackReader::SortFiles() {
+  std::map<const mscabd_folder*, std::size_t> ranks;
+  for (const mscabd_folder* folder = cabinet_->folders; folder != nullptr; folder = folder->next)
+    ranks.emplace(folder, ranks.size());
+  const auto place = [&ranks](const File& named) {
+    return std::pair(ranks[named.file.folder], named.file.offset);
+  };
+  const auto before = [&place](const File& a, const File& b) { return place(a) < place(b); };
+  listed_in_order_ = std::is_sorted(files_.begin(), files_.end(), before);
+  if (!listed_in_order_) std::stable_sort(files_.begin(), files_.end(), before);
+}
+
+// Files whose data overlaps make the library go back.
+bool MspackReader::MayUnpack() {
+  if (current_.folder == unpacked_ && current_.offset < unpacked_to_) unpacked_again_ += current_.offset;
+  return unpacked_again_ <= kMostUnpackedAgain;
 }
 
 void MspackReader::Append(const mscabd_file& file, mscabd_folder* folder) {
@@ -116,7 +145,9 @@ void MspackReader::Append(const mscabd_file& file, mscabd_folder* folder) {
 }
 
 bool MspackReader::IsPlain() const {
-  if (!problem_.empty() || cabinet_->prevname != nullptr || cabinet_->nextname != nullptr) return false;
+  if (!problem_.empty() || !listed_in_order_ || cabinet_->prevname != nullptr ||
+      cabinet_->nextname != nullptr)
+    return false;
   const mscabd_folder* folder = cabinet_->folders;
   std::uint64_t end = 0;
   for (const File& named : files_) {
@@ -182,6 +213,9 @@ bool MspackReader::FailToAppend(std::size_t index) {
 }
 
 void MspackReader::FindProblem() {
+  if (cabinet_->prevname != nullptr) {
+    problem_ = why::kPreviousCabinetMissing(DecodeName(cabinet_->prevname, false, options_.charset));
+  }
   for (std::size_t i = 0; i < input_.VolumeCount(); ++i) {
     const std::uint64_t begin = input_.VolumeStart(i);
     const std::uint64_t end = i + 1 < input_.VolumeCount() ? input_.VolumeStart(i + 1) : input_.Size();
@@ -234,6 +268,7 @@ ReadStatus MspackReader::ReadContent(std::string_view* piece) {
   if (damaged_.count(current_.folder) != 0) {
     return content_status_ = Fail(ReadStatus::kFailed, WhyNot(why::kDataBeforeDamaged));
   }
+  if (!MayUnpack()) return content_status_ = Fail(ReadStatus::kFailed, why::kReadAgainTooOften);
   mscabd_file part = current_;
   part.length = std::min(current_.length, kPieceSize);
   std::string& output = system_.Output();
@@ -243,7 +278,8 @@ ReadStatus MspackReader::ReadContent(std::string_view* piece) {
     damaged_.insert(current_.folder);
     return content_status_ = Fail(ReadStatus::kFailed, WhyNot(ReasonFor(error)));
   }
-  current_.offset += part.length;
+  unpacked_ = current_.folder;
+  unpacked_to_ = current_.offset += part.length;
   current_.length -= part.length;
   *piece = output;
   return ReadStatus::kOk;

@@ -4,6 +4,23 @@
 #include <utility>
 
 namespace quendle::modules {
+namespace {
+
+thread_local InterruptibleReads* interruptible = nullptr;
+
+}  // namespace
+
+InterruptibleReads::InterruptibleReads(std::function<bool()> may_go_on)
+    : may_go_on_(std::move(may_go_on)), outer_(std::exchange(interruptible, this)) {}
+
+InterruptibleReads::~InterruptibleReads() {
+  interruptible = outer_;
+}
+
+bool InterruptibleReads::MayGoOn() {
+  interrupted_ = interrupted_ || !may_go_on_();
+  return !interrupted_;
+}
 
 ArchiveInput::ArchiveInput(std::shared_ptr<const platform::InputFile> file, std::uint64_t offset)
     : offset_(offset), size_(file->Size() - std::min(offset, file->Size())) {
@@ -30,6 +47,9 @@ ArchiveInput ArchiveInput::From(std::uint64_t offset) const {
 platform::Result ArchiveInput::ReadAt(std::uint64_t position, void* buffer, std::size_t size,
                                       std::size_t* got) const {
   *got = 0;
+  if (interruptible != nullptr && !interruptible->MayGoOn()) {
+    return platform::Failure(platform::Code::kCancelled, Path(), why::kCancelled);
+  }
   if (position >= size_) return platform::Success();
   position += offset_;
   auto volume = static_cast<std::size_t>(std::upper_bound(starts_.begin(), starts_.end(), position) -

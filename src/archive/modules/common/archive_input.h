@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -46,6 +47,25 @@ class ArchiveInput {
   std::vector<std::uint64_t> starts_;  // of each volume among all their bytes
   std::uint64_t offset_ = 0;           // of this input in them
   std::uint64_t size_ = 0;
+};
+
+// While it lives every read of any input on this thread asks `may_go_on` first, and is kCancelled from its first no
+// on: so whatever looks for an archive or goes through its headers ends soon, without knowing who waits for it.
+class InterruptibleReads {
+ public:
+  explicit InterruptibleReads(std::function<bool()> may_go_on);
+  ~InterruptibleReads();
+  InterruptibleReads(const InterruptibleReads&) = delete;
+  InterruptibleReads& operator=(const InterruptibleReads&) = delete;
+
+  bool MayGoOn();
+  // What was found since may be wrong.
+  bool AreInterrupted() const { return interrupted_; }
+
+ private:
+  std::function<bool()> may_go_on_;
+  InterruptibleReads* const outer_;
+  bool interrupted_ = false;
 };
 
 }  // namespace quendle::modules

@@ -54,8 +54,10 @@ std::int32_t Module::CheckArchive(const char* archive) try {
   std::unique_ptr<platform::InputFile> file;
   if (!platform::InputFile::Open(FromHost(archive), &file).ok()) return 0;
   Reason reason;
+  const InterruptibleReads reads([this, path = file->Path()] { return session_.Progress(path, 0, 0); });
   // An incomplete archive is one all the same; opening it says what is missing.
-  return family_.find(std::move(file), &reason) || !reason.empty() ? 1 : 0;
+  const bool is_one = family_.find(std::move(file), &reason) || !reason.empty();
+  return is_one && !reads.AreInterrupted() ? 1 : 0;
 } catch (const std::exception&) {
   return 0;
 }
@@ -67,16 +69,23 @@ Module::Archive Module::List(const std::string& path, Reason* reason) {
     *reason = opened.reason;
     return nullptr;
   }
+  const InterruptibleReads reads([this, &path] { return session_.Progress(path, 0, 0); });
   const auto input = family_.find(std::move(file), reason);
-  if (!input) {
+  if (reads.AreInterrupted()) *reason = why::kCancelled;
+  if (reads.AreInterrupted() || !input) {
     if (reason->empty()) *reason = why::kNoArchiveOfKind(family_.name);
     return nullptr;
   }
   for (const std::string& part : input->Paths()) session_.ReadsFrom(ToHost(part));
   const std::string identity = input->Identity() + session_.Charset();
   if (last_ && last_identity_ == identity) return last_;
-  last_ = ListArchive(
+  Archive listed = ListArchive(
       family_, *input, session_.Charset(), [this, &path] { return session_.AskPassword(path); }, reason);
+  if (reads.AreInterrupted()) {
+    *reason = why::kCancelled;
+    return nullptr;
+  }
+  last_ = std::move(listed);
   last_identity_ = identity;
   return last_;
 }

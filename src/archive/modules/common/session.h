@@ -26,7 +26,7 @@ class Session {
   const std::string& Charset() const { return charset_; }
   const std::vector<std::string>& ProtectedPaths() const { return protected_paths_; }
 
-  // At most one call to the host in 20 milliseconds. False: cancelled.
+  // At most one call to the host in 20 milliseconds, from the first 20 on. False: cancelled.
   bool Progress(const std::string& entry, std::uint64_t done, std::uint64_t total);
 
   enum class Answer { kNo, kYes, kCancel };
@@ -41,7 +41,7 @@ class Session {
   std::optional<ArchiverSession> session_;
   std::string charset_;
   std::vector<std::string> protected_paths_;
-  std::chrono::steady_clock::time_point reported_;
+  std::chrono::steady_clock::time_point reported_ = std::chrono::steady_clock::now();
 };
 
 }  // namespace quendle::modules

@@ -7,6 +7,7 @@
 
 #include "archive/modules/common/entry_names.h"
 #include "archive/modules/common/entry_times.h"
+#include "platform/process/quiet_errors.h"
 
 namespace quendle::modules {
 
@@ -30,6 +31,7 @@ class UnarrReader : public EntryReader {
       : memory_(std::move(memory)), describe_(std::move(describe)) {}
 
   bool Open(const ArchiveInput& input, UnarrFormat format) {
+    const platform::QuietErrors quiet;
     stream_.reset(input.IsWholeFile() ? ar_open_file(input.Path().c_str())
                                       : ar_open_memory(memory_.data(), memory_.size()));
     if (stream_ == nullptr) return false;
@@ -41,7 +43,7 @@ class UnarrReader : public EntryReader {
   ReadStatus NextEntry(Entry* entry) override {
     content_ = ReadStatus::kEnd;
     if (over_ != ReadStatus::kOk) return over_;
-    if (!ar_parse_entry(archive_.get())) {
+    if (!ParseEntry()) {
       return over_ = ar_at_eof(archive_.get()) ? ReadStatus::kEnd : Fail(why::kNextHeaderDamaged);
     }
     const std::int64_t offset = ar_entry_get_offset(archive_.get());
@@ -57,7 +59,7 @@ class UnarrReader : public EntryReader {
     // An entry without content is asked for nothing, which has its checksum verified all the same.
     const std::size_t size = std::min(left_, kPieceSize);
     buffer_.resize(kPieceSize);
-    if (!ar_entry_uncompress(archive_.get(), buffer_.data(), size)) {
+    if (!Uncompress(size)) {
       // It may be either, so that what another library says of the content counts more.
       reason_ = why::kDamagedOrUnknownMethod;
       return content_ = ReadStatus::kUnsupported;
@@ -72,6 +74,15 @@ class UnarrReader : public EntryReader {
   const Reason& Problem() const override { return reason_; }
 
  private:
+  // The library prints what it notices to the error stream.
+  bool ParseEntry() {
+    const platform::QuietErrors quiet;
+    return ar_parse_entry(archive_.get());
+  }
+  bool Uncompress(std::size_t size) {
+    const platform::QuietErrors quiet;
+    return ar_entry_uncompress(archive_.get(), buffer_.data(), size);
+  }
   ReadStatus Fail(Reason reason) {
     reason_ = reason;
     return ReadStatus::kFailed;

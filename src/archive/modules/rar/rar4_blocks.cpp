@@ -14,13 +14,17 @@ namespace {
 constexpr std::size_t kBlockSize = 7;       // what all blocks begin with
 constexpr std::size_t kFileBlockSize = 32;  // without name and options
 constexpr std::size_t kMainBlockSize = 13;
+constexpr std::size_t kFirstRead = 256;  // enough for most headers
+constexpr std::size_t kMostOldContent = 1U << 20;
 constexpr std::size_t kMostFiles = 1'000'000;  // beyond what anybody packs
 
 enum BlockType : std::uint8_t {
   kMain = 0x73,
   kFile = 0x74,
-  kOldFirst = 0x75,
-  kOldLast = 0x79,
+  kOldComment = 0x75,
+  kOldExtra = 0x76,
+  kOldSub = 0x77,
+  kOldSignature = 0x79,
   kService = 0x7A,
   kEnd = 0x7B
 };
@@ -40,34 +44,87 @@ struct Block {
   std::size_t NameEnd() const { return NamePosition() + static_cast<std::size_t>(Number(26, 2)); }
 };
 
-// Comments that old versions put into a block are not in its checksum.
-bool ChecksumHolds(const Block& block) {
-  std::size_t size = block.bytes.size();
-  if (block.Type() == kMain && block.Has(0x02)) size = kMainBlockSize;
-  if (block.Type() == kFile && block.Has(0x08)) size = block.NameEnd();
-  if (block.Type() >= kOldFirst && block.Type() <= kOldLast) return true;
-  return size <= block.bytes.size() &&
-         (Crc32(std::string_view(block.bytes).substr(2, size - 2)) & 0xFFFF) == block.Number(0, 2);
+// Where a file's fields end, and old versions put a comment: behind the salt and the times.
+std::size_t FieldsEnd(const Block& block) {
+  std::size_t end = block.NameEnd() + (block.Has(0x400) ? 8 : 0);
+  if (!block.Has(0x1000)) return end;
+  const std::uint64_t kinds = block.Number(end, 2);
+  end += 2;
+  for (int shift = 12; shift >= 0; shift -= 4) {
+    const std::uint64_t kind = kinds >> shift;
+    // The first time's seconds are a field of their own.
+    if ((kind & 8) != 0) end += (shift == 12 ? 0 : 4) + static_cast<std::size_t>(kind & 3);
+  }
+  return end;
+}
+
+// How much of the header its checksum is over. Versions before 3 left out what they put behind their fields.
+std::size_t SummedSize(const Block& block) {
+  switch (block.Type()) {
+    case kMain:
+      return block.Has(0x02) ? kMainBlockSize + (block.Has(0x200) ? 1 : 0) : block.bytes.size();
+    case kFile:
+      return block.Has(0x08) ? FieldsEnd(block) : block.bytes.size();
+    case kOldComment:
+      return 13;
+    case kOldExtra:
+      return 14;
+    case kOldSignature:
+      return 15;
+    default:
+      return block.bytes.size();
+  }
+}
+
+bool IsChecksum(const Block& block, std::string_view summed) {
+  return (Crc32(summed) & 0xFFFF) == block.Number(0, 2);
+}
+
+// Some of the old blocks that tell of owners have their content in it, too.
+bool HoldsWithContent(const ArchiveInput& input, const Block& block) {
+  if (block.Type() != kOldSub || block.content_size > kMostOldContent) return false;
+  std::string bytes = block.bytes;
+  bytes.resize(bytes.size() + static_cast<std::size_t>(block.content_size));
+  std::size_t got = 0;
+  return input.ReadAt(block.position, bytes.data(), bytes.size(), &got).ok() && got == bytes.size() &&
+         IsChecksum(block, std::string_view(bytes).substr(2));
+}
+
+// Writers were not of one mind about what it is over. Whatever it is over has to fit: a block that is passed over
+// because of a damaged type may be a file.
+bool ChecksumHolds(const ArchiveInput& input, const Block& block) {
+  const std::string_view header(block.bytes);
+  const std::size_t size = SummedSize(block);
+  return (size <= header.size() && IsChecksum(block, header.substr(2, size - 2))) ||
+         IsChecksum(block, header.substr(2)) || HoldsWithContent(input, block);
+}
+
+// Reads the header; false when the input ends before, or what stands there is none.
+bool ReadHeader(const ArchiveInput& input, std::uint64_t position, std::uint64_t end, Block* block) {
+  std::size_t got = 0;
+  const auto room = static_cast<std::size_t>(std::min<std::uint64_t>(end - position, kFirstRead));
+  *block = {position, std::string(std::max(room, kBlockSize), '\0'), 0};
+  if (!input.ReadAt(position, block->bytes.data(), room, &got).ok() || got < kBlockSize) return false;
+  const auto size = static_cast<std::size_t>(block->Number(5, 2));
+  if (size < kBlockSize || size > end - position) return false;
+  block->bytes.resize(size);
+  if (size <= got) return true;
+  return input.ReadAt(position, block->bytes.data(), size, &got).ok() && got == size;
 }
 
 // False, with the reason, for what is no block.
 bool ReadBlock(const ArchiveInput& input, std::uint64_t position, std::uint64_t end, Block* block,
                Reason* problem) {
-  std::size_t got = 0;
-  *block = {position, std::string(kBlockSize, '\0'), 0};
-  platform::Result result = input.ReadAt(position, block->bytes.data(), kBlockSize, &got);
-  const auto size = static_cast<std::size_t>(block->Number(5, 2));
   *problem = why::kCutOffInHeader;
-  if (!result.ok() || got < kBlockSize || size < kBlockSize || size > end - position) return false;
-  block->bytes.resize(size);
-  result = input.ReadAt(position, block->bytes.data(), size, &got);
-  if (!result.ok() || got < size) return false;
+  if (!ReadHeader(input, position, end, block)) return false;
+  const std::size_t size = block->bytes.size();
   const std::size_t least = block->IsFile()          ? block->NameEnd()
                             : block->Type() == kMain ? kMainBlockSize
                                                      : kBlockSize;
-  if (block->Type() < kMain || block->Type() > kEnd || size < least || !ChecksumHolds(*block)) return false;
+  if (block->Type() < kMain || block->Type() > kEnd || size < least) return false;
   if (block->IsFile() || block->Has(0x8000)) block->content_size = block->Number(7, 4);
   if (block->IsFile() && block->Has(0x100)) block->content_size |= block->Number(32, 4) << 32;
+  if (!ChecksumHolds(input, *block)) return false;
   *problem = why::kCutOff;
   return block->content_size <= end - position - size;
 }
@@ -161,6 +218,13 @@ RarFile ToFile(const Block& block, bool archive_is_solid) {
 
 }  // namespace
 
+bool BeginsRar4(const ArchiveInput& input, std::uint64_t begin) {
+  Block block;
+  Reason problem;
+  return begin < input.Size() && ReadBlock(input, begin, input.Size(), &block, &problem) &&
+         block.Type() == kMain;
+}
+
 void ReadRar4Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_t end, RarArchive* archive) {
   bool is_solid = false;
   bool has_main = false;
@@ -178,6 +242,7 @@ void ReadRar4Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_
       if (archive->names_encrypted) return;
     } else if (block.Type() == kEnd) {
       archive->has_next = block.Has(0x01);
+      archive->end = block.End();
       return;
     } else if (block.Type() == kFile) {
       if (archive->files.size() >= kMostFiles) {
@@ -191,6 +256,7 @@ void ReadRar4Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_
     }
     position = block.End();
   }
+  archive->end = end;
   if (wants_end) archive->problem = why::kLastBlockMissing;
 }
 

@@ -5,6 +5,9 @@
 
 namespace quendle::modules {
 
+// Is the block behind the signature the one that archives begin with?
+bool BeginsRar4(const ArchiveInput& input, std::uint64_t begin);
+
 // Goes through the blocks from behind the signature to the end.
 void ReadRar4Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_t end, RarArchive* archive);
 

@@ -7,6 +7,7 @@
 #include "archive/modules/common/signature_scan.h"
 #include "archive/modules/common/unarr_reader.h"
 #include "archive/modules/common/volumes.h"
+#include "archive/modules/rar/rar5_reader.h"
 #include "archive/modules/rar/rar_headers.h"
 #include "archive/modules/rar/rar_reader.h"
 
@@ -41,14 +42,15 @@ std::optional<ArchiveInput> JoinVolumes(VolumeSet set, std::uint64_t first_offse
 std::optional<ArchiveInput> FindRar(std::shared_ptr<const platform::InputFile> file, Reason* reason) {
   const ArchiveInput whole(file, 0);
   // Two bytes of the signature's end tell the versions apart.
-  const SignatureRule rule = {{"Rar!\x1A\x07\x00"sv, "Rar!\x1A\x07\x01\x00"sv}};
-  const auto position = FindSignature(whole, rule, [&](std::uint64_t candidate) {
-    const RarArchive headers = ReadRarVolume(whole, candidate, whole.Size());
-    return candidate == 0 || headers.names_encrypted || !headers.files.empty() || headers.problem.empty();
-  });
+  const SignatureRule rule = {.signatures = {"Rar!\x1A\x07\x00"sv, "Rar!\x1A\x07\x01\x00"sv},
+                              .behind_anything = true};
+  const auto position = FindSignature(
+      whole, rule, [&](std::uint64_t candidate) { return candidate == 0 || BeginsRar(whole, candidate); });
   if (!position) return std::nullopt;
   const ArchiveInput own = whole.From(*position);
   const RarArchive headers = ReadRarVolume(own, 0, own.Size());
+  // What is neither at the beginning nor behind a program may be a part of something else: a disk, a document.
+  if (*position > 0 && headers.end != own.Size() && !BeginsWithProgram(whole)) return std::nullopt;
   if (!headers.is_volume) return own;
   VolumeSet set = FindVolumes(std::move(file));
   if (!set.is_first || !headers.is_first) {

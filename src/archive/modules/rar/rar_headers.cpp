@@ -46,6 +46,17 @@ RarVersion RarVersionAt(const ArchiveInput& input, std::uint64_t position) {
   return bytes == kSignature5 ? RarVersion::kRar5 : RarVersion::kNone;
 }
 
+bool BeginsRar(const ArchiveInput& input, std::uint64_t position) {
+  switch (RarVersionAt(input, position)) {
+    case RarVersion::kRar4:
+      return BeginsRar4(input, position + kSignature4.size());
+    case RarVersion::kRar5:
+      return BeginsRar5(input, position + kSignature5.size());
+    default:
+      return false;
+  }
+}
+
 RarArchive ReadRarVolume(const ArchiveInput& input, std::uint64_t begin, std::uint64_t end) {
   RarArchive volume;
   volume.version = RarVersionAt(input, begin);

@@ -16,6 +16,9 @@ enum class RarVersion { kNone, kRar4, kRar5 };  // kRar4: that and what came bef
 // What signature stands there?
 RarVersion RarVersionAt(const ArchiveInput& input, std::uint64_t position);
 
+// Is it followed by the first block of an archive, whole by its checksum? Reads that block at most.
+bool BeginsRar(const ArchiveInput& input, std::uint64_t position);
+
 // A file or folder. Of one that is spread over volumes there is one, with what its parts say together.
 struct RarFile {
   std::uint64_t position = 0;  // of its (first) header in the input
@@ -29,6 +32,7 @@ struct RarFile {
   bool is_folder = false;
   std::uint64_t packed_size = 0;
   std::uint64_t size = 0;
+  bool has_size = true;
   std::uint32_t crc = 0;
   bool has_crc = true;
   std::uint8_t host = 0;
@@ -36,6 +40,8 @@ struct RarFile {
   std::uint32_t mode = 0;   // attributes by the host
   std::uint32_t dos_time = 0;
   std::int32_t nanoseconds = 0;  // to be added to that
+  // RAR 5: the name of the earlier file whose content it has.
+  std::optional<std::string> source;
 };
 
 struct RarArchive {
@@ -44,7 +50,8 @@ struct RarArchive {
   bool is_first = true;  // of the volumes
   bool names_encrypted = false;
   bool has_next = false;       // another volume follows
-  std::vector<RarFile> files;  // of RAR 5: sizes and checksums only
+  std::uint64_t end = 0;       // behind the last block, when all were read
+  std::vector<RarFile> files;  // of RAR 5: names, sizes, checksums and sources
   Reason problem;              // why there may be more; empty: these are all
 };
 

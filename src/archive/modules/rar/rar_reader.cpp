@@ -150,57 +150,6 @@ ReadStatus RarReader::CheckContent() {
   return crc_.Value() == file.crc ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, why::kWrongChecksum);
 }
 
-// Adds what the library does not tell: that the archive is not whole, or the content of what is stored is wrong.
-class Rar5Reader final : public EntryReader {
- public:
-  Rar5Reader(std::unique_ptr<EntryReader> library, RarArchive archive)
-      : library_(std::move(library)), archive_(std::move(archive)) {}
-
-  ReadStatus NextEntry(Entry* entry) override {
-    const ReadStatus status = library_->NextEntry(entry);
-    size_ = 0;
-    crc_ = {};
-    if (status == ReadStatus::kOk) {
-      if (next_ == archive_.files.size()) return Fail(why::kMoreThanHeaders);
-      entry->crc = archive_.files[next_++].crc;
-      return status;
-    }
-    reason_ = library_->Problem();
-    if (status != ReadStatus::kEnd) return status;
-    if (!archive_.problem.empty()) return Fail(archive_.problem);
-    return next_ == archive_.files.size() ? status : Fail(why::kSomePassedOver);
-  }
-  ReadStatus ReadContent(std::string_view* piece) override {
-    const ReadStatus status = library_->ReadContent(piece);
-    if (status == ReadStatus::kOk) {
-      size_ += piece->size();
-      crc_.Add(*piece);
-    } else if (status == ReadStatus::kEnd) {
-      const RarFile& file = archive_.files[next_ - 1];
-      if (file.has_crc && crc_.Value() != file.crc) return Fail(why::kWrongChecksum);
-      // The library checks the other kind, but not of what is stored.
-      if (!file.has_crc && file.method == '0' && size_ > 0) return Fail(why::kUnverifiable);
-    } else {
-      reason_ = library_->Problem();
-    }
-    return status;
-  }
-  const Reason& Problem() const override { return reason_; }
-
- private:
-  ReadStatus Fail(Reason reason) {
-    reason_ = std::move(reason);
-    return ReadStatus::kFailed;
-  }
-
-  std::unique_ptr<EntryReader> library_;
-  RarArchive archive_;
-  std::size_t next_ = 0;
-  std::uint64_t size_ = 0;  // of the content so far
-  Crc32Sum crc_;
-  Reason reason_;
-};
-
 std::unique_ptr<EntryReader> OpenRar4(const ArchiveInput& input, const ReaderOptions& options,
                                       bool (RarReader::*open)(Reason*), Reason* reason) {
   RarArchive archive = ReadRarArchive(input);
@@ -223,21 +172,6 @@ std::unique_ptr<EntryReader> OpenRarByUnarr(const ArchiveInput& input, const Rea
 std::unique_ptr<EntryReader> OpenRarByLibarchive(const ArchiveInput& input, const ReaderOptions& options,
                                                  Reason* reason) {
   return OpenRar4(input, options, &RarReader::OpenByLibarchive, reason);
-}
-
-std::unique_ptr<EntryReader> OpenRar5(const ArchiveInput& input, const ReaderOptions& options,
-                                      Reason* reason) {
-  RarArchive archive = ReadRarArchive(input);
-  *reason = archive.names_encrypted ? why::kNamesEncrypted
-            : archive.files.empty() ? archive.problem
-                                    : Reason();
-  if (!reason->empty()) return nullptr;
-  // The library looks for the next volume in 512 bytes at a time, and does not see one that is smaller.
-  Ending ending;
-  if (input.VolumeCount() > 1) ending = {input.Size(), std::string(1024, '\0')};
-  auto library = OpenLibarchive(input, options, LibarchiveFormat::kRar5, {}, reason, std::move(ending));
-  if (!library) return nullptr;
-  return std::make_unique<Rar5Reader>(std::move(library), std::move(archive));
 }
 
 }  // namespace quendle::modules
