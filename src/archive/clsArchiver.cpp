@@ -67,13 +67,16 @@ struct clsArchiver::Work {
 };
 
 clsArchiver::clsArchiver(Environment environment)
-    : environment_(std::move(environment)), libraries_(environment_.module_folder) {
+    : environment_(std::move(environment)),
+      libraries_(environment_.module_folder),
+      passwords_(environment_.passwords) {
   std::vector<std::string>& files = environment_.protected_files;
   for (std::string& place : ArchiverLibraries::PlacesOfUsers()) files.push_back(std::move(place));
 }
 
 bool clsArchiver::mExtractArchive(const std::string& destination) {
   report_ = {};
+  locked_.clear();
   const ArchiverRow& row = ArchiverRowOf(type_);
   bool succeeded = false;
   Guarded(&report_, [&] {
@@ -82,7 +85,7 @@ bool clsArchiver::mExtractArchive(const std::string& destination) {
       report_.problems.push_back({"", why::kLibraryLost});
       return;
     }
-    Work work = Begin(row, *library, destination, &report_);
+    Work work = Begin(row, *library, destination, &report_, true);
     Guarded(&report_, [&] { List(&work); });
     Guarded(&report_, [&] { Choose(&work); });
     SMARTMAKEDIR = work.flat;
@@ -95,14 +98,22 @@ bool clsArchiver::mExtractArchive(const std::string& destination) {
 
 ExtractionReport clsArchiver::PlanExtraction(const std::string& destination, bool somebody_answers) {
   ExtractionReport report;
+  // Each password that does not fit takes a while, and a window plans whenever something changes.
+  report.asks_for_password = somebody_answers && locked_ == pFileName;
+  if (report.asks_for_password) return report;
   const ArchiverRow& row = ArchiverRowOf(type_);
   Guarded(&report, [&] {
     const ArchiverLibrary* library = libraries_.Use(row);
     if (library == nullptr) return;
-    Work work = Begin(row, *library, destination, &report);
+    Work work = Begin(row, *library, destination, &report, !somebody_answers);
     List(&work);
+    if (!report.problems.empty() && work.session.LacksPassword()) {
+      report = {};
+      report.asks_for_password = true;
+      locked_ = pFileName;
+      return;
+    }
     Choose(&work);
-    RememberPassword(work);
     FindObstacles(work, somebody_answers);
   });
   return report;
@@ -133,7 +144,8 @@ void clsArchiver::FindObstacles(const Work& work, bool somebody_answers) const {
 }
 
 clsArchiver::Work clsArchiver::Begin(const ArchiverRow& row, const ArchiverLibrary& library,
-                                     const std::string& destination, ExtractionReport* report) const {
+                                     const std::string& destination, ExtractionReport* report,
+                                     bool asks_for_password) const {
   return Work{row,
               library,
               destination,
@@ -142,14 +154,13 @@ clsArchiver::Work clsArchiver::Begin(const ArchiverRow& row, const ArchiverLibra
               {library,
                environment_.user,
                pFileName,
-               {ARCHIVECHARSET, password_, environment_.protected_files},
+               {ARCHIVECHARSET, passwords_, environment_.protected_files, asks_for_password},
                &report->problems}};
 }
 
 // One that fitted may fit the next archive, too.
 void clsArchiver::RememberPassword(const Work& work) {
-  const std::string& given = work.session.Password();
-  if (work.report->problems.empty() && !given.empty()) password_ = given;
+  if (work.report->problems.empty()) PutFirst(&passwords_, work.session.Password());
 }
 
 void clsArchiver::List(Work* work) {
@@ -160,6 +171,7 @@ void clsArchiver::List(Work* work) {
     work->report->problems.push_back({"", why::kNamelessEntries(nameless)});
   }
   work->session.RethrowFault();
+  RememberPassword(*work);
 }
 
 void clsArchiver::Choose(Work* work) const {

@@ -25,6 +25,8 @@ struct ExtractionReport {
   std::vector<ExtractionProblem> problems;
   bool by_user = false;  // the only problem is that the user stopped it
   bool asks = false;     // planned: the user is asked first whether files that exist may be overwritten
+  bool asks_for_password =
+      false;  // planned: what is in it is not known before the user has said its password
 };
 
 // The first problem and how many more there are, as one line; empty when there are none.
@@ -40,6 +42,7 @@ class clsArchiver {
     std::string module_folder;  // of the archiver libraries
     // Files, and folders with all that is in them, that the program needs: no entry replaces or becomes one.
     std::vector<std::string> protected_files = {};
+    std::vector<std::string> passwords = {};  // tried for every archive, in this order
   };
   explicit clsArchiver(Environment environment);
   virtual ~clsArchiver() = default;
@@ -66,8 +69,8 @@ class clsArchiver {
   virtual bool mExtractArchive(const std::string& destination);
 
   // What mExtractArchive would do and which problems it would meet, as far as the list of entries and a look
-  // at the destination tell. Touches nothing, but may ask for a password. When there is `somebody_answers`, a file
-  // that exists and would be asked about is no problem.
+  // at the destination tell. Touches nothing and asks nothing. When there is `somebody_answers`, what would be asked about,
+  // a file that exists or the password, is no problem.
   virtual ExtractionReport PlanExtraction(const std::string& destination, bool somebody_answers = false);
 
   // Of the last mExtractArchive.
@@ -82,7 +85,7 @@ class clsArchiver {
  private:
   struct Work;
   Work Begin(const ArchiverRow& row, const ArchiverLibrary& library, const std::string& destination,
-             ExtractionReport* report) const;
+             ExtractionReport* report, bool asks_for_password) const;
   Reason VolumeProblem();
   void RememberPassword(const Work& work);
   void List(Work* work);
@@ -95,9 +98,10 @@ class clsArchiver {
 
   Environment environment_;
   ArchiverLibraries libraries_;
-  std::int16_t type_ = 0;  // the last answer of GetArcType
-  std::string inspected_;  // the file that it was for
-  std::string password_;   // that opened an archive of this run
+  std::int16_t type_ = 0;               // the last answer of GetArcType
+  std::string inspected_;               // the file that it was for
+  std::string locked_;                  // the archive that no known password opened when a plan tried them
+  std::vector<std::string> passwords_;  // that are known, the one that opened an archive last at first
 };
 
 // The word for an archive type: 1 => "ZIP", ... 5 => "7Z", 0 => "".

@@ -21,7 +21,7 @@ class Installed {
         "[Z]\r\nPattern=.*\\.zip\r\nID=1\r\nAction=1\r\nSmartMakeDir=1\r\nExclude=.*\\.bak\r\nExtractTo=" +
             folder / "d" + "\r\n");
     test::WriteFile(folder / "a.zip", "accept UnZip\n" + script);
-    test::WriteFile(folder / "password", "secret\r\nmore");
+    test::WriteFile(folder / "password", "\xEF\xBB\xBFother\r\n\r\nsecret\r\n");
   }
 
   int Run(const std::string& arguments) {
@@ -65,8 +65,15 @@ GTEST_TEST(ProgramExtraction, PlansAndExtracts) {
 
   EXPECT_EQ(program.Run("--batch --password-file none a.zip"), 2);
   EXPECT_NE(program.err.find("--password-file none: "), std::string::npos) << program.err;
-  test::WriteFile(program.folder / "password", "\r\n");
-  EXPECT_EQ(program.Run("--batch --password-file password a.zip"), 2);
+  const std::pair<const char*, const char*> files[] = {{"\r\n\n", "there is no password in it"},
+                                                       {"secret\n\x95\x5C\n", "it is not UTF-8 text"},
+                                                       {"\xFF\xFEs\n", "it is not UTF-8 text"}};
+  for (const auto& [content, reason] : files) {
+    test::WriteFile(program.folder / "password", content);
+    EXPECT_EQ(program.Run("--batch --password-file password a.zip"), 2);
+    EXPECT_NE(program.err.find(std::string("--password-file password: ") + reason), std::string::npos)
+        << program.err;
+  }
 }
 
 GTEST_TEST(ProgramExtraction, TellsProblems) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -29,14 +30,15 @@ class ArchiverBench {
  public:
   static constexpr const char* kTemporaryFolder = kSeparator == '/' ? "TMPDIR" : "TMP";
 
-  ArchiverBench()
+  explicit ArchiverBench(std::vector<std::string> passwords = {})
       : temporary(kTemporaryFolder, MakeFolder("tmp")),
         runtime("XDG_RUNTIME_DIR", ""),
         output(user),
         archiver({user,
                   [this]() -> clsOutput& { return output; },
                   folder / "modules",
-                  {folder / "own.ini", folder / "kept"}}) {}
+                  {folder / "own.ini", folder / "kept"},
+                  std::move(passwords)}) {}
 
   void Install(const std::string& name, const std::string& variant) {
     InstallModule(folder / "modules", name, variant);
