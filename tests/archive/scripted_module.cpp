@@ -3,6 +3,7 @@
 //
 //   accept PREFIX     the file is an archive of that family
 //   entry NAME        it has this entry (the bytes as they stand)
+//   dated N           when all its entries were written, date << 16 | time
 //   result N          what the next command returns, one line for each; 0 without a line
 //   output TEXT       what the next command puts out, "\n" for CR LF; "fill" fills the whole buffer
 //   closed            it cannot be opened
@@ -37,6 +38,7 @@ using Script = std::vector<std::pair<std::string, std::string>>;  // words and w
 
 struct Open {
   std::vector<std::string> entries;
+  std::uint32_t time = 0;
   std::size_t next = 0;
 };
 
@@ -171,7 +173,9 @@ ArchiverHandle OpenScript(const char* archive) {
     return 0;
   }
   static ArchiverHandle last = 0;
-  open_archives[++last] = {All(script, "entry"), 0};
+  std::uint32_t time = 0;
+  for (const std::string& dated : All(script, "dated")) time = static_cast<std::uint32_t>(std::stoul(dated));
+  open_archives[++last] = {All(script, "entry"), time, 0};
   return last;
 }
 
@@ -179,6 +183,8 @@ std::int32_t Next(ArchiverHandle handle, ArchiverEntry* entry) {
   Open& open = open_archives.at(handle);
   if (open.next == open.entries.size()) return -1;
   const std::string& name = open.entries[open.next++];
+  entry->date = static_cast<std::uint16_t>(open.time >> 16U);
+  entry->time = static_cast<std::uint16_t>(open.time);
   std::memset(entry->file_name, 0, sizeof entry->file_name);
   name.copy(entry->file_name, sizeof entry->file_name);
   return 0;
