@@ -85,7 +85,8 @@ std::string ReplacementText(const ExtractionReport& extraction, const std::strin
     const bool is_below = file.starts_with(folder);
     text.append(i == 0 ? ": " : ", ").append(ForDisplay(is_below ? file.substr(folder.size()) : file));
   }
-  if (replaces.All() > named) text += " and " + std::to_string(replaces.All() - named) + " more";
+  if (replaces.All() > named)
+    text.append(" and ").append(std::to_string(replaces.All() - named)).append(" more");
   return text;
 }
 

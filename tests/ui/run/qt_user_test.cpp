@@ -5,8 +5,7 @@
 #include <functional>
 #include <utility>
 
-#include "support/scoped_variable.h"
-#include "support/scripted_user.h"
+#include "support/archiver_bench.h"
 #include "support/temp_folder.h"
 #include "ui/modal.h"
 #include "ui/windows/frmProgress.h"
@@ -171,29 +170,45 @@ TEST_F(QtUserTest, CancelHoldsUntilTheEnd) {
   }
 }
 
+// Whatever is typed reaches the library as it is, which asks while it lists and while it extracts.
 TEST_F(QtUserTest, PasswordsOfAnArchive) {
   const std::string strange = "パス\xF0\x9F\x94\x91 é";
-  QStringList typed = {QString::fromStdString(strange), ""};
+  test::InstallModule(folder_ / "modules", "7-zip32", "full");
+  for (const char* name : {"a.7z", "b.7z"})
+    test::WriteFile(folder_ / name,
+                    "accept SevenZip\nentry a\nlocked " + strange + name + "\npassword " + strange + name);
+  clsOutput output(*user_);
+  clsArchiver archiver({*user_, [&]() -> clsOutput& { return output; }, folder_ / "modules"});
+  QStringList typed;
   QStringList prompts;
   const test::WithModal modal([&](QWidget& window) {
-    QString prompt;
-    for (const QLabel* label : window.findChildren<QLabel*>()) prompt += label->text();
-    prompts.append(prompt);
+    prompts.append("");
+    for (const QLabel* label : window.findChildren<QLabel*>()) prompts.back() += label->text();
     auto* box = window.findChild<QLineEdit*>();
     ASSERT_NE(box, nullptr);
     EXPECT_EQ(box->echoMode(), QLineEdit::Password);
     box->insert(typed.takeFirst());
     QTest::keyClick(box, Qt::Key_Return);
   });
-  user_->SetBusy(true);
-  EXPECT_EQ(user_->AskPassword("/in/a.zip", false), strange);
-  EXPECT_EQ(user_->AskPassword("/in/a.zip", true), std::nullopt);
-  user_->SetBusy(false);
-  for (const bool is_again : {false, true}) {
-    const QString& prompt = prompts.at(is_again ? 1 : 0);
-    EXPECT_EQ(prompt.contains("違います"), is_again);
-    EXPECT_TRUE(prompt.contains("a.zip")) << prompt.toStdString();
-  }
+  const auto extract = [&](const char* name, const QStringList& answers) {
+    typed = answers;
+    prompts.clear();
+    archiver.pFileName = folder_ / name;
+    EXPECT_EQ(archiver.GetArcType(), 5);
+    EXPECT_TRUE(archiver.PlanExtraction(folder_ / "d", true).asks_for_password);
+    EXPECT_TRUE(prompts.isEmpty()) << "by a plan";
+    const bool extracted = archiver.mExtractArchive(folder_ / "d");
+    EXPECT_TRUE(typed.isEmpty());
+    for (const QString& prompt : prompts) {
+      EXPECT_EQ(prompt.contains("違います"), &prompt != &prompts.front());
+      EXPECT_TRUE(prompt.contains(name)) << prompt.toStdString();
+    }
+    return extracted;
+  };
+  EXPECT_FALSE(extract("a.7z", {"wrong", ""})) << "who has none leaves it";
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "d"));
+  EXPECT_TRUE(extract("a.7z", {"wrong", QString::fromStdString(strange + "a.7z")}));
+  EXPECT_FALSE(extract("b.7z", {"1", "2", "3"}));
 }
 
 TEST_F(QtUserTest, BusyIsLiftedForQuestionsAndBalanced) {
