@@ -28,7 +28,7 @@ Span SecondsOf(std::uint32_t entry_time) {
   if (!date.ok()) return span;
   const auto shown = sys_days(date) + hours(bits(11, 5)) + minutes(bits(5, 6)) + seconds(2 * bits(0, 5));
   const std::int64_t clock = shown.time_since_epoch().count();
-  constexpr std::int64_t kDay = 24 * 60 * 60;
+  constexpr std::int64_t kDay = 86'400;
   // The clock's distance from UTC is one of the day before and the day behind.
   for (const std::int64_t near : {clock - kDay, clock + kDay}) {
     const std::int64_t time = clock - (platform::SecondsOfLocalClock(near) - near);

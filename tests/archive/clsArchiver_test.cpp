@@ -238,31 +238,18 @@ GTEST_TEST(ClsArchiver, PlansSayWhatWouldBeReplaced) {
     if (!replaces) continue;
     EXPECT_EQ((std::vector{replaces->sure, replaces->unsure, replaces->asked}), row.counts);
     EXPECT_TRUE(replaces->is_whole);
-    if (replaces->All() > 0)
-      EXPECT_EQ(replaces->files, (Texts{bench.folder / "to/a", bench.folder / "to/s/b"}));
+    const Texts both = {bench.folder / "to/a", bench.folder / "to/s/b"};
+    EXPECT_EQ(replaces->files, replaces->All() > 0 ? both : Texts());
   }
 }
 
 // A window says that it does not know all rather than to keep somebody waiting.
 GTEST_TEST(ClsArchiver, PlansForSomebodyComeToAnEnd) {
-  const test::TempFolder folder;
-  test::ScriptedUser user;
-  clsOutput output(user);
-  test::InstallModule(folder / "modules", "UnZIP32", "full");
-  test::WriteFile(folder / "a.zip", "accept UnZip\nentry a.zip\nentry b\n");
-  clsArchiver archiver({user,
-                        [&]() -> clsOutput& { return output; },
-                        folder / "modules",
-                        {},
-                        {},
-                        std::chrono::milliseconds(0)});
-  archiver.pFileName = folder / "a.zip";
-  ASSERT_EQ(archiver.GetArcType(), 1);
-  for (const bool waits : {true, false}) {
-    const auto replaces = archiver.PlanExtraction(folder / "d", waits).replaces;
-    ASSERT_TRUE(replaces);
-    EXPECT_EQ(replaces->is_whole, !waits);
-  }
+  test::ArchiverBench bench({}, std::chrono::milliseconds(0));
+  bench.Install("UnZIP32", "full");
+  ASSERT_EQ(bench.Take("a.zip", "accept UnZip\nentry b\n"), 1);
+  for (const bool waits : {true, false})
+    EXPECT_EQ(bench.archiver.PlanExtraction(bench.folder / "d", waits).replaces.value().is_whole, !waits);
 }
 
 GTEST_TEST(ExistingFiles, TimesThatTheClockShowsTwice) {

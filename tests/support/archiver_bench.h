@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <utility>
@@ -30,7 +31,8 @@ class ArchiverBench {
  public:
   static constexpr const char* kTemporaryFolder = kSeparator == '/' ? "TMPDIR" : "TMP";
 
-  explicit ArchiverBench(std::vector<std::string> passwords = {})
+  explicit ArchiverBench(std::vector<std::string> passwords = {},
+                         std::chrono::milliseconds patience = std::chrono::hours(1))
       : temporary(kTemporaryFolder, MakeFolder("tmp")),
         runtime("XDG_RUNTIME_DIR", ""),
         output(user),
@@ -38,7 +40,8 @@ class ArchiverBench {
                   [this]() -> clsOutput& { return output; },
                   folder / "modules",
                   {folder / "own.ini", folder / "kept"},
-                  std::move(passwords)}) {}
+                  std::move(passwords),
+                  patience}) {}
 
   void Install(const std::string& name, const std::string& variant) {
     InstallModule(folder / "modules", name, variant);
