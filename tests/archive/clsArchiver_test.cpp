@@ -1,6 +1,8 @@
 #include "archive/clsArchiver.h"
 
+#include <chrono>
 #include <ctime>
+#include <thread>
 
 #include "support/archiver_bench.h"
 #include "support/file_systems.h"
@@ -289,6 +291,7 @@ GTEST_TEST(ExistingFiles, FindsThoseThatAreOthersNow) {
     add(folder / name);
     add(folder / name);
   }
+  std::this_thread::sleep_for(std::chrono::milliseconds(30));  // the clock of a file system goes in steps
   test::WriteFile(folder / "new", "old");
   test::SetWriteTime(folder / "new", 1'000'000'000);
   fs::rename(folder / "new", folder / "renamed over");
