@@ -1,5 +1,6 @@
 #include "archive/archive_session.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -10,6 +11,16 @@ constexpr int kMostQuestionsForPassword = 3;
 constexpr std::chrono::milliseconds kBetweenReports{20};
 
 }  // namespace
+
+void PutFirst(std::vector<std::string>* texts, const std::string& text) {
+  if (text.empty()) return;
+  const auto known = std::find(texts->begin(), texts->end(), text);
+  if (known == texts->end()) {
+    texts->insert(texts->begin(), text);
+  } else {
+    std::rotate(texts->begin(), known, known + 1);
+  }
+}
 
 ArchiveSession::ArchiveSession(const ArchiverLibrary& library, UserInterface& user, std::string archive,
                                Settings settings, std::vector<ExtractionProblem>* problems)
@@ -29,8 +40,7 @@ ArchiveSession::ArchiveSession(const ArchiverLibrary& library, UserInterface& us
                  nullptr,
                  &OnReadsFrom,
                  &OnProblemOf,
-                 &OnProceedFor},
-      next_password_(settings_.remembered_password) {
+                 &OnProceedFor} {
   for (std::string& path : settings_.protected_paths) {
     // A path that the library cannot be told is kept from it by what it is asked for.
     const auto encoded = library_.Encode(path);
@@ -46,6 +56,11 @@ ArchiveSession::ArchiveSession(const ArchiverLibrary& library, UserInterface& us
 ArchiveSession::~ArchiveSession() {
   library_.SetSession(nullptr);
   if (progress_shown_) user_.EndProgress();
+}
+
+void ArchiveSession::BeginCall() {
+  PutFirst(&settings_.passwords, given_);
+  offered_ = 0;
 }
 
 void ArchiveSession::RethrowFault() {
@@ -125,20 +140,16 @@ std::int32_t ArchiveSession::OnPassword(void* user, const char*, char* buffer, s
 }
 
 std::optional<std::string> ArchiveSession::NextPassword() {
-  if (!offered_ && !next_password_.empty()) {
-    offered_ = true;
-    given_ = next_password_;
-    return given_;
-  }
-  offered_ = true;
-  if (asked_ == kMostQuestionsForPassword) return std::nullopt;
+  if (offered_ < settings_.passwords.size()) return given_ = settings_.passwords[offered_++];
+  lacks_password_ = !settings_.asks_for_password;
+  if (lacks_password_ || asked_ == kMostQuestionsForPassword) return std::nullopt;
+  std::optional<std::string> answer = user_.AskPassword(archive_, asked_ > 0);
   ++asked_;
-  std::optional<std::string> answer = user_.AskPassword(archive_);
-  if (!answer) {
+  if (answer) {
+    given_ = *answer;
+  } else {
     asked_ = kMostQuestionsForPassword;  // who has none is not asked again
-    return std::nullopt;
   }
-  next_password_ = given_ = *answer;
   return answer;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <optional>
@@ -19,14 +20,17 @@ struct ExtractionProblem {
   Reason reason;
 };
 
-// Passwords are tried in this order: the one remembered from another archive, then what the user says, three
-// times at most.
+// Puts the text before all others, from where it stands or as a new one. Nothing happens to an empty text.
+void PutFirst(std::vector<std::string>* texts, const std::string& text);
+
+// Passwords are tried in this order: those that are known, then what the user says, three times at most.
 class ArchiveSession {
  public:
   struct Settings {
     std::string charset;
-    std::string remembered_password;
+    std::vector<std::string> passwords;  // that are known
     std::vector<std::string> protected_paths;
+    bool asks_for_password = true;  // else only those that are known are tried
   };
 
   // `problems` receives what the library reports. It, the library and the user outlive the session.
@@ -37,7 +41,7 @@ class ArchiveSession {
   ArchiveSession& operator=(const ArchiveSession&) = delete;
 
   // To be called before each call that may ask: the password that was given last is offered again first.
-  void BeginCall() { offered_ = false; }
+  void BeginCall();
 
   // An exception must not pass through the library: what was thrown in an answer is thrown from here, after
   // the call.
@@ -54,6 +58,9 @@ class ArchiveSession {
 
   // The password given last; empty when none was.
   const std::string& Password() const { return given_; }
+
+  // None that is known fits, and the user was not to be asked.
+  bool LacksPassword() const { return lacks_password_; }
 
  private:
   static std::int32_t ARCHIVER_CALL OnProgress(void* self, const char* path, std::uint64_t done,
@@ -83,10 +90,10 @@ class ArchiveSession {
   std::vector<std::string> read_from_;
   ArchiverSession callbacks_;
 
-  std::string next_password_;  // to be offered first
+  std::size_t offered_ = 0;  // of the known passwords, in this call
   std::string given_;
-  bool offered_ = false;
   int asked_ = 0;
+  bool lacks_password_ = false;
   std::optional<std::int32_t> answer_to_all_;
   std::chrono::steady_clock::time_point asked_to_go_on_ = std::chrono::steady_clock::now();
   bool progress_shown_ = false;

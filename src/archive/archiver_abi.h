@@ -40,7 +40,8 @@ typedef uint32_t ArchiverHandle;
 
 /* What is told of one entry. Numbers are little-endian, strings padded with NUL; without any NUL a string
  * fills its field. 26 bytes of numbers and 532 of strings without gaps, 560 bytes with the two that round it
- * up. The program reads only file_name. */
+ * up. The program reads file_name and, to tell which files an update would replace, date and time, which are 0 where the
+ * archive does not say them. */
 typedef struct ArchiverEntry {
   uint32_t original_size; /* bytes; the low 32 bits of larger ones */
   uint32_t compressed_size;

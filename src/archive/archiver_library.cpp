@@ -26,6 +26,12 @@ std::string_view UpToNul(std::string_view bytes) {
   return bytes.substr(0, bytes.find('\0'));
 }
 
+void AddTime(const std::string& name, const ArchiverEntry& entry, EntryTimes* times) {
+  const std::uint32_t time = std::uint32_t{entry.date} << 16U | entry.time;
+  const auto [known, is_new] = times->emplace(name, time);
+  if (!is_new) known->second = std::min(known->second, time) == 0 ? 0 : std::max(known->second, time);
+}
+
 // What a function of the library writes that copies as much as fits and returns how much there is.
 template <typename Copy>
 std::string WholeText(const Copy& copy) {
@@ -80,7 +86,7 @@ bool ArchiverLibrary::Accepts(const std::string& path) const {
   return encoded && check_(encoded->c_str(), 0) != 0;
 }
 
-std::vector<std::string> ArchiverLibrary::EntryNames(const std::string& archive) const {
+std::vector<std::string> ArchiverLibrary::EntryNames(const std::string& archive, EntryTimes* times) const {
   std::vector<std::string> names;
   const auto encoded = Encode(archive);
   const ArchiverHandle handle = encoded ? open_(nullptr, encoded->c_str(), 0) : 0;
@@ -91,6 +97,7 @@ std::vector<std::string> ArchiverLibrary::EntryNames(const std::string& archive)
   for (std::int32_t end = find_first_(handle, "*.*", &entry); end == 0; end = find_next_(handle, &entry)) {
     std::string name = EntryName(handle, entry);
     std::replace(name.begin(), name.end(), '\\', '/');
+    if (times != nullptr) AddTime(name, entry, times);
     names.push_back(std::move(name));
   }
   return names;

@@ -6,12 +6,17 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "archive/archiver_abi.h"
 #include "platform/services/library.h"
 
 namespace quendle {
+
+// By the names of EntryNames: date << 16 | time of ArchiverEntry, of several entries of a name the latest; 0 where the
+// library does not say it of each of them.
+using EntryTimes = std::unordered_map<std::string, std::uint32_t>;
 
 class ArchiverLibrary {
  public:
@@ -23,8 +28,9 @@ class ArchiverLibrary {
   bool Accepts(const std::string& path) const;
 
   // The entries in archive order, as the archive spells them, with "/" between the parts; empty for one that
-  // has no name. None when the archive cannot be opened: a library with a session has reported why.
-  std::vector<std::string> EntryNames(const std::string& archive) const;
+  // has no name. None when the archive cannot be opened: a library with a session has reported why. `times`, unless
+  // it is null, receives when they were written.
+  std::vector<std::string> EntryNames(const std::string& archive, EntryTimes* times = nullptr) const;
 
   // Text for the library; nothing when its encoding cannot hold the text.
   std::optional<std::string> Encode(const std::string& text) const;

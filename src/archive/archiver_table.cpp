@@ -1,5 +1,7 @@
 #include "archive/archiver_table.h"
 
+#include <algorithm>
+
 #include "base/modString.h"
 #include "base/modSystem.h"
 
@@ -76,6 +78,11 @@ const ArchiverRow& ArchiverRowOf(std::int16_t type) {
     if (row.type == type) return row;
   }
   ProgrammingError("archive type outside 1 to 5");
+}
+
+bool CanUpdate(const ArchiverRow& row) {
+  return std::any_of(row.parts.begin(), row.parts.end(),
+                     [](const CommandPart& part) { return part.mode == 2; });
 }
 
 std::string CommandLine(const ArchiverRow& row, const CommandOptions& options, const std::string& archive,

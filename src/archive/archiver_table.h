@@ -42,6 +42,9 @@ std::span<const ArchiverRow> ArchiverRows();
 // A type outside 1 to 5 is a programming error.
 const ArchiverRow& ArchiverRowOf(std::int16_t type);
 
+// Can the row's library be told to leave files alone that are not older? Else it replaces them.
+bool CanUpdate(const ArchiverRow& row);
+
 struct CommandOptions {
   bool flat = false;
   bool confirm = false;

@@ -10,6 +10,7 @@
 #include "base/modString.h"
 #include "base/modSystem.h"
 #include "platform/entries/entry_path.h"
+#include "platform/entries/entry_status.h"
 #include "platform/entries/paths.h"
 #include "platform/text/unicode.h"
 
@@ -30,6 +31,10 @@ Reason NameProblem(const std::string& name, const ArchiverLibrary& library) {
   }
   if (!library.Encode(platform::UpperCase(name))) return why::kNameNotEncodable;
   return {};
+}
+
+Reason Described(const platform::Result& place) {
+  return why::kAbout(place.reason, place.path);
 }
 
 // Where an entry with a safe name goes below the destination, with "/" between the parts.
@@ -64,16 +69,26 @@ struct clsArchiver::Work {
   ArchiveSession session;
   std::vector<std::string> names = {};
   std::vector<ExtractionGroup> groups = {};
+  EntryTimes times = {};  // where they count
+  ExistingFiles existing = {};
+
+  // The full path that an entry of the group goes to.
+  std::string PlaceOf(const std::string& name, const ExtractionGroup& group) const {
+    return OutputFolder(destination, PathOf(name, group, flat));
+  }
 };
 
 clsArchiver::clsArchiver(Environment environment)
-    : environment_(std::move(environment)), libraries_(environment_.module_folder) {
+    : environment_(std::move(environment)),
+      libraries_(environment_.module_folder),
+      passwords_(environment_.passwords) {
   std::vector<std::string>& files = environment_.protected_files;
   for (std::string& place : ArchiverLibraries::PlacesOfUsers()) files.push_back(std::move(place));
 }
 
 bool clsArchiver::mExtractArchive(const std::string& destination) {
   report_ = {};
+  locked_.clear();
   const ArchiverRow& row = ArchiverRowOf(type_);
   bool succeeded = false;
   Guarded(&report_, [&] {
@@ -82,11 +97,12 @@ bool clsArchiver::mExtractArchive(const std::string& destination) {
       report_.problems.push_back({"", why::kLibraryLost});
       return;
     }
-    Work work = Begin(row, *library, destination, &report_);
+    Work work = Begin(row, *library, destination, &report_, true);
     Guarded(&report_, [&] { List(&work); });
     Guarded(&report_, [&] { Choose(&work); });
     SMARTMAKEDIR = work.flat;
-    succeeded = work.groups.empty() || Run(&work);
+    succeeded = work.groups.empty() || (NoteExisting(&work) && Run(&work));
+    report_.replaces = work.existing.Found();
     RememberPassword(work);
     report_.by_user = work.session.IsCancelled() && report_.problems.size() == 1;
   });
@@ -95,45 +111,109 @@ bool clsArchiver::mExtractArchive(const std::string& destination) {
 
 ExtractionReport clsArchiver::PlanExtraction(const std::string& destination, bool somebody_answers) {
   ExtractionReport report;
+  // Each password that does not fit takes a while, and a window plans whenever something changes.
+  report.asks_for_password = somebody_answers && locked_ == pFileName;
+  if (report.asks_for_password) return report;
   const ArchiverRow& row = ArchiverRowOf(type_);
   Guarded(&report, [&] {
     const ArchiverLibrary* library = libraries_.Use(row);
     if (library == nullptr) return;
-    Work work = Begin(row, *library, destination, &report);
+    Work work = Begin(row, *library, destination, &report, !somebody_answers);
     List(&work);
+    if (!report.problems.empty() && work.session.LacksPassword()) {
+      report = {};
+      report.asks_for_password = true;
+      locked_ = pFileName;
+      return;
+    }
+    const bool is_listed = report.problems.empty();
     Choose(&work);
-    RememberPassword(work);
-    FindObstacles(work, somebody_answers);
+    const bool is_whole = FindObstacles(&work, somebody_answers);
+    if (!is_listed) return;
+    report.replaces = work.existing.Foretold();
+    report.replaces->is_whole = is_whole;
   });
   return report;
 }
 
-// Looks where each file would go for what a run would stumble over.
-void clsArchiver::FindObstacles(const Work& work, bool somebody_answers) const {
-  const auto tell = [&work](const std::string& entry, const platform::Result& result) {
-    if (!result.ok()) work.report->problems.push_back({entry, why::kAbout(result.reason, result.path)});
+// Looks where each file would go for what a run would stumble over. False when there was no time to look everywhere.
+bool clsArchiver::FindObstacles(Work* work, bool somebody_answers) const {
+  const auto begin = std::chrono::steady_clock::now();
+  const auto has_time = [&] {
+    return !somebody_answers || std::chrono::steady_clock::now() - begin < environment_.patience;
   };
-  for (const ExtractionGroup& group : work.groups) {
-    const platform::Result folder = CheckOutputFolder(work.destination, group.sub_folder);
-    tell("", folder);
+  for (const ExtractionGroup& group : work->groups) {
+    const platform::Result output = CheckOutputFolder(work->destination, group.sub_folder);
+    if (!output.ok()) {
+      work->report->problems.push_back({"", Described(output)});
+      continue;
+    }
+    std::string folder;
+    platform::Result links;
     for (const std::string& name : group.names) {
-      if (!folder.ok() || name.ends_with('/')) continue;
-      const std::string path = OutputFolder(work.destination, PathOf(name, group, work.flat));
-      if (FolderExists(path)) {
-        tell(name, Failure(platform::Code::kExists, path, why::kFolderInWay));
-      } else if (CONFIRMOVERWRITE && FileExists(path)) {
-        work.report->asks = true;
-        if (somebody_answers) continue;
-        tell(name, Failure(platform::Code::kExists, path, why::kExistsUnasked));
+      if (!has_time()) return false;
+      if (name.ends_with('/')) continue;
+      const std::string path = PathOf(name, group, work->flat);
+      if (std::string own = path.substr(0, path.rfind('/') + 1); own != folder) {
+        folder = std::move(own);
+        links = platform::CheckNoLinks(work->destination, folder);
+      }
+      if (links.ok()) {
+        FindObstacle(work, name, OutputFolder(work->destination, path), somebody_answers);
       } else {
-        tell(name, platform::CheckPlace(path));
+        work->report->problems.push_back({name, Described(links)});
       }
     }
   }
+  return true;
+}
+
+void clsArchiver::FindObstacle(Work* work, const std::string& name, const std::string& path,
+                               bool somebody_answers) const {
+  platform::EntryStatus existing;
+  const bool exists = platform::ReadStatus(path, &existing).ok();
+  platform::Result obstacle;
+  if (exists && existing.is_folder()) {
+    obstacle = Failure(platform::Code::kExists, path, why::kFolderInWay);
+  } else if (exists && CONFIRMOVERWRITE) {
+    work->report->asks = true;
+    if (!somebody_answers) obstacle = Failure(platform::Code::kExists, path, why::kExistsUnasked);
+  } else {
+    obstacle = platform::CheckPlace(path);
+  }
+  if (exists && !existing.is_folder()) work->existing.Note(path, existing, FateOf(*work, name, existing));
+  if (!obstacle.ok()) work->report->problems.push_back({name, Described(obstacle)});
+}
+
+Fate clsArchiver::FateOf(const Work& work, const std::string& name,
+                         const platform::EntryStatus& existing) const {
+  if (CONFIRMOVERWRITE) return Fate::kAsked;
+  if (!Updates(work.row)) return Fate::kReplaced;
+  const auto time = work.times.find(name);
+  return FateByTime(time == work.times.end() ? 0 : time->second, existing);
+}
+
+// What is there before a run, so that it can be told what the run has replaced. False when the user has stopped it.
+bool clsArchiver::NoteExisting(Work* work) const {
+  for (const ExtractionGroup& group : work->groups) {
+    if (!FolderExists(OutputFolder(work->destination, group.sub_folder))) continue;
+    for (const std::string& name : group.names) {
+      if (!work->session.MayGoOn()) {
+        work->report->problems.push_back({"", why::kStopped});
+        return false;
+      }
+      const std::string path = work->PlaceOf(name, group);
+      platform::EntryStatus existing;
+      if (platform::ReadStatus(path, &existing).ok() && !existing.is_folder())
+        work->existing.Note(path, existing, Fate::kReplaced);
+    }
+  }
+  return true;
 }
 
 clsArchiver::Work clsArchiver::Begin(const ArchiverRow& row, const ArchiverLibrary& library,
-                                     const std::string& destination, ExtractionReport* report) const {
+                                     const std::string& destination, ExtractionReport* report,
+                                     bool asks_for_password) const {
   return Work{row,
               library,
               destination,
@@ -142,24 +222,24 @@ clsArchiver::Work clsArchiver::Begin(const ArchiverRow& row, const ArchiverLibra
               {library,
                environment_.user,
                pFileName,
-               {ARCHIVECHARSET, password_, environment_.protected_files},
+               {ARCHIVECHARSET, passwords_, environment_.protected_files, asks_for_password},
                &report->problems}};
 }
 
 // One that fitted may fit the next archive, too.
 void clsArchiver::RememberPassword(const Work& work) {
-  const std::string& given = work.session.Password();
-  if (work.report->problems.empty() && !given.empty()) password_ = given;
+  if (work.report->problems.empty()) PutFirst(&passwords_, work.session.Password());
 }
 
 void clsArchiver::List(Work* work) {
   work->session.BeginCall();
-  work->names = work->library.EntryNames(pFileName);
+  work->names = work->library.EntryNames(pFileName, Updates(work->row) ? &work->times : nullptr);
   const std::size_t nameless = std::erase(work->names, "");
   if (nameless > 0) {
     work->report->problems.push_back({"", why::kNamelessEntries(nameless)});
   }
   work->session.RethrowFault();
+  RememberPassword(*work);
 }
 
 void clsArchiver::Choose(Work* work) const {

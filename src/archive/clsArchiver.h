@@ -2,15 +2,18 @@
 // work; this class decides which entries go where and tells them.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "archive/archive_session.h"
 #include "archive/archiver_libraries.h"
 #include "archive/clsOutput.h"
+#include "archive/existing_files.h"
 #include "archive/extraction_list.h"
 #include "base/user_interface.h"
 
@@ -23,8 +26,12 @@ struct ExtractionReport {
   std::vector<std::string> folders;  // extracted into and not there before, full paths
   bool doubled_folder_avoided = false;
   std::vector<ExtractionProblem> problems;
+  // Files that are, or would be, replaced. Nothing: unknown, since not all entries could be listed.
+  std::optional<Replacements> replaces = std::nullopt;
   bool by_user = false;  // the only problem is that the user stopped it
   bool asks = false;     // planned: the user is asked first whether files that exist may be overwritten
+  bool asks_for_password =
+      false;  // planned: what is in it is not known before the user has said its password
 };
 
 // The first problem and how many more there are, as one line; empty when there are none.
@@ -40,6 +47,10 @@ class clsArchiver {
     std::string module_folder;  // of the archiver libraries
     // Files, and folders with all that is in them, that the program needs: no entry replaces or becomes one.
     std::vector<std::string> protected_files = {};
+    std::vector<std::string> passwords = {};  // tried for every archive, in this order
+    // How long a plan for somebody who waits for it looks at the places that entries go to; large archives name them by the
+    // hundred thousand.
+    std::chrono::milliseconds patience{200};
   };
   explicit clsArchiver(Environment environment);
   virtual ~clsArchiver() = default;
@@ -69,8 +80,8 @@ class clsArchiver {
   virtual bool mExtractArchive(const std::string& destination);
 
   // What mExtractArchive would do and which problems it would meet, as far as the list of entries and a look
-  // at the destination tell. Touches nothing, but may ask for a password. When there is `somebody_answers`, a file
-  // that exists and would be asked about is no problem.
+  // at the destination tell. Touches nothing and asks nothing. When there is `somebody_answers`, what would be asked about,
+  // a file that exists or the password, is no problem, and it comes to an end before somebody gets tired of waiting.
   virtual ExtractionReport PlanExtraction(const std::string& destination, bool somebody_answers = false);
 
   // Of the last mExtractArchive.
@@ -85,7 +96,7 @@ class clsArchiver {
  private:
   struct Work;
   Work Begin(const ArchiverRow& row, const ArchiverLibrary& library, const std::string& destination,
-             ExtractionReport* report) const;
+             ExtractionReport* report, bool asks_for_password) const;
   bool Accepts(const ArchiverLibrary& library);
   Reason VolumeProblem();
   void RememberPassword(const Work& work);
@@ -93,16 +104,25 @@ class clsArchiver {
   void Choose(Work* work) const;
   void Refuse(Work* work) const;
   void KeepWhatIsNeeded(Work* work) const;
-  void FindObstacles(const Work& work, bool somebody_answers) const;
+  bool FindObstacles(Work* work, bool somebody_answers) const;
+  void FindObstacle(Work* work, const std::string& name, const std::string& path,
+                    bool somebody_answers) const;
+  bool NoteExisting(Work* work) const;
+  // Files that are not older are left alone.
+  bool Updates(const ArchiverRow& row) const {
+    return !CONFIRMOVERWRITE && EXTRACTTYPE == 2 && CanUpdate(row);
+  }
+  Fate FateOf(const Work& work, const std::string& name, const platform::EntryStatus& existing) const;
   void Guarded(ExtractionReport* report, const std::function<void()>& step);
   bool Run(Work* work);
 
   Environment environment_;
   ArchiverLibraries libraries_;
-  std::int16_t type_ = 0;  // the last answer of GetArcType
-  bool stopped_ = false;   // that one
-  std::string inspected_;  // the file that it was for
-  std::string password_;   // that opened an archive of this run
+  std::int16_t type_ = 0;               // the last answer of GetArcType
+  bool stopped_ = false;                // that one
+  std::string inspected_;               // the file that it was for
+  std::string locked_;                  // the archive that no known password opened when a plan tried them
+  std::vector<std::string> passwords_;  // that are known, the one that opened an archive last at first
 };
 
 // The word for an archive type: 1 => "ZIP", ... 5 => "7Z", 0 => "".

@@ -166,15 +166,15 @@ void ExtractionRun::ExtractTogether() {
   context_.session.BeginCall();
   const std::int32_t result = context_.library.ExtractCalls(&calls);
   for (std::size_t i = 0; i < pairs_.size(); ++i) {
-    if (!Settle(pairs_[i], calls[i].output, calls[i].result)) break;
+    (void)Settle(pairs_[i], calls[i].output, calls[i].result);
   }
-  if (result_ == 0) result_ = result;  // a failure before the first call
+  if (result_ == 0) result_ = result;  // of the pass as a whole
   context_.session.RethrowFault();
 }
 
-// After a call: takes its output and its result. False when no other may follow.
+// After a call: takes its output and its result. False when none that depends on it may follow.
 bool ExtractionRun::Settle(const Pair& pair, const char* output, std::int32_t result) {
-  result_ = result;
+  if (result_ == 0) result_ = result;
   clsOutput& log = context_.output;
   if (log.SHOWRESULT) log.SetOutputText(context_.library.OutputText(std::string_view(output, kShownOutput)));
   RemoveResponseFile(pair);

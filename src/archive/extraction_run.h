@@ -42,9 +42,9 @@ class ExtractionRun {
   ExtractionRun(const ExtractionRun&) = delete;
   ExtractionRun& operator=(const ExtractionRun&) = delete;
 
-  // True when the last call of the library succeeded. A group whose folder cannot be had is a problem and is
-  // left out. After a call that failed no further one is made, and the response files of those that were not
-  // made stay; calls in one pass are all made.
+  // True when all calls of the library succeeded. A group whose folder cannot be had is a problem and is left
+  // out. After a call that failed no further one is made, and the response files of those that were not made
+  // stay; calls in one pass are all made, and all that they put out is taken.
   bool Extract(const std::vector<ExtractionGroup>& groups);
 
  private:
@@ -67,7 +67,7 @@ class ExtractionRun {
   Context context_;
   std::vector<Pair> pairs_;
   std::vector<std::string> made_folders_;
-  std::int32_t result_ = 0;  // of the last call
+  std::int32_t result_ = 0;  // of the first call that failed
 };
 
 }  // namespace quendle

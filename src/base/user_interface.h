@@ -39,8 +39,9 @@ class UserInterface {
   // May this be deleted for good? With nobody to ask: no.
   virtual bool AskDelete(const std::string& path) = 0;
 
-  // A password for the archive of that path; nothing when there is none (any more). With nobody to ask: none.
-  virtual std::optional<std::string> AskPassword(const std::string& archive) = 0;
+  // A password for the archive of that path; nothing when there is none. `is_again`: the one that was said before does not
+  // open it. With nobody to ask: none.
+  virtual std::optional<std::string> AskPassword(const std::string& archive, bool is_again) = 0;
 
   // May the work go on although something is suspicious, as the question says? With nobody to ask: no.
   virtual bool AskProceed(const Reason& question) = 0;

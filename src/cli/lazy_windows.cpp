@@ -46,8 +46,8 @@ bool LazyWindows::AskDelete(const std::string& path) {
   return Dialogs().AskDelete(path);
 }
 
-std::optional<std::string> LazyWindows::AskPassword(const std::string& archive) {
-  return Dialogs().AskPassword(archive);
+std::optional<std::string> LazyWindows::AskPassword(const std::string& archive, bool is_again) {
+  return Dialogs().AskPassword(archive, is_again);
 }
 
 bool LazyWindows::AskProceed(const Reason& question) {

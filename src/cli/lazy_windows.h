@@ -34,7 +34,7 @@ class LazyWindows : public UserInterface {
                                const platform::FileSide& incoming) override;
   bool AskMakeFolder(const std::string& folder) override;
   bool AskDelete(const std::string& path) override;
-  std::optional<std::string> AskPassword(const std::string& archive) override;
+  std::optional<std::string> AskPassword(const std::string& archive, bool is_again) override;
   bool AskProceed(const Reason& question) override;
   void ShowMessage(MessageKind kind, const std::string& text) override;
   void ShowExtractionLog(const std::string& text) override;

@@ -26,7 +26,7 @@ const std::vector<OptionRule>& Rules() {
        [](Options* o, const std::string& value) { o->profile = value; }},
       {"--settings", "DIR", "folder of mover.ini, items.ini and test.ini",
        [](Options* o, const std::string& value) { o->settings = value; }},
-      {"--password-file", "FILE", "the first line of FILE is the password for archives",
+      {"--password-file", "FILE", "passwords for archives, one in each line of FILE",
        [](Options* o, const std::string& value) { o->password_file = value; }},
       {"--confirm", "", "ask before acting, like holding Ctrl (windowed)",
        [](Options* o, const std::string&) { o->confirm = true; }},

@@ -16,7 +16,7 @@ struct Options {
   bool version = false;
   std::string settings;                // folder of the settings files; empty: the usual one
   std::optional<std::string> profile;  // the profile for every path
-  std::string password_file;           // its first line is the password for archives; empty: none
+  std::string password_file;           // its lines are the passwords for archives; empty: none
   std::vector<std::string> paths;
 };
 

@@ -1,14 +1,18 @@
 #include "cli/report.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
 #include "base/display.h"
+#include "base/modString.h"
 #include "base/modSystem.h"
 #include "platform/text/unicode.h"
 
 namespace quendle {
 namespace {
+
+constexpr std::size_t kMostNamed = 3;  // files in a line for people
 
 const char* StepWord(StepKind kind) {
   switch (kind) {
@@ -62,11 +66,35 @@ std::string Describe(const ActionStep& step) {
   return std::string(StepWord(step.kind)) + " to " + ForDisplay(step.to);
 }
 
-std::string EntriesText(const ExtractionReport& extraction) {
+// => ", replacing 3, perhaps 2: a.txt, s/b.txt, c and 2 more"
+std::string ReplacementText(const ExtractionReport& extraction, const std::string& to) {
+  if (!extraction.replaces) return ", what it replaces is not known";
+  const Replacements& replaces = *extraction.replaces;
+  if (replaces.All() == 0) return "";
+  std::string text = ", ";
+  const auto tell = [&text](const char* word, std::size_t count) {
+    if (count > 0) text.append(text.size() > 2 ? ", " : "").append(word).append(std::to_string(count));
+  };
+  tell("replacing ", replaces.sure);
+  tell("perhaps replacing ", replaces.unsure);
+  tell("asking about ", replaces.asked);
+  const std::string folder = AddBackslash(to);
+  const std::size_t named = std::min(replaces.files.size(), kMostNamed);
+  for (std::size_t i = 0; i < named; ++i) {
+    const std::string& file = replaces.files[i];
+    const bool is_below = file.starts_with(folder);
+    text.append(i == 0 ? ": " : ", ").append(ForDisplay(is_below ? file.substr(folder.size()) : file));
+  }
+  if (replaces.All() > named)
+    text.append(" and ").append(std::to_string(replaces.All() - named)).append(" more");
+  return text;
+}
+
+std::string EntriesText(const ExtractionReport& extraction, const std::string& to) {
   std::string text =
       " (" + std::to_string(extraction.chosen) + " of " + std::to_string(extraction.all) + " entries";
   if (extraction.doubled_folder_avoided) text += ", no doubled folder";
-  return text + ")";
+  return text + ReplacementText(extraction, to) + ")";
 }
 
 std::string Shown(const Reason& error) {
@@ -101,6 +129,8 @@ bool HasRawBytes(const DispatchReport& report) {
     valid = valid && platform::IsUtf8(step.to);
     if (!step.extraction) continue;
     for (const std::string& folder : step.extraction->folders) valid = valid && platform::IsUtf8(folder);
+    if (!step.extraction->replaces) continue;
+    for (const std::string& file : step.extraction->replaces->files) valid = valid && platform::IsUtf8(file);
   }
   return !valid;
 }
@@ -115,7 +145,7 @@ std::string TextLine(const DispatchReport& report) {
   std::string separator = " ";
   for (const ActionStep& step : report.steps) {
     line += separator + Describe(step);
-    if (step.extraction) line += EntriesText(*step.extraction);
+    if (step.extraction) line += EntriesText(*step.extraction, step.to);
     if (IsUndone(step)) line += std::string(" (") + ResultWord(step.result) + ")";
     separator = "; ";
   }
@@ -137,6 +167,11 @@ std::string JsonLine(const DispatchReport& report) {
   // One rule for the whole object, so that a reader can undo it.
   const bool escaped = HasRawBytes(report);
   const auto shown = [escaped](const std::string& path) { return escaped ? WithEscapedBytes(path) : path; };
+  const auto list = [&shown](const std::vector<std::string>& paths) {
+    auto array = nlohmann::ordered_json::array();
+    for (const std::string& path : paths) array.push_back(shown(path));
+    return array;
+  };
   nlohmann::ordered_json object;
   object["path"] = shown(report.path);
   object["name"] = shown(report.name);
@@ -154,9 +189,15 @@ std::string JsonLine(const DispatchReport& report) {
     if (!step.error.empty()) entry["error"] = ErrorText(step.error);
     if (step.extraction) {
       entry["entries"] = {{"chosen", step.extraction->chosen}, {"all", step.extraction->all}};
-      entry["folders"] = nlohmann::ordered_json::array();
-      for (const std::string& folder : step.extraction->folders) entry["folders"].push_back(shown(folder));
+      entry["folders"] = list(step.extraction->folders);
       entry["doubled_folder_avoided"] = step.extraction->doubled_folder_avoided;
+      entry["replaces"] = nullptr;
+      if (const auto& replaces = step.extraction->replaces) {
+        entry["replaces"] = {{"count", replaces->sure},
+                             {"perhaps", replaces->unsure},
+                             {"asked", replaces->asked},
+                             {"files", list(replaces->files)}};
+      }
     }
     object["steps"].push_back(std::move(entry));
   }

@@ -1,5 +1,8 @@
 #include "cli/start.h"
 
+#include <sstream>
+#include <utility>
+
 #include "base/display.h"
 #include "base/modString.h"
 #include "cli/terminal_user.h"
@@ -9,6 +12,20 @@
 #include "settings/application_folder.h"
 
 namespace quendle {
+namespace {
+
+// Without the empty ones. A line ends with LF or CR LF.
+std::vector<std::string> LinesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) {
+    if (line.ends_with('\r')) line.pop_back();
+    if (!line.empty()) lines.push_back(std::move(line));
+  }
+  return lines;
+}
+
+}  // namespace
 
 std::vector<std::string> TakenPaths(const Options& options) {
   std::vector<std::string> paths = options.paths;
@@ -37,17 +54,18 @@ bool HasSettingsFolder(const Options& options) {
   return false;
 }
 
-bool ReadPassword(const std::string& file, std::optional<std::string>* password) {
+bool ReadPasswords(const std::string& file, std::vector<std::string>* passwords) {
   if (file.empty()) return true;
   std::string bytes;
   const platform::Result read = platform::ReadWholeFile(file, &bytes);
-  const std::string line = platform::WithoutMark(bytes.substr(0, bytes.find_first_of("\r\n")));
-  if (read.ok() && !line.empty()) {
-    *password = line;
-    return true;
+  std::string reason = read.ok() ? "" : Sentence(read.reason, Language::kEnglish);
+  if (read.ok() && !platform::IsUtf8(bytes)) {
+    reason = "it is not UTF-8 text";
+  } else if (read.ok()) {
+    *passwords = LinesOf(platform::WithoutMark(bytes));
+    if (passwords->empty()) reason = "there is no password in it";
   }
-  const std::string reason =
-      read.ok() ? "there is no password in its first line" : Sentence(read.reason, Language::kEnglish);
+  if (reason.empty()) return true;
   TerminalUser::Warn("--password-file " + ForDisplay(file) + ": " + reason);
   return false;
 }

@@ -24,8 +24,9 @@ inline bool IsWindowed(const Options& options) {
 // False, and said on the error stream, when the folder that is to hold the settings cannot.
 bool HasSettingsFolder(const Options& options);
 
-// False, and said on the error stream, when the file that is to hold the password does not.
-bool ReadPassword(const std::string& file, std::optional<std::string>* password);
+// The lines of the file, in UTF-8, in their order; empty ones are no passwords. None when `file` is empty. False, and said on
+// the error stream, when the file that is to hold passwords has none.
+bool ReadPasswords(const std::string& file, std::vector<std::string>* passwords);
 
 // The profile that the user wants for every path, as its title is written in the store; nothing when any will do. False,
 // and said on the error stream, when there is no such profile. While the settings cannot be read there is no telling,

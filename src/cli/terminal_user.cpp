@@ -70,10 +70,8 @@ bool TerminalUser::AskDelete(const std::string&) {
   return false;
 }
 
-std::optional<std::string> TerminalUser::AskPassword(const std::string& archive) {
-  if (archive == asked_archive_) return std::nullopt;
-  asked_archive_ = archive;
-  return password_;
+std::optional<std::string> TerminalUser::AskPassword(const std::string&, bool) {
+  return std::nullopt;
 }
 
 bool TerminalUser::AskProceed(const Reason& question) {

@@ -5,7 +5,6 @@
 #include <chrono>
 #include <optional>
 #include <string>
-#include <utility>
 
 #include "base/user_interface.h"
 
@@ -13,16 +12,14 @@ namespace quendle {
 
 class TerminalUser : public UserInterface {
  public:
-  // `columns` of the terminal on which progress is shown; 0: none. `password`: for archives that need one.
-  TerminalUser(int columns, std::optional<std::string> password)
-      : columns_(columns), password_(std::move(password)) {}
+  // `columns` of the terminal on which progress is shown; 0: none.
+  explicit TerminalUser(int columns) : columns_(columns) {}
 
   OverwriteAnswer AskOverwrite(const platform::FileSide& existing,
                                const platform::FileSide& incoming) override;
   bool AskMakeFolder(const std::string& folder) override;
   bool AskDelete(const std::string& path) override;
-  // The one password there is, once for each archive.
-  std::optional<std::string> AskPassword(const std::string& archive) override;
+  std::optional<std::string> AskPassword(const std::string& archive, bool is_again) override;
   bool AskProceed(const Reason& question) override;
   void ShowMessage(MessageKind kind, const std::string& text) override;
   void ShowExtractionLog(const std::string& text) override;
@@ -39,9 +36,7 @@ class TerminalUser : public UserInterface {
   using Clock = std::chrono::steady_clock;
 
   int columns_;
-  std::optional<std::string> password_;
-  std::string asked_archive_;  // the one that the password was given for last
-  bool running_ = false;       // an operation reports progress
+  bool running_ = false;  // an operation reports progress
   bool line_shown_ = false;
   Clock::time_point begin_;  // of the operation
   Clock::time_point shown_;  // when the line was written last

@@ -49,11 +49,12 @@ int Left(const clsMover& mover, const std::string& why) {
 
 int RunUnattended(const Options& options) {
   platform::CatchInterrupts();
-  std::optional<std::string> password;
-  if (!HasSettingsFolder(options) || !ReadPassword(options.password_file, &password)) return kExitUsage;
-  TerminalUser user(platform::ErrorStreamColumns(), std::move(password));
+  std::vector<std::string> passwords;
+  if (!HasSettingsFolder(options) || !ReadPasswords(options.password_file, &passwords)) return kExitUsage;
+  TerminalUser user(platform::ErrorStreamColumns());
   const std::vector<std::string> paths = TakenPaths(options);
-  Globals globals(FindSettingsFolders(options.settings), !options.dry_run, user, FindModuleFolder(), paths);
+  Globals globals(FindSettingsFolders(options.settings), !options.dry_run, user, FindModuleFolder(), paths,
+                  std::move(passwords));
   if (IsWindowed(options)) ExplainMissingWindows(options, &globals);
   for (const std::string& warning : SettingsWarnings(globals)) TerminalUser::Warn(ForDisplay(warning));
 

@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <optional>
+#include <utility>
 
 #include "base/display.h"
 #include "base/modString.h"
@@ -51,13 +52,12 @@ bool WantsForm(const Options& options, clsMover* mover) {
 class Session {
  public:
   Session(const Options& options, const SettingsFolders& folders, platform::RunningCopy* copy,
-          const std::optional<std::string>& password)
+          std::vector<std::string> passwords)
       : options_(options),
         copy_(copy),
-        password_(password),
-        terminal_(platform::ErrorStreamColumns(), password),
+        terminal_(platform::ErrorStreamColumns()),
         windows_(terminal_, [this](Reason* reason) { return LoadWindows(Host(), reason); }),
-        globals_(folders, true, windows_, FindModuleFolder(), TakenPaths(options)) {}
+        globals_(folders, true, windows_, FindModuleFolder(), TakenPaths(options), std::move(passwords)) {}
   ~Session() { windows_.Unload(); }
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
@@ -73,7 +73,6 @@ class Session {
 
   const Options& options_;
   platform::RunningCopy* copy_;
-  const std::optional<std::string>& password_;
   TerminalUser terminal_;
   LazyWindows windows_;
   Globals globals_;
@@ -84,7 +83,6 @@ WindowsHost Session::Host() {
           copy_,
           &platform::InterruptRequested,
           platform::InterruptHandle(),
-          password_,
           windows_.OperationBegin(),
           [this](const std::vector<std::string>& paths) { Dispatch(paths); }};
 }
@@ -157,12 +155,12 @@ int Session::Run() {
 
 int RunWindowed(const Options& options) {
   platform::CatchInterrupts();
-  std::optional<std::string> password;
-  if (!HasSettingsFolder(options) || !ReadPassword(options.password_file, &password)) return kExitUsage;
+  std::vector<std::string> passwords;
+  if (!HasSettingsFolder(options) || !ReadPasswords(options.password_file, &passwords)) return kExitUsage;
   const SettingsFolders folders = FindSettingsFolders(options.settings);
   std::unique_ptr<platform::RunningCopy> copy;
   if (!BecomeFirst(options, folders, &copy)) return kExitUndone;
-  return Session(options, folders, copy.get(), password).Run();
+  return Session(options, folders, copy.get(), std::move(passwords)).Run();
 }
 
 }  // namespace quendle

@@ -35,8 +35,9 @@ bool WantsConfirmation(const SettingsValues& standard, const std::function<bool(
 }
 
 Globals::Globals(const SettingsFolders& folders, bool create_files, UserInterface& user,
-                 const std::string& module_folder, const std::vector<std::string>& paths)
-    : folders_(folders), user_(user), module_folder_(module_folder) {
+                 const std::string& module_folder, const std::vector<std::string>& paths,
+                 std::vector<std::string> passwords)
+    : folders_(folders), user_(user), module_folder_(module_folder), passwords_(std::move(passwords)) {
   g_FileInfo = std::make_unique<clsFileInfo>();
   g_PropItem = std::make_unique<clsPropItem>(
       folders.application,
@@ -56,7 +57,8 @@ void Globals::BeginRun(const std::vector<std::string>& paths) {
                                [this]() -> clsOutput& { return *g_Output; },
                                module_folder_,
                                {g_PropDefault->FileName(), g_PropItem->FileName(), g_PropTest->FileName(),
-                                platform::ExecutablePath(), module_folder_}});
+                                platform::ExecutablePath(), module_folder_},
+                               passwords_});
   g_RunSettings = std::make_unique<RunSettings>(folders_);
   g_Mover = std::make_unique<clsMover>(clsMover::Environment{*g_FileInfo, *g_RunSettings, user_},
                                        std::move(archiver), Arguments(paths));

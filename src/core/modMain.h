@@ -27,9 +27,10 @@ bool WantsConfirmation(const SettingsValues& standard, const std::function<bool(
 class Globals {
  public:
   // `paths` as the user gave them. `create_files`: make missing settings files (a dry run does not).
-  // `module_folder` holds the archiver libraries.
+  // `module_folder` holds the archiver libraries. `passwords` are tried for archives before the user is asked.
   Globals(const SettingsFolders& folders, bool create_files, UserInterface& user,
-          const std::string& module_folder, const std::vector<std::string>& paths);
+          const std::string& module_folder, const std::vector<std::string>& paths,
+          std::vector<std::string> passwords = {});
   ~Globals() { EndProgram(); }
   Globals(const Globals&) = delete;
   Globals& operator=(const Globals&) = delete;
@@ -52,6 +53,7 @@ class Globals {
   SettingsFolders folders_;
   UserInterface& user_;
   std::string module_folder_;
+  std::vector<std::string> passwords_;
 };
 
 // A run that ends with this object, also when something throws.

@@ -35,11 +35,10 @@ class Windows {
 };
 
 struct WindowsHost {
-  Globals& globals;                     // outlive the windows
-  platform::RunningCopy* copy;          // may be null: nobody can ask for the windows then
-  bool (*interrupt_requested)();        // the user wants the process to stop
-  std::intptr_t interrupt_handle;       // becomes readable then; -1: there is none
-  std::optional<std::string> password;  // the first to be tried for archives
+  Globals& globals;                // outlive the windows
+  platform::RunningCopy* copy;     // may be null: nobody can ask for the windows then
+  bool (*interrupt_requested)();   // the user wants the process to stop
+  std::intptr_t interrupt_handle;  // becomes readable then; -1: there is none
   // When the operation in which the windows are loaded began; nothing when there is none.
   std::optional<std::chrono::steady_clock::time_point> operation_begin;
   // For the list of profiles: works through these paths, of which ten are taken, as if they were dropped on the

@@ -18,17 +18,17 @@ const std::string kTreeCalls =
     "x -+ -a1 -jp1 -x0 -c1 -m1 \"~/a.lzh\" \"~/d/Sub/\" \"@\"\n\"TOP/SUB/B.TXT\"\n"
     "x -+ -a1 -jp1 -x0 -c1 -m1 \"~/a.lzh\" \"~/d/Sub/Deep/\" \"@\"\n\"TOP/SUB/DEEP/表.TXT\"\n";
 
-// Single calls and calls in one pass must not be told apart by their results.
-GTEST_TEST(ClsArchiverExtract, StopsAtTheFirstResultThatIsNotZero) {
+// Single calls and calls in one pass must not be told apart by their results; in one pass none is left out.
+GTEST_TEST(ClsArchiverExtract, AResultThatIsNotZeroFails) {
   const struct {
     const char* results;
-    bool succeeds;
+    const char* problem;
     std::ptrdiff_t left;
-    const char* log;
+    const char* log;  // of single calls
   } rows[] = {
-      {"", true, 0, "Phase 1:\r\none\r\nPhase 2:\r\ntwo\r\nPhase 3:\r\nthree"},
-      {"result 0\nresult 5\n", false, 1, "Phase 1:\r\none\r\nPhase 2:\r\ntwo\r\n"},
-      {"result -1\n", false, 2, "Phase 1:\r\none\r\n\r\n"},
+      {"", "", 0, "Phase 1:\r\none\r\nPhase 2:\r\ntwo\r\nPhase 3:\r\nthree"},
+      {"result 0\nresult 5\n", "error 5", 1, "Phase 1:\r\none\r\nPhase 2:\r\ntwo\r\n"},
+      {"result -1\nresult 5\nresult 6\n", "error -1", 2, "Phase 1:\r\none\r\n\r\n"},
   };
   for (const auto& row : rows) {
     for (const char* variant : {"plain", "full"}) {
@@ -42,14 +42,17 @@ GTEST_TEST(ClsArchiverExtract, StopsAtTheFirstResultThatIsNotZero) {
       if (is_plain) script = *platform::AnsiFromText(script);
       ASSERT_EQ(bench.Take("a.lzh", script), 2);
       bench.archiver.SMARTMAKEDIR = true;
-      EXPECT_EQ(bench.archiver.mExtractArchive(bench.folder / "d"), row.succeeds);
+      const bool succeeds = *row.problem == '\0';
+      EXPECT_EQ(bench.archiver.mExtractArchive(bench.folder / "d"), succeeds);
       EXPECT_TRUE(bench.archiver.SMARTMAKEDIR);
       EXPECT_EQ(bench.ResponseFilesLeft(), is_plain ? row.left : 0);
       const std::string calls = bench.Calls(is_plain);
-      EXPECT_TRUE(row.succeeds ? calls == kTreeCalls : kTreeCalls.starts_with(calls)) << calls;
-      EXPECT_EQ(bench.user.logs, Texts{"Extracted from " + bench.folder / "a.lzh" + ":\r\n\r\n" + row.log});
-      EXPECT_EQ(fs::exists(bench.folder / "d"), row.succeeds) << "folders for nothing";
-      EXPECT_EQ(DescribeProblems(bench.archiver.LastReport().problems).empty(), row.succeeds);
+      EXPECT_TRUE(succeeds || !is_plain ? calls == kTreeCalls : kTreeCalls.starts_with(calls)) << calls;
+      EXPECT_EQ(bench.user.logs, Texts{"Extracted from " + bench.folder / "a.lzh" + ":\r\n\r\n" +
+                                       (is_plain ? row.log : rows[0].log)});
+      EXPECT_EQ(fs::exists(bench.folder / "d"), succeeds) << "folders for nothing";
+      const std::string problem = English(DescribeProblems(bench.archiver.LastReport().problems));
+      EXPECT_TRUE(succeeds ? problem.empty() : problem.ends_with(row.problem)) << problem;
     }
   }
 }
@@ -229,28 +232,66 @@ GTEST_TEST(ClsArchiverExtract, FullAndShortBuffers) {
   }
 }
 
+// Whether a library asks while it lists, while it extracts, or both, the user is asked once for each archive and run.
 GTEST_TEST(ClsArchiverExtract, Passwords) {
-  test::ArchiverBench bench;
+  test::ArchiverBench bench({"kept1", "kept2"});
   bench.Install("7-zip32", "full");
-  const auto extract = [&bench](const std::string& name, const std::string& password) {
-    bench.Take(name, "accept SevenZip\nentry a\npassword " + password + "\n");
-    bench.user.asked_password.clear();
-    return bench.archiver.mExtractArchive(bench.folder / "d");
+  const struct {
+    const char *name, *words, *password;
+    Texts said;
+    bool succeeds;
+    Texts asked;
+    Texts planned = {};  // the problems of a plan while nobody answers
+  } rows[] = {
+      {"a", "password", "p", {"x", "y", "z", "p"}, false, {"a", "again: a", "again: a"}},
+      {"b", "locked", "p", {"x", "y", "z"}, false, {"b", "again: b", "again: b"}, {": it is encrypted"}},
+      {"c", "locked password", "p", {}, false, {"c"}, {": it is encrypted"}},
+      {"d",
+       "locked password",
+       "パス\xF0\x9F\x94\x91é",
+       {"x", "パス\xF0\x9F\x94\x91é"},
+       true,
+       {"d", "again: d"},
+       {": it is encrypted"}},
+      {"e", "password", "パス\xF0\x9F\x94\x91é", {}, true, {}},
+      {"f", "locked", "kept2", {}, true, {}},
+      {"g", "password", "kept1", {}, true, {}},
+      {"h", "password", "r", {"wrong"}, false, {"h", "again: h"}},
+      {"i", "locked", "new\nresult 5", {"new"}, false, {"i"}, {": it is encrypted"}},
+      {"j", "locked", "new", {}, true, {}},
+      {"k", "locked", "パス\xF0\x9F\x94\x91é", {}, true, {}},
   };
-  bench.user.passwords = {"x", "y", "z", "p"};
-  EXPECT_FALSE(extract("a.7z", "p")) << "three times and no more";
-  EXPECT_EQ(bench.user.asked_password,
-            (Texts{bench.folder / "a.7z", bench.folder / "a.7z", bench.folder / "a.7z"}));
-  bench.user.passwords = {"p"};
-  EXPECT_TRUE(extract("b.7z", "p"));
-  EXPECT_TRUE(extract("c.7z", "p"));
-  EXPECT_TRUE(bench.user.asked_password.empty()) << "remembered";
-  bench.user.passwords = {"q"};
-  EXPECT_TRUE(extract("d.7z", "q"));
-  bench.user.passwords = {"wrong"};
-  EXPECT_FALSE(extract("e.7z", "r"));
-  bench.user.passwords = {};
-  EXPECT_TRUE(extract("f.7z", "q")) << "a failure does not replace what is remembered";
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    std::string script = "accept SevenZip\nentry a\n";
+    for (const char* word : {"password", "locked"}) {
+      if (std::string(row.words).find(word) != std::string::npos)
+        script.append(word).append(" ").append(row.password).append("\n");
+    }
+    ASSERT_EQ(bench.Take(row.name, script), 5);
+    bench.user.asked_password.clear();
+    bench.user.passwords = {};
+    EXPECT_TRUE(bench.Tells(bench.archiver.PlanExtraction(bench.folder / "to"), row.planned));
+    bench.user.asked_password.clear();
+    for (int turn = 0; turn < 2; ++turn) {  // a window plans whenever something changes
+      const ExtractionReport plan = bench.archiver.PlanExtraction(bench.folder / "to", true);
+      EXPECT_EQ(plan.asks_for_password, !row.planned.empty());
+      EXPECT_TRUE(plan.problems.empty());
+    }
+    EXPECT_EQ(bench.user.asked_password, Texts()) << "by a plan";
+    bench.user.passwords = row.said;
+    EXPECT_EQ(bench.archiver.mExtractArchive(bench.folder / "to"), row.succeeds);
+    bench.user.passwords = {};
+    EXPECT_TRUE(!row.succeeds || bench.archiver.mExtractArchive(bench.folder / "to"));
+    for (std::string& asked : bench.user.asked_password) {
+      const std::size_t at = asked.find(bench.folder.path());
+      if (at != std::string::npos) asked.erase(at, bench.folder.path().size() + 1);
+    }
+    EXPECT_EQ(bench.user.asked_password, row.asked);
+    EXPECT_EQ(bench.archiver.PlanExtraction(bench.folder / "to", true).asks_for_password,
+              !row.planned.empty() &&
+                  (row.said.empty() || !std::string(row.password).starts_with(row.said.back())));
+  }
 }
 
 GTEST_TEST(ClsArchiverExtract, QuestionsAndProgress) {

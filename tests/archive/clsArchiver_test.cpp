@@ -1,5 +1,9 @@
 #include "archive/clsArchiver.h"
 
+#include <chrono>
+#include <ctime>
+#include <thread>
+
 #include "support/archiver_bench.h"
 #include "support/file_systems.h"
 #include "support/picture.h"
@@ -122,6 +126,15 @@ GTEST_TEST(ClsArchiver, Plans) {
       {"full", true, "", "entry ../x\nentry a\n", 2, 1, {""}, false, {"../x: "}},
       {"full", false, "", "entry /x\nentry a\"\n", 2, 0, {}, false, {"/x: ", "a\": "}},
       {"full", true, "", "entry T/link/a\nentry T/b\n", 2, 2, {}, true, {": "}},
+      {"full",
+       false,
+       "",
+       "entry link/a\nentry b\nentry link/c\n",
+       3,
+       3,
+       {},
+       false,
+       {"link/a: a link", "link/c: a link"}},
       {"plain", true, "", "entry T/a\"b/c\nentry T/d\n", 2, 2, {"/a\"b", ""}, true, {": "}},
       // Without a NUL the name fills the field; with the optional export it is whole.
       {"plain", false, "(a{200}/){2}a{111}", "entry " + deep_name + "\n", 1, 1, {""}, false, {}},
@@ -180,6 +193,116 @@ GTEST_TEST(ClsArchiver, PlansSeeWhatIsInTheWay) {
     bench.archiver.SMARTMAKEDIR = row.smart;
     EXPECT_TRUE(bench.Tells(bench.archiver.PlanExtraction(bench.folder / row.destination), row.problems));
   }
+}
+
+constexpr std::uint32_t kDosTime = 0x5A8F6000;  // 15 April 2025, noon on the local clock
+
+GTEST_TEST(ClsArchiver, PlansSayWhatWouldBeReplaced) {
+  const std::string dated = "dated " + std::to_string(kDosTime) + "\n";
+  const std::string not_dated;
+  const std::vector<std::size_t> all = {2, 0, 0};
+  const struct {
+    std::int16_t type, mode;
+    bool confirm;
+    std::string script;
+    std::int64_t later;               // seconds by which the files are younger than the entries
+    std::vector<std::size_t> counts;  // that are, may be and are asked about
+  } rows[] = {
+      {0, 1, false, not_dated, 0, all},
+      {0, 1, true, dated, 0, {0, 0, 2}},
+      {0, 2, true, dated, 9, {0, 0, 2}},
+      {0, 2, false, dated, -1, all},
+      {0, 2, false, dated, 0, {0, 2, 0}},
+      {0, 2, false, dated, 1, {0, 0, 0}},
+      {0, 2, false, not_dated, 1, {0, 2, 0}},
+      {1, 2, false, dated, 1, {0, 0, 0}},
+      {2, 2, false, dated, 1, {0, 0, 0}},
+      {3, 2, false, dated, 1, {0, 0, 0}},
+      {4, 2, false, dated, 1, all},  // 7Z knows no update
+      {0, 1, false, "listing it is cut\n", 0, {}},
+  };
+  std::tm noon{};
+  noon.tm_year = 125, noon.tm_mon = 3, noon.tm_mday = 15, noon.tm_hour = 12, noon.tm_isdst = -1;
+  for (const auto& row : rows) {
+    SCOPED_TRACE(testing::Message() << row.type << " " << row.mode << row.confirm << row.script << row.later);
+    test::ArchiverBench bench;
+    const auto type = static_cast<std::size_t>(row.type);
+    bench.Install(kLibraries[type], "full");
+    bench.Take("x", kAccepted[type] + row.script + "entry a\nentry a\nentry s/b\nentry s/c\nentry d/\n");
+    for (const char* file : {"to/a", "to/s/b", "to/e"}) {
+      test::WriteFile(bench.folder / file, "");
+      test::SetWriteTime(bench.folder / file, std::mktime(&noon) + row.later);
+    }
+    bench.archiver.EXTRACTTYPE = row.mode;
+    bench.archiver.CONFIRMOVERWRITE = row.confirm;
+    const auto replaces = bench.archiver.PlanExtraction(bench.folder / "to").replaces;
+    EXPECT_EQ(replaces.has_value(), !row.counts.empty());
+    if (!replaces) continue;
+    EXPECT_EQ((std::vector{replaces->sure, replaces->unsure, replaces->asked}), row.counts);
+    EXPECT_TRUE(replaces->is_whole);
+    const Texts both = {bench.folder / "to/a", bench.folder / "to/s/b"};
+    EXPECT_EQ(replaces->files, replaces->All() > 0 ? both : Texts());
+  }
+}
+
+// A window says that it does not know all rather than to keep somebody waiting.
+GTEST_TEST(ClsArchiver, PlansForSomebodyComeToAnEnd) {
+  test::ArchiverBench bench({}, std::chrono::milliseconds(0));
+  bench.Install("UnZIP32", "full");
+  ASSERT_EQ(bench.Take("a.zip", "accept UnZip\nentry b\n"), 1);
+  for (const bool waits : {true, false})
+    EXPECT_EQ(bench.archiver.PlanExtraction(bench.folder / "d", waits).replaces.value().is_whole, !waits);
+}
+
+GTEST_TEST(ExistingFiles, TimesThatTheClockShowsTwice) {
+  if (test::kSeparator != '/') GTEST_SKIP() << "Windows knows the zones of its own only";
+  const test::TimeZone zone("CET-1CEST,M3.5.0,M10.5.0/3");
+  const std::uint32_t autumn =
+      46U << 25 | 10U << 21 | 25U << 16 | 2U << 11 | 30U << 5;  // 25 October 2026, 2:30, twice
+  const std::uint32_t spring = 46U << 25 | 3U << 21 | 29U << 16 | 2U << 11 | 30U << 5;  // never
+  const std::int64_t first = 1'792'888'200;                                             // 0:30 UTC
+  const struct {
+    std::uint32_t time;
+    std::int64_t existing;
+    Fate fate;
+  } rows[] = {{autumn, first - 1, Fate::kReplaced},     {autumn, first, Fate::kUnsure},
+              {autumn, first + 3600, Fate::kUnsure},    {autumn, first + 3601, Fate::kKept},
+              {autumn + 1, first + 1, Fate::kReplaced}, {spring, first, Fate::kUnsure},
+              {spring + (1 << 11), first, Fate::kKept}, {0, first, Fate::kUnsure}};
+  for (const auto& row : rows) {
+    platform::EntryStatus existing;
+    existing.write_time.seconds = row.existing;
+    EXPECT_EQ(FateByTime(row.time, existing), row.fate) << row.time << " " << row.existing;
+  }
+}
+
+GTEST_TEST(ExistingFiles, FindsThoseThatAreOthersNow) {
+  const test::TempFolder folder;
+  ExistingFiles files;
+  Texts replaced;
+  const auto add = [&](const std::string& path) {
+    platform::EntryStatus status;
+    ASSERT_TRUE(platform::ReadStatus(path, &status).ok());
+    files.Note(path, status, Fate::kReplaced);
+  };
+  for (const char* name : {"renamed over", "written into", "other", "gone", "kept", "linked"}) {
+    test::WriteFile(folder / name, "old");
+    test::SetWriteTime(folder / name, 1'000'000'000);
+    add(folder / name);
+    add(folder / name);
+  }
+  std::this_thread::sleep_for(std::chrono::milliseconds(30));  // the clock of a file system goes in steps
+  test::WriteFile(folder / "new", "old");
+  test::SetWriteTime(folder / "new", 1'000'000'000);
+  fs::rename(folder / "new", folder / "renamed over");
+  test::WriteFile(folder / "written into", "new");  // a library that does so may set the time, too
+  test::SetWriteTime(folder / "written into", 1'000'000'000);
+  test::WriteFile(folder / "other", "longer");
+  fs::remove(folder / "gone");
+  fs::create_hard_link(folder / "linked", folder / "another name");
+  const Replacements found = files.Found();
+  EXPECT_EQ(found.files, (Texts{folder / "renamed over", folder / "written into", folder / "other"}));
+  EXPECT_EQ(found.sure, 3U);
 }
 
 }  // namespace

@@ -3,13 +3,15 @@
 //
 //   accept PREFIX     the file is an archive of that family
 //   entry NAME        it has this entry (the bytes as they stand)
+//   dated N           when all its entries were written, date << 16 | time
 //   result N          what the next command returns, one line for each; 0 without a line
 //   output TEXT       what the next command puts out, "\n" for CR LF; "fill" fills the whole buffer
 //   closed            it cannot be opened
 //   listing REASON    a problem to report while it is listed
 //   problem REASON    a problem to report during the first command, of the entry "e"
 //   told NAME|WORDS   the same as a reason of that name with one part
-//   password TEXT     to be asked for until it is given
+//   password TEXT     to be asked for during commands until it is given
+//   locked TEXT       the same while it is listed
 //   charset NAME      commands fail without this encoding of names in the session
 //   protected PATH    commands fail unless the session protects it
 //   reads PATH        a file to report as one that the archive is read from
@@ -37,11 +39,13 @@ using Script = std::vector<std::pair<std::string, std::string>>;  // words and w
 
 struct Open {
   std::vector<std::string> entries;
+  std::uint32_t time = 0;
   std::size_t next = 0;
 };
 
 std::map<ArchiverHandle, Open> open_archives;
 const ArchiverSession* session = nullptr;
+constexpr std::int32_t kEndedByUser = 9;
 std::map<std::string, std::size_t> commands_done;  // by archive
 
 Script ReadScript(const std::string& archive) {
@@ -73,9 +77,9 @@ std::string ArchiveOf(const std::string& line) {
 // A password that fitted is not asked for again within a pass.
 std::string opened_archive;
 
-bool IsPasswordKnown(const Script& script, const std::string& archive) {
+bool IsPasswordKnown(const Script& script, const std::string& archive, const char* word) {
   if (opened_archive == archive) return true;
-  for (const std::string& wanted : All(script, "password")) {
+  for (const std::string& wanted : All(script, word)) {
     char given[64] = "";
     do {
       if (session == nullptr ||
@@ -100,11 +104,12 @@ std::int32_t Ask(const Script& script) {
   const ArchiverVersion version = {"/old", 1, 2};
   for (const auto& [word, text] : script) {
     if (word == "overwrite" && session->overwrite(session->user, &version, &version) == ARCHIVER_CANCEL)
-      return 9;
-    if (word == "protected" && !IsProtected(text)) return 9;
-    if (word == "charset" && session->charset != text) return 9;
-    if (word == "proceed" && session->proceed(session->user, text.c_str()) != ARCHIVER_YES) return 9;
-    if (word == "progress" && session->progress(session->user, text.c_str(), 1, 2) == 0) return 9;
+      return kEndedByUser;
+    if (word == "protected" && !IsProtected(text)) return kEndedByUser;
+    if (word == "charset" && session->charset != text) return kEndedByUser;
+    if (word == "proceed" && session->proceed(session->user, text.c_str()) != ARCHIVER_YES)
+      return kEndedByUser;
+    if (word == "progress" && session->progress(session->user, text.c_str(), 1, 2) == 0) return kEndedByUser;
   }
   return 0;
 }
@@ -126,7 +131,7 @@ std::int32_t Run(const std::string& line, char* output, std::uint32_t size) {
   text.copy(output, size);
   if (text.size() < size) output[text.size()] = '\0';
 
-  if (!IsPasswordKnown(script, archive)) return 7;
+  if (!IsPasswordKnown(script, archive, "password")) return 7;
   if (const std::int32_t answer = Ask(script); answer != 0) return answer;
   for (const std::string& reason : All(script, "problem")) {
     if (session != nullptr && turn == 0) session->problem(session->user, "e", reason.c_str());
@@ -163,8 +168,15 @@ ArchiverHandle OpenScript(const char* archive) {
     if (session != nullptr) session->reads_from(session->user, path.c_str());
   }
   if (!All(script, "closed").empty()) return 0;
+  opened_archive.clear();
+  if (!IsPasswordKnown(script, archive, "locked")) {
+    if (session != nullptr) session->problem(session->user, "", "it is encrypted");
+    return 0;
+  }
   static ArchiverHandle last = 0;
-  open_archives[++last] = {All(script, "entry"), 0};
+  std::uint32_t time = 0;
+  for (const std::string& dated : All(script, "dated")) time = static_cast<std::uint32_t>(std::stoul(dated));
+  open_archives[++last] = {All(script, "entry"), time, 0};
   return last;
 }
 
@@ -172,6 +184,8 @@ std::int32_t Next(ArchiverHandle handle, ArchiverEntry* entry) {
   Open& open = open_archives.at(handle);
   if (open.next == open.entries.size()) return -1;
   const std::string& name = open.entries[open.next++];
+  entry->date = static_cast<std::uint16_t>(open.time >> 16U);
+  entry->time = static_cast<std::uint16_t>(open.time);
   std::memset(entry->file_name, 0, sizeof entry->file_name);
   name.copy(entry->file_name, sizeof entry->file_name);
   return 0;
@@ -197,11 +211,13 @@ std::int32_t Next(ArchiverHandle handle, ArchiverEntry* entry) {
     for (const std::string& result : All(ReadScript(ArchiveOf(calls[0].command_line)), "pass"))
       return std::stoi(result);
   }
+  std::int32_t first_failure = 0;
   for (std::uint32_t i = 0; i < count; ++i) {
     calls[i].result = Run(calls[i].command_line, calls[i].output, calls[i].output_size);
-    if (calls[i].result != 0) return calls[i].result;
+    if (first_failure == 0) first_failure = calls[i].result;
+    if (calls[i].result == kEndedByUser) break;
   }
-  return 0;
+  return first_failure;
 }
 
 }  // namespace

@@ -9,6 +9,8 @@
 namespace quendle {
 namespace {
 
+using Texts = std::vector<std::string>;
+
 // A program with the library for ZIP archives, settings and one archive "a.zip" of a script.
 class Installed {
  public:
@@ -21,7 +23,7 @@ class Installed {
         "[Z]\r\nPattern=.*\\.zip\r\nID=1\r\nAction=1\r\nSmartMakeDir=1\r\nExclude=.*\\.bak\r\nExtractTo=" +
             folder / "d" + "\r\n");
     test::WriteFile(folder / "a.zip", "accept UnZip\n" + script);
-    test::WriteFile(folder / "password", "secret\r\nmore");
+    test::WriteFile(folder / "password", "\xEF\xBB\xBFother\r\n\r\nsecret\r\n");
   }
 
   int Run(const std::string& arguments) {
@@ -47,13 +49,15 @@ GTEST_TEST(ProgramExtraction, PlansAndExtracts) {
   EXPECT_FALSE(fs::exists(program.folder / "d"));
   EXPECT_EQ(program.Run("--dry-run --json a.zip"), 0);
   const std::string folder = program.folder / "d";
-  EXPECT_EQ(nlohmann::json::parse(program.out)["steps"],
-            nlohmann::json({{{"step", "extract"},
-                             {"to", folder},
-                             {"result", "planned"},
-                             {"entries", {{"chosen", 2}, {"all", 3}}},
-                             {"folders", {folder, program.folder / "d/S"}},
-                             {"doubled_folder_avoided", true}}}));
+  EXPECT_EQ(
+      nlohmann::json::parse(program.out)["steps"],
+      nlohmann::json({{{"step", "extract"},
+                       {"to", folder},
+                       {"result", "planned"},
+                       {"entries", {{"chosen", 2}, {"all", 3}}},
+                       {"folders", {folder, program.folder / "d/S"}},
+                       {"doubled_folder_avoided", true},
+                       {"replaces", {{"count", 0}, {"perhaps", 0}, {"asked", 0}, {"files", Texts()}}}}}));
 
   EXPECT_EQ(program.Run("--batch a.zip"), 1) << "no password";
   EXPECT_NE(program.err.find("the archiver library reported error 7"), std::string::npos) << program.err;
@@ -65,8 +69,15 @@ GTEST_TEST(ProgramExtraction, PlansAndExtracts) {
 
   EXPECT_EQ(program.Run("--batch --password-file none a.zip"), 2);
   EXPECT_NE(program.err.find("--password-file none: "), std::string::npos) << program.err;
-  test::WriteFile(program.folder / "password", "\r\n");
-  EXPECT_EQ(program.Run("--batch --password-file password a.zip"), 2);
+  const std::pair<const char*, const char*> files[] = {{"\r\n\n", "there is no password in it"},
+                                                       {"secret\n\x95\x5C\n", "it is not UTF-8 text"},
+                                                       {"\xFF\xFEs\n", "it is not UTF-8 text"}};
+  for (const auto& [content, reason] : files) {
+    test::WriteFile(program.folder / "password", content);
+    EXPECT_EQ(program.Run("--batch --password-file password a.zip"), 2);
+    EXPECT_NE(program.err.find(std::string("--password-file password: ") + reason), std::string::npos)
+        << program.err;
+  }
 }
 
 GTEST_TEST(ProgramExtraction, TellsProblems) {
@@ -74,6 +85,8 @@ GTEST_TEST(ProgramExtraction, TellsProblems) {
   for (const char* mode : {"--dry-run", "--batch"}) {
     EXPECT_EQ(program.Run(std::string(mode) + " a.zip"), 1);
     EXPECT_EQ(program.out.substr(0, 7), "failed ");
+    EXPECT_EQ(program.out.find("what it replaces is not known") != std::string::npos, mode[2] == 'd')
+        << program.out;
     EXPECT_NE(program.err.find(test::Native("/d: it is cut (and 1 more)")), std::string::npos) << program.err;
   }
   const std::string broken = std::string("Cab32").append(platform::kLibrarySuffix);
@@ -113,6 +126,33 @@ GTEST_TEST(ProgramExtraction, NeverDestroysWhatItStandsOn) {
   EXPECT_NE(found["test.ini"], "file evil");  // the program makes one
   for (const char* name : {"readme", "test.ini"}) found.erase(name);
   EXPECT_EQ(found, expected);
+}
+
+GTEST_TEST(ProgramExtraction, NamesWhatIsReplaced) {
+  Installed program("");
+  const std::string library = "UnZIP32" + std::string(platform::kLibrarySuffix);
+  fs::remove(program.folder / ("p/modules/" + library));
+  fs::copy_file(QUENDLE_ZIP_MODULE, program.folder / ("p/modules/" + library));
+  std::vector<test::StoredEntry> entries;
+  Texts files;
+  for (int i = 0; i < 12; ++i) {
+    const std::string name = "s/" + std::to_string(i + 10) + ".txt";
+    entries.push_back({"T/" + name, "new"});
+    test::WriteFile(program.folder / ("d/" + name), "old");
+    if (i < 10) files.push_back(program.folder / ("d/" + name));
+  }
+  entries.push_back({"T/fresh", "new"});
+  test::WriteFile(program.folder / "a.zip", test::StoredZip(entries));
+  const std::string text = test::Native(
+      "(13 of 13 entries, no doubled folder, replacing 12: s/10.txt, s/11.txt, s/12.txt and 9 more)");
+  const nlohmann::json object = {{"count", 12}, {"perhaps", 0}, {"asked", 0}, {"files", files}};
+  for (const char* mode : {"--dry-run", "--batch"}) {
+    EXPECT_EQ(program.Run(std::string(mode) + " a.zip"), 0) << program.err;
+    EXPECT_NE(program.out.find(text), std::string::npos) << program.out;
+    fs::remove(program.folder / "d/fresh");
+    EXPECT_EQ(program.Run(std::string(mode) + " --json a.zip"), 0);
+    EXPECT_EQ(nlohmann::json::parse(program.out)["steps"][0]["replaces"], object);
+  }
 }
 
 // What lies beside the program is the user's own library on Windows, and nobody's on POSIX.

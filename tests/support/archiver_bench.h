@@ -2,8 +2,10 @@
 #pragma once
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -29,14 +31,17 @@ class ArchiverBench {
  public:
   static constexpr const char* kTemporaryFolder = kSeparator == '/' ? "TMPDIR" : "TMP";
 
-  ArchiverBench()
+  explicit ArchiverBench(std::vector<std::string> passwords = {},
+                         std::chrono::milliseconds patience = std::chrono::hours(1))
       : temporary(kTemporaryFolder, MakeFolder("tmp")),
         runtime("XDG_RUNTIME_DIR", ""),
         output(user),
         archiver({user,
                   [this]() -> clsOutput& { return output; },
                   folder / "modules",
-                  {folder / "own.ini", folder / "kept"}}) {}
+                  {folder / "own.ini", folder / "kept"},
+                  std::move(passwords),
+                  patience}) {}
 
   void Install(const std::string& name, const std::string& variant) {
     InstallModule(folder / "modules", name, variant);

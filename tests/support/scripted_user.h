@@ -25,7 +25,7 @@ class ScriptedUser : public UserInterface {
   std::vector<std::string> asked_overwrite;  // the existing files
   std::vector<std::string> asked_make_folder;
   std::vector<std::string> asked_delete;
-  std::vector<std::string> asked_password;  // the archives
+  std::vector<std::string> asked_password;  // the archives, "again: " before one whose password was wrong
   std::vector<std::string> asked_proceed;
   std::vector<std::string> messages;
   std::vector<std::string> logs;
@@ -51,8 +51,8 @@ class ScriptedUser : public UserInterface {
     asked_delete.push_back(path);
     return delete_answer;
   }
-  std::optional<std::string> AskPassword(const std::string& archive) override {
-    asked_password.push_back(archive);
+  std::optional<std::string> AskPassword(const std::string& archive, bool is_again) override {
+    asked_password.push_back((is_again ? "again: " : "") + archive);
     if (asked_password.size() > passwords.size()) return std::nullopt;
     return passwords[asked_password.size() - 1];
   }

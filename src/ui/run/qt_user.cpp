@@ -23,13 +23,6 @@ std::string Below(TextId text, const std::string& shown) {
   return LoadText(text) + kLineBreak + kLineBreak + shown;
 }
 
-// Which passwords of the archive at hand have been tried.
-struct PasswordState {
-  std::string archive;
-  bool was_tried = false;
-  bool is_over = false;  // the user has none
-};
-
 class QtUser : public UserInterface {
  public:
   QtUser(const WindowsHost& host, std::function<ProgressClock::time_point()> now)
@@ -44,7 +37,7 @@ class QtUser : public UserInterface {
                                const platform::FileSide& incoming) override;
   bool AskMakeFolder(const std::string& folder) override;
   bool AskDelete(const std::string& path) override;
-  std::optional<std::string> AskPassword(const std::string& archive) override;
+  std::optional<std::string> AskPassword(const std::string& archive, bool is_again) override;
   bool AskProceed(const Reason& question) override;
   void ShowMessage(MessageKind kind, const std::string& text) override;
   void ShowExtractionLog(const std::string& text) override;
@@ -82,7 +75,6 @@ class QtUser : public UserInterface {
 
   WindowsHost host_;
   ProgressDisplay progress_;
-  PasswordState password_;
   int busy_ = 0;  // how many have begun and not ended
 };
 
@@ -106,18 +98,13 @@ bool QtUser::AskDelete(const std::string& path) {
   return AskYesNo(Below(TextId::kDeleteQuestion, ForDisplay(path)), kIconExclamation, TextId::kDeleteCaption);
 }
 
-std::optional<std::string> QtUser::AskPassword(const std::string& archive) {
-  if (archive != password_.archive) password_ = {archive};
-  if (password_.is_over) return std::nullopt;
-  const bool is_first = !std::exchange(password_.was_tried, true);
-  if (is_first && host_.password) return host_.password;
+std::optional<std::string> QtUser::AskPassword(const std::string& archive, bool is_again) {
   const std::string name = ForDisplay(SplitPath(archive).name);
   const Waiting waiting(*this);
   std::string typed =
-      ShowPasswordInput(Below(is_first ? TextId::kAskPassword : TextId::kAskPasswordAgain, name),
+      ShowPasswordInput(Below(is_again ? TextId::kAskPasswordAgain : TextId::kAskPassword, name),
                         LoadText(TextId::kPasswordCaption));
-  password_.is_over = typed.empty();
-  if (password_.is_over) return std::nullopt;
+  if (typed.empty()) return std::nullopt;
   return typed;
 }
 
@@ -150,7 +137,6 @@ void QtUser::SetBusy(bool busy) {
     if (busy_++ == 0) QGuiApplication::setOverrideCursor(Qt::WaitCursor);
   } else if (busy_ > 0 && --busy_ == 0) {
     QGuiApplication::restoreOverrideCursor();
-    password_ = {};  // the next run asks anew
   }
 }
 

@@ -15,6 +15,8 @@ struct PlanLine {
   std::string path;
   std::string note;
   bool fails = false;  // what it says would not be done
+  std::vector<std::string> replaced =
+      {};  // the first files that it would replace, and how many more there are
 
   std::string Whole() const { return lead + path + note; }
 };

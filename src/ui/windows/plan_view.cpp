@@ -79,13 +79,15 @@ void PlanView::Show(const std::vector<PlanLine>& lines) {
   QStringList whole;
   for (std::size_t i = 0; i < lines_.size(); ++i) {
     lines_[i]->Show(i < lines.size() ? lines[i] : PlanLine());
-    if (i < lines.size()) whole += ToQt(lines[i].Whole());
+    if (i >= lines.size()) continue;
+    whole += ToQt(lines[i].Whole());
+    for (const std::string& name : lines[i].replaced) whole += "    " + ToQt(name);
   }
   setToolTip(PlainToolTip(whole.join('\n')));
 }
 
 void PlanView::ShowProblem(const std::string& reason) {
-  Show({{"", "", ReasonInOneLine(reason), true}});
+  Show({{"", "", ReasonInOneLine(reason), true, {}}});
 }
 
 }  // namespace quendle

@@ -17,7 +17,7 @@ class PlanView : public QGroupBox {
  public:
   explicit PlanView(QWidget* owner);
 
-  // Lines that do not fit are shortened in their path; the tooltip has them whole.
+  // Lines that do not fit are shortened in their path; the tooltip has them whole, with the files that they would replace.
   void Show(const std::vector<PlanLine>& lines);
   // Instead of a plan, why there is none, in the language of the windows.
   void ShowProblem(const std::string& reason);

@@ -5,8 +5,7 @@
 #include <functional>
 #include <utility>
 
-#include "support/scoped_variable.h"
-#include "support/scripted_user.h"
+#include "support/archiver_bench.h"
 #include "support/temp_folder.h"
 #include "ui/modal.h"
 #include "ui/windows/frmProgress.h"
@@ -50,10 +49,9 @@ class QtUserTest : public testing::Test {
     ASSERT_NE(Window(), nullptr);
   }
 
-  std::unique_ptr<UserInterface> MakeUser(std::optional<std::string> password = {}) {
+  std::unique_ptr<UserInterface> MakeUser() {
     interrupted = false;
-    return MakeQtUser({globals_, nullptr, [] { return interrupted; }, -1, std::move(password), {}},
-                      [this] { return now_; });
+    return MakeQtUser({globals_, nullptr, [] { return interrupted; }, -1, {}}, [this] { return now_; });
   }
 
   std::chrono::steady_clock::time_point now_{std::chrono::hours(1)};
@@ -172,37 +170,45 @@ TEST_F(QtUserTest, CancelHoldsUntilTheEnd) {
   }
 }
 
+// Whatever is typed reaches the library as it is, which asks while it lists and while it extracts.
 TEST_F(QtUserTest, PasswordsOfAnArchive) {
-  user_ = MakeUser("first");
-  QStringList typed = {"second", "third", "", "never", "fifth"};
+  const std::string strange = "パス\xF0\x9F\x94\x91 é";
+  test::InstallModule(folder_ / "modules", "7-zip32", "full");
+  for (const char* name : {"a.7z", "b.7z"})
+    test::WriteFile(folder_ / name,
+                    "accept SevenZip\nentry a\nlocked " + strange + name + "\npassword " + strange + name);
+  clsOutput output(*user_);
+  clsArchiver archiver({*user_, [&]() -> clsOutput& { return output; }, folder_ / "modules"});
+  QStringList typed;
   QStringList prompts;
   const test::WithModal modal([&](QWidget& window) {
-    QString prompt;
-    for (const QLabel* label : window.findChildren<QLabel*>()) prompt += label->text();
-    prompts.append(prompt);
+    prompts.append("");
+    for (const QLabel* label : window.findChildren<QLabel*>()) prompts.back() += label->text();
     auto* box = window.findChild<QLineEdit*>();
     ASSERT_NE(box, nullptr);
     EXPECT_EQ(box->echoMode(), QLineEdit::Password);
-    QTest::keyClicks(box, typed.takeFirst());
+    box->insert(typed.takeFirst());
     QTest::keyClick(box, Qt::Key_Return);
   });
-  user_->SetBusy(true);
-  EXPECT_EQ(user_->AskPassword("/a.zip"), "first");
-  EXPECT_EQ(user_->AskPassword("/a.zip"), "second");
-  EXPECT_EQ(user_->AskPassword("/a.zip"), "third");
-  EXPECT_EQ(user_->AskPassword("/a.zip"), std::nullopt);
-  EXPECT_EQ(user_->AskPassword("/a.zip"), std::nullopt) << "who has none is not asked again";
-  EXPECT_EQ(typed.size(), 2);
-  user_->SetBusy(false);
-  EXPECT_EQ(user_->AskPassword("/a.zip"), "first") << "another run";
-  EXPECT_EQ(user_->AskPassword("/b.zip"), "first");
-  user_ = MakeUser();
-  EXPECT_EQ(user_->AskPassword("/c.zip"), "never");
-  EXPECT_EQ(user_->AskPassword("/c.zip"), "fifth");
-  for (int i = 0; i < prompts.size(); ++i) {
-    EXPECT_EQ(prompts[i].contains("違います"), i != 3) << prompts[i].toStdString();
-  }
-  EXPECT_TRUE(prompts[3].contains("c.zip"));
+  const auto extract = [&](const char* name, const QStringList& answers) {
+    typed = answers;
+    prompts.clear();
+    archiver.pFileName = folder_ / name;
+    EXPECT_EQ(archiver.GetArcType(), 5);
+    EXPECT_TRUE(archiver.PlanExtraction(folder_ / "d", true).asks_for_password);
+    EXPECT_TRUE(prompts.isEmpty()) << "by a plan";
+    const bool extracted = archiver.mExtractArchive(folder_ / "d");
+    EXPECT_TRUE(typed.isEmpty());
+    for (const QString& prompt : prompts) {
+      EXPECT_EQ(prompt.contains("違います"), &prompt != &prompts.front());
+      EXPECT_TRUE(prompt.contains(name)) << prompt.toStdString();
+    }
+    return extracted;
+  };
+  EXPECT_FALSE(extract("a.7z", {"wrong", ""})) << "who has none leaves it";
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "d"));
+  EXPECT_TRUE(extract("a.7z", {"wrong", QString::fromStdString(strange + "a.7z")}));
+  EXPECT_FALSE(extract("b.7z", {"1", "2", "3"}));
 }
 
 TEST_F(QtUserTest, BusyIsLiftedForQuestionsAndBalanced) {
@@ -214,7 +220,7 @@ TEST_F(QtUserTest, BusyIsLiftedForQuestionsAndBalanced) {
   user_->SetBusy(true);
   user_->AskOverwrite({}, {});
   user_->AskMakeFolder("/x");
-  user_->AskPassword("/x.zip");
+  user_->AskPassword("/x.zip", false);
   user_->ShowExtractionLog("log");
   user_->ShowMessage(UserInterface::MessageKind::kCritical, "text");
   EXPECT_EQ(modal.windows(), 5);

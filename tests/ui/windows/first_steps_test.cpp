@@ -119,7 +119,7 @@ TEST_F(FirstSteps, LeadFromAnEmptyListToAMovedFile) {
     QApplication::closeAllWindows();
   });
   RunProfileList(
-      {globals_, nullptr, [] { return false; }, -1, {}, {}, [this](const auto& paths) { Dispatch(paths); }});
+      {globals_, nullptr, [] { return false; }, -1, {}, [this](const auto& paths) { Dispatch(paths); }});
   EXPECT_EQ(user_.messages, std::vector<std::string>());
   EXPECT_EQ(test::ReadFile(files_ / "settings/items.ini"),
             "[Reports]\r\nPattern=data.*\\.txt\r\nID=1\r\nAction=2\r\nSmartRename=3\r\nOpenDir=1\r\nMoveTo=" +

@@ -329,6 +329,7 @@ GTEST_TEST(FrmAction, LargeArchivesAreNotListedAtEachKey) {
   ActionWindow opened(kItems, {"a.all"}, 1);
   opened.run.archiver->plan.all = 12;
   opened.run.archiver->plan.chosen = 3;
+  opened.run.archiver->plan.replaces.emplace();
   opened.Click(opened.chk(4));
   EXPECT_EQ(opened.Plan(), "解凍 → /a（12 個中 3 個）");
   opened.run.archiver->plan.chosen = 4;
