@@ -73,6 +73,10 @@ GTEST_TEST(Zip, IsFoundWhereItIsOne) {
       {"renamed behind other bytes", "text" + Altered(StoredZip({{"a", "1"}}), 30), "!no archive"},
       {"in another kind of archive", StoredZip({{"a", "1"}}, "Rar!\x1A\7"), "!no archive"},
       {"empty behind other bytes", StoredZip({}, "text"), "!no archive"},
+      {"empty, counting other bytes", StoredZip({}, "text", true), "!no archive"},
+      {"bytes that seem to be of a set",
+       std::string(60, 'x') + "PK\5\6" + Number(0x50005, 6) + Number(1, 2) + Number(50, 4) + Number(0, 6),
+       "!no archive"},
       {"in one whose end is missing", CutBehind(StoredZip({{"in.zip", inner}}), inner),
        "in.zip=" + inner + kMissing + Found(1)},
       {"in one behind a program", CutBehind(StoredZip({{"in.zip", inner}}, kProgram), inner), "!no archive"},
@@ -241,6 +245,17 @@ GTEST_TEST(ZipDamage, OfTheDirectoryIsMadeUpForByTheLocalHeaders) {
     for (const Wrong& wrong : row.wrong) Patch(&bytes, wrong.position, wrong.value, wrong.width);
     EXPECT_EQ(Text(bytes), row.text);
   }
+}
+
+// As one packer does: the positions do not count what follows the contents.
+GTEST_TEST(ZipDamage, OfPositionsIsMadeUpFor) {
+  const std::vector<test::StoredEntry> entries = {{"a", "1"}, {"b", "2"}};
+  const std::string contents = Streamed(entries, true, 4);
+  const std::string stored = StoredZip(entries);
+  std::string bytes = contents + stored.substr(Header(stored, 0));
+  EXPECT_EQ(Text(bytes), "a=1 b=2");
+  Patch(&bytes, bytes.size() - 6, contents.size(), 4);  // but where the directory is
+  EXPECT_EQ(Text(bytes), "a=1 b=2");
 }
 
 GTEST_TEST(ZipDamage, WithoutADirectoryEntriesAreFound) {

@@ -93,7 +93,6 @@ platform::Result ReadByEnd(const ArchiveInput& input, const platform::Result& fo
   SortByPosition(&directory->entries);
   ZipBytes bytes(input, kLocalHeaderBlock);
   Shift(&bytes, end.shift, &directory->entries);
-  if (end.is_followed) directory->problem = why::kArchiveBehind;
   return CheckLayout(input, *directory, is_doubtful);
 }
 

@@ -136,8 +136,7 @@ platform::Result FindZipEnd(const ArchiveInput& input, ZipEnd* end) {
     const bool is_marked = found->shift == kMarkSize && begin == "PK00";
     found->is_misplaced = begins && found->shift != 0 && !is_marked;
     const bool holds_chosen = position + kEndSize + LittleEndian(window, place + 20, 2) > chosen_position;
-    if (chosen && !holds_chosen && (!chosen->is_misplaced || found->is_misplaced)) continue;
-    found->is_followed = chosen && !holds_chosen;
+    if (chosen && !holds_chosen) continue;
     chosen = found;
     chosen_position = position;
     is_encrypted = record->is_encrypted;

@@ -21,7 +21,6 @@ struct ZipEnd {
   // The input begins with a ZIP archive, from which this directory does not count. It is that of another one,
   // stored in the first or standing behind it, or its positions are wrong.
   bool is_misplaced = false;
-  bool is_followed = false;  // another archive stands behind this one
 };
 
 // Finds the directory from the end of the input. An archive in the comment of another one is not taken for that
