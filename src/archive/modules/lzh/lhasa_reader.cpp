@@ -146,7 +146,8 @@ ReadStatus LhasaReader::Begin() {
   packed_ = std::make_unique<PackedBytes>(input_, header_);
   piece_.resize(kPieceSize);
   if (IsStored(header_.method)) return ReadStatus::kOk;
-  LHADecoderType* const type = lha_decoder_for_name(header_.method.data());
+  // Constant since lhasa 0.5.
+  auto* const type = lha_decoder_for_name(header_.method.data());
   if (type == nullptr) {
     return Fail(ReadStatus::kUnsupported, why::kUnsupportedMethod(header_.method));
   }
