@@ -1,6 +1,8 @@
 #include "archive/modules/common/extraction.h"
 
+#include <chrono>
 #include <functional>
+#include <thread>
 
 #include "archive/modules/common/response_file.h"
 #include "support/archives.h"
@@ -79,6 +81,8 @@ struct Fixture {
     ASSERT_TRUE(archive) << reason;
     const ArchiverSession abi = host.Session();
     Session session(&abi);
+    // It asks the host seldom, and not at once.
+    if (!host.go_on) std::this_thread::sleep_for(std::chrono::milliseconds(25));
     Extract(*archive, limits, &session, &calls);
   }
 
