@@ -24,9 +24,12 @@ class StoredBytes final : public Unpacker {
   PackedBytes* packed_;
 };
 
+// Of a constant type since lhasa 0.5.
+using LhasaMethod = decltype(lha_decoder_for_name(nullptr));
+
 class LhasaUnpacker final : public Unpacker {
  public:
-  LhasaUnpacker(LHADecoderType* type, PackedBytes* packed, std::uint64_t size)
+  LhasaUnpacker(LhasaMethod type, PackedBytes* packed, std::uint64_t size)
       : decoder_(lha_decoder_new(type, &ReadPacked, packed, static_cast<std::size_t>(size))) {}
 
   bool ok() const { return decoder_ != nullptr; }
@@ -58,7 +61,7 @@ ReadStatus MakeUnpacker(const LzhHeader& header, PackedBytes* packed, std::uniqu
     *unpacker = std::make_unique<WindowUnpacker>(std::make_unique<Lh2Symbols>(packed), header.size);
   } else if (method == "-lh3-") {
     *unpacker = std::make_unique<WindowUnpacker>(std::make_unique<Lh3Symbols>(packed), header.size);
-  } else if (LHADecoderType* const type = lha_decoder_for_name(method.data()); type != nullptr) {
+  } else if (const LhasaMethod type = lha_decoder_for_name(method.data()); type != nullptr) {
     auto lhasa = std::make_unique<LhasaUnpacker>(type, packed, header.size);
     if (!lhasa->ok()) {
       *reason = packed->Problem().empty() ? why::kOddPackedData : packed->Problem();
