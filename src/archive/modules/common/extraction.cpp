@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "archive/modules/common/entry_matcher.h"
 #include "archive/modules/common/entry_writer.h"
 #include "archive/modules/common/read_ahead.h"
 #include "archive/modules/common/response_file.h"
@@ -22,27 +23,6 @@ struct Wanted {
   bool is_unsupported = false;  // ... which is that none knows how it is packed
   bool lacks_password = false;  // the password at hand does not open it
   bool is_due = true;           // in this reading
-};
-
-using PathIndex = std::unordered_map<std::string, std::vector<std::size_t>>;
-
-// Finds the place in the listing of the entries that a reader gives one after the other.
-class EntryMatcher {
- public:
-  explicit EntryMatcher(const PathIndex& by_path) : by_path_(by_path) {}
-
-  // Of equal paths the same one in turn; nothing for an entry that was not listed.
-  std::optional<std::size_t> Find(const Entry& entry) {
-    const auto known = by_path_.find(entry.path);
-    if (known == by_path_.end()) return std::nullopt;
-    if (known->second.size() == 1) return known->second.front();
-    const std::size_t turn = seen_[entry.path]++;
-    return turn < known->second.size() ? std::optional(known->second[turn]) : std::nullopt;
-  }
-
- private:
-  const PathIndex& by_path_;
-  std::unordered_map<std::string, std::size_t> seen_;
 };
 
 class Extraction {
@@ -78,7 +58,7 @@ class Extraction {
   std::vector<Call>& calls_;
   Passwords passwords_;
   std::vector<Wanted> wanted_;  // beside archive_.entries
-  PathIndex by_path_;
+  EntryMatcher::Index by_path_;
   std::size_t left_ = 0;  // entries that are wanted and not settled
   std::unique_ptr<EntryWriter> writer_;
   std::uint64_t done_ = 0;  // bytes
