@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "archive/clsArchiver_work.h"
 #include "archive/extraction_guard.h"
 #include "archive/extraction_run.h"
 #include "base/modString.h"
@@ -33,19 +34,6 @@ Reason NameProblem(const std::string& name, const ArchiverLibrary& library) {
   return {};
 }
 
-Reason Described(const platform::Result& place) {
-  return why::kAbout(place.reason, place.path);
-}
-
-// Where an entry with a safe name goes below the destination, with "/" between the parts.
-std::string PathOf(const std::string& name, const ExtractionGroup& group, bool flat) {
-  std::string path;
-  (void)platform::SafeEntryPath(name, platform::kHostNames, &path);
-  if (!flat) return path;
-  path.erase(0, path.rfind('/') + 1);
-  return group.sub_folder.empty() ? path : group.sub_folder + "/" + path;
-}
-
 }  // namespace
 
 Reason DescribeProblems(const std::vector<ExtractionProblem>& problems) {
@@ -58,25 +46,6 @@ Reason DescribeProblems(const std::vector<ExtractionProblem>& problems) {
 const char* ArchiveTypeName(std::int16_t type) {
   return type == 0 ? "" : ArchiverRowOf(type).name;
 }
-
-// An archive on its way from the list of its entries to the folders.
-struct clsArchiver::Work {
-  const ArchiverRow& row;
-  const ArchiverLibrary& library;
-  std::string destination;
-  bool flat;
-  ExtractionReport* report;
-  ArchiveSession session;
-  std::vector<std::string> names = {};
-  std::vector<ExtractionGroup> groups = {};
-  EntryTimes times = {};  // where they count
-  ExistingFiles existing = {};
-
-  // The full path that an entry of the group goes to.
-  std::string PlaceOf(const std::string& name, const ExtractionGroup& group) const {
-    return OutputFolder(destination, PathOf(name, group, flat));
-  }
-};
 
 clsArchiver::clsArchiver(Environment environment)
     : environment_(std::move(environment)),
@@ -107,90 +76,6 @@ bool clsArchiver::mExtractArchive(const std::string& destination) {
     report_.by_user = work.session.IsCancelled() && report_.problems.size() == 1;
   });
   return succeeded && report_.problems.empty();
-}
-
-ExtractionReport clsArchiver::PlanExtraction(const std::string& destination, bool somebody_answers) {
-  ExtractionReport report;
-  // Each password that does not fit takes a while, and a window plans whenever something changes.
-  report.asks_for_password = somebody_answers && locked_ == pFileName;
-  if (report.asks_for_password) return report;
-  const ArchiverRow& row = ArchiverRowOf(type_);
-  Guarded(&report, [&] {
-    const ArchiverLibrary* library = libraries_.Use(row);
-    if (library == nullptr) return;
-    Work work = Begin(row, *library, destination, &report, !somebody_answers);
-    List(&work);
-    if (!report.problems.empty() && work.session.LacksPassword()) {
-      report = {};
-      report.asks_for_password = true;
-      locked_ = pFileName;
-      return;
-    }
-    const bool is_listed = report.problems.empty();
-    Choose(&work);
-    const bool is_whole = FindObstacles(&work, somebody_answers);
-    if (!is_listed) return;
-    report.replaces = work.existing.Foretold();
-    report.replaces->is_whole = is_whole;
-  });
-  return report;
-}
-
-// Looks where each file would go for what a run would stumble over. False when there was no time to look everywhere.
-bool clsArchiver::FindObstacles(Work* work, bool somebody_answers) const {
-  const auto begin = std::chrono::steady_clock::now();
-  const auto has_time = [&] {
-    return !somebody_answers || std::chrono::steady_clock::now() - begin < environment_.patience;
-  };
-  for (const ExtractionGroup& group : work->groups) {
-    const platform::Result output = CheckOutputFolder(work->destination, group.sub_folder);
-    if (!output.ok()) {
-      work->report->problems.push_back({"", Described(output)});
-      continue;
-    }
-    std::string folder;
-    platform::Result links;
-    for (const std::string& name : group.names) {
-      if (!has_time()) return false;
-      if (name.ends_with('/')) continue;
-      const std::string path = PathOf(name, group, work->flat);
-      if (std::string own = path.substr(0, path.rfind('/') + 1); own != folder) {
-        folder = std::move(own);
-        links = platform::CheckNoLinks(work->destination, folder);
-      }
-      if (links.ok()) {
-        FindObstacle(work, name, OutputFolder(work->destination, path), somebody_answers);
-      } else {
-        work->report->problems.push_back({name, Described(links)});
-      }
-    }
-  }
-  return true;
-}
-
-void clsArchiver::FindObstacle(Work* work, const std::string& name, const std::string& path,
-                               bool somebody_answers) const {
-  platform::EntryStatus existing;
-  const bool exists = platform::ReadStatus(path, &existing).ok();
-  platform::Result obstacle;
-  if (exists && existing.is_folder()) {
-    obstacle = Failure(platform::Code::kExists, path, why::kFolderInWay);
-  } else if (exists && CONFIRMOVERWRITE) {
-    work->report->asks = true;
-    if (!somebody_answers) obstacle = Failure(platform::Code::kExists, path, why::kExistsUnasked);
-  } else {
-    obstacle = platform::CheckPlace(path);
-  }
-  if (exists && !existing.is_folder()) work->existing.Note(path, existing, FateOf(*work, name, existing));
-  if (!obstacle.ok()) work->report->problems.push_back({name, Described(obstacle)});
-}
-
-Fate clsArchiver::FateOf(const Work& work, const std::string& name,
-                         const platform::EntryStatus& existing) const {
-  if (CONFIRMOVERWRITE) return Fate::kAsked;
-  if (!Updates(work.row)) return Fate::kReplaced;
-  const auto time = work.times.find(name);
-  return FateByTime(time == work.times.end() ? 0 : time->second, existing);
 }
 
 // What is there before a run, so that it can be told what the run has replaced. False when the user has stopped it.
@@ -294,7 +179,7 @@ void clsArchiver::KeepWhatIsNeeded(Work* work) const {
   for (ExtractionGroup& group : work->groups) {
     std::erase_if(group.names, [&](const std::string& name) {
       if (work->flat && name.ends_with('/')) return false;  // it is not made
-      Reason problem = guard.Problem(PathOf(name, group, work->flat));
+      Reason problem = guard.Problem(work->PathOf(name, group));
       if (problem.empty()) return false;
       work->report->problems.push_back({name, std::move(problem)});
       return true;
