@@ -78,6 +78,23 @@ GTEST_TEST(Families, AreFoundBehindPrograms) {
   }
 }
 
+// What lies in another archive as it is, is not what is meant.
+GTEST_TEST(Families, StoredArchivesAreNotTakenForTheirs) {
+  const std::string program = "MZ" + std::string(5000, 'x');
+  const std::vector<Sample> samples = Samples();
+  for (const Sample& inner : samples) {
+    if (&inner.family == &kRarFamily || &inner.family == &kSevenZipFamily) continue;
+    const std::pair<const Family*, std::string> outer[] = {
+        {&kSevenZipFamily, test::Pack("7zip", "compression=store", {{"in", inner.bytes}})},
+        {&kRarFamily, test::StoredRar({{"in", inner.bytes}})}};
+    for (const auto& [family, bytes] : outer) {
+      SCOPED_TRACE(inner.name + " in " + family->name);
+      EXPECT_EQ(Unpack(inner, program + bytes).Text(), "!no archive");
+      EXPECT_EQ(test::UnpackBytes(*family, program + bytes).Text(), "in=" + inner.bytes);
+    }
+  }
+}
+
 // Counted in reads: headers that lead to others, and marks of archives, as many as fit.
 GTEST_TEST(Families, ASearchIsBoundedAndEndsWhenItIsStopped) {
   std::string chained = "MZ";

@@ -8,6 +8,7 @@
 #include "archive/modules/cab/mspack_reader.h"
 #include "archive/modules/cab/plain_cab.h"
 #include "archive/modules/common/folder_names.h"
+#include "archive/modules/common/holding_archive.h"
 #include "archive/modules/common/libarchive_reader.h"
 #include "archive/modules/common/library_versions.h"
 #include "archive/modules/common/signature_scan.h"
@@ -74,7 +75,7 @@ std::optional<ArchiveInput> FindCab(std::shared_ptr<const platform::InputFile> f
   const ArchiveInput whole(file, 0);
   const bool is_at_begin = ReadCabHeader(whole, 0).has_value();
   const auto position = is_at_begin ? std::optional<std::uint64_t>(0) : NextCabinet(whole, 0);
-  if (!position) return std::nullopt;
+  if (!position || LiesInOtherArchive(whole, *position)) return std::nullopt;
   // What is neither at the beginning nor behind a program may be a part of something else: a disk, a document.
   if (!is_at_begin && !BeginsWithProgram(whole) && !EndsWithCabinet(whole, *position)) return std::nullopt;
   const auto header = ReadCabHeader(whole, *position);

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "archive/modules/common/holding_archive.h"
 #include "archive/modules/common/library_versions.h"
 #include "archive/modules/common/signature_scan.h"
 #include "archive/modules/lzh/lzh_headers.h"
@@ -54,7 +55,7 @@ std::optional<ArchiveInput> FindLzh(std::shared_ptr<const platform::InputFile> f
   const auto position = FindSignature(whole, {{"-lh", "-lz", "-pm"}, 2}, [&](std::uint64_t candidate) {
     return candidate == 0 ? ReadLzhHeader(whole, 0).has_value() : headers.IsAt(candidate);
   });
-  if (!position) return std::nullopt;
+  if (!position || LiesInOtherArchive(whole, *position)) return std::nullopt;
   return whole.From(*position);
 }
 

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "archive/modules/common/holding_archive.h"
 #include "archive/modules/common/libarchive_reader.h"
 #include "archive/modules/common/sevenzip_library.h"
 #include "archive/modules/common/volumes.h"
@@ -73,7 +74,7 @@ bool BeginsLikeOtherArchive(const ArchiveInput& input) {
 // everything with its local headers, so that no other document passes for an archive.
 bool IsBehind(const ArchiveInput& own, const ArchiveInput& input) {
   if (IsStored(own, own.Size() - input.Size())) return false;
-  if (BeginsWithProgram(own)) return true;
+  if (BeginsWithProgram(own)) return !LiesInOtherArchive(own, own.Size() - input.Size());
   ZipDirectory directory;
   return !BeginsLikeOtherArchive(own) && ReadZipDirectory(input, &directory).ok() &&
          directory.problem.empty() && !directory.entries.empty() && LocalHeadersAgree(input, directory);
