@@ -24,7 +24,8 @@ struct ScriptedEntry {
 struct ScriptedArchive {
   std::vector<ScriptedEntry> entries;
   modules::ReadStatus ends = modules::ReadStatus::kEnd;
-  std::string password{};  // of every content; empty: none
+  std::string password{};    // of every content; empty: none
+  const char* missing = "";  // why the engine cannot be had
 };
 
 // What the two engines of ScriptedFamily read.
@@ -76,7 +77,10 @@ inline std::unique_ptr<modules::EntryReader> OpenFirst(const modules::ArchiveInp
 }
 
 inline std::unique_ptr<modules::EntryReader> OpenSecond(const modules::ArchiveInput&,
-                                                        const modules::ReaderOptions& options, Reason*) {
+                                                        const modules::ReaderOptions& options,
+                                                        Reason* reason) {
+  *reason = Reason(g_second_engine->missing);
+  if (!reason->empty()) return nullptr;
   return std::make_unique<ScriptedReader>(*g_second_engine, options);
 }
 
