@@ -38,7 +38,7 @@ Reason SevenZipLibrary::Load() {
     const bool is_whole = create_ != nullptr && new_text_ != nullptr && free_text_ != nullptr;
     return is_young && is_whole ? Reason() : why::kOldSevenZip(path);
   }
-  return why::kNoSevenZip;
+  return WhyNoSevenZip();
 }
 
 std::unique_ptr<sevenzip::InArchive, SevenZipLibrary::Released> SevenZipLibrary::CreateReader(

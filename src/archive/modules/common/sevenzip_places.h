@@ -7,11 +7,15 @@
 
 #include "archive/modules/common/sevenzip_api.h"
 #include "platform/services/library.h"
+#include "reasons/reason.h"
 
 namespace quendle::modules {
 
 // The files that it may be, the best first. No other place is looked at.
 std::vector<std::string> SevenZipPlaces();
+
+// That it is at none of them, and what would help.
+Reason WhyNoSevenZip();
 
 // The text that the library, where it takes bytes for a password, makes these bytes of.
 std::string SevenZipPassword(std::string_view bytes);

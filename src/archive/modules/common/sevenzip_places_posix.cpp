@@ -8,6 +8,10 @@ std::vector<std::string> SevenZipPlaces() {
           "/usr/libexec/p7zip/7z.so"};
 }
 
+Reason WhyNoSevenZip() {
+  return why::kNoSevenZip;
+}
+
 // It takes UTF-8 only: bytes of another encoding never fit.
 std::string SevenZipPassword(std::string_view bytes) {
   return std::string(bytes);

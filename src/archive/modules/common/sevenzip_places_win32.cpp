@@ -28,6 +28,10 @@ std::vector<std::string> SevenZipPlaces() {
   return {OwnFolder() + "7z.dll"};
 }
 
+Reason WhyNoSevenZip() {
+  return why::kNeedsFile(SevenZipPlaces().front());
+}
+
 // It takes the system's code page.
 std::string SevenZipPassword(std::string_view bytes) {
   return platform::TextFromAnsi(bytes);
