@@ -182,7 +182,7 @@ std::int32_t ArchiveSession::AskProceed(const Reason& question) {
 void ArchiveSession::OnProblem(void* user, const char* entry, const char* reason) {
   auto& self = *static_cast<ArchiveSession*>(user);
   try {
-    self.problems_->push_back({self.Text(entry), Reason(self.Text(reason))});
+    self.NoteProblem(self.Text(entry), Reason(self.Text(reason)));
   } catch (...) {
     self.fault_ = std::current_exception();
   }
@@ -191,10 +191,20 @@ void ArchiveSession::OnProblem(void* user, const char* entry, const char* reason
 void ArchiveSession::OnProblemOf(void* user, const char* entry, const ArchiverReason* reason) {
   auto& self = *static_cast<ArchiveSession*>(user);
   try {
-    self.problems_->push_back({self.Text(entry), self.ReasonOf(*reason)});
+    self.NoteProblem(self.Text(entry), self.ReasonOf(*reason));
   } catch (...) {
     self.fault_ = std::current_exception();
   }
+}
+
+// What concerns the whole archive is told when it is listed, and again when it is extracted.
+void ArchiveSession::NoteProblem(std::string entry, Reason reason) {
+  const bool is_known =
+      entry.empty() &&
+      std::any_of(problems_->begin(), problems_->end(), [&reason](const ExtractionProblem& problem) {
+        return problem.entry.empty() && problem.reason == reason;
+      });
+  if (!is_known) problems_->push_back({std::move(entry), std::move(reason)});
 }
 
 Reason ArchiveSession::ReasonOf(const ArchiverReason& told) const {

@@ -70,6 +70,7 @@ class ArchiveSession {
   static std::int32_t ARCHIVER_CALL OnPassword(void* self, const char* archive, char* buffer,
                                                std::uint32_t size);
   static std::int32_t ARCHIVER_CALL OnProceed(void* self, const char* question);
+  void NoteProblem(std::string entry, Reason reason);
   static void ARCHIVER_CALL OnProblem(void* self, const char* entry, const char* reason);
   static void ARCHIVER_CALL OnReadsFrom(void* self, const char* path);
   static void ARCHIVER_CALL OnProblemOf(void* self, const char* entry, const ArchiverReason* reason);

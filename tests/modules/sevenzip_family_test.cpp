@@ -41,17 +41,18 @@ GTEST_TEST(SevenZip, TellsKindsTimesAndModes) {
 }
 
 // An archive of a packed stream that unpacks to `size` bytes by one coder, whose number and properties are `coder`. It is
-// the list of entries when `is_list`, and otherwise the content of one file without a name.
+// the list of entries when `is_list`, and otherwise the content of one file.
 std::string OneCoder(const std::string& packed, const std::string& coder, std::uint64_t size,
-                     std::uint64_t crc, bool is_list) {
+                     std::uint64_t crc, bool is_list, const std::string& name = "f") {
   const auto wide = [](std::uint64_t value) { return "\xFF" + Number(value, 8); };
+  const std::string names = Number(0, 1) + platform::ToUtf16Le(name) + Number(0, 2);
   const std::string streams = "\x06" + Number(0, 1) + "\x01\x09" + wide(packed.size()) + Number(0, 1) +
                               "\x07\x0B\x01" + Number(0, 1) + "\x01" + coder + "\x0C" + wide(size) +
                               "\x0A\x01" + Number(crc, 4) + Number(0, 1) +
                               (is_list ? "" : "\x08" + Number(0, 1));
   const std::string end = is_list ? "\x17" + streams + Number(0, 1)
-                                  : "\x01\x04" + streams + Number(0, 1) + "\x05\x01\x11\x05" + Number(0, 1) +
-                                        Number('f', 2) + Number(0, 2) + Number(0, 2);
+                                  : "\x01\x04" + streams + Number(0, 1) + "\x05\x01\x11" +
+                                        Number(names.size(), 1) + names + Number(0, 2);
   const std::string start = Number(packed.size(), 8) + Number(end.size(), 8) + Number(Crc32(end), 4);
   return "7z\xBC\xAF\x27\x1C" + Number(0x400, 2) + Number(Crc32(start), 4) + start + packed + end;
 }
@@ -62,6 +63,7 @@ GTEST_TEST(SevenZip, ReadsZstandard) {
       Number(0xFD2FB528, 4) + Number(5 << 8 | 0x20, 2) + Number(5 << 3 | 1, 3) + "hello";
   const std::string coder = "\x24\x04\xF7\x11\x01\x05" + Number(0x30501, 5);
   EXPECT_EQ(Text(OneCoder(frame, coder, 5, Crc32("hello"), false)), "f=hello");
+  EXPECT_EQ(Text(OneCoder(frame, coder, 5, Crc32("hello"), false, "")), "a=hello") << "by the archive's name";
   const std::string cut = frame.substr(0, frame.size() - 1);
   EXPECT_EQ(Text(OneCoder(cut, coder, 5, Crc32("hello"), false)), "f!its packed data is damaged");
   EXPECT_EQ(Text(OneCoder(frame, coder, 5, Crc32("hallo"), false)), "f!its checksum does not agree");

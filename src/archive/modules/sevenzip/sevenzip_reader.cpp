@@ -25,15 +25,26 @@ void SetKind(std::uint32_t attributes, Entry* entry) {
     case 0040000:
       entry->kind = EntryKind::kFolder;
       break;
-    case 0100000:
-      break;
     case 0120000:
       entry->kind = EntryKind::kLink;
       break;
-    default:
+    case 0020000:  // devices and sockets
+    case 0060000:
+    case 0140000:
       entry->kind = EntryKind::kOther;
+      break;
+    default:  // also a pipe: what a packer has read from one is the content of a file
+      break;
   }
   entry->attributes.executable = entry->kind == EntryKind::kFile && (mode & 0111U) != 0;
+}
+
+// What was packed from a stream has no name, and goes by that of the archive.
+//   "/a/notes.txt.7z" => "notes.txt"    "a.7z.001" => "a"
+std::string NameOfArchive(const std::string& path) {
+  std::string name = path.substr(path.find_last_of("/\\") + 1);
+  if (name.ends_with(".001")) name.resize(name.size() - 4);
+  return name.substr(0, std::max<std::size_t>(name.rfind('.'), 1));
 }
 
 class SevenZipReader final : public ArchiveReader, private SevenZipReceiver {
@@ -43,6 +54,7 @@ class SevenZipReader final : public ArchiveReader, private SevenZipReceiver {
             {input.Size(), [&input](std::uint64_t position, void* buffer, std::size_t size,
                                     std::size_t* got) { return input.ReadAt(position, buffer, size, got); }},
             options.password),
+        name_of_archive_(NameOfArchive(input.Path())),
         password_(options.password) {}
 
   void Open() {
@@ -66,6 +78,7 @@ class SevenZipReader final : public ArchiveReader, private SevenZipReceiver {
   bool GoesOn() override { return sink_->GoesOn(); }
 
   SevenZipArchive archive_;
+  std::string name_of_archive_;
   std::function<std::optional<std::string>()> password_;
   ReadStatus end_ = ReadStatus::kEnd;  // how the list of entries ends
   Reason reason_;
@@ -84,6 +97,7 @@ class SevenZipReader final : public ArchiveReader, private SevenZipReceiver {
 Entry SevenZipReader::At(std::uint32_t index) const {
   Entry entry;
   entry.path = archive_.Text(index, sevenzip::kPath);
+  if (entry.path.empty()) entry.path = name_of_archive_;
   std::replace(entry.path.begin(), entry.path.end(), '\\', '/');
   SetKind(static_cast<std::uint32_t>(archive_.Number(index, sevenzip::kAttributes).value_or(0)), &entry);
   if (archive_.Number(index, sevenzip::kIsAnti).value_or(0) != 0) entry.kind = EntryKind::kOther;

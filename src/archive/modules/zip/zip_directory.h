@@ -37,7 +37,7 @@ platform::Result ReadZipHeaders(const ArchiveInput& input, std::uint64_t begin, 
                                 std::vector<ZipEntry>* entries, std::uint64_t* behind);
 
 // How much memory the entries of one archive may take, and what this one takes: beyond it a directory is refused.
-inline constexpr std::uint64_t kMostZipMemory = 128U << 20;
+inline constexpr std::uint64_t kMostZipMemory = 512U << 20;
 std::uint64_t MemoryOf(const ZipEntry& entry);
 
 }  // namespace quendle::modules
