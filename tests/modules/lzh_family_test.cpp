@@ -277,6 +277,15 @@ GTEST_TEST(Lzh, DamageIsNoticed) {
   const std::string too_small = Number(4, 2) + "-lh0-" + sizes + " \3" + Number(0, 2) + "U" + Number(30, 4);
   EXPECT_EQ(Text(test::LzhHeaderAndContent(0, {"a", "1"}) + too_small + Number(0, 2) + std::string(50, 'x')),
             "a=1!the archive is cut off, or damaged, in a header");
+
+  // What is damaged may begin with a zero, or lead to one.
+  const std::string second = test::LzhHeaderAndContent(2, Extended({Extension(1, "b")}));
+  const std::string zero = test::LzhHeaderAndContent(0, {"a", "1"}) + '\0';
+  for (const std::string& bytes : {zero + second.substr(1), zero + "junk" + second}) {
+    const std::string text = Text(bytes + '\0');
+    EXPECT_TRUE(text.ends_with("!the archive is cut off, or damaged, in a header")) << text;
+  }
+  EXPECT_EQ(Text(zero + std::string(99, '\0') + "a-lh--b"), "a=1");
 }
 
 }  // namespace

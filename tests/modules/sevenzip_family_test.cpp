@@ -78,6 +78,17 @@ GTEST_TEST(SevenZip, ListsThatWouldFillTheMemoryAreRefused) {
   EXPECT_EQ(Text(OneCoder(packed, lzma, 33U << 20, 0, true)),
             "!its list of entries would take 33 MB of memory, which is more than any real archive has");
   EXPECT_EQ(Text(OneCoder(packed, lzma, 31U << 20, 0, true)), "!its list of entries is damaged");
+
+  // A list may be long, and the number in it may be any.
+  const auto packed_list = [](const std::string& list) {
+    return OneCoder(list, "\x01" + Number(0, 1), list.size(), Crc32(list), true);
+  };
+  const auto list_of = [](std::uint64_t count) {
+    return "\x01\x05\xF0" + Number(count, 4) + "\x0E\x01\x80\x0F\x01\x80\x11\x05" + Number(0, 1) +
+           Number('f', 4) + "\x19\xFF" + Number(2U << 20, 8) + std::string(2U << 20, '\0') + Number(0, 2);
+  };
+  EXPECT_EQ(Text(packed_list(list_of(1))), "f=");
+  EXPECT_EQ(Text(packed_list(list_of(4'000'001))), "!there are too many entries");
 }
 
 // As 7-Zip 26.02 wrote them: a file with its name encrypted by "ひみつ", and two with their contents by "右right".

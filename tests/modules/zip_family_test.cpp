@@ -301,6 +301,11 @@ GTEST_TEST(ZipDamage, OfOneEntryLeavesTheOthers) {
     EXPECT_EQ(text.find("b=2") == text.npos, !row.in_first) << text;
     EXPECT_EQ(text.find("b!") == text.npos, row.in_first) << text;
   }
+  EXPECT_EQ(Text(StoredZip({{"a", "1", 0, "", 0, 0x10}, {"b", "", 0, "", 0, 0x10}})), "a=1 b/");
+  // The local header of a streamed entry has neither checksum nor sizes; the directory's was overwritten by zeros.
+  std::string streamed = StoredZip({{"a", "", 8}});
+  Patch(&streamed, 8, 8, 2);
+  EXPECT_EQ(Text(streamed), "a!its list of entries is damaged");
   const std::string text = Text(Altered(StoredZip({{"a", "1"}, {"b", "2"}}, kProgram), 0));
   EXPECT_TRUE(text.starts_with("a!") && text.ends_with(" b=2")) << text;
 }

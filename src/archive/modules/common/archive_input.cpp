@@ -22,6 +22,10 @@ bool InterruptibleReads::MayGoOn() {
   return !interrupted_;
 }
 
+bool InterruptibleReads::GoOn() {
+  return interruptible == nullptr || interruptible->MayGoOn();
+}
+
 ArchiveInput::ArchiveInput(std::shared_ptr<const platform::InputFile> file, std::uint64_t offset)
     : offset_(offset), size_(file->Size() - std::min(offset, file->Size())) {
   volumes_.push_back(std::move(file));
@@ -47,7 +51,7 @@ ArchiveInput ArchiveInput::From(std::uint64_t offset) const {
 platform::Result ArchiveInput::ReadAt(std::uint64_t position, void* buffer, std::size_t size,
                                       std::size_t* got) const {
   *got = 0;
-  if (interruptible != nullptr && !interruptible->MayGoOn()) {
+  if (!InterruptibleReads::GoOn()) {
     return platform::Failure(platform::Code::kCancelled, Path(), why::kCancelled);
   }
   if (position >= size_) return platform::Success();

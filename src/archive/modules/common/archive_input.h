@@ -59,6 +59,8 @@ class InterruptibleReads {
   InterruptibleReads& operator=(const InterruptibleReads&) = delete;
 
   bool MayGoOn();
+  // Asks as a read does, for loops that do without reads. True when nobody is there to be asked.
+  static bool GoOn();
   // What was found since may be wrong.
   bool AreInterrupted() const { return interrupted_; }
 

@@ -14,6 +14,9 @@
 
 namespace quendle::modules {
 
+// Beyond what anybody packs; a list of more would only fill the memory.
+inline constexpr std::size_t kMostEntries = 4'000'000;
+
 enum class EntryKind {
   kFile,
   kFolder,

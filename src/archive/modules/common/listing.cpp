@@ -9,9 +9,6 @@
 namespace quendle::modules {
 namespace {
 
-// Beyond what anybody packs; a list of more would only fill the memory.
-constexpr std::size_t kMostEntries = 4'000'000;
-
 struct Attempt {
   std::vector<Entry> entries;
   Reason problem;
@@ -23,15 +20,17 @@ Attempt ListWith(const Engine& engine, const ArchiveInput& input, const ReaderOp
   const auto reader = engine.open(input, options, &attempt.problem);
   if (!reader) return attempt;
   attempt.problem = {};
-  for (;;) {
+  for (std::size_t count = 0;; ++count) {
     Entry entry;
     const ReadStatus status = reader->NextEntry(&entry);
     if (status == ReadStatus::kEnd) return attempt;
     if (status != ReadStatus::kOk) {
       attempt.problem = reader->Problem();
       attempt.lacks_password = status == ReadStatus::kPassword;
-    } else if (attempt.entries.size() >= kMostEntries) {
+    } else if (count >= kMostEntries) {
       attempt.problem = why::kTooManyEntries;
+    } else if (!InterruptibleReads::GoOn()) {
+      attempt.problem = why::kCancelled;
     }
     if (!attempt.problem.empty()) return attempt;
     entry.path = WithoutCurrentFolder(std::move(entry.path));
@@ -80,7 +79,8 @@ std::unique_ptr<OpenedArchive> ListArchive(const Family& family, const ArchiveIn
       best = std::move(attempt);
       chosen = i;
     }
-    if (is_whole || attempt.lacks_password) break;
+    // Another engine would only take more memory.
+    if (is_whole || attempt.lacks_password || attempt.problem == why::kTooManyEntries) break;
   }
   if (best.entries.empty() && !best.problem.empty()) {
     *reason = best.problem;

@@ -133,7 +133,7 @@ ReadStatus SevenZipArchive::Open(std::uint8_t format, Reason* reason) {
   if (opened == kOk && archive_->GetNumberOfItems(&count_) == kOk) return CheckOpened(reason);
   archive_.reset();
   // It does not tell a wrong password for the headers from what is no archive.
-  if (asked_) {
+  if (asked_ && stream_->Problem().empty()) {
     *reason = given_ ? why::kWrongPassword : why::kNoPassword;
     return ReadStatus::kPassword;
   }

@@ -210,6 +210,15 @@ std::optional<LzhHeader> ParseLzhHeader(std::string_view bytes, std::size_t* nee
   return std::nullopt;
 }
 
+bool HasLzhMethod(std::string_view bytes) {
+  for (std::size_t at = bytes.find('-', 2); at != bytes.npos; at = bytes.find('-', at + 1)) {
+    const std::string_view family = bytes.substr(at, 3);
+    const bool is_known = family == "-lh" || family == "-lz" || family == "-pm";
+    if (is_known && IsMethod(bytes.substr(at, 5))) return true;
+  }
+  return false;
+}
+
 std::optional<LzhHeader> ReadLzhHeader(const ArchiveInput& input, std::uint64_t position) {
   std::string bytes;
   for (std::size_t size = kFirstRead;;) {

@@ -33,6 +33,10 @@ std::optional<LzhHeader> ParseLzhHeader(std::string_view bytes, std::size_t* nee
 // The header at the position, of up to 1 MiB. What it announces may end behind the input.
 std::optional<LzhHeader> ReadLzhHeader(const ArchiveInput& input, std::uint64_t position);
 
+// Does a header seem to begin in these bytes, by the method in it?
+// "\0\0-lh5-" ⇒ true, "-lh5-" ⇒ false, "\0\0-abc-" ⇒ false
+bool HasLzhMethod(std::string_view bytes);
+
 Entry ToEntry(const LzhHeader& header, const std::string& charset);
 
 }  // namespace quendle::modules

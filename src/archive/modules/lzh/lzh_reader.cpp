@@ -14,6 +14,7 @@ namespace quendle::modules {
 namespace {
 
 constexpr std::size_t kPieceSize = 256U << 10;
+constexpr std::size_t kLargestHeader = 64U << 10;  // but for those of level 3, which hardly anything writes
 
 class LzhReader final : public EntryReader {
  public:
@@ -71,14 +72,17 @@ ReadStatus LzhReader::NextEntry(Entry* entry) {
 }
 
 // The last header is followed by one of size 0, or by nothing. No format says how many entries there are, so that an
-// archive which is cut off behind one of them looks whole.
+// archive which is cut off behind one of them looks whole. A zero may also be damage to the size of a header, or a
+// place inside one to which the damaged header before it led.
 ReadStatus LzhReader::AtEnd() {
-  char end = 0;
+  std::string rest(kLargestHeader, '\0');
   std::size_t got = 0;
-  const platform::Result result = input_.ReadAt(position_, &end, 1, &got);
+  const platform::Result result = input_.ReadAt(position_, rest.data(), rest.size(), &got);
   if (!result.ok()) return Fail(ReadStatus::kFailed, result.reason);
   if (is_cut_) return Fail(ReadStatus::kFailed, why::kEndMissing);
-  return got == 0 || end == 0 ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, why::kCutOffInHeader);
+  rest.resize(got);
+  const bool is_end = rest.empty() || (rest.front() == 0 && !HasLzhMethod(rest));
+  return is_end ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, why::kCutOffInHeader);
 }
 
 // All of it, or the fork in it. Whether there is one, the first unpacked bytes say; that these cannot be unpacked is

@@ -56,9 +56,9 @@ std::vector<Engine> SevenZipEngines(const ArchiveInput&) {
 
 // A few kilobytes may say that they unpack to millions of entries.
 platform::Result CheckSevenZip(const ArchiveInput& input) {
-  const auto size = UnpackedHeadersSize(input);
-  if (!size || *size <= kLargestHeaders) return platform::Success();
-  return Failure(platform::Code::kRefused, input.Path(), why::kHeadersTooLarge(*size >> 20U));
+  const auto list = FindSevenZipList(input);
+  if (!list || list->unpacked_size <= kLargestHeaders) return platform::Success();
+  return Failure(platform::Code::kRefused, input.Path(), why::kHeadersTooLarge(list->unpacked_size >> 20U));
 }
 
 std::string SevenZipLibraries() {

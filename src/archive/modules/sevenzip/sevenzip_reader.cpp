@@ -6,6 +6,7 @@
 
 #include "archive/modules/common/entry_times.h"
 #include "archive/modules/common/sevenzip_archive.h"
+#include "archive/modules/sevenzip/sevenzip_list.h"
 
 namespace quendle::modules {
 namespace {
@@ -50,17 +51,15 @@ std::string NameOfArchive(const std::string& path) {
 class SevenZipReader final : public ArchiveReader, private SevenZipReceiver {
  public:
   SevenZipReader(const ArchiveInput& input, const ReaderOptions& options)
-      : archive_(
+      : input_(input),
+        archive_(
             {input.Size(), [&input](std::uint64_t position, void* buffer, std::size_t size,
                                     std::size_t* got) { return input.ReadAt(position, buffer, size, got); }},
             options.password),
         name_of_archive_(NameOfArchive(input.Path())),
         password_(options.password) {}
 
-  void Open() {
-    const ReadStatus opened = archive_.Open(sevenzip::kSevenZipFormat, &reason_);
-    if (opened != ReadStatus::kOk) end_ = opened;
-  }
+  void Open();
   ReadStatus NextEntry(Entry* entry) override;
   ReadStatus Unpack(EntrySink* sink) override;
   const Reason& Problem() const override { return reason_; }
@@ -77,6 +76,7 @@ class SevenZipReader final : public ArchiveReader, private SevenZipReceiver {
   bool End(std::uint32_t index, sevenzip::ExtractResult result) override;
   bool GoesOn() override { return sink_->GoesOn(); }
 
+  const ArchiveInput& input_;
   SevenZipArchive archive_;
   std::string name_of_archive_;
   std::function<std::optional<std::string>()> password_;
@@ -93,6 +93,12 @@ class SevenZipReader final : public ArchiveReader, private SevenZipReceiver {
   std::string target_;                   // of it, when it is a link
   EntrySink::Wish wish_ = EntrySink::Wish::kMore;
 };
+
+void SevenZipReader::Open() {
+  end_ = CheckSevenZipList(input_, password_, &reason_);
+  if (end_ == ReadStatus::kOk) end_ = archive_.Open(sevenzip::kSevenZipFormat, &reason_);
+  if (end_ == ReadStatus::kOk) end_ = ReadStatus::kEnd;
+}
 
 Entry SevenZipReader::At(std::uint32_t index) const {
   Entry entry;
@@ -133,7 +139,7 @@ ReadStatus SevenZipReader::Unpack(EntrySink* sink) {
 
 // Finds out what the library is to unpack. Links are always read, as their targets belong to them.
 bool SevenZipReader::Choose() {
-  for (std::uint32_t index = 0; index < archive_.Count(); ++index) {
+  for (std::uint32_t index = 0; index < archive_.Count() && sink_->GoesOn(); ++index) {
     const Entry entry = At(index);
     wanted_.push_back(sink_->Wants(entry));
     const bool is_read = entry.kind == EntryKind::kLink ||

@@ -156,6 +156,9 @@ platform::Result CheckLocalHeader(const ArchiveInput& input, const ZipEntry& ent
   if (size == 0) return Failure(Code::kFailed, input.Path(), why::kHeaderMissing);
   const std::uint64_t crc = LittleEndian(header, 14, 4);
   if (crc != 0 && crc != entry.crc) return Failure(Code::kFailed, input.Path(), why::kChecksumsDiffer);
+  // Where a descriptor has the checksum, a header of the directory that was overwritten by zeros is one of an empty file.
+  const bool is_other = entry.crc == 0 && LittleEndian(header, 8, 2) != entry.packed_method;
+  if (is_other && !entry.HasMaskedHeader()) return Failure(Code::kFailed, input.Path(), why::kHeadersDamaged);
   *content = entry.position + size;
   return platform::Success();
 }

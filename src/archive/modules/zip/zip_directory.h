@@ -27,7 +27,8 @@ platform::Result ReadZipDirectory(const ArchiveInput& input, ZipDirectory* direc
 // Is each entry described alike by its local header, and in the place that the directory says?
 bool LocalHeadersAgree(const ArchiveInput& input, const ZipDirectory& directory);
 
-// Fails when no local header stands where that of `entry` should be, or it has another checksum. `*content` is
+// Fails when no local header stands where that of `entry` should be, or it has another checksum, or no checksum holds and
+// it has another method. `*content` is
 // where the content begins.
 platform::Result CheckLocalHeader(const ArchiveInput& input, const ZipEntry& entry, std::uint64_t* content);
 

@@ -117,8 +117,10 @@ EntryKind KindOf(const ZipEntry& zip, const std::string& path) {
     default:  // also a pipe: what a packer has read from one is the content of a file
       break;
   }
-  const bool is_folder = path.ends_with('/') || (ModeOf(zip) == 0 && (zip.made_by >> 8U) == 0 &&
-                                                 (zip.external_attributes & kDosFolder) != 0);
+  // A folder has no content: that of a file whose attributes are damaged must not go.
+  const bool has_mark = ModeOf(zip) == 0 && (zip.made_by >> 8U) == 0 && zip.size == 0 &&
+                        (zip.external_attributes & kDosFolder) != 0;
+  const bool is_folder = path.ends_with('/') || has_mark;
   return is_folder ? EntryKind::kFolder : EntryKind::kFile;
 }
 
