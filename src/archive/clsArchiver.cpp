@@ -81,13 +81,20 @@ bool clsArchiver::mExtractArchive(const std::string& destination) {
 // What is there before a run, so that it can be told what the run has replaced. False when the user has stopped it.
 bool clsArchiver::NoteExisting(Work* work) const {
   for (const ExtractionGroup& group : work->groups) {
-    if (!FolderExists(OutputFolder(work->destination, group.sub_folder))) continue;
+    std::string folder;  // of the entry at hand
+    bool is_there = false;
     for (const std::string& name : group.names) {
       if (!work->session.MayGoOn()) {
         work->report->problems.push_back({"", why::kStopped});
         return false;
       }
       const std::string path = work->PlaceOf(name, group);
+      // What goes into a folder that is yet to be made replaces nothing.
+      if (path.compare(0, path.find_last_of("/\\") + 1, folder) != 0) {
+        folder = path.substr(0, path.find_last_of("/\\") + 1);
+        is_there = FolderExists(folder);
+      }
+      if (!is_there) continue;
       platform::EntryStatus existing;
       if (platform::ReadStatus(path, &existing).ok() && !existing.is_folder())
         work->existing.Note(path, existing, Fate::kReplaced);

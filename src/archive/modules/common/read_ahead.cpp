@@ -50,8 +50,10 @@ void ReadAhead::UnpackArchive() {
 }
 
 bool ReadAhead::Wants(const Entry& entry) {
+  std::string path = WithoutCurrentFolder(entry.path);
+  if (path == entry.path) return hooks_.is_wanted(entry);
   Entry named = entry;
-  named.path = WithoutCurrentFolder(std::move(named.path));
+  named.path = std::move(path);
   return hooks_.is_wanted(named);
 }
 

@@ -75,6 +75,10 @@ std::string SevenZipLibrary::Version() const {
 }
 
 std::string FromSevenZipText(const Char* text) {
+  std::string ascii;
+  const Char* end = text;
+  while (end != nullptr && *end > 0 && *end < 0x80) ascii += static_cast<char>(*end++);
+  if (end == nullptr || *end == 0) return ascii;
   std::string utf16;
   for (; text != nullptr && *text != 0; ++text) {
     auto character = static_cast<char32_t>(*text);

@@ -105,15 +105,15 @@ Entry SevenZipReader::At(std::uint32_t index) const {
   entry.path = archive_.Text(index, sevenzip::kPath);
   if (entry.path.empty()) entry.path = name_of_archive_;
   std::replace(entry.path.begin(), entry.path.end(), '\\', '/');
+  const std::uint64_t size = archive_.Number(index, sevenzip::kSize).value_or(0);
   SetKind(static_cast<std::uint32_t>(archive_.Number(index, sevenzip::kAttributes).value_or(0)), &entry);
-  if (archive_.Number(index, sevenzip::kIsAnti).value_or(0) != 0) entry.kind = EntryKind::kOther;
-  if (archive_.Number(index, sevenzip::kIsFolder).value_or(0) != 0) entry.kind = EntryKind::kFolder;
+  // Each question takes its time, and neither of the two has content.
+  if (size == 0 && archive_.Number(index, sevenzip::kIsAnti).value_or(0) != 0) entry.kind = EntryKind::kOther;
+  if (size == 0 && archive_.Number(index, sevenzip::kIsFolder).value_or(0) != 0)
+    entry.kind = EntryKind::kFolder;
   if (entry.kind == EntryKind::kFolder && !entry.path.ends_with('/')) entry.path += '/';
-  if (entry.kind == EntryKind::kFile) entry.size = archive_.Number(index, sevenzip::kSize).value_or(0);
-  entry.packed_size = archive_.Number(index, sevenzip::kPackedSize).value_or(0);
-  entry.crc = static_cast<std::uint32_t>(archive_.Number(index, sevenzip::kCrc).value_or(0));
+  if (entry.kind == EntryKind::kFile) entry.size = size;
   entry.encrypted = archive_.Number(index, sevenzip::kIsEncrypted).value_or(0) != 0;
-  entry.method = archive_.Text(index, sevenzip::kMethod);
   if (const auto time = archive_.Number(index, sevenzip::kWriteTime))
     entry.attributes.write_time = TimeFromNtfs(*time);
   return entry;
@@ -121,7 +121,10 @@ Entry SevenZipReader::At(std::uint32_t index) const {
 
 ReadStatus SevenZipReader::NextEntry(Entry* entry) {
   if (next_ == archive_.Count()) return end_;
-  *entry = At(next_++);
+  *entry = At(next_);
+  entry->packed_size = archive_.Number(next_, sevenzip::kPackedSize).value_or(0);
+  entry->crc = static_cast<std::uint32_t>(archive_.Number(next_, sevenzip::kCrc).value_or(0));
+  ++next_;
   return ReadStatus::kOk;
 }
 
@@ -185,11 +188,13 @@ bool SevenZipReader::Write(std::string_view piece) {
   return wish_ != EntrySink::Wish::kStop;
 }
 
-bool SevenZipReader::End(std::uint32_t, sevenzip::ExtractResult result) {
+bool SevenZipReader::End(std::uint32_t index, sevenzip::ExtractResult result) {
   if (entry_.kind == EntryKind::kLink) return EndLink(result);
   if (wish_ != EntrySink::Wish::kMore) return true;
   Reason reason;
-  const ReadStatus status = StatusOf(result, entry_.method, entry_.encrypted && !password_fits_, &reason);
+  const bool is_whole = result == sevenzip::ExtractResult::kWhole;
+  const std::string method = is_whole ? "" : archive_.Text(index, sevenzip::kMethod);
+  const ReadStatus status = StatusOf(result, method, entry_.encrypted && !password_fits_, &reason);
   if (status == ReadStatus::kEnd && entry_.encrypted) password_fits_ = true;
   return sink_->End(status, reason);
 }
