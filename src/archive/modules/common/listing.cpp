@@ -75,12 +75,13 @@ std::unique_ptr<OpenedArchive> ListArchive(const Family& family, const ArchiveIn
   for (std::size_t i = 0; i < engines.size(); ++i) {
     Attempt attempt = ListWithPasswords(engines[i], input, charset, &passwords);
     const bool is_whole = attempt.problem.empty();
+    // Another engine would only take more memory for too many.
+    const bool is_last = is_whole || attempt.lacks_password || attempt.problem == why::kTooManyEntries;
     if (i == 0 || is_whole || attempt.entries.size() > best.entries.size()) {
       best = std::move(attempt);
       chosen = i;
     }
-    // Another engine would only take more memory.
-    if (is_whole || attempt.lacks_password || attempt.problem == why::kTooManyEntries) break;
+    if (is_last) break;
   }
   if (best.entries.empty() && !best.problem.empty()) {
     *reason = best.problem;
