@@ -199,6 +199,7 @@ void ArchiveSession::OnProblemOf(void* user, const char* entry, const ArchiverRe
 
 // What concerns the whole archive is told when it is listed, and again when it is extracted.
 void ArchiveSession::NoteProblem(std::string entry, Reason reason) {
+  ++told_;
   const bool is_known =
       entry.empty() &&
       std::any_of(problems_->begin(), problems_->end(), [&reason](const ExtractionProblem& problem) {

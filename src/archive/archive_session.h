@@ -50,6 +50,9 @@ class ArchiveSession {
   // For work of the program's own in between: false when the user wants no more.
   bool MayGoOn();
 
+  // How many problems the library has told, one that is known already among them.
+  std::size_t ToldProblems() const { return told_; }
+
   // The user has stopped it, or did not let it go on.
   bool IsCancelled() const { return cancelled_; }
 
@@ -99,6 +102,7 @@ class ArchiveSession {
   std::chrono::steady_clock::time_point asked_to_go_on_ = std::chrono::steady_clock::now();
   bool progress_shown_ = false;
   bool cancelled_ = false;
+  std::size_t told_ = 0;  // problems
   std::exception_ptr fault_;
 };
 

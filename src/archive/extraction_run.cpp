@@ -62,13 +62,16 @@ bool ExtractionRun::Extract(const std::vector<ExtractionGroup>& groups) {
   output.FILENAME = context_.archive;
   output.RESFILECOUNT(static_cast<std::int32_t>(pairs_.size()) - 1);
   const std::size_t known_problems = context_.problems.size();
+  const std::size_t told_problems = context_.session.ToldProblems();
   if (context_.library.HasExtractCalls() && pairs_.size() > 1) {
     context_.guarded([this] { ExtractTogether(); });
     for (const Pair& pair : pairs_) RemoveResponseFile(pair);
   } else {
     ExtractOneByOne();
   }
-  if (result_ != 0 && context_.problems.size() == known_problems) {
+  const bool is_silent =
+      context_.problems.size() == known_problems && context_.session.ToldProblems() == told_problems;
+  if (result_ != 0 && is_silent) {
     const Reason error = why::kLibraryError(result_);
     Fail(Failure(platform::Code::kFailed, "", context_.session.IsCancelled() ? why::kStopped : error));
   }

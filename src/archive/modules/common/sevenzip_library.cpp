@@ -66,7 +66,9 @@ void SevenZipLibrary::FreeText(Char* text) const {
 
 std::string SevenZipLibrary::Version() const {
   Variant version;
-  if (property_ == nullptr || property_(1, &version) != sevenzip::kOk || version.type != sevenzip::kNumber32Type) return "7-Zip";
+  if (property_ == nullptr || property_(1, &version) != sevenzip::kOk ||
+      version.type != sevenzip::kNumber32Type)
+    return "7-Zip";
   const std::string minor = std::to_string(version.value.number & 0xFFFF);
   return std::string("7-Zip ")
       .append(std::to_string(version.value.number >> 16 & 0xFFFF))
