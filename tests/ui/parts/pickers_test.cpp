@@ -31,7 +31,13 @@ class Typist {
           }
           // Names count once the dialog has read the folder, which it does in a thread of its own.
           auto* model = dialog->findChild<QFileSystemModel*>();
-          EXPECT_TRUE(QTest::qWaitFor([&] { return model->rowCount(model->index(folder)) > 0; }, kPatience));
+          const auto is_read = [&] { return model->rowCount(model->index(folder)) > 0; };
+          // Qt 6.8 lists nothing of a folder with a name that is no UTF-8.
+          if (name.contains(QChar(0xFFFD))) {
+            (void)QTest::qWaitFor(is_read, 1000);
+          } else {
+            EXPECT_TRUE(QTest::qWaitFor(is_read, kPatience));
+          }
           box->setText(name);
           QTest::keyClick(box, Qt::Key_Return);
           if (dialog->isVisible()) dialog->reject();  // the name was not taken
@@ -73,8 +79,9 @@ GTEST_TEST(Pickers, PicksExistingFoldersOnly) {
 
 GTEST_TEST(Pickers, PicksFiles) {
   const test::TempFolder folder;
+  const test::TempFolder odd_folder;
   test::WriteFile(folder / "a.txt", "a");
-  test::WriteFile(folder / "b\xFF.txt", "b");
+  test::WriteFile(odd_folder / "b\xFF.txt", "b");
   const struct {
     QString typed;
     bool open;
@@ -94,11 +101,12 @@ GTEST_TEST(Pickers, PicksFiles) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.typed.toStdString() + (row.open ? ", open" : ", save"));
     const Typist typist(row.typed, row.answer);
+    const std::string& begins_in = row.typed.contains(QChar(0xFFFD)) ? odd_folder.path() : folder.path();
     FileDialogRequest request{
-        "題", {{"文書 (*.txt)", "*.txt;*.doc"}, {"すべて", "*.*"}}, row.open, folder.path(), "p.txt"};
+        "題", {{"文書 (*.txt)", "*.txt;*.doc"}, {"すべて", "*.*"}}, row.open, begins_in, "p.txt"};
     EXPECT_EQ(ShowFileDialog(nullptr, request), row.picked);
     EXPECT_EQ(typist.questions, row.questions);
-    EXPECT_EQ(typist.folder.toStdString(), folder.path());
+    EXPECT_EQ(typist.folder.toStdString(), begins_in);
     EXPECT_EQ(typist.proposed, "p.txt");
     EXPECT_EQ(typist.filters, QStringList({"文書 (*.txt) (*.txt *.doc)", "すべて (*)"}));
   }

@@ -84,7 +84,7 @@ class UnarrReader : public EntryReader {
     return ar_entry_uncompress(archive_.get(), buffer_.data(), size);
   }
   ReadStatus Fail(Reason reason) {
-    reason_ = reason;
+    reason_ = std::move(reason);
     return ReadStatus::kFailed;
   }
 

@@ -25,8 +25,9 @@ const std::array<std::uint8_t, kPositionCodes>& FixedPositionLengths() {
   static const auto lengths = [] {
     constexpr std::size_t kEnds[] = {0, 0, 1, 1, 3, 6, 13, 31, 78, kPositionCodes};  // behind those of n bits
     std::array<std::uint8_t, kPositionCodes> made{};
-    for (std::uint8_t length = 2; length < std::size(kEnds); ++length) {
-      for (std::size_t i = kEnds[length - 1]; i < kEnds[length]; ++i) made[i] = length;
+    for (std::size_t length = 2; length < std::size(kEnds); ++length) {
+      for (std::size_t i = kEnds[length - 1]; i < kEnds[length]; ++i)
+        made[i] = static_cast<std::uint8_t>(length);
     }
     return made;
   }();

@@ -127,10 +127,10 @@ platform::Result ReadZipHeaders(const ArchiveInput& input, std::uint64_t begin, 
 
 platform::Result ReadZipDirectory(const ArchiveInput& input, ZipDirectory* directory) {
   ZipEnd end;
-  const platform::Result found = FindZipEnd(input, &end);
+  platform::Result found = FindZipEnd(input, &end);
   if (end.volumes > input.VolumeCount()) return found;
   bool is_doubtful = false;
-  const platform::Result read = ReadByEnd(input, found, end, directory, &is_doubtful);
+  platform::Result read = ReadByEnd(input, found, end, directory, &is_doubtful);
   if (!is_doubtful && (read.ok() || read.code == Code::kRefused)) return read;
 
   *directory = {};  // memory for one is enough

@@ -49,7 +49,7 @@ std::optional<ArchiveInput> FindInSet(std::shared_ptr<const platform::InputFile>
 // Is the archive at `begin` the content of an entry of another one, whose header stands in front of it? Of that one
 // the end is missing then, and it is not the one that is meant.
 bool IsStored(const ArchiveInput& input, std::uint64_t begin) {
-  constexpr std::uint64_t kLargestHeader = kLocalHeaderSize + 2 * 0xFFFF;
+  constexpr std::uint64_t kLargestHeader = kLocalHeaderSize + std::uint64_t{2} * 0xFFFF;
   ZipBytes bytes(input, 0);
   const std::uint64_t reach = std::min(begin, kLargestHeader);
   const std::string_view front = bytes.At(begin - reach, static_cast<std::size_t>(reach));

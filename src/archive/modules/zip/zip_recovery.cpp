@@ -81,7 +81,7 @@ class Walker {
 
   // The length of the descriptor of the content from `begin` to `end`; 0 when there is none.
   std::size_t DescriptorAt(std::uint64_t begin, std::uint64_t end, ZipEntry* entry) {
-    for (const std::size_t width : {4, 8}) {
+    for (const std::size_t width : {std::size_t{4}, std::size_t{8}}) {
       if (const std::size_t length = TakeDescriptor(&headers_, begin, end, width, entry)) return length;
     }
     return 0;
@@ -106,7 +106,7 @@ class Walker {
   bool TakeOpenUpTo(std::uint64_t begin, std::uint64_t there, ZipEntry* entry) {
     const bool is_signed = headers_.At(there, 4) == kDescriptorSignature;
     if (!is_signed && !IsBoundary(&headers_, there)) return false;
-    for (const std::size_t unsigned_length : {0, 12, 20}) {
+    for (const std::size_t unsigned_length : {std::size_t{0}, std::size_t{12}, std::size_t{20}}) {
       if ((unsigned_length == 0) != is_signed || there - begin < unsigned_length) continue;
       const std::uint64_t end = there - unsigned_length;
       const std::size_t length = DescriptorAt(begin, end, entry);
