@@ -84,19 +84,19 @@ GTEST_TEST(Pickers, PicksFiles) {
   test::WriteFile(odd_folder / "b\xFF.txt", "b");
   const struct {
     QString typed;
-    bool open;
     QString answer;
     std::string picked;
     int questions;
+    bool open;
   } rows[] = {
-      {"a.txt", true, "", folder / "a.txt", 0},
-      {"c.txt", true, "OK", "", 1},
-      {"b\uFFFD.txt", true, "OK", "", 1},
-      {"c.txt", false, "", folder / "c.txt", 0},
-      {"a.txt", false, "No", "", 1},
-      {"a.txt", false, "Yes", folder / "a.txt", 1},
-      {"", false, "", "", 0},
-      {"b\uFFFD.txt", false, "", "", 0},
+      {"a.txt", "", folder / "a.txt", 0, true},
+      {"c.txt", "OK", "", 1, true},
+      {"b\uFFFD.txt", "OK", "", 1, true},
+      {"c.txt", "", folder / "c.txt", 0, false},
+      {"a.txt", "No", "", 1, false},
+      {"a.txt", "Yes", folder / "a.txt", 1, false},
+      {"", "", "", 0, false},
+      {"b\uFFFD.txt", "", "", 0, false},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.typed.toStdString() + (row.open ? ", open" : ", save"));
