@@ -24,7 +24,7 @@ namespace quendle::test {
 // `value` in `width` bytes, lowest first.
 inline std::string Number(std::uint64_t value, int width) {
   std::string bytes;
-  for (int i = 0; i < width; ++i) bytes.push_back(static_cast<char>(value >> (8 * i) & 0xFF));
+  for (int i = 0; i < width; ++i) bytes.push_back(static_cast<char>(i < 8 ? value >> (8 * i) & 0xFF : 0));
   return bytes;
 }
 
