@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace quendle::modules {
@@ -14,6 +15,10 @@ inline std::uint64_t LittleEndian(std::string_view bytes, std::size_t position, 
     value |= static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[position + i])) << (8 * i);
   }
   return value;
+}
+
+inline void AppendLittleEndian(std::uint64_t value, std::size_t width, std::string* bytes) {
+  for (std::size_t i = 0; i < width; ++i) bytes->push_back(static_cast<char>(value >> (8 * i) & 0xFF));
 }
 
 }  // namespace quendle::modules

@@ -147,7 +147,6 @@ struct CodecsUser : Unknown {
 
 enum CodecProperty : std::uint32_t {
   kCodecId = 0,
-  kCodecName = 1,
   kPackedStreams = 4,
   kUnpackedStreams = 5,
   kHasDecoder = 7,

@@ -30,13 +30,12 @@ class UnarrReader : public EntryReader {
   UnarrReader(std::string memory, DescribeUnarrEntry describe)
       : memory_(std::move(memory)), describe_(std::move(describe)) {}
 
-  bool Open(const ArchiveInput& input, UnarrFormat format) {
+  bool Open(const ArchiveInput& input) {
     const platform::QuietErrors quiet;
     stream_.reset(input.IsWholeFile() ? ar_open_file(input.Path().c_str())
                                       : ar_open_memory(memory_.data(), memory_.size()));
     if (stream_ == nullptr) return false;
-    archive_.reset(format == UnarrFormat::kZip ? ar_open_zip_archive(stream_.get(), false)
-                                               : ar_open_rar_archive(stream_.get()));
+    archive_.reset(ar_open_rar_archive(stream_.get()));
     return archive_ != nullptr;
   }
 
@@ -134,8 +133,8 @@ std::string AndUnarrVersion() {
   return ", libunarr " QUENDLE_UNARR_VERSION;
 }
 
-std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput& input, UnarrFormat format,
-                                       DescribeUnarrEntry describe, Reason* reason) {
+std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput& input, DescribeUnarrEntry describe,
+                                       Reason* reason) {
   std::string memory;
   if (input.VolumeCount() > 1) {
     *reason = why::kUnarrOneFile;
@@ -155,7 +154,7 @@ std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput& input, UnarrFormat fo
     memory.resize(got);
   }
   auto reader = std::make_unique<UnarrReader>(std::move(memory), std::move(describe));
-  if (reader->Open(input, format)) return reader;
+  if (reader->Open(input)) return reader;
   *reason = why::kUnarrCannot;
   return nullptr;
 }

@@ -11,7 +11,7 @@ std::string AndUnarrVersion() {
   return "";
 }
 
-std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput&, UnarrFormat, DescribeUnarrEntry, Reason* reason) {
+std::unique_ptr<EntryReader> OpenUnarr(const ArchiveInput&, DescribeUnarrEntry, Reason* reason) {
   *reason = why::kNoUnarr;
   return nullptr;
 }

@@ -53,7 +53,7 @@ bool RarReader::OpenByUnarr(Reason* reason) {
     library_position_ = offset;
     return true;
   };
-  library_ = OpenUnarr(input_, UnarrFormat::kRar, describe, reason);
+  library_ = OpenUnarr(input_, describe, reason);
   return library_ != nullptr;
 }
 

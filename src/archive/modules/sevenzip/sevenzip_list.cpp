@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "archive/modules/common/checksum.h"
+#include "archive/modules/common/little_endian.h"
 #include "archive/modules/common/sevenzip_archive.h"
 #include "archive/modules/sevenzip/sevenzip_headers.h"
 
@@ -13,10 +14,6 @@ namespace {
 
 // Of so many bytes, whatever they say, the entries do not take too much memory.
 constexpr std::uint64_t kHarmless = 1U << 20;
-
-void Append(std::string* bytes, std::uint64_t value, int width) {
-  for (int i = 0; i < width; ++i) bytes->push_back(static_cast<char>(value >> (8 * i) & 0xFF));
-}
 
 // The archive with its packed list as the only file in it: the packed data stays, its description becomes that of the
 // file, and start and end are made for that.
@@ -28,12 +25,12 @@ class ListAsFile {
     constexpr std::string_view kOneFile("\x05\x01\0\0", 4);
     end_.append(kBeforeStreams).append(list.description).append(kOneFile);
     std::string place;
-    Append(&place, end_offset_ - kSevenZipStartSize, 8);
-    Append(&place, end_.size(), 8);
-    Append(&place, Crc32(end_), 4);
+    AppendLittleEndian(end_offset_ - kSevenZipStartSize, 8, &place);
+    AppendLittleEndian(end_.size(), 8, &place);
+    AppendLittleEndian(Crc32(end_), 4, &place);
     start_.append(kSevenZipSignature);
-    Append(&start_, 0x0400, 2);
-    Append(&start_, Crc32(place), 4);
+    AppendLittleEndian(0x0400, 2, &start_);
+    AppendLittleEndian(Crc32(place), 4, &start_);
     start_ += place;
   }
 

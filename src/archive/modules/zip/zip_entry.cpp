@@ -63,7 +63,6 @@ bool TakeWide(std::string_view* field, std::uint64_t narrow_limit, std::size_t w
 bool ParseShared(std::string_view shared, std::string_view name, std::string_view extra,
                  std::string_view* wide, ZipEntry* entry) {
   entry->name = name;
-  entry->version_needed = Word(shared, 0);
   entry->flags = Word(shared, 2);
   entry->packed_method = Word(shared, 4);
   entry->dos_time = Double(shared, 6);

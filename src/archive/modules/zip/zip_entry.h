@@ -24,7 +24,6 @@ struct ZipEntry {
       strong_encryption;  // the extra field 0x0017 with its head, which says by what it is encrypted; or empty
   std::uint16_t aes_version = 0;  // 1: AE-1, 2: AE-2, which has no checksum; 0: there is no such field
   std::uint16_t made_by = 0;
-  std::uint16_t version_needed = 0;
   std::uint16_t flags = 0;
   std::uint16_t method = 0;
   std::uint16_t packed_method = 0;  // as the headers have it: kZipAes for any method that is encrypted by AES
