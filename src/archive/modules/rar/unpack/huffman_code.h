@@ -1,0 +1,45 @@
+// Canonical Huffman codes of up to 15 bits: shorter ones first, those of a length in the order of their symbols.
+//   lengths 1 2 2 ⇒ symbol 0 is 0, symbol 1 is 10, symbol 2 is 11
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "archive/modules/rar/unpack/bit_reader.h"
+
+namespace quendle::modules {
+
+class HuffmanCode {
+ public:
+  static constexpr unsigned kLongest = 15;
+  static constexpr unsigned kNone = 0xFFFF;
+
+  // The lengths of the codes of all symbols, 4095 at most; 0: it has none. False, and no symbol has a code, when there
+  // are more than there is room for. Codes may be left over, even all.
+  bool Build(std::span<const std::uint8_t> lengths);
+
+  // The next symbol, kNone for bits that no symbol has.
+  unsigned Decode(BitReader* bits) const {
+    const std::uint32_t next = bits->Peek(kLongest);
+    const unsigned quick = quick_[next >> (kLongest - kQuickBits)];
+    if (quick == 0) return DecodeLong(next, bits);
+    bits->Skip(quick & 0xF);
+    return quick >> 4;
+  }
+
+ private:
+  static constexpr unsigned kQuickBits = 10;
+
+  unsigned DecodeLong(std::uint32_t next, BitReader* bits) const;
+
+  // By the next bits: a symbol, and in the lowest four bits the length of its code. 0: the code is longer.
+  std::array<std::uint16_t, 1U << kQuickBits> quick_{};
+  // By length: behind the last code of it, with zeros appended to kLongest bits, and where its symbols begin.
+  std::array<std::uint32_t, kLongest + 1> ends_{};
+  std::array<std::uint32_t, kLongest + 1> firsts_{};
+  std::vector<std::uint16_t> symbols_;  // that have codes, in the order of these
+};
+
+}  // namespace quendle::modules
