@@ -44,7 +44,7 @@ std::optional<ArchiveInput> FindRar(std::shared_ptr<const platform::InputFile> f
   // Whether it is one of several volumes may be encrypted, too: then their names have to do.
   const bool hides_volumes = headers.is_encrypted && headers.version == RarVersion::kRar5;
   if (!headers.is_volume && !hides_volumes) return own;
-  VolumeSet set = FindVolumes(std::move(file));
+  VolumeSet set = FindVolumes(std::move(file), *position > 0);
   if (set.is_first && headers.is_first) return ArchiveInput(std::move(set.files)).From(*position);
   *reason = set.is_first ? why::kNotFirstVolume : why::kBeginsIn(set.first_path);
   std::unique_ptr<platform::InputFile> first;
@@ -53,9 +53,11 @@ std::optional<ArchiveInput> FindRar(std::shared_ptr<const platform::InputFile> f
 }
 
 Reason MissingVolume(const ArchiveInput& input) {
-  std::unique_ptr<platform::InputFile> first;
-  if (platform::InputFile::Open(input.Path(), &first).ok()) {
-    const VolumeSet set = FindVolumes(std::move(first));
+  std::unique_ptr<platform::InputFile> opened;
+  if (platform::InputFile::Open(input.Path(), &opened).ok()) {
+    const std::shared_ptr<const platform::InputFile> first = std::move(opened);
+    const bool is_program = RarVersionAt(ArchiveInput(first, 0), 0) == RarVersion::kNone;
+    const VolumeSet set = FindVolumes(first, is_program);
     if (!set.missing_path.empty()) return why::kVolumeMissing(set.missing_path);
   }
   return why::kVolumeBehindMissing(input.Paths().back());
