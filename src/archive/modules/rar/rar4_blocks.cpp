@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "archive/modules/common/entry_times.h"
+#include "archive/modules/rar/header_search.h"
 #include "archive/modules/rar/rar4_block.h"
 #include "archive/modules/rar/rar4_names.h"
 
@@ -114,6 +115,7 @@ class Rar4Walk {
 
  private:
   bool ReadBlock(std::uint64_t position);
+  bool SkipDamage(std::uint64_t* position);
   bool TryOtherWay(std::uint64_t position);
   void ReadMain();
   bool AddFile();
@@ -127,6 +129,7 @@ class Rar4Walk {
   RarEncryption encryption_;  // of the header at hand
   ReadStatus cipher_status_ = ReadStatus::kOk;
   Reason cipher_reason_;
+  Reason damage_;  // of a header, behind which others were found
   bool is_solid_ = false;
   bool has_packed_ = false;  // a file that solid ones can go on with
   bool wants_end_ = true;
@@ -137,6 +140,7 @@ bool Rar4Walk::ReadBlock(std::uint64_t position) {
   if (ReadRar4Block(input_, &header_, position, end_, &block_, &archive_.problem) || TryOtherWay(position)) {
     if (header_.AreEncrypted()) keys_->Prove();
     archive_.problem = {};
+    archive_.status = ReadStatus::kEnd;
     return true;
   }
   archive_.status = ReadStatus::kFailed;
@@ -189,26 +193,53 @@ bool Rar4Walk::AddFile() {
   return true;
 }
 
+// Behind a damaged header the next file is looked for. The content of one that is cut off is there in part, so that it is
+// named, and nothing is behind it.
+bool Rar4Walk::SkipDamage(std::uint64_t* position) {
+  if (archive_.problem == why::kCutOff && block_.TypeCode() == Rar4Block::kFile) {
+    block_.content_size = end_ - block_.content_position;
+    AddFile();
+    return false;
+  }
+  if (keys_ == nullptr || header_.AreEncrypted() || archive_.status != ReadStatus::kFailed) return false;
+  if (damage_.empty()) damage_ = archive_.problem;
+  const auto may_be = [](std::string_view bytes) {
+    return static_cast<std::uint8_t>(bytes[2]) == Rar4Block::kFile && bytes[6] < 4;
+  };
+  const auto is = [this](std::uint64_t candidate) {
+    Reason ignored;
+    return ReadRar4Block(input_, &header_, candidate, end_, &block_, &ignored);
+  };
+  const auto found = FindHeader(input_, *position + 1, end_, may_be, is);
+  if (found) *position = *found;
+  return found.has_value();
+}
+
 void Rar4Walk::From(std::uint64_t position) {
-  for (bool has_main = false; position < end_ || !has_main; position = block_.End()) {
-    if (!ReadBlock(position)) return;
+  bool has_main = false;
+  bool has_end = false;
+  while (!has_end && (position < end_ || !has_main)) {
+    if (!ReadBlock(position)) {
+      if (SkipDamage(&position)) continue;
+      break;
+    }
     if (block_.TypeCode() == Rar4Block::kMain) {
       has_main = true;
       ReadMain();
       if (archive_.is_encrypted && keys_ == nullptr) return;
     } else if (block_.TypeCode() == Rar4Block::kEnd) {
+      has_end = true;
       archive_.has_next = block_.Has(0x01);
       if (block_.Has(0x08)) archive_.number = block_.Number(block_.Has(0x02) ? 11 : 7, 2);
-      archive_.end = block_.End();
-      return;
     } else if (block_.TypeCode() == Rar4Block::kFile && !AddFile()) {
-      return;
+      break;
     }
+    position = block_.End();
   }
-  archive_.end = end_;
-  if (!wants_end_) return;
-  archive_.problem = why::kLastBlockMissing;
-  archive_.status = ReadStatus::kFailed;
+  if (archive_.problem.empty()) archive_.end = has_end ? position : end_;
+  if (archive_.problem.empty() && !has_end && wants_end_) archive_.problem = why::kLastBlockMissing;
+  if (!damage_.empty()) archive_.problem = damage_;
+  if (!archive_.problem.empty() && archive_.status == ReadStatus::kEnd) archive_.status = ReadStatus::kFailed;
 }
 
 }  // namespace

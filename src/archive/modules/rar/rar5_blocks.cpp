@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "archive/modules/rar/header_search.h"
 #include "archive/modules/rar/rar5_block.h"
 #include "archive/modules/rar/rar5_file.h"
 
@@ -12,6 +13,7 @@ namespace {
 constexpr std::size_t kMostSize = 2U << 20;    // of a header, by the format
 constexpr std::size_t kMostMainSize = 4096;    // of the first header, with a name and times in it
 constexpr std::size_t kMostFiles = 1'000'000;  // beyond what anybody packs
+constexpr std::size_t kMostSoughtSize = 4096;  // of a header behind a damaged one
 constexpr std::size_t kIvSize = 16;
 
 void ReadMain(const Rar5Block& block, RarArchive* archive) {
@@ -39,16 +41,18 @@ RarEncryption ReadEncryption(const Rar5Block& block) {
 class Rar5Walk {
  public:
   Rar5Walk(const ArchiveInput& input, std::uint64_t end, RarKeys* keys, RarArchive* archive)
-      : end_(end), keys_(keys), archive_(*archive), header_(input, end) {}
+      : input_(input), end_(end), keys_(keys), archive_(*archive), header_(input, end) {}
 
   void From(std::uint64_t position);
 
  private:
   bool ReadBlock(std::uint64_t position);
+  bool SkipDamage(std::uint64_t* position);
   void Encrypt();
   bool AddFile();
   bool Fail(ReadStatus status, Reason reason);
 
+  const ArchiveInput& input_;
   const std::uint64_t end_;
   RarKeys* const keys_;
   RarArchive& archive_;
@@ -57,6 +61,7 @@ class Rar5Walk {
   RarEncryption encryption_;
   ReadStatus cipher_status_ = ReadStatus::kOk;
   Reason cipher_reason_;
+  Reason damage_;  // of a header, behind which others were found
 };
 
 bool Rar5Walk::Fail(ReadStatus status, Reason reason) {
@@ -70,6 +75,7 @@ bool Rar5Walk::ReadBlock(std::uint64_t position) {
   Reason problem;
   if (ReadRar5Block(&header_, position, end_, kMostSize, &block_, &problem)) {
     if (header_.AreEncrypted()) keys_->Prove();
+    Fail(ReadStatus::kEnd, {});
     return true;
   }
   if (cipher_status_ != ReadStatus::kOk) return Fail(cipher_status_, cipher_reason_);
@@ -96,9 +102,35 @@ bool Rar5Walk::AddFile() {
   return true;
 }
 
+// Behind a damaged header the next file is looked for. The content of one that is cut off is there in part, so that it is
+// named, and nothing is behind it.
+bool Rar5Walk::SkipDamage(std::uint64_t* position) {
+  if (archive_.problem == why::kCutOff && block_.type == Rar5Block::kFile) {
+    block_.content_size = end_ - block_.content_position;
+    AddFile();
+    return false;
+  }
+  if (keys_ == nullptr || header_.AreEncrypted() || archive_.status != ReadStatus::kFailed) return false;
+  if (damage_.empty()) damage_ = archive_.problem;
+  const auto may_be = [](std::string_view bytes) {
+    Rar5Numbers numbers(bytes.substr(4));
+    return numbers.Next() <= kMostSoughtSize && numbers.Next() == Rar5Block::kFile;
+  };
+  const auto is = [this](std::uint64_t candidate) {
+    Reason ignored;
+    return ReadRar5Block(&header_, candidate, end_, kMostSoughtSize, &block_, &ignored);
+  };
+  const auto found = FindHeader(input_, *position + 1, end_, may_be, is);
+  if (found) *position = *found;
+  return found.has_value();
+}
+
 void Rar5Walk::From(std::uint64_t position) {
-  for (;; position = block_.End()) {
-    if (!ReadBlock(position)) return;
+  for (bool has_end = false; !has_end;) {
+    if (!ReadBlock(position)) {
+      if (SkipDamage(&position)) continue;
+      break;
+    }
     if (block_.type == Rar5Block::kMain) {
       ReadMain(block_, &archive_);
     } else if (block_.type == Rar5Block::kEncryption && !header_.AreEncrypted()) {
@@ -106,13 +138,15 @@ void Rar5Walk::From(std::uint64_t position) {
       if (keys_ == nullptr) return;
       Encrypt();
     } else if (block_.type == Rar5Block::kEnd) {
+      has_end = true;
       archive_.has_next = (Rar5Numbers(block_.own).Next() & 1) != 0;
       archive_.end = block_.End();
-      return;
     } else if (block_.type == Rar5Block::kFile && !AddFile()) {
-      return;
+      break;
     }
+    position = block_.End();
   }
+  if (!damage_.empty()) Fail(ReadStatus::kFailed, damage_);
 }
 
 }  // namespace

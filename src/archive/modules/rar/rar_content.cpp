@@ -118,6 +118,24 @@ bool RarContent::Give(const RarFile& file, Entry entry, bool to_end, EntrySink* 
   return wish != EntrySink::Wish::kMore || sink->End(status_, problem_);
 }
 
+// Of a file in several volumes, which of them is damaged; empty when that does not show.
+Reason RarContent::DamagedVolume() const {
+  for (const RarPart& part : file_->parts) {
+    if (!part.crc) continue;
+    const std::vector<RarPart> alone = {part};
+    PackedContent bytes(input_, alone, nullptr);
+    std::vector<std::uint8_t> buffer(kPieceSize);
+    Crc32Sum sum;
+    while (const std::size_t got = bytes.Read(buffer.data(), buffer.size()))
+      sum.Add({reinterpret_cast<const char*>(buffer.data()), got});
+    if (sum.Value() == part.crc) continue;
+    std::size_t volume = input_.VolumeCount() - 1;
+    while (input_.VolumeStart(volume) > part.position) --volume;
+    return why::kVolumeDamaged(input_.Paths()[volume]);
+  }
+  return {};
+}
+
 // Only what comes out tells that a password was wrong, where it was not known to be right before.
 ReadStatus RarContent::Finish() {
   const std::optional<RarEncryption>& encryption = file_->encryption;
@@ -131,6 +149,11 @@ ReadStatus RarContent::Finish() {
       packed_->Problem().empty()) {
     status = ReadStatus::kPassword;
     problem_ = why::kWrongPasswordOrDamaged(problem_);
+  }
+  // Checksums of parts may be changed by a key as well as not.
+  if (status == ReadStatus::kFailed && !(encryption && encryption->keyed_sums)) {
+    Reason volume = DamagedVolume();
+    if (!volume.empty()) problem_ = std::move(volume);
   }
   // A wrong checksum of one file says little of those that go on with it: they have their own.
   if (unpacks_)

@@ -43,6 +43,7 @@ class RarContent {
   ReadStatus OpenUnpacker();
   ReadStatus ReadStored(std::string_view* piece);
   ReadStatus Finish();
+  Reason DamagedVolume() const;
 
   const ArchiveInput& input_;
   RarKeys& keys_;

@@ -19,6 +19,7 @@ constexpr std::string_view kSignature5 = "Rar!\x1A\x07\x01\x00"sv;
 
 // The parts of an entry are one: the last of them has the checksum and, where the others did not know, the size.
 void Continue(RarFile* file, RarFile part) {
+  if (!file->is_rotating_sum) file->parts.back().crc = file->crc;
   file->parts.insert(file->parts.end(), part.parts.begin(), part.parts.end());
   file->crc = part.crc;
   file->blake2sp = std::move(part.blake2sp);

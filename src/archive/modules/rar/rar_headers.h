@@ -27,6 +27,7 @@ enum class RarPacking { kStored, k15, k20, k29, k50, kUnknown };
 struct RarPart {
   std::uint64_t position = 0;
   std::uint64_t size = 0;
+  std::optional<std::uint32_t> crc = {};  // of these bytes as they stand; all parts but the last have it
 };
 
 // An entry. Of one that is spread over volumes there is one, with what its parts say together.
