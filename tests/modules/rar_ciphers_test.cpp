@@ -69,7 +69,7 @@ GTEST_TEST(RarCiphers, DecryptBytesOfOldArchives) {
        "59e39b3363de6a5366dc072d7d019d2d80424c22817cd60069502abd7bb691fc"},
   };
   for (const auto& row : rows) {
-    for (const std::size_t blocks : {32, 1, 5}) {
+    for (const std::size_t blocks : {32U, 1U, 5U}) {
       EXPECT_EQ(Decrypted(row.make(row.password).get(), FromHex(row.encrypted), blocks), kPlain)
           << row.password << ' ' << row.encrypted << " by " << blocks;
     }
@@ -114,7 +114,7 @@ GTEST_TEST(RarCiphers, DeriveTheKeysOfRar3) {
     EXPECT_EQ(Hex(key->key), row.key) << row.password;
     EXPECT_EQ(Hex(key->iv), row.iv) << row.password;
     const auto encrypted = FromHex(row.encrypted);
-    for (const std::size_t blocks : {2, 1}) {
+    for (const std::size_t blocks : {2U, 1U}) {
       EXPECT_EQ(Decrypted(MakeAes128Cipher(key->key, key->iv).get(), encrypted, blocks),
                 kPlain.substr(0, encrypted.size()));
     }
@@ -163,7 +163,7 @@ GTEST_TEST(RarCiphers, DeriveTheKeysOfRar5) {
     EXPECT_EQ(Hex(keys->checksum_key), row.checksum_key);
     EXPECT_EQ(KeyedCrc32(*keys, 0xCBF43926), row.crc32);
     EXPECT_EQ(Hex(KeyedBlake2sp(*keys, sum.Value())), row.blake2sp);
-    for (const std::size_t blocks : {2, 1}) {
+    for (const std::size_t blocks : {2U, 1U}) {
       EXPECT_EQ(Decrypted(MakeAes256Cipher(keys->key, iv).get(), FromHex(row.encrypted), blocks), kPlain);
     }
     for (const Rar5Row& other : kRar5Rows) {
@@ -230,7 +230,7 @@ GTEST_TEST(RarCiphers, SumUpBytes) {
       {counting, "c9f79171d19c3703b7ebf9f762ce3fd24b302e2281f72da31a65014ff923c859", 0x68FF},
   };
   for (const auto& row : rows) {
-    for (const std::size_t size : {1024, 100, 64, 1}) {
+    for (const std::size_t size : {1024U, 100U, 64U, 1U}) {
       Blake2sp blake2sp;
       RotatingSum rotating;
       for (std::string_view rest = row.bytes; !rest.empty();

@@ -96,17 +96,16 @@ std::optional<Rar5Keys> DeriveRar5Keys(std::string_view password, std::string_vi
 }
 
 PasswordCheck CheckPassword(const Rar5Keys& keys, std::string_view stored) {
-  constexpr std::size_t kCheck = std::tuple_size_v<decltype(Rar5Keys::check)>;
-  if (stored.size() != kCheck + kCheckSum) return PasswordCheck::kUnknown;
+  const std::size_t size = keys.check.size();
+  if (stored.size() != size + kCheckSum) return PasswordCheck::kUnknown;
+  const std::uint8_t* bytes = BytesOf(stored);
   sha256_ctx sum;
   sha256_init(&sum);
-  sha256_update(&sum, kCheck, BytesOf(stored));
+  sha256_update(&sum, size, bytes);
   Rar5Digest digest{};
   sha256_digest(&sum, digest.size(), digest.data());
-  const std::uint8_t* bytes = BytesOf(stored);
-  if (!std::equal(bytes + kCheck, bytes + kCheck + kCheckSum, digest.begin())) return PasswordCheck::kUnknown;
-  return std::equal(keys.check.begin(), keys.check.end(), bytes) ? PasswordCheck::kRight
-                                                                 : PasswordCheck::kWrong;
+  if (!std::equal(bytes + size, bytes + size + kCheckSum, digest.begin())) return PasswordCheck::kUnknown;
+  return std::equal(bytes, bytes + size, keys.check.begin()) ? PasswordCheck::kRight : PasswordCheck::kWrong;
 }
 
 std::uint32_t KeyedCrc32(const Rar5Keys& keys, std::uint32_t crc32) {
