@@ -156,7 +156,8 @@ unsigned Unpack50::DecodeMany(std::uint64_t until) {
 
 // `bits` has 26 bits at least.
 template <typename Bits, typename Output>
-bool Unpack50::DecodeMatch(unsigned symbol, Bits* bits, Recent* recent, Output* output) const {
+[[gnu::always_inline]] inline bool Unpack50::DecodeMatch(unsigned symbol, Bits* bits, Recent* recent,
+                                                         Output* output) const {
   auto& distances = recent->distances;
   if (symbol >= kLength) {
     if (symbol >= kMainSymbols) return false;
@@ -165,8 +166,10 @@ bool Unpack50::DecodeMatch(unsigned symbol, Bits* bits, Recent* recent, Output* 
     distances = {distance, distances[0], distances[1], distances[2]};
     recent->length = length + ExtraLength(distance);
   } else if (symbol >= kRecentDistance) {
-    const auto place = distances.begin() + (symbol - kRecentDistance);
-    std::rotate(distances.begin(), place, place + 1);
+    const unsigned place = symbol - kRecentDistance;
+    const std::uint64_t distance = distances[place];
+    for (unsigned i = place; i > 0; --i) distances[i] = distances[i - 1];
+    distances[0] = distance;
     const unsigned slot = repeat_lengths_.Decode(bits);
     if (slot >= kLengthSlots) return false;
     recent->length = TakeLength(slot, bits);
@@ -178,7 +181,7 @@ bool Unpack50::DecodeMatch(unsigned symbol, Bits* bits, Recent* recent, Output* 
 
 // 0 for bits that stand for none.
 template <typename Bits>
-std::uint64_t Unpack50::DecodeDistance(Bits* bits) const {
+[[gnu::always_inline]] inline std::uint64_t Unpack50::DecodeDistance(Bits* bits) const {
   constexpr unsigned kLowBits = 4;
   bits->Refill();
   const unsigned slot = distances_.Decode(bits);
