@@ -132,7 +132,7 @@ class Rar4Walk {
   Reason damage_;  // of a header, behind which others were found
   bool is_solid_ = false;
   bool has_packed_ = false;  // a file that solid ones can go on with
-  bool wants_end_ = true;
+  bool is_young_ = false;    // made by version 3 or later
 };
 
 // The first block that is encrypted tells whether the password is right.
@@ -187,9 +187,7 @@ bool Rar4Walk::AddFile() {
   const RarFile& file = archive_.files.emplace_back(ToFile(block_, is_solid_ && has_packed_));
   has_packed_ = has_packed_ || (file.packing != RarPacking::kStored && file.kind == EntryKind::kFile);
   archive_.has_next = file.continues;
-  // Versions before 3 wrote no last block, nor archives without files.
-  const bool is_young = block_.Number(24, 1) >= 29 || block_.HasTimes();
-  wants_end_ = is_young || (wants_end_ && archive_.files.size() > 1);
+  is_young_ = is_young_ || block_.Number(24, 1) >= 29 || block_.HasTimes();
   return true;
 }
 
@@ -237,7 +235,11 @@ void Rar4Walk::From(std::uint64_t position) {
     position = block_.End();
   }
   if (archive_.problem.empty()) archive_.end = has_end ? position : end_;
-  if (archive_.problem.empty() && !has_end && wants_end_) archive_.problem = why::kLastBlockMissing;
+  // Versions before 3 wrote no last block, nor archives without files; later ones can be told to write none. Where there
+  // is one file that is whole, nothing is likely to be missing.
+  const bool needs_end =
+      archive_.files.empty() || (is_young_ && (archive_.files.size() > 1 || archive_.is_volume));
+  if (archive_.problem.empty() && !has_end && needs_end) archive_.problem = why::kLastBlockMissing;
   if (!damage_.empty()) archive_.problem = damage_;
   if (!archive_.problem.empty() && archive_.status == ReadStatus::kEnd) archive_.status = ReadStatus::kFailed;
 }
