@@ -46,10 +46,11 @@ std::optional<ArchiveInput> FindRar(std::shared_ptr<const platform::InputFile> f
   if (!headers.is_volume && !hides_volumes) return own;
   VolumeSet set = FindVolumes(std::move(file), *position > 0);
   if (set.is_first && headers.is_first) return ArchiveInput(std::move(set.files)).From(*position);
-  *reason = set.is_first ? why::kNotFirstVolume : why::kBeginsIn(set.first_path);
   std::unique_ptr<platform::InputFile> first;
-  if (set.is_first || !platform::InputFile::Open(set.first_path, &first).ok()) return std::nullopt;
-  return FindRar(std::move(first), reason);
+  if (!set.is_first && platform::InputFile::Open(set.first_path, &first).ok())
+    return FindRar(std::move(first), reason);
+  *reason = set.is_first ? why::kNotFirstVolume : why::kBeginsIn(set.first_path);
+  return std::nullopt;
 }
 
 Reason MissingVolume(const ArchiveInput& input) {
