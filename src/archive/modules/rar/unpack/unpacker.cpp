@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "archive/modules/common/archive_input.h"
+
 namespace quendle::modules {
 namespace {
 
@@ -16,7 +18,7 @@ void Unpacker::Begin(PackedSource* packed, const PackedEntry& entry) {
   entry_ = entry;
   problem_ = {};
   status_ = ReadStatus::kOk;
-  passed_ = 0;
+  passed_ = given_ = 0;
   bits_.Begin(packed);
   filters_.Begin();
   BeginEntry(entry);
@@ -28,7 +30,8 @@ ReadStatus Unpacker::Read(std::string_view* piece) {
   return piece->empty() ? status_ : ReadStatus::kOk;
 }
 
-// What is made goes out through the filters. A match may be longer than what the entry has left.
+// What is made goes out through the filters. A match may be longer than what the entry has left; a filter that makes
+// more of it than the entry has is damaged.
 bool Unpacker::GiveMade(std::string_view* piece) {
   *piece = {};
   const std::uint64_t end = std::min(Made(), Size().value_or(Made()));
@@ -38,11 +41,21 @@ bool Unpacker::GiveMade(std::string_view* piece) {
     const std::size_t size = raw.size();
     if (!filters_.Pass(&raw, piece)) Settle(Step::kDamaged);
     passed_ += size - raw.size();
+    given_ += piece->size();
+    if (given_ <= Size().value_or(given_)) continue;
+    *piece = {};
+    Settle(Step::kDamaged);
   }
   return !piece->empty();
 }
 
 void Unpacker::DecodeMore() {
+  // Filters may take their time, and make nothing of it.
+  if (!InterruptibleReads::GoOn()) {
+    problem_ = why::kCancelled;
+    status_ = ReadStatus::kFailed;
+    return;
+  }
   if (!window_.Reserve(kPieceSize + kLongestMatch)) {
     problem_ = why::kDictionaryTooLarge(entry_.window >> 20);
     status_ = ReadStatus::kFailed;

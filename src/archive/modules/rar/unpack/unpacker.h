@@ -73,6 +73,7 @@ class Unpacker {
   PackedEntry entry_;
   std::uint64_t start_ = 0;   // of the entry in the window
   std::uint64_t passed_ = 0;  // of its bytes, to the filters
+  std::uint64_t given_ = 0;   // what these made of them
   ReadStatus status_ = ReadStatus::kEnd;
 };
 
