@@ -14,11 +14,14 @@ void FilterQueue::Begin() {
 bool FilterQueue::Add(std::uint64_t start, std::size_t length, std::unique_ptr<Filter> filter) {
   if (pending_.size() == kMostPending || start < passed_ - range_.size()) return false;
   if (length == 0) return true;
+  bool is_same_range = false;
   if (!pending_.empty()) {
     const Pending& last = pending_.back();
-    const bool is_same_range = start == last.start && length == last.length;
+    is_same_range = start == last.start && length == last.length;
     if (!is_same_range && (start < last.start || start - last.start < last.length)) return false;
   }
+  in_last_range_ = is_same_range ? in_last_range_ + 1 : 1;
+  if (in_last_range_ > kMostInRange) return false;
   pending_.push_back({start, length, std::move(filter)});
   return true;
 }

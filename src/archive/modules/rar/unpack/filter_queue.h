@@ -25,8 +25,8 @@ class FilterQueue {
   void Begin();
 
   // For the `length` bytes from `start` of the entry on, which were not passed yet. For one range there may be several,
-  // each changes what the one before it made. False: too many wait, they overlap, or are not in the order of
-  // their ranges.
+  // each changes what the one before it made. False: too many wait, or are for one range, they overlap, or are not in the
+  // order of their ranges.
   bool Add(std::uint64_t start, std::size_t length, std::unique_ptr<Filter> filter);
 
   // Takes the entry's next bytes from the front of `raw` and gives the next bytes that are to go out, empty while
@@ -46,8 +46,11 @@ class FilterQueue {
   bool RunFront();
 
   static constexpr std::size_t kMostPending = 8192;
+  // Each goes over all of the range before anything of it comes out.
+  static constexpr unsigned kMostInRange = 8;
 
   std::deque<Pending> pending_;
+  unsigned in_last_range_ = 0;
   std::uint64_t passed_ = 0;  // of the entry
   std::vector<std::uint8_t> range_;
   std::vector<std::uint8_t> given_;
