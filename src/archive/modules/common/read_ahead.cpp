@@ -38,6 +38,7 @@ ReadAhead::~ReadAhead() {
 }
 
 void ReadAhead::UnpackArchive() {
+  const InterruptibleReads reads([this] { return GoesOn(); });
   Item last;
   try {
     last.header = last.end = reader_->Unpack(this);
