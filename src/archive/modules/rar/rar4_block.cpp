@@ -7,7 +7,7 @@
 namespace quendle::modules {
 namespace {
 
-constexpr std::size_t kMostOldContent = 1U << 20;
+constexpr std::size_t kMostOldContent = 64U << 10;  // what tells of owners and attributes is not longer
 
 // Where a file's fields end, and old versions put a comment: behind the salt and the times.
 std::size_t FieldsEnd(const Rar4Block& block) {
