@@ -6,7 +6,8 @@
 seconds=${1:-600}
 shift || true
 targets=("$@")
-[ $# -gt 0 ] || targets=(fuzz_command fuzz_names fuzz_version fuzz_zip fuzz_lzh fuzz_cab fuzz_rar fuzz_sevenzip)
+[ $# -gt 0 ] || targets=(fuzz_command fuzz_names fuzz_version fuzz_zip fuzz_lzh fuzz_cab fuzz_rar fuzz_rar_headers fuzz_sevenzip
+  fuzz_unpack fuzz_filters)
 install_missing fuzz
 for target in "${targets[@]}"; do build fuzz "$target"; done
 cd "$root/build/fuzz"

@@ -1,16 +1,14 @@
-// Whole archives: found, listed and read to the end by every engine of a family, FUZZ_FAMILY.
+#include "fuzz_family.h"
+
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstdlib>
 
 #include "archive/modules/common/listing.h"
-#include FUZZ_FAMILY_HEADER
 
+namespace quendle::modules {
 namespace {
-
-using namespace quendle;
-using namespace quendle::modules;
 
 constexpr std::uint64_t kMostBytes = 16U << 20;
 
@@ -53,22 +51,23 @@ class Checker : public EntrySink {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void ReadEverything(const Family& family, const std::uint8_t* data, std::size_t size) {
   const auto password = [] { return std::optional<std::string>("right"); };
   Reason reason;
-  const auto input = FUZZ_FAMILY.find(FileOf(data, size), &reason);
-  if (!input) return 0;
+  const auto input = family.find(FileOf(data, size), &reason);
+  if (!input) return;
   const auto archive = ListArchive(
-      FUZZ_FAMILY, *input, "",
-      [password, asked = 0]() mutable { return asked++ < 2 ? password() : std::nullopt; }, &reason);
+      family, *input, "", [password, asked = 0]() mutable { return asked++ < 2 ? password() : std::nullopt; },
+      &reason);
   if (!archive) {
     if (reason.empty()) std::abort();
-    return 0;
+    return;
   }
   for (const Engine& engine : archive->engines) {
     Checker checker;
     const auto reader = engine.open(archive->input, {"", password}, &reason);
     if (reader && reader->Unpack(&checker) > ReadStatus::kEnd && reader->Problem().empty()) std::abort();
   }
-  return 0;
 }
+
+}  // namespace quendle::modules

@@ -29,9 +29,6 @@ constexpr unsigned kRunsRegister = 5;
 constexpr unsigned kPositionRegister = 6;
 constexpr unsigned kStack = 7;
 
-// Commands that a program may need for a byte; the one for sound, the slowest known, takes 92.
-constexpr std::uint64_t kCommandsPerByte = 1000;
-
 }  // namespace
 
 bool FilterMachine::Run(const MachineProgram& program, std::uint64_t position, const Registers& start,
