@@ -24,8 +24,8 @@ done
 
 # What is linked in has licences that go with it. Debian keeps them with the packages for its own systems, which the build on
 # Linux needs and which are made from the same sources.
-linked=(zlib1g libbz2-1.0 liblzma5 libzstd1 libarchive13 liblhasa0 libmspack0 libpcre2-8-0 libutf8proc2 libqt6core6
-        libstdc++6 mingw-w64-common)
+linked=(zlib1g libbz2-1.0 liblzma5 libzstd1 libnettle8 libb2-1 libarchive13 liblhasa0 libmspack0 libpcre2-8-0 libutf8proc2
+        libqt6core6 libstdc++6 mingw-w64-common)
 [ ! -f "$QUENDLE_WINDOWS_DEPS/built/unarr" ] || linked+=(libunarr1)
 for package in "${linked[@]}"; do
   if [ -f "/usr/share/doc/$package/copyright" ]; then
@@ -36,7 +36,10 @@ done
 # 7-Zip's library is not linked in. Its licence wants its text and an offer of the source to go with it.
 sevenzip_version=$(sed -n '1s/^7zip //p' "$QUENDLE_WINDOWS_DEPS/built/7zip")
 cp "$QUENDLE_WINDOWS_DEPS/share/7zip-copyright.txt" "$staging/$name/licences/7zip.txt"
-cp /usr/share/common-licenses/LGPL-2.1 "$staging/$name/licences/LGPL-2.1.txt"
+# These name licences by where Debian keeps them.
+for licence in LGPL-2.1 LGPL-3 GPL-3; do
+  cp "/usr/share/common-licenses/$licence" "$staging/$name/licences/$licence.txt"
+done
 cat >"$staging/$name/licences/7zip-source.txt" <<END
 modules/7z.dll is the library of 7-Zip. It is free software under the GNU Lesser General Public License, version 2.1 or
 (at your option) any later version, with parts under other licences: see LGPL-2.1.txt and 7zip.txt. You may change it, and

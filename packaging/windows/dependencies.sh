@@ -7,7 +7,8 @@
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 . "$windows/recipes.sh"
 
-libraries=(zlib bzip2 xz-utils libzstd libarchive unarr lhasa libmspack 7zip pcre2 utf8proc googletest nlohmann-json3)
+libraries=(zlib bzip2 xz-utils libzstd nettle libb2 libarchive unarr lhasa libmspack 7zip pcre2 utf8proc googletest
+           nlohmann-json3)
 # Only the second choice behind another library; not every mirror of Debian's has its source.
 optional=(unarr)
 case ${1:-} in

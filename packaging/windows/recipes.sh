@@ -57,11 +57,26 @@ build_libzstd() {
   cmake --build build-windows --target install
 }
 
-# Encryption through the system's bcrypt; names are converted by the system's code pages, not by iconv.
+# Without ciphers that need GMP, which are those with public keys.
+build_nettle() {
+  use_autotools --disable-public-key --disable-documentation --disable-openssl
+  make -j"$jobs" libnettle.a
+  make install-headers install-static install-pkgconfig
+}
+
+# Debian's patch for its flags changes configure.ac. It chooses the code for the processor that it runs on.
+build_libb2() {
+  autoreconf -fi
+  use_autotools --disable-native --enable-fat --disable-openmp
+  make -j"$jobs" install
+}
+
+# Encryption through the system's bcrypt; names are converted by the system's code pages, not by iconv. With libb2, since
+# otherwise its own functions would have the same names as those, and be called in their place.
 build_libarchive() {
   autoreconf -fi
   use_autotools --disable-bsdtar --disable-bsdcat --disable-bsdcpio --disable-acl --disable-xattr --without-openssl \
-    --without-xml2 --without-expat --without-iconv --without-lz4 --without-libb2 --with-cng \
+    --without-xml2 --without-expat --without-iconv --without-lz4 --with-cng \
     CPPFLAGS="-I$deps/include -DLZMA_API_STATIC -DLIBARCHIVE_STATIC"
   make -j"$jobs" install
   sed -i 's/^Cflags:.*/& -DLIBARCHIVE_STATIC/' "$deps/lib/pkgconfig/libarchive.pc"

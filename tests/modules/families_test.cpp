@@ -130,8 +130,9 @@ GTEST_TEST(Families, ACutIsNoticedWhereverItIs) {
         ASSERT_EQ(text, sample.text) << size;
         text = sample.cut_off;
       }
-      // An LZH archive may end behind any entry.
-      const bool is_one = &sample.family == &kLzhFamily && (text == sample.text || text == "a=" + kContent);
+      // An LZH archive may end behind any entry, and a RAR archive behind the only one.
+      const bool may_end = &sample.family == &kLzhFamily || sample.name == "rar4.rar";
+      const bool is_one = may_end && (text == sample.text || text == "a=" + kContent);
       ASSERT_TRUE(is_one || text.find('!') != text.npos) << size << text;
     }
     EXPECT_TRUE(text.ends_with(sample.cut_off)) << text;

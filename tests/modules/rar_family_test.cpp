@@ -1,7 +1,14 @@
 #include "archive/modules/rar/rar_family.h"
-#include "archive/modules/common/unarr_reader.h"
 
+#include <nettle/aes.h>
+#include <nettle/cbc.h>
+
+#include "archive/modules/rar/ciphers/cipher15.h"
+#include "archive/modules/rar/ciphers/rar3_key.h"
+#include "archive/modules/rar/ciphers/rar5_key.h"
+#include "archive/modules/rar/ciphers/rotating_sum.h"
 #include "support/lzh_cab_rar.h"
+#include "support/rar_encoder.h"
 
 namespace quendle::modules {
 namespace {
@@ -17,6 +24,19 @@ std::string Text(const std::string& bytes) {
   return test::UnpackBytes(kRarFamily, bytes).Text();
 }
 
+// What a RAR 5 archive has of one file, or of one that has the content of `source`, by a redirection of that kind.
+std::string Rar5Entry(const std::string& name, const std::string& content, const std::string& source = "",
+                      unsigned kind = 4) {
+  using test::Number;
+  const std::string record = "\5" + Number(kind, 1) + Number(0, 1) + Number(source.size(), 1) + source;
+  const std::string extra = source.empty() ? "" : Number(record.size(), 1) + record;
+  return test::Rar5Block(
+      Number(2, 1) + Number(extra.empty() ? 2 : 3, 1) + (extra.empty() ? "" : Number(extra.size(), 1)) +
+          Number(content.size(), 1) + Number(4, 1) + Number(content.size(), 1) + Number(0x20, 1) +
+          Number(Crc32(content), 4) + Number(0, 1) + Number(0, 1) + Number(name.size(), 1) + name + extra,
+      content);
+}
+
 GTEST_TEST(Rar, ReadsNamesAndKinds) {
   const struct {
     const char* what;
@@ -30,16 +50,66 @@ GTEST_TEST(Rar, ReadsNamesAndKinds) {
       {"UTF-16, shifted", {std::string("123\0\x04\xC0\x81\x0F", 8), "1", kUnicode}, "р\u0441т=1"},
       {"folder", {"d\\e", "", kFolder}, "d/e/"},
       {"link", {"a", "../b", 0, kUnix, 0120777}, "a>../b"},
-      {"encrypted", {"a", "1", kEncrypted}, "a!it is encrypted, which is not supported for RAR"},
+      {"pipe", {"a", "", 0, kUnix, 0010644}, "a"},
       {"empty", {"a", ""}, "a="},
   };
   for (const auto& row : rows) EXPECT_EQ(Text(StoredRar({row.entry})), row.text) << row.what;
-  EXPECT_EQ(Text(StoredRar({}, 0x80)), "!its list of names is encrypted, which is not supported");
-  EXPECT_EQ(Text(test::kRar5Signature + test::Rar5Block(std::string("\x04\0\0\0\x0F", 5))),
-            "!its list of names is encrypted, which is not supported");
-  std::string damaged = StoredRar({{"a", "first"}, {"dir", "", kFolder}, {"b", "second"}});
-  damaged[20 + 32] ^= 1;
-  EXPECT_EQ(Text(damaged), "!the archive is cut off, or damaged, in a header") << "in a name";
+}
+
+// RAR 1.3 and 1.4, whose headers have no checksums.
+GTEST_TEST(Rar, ReadsTheOldestHeaders) {
+  using test::Number;
+  const auto file = [](const std::string& name, const std::string& content, unsigned attributes = 0x20) {
+    RotatingSum sum;
+    sum.Add(content);
+    return Number(content.size(), 4) + Number(content.size(), 4) + Number(sum.Value(), 2) +
+           Number(21 + name.size(), 2) + Number(test::kDosTime, 4) + Number(attributes, 1) + Number(0, 1) +
+           Number(2, 1) + Number(name.size(), 1) + Number(0, 1) + name + content;
+  };
+  const std::string head = "RE~^" + Number(7, 2) + Number(0x80, 1);
+  const std::string whole = head + file("A.TXT", "first") + file("D", "", 0x10) + file("B", "second");
+  EXPECT_EQ(Text(whole), "A.TXT=first D/ B=second");
+  EXPECT_EQ(Text(whole.substr(0, whole.size() - 1)), "A.TXT=first D/!the archive is cut off");
+  std::string damaged = whole;
+  damaged[head.size() + 28] ^= 1;
+  EXPECT_EQ(Text(damaged), "A.TXT!its checksum does not agree D/ B=second");
+  EXPECT_EQ(Text("RE~^ is how this text begins"), "!no archive");
+}
+
+GTEST_TEST(Rar, GivesWhatIsWholeInDamagedArchives) {
+  const std::string four = StoredRar({{"a", "1"}, {"b", "2"}, {"c", "3"}});
+  const std::size_t second = 20 + 34;
+  const std::string five = test::kRar5Signature + test::Rar5Block(std::string("\1\0\0", 3)) +
+                           Rar5Entry("a", "1") + Rar5Entry("b", "2") + Rar5Entry("c", "3") +
+                           test::Rar5Block(std::string("\5\0\0", 3));
+  const std::size_t second5 = 16 + Rar5Entry("a", "1").size();
+  const std::string in_header = "!the archive is cut off, or damaged, in a header";
+  const struct {
+    const char* what;
+    const std::string& whole;
+    std::size_t at;  // of a damaged byte, or where it is cut off
+    bool is_cut;
+    std::string text;
+  } rows[] = {
+      {"a name", four, second + 32, false, "a=1 c=3" + in_header},
+      {"its type", four, second + 2, false, "a=1 c=3" + in_header},
+      {"a content", four, second + 33, false, "a=1 b!its checksum does not agree c=3"},
+      {"the last block", four, four.size() - 5, false, "a=1 b=2 c=3" + in_header},
+      {"cut off in a header", four, second + 20, true, "a=1" + in_header},
+      {"cut off in a content", four, second + 33, true, "a=1 b!0 bytes came out of 1!the archive is cut off"},
+      {"cut off between files", four, second, true, "a=1"},
+      {"the last file's end", four, four.size() - 7, true,
+       "a=1 b=2 c=3!the archive is cut off: its last block is missing"},
+      {"a name, RAR 5", five, second5 + 16, false, "a=1 c=3" + in_header},
+      {"a content, RAR 5", five, second5 + Rar5Entry("b", "2").size() - 1, false,
+       "a=1 b!its checksum does not agree c=3"},
+      {"cut off between files, RAR 5", five, second5, true, "a=1" + in_header},
+  };
+  for (const auto& row : rows) {
+    std::string bytes = row.is_cut ? row.whole.substr(0, row.at) : row.whole;
+    if (!row.is_cut) bytes[row.at] ^= 1;
+    EXPECT_EQ(Text(bytes), row.text) << row.what;
+  }
 }
 
 // Each version had its own idea of what a block's checksum is over; what is over nothing may be a file.
@@ -72,31 +142,14 @@ GTEST_TEST(Rar, PassesOverOldBlocksWholeByTheirChecksumsOnly) {
   for (const auto& row : rows) {
     const std::string bytes =
         before.substr(0, before.size() - 7) + row.bytes + file + before.substr(before.size() - 7);
-    // libarchive lists what is behind them, and does not unpack it.
-    const std::string text = HasUnarr() || !row.holds ? Text(bytes) : Text(bytes).substr(0, 5);
-    EXPECT_EQ(text, !row.holds   ? "a=1!the archive is cut off, or damaged, in a header"
-                    : HasUnarr() ? "a=1 b=2"
-                                 : "a=1 b")
+    EXPECT_EQ(Text(bytes), row.holds ? "a=1 b=2" : "a=1 b=2!the archive is cut off, or damaged, in a header")
         << row.what;
   }
   // A comment behind the salt, and times of which the second one has seconds of its own.
   RarEntry commented = {"a", "1", 0x1408, 2, 0x20, "", std::string("saltsalt\0\xB9\1\2\3SECS\1comment", 25)};
   std::string bytes = StoredRar({commented});
   test::Patch(&bytes, 20, Crc32(bytes.substr(22, 32 + 1 + 8 + 2 + 3 + 5 - 2)) & 0xFFFF, 2);
-  EXPECT_EQ(Text(bytes).substr(0, HasUnarr() ? 9 : 1), HasUnarr() ? "a=1" : "a");
-}
-
-// What a RAR 5 archive has of one file, or of one that has the content of `source`, by a redirection of that kind.
-std::string Rar5Entry(const std::string& name, const std::string& content, const std::string& source = "",
-                      unsigned kind = 4) {
-  using test::Number;
-  const std::string record = "\5" + Number(kind, 1) + Number(0, 1) + Number(source.size(), 1) + source;
-  const std::string extra = source.empty() ? "" : Number(record.size(), 1) + record;
-  return test::Rar5Block(
-      Number(2, 1) + Number(extra.empty() ? 2 : 3, 1) + (extra.empty() ? "" : Number(extra.size(), 1)) +
-          Number(content.size(), 1) + Number(4, 1) + Number(content.size(), 1) + Number(0x20, 1) +
-          Number(Crc32(content), 4) + Number(0, 1) + Number(0, 1) + Number(name.size(), 1) + name + extra,
-      content);
+  EXPECT_EQ(Text(bytes), "a=1");
 }
 
 GTEST_TEST(Rar, GivesLinksAndCopiesTheContentOfEarlierFiles) {
@@ -157,6 +210,7 @@ GTEST_TEST(Rar, ReadsVolumesWhenAllAreThere) {
   const std::vector<std::string> new_ones = {StoredRar5("a", whole.substr(0, 4), whole, 0, true),
                                              StoredRar5("a", whole.substr(4, 3), whole, 1, true),
                                              StoredRar5("a", whole.substr(7), whole, 2)};
+  const std::vector<std::string> programs = {"MZ" + new_ones[0], new_ones[1], new_ones[2]};
   const struct {
     const char* what;
     std::vector<const char*> names;
@@ -165,6 +219,7 @@ GTEST_TEST(Rar, ReadsVolumesWhenAllAreThere) {
   } rows[] = {
       {"old names", {"a.rar", "a.r00", "a.r01"}, old_ones, "a=0123456789 b=1"},
       {"RAR 5", {"a.part01.rar", "a.part02.rar", "a.part03.rar"}, new_ones, "a=0123456789"},
+      {"behind a program", {"a.part1.exe", "a.part2.rar", "a.part3.rar"}, programs, "a=0123456789"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
@@ -175,13 +230,119 @@ GTEST_TEST(Rar, ReadsVolumesWhenAllAreThere) {
         if (i != missing) test::WriteFile(path(i), row.volumes[i]);
       const auto read = [&](std::size_t i) { return test::Unpack(kRarFamily, path(i)).Text(); };
       if (missing == 3) {
-        EXPECT_EQ(read(0), row.text);
-        EXPECT_EQ(read(1), "!the archive begins in " + path(0));
+        for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(read(i), row.text) << i;
       } else if (missing > 0) {
-        EXPECT_EQ(read(0), "!the volume " + path(missing) + " is missing");
+        EXPECT_EQ(read(0), "a!a part of it is in a volume that is not there!the volume " + path(missing) +
+                               " is missing");
+      } else {
+        EXPECT_EQ(read(1),
+                  "!the archive begins in " + test::FsPath(path(0)).replace_extension(".rar").string());
       }
     }
   }
+}
+
+GTEST_TEST(Rar, NamesTheVolumeThatIsDamaged) {
+  const test::TempFolder folder;
+  std::string first = StoredRar5("a", "0123", "01234567", 0, true);
+  first[first.find("0123")] ^= 1;
+  test::WriteFile(folder / "a.part1.rar", first);
+  test::WriteFile(folder / "a.part2.rar", StoredRar5("a", "4567", "01234567", 1));
+  EXPECT_EQ(test::Unpack(kRarFamily, folder / "a.part2.rar").Text(),
+            "a!its part in the volume " + (folder / "a.part1.rar") + " is damaged");
+  test::WriteFile(folder / "a.part2.rar", StoredRar5("a", "4567", "01234567", 2));
+  EXPECT_EQ(test::Unpack(kRarFamily, folder / "a.part1.rar").Text(),
+            "a!a part of it is in a volume that is not there!" + (folder / "a.part2.rar") +
+                " is no volume of this archive");
+}
+
+const std::string kSalt = "saltsalt";
+
+// With AES-128, up to whole blocks.
+std::string Encrypted3(std::string bytes, const std::string& password) {
+  const auto key = DeriveRar3Key(password, kSalt, LongPasswords::kChanging, [] { return true; });
+  bytes.resize((bytes.size() + 15) / 16 * 16);
+  struct CBC_CTX(aes128_ctx, AES_BLOCK_SIZE) context;
+  aes128_set_encrypt_key(&context.ctx, key->key.data());
+  CBC_SET_IV(&context, key->iv.data());
+  auto* const data = reinterpret_cast<std::uint8_t*>(bytes.data());
+  CBC_ENCRYPT(&context, aes128_encrypt, bytes.size(), data, data);
+  return bytes;
+}
+
+GTEST_TEST(Rar, OpensWhatIsEncrypted) {
+  const auto file = [](const std::string& name, const std::string& content, const std::string& encrypted,
+                       unsigned version) {
+    RarEntry entry = {name, encrypted, kEncrypted | (version == 29 ? 0x400U : 0U), 2, 0x20, content};
+    if (version == 29) entry.behind_name = kSalt;
+    std::string block = test::RarFileBlock(entry);
+    block.resize(block.size() - encrypted.size());
+    test::Patch(&block, 24, version, 1);
+    test::Patch(&block, 0, Crc32(block.substr(2)) & 0xFFFF, 2);
+    return block;
+  };
+  const std::string main = test::RarBlock(0x73, 0, test::Number(0, 6));
+  const std::string end = test::RarBlock(0x7B, 0x4000, "");
+  const std::string content = Encrypted3("content", "表");
+  const std::string aes = test::kRar4Signature + main + file("a", "content", content, 29) + content + end;
+  const std::string names = test::kRar4Signature + test::RarBlock(0x73, 0x80, test::Number(0, 6)) + kSalt +
+                            Encrypted3(file("a", "content", content, 29), "表") + content + kSalt +
+                            Encrypted3(end, "表");
+  std::string stream = "content";
+  MakeCipher15("\x95\x5C")->Decrypt(reinterpret_cast<std::uint8_t*>(stream.data()), stream.size());
+  const std::string old = test::kRar4Signature + main + file("a", "content", stream, 15) + stream;
+  const struct {
+    const char* what;
+    const std::string& bytes;
+    std::vector<std::string> passwords;
+    const char* text;
+  } rows[] = {
+      {"AES", aes, {}, "a!it is encrypted and no password was given"},
+      {"AES", aes, {"wrong"}, "a!the password is wrong or the data is damaged: its checksum does not agree"},
+      {"AES", aes, {"wrong", "表"}, "a=content"},
+      {"names", names, {}, "!it is encrypted and no password was given"},
+      {"names", names, {"wrong"}, "!no password given opens it"},
+      {"names", names, {"wrong", "表"}, "a=content"},
+      {"version 1.5, in CP932", old, {"wrong", "表"}, "a=content"},
+  };
+  for (const auto& row : rows)
+    EXPECT_EQ(test::UnpackBytes(kRarFamily, row.bytes, row.passwords).Text(), row.text) << row.what;
+  std::string damaged = names;
+  damaged[damaged.size() - 40] ^= 1;
+  EXPECT_EQ(test::UnpackBytes(kRarFamily, damaged, {"表"}).Text(), "a!its checksum does not agree")
+      << "the password is known to be right";
+}
+
+// An entry of RAR 5, packed as one block: bytes, and then so many from four bytes back.
+std::string PackedEntry5(const std::string& name, const std::string& bytes, unsigned repeated,
+                         const std::string& content) {
+  test::PackedBits bits;
+  bits.PutLengths({{306, 9}, {64, 7}, {16, 4}, {44, 6}});
+  for (const char c : bytes) bits.Put(static_cast<unsigned char>(c), 9);
+  if (repeated > 0) bits.Put(262 + repeated - 2, 9).Put(3, 7);
+  const std::string& packed = bits.Bytes();
+  const auto flags = static_cast<unsigned>((bits.Size() + 7) % 8 + 0xC8);
+  const unsigned low = packed.size() & 0xFF;
+  const auto high = static_cast<unsigned>(packed.size() >> 8);
+  const std::string block = test::Number(flags, 1) + test::Number(0x5A ^ flags ^ low ^ high, 1) +
+                            test::Number(packed.size(), 2) + packed;
+  const std::string size = {static_cast<char>(block.size() % 0x80 + 0x80),
+                            static_cast<char>(block.size() >> 7)};
+  // Method 3, solid behind the first.
+  const std::string packing = repeated > 0 ? "\xC0\x03" : "\x80\x03";
+  return test::Rar5Block(test::Number(2, 1) + test::Number(2, 1) + size + test::Number(4, 1) +
+                             test::Number(content.size(), 1) + test::Number(0x20, 1) +
+                             test::Number(Crc32(content), 4) + packing + test::Number(0, 1) +
+                             test::Number(name.size(), 1) + name,
+                         block);
+}
+
+GTEST_TEST(Rar, UnpacksWhatSolidEntriesGoOnWith) {
+  const std::string bytes = test::kRar5Signature + test::Rar5Block(std::string("\1\0\4", 3)) +
+                            PackedEntry5("a", "abcd", 0, "abcd") + Rar5Entry("s", "stored") +
+                            PackedEntry5("b", "e", 3, "ebcd") + PackedEntry5("c", "f", 3, "fbcd") +
+                            test::Rar5Block(std::string("\5\0\0", 3));
+  EXPECT_EQ(Text(bytes), "a=abcd s=stored b=ebcd c=fbcd");
 }
 
 }  // namespace

@@ -30,6 +30,9 @@ class Checksum {
   // Of all that was added.
   std::uint32_t Value() const { return state_ ^ start; }
 
+  // What becomes of each byte: the table that descriptions of a checksum have.
+  static constexpr const std::array<std::uint32_t, 256>& Table() { return kTables[0]; }
+
  private:
   // Table n: what a byte becomes when n zero bytes follow it.
   using Tables = std::array<std::array<std::uint32_t, 256>, 8>;

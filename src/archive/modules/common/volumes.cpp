@@ -22,7 +22,8 @@ constexpr unsigned kMostVolumes = 4000;
 struct Numbering {
   std::function<std::string(unsigned index)> name_of;  // from 0; empty behind the last possible one
   unsigned given = 0;                                  // the index of the file given, or kLast
-  std::string last = {};  // of a set that is opened by its last file, that one's name
+  std::string last = {};                   // of a set that is opened by its last file, that one's name
+  std::vector<std::string> programs = {};  // names that the first file may have instead: it extracts itself
 };
 constexpr unsigned kLast = std::numeric_limits<unsigned>::max();
 
@@ -48,7 +49,21 @@ Numbering Counted(const std::string& before, std::size_t width, const std::strin
   return {[=](unsigned index) { return before + Padded(index + 1, width) + after; }, given};
 }
 
-// "a.rar", "a.r00" ... "a.r99", "a.s00" ... "a.z99"
+std::vector<std::string> ProgramsOf(const std::string& stem) {
+  return {stem + ".exe", stem + ".sfx"};
+}
+
+// The name of a file of the set as the folder has it; null: it is not there.
+const std::string* FindFile(const Numbering& numbering, unsigned index, const FolderNames& names) {
+  const std::string* found = names.Find(numbering.name_of(index));
+  if (index > 0) return found;
+  for (const std::string& program : numbering.programs) {
+    if (found == nullptr) found = names.Find(program);
+  }
+  return found;
+}
+
+// "a.rar" or "a.exe", "a.r00" ... "a.r99", "a.s00" ... "a.z99"
 Numbering Lettered(const std::string& stem, bool upper, unsigned given) {
   const auto name_of = [=](unsigned index) -> std::string {
     if (index == 0) return stem + (upper ? ".RAR" : ".rar");
@@ -56,7 +71,7 @@ Numbering Lettered(const std::string& stem, bool upper, unsigned given) {
     if (letter > 'z' - 'r') return "";
     return stem + '.' + static_cast<char>((upper ? 'R' : 'r') + letter) + Padded((index - 1) % 100, 2);
   };
-  return {name_of, given};
+  return {name_of, given, "", ProgramsOf(stem)};
 }
 
 // "a.z01", "a.z02", ... and "a.zip" as the last
@@ -66,20 +81,22 @@ Numbering BeforeZip(const std::string& stem, bool upper, unsigned given) {
   return numbering;
 }
 
-// "a.part1.rar" with `stem` "a.part1". "part10" may belong to "part1" as well as to "part01".
+// "a.part1.rar" (or .exe) with `stem` "a.part1". "part10" may belong to "part1" as well as to "part01".
 std::vector<Numbering> PartNumberings(const std::string& stem, const std::string& extension) {
   const std::string digits(DigitsAtEnd(stem));
   const std::string before = stem.substr(0, stem.size() - digits.size());
   std::vector<Numbering> numberings;
   if (NumberOf(digits) == 0 || !UpperCase(before).ends_with(".PART")) return numberings;
   const std::size_t narrowest = digits.front() == '0' ? digits.size() : 1;
-  for (std::size_t width = digits.size(); width >= narrowest; --width)
+  for (std::size_t width = digits.size(); width >= narrowest; --width) {
     numberings.push_back(Counted(before, width, "." + extension, NumberOf(digits) - 1));
+    numberings.back().programs = ProgramsOf(before + Padded(1, width));
+  }
   return numberings;
 }
 
 // What sets the name may belong to.
-std::vector<Numbering> NumberingsOf(const std::string& name) {
+std::vector<Numbering> NumberingsOf(const std::string& name, bool is_program) {
   const std::size_t dot = name.rfind('.');
   if (dot == name.npos || dot + 1 == name.size()) return {};
   const std::string stem = name.substr(0, dot);
@@ -87,8 +104,8 @@ std::vector<Numbering> NumberingsOf(const std::string& name) {
   const std::string upper = UpperCase(extension);
   const bool is_upper = extension.front() == upper.front();
 
-  if (upper == "RAR") {
-    std::vector<Numbering> parts = PartNumberings(stem, extension);
+  if (upper == "RAR" || is_program) {
+    std::vector<Numbering> parts = PartNumberings(stem, is_program ? (is_upper ? "RAR" : "rar") : extension);
     return parts.empty() ? std::vector{Lettered(stem, is_upper, 0)} : parts;
   }
   if (upper == "ZIP") return {BeforeZip(stem, is_upper, kLast)};
@@ -109,7 +126,7 @@ std::vector<Numbering> NumberingsOf(const std::string& name) {
 const Numbering& BestOf(const std::vector<Numbering>& numberings, const FolderNames& names) {
   const auto found = [&](const Numbering& numbering) {
     unsigned index = 0;
-    while (index < kMostVolumes && names.Find(numbering.name_of(index)) != nullptr) ++index;
+    while (index < kMostVolumes && FindFile(numbering, index, names) != nullptr) ++index;
     return index;
   };
   return *std::max_element(numberings.begin(), numberings.end(),
@@ -126,31 +143,29 @@ class Collector {
     for (unsigned index = 0; index < kMostVolumes; ++index) {
       const std::string name = numbering.name_of(index);
       if (name.empty()) break;
-      if (!Add(name, index == numbering.given)) {
+      if (!Add(FindFile(numbering, index, names_), index == numbering.given)) {
         set_.missing_path = folder_ + name;
         break;
       }
     }
     const bool last_opens = !numbering.last.empty();
-    const std::string opening = last_opens ? numbering.last : numbering.name_of(0);
-    if (last_opens && !Add(numbering.last, numbering.given == kLast))
-      set_.missing_path = folder_ + numbering.last;
+    const std::string* opening = last_opens ? names_.Find(numbering.last) : FindFile(numbering, 0, names_);
+    if (last_opens && !Add(opening, numbering.given == kLast)) set_.missing_path = folder_ + numbering.last;
     set_.is_first = numbering.given == (last_opens ? kLast : 0);
-    if (!set_.is_first) {
-      const std::string* found = names_.Find(opening);
-      set_.first_path = folder_ + (found != nullptr ? *found : opening);
-    }
+    if (!set_.is_first)
+      set_.first_path = folder_ + (opening != nullptr ? *opening
+                                   : last_opens       ? numbering.last
+                                                      : numbering.name_of(0));
     if (set_.files.empty()) set_.files.push_back(given_);
     return std::move(set_);
   }
 
  private:
-  bool Add(const std::string& name, bool is_given) {
+  bool Add(const std::string* found, bool is_given) {
     if (is_given) {
       set_.files.push_back(given_);
       return true;
     }
-    const std::string* found = names_.Find(name);
     std::unique_ptr<InputFile> file;
     if (found == nullptr || !InputFile::Open(folder_ + *found, &file).ok()) return false;
     set_.files.push_back(std::move(file));
@@ -165,11 +180,11 @@ class Collector {
 
 }  // namespace
 
-VolumeSet FindVolumes(std::shared_ptr<const InputFile> file) {
+VolumeSet FindVolumes(std::shared_ptr<const InputFile> file, bool is_program) {
   const std::string& path = file->Path();
   const std::size_t cut = FolderSize(path);
   const std::string name = path.substr(cut);
-  const std::vector<Numbering> numberings = NumberingsOf(name);
+  const std::vector<Numbering> numberings = NumberingsOf(name, is_program);
   if (numberings.empty()) {
     VolumeSet alone;
     alone.files.push_back(std::move(file));

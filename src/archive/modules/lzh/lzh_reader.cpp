@@ -6,9 +6,9 @@
 
 #include "archive/modules/common/checksum.h"
 #include "archive/modules/lzh/lzh_headers.h"
+#include "archive/modules/lzh/lzh_unpacker.h"
 #include "archive/modules/lzh/macbinary.h"
 #include "archive/modules/lzh/packed_bytes.h"
-#include "archive/modules/lzh/unpacker.h"
 
 namespace quendle::modules {
 namespace {
@@ -40,7 +40,7 @@ class LzhReader final : public EntryReader {
   LzhHeader header_;
   Part part_;  // of what is unpacked that is the file
   std::unique_ptr<PackedBytes> packed_;
-  std::unique_ptr<Unpacker> unpacker_;
+  std::unique_ptr<LzhUnpacker> unpacker_;
   ReadStatus content_status_ = ReadStatus::kEnd;
   std::string piece_;
   std::uint64_t size_ = 0;  // unpacked so far
@@ -127,7 +127,7 @@ ReadStatus LzhReader::Begin() {
   crc_ = {};
   piece_.resize(kPieceSize);
   packed_ = std::make_unique<PackedBytes>(input_, header_.content_position, header_.packed_size);
-  return MakeUnpacker(header_, packed_.get(), &unpacker_, &reason_);
+  return MakeLzhUnpacker(header_, packed_.get(), &unpacker_, &reason_);
 }
 
 ReadStatus LzhReader::Finish() {

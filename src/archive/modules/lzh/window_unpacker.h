@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "archive/modules/lzh/unpacker.h"
+#include "archive/modules/lzh/lzh_unpacker.h"
 
 namespace quendle::modules {
 
@@ -27,7 +27,7 @@ class WindowSymbols {
   virtual bool ok() const = 0;
 };
 
-class WindowUnpacker final : public Unpacker {
+class WindowUnpacker final : public LzhUnpacker {
  public:
   // `size` of the content.
   WindowUnpacker(std::unique_ptr<WindowSymbols> symbols, std::uint64_t size);

@@ -4,260 +4,259 @@
 #include <string_view>
 #include <utility>
 
-#include "archive/modules/common/checksum.h"
-#include "archive/modules/common/little_endian.h"
-#include "platform/text/unicode.h"
+#include "archive/modules/common/entry_times.h"
+#include "archive/modules/rar/header_search.h"
+#include "archive/modules/rar/rar4_block.h"
+#include "archive/modules/rar/rar4_names.h"
 
 namespace quendle::modules {
 namespace {
 
-constexpr std::size_t kBlockSize = 7;       // what all blocks begin with
-constexpr std::size_t kFileBlockSize = 32;  // without name and options
-constexpr std::size_t kMainBlockSize = 13;
-constexpr std::size_t kFirstRead = 256;  // enough for most headers
-constexpr std::size_t kMostOldContent = 1U << 20;
+constexpr unsigned kUnix = 3;
+constexpr unsigned kBeOs = 5;
 constexpr std::size_t kMostFiles = 1'000'000;  // beyond what anybody packs
 
-enum BlockType : std::uint8_t {
-  kMain = 0x73,
-  kFile = 0x74,
-  kOldComment = 0x75,
-  kOldExtra = 0x76,
-  kOldSub = 0x77,
-  kOldSignature = 0x79,
-  kService = 0x7A,
-  kEnd = 0x7B
-};
-
-struct Block {
-  std::uint64_t position = 0;
-  std::string bytes;
-  std::uint64_t content_size = 0;
-
-  std::uint64_t Number(std::size_t at, std::size_t width) const { return LittleEndian(bytes, at, width); }
-  std::uint8_t Type() const { return static_cast<std::uint8_t>(bytes[2]); }
-  bool Has(std::uint64_t flag) const { return (Number(3, 2) & flag) != 0; }
-  bool IsFile() const { return Type() == kFile || Type() == kService; }
-  std::uint64_t End() const { return position + bytes.size() + content_size; }
-
-  std::size_t NamePosition() const { return kFileBlockSize + (Has(0x100) ? 8 : 0); }
-  std::size_t NameEnd() const { return NamePosition() + static_cast<std::size_t>(Number(26, 2)); }
-};
-
-// Where a file's fields end, and old versions put a comment: behind the salt and the times.
-std::size_t FieldsEnd(const Block& block) {
-  std::size_t end = block.NameEnd() + (block.Has(0x400) ? 8 : 0);
-  if (!block.Has(0x1000)) return end;
-  const std::uint64_t kinds = block.Number(end, 2);
-  end += 2;
-  for (int shift = 12; shift >= 0; shift -= 4) {
-    const std::uint64_t kind = kinds >> shift;
-    // The first time's seconds are a field of their own.
-    if ((kind & 8) != 0) end += (shift == 12 ? 0 : 4) + static_cast<std::size_t>(kind & 3);
-  }
-  return end;
-}
-
-// How much of the header its checksum is over. Versions before 3 left out what they put behind their fields.
-std::size_t SummedSize(const Block& block) {
-  switch (block.Type()) {
-    case kMain:
-      return block.Has(0x02) ? kMainBlockSize + (block.Has(0x200) ? 1 : 0) : block.bytes.size();
-    case kFile:
-      return block.Has(0x08) ? FieldsEnd(block) : block.bytes.size();
-    case kOldComment:
-      return 13;
-    case kOldExtra:
-      return 14;
-    case kOldSignature:
-      return 15;
-    default:
-      return block.bytes.size();
-  }
-}
-
-bool IsChecksum(const Block& block, std::string_view summed) {
-  return (Crc32(summed) & 0xFFFF) == block.Number(0, 2);
-}
-
-// Some of the old blocks that tell of owners have their content in it, too.
-bool HoldsWithContent(const ArchiveInput& input, const Block& block) {
-  if (block.Type() != kOldSub || block.content_size > kMostOldContent) return false;
-  std::string bytes = block.bytes;
-  bytes.resize(bytes.size() + static_cast<std::size_t>(block.content_size));
-  std::size_t got = 0;
-  return input.ReadAt(block.position, bytes.data(), bytes.size(), &got).ok() && got == bytes.size() &&
-         IsChecksum(block, std::string_view(bytes).substr(2));
-}
-
-// Writers were not of one mind about what it is over. Whatever it is over has to fit: a block that is passed over
-// because of a damaged type may be a file.
-bool ChecksumHolds(const ArchiveInput& input, const Block& block) {
-  const std::string_view header(block.bytes);
-  const std::size_t size = SummedSize(block);
-  return (size <= header.size() && IsChecksum(block, header.substr(2, size - 2))) ||
-         IsChecksum(block, header.substr(2)) || HoldsWithContent(input, block);
-}
-
-// Reads the header; false when the input ends before, or what stands there is none.
-bool ReadHeader(const ArchiveInput& input, std::uint64_t position, std::uint64_t end, Block* block) {
-  std::size_t got = 0;
-  const auto room = static_cast<std::size_t>(std::min<std::uint64_t>(end - position, kFirstRead));
-  *block = {position, std::string(std::max(room, kBlockSize), '\0'), 0};
-  if (!input.ReadAt(position, block->bytes.data(), room, &got).ok() || got < kBlockSize) return false;
-  const auto size = static_cast<std::size_t>(block->Number(5, 2));
-  if (size < kBlockSize || size > end - position) return false;
-  block->bytes.resize(size);
-  if (size <= got) return true;
-  return input.ReadAt(position, block->bytes.data(), size, &got).ok() && got == size;
-}
-
-// False, with the reason, for what is no block.
-bool ReadBlock(const ArchiveInput& input, std::uint64_t position, std::uint64_t end, Block* block,
-               Reason* problem) {
-  *problem = why::kCutOffInHeader;
-  if (!ReadHeader(input, position, end, block)) return false;
-  const std::size_t size = block->bytes.size();
-  const std::size_t least = block->IsFile()          ? block->NameEnd()
-                            : block->Type() == kMain ? kMainBlockSize
-                                                     : kBlockSize;
-  if (block->Type() < kMain || block->Type() > kEnd || size < least) return false;
-  if (block->IsFile() || block->Has(0x8000)) block->content_size = block->Number(7, 4);
-  if (block->IsFile() && block->Has(0x100)) block->content_size |= block->Number(32, 4) << 32;
-  if (!ChecksumHolds(input, *block)) return false;
-  *problem = why::kCutOff;
-  return block->content_size <= end - position - size;
-}
-
 // Times may have a part below the two seconds that DOS counts: up to three bytes of 100 nanoseconds.
-std::int32_t BelowDosTime(const Block& block) {
-  const std::size_t at = block.NameEnd() + (block.Has(0x400) ? 8 : 0);
+void AddBelowDosTime(const Rar4Block& block, platform::EntryTime* time) {
+  const std::size_t at = block.TimesPosition();
   const std::uint64_t kind = block.Number(at, 2) >> 12;
-  if (!block.Has(0x1000) || (kind & 8) == 0) return 0;
+  if (!block.HasTimes() || (kind & 8) == 0) return;
   const auto width = static_cast<std::size_t>(kind & 3);
   const std::uint64_t units = block.Number(at + 2, width) << (8 * (3 - width));
-  return static_cast<std::int32_t>((kind & 4) != 0 ? 1'000'000'000 : 0) +
-         static_cast<std::int32_t>(std::min<std::uint64_t>(units, 9'999'999) * 100);
+  if ((kind & 4) != 0) ++time->seconds;
+  time->nanoseconds = static_cast<std::int32_t>(std::min<std::uint64_t>(units, 9'999'999) * 100);
 }
 
-// The form in which names in Unicode stand behind the same name in another encoding: pairs of bits say how each
-// character differs from that one.
-class UnicodeName {
- public:
-  UnicodeName(std::string_view plain, std::string_view packed) : plain_(plain), packed_(packed) {}
-
-  // As UTF-16, little-endian.
-  std::string Unpack() {
-    const unsigned high = Next();
-    while (at_ < packed_.size() && utf16_.size() < 2 * kLongest) {
-      const unsigned kinds = Next();
-      for (int shift = 6; shift >= 0 && at_ < packed_.size(); shift -= 2) UnpackOne(kinds >> shift & 3, high);
-    }
-    return std::move(utf16_);
-  }
-
- private:
-  static constexpr std::size_t kLongest = 32'768;
-
-  unsigned Next() { return at_ < packed_.size() ? static_cast<unsigned char>(packed_[at_++]) : 0; }
-  void Put(unsigned low, unsigned high) {
-    utf16_ += static_cast<char>(low & 0xFF);
-    utf16_ += static_cast<char>(high);
-  }
-  void UnpackOne(unsigned kind, unsigned high) {
-    if (kind == 0) return Put(Next(), 0);
-    if (kind == 1) return Put(Next(), high);
-    const unsigned first = Next();
-    if (kind == 2) return Put(first, Next());
-    const bool differs = (first & 0x80) != 0;
-    const unsigned difference = differs ? Next() : 0;
-    for (unsigned i = (first & 0x7F) + 2; i > 0 && utf16_.size() / 2 < plain_.size(); --i) {
-      Put(static_cast<unsigned char>(plain_[utf16_.size() / 2]) + difference, differs ? high : 0);
-    }
-  }
-
-  std::string_view plain_;
-  std::string_view packed_;
-  std::size_t at_ = 0;
-  std::string utf16_;
-};
-
-void ReadName(const Block& block, RarFile* file) {
+void ReadName(const Rar4Block& block, RarFile* file) {
   const std::string_view name =
       std::string_view(block.bytes).substr(block.NamePosition(), block.NameEnd() - block.NamePosition());
   file->is_unicode = block.Has(0x200);
   const std::size_t plain = name.find('\0');
-  if (!file->is_unicode || plain == std::string_view::npos) {
-    file->name = name;  // without a second form it is UTF-8 when it is Unicode
-  } else {
-    file->name = platform::FromUtf16Le(UnicodeName(name.substr(0, plain), name.substr(plain + 1)).Unpack());
+  // Without a second form it is UTF-8 when it is Unicode.
+  file->name = file->is_unicode && plain != name.npos
+                   ? NameInUnicode(name.substr(0, plain), name.substr(plain + 1))
+                   : name;
+}
+
+void ReadKind(const Rar4Block& block, RarFile* file) {
+  constexpr std::uint64_t kKindOfMode = 0170000;
+  const std::uint64_t host = block.Number(15, 1);
+  const std::uint64_t mode = block.Number(28, 4);
+  const bool is_unix = host == kUnix || host == kBeOs;
+  const std::uint64_t kind = is_unix ? mode & kKindOfMode : 0;
+  const bool is_dos_folder = block.Number(24, 1) < 20 && !is_unix && (mode & 0x10) != 0;
+  if (kind == 0120000) {
+    file->kind = EntryKind::kLink;
+  } else if (kind == 0040000 || is_dos_folder ||
+             (block.Number(24, 1) >= 20 && (block.Number(3, 2) & 0xE0) == 0xE0)) {
+    file->kind = EntryKind::kFolder;
+  } else if (kind == 0010000 || kind == 0020000 || kind == 0060000 || kind == 0140000) {
+    file->kind = EntryKind::kOther;  // a pipe, a device, a socket
+  }
+  file->attributes.executable = is_unix && (mode & 0111) != 0;
+}
+
+void ReadPacking(const Rar4Block& block, RarFile* file) {
+  const std::uint64_t version = block.Number(24, 1);
+  const char method = static_cast<char>(block.Number(25, 1));
+  file->method = std::string("m").append(1, method).append(" of version ").append(std::to_string(version));
+  file->window = std::uint64_t{64 << 10} << (block.Number(3, 2) >> 5 & 7);
+  if (method == '0') {
+    file->packing = RarPacking::kStored;
+  } else if (method > '0' && method <= '5') {
+    file->packing = version == 13 || version == 15   ? RarPacking::k15
+                    : version == 20 || version == 26 ? RarPacking::k20
+                    : version == 29 || version == 36 ? RarPacking::k29
+                                                     : RarPacking::kUnknown;
   }
 }
 
-RarFile ToFile(const Block& block, bool archive_is_solid) {
+void ReadEncryption(const Rar4Block& block, RarFile* file) {
+  using Kind = RarEncryption::Kind;
+  if (!block.Has(0x04)) return;
+  const std::uint64_t version = block.Number(24, 1);
+  RarEncryption& encryption = file->encryption.emplace();
+  encryption.kind = version == 13                    ? Kind::kRar13
+                    : version == 15                  ? Kind::kRar15
+                    : version == 20 || version == 26 ? Kind::kRar20
+                                                     : Kind::kRar3;
+  if (block.HasSalt() && block.NameEnd() + 8 <= block.bytes.size())
+    encryption.salt = block.bytes.substr(block.NameEnd(), 8);
+}
+
+// Before version 2 the archive says for all files but the first that they are solid.
+RarFile ToFile(const Rar4Block& block, bool old_is_solid) {
   RarFile file;
-  file.position = block.position;
-  file.content_position = block.position + block.bytes.size();
   ReadName(block, &file);
-  file.packed_size = block.content_size;
-  file.size = block.Number(11, 4) | (block.Has(0x100) ? block.Number(36, 4) << 32 : 0);
-  file.host = static_cast<std::uint8_t>(block.Number(15, 1));
+  ReadKind(block, &file);
+  ReadPacking(block, &file);
+  ReadEncryption(block, &file);
+  file.parts = {{block.content_position, block.content_size}};
+  const bool is_large = block.Has(0x100);
+  const std::uint64_t size = block.Number(11, 4) | (is_large ? block.Number(36, 4) << 32 : 0);
+  const bool is_unknown = size == (is_large ? ~std::uint64_t{0} : 0xFFFFFFFF);
+  if (!is_unknown) file.size = size;
   file.crc = static_cast<std::uint32_t>(block.Number(16, 4));
-  file.dos_time = static_cast<std::uint32_t>(block.Number(20, 4));
-  file.nanoseconds = BelowDosTime(block);
-  file.method = static_cast<std::uint8_t>(block.Number(25, 1));
-  file.mode = static_cast<std::uint32_t>(block.Number(28, 4));
+  file.attributes.write_time = TimeFromDos(static_cast<std::uint32_t>(block.Number(20, 4)));
+  if (file.attributes.write_time) AddBelowDosTime(block, &*file.attributes.write_time);
   file.continued = block.Has(0x01);
   file.continues = block.Has(0x02);
-  file.encrypted = block.Has(0x04);
-  const bool before_2 = block.Number(24, 1) < 20;
-  file.solid = before_2 ? archive_is_solid : block.Has(0x10);
-  file.is_folder = before_2 ? (file.mode & 0x10) != 0 && file.host != 3 : (block.Number(3, 2) & 0xE0) == 0xE0;
+  file.is_solid = block.Number(24, 1) < 20 ? old_is_solid : block.Has(0x10);
   return file;
+}
+
+// Goes through the blocks of one volume.
+class Rar4Walk {
+ public:
+  Rar4Walk(const ArchiveInput& input, std::uint64_t end, RarKeys* keys, RarArchive* archive)
+      : input_(input), end_(end), keys_(keys), archive_(*archive), header_(input, end) {}
+
+  void From(std::uint64_t position);
+
+ private:
+  bool ReadBlock(std::uint64_t position);
+  bool SkipDamage(std::uint64_t* position);
+  bool TryOtherWay(std::uint64_t position);
+  void ReadMain();
+  bool AddFile();
+
+  const ArchiveInput& input_;
+  const std::uint64_t end_;
+  RarKeys* const keys_;
+  RarArchive& archive_;
+  HeaderBytes header_;
+  Rar4Block block_;
+  RarEncryption encryption_;  // of the header at hand
+  ReadStatus cipher_status_ = ReadStatus::kOk;
+  Reason cipher_reason_;
+  Reason damage_;  // of a header, behind which others were found
+  bool is_solid_ = false;
+  bool has_packed_ = false;  // a file that solid ones can go on with
+  bool is_young_ = false;    // made by version 3 or later
+};
+
+// The first block that is encrypted tells whether the password is right.
+bool Rar4Walk::ReadBlock(std::uint64_t position) {
+  if (ReadRar4Block(input_, &header_, position, end_, &block_, &archive_.problem) || TryOtherWay(position)) {
+    if (header_.AreEncrypted()) keys_->Prove();
+    archive_.problem = {};
+    archive_.status = ReadStatus::kEnd;
+    return true;
+  }
+  archive_.status = ReadStatus::kFailed;
+  if (cipher_status_ != ReadStatus::kOk) {
+    archive_.status = cipher_status_;
+    archive_.problem = cipher_reason_;
+  } else if (header_.AreEncrypted() && !keys_->IsProven(encryption_) && header_.Read(Rar4Block::kSize)) {
+    archive_.status = ReadStatus::kPassword;
+    archive_.problem = why::kWrongPassword;
+  }
+  return false;
+}
+
+bool Rar4Walk::TryOtherWay(std::uint64_t position) {
+  if (!header_.AreEncrypted() || keys_->IsProven(encryption_) || !keys_->HasOtherWay(encryption_))
+    return false;
+  keys_->TakeOtherWay();
+  return ReadRar4Block(input_, &header_, position, end_, &block_, &archive_.problem);
+}
+
+void Rar4Walk::ReadMain() {
+  is_solid_ = block_.Has(0x08);
+  archive_.is_volume = block_.Has(0x01);
+  archive_.is_encrypted = block_.Has(0x80);
+  // The flag for the first volume is as young as version 3, and so are encrypted headers.
+  if (archive_.is_encrypted) archive_.is_first = !archive_.is_volume || block_.Has(0x100);
+  if (!archive_.is_encrypted || keys_ == nullptr) return;
+  header_.Encrypt(8, [this](const std::string& salt) {
+    encryption_ = {};
+    encryption_.kind = RarEncryption::Kind::kRar3;
+    encryption_.salt = salt;
+    std::unique_ptr<RarCipher> cipher;
+    cipher_status_ = keys_->MakeCipher(encryption_, &cipher, &cipher_reason_);
+    return cipher;
+  });
+}
+
+bool Rar4Walk::AddFile() {
+  if (archive_.files.size() >= kMostFiles) {
+    archive_.problem = why::kTooManyEntries;
+    archive_.status = ReadStatus::kFailed;
+    return false;
+  }
+  const RarFile& file = archive_.files.emplace_back(ToFile(block_, is_solid_ && has_packed_));
+  has_packed_ = has_packed_ || (file.packing != RarPacking::kStored && file.kind == EntryKind::kFile);
+  archive_.has_next = file.continues;
+  is_young_ = is_young_ || block_.Number(24, 1) >= 29 || block_.HasTimes();
+  return true;
+}
+
+// Behind a damaged header the next file is looked for. The content of one that is cut off is there in part, so that it is
+// named, and nothing is behind it.
+bool Rar4Walk::SkipDamage(std::uint64_t* position) {
+  if (archive_.problem == why::kCutOff && block_.TypeCode() == Rar4Block::kFile) {
+    block_.content_size = end_ - block_.content_position;
+    AddFile();
+    return false;
+  }
+  if (keys_ == nullptr || header_.AreEncrypted() || archive_.status != ReadStatus::kFailed) return false;
+  if (damage_.empty()) damage_ = archive_.problem;
+  const auto may_be = [](std::string_view bytes) {
+    return static_cast<std::uint8_t>(bytes[2]) == Rar4Block::kFile && bytes[6] < 4;
+  };
+  const auto is = [this](std::uint64_t candidate) {
+    Reason ignored;
+    return ReadRar4Block(input_, &header_, candidate, end_, &block_, &ignored);
+  };
+  const auto found = FindHeader(input_, *position + 1, end_, may_be, is);
+  if (found) *position = *found;
+  return found.has_value();
+}
+
+void Rar4Walk::From(std::uint64_t position) {
+  bool has_main = false;
+  bool has_end = false;
+  while (!has_end && (position < end_ || !has_main)) {
+    if (!ReadBlock(position)) {
+      if (SkipDamage(&position)) continue;
+      break;
+    }
+    if (block_.TypeCode() == Rar4Block::kMain) {
+      has_main = true;
+      ReadMain();
+      if (archive_.is_encrypted && keys_ == nullptr) return;
+    } else if (block_.TypeCode() == Rar4Block::kEnd) {
+      has_end = true;
+      archive_.has_next = block_.Has(0x01);
+      if (block_.Has(0x08)) archive_.number = block_.Number(block_.Has(0x02) ? 11 : 7, 2);
+    } else if (block_.TypeCode() == Rar4Block::kFile && !AddFile()) {
+      break;
+    }
+    position = block_.End();
+  }
+  if (archive_.problem.empty()) archive_.end = has_end ? position : end_;
+  // Versions before 3 wrote no last block, nor archives without files; later ones can be told to write none. Where there
+  // is one file that is whole, nothing is likely to be missing.
+  const bool needs_end =
+      archive_.files.empty() || (is_young_ && (archive_.files.size() > 1 || archive_.is_volume));
+  if (archive_.problem.empty() && !has_end && needs_end) archive_.problem = why::kLastBlockMissing;
+  if (!damage_.empty()) archive_.problem = damage_;
+  if (!archive_.problem.empty() && archive_.status == ReadStatus::kEnd) archive_.status = ReadStatus::kFailed;
 }
 
 }  // namespace
 
 bool BeginsRar4(const ArchiveInput& input, std::uint64_t begin) {
-  Block block;
+  HeaderBytes header(input, input.Size());
+  Rar4Block block;
   Reason problem;
-  return begin < input.Size() && ReadBlock(input, begin, input.Size(), &block, &problem) &&
-         block.Type() == kMain;
+  return ReadRar4Block(input, &header, begin, input.Size(), &block, &problem) &&
+         block.TypeCode() == Rar4Block::kMain;
 }
 
-void ReadRar4Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_t end, RarArchive* archive) {
-  bool is_solid = false;
-  bool has_main = false;
-  // Versions before 3 wrote no last block, nor archives without files.
-  bool wants_end = true;
-  for (std::uint64_t position = begin; position < end || !has_main;) {
-    Block block;
-    if (!ReadBlock(input, position, end, &block, &archive->problem)) return;
-    archive->problem = {};
-    if (block.Type() == kMain) {
-      has_main = true;
-      is_solid = block.Has(0x08);
-      archive->is_volume = block.Has(0x01);
-      archive->names_encrypted = block.Has(0x80);
-      if (archive->names_encrypted) return;
-    } else if (block.Type() == kEnd) {
-      archive->has_next = block.Has(0x01);
-      archive->end = block.End();
-      return;
-    } else if (block.Type() == kFile) {
-      if (archive->files.size() >= kMostFiles) {
-        archive->problem = why::kTooManyEntries;
-        return;
-      }
-      archive->files.push_back(ToFile(block, is_solid));
-      archive->has_next = archive->files.back().continues;
-      const bool is_young = block.Number(24, 1) >= 29 || block.Has(0x1000);
-      wants_end = is_young || (wants_end && archive->files.size() > 1);
-    }
-    position = block.End();
-  }
-  archive->end = end;
-  if (wants_end) archive->problem = why::kLastBlockMissing;
+void ReadRar4Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_t end, RarKeys* keys,
+                    RarArchive* archive) {
+  Rar4Walk(input, end, keys, archive).From(begin);
 }
 
 }  // namespace quendle::modules

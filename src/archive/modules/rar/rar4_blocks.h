@@ -1,14 +1,15 @@
-// The blocks of RAR 1.5 to 4 archives.
+// The blocks of RAR 1.5 to 4 archives, behind their signature.
 #pragma once
 
 #include "archive/modules/rar/rar_headers.h"
 
 namespace quendle::modules {
 
-// Is the block behind the signature the one that archives begin with?
+// Is that the first block of an archive, whole by its checksum?
 bool BeginsRar4(const ArchiveInput& input, std::uint64_t begin);
 
-// Goes through the blocks from behind the signature to the end.
-void ReadRar4Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_t end, RarArchive* archive);
+// Adds what the blocks from there on say. Nothing further is read when there is a problem.
+void ReadRar4Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_t end, RarKeys* keys,
+                    RarArchive* archive);
 
 }  // namespace quendle::modules

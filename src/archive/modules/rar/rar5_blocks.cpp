@@ -1,185 +1,167 @@
 #include "archive/modules/rar/rar5_blocks.h"
 
-#include <algorithm>
-#include <optional>
 #include <string>
-#include <string_view>
+#include <utility>
 
-#include "archive/modules/common/checksum.h"
-#include "archive/modules/common/little_endian.h"
+#include "archive/modules/rar/header_search.h"
+#include "archive/modules/rar/rar5_block.h"
+#include "archive/modules/rar/rar5_file.h"
 
 namespace quendle::modules {
 namespace {
 
 constexpr std::size_t kMostSize = 2U << 20;    // of a header, by the format
 constexpr std::size_t kMostMainSize = 4096;    // of the first header, with a name and times in it
-constexpr std::size_t kFirstRead = 256;        // enough for most headers
 constexpr std::size_t kMostFiles = 1'000'000;  // beyond what anybody packs
+constexpr std::size_t kMostSoughtSize = 4096;  // of a header behind a damaged one
+constexpr std::size_t kIvSize = 16;
 
-enum BlockType : std::uint64_t { kMain = 1, kFile = 2, kEncryption = 4, kEnd = 5 };
-
-// Numbers of seven bits a byte, the lowest first.
-class Numbers {
- public:
-  explicit Numbers(std::string_view bytes) : bytes_(bytes) {}
-
-  std::uint64_t Next() {
-    std::uint64_t value = 0;
-    for (unsigned shift = 0; shift < 64; shift += 7) {
-      if (at_ >= bytes_.size()) {
-        failed_ = true;
-        return 0;
-      }
-      const auto byte = static_cast<unsigned char>(bytes_[at_++]);
-      value |= static_cast<std::uint64_t>(byte & 0x7F) << shift;
-      if ((byte & 0x80) == 0) return value;
-    }
-    failed_ = true;
-    return 0;
-  }
-  void Skip(std::size_t bytes) { at_ += bytes; }
-  // The bytes that stand behind their number; empty when they are not all there.
-  std::string Text() {
-    const std::uint64_t size = Next();
-    if (failed_ || at_ > bytes_.size() || size > bytes_.size() - at_) return "";
-    return std::string(bytes_.substr(at_, static_cast<std::size_t>(size)));
-  }
-  std::size_t Position() const { return at_; }
-  bool Failed() const { return failed_; }
-
- private:
-  std::string_view bytes_;
-  std::size_t at_ = 0;
-  bool failed_ = false;
-};
-
-struct Block {
-  std::uint64_t type = 0;
-  std::uint64_t flags = 0;
-  std::string own;    // the fields of its type
-  std::string extra;  // records behind them
-  std::uint64_t end = 0;
-};
-
-bool Read(const ArchiveInput& input, std::uint64_t position, std::uint64_t size, std::string* bytes) {
-  std::size_t got = 0;
-  bytes->resize(static_cast<std::size_t>(size));
-  return input.ReadAt(position, bytes->data(), bytes->size(), &got).ok() && got == bytes->size();
+void ReadMain(const Rar5Block& block, RarArchive* archive) {
+  Rar5Numbers numbers(block.own);
+  const std::uint64_t flags = numbers.Next();
+  archive->is_volume = (flags & 1) != 0;
+  archive->number = (flags & 2) != 0 ? numbers.Next() : 0;
+  archive->is_first = archive->number == 0U;
 }
 
-// False, with the reason, for what is no block.
-bool ReadBlock(const ArchiveInput& input, std::uint64_t position, std::uint64_t end, std::size_t most,
-               Block* block, Reason* problem) {
-  std::string bytes;
-  *problem = why::kCutOffInHeader;
-  if (!Read(input, position, std::min<std::uint64_t>(end - position, kFirstRead), &bytes) || bytes.size() < 7)
-    return false;
-  Numbers size_field(std::string_view(bytes).substr(4));
-  const std::uint64_t size = 4 + size_field.Next();
-  const std::uint64_t whole = size + size_field.Position();
-  if (size_field.Failed() || size > most || whole > end - position) return false;
-  if (!Read(input, position, whole, &bytes)) return false;
-  if (Crc32(std::string_view(bytes).substr(4)) != LittleEndian(bytes, 0, 4)) return false;
-  const std::string_view fields = std::string_view(bytes).substr(4 + size_field.Position());
-  Numbers numbers(fields);
-  block->type = numbers.Next();
-  block->flags = numbers.Next();
-  const std::uint64_t extra_size = (block->flags & 1) != 0 ? numbers.Next() : 0;  // at the end
-  const std::uint64_t content_size = (block->flags & 2) != 0 ? numbers.Next() : 0;
-  if (numbers.Failed() || extra_size > fields.size() - numbers.Position()) return false;
-  const auto own_end = fields.size() - static_cast<std::size_t>(extra_size);
-  block->own = fields.substr(numbers.Position(), own_end - numbers.Position());
-  block->extra = fields.substr(own_end);
-  *problem = why::kCutOff;
-  if (content_size > end - position - whole) return false;
-  block->end = position + whole + content_size;
+RarEncryption ReadEncryption(const Rar5Block& block) {
+  RarEncryption encryption;
+  Rar5Numbers numbers(block.own);
+  const std::uint64_t version = numbers.Next();
+  const std::uint64_t flags = numbers.Next();
+  encryption.log2_rounds = static_cast<unsigned>(numbers.Fixed(1));
+  encryption.salt = numbers.Bytes(16);
+  if ((flags & 1) != 0) encryption.check = numbers.Bytes(12);
+  const bool is_known = version == 0 && !numbers.Failed();
+  encryption.kind = is_known ? RarEncryption::Kind::kRar5 : RarEncryption::Kind::kUnknown;
+  return encryption;
+}
+
+// Goes through the blocks of one volume.
+class Rar5Walk {
+ public:
+  Rar5Walk(const ArchiveInput& input, std::uint64_t end, RarKeys* keys, RarArchive* archive)
+      : input_(input), end_(end), keys_(keys), archive_(*archive), header_(input, end) {}
+
+  void From(std::uint64_t position);
+
+ private:
+  bool ReadBlock(std::uint64_t position);
+  bool SkipDamage(std::uint64_t* position);
+  void Encrypt();
+  bool AddFile();
+  bool Fail(ReadStatus status, Reason reason);
+
+  const ArchiveInput& input_;
+  const std::uint64_t end_;
+  RarKeys* const keys_;
+  RarArchive& archive_;
+  HeaderBytes header_;
+  Rar5Block block_;
+  RarEncryption encryption_;
+  ReadStatus cipher_status_ = ReadStatus::kOk;
+  Reason cipher_reason_;
+  Reason damage_;  // of a header, behind which others were found
+};
+
+bool Rar5Walk::Fail(ReadStatus status, Reason reason) {
+  archive_.status = status;
+  archive_.problem = std::move(reason);
+  return false;
+}
+
+// The first block that is encrypted tells whether the password is right.
+bool Rar5Walk::ReadBlock(std::uint64_t position) {
+  Reason problem;
+  if (ReadRar5Block(&header_, position, end_, kMostSize, &block_, &problem)) {
+    if (header_.AreEncrypted()) keys_->Prove();
+    Fail(ReadStatus::kEnd, {});
+    return true;
+  }
+  if (cipher_status_ != ReadStatus::kOk) return Fail(cipher_status_, cipher_reason_);
+  const bool is_wrong = header_.AreEncrypted() && !keys_->IsProven(encryption_) && header_.Read(1);
+  return is_wrong ? Fail(ReadStatus::kPassword, why::kWrongPassword) : Fail(ReadStatus::kFailed, problem);
+}
+
+void Rar5Walk::Encrypt() {
+  encryption_ = ReadEncryption(block_);
+  header_.Encrypt(kIvSize, [this](const std::string& iv) {
+    encryption_.iv = iv;
+    std::unique_ptr<RarCipher> cipher;
+    cipher_status_ = keys_->MakeCipher(encryption_, &cipher, &cipher_reason_);
+    return cipher;
+  });
+}
+
+bool Rar5Walk::AddFile() {
+  if (archive_.files.size() >= kMostFiles) return Fail(ReadStatus::kFailed, why::kTooManyEntries);
+  RarFile file;
+  if (!ReadRar5File(block_, &file)) return Fail(ReadStatus::kFailed, why::kCutOffInHeader);
+  archive_.has_next = file.continues;
+  archive_.files.push_back(std::move(file));
   return true;
 }
 
-void ReadMain(const Block& block, RarArchive* archive) {
-  Numbers numbers(block.own);
-  const std::uint64_t flags = numbers.Next();
-  archive->is_volume = (flags & 1) != 0;
-  archive->is_first = (flags & 2) == 0 || numbers.Next() == 0;
+// Behind a damaged header the next file is looked for. The content of one that is cut off is there in part, so that it is
+// named, and nothing is behind it.
+bool Rar5Walk::SkipDamage(std::uint64_t* position) {
+  if (archive_.problem == why::kCutOff && block_.type == Rar5Block::kFile) {
+    block_.content_size = end_ - block_.content_position;
+    AddFile();
+    return false;
+  }
+  if (keys_ == nullptr || header_.AreEncrypted() || archive_.status != ReadStatus::kFailed) return false;
+  if (damage_.empty()) damage_ = archive_.problem;
+  const auto may_be = [](std::string_view bytes) {
+    Rar5Numbers numbers(bytes.substr(4));
+    return numbers.Next() <= kMostSoughtSize && numbers.Next() == Rar5Block::kFile;
+  };
+  const auto is = [this](std::uint64_t candidate) {
+    Reason ignored;
+    return ReadRar5Block(&header_, candidate, end_, kMostSoughtSize, &block_, &ignored);
+  };
+  const auto found = FindHeader(input_, *position + 1, end_, may_be, is);
+  if (found) *position = *found;
+  return found.has_value();
 }
 
-// Its name, sizes and checksum. The other kind of checksum that there may be stands in the extra area.
-void ReadFile(const Block& block, RarFile* file) {
-  Numbers numbers(block.own);
-  const std::uint64_t flags = numbers.Next();
-  file->size = numbers.Next();
-  numbers.Next();  // attributes
-  if ((flags & 2) != 0) numbers.Skip(4);
-  file->has_size = (flags & 8) == 0;
-  file->has_crc = (flags & 4) != 0;
-  if (file->has_crc) {
-    file->crc = static_cast<std::uint32_t>(LittleEndian(block.own, numbers.Position(), 4));
-    numbers.Skip(4);
+void Rar5Walk::From(std::uint64_t position) {
+  for (bool has_end = false; !has_end;) {
+    if (!ReadBlock(position)) {
+      if (SkipDamage(&position)) continue;
+      break;
+    }
+    if (block_.type == Rar5Block::kMain) {
+      ReadMain(block_, &archive_);
+    } else if (block_.type == Rar5Block::kEncryption && !header_.AreEncrypted()) {
+      archive_.is_encrypted = true;
+      if (keys_ == nullptr) return;
+      Encrypt();
+    } else if (block_.type == Rar5Block::kEnd) {
+      has_end = true;
+      archive_.has_next = (Rar5Numbers(block_.own).Next() & 1) != 0;
+      archive_.end = block_.End();
+    } else if (block_.type == Rar5Block::kFile && !AddFile()) {
+      break;
+    }
+    position = block_.End();
   }
-  file->method = static_cast<std::uint8_t>('0' + (numbers.Next() >> 7 & 7));
-  numbers.Next();  // system
-  file->name = numbers.Text();
-}
-
-// The name of an earlier file of which this one has the content: a hard link, or what was packed once only. Nothing when
-// it has its own.
-std::optional<std::string> SourceOf(const Block& block) {
-  constexpr std::uint64_t kRedirection = 5;
-  constexpr std::uint64_t kHardLink = 4;
-  constexpr std::uint64_t kCopy = 5;
-  for (std::string_view records = block.extra; !records.empty();) {
-    Numbers sizes(records);
-    const std::uint64_t size = sizes.Next();
-    records.remove_prefix(std::min(sizes.Position(), records.size()));
-    if (sizes.Failed() || size > records.size()) break;
-    Numbers record(records.substr(0, static_cast<std::size_t>(size)));
-    records.remove_prefix(static_cast<std::size_t>(size));
-    if (record.Next() != kRedirection) continue;
-    const std::uint64_t kind = record.Next();
-    record.Next();  // whether it leads to a folder
-    if (kind == kHardLink || kind == kCopy) return record.Text();
-  }
-  return std::nullopt;
+  if (!damage_.empty()) Fail(ReadStatus::kFailed, damage_);
 }
 
 }  // namespace
 
 bool BeginsRar5(const ArchiveInput& input, std::uint64_t begin) {
-  Block block;
+  HeaderBytes header(input, input.Size());
+  Rar5Block block;
   Reason problem;
-  return begin < input.Size() && ReadBlock(input, begin, input.Size(), kMostMainSize, &block, &problem) &&
-         (block.type == kMain || block.type == kEncryption);
+  return ReadRar5Block(&header, begin, input.Size(), kMostMainSize, &block, &problem) &&
+         (block.type == Rar5Block::kMain || block.type == Rar5Block::kEncryption);
 }
 
-void ReadRar5Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_t end, RarArchive* archive) {
-  for (std::uint64_t position = begin;;) {
-    Block block;
-    if (!ReadBlock(input, position, end, kMostSize, &block, &archive->problem)) return;
-    archive->problem = {};
-    if (block.type == kMain) {
-      ReadMain(block, archive);
-    } else if (block.type == kEncryption) {
-      archive->names_encrypted = true;
-      return;
-    } else if (block.type == kEnd) {
-      archive->has_next = (Numbers(block.own).Next() & 1) != 0;
-      archive->end = block.end;
-      return;
-    } else if (block.type == kFile) {
-      if (archive->files.size() >= kMostFiles) {
-        archive->problem = why::kTooManyEntries;
-        return;
-      }
-      RarFile& file = archive->files.emplace_back();
-      file.position = position;
-      ReadFile(block, &file);
-      file.source = SourceOf(block);
-      file.continued = (block.flags & 8) != 0;
-      file.continues = (block.flags & 16) != 0;
-      archive->has_next = file.continues;
-    }
-    position = block.end;
-  }
+void ReadRar5Blocks(const ArchiveInput& input, std::uint64_t begin, std::uint64_t end, RarKeys* keys,
+                    RarArchive* archive) {
+  Rar5Walk(input, end, keys, archive).From(begin);
 }
 
 }  // namespace quendle::modules

@@ -1,177 +1,163 @@
 #include "archive/modules/rar/rar_reader.h"
 
-#include <algorithm>
 #include <optional>
+#include <string>
 #include <utility>
+#include <vector>
 
-#include "archive/modules/common/checksum.h"
 #include "archive/modules/common/entry_names.h"
-#include "archive/modules/common/libarchive_reader.h"
-#include "archive/modules/common/unarr_reader.h"
+#include "archive/modules/rar/rar_content.h"
+#include "archive/modules/rar/rar_copies.h"
 #include "archive/modules/rar/rar_headers.h"
+#include "archive/modules/rar/rar_volumes.h"
 
 namespace quendle::modules {
 namespace {
 
-constexpr std::uint64_t kLongestTarget = 4096;
+constexpr std::size_t kLongestTarget = 4096;
 
-class RarReader final : public EntryReader {
+// Which files have to be unpacked for the sake of wanted ones that go on with them.
+std::vector<bool> NeededLater(const std::vector<RarFile>& files, const std::vector<bool>& wanted) {
+  std::vector<bool> needed(files.size(), false);
+  bool is_pending = false;
+  for (std::size_t i = files.size(); i-- > 0;) {
+    if (!files[i].IsPacked()) continue;
+    needed[i] = is_pending;
+    if (is_pending || wanted[i]) is_pending = files[i].is_solid;
+  }
+  return needed;
+}
+
+class RarReader final : public ArchiveReader {
  public:
-  RarReader(const ArchiveInput& input, ReaderOptions options, RarArchive archive)
-      : input_(input), options_(std::move(options)), archive_(std::move(archive)) {}
+  RarReader(const ArchiveInput& input, const ReaderOptions& options);
 
-  bool OpenByUnarr(Reason* reason);
-  bool OpenByLibarchive(Reason* reason);
   ReadStatus NextEntry(Entry* entry) override;
-  ReadStatus ReadContent(std::string_view* piece) override;
-  const Reason& Problem() const override { return reason_; }
+  ReadStatus Unpack(EntrySink* sink) override;
+  const Reason& Problem() const override { return archive_.problem; }
 
  private:
-  const RarFile& Current() const { return archive_.files[next_ - 1]; }
-  std::string LinkTarget() const;
-  ReadStatus GoToCurrent();
-  void ReadToEnd();
-  ReadStatus CheckContent();
-  ReadStatus Fail(ReadStatus status, Reason reason);
+  bool GoesOn() const { return InterruptibleReads::GoOn() && (sink_ == nullptr || sink_->GoesOn()); }
+  Entry EntryOf(std::size_t index) const;
+  std::optional<std::string> ReadTarget(const RarFile& file);
+  void ChooseWayToKey(EntrySink* sink);
+  bool UnpackEntry(std::size_t index, bool is_wanted, bool is_needed_later, EntrySink* sink);
+  bool GiveLink(const RarFile& file, Entry entry, EntrySink* sink);
 
   const ArchiveInput& input_;
-  ReaderOptions options_;
+  const std::string charset_;
+  EntrySink* sink_ = nullptr;
+  RarKeys keys_;
   RarArchive archive_;
-  std::size_t next_ = 0;
-
-  std::unique_ptr<EntryReader> library_;
-  std::optional<std::uint64_t> library_position_;  // of the header of the entry that it is at
-  bool library_reads_ = false;                     // it has unpacked something
-  ReadStatus content_status_ = ReadStatus::kEnd;
-  std::uint64_t size_ = 0;  // of the content so far
-  Crc32Sum crc_;
-  Reason reason_;
+  RarContent content_;
+  RarCopies copies_;
+  std::size_t next_ = 0;  // of the list
 };
 
-bool RarReader::OpenByUnarr(Reason* reason) {
-  const auto describe = [this](std::uint64_t offset, Entry*) {
-    library_position_ = offset;
-    return true;
-  };
-  library_ = OpenUnarr(input_, describe, reason);
-  return library_ != nullptr;
+RarReader::RarReader(const ArchiveInput& input, const ReaderOptions& options)
+    : input_(input),
+      charset_(options.charset),
+      keys_(options.password, [this] { return GoesOn(); }),
+      archive_(ReadRarArchive(input, &keys_)),
+      content_(input, &keys_),
+      copies_(input, &keys_, archive_.files) {
+  if (!archive_.problem.empty() || !archive_.has_next) return;
+  archive_.problem = MissingVolume(input);
+  archive_.status = ReadStatus::kFailed;
 }
 
-bool RarReader::OpenByLibarchive(Reason* reason) {
-  const auto describe = [this](std::size_t index, Entry* entry) {
-    if (index >= archive_.files.size()) return false;
-    library_position_ = archive_.files[index].position;
-    entry->size.reset();  // what it makes of the size of one in several volumes is of no use
-    entry->kind = EntryKind::kFile;
-    return true;
-  };
-  library_ = OpenLibarchive(input_, options_, LibarchiveFormat::kRar, describe, reason);
-  return library_ != nullptr;
+Entry RarReader::EntryOf(std::size_t index) const {
+  Entry entry = ToEntry(archive_.files[index], charset_);
+  if (const RarFile* source = copies_.SourceOf(index)) {
+    entry.size = source->size;
+    entry.crc = source->crc.value_or(0);
+    entry.encrypted = source->encryption.has_value();
+  }
+  return entry;
 }
 
-ReadStatus RarReader::Fail(ReadStatus status, Reason reason) {
-  reason_ = std::move(reason);
-  return status;
+// Of a link whose target is its content.
+std::optional<std::string> RarReader::ReadTarget(const RarFile& file) {
+  std::string target;
+  content_.Begin(file);
+  std::string_view piece;
+  ReadStatus status = ReadStatus::kOk;
+  while (target.size() <= kLongestTarget && (status = content_.Read(&piece)) == ReadStatus::kOk)
+    target += piece;
+  return status == ReadStatus::kEnd ? std::optional(DecodeName(target, file.is_unicode, charset_))
+                                    : std::nullopt;
 }
 
 ReadStatus RarReader::NextEntry(Entry* entry) {
-  content_status_ = ReadStatus::kEnd;
-  if (next_ == archive_.files.size()) {
-    return archive_.problem.empty() ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, archive_.problem);
-  }
-  ++next_;
-  *entry = ToEntry(Current(), options_.charset);
-  size_ = 0;
-  crc_ = {};
-  if (entry->kind == EntryKind::kLink) entry->link_target = LinkTarget();
-  if (entry->kind == EntryKind::kFile) content_status_ = ReadStatus::kOk;
+  if (next_ == archive_.files.size()) return archive_.status;
+  const std::size_t index = copies_.Order()[next_++];
+  const RarFile& file = archive_.files[index];
+  *entry = EntryOf(index);
+  // Lists are made without passwords, and without unpacking other files.
+  const bool is_readable = !file.encryption && !(file.IsPacked() && file.is_solid);
+  if (file.kind == EntryKind::kLink && entry->link_target.empty() && is_readable)
+    entry->link_target = ReadTarget(file).value_or("");
   return ReadStatus::kOk;
 }
 
-// The target is the content, and stored. Any other leaves the link without one, which is refused.
-std::string RarReader::LinkTarget() const {
-  const RarFile& file = Current();
-  if (file.encrypted || file.method != '0' || file.size > kLongestTarget || file.size != file.packed_size)
-    return "";
-  std::string target(static_cast<std::size_t>(file.size), '\0');
-  std::size_t got = 0;
-  if (!input_.ReadAt(file.content_position, target.data(), target.size(), &got).ok() || got < target.size())
-    return "";
-  Crc32Sum crc;
-  crc.Add(target);
-  return crc.Value() == file.crc ? DecodeName(target, file.is_unicode, options_.charset) : "";
-}
-
-ReadStatus RarReader::ReadContent(std::string_view* piece) {
-  if (content_status_ == ReadStatus::kOk && library_position_ != Current().position)
-    content_status_ = GoToCurrent();
-  if (content_status_ != ReadStatus::kOk) return content_status_;
-  content_status_ = library_->ReadContent(piece);
-  library_reads_ = true;
-  if (content_status_ == ReadStatus::kEnd) {
-    content_status_ = CheckContent();
-  } else if (content_status_ != ReadStatus::kOk) {
-    reason_ = library_->Problem();
-  } else {
-    size_ += piece->size();
-    crc_.Add(*piece);
-  }
-  return content_status_;
-}
-
-// The library begins a solid archive anew for each entry that it unpacks with others skipped before it: going from
-// one entry to the next it is better made to unpack those in between.
-ReadStatus RarReader::GoToCurrent() {
-  if (Current().encrypted) return Fail(ReadStatus::kPassword, why::kEncryptedRar);
-  if (library_reads_ && Current().solid) ReadToEnd();
-  for (;;) {
-    Entry ignored;
-    const ReadStatus status = library_->NextEntry(&ignored);
-    if (status == ReadStatus::kEnd || (status == ReadStatus::kOk && library_position_ > Current().position)) {
-      return Fail(ReadStatus::kFailed, why::kPassedOver);
-    }
-    if (status != ReadStatus::kOk) return Fail(status, library_->Problem());
-    if (library_position_ == Current().position) return status;
-    if (library_reads_ && Current().solid) ReadToEnd();
+// Of two ways to the key of a long password only what comes out of one tells which it is. So the first file is unpacked
+// for that alone.
+void RarReader::ChooseWayToKey(EntrySink* sink) {
+  for (const RarFile& file : archive_.files) {
+    if (!file.encryption || file.is_solid || file.continued || file.continues) continue;
+    if (keys_.IsProven(*file.encryption) || !keys_.HasOtherWay(*file.encryption)) return;
+    RarContent content(input_, &keys_);
+    content.PassOver(file, sink);
+    if (!content.Problem().empty()) keys_.TakeOtherWay();
+    return;
   }
 }
 
-void RarReader::ReadToEnd() {
-  std::string_view piece;
-  while (library_->ReadContent(&piece) == ReadStatus::kOk) {
+ReadStatus RarReader::Unpack(EntrySink* sink) {
+  sink_ = sink;
+  const std::vector<RarFile>& files = archive_.files;
+  std::vector<bool> wanted(files.size(), false);
+  for (const std::size_t index : copies_.Order()) wanted[index] = sink->Wants(EntryOf(index));
+  const std::vector<bool> needed_later = NeededLater(files, wanted);
+  ChooseWayToKey(sink);
+  for (const std::size_t index : copies_.Order()) {
+    if (!sink->GoesOn() || !UnpackEntry(index, wanted[index], needed_later[index], sink))
+      return ReadStatus::kEnd;
   }
+  return archive_.status;
 }
 
-ReadStatus RarReader::CheckContent() {
-  const RarFile& file = Current();
-  if (size_ != file.size) {
-    return Fail(ReadStatus::kFailed, why::kFewerBytes(size_, file.size));
+bool RarReader::UnpackEntry(std::size_t index, bool is_wanted, bool is_needed_later, EntrySink* sink) {
+  const RarFile& file = archive_.files[index];
+  Entry entry = EntryOf(index);
+  if (!is_wanted) {
+    if (!sink->Begin(std::move(entry), false)) return false;
+    if (is_needed_later) content_.PassOver(file, sink);
+    return true;
   }
-  return crc_.Value() == file.crc ? ReadStatus::kEnd : Fail(ReadStatus::kFailed, why::kWrongChecksum);
+  if (file.source) return copies_.Give(index, std::move(entry), sink);
+  if (file.kind == EntryKind::kLink) return GiveLink(file, std::move(entry), sink);
+  return content_.Give(file, std::move(entry), is_needed_later, sink);
 }
 
-std::unique_ptr<EntryReader> OpenRar4(const ArchiveInput& input, const ReaderOptions& options,
-                                      bool (RarReader::*open)(Reason*), Reason* reason) {
-  RarArchive archive = ReadRarArchive(input);
-  *reason = archive.names_encrypted ? why::kNamesEncrypted
-            : archive.files.empty() ? archive.problem
-                                    : Reason();
-  if (!reason->empty()) return nullptr;
-  auto reader = std::make_unique<RarReader>(input, options, std::move(archive));
-  if (((*reader).*open)(reason)) return reader;
-  return nullptr;
+// One whose target cannot be had is given as a file that cannot be read, so that the reason is heard.
+bool RarReader::GiveLink(const RarFile& file, Entry entry, EntrySink* sink) {
+  if (entry.link_target.empty()) {
+    const auto target = ReadTarget(file);
+    entry.link_target = target.value_or("");
+    if (!target) entry.kind = EntryKind::kFile;
+  }
+  const bool is_link = entry.kind == EntryKind::kLink;
+  if (!sink->Begin(std::move(entry), true)) return false;
+  if (is_link) return sink->End(ReadStatus::kEnd, {});
+  return sink->End(content_.Status(), content_.Problem());
 }
 
 }  // namespace
 
-std::unique_ptr<EntryReader> OpenRarByUnarr(const ArchiveInput& input, const ReaderOptions& options,
-                                            Reason* reason) {
-  return OpenRar4(input, options, &RarReader::OpenByUnarr, reason);
-}
-
-std::unique_ptr<EntryReader> OpenRarByLibarchive(const ArchiveInput& input, const ReaderOptions& options,
-                                                 Reason* reason) {
-  return OpenRar4(input, options, &RarReader::OpenByLibarchive, reason);
+std::unique_ptr<ArchiveReader> OpenRar(const ArchiveInput& input, const ReaderOptions& options,
+                                       Reason* /*reason*/) {
+  return std::make_unique<RarReader>(input, options);
 }
 
 }  // namespace quendle::modules

@@ -1,18 +1,15 @@
-// Reading RAR 1.5 to 4 archives: the headers say what there is, a library unpacks it.
+// Reading RAR archives of all generations.
 #pragma once
 
 #include <memory>
-#include <string>
 
 #include "archive/modules/common/entry_reader.h"
 
 namespace quendle::modules {
 
-// By either library. Contents are checked against the headers' checksums whatever the library says
-// of them: one of the libraries unpacks what is solid wrongly, and does not notice.
-std::unique_ptr<EntryReader> OpenRarByUnarr(const ArchiveInput& input, const ReaderOptions& options,
-                                            Reason* reason);
-std::unique_ptr<EntryReader> OpenRarByLibarchive(const ArchiveInput& input, const ReaderOptions& options,
-                                                 Reason* reason);
+// `input` holds the archive's volumes from the first one on. Null, with the reason, for what is no archive. In a damaged
+// archive entries that are whole are given, and in the end what is wrong.
+std::unique_ptr<ArchiveReader> OpenRar(const ArchiveInput& input, const ReaderOptions& options,
+                                       Reason* reason);
 
 }  // namespace quendle::modules

@@ -38,13 +38,13 @@ bool HuffmanCode::Build(std::span<const std::uint8_t> lengths) {
   return true;
 }
 
-unsigned HuffmanCode::DecodeLong(std::uint32_t next, BitReader* bits) const {
+unsigned HuffmanCode::FindLong(std::uint32_t next) const {
   for (unsigned length = kQuickBits + 1; length <= kLongest; ++length) {
     if (next >= ends_[length]) continue;
-    bits->Skip(length);
-    return symbols_[firsts_[length] + ((next - ends_[length - 1]) >> (kLongest - length))];
+    const unsigned symbol = symbols_[firsts_[length] + ((next - ends_[length - 1]) >> (kLongest - length))];
+    return symbol << 4 | length;
   }
-  return kNone;
+  return kNone << 4;
 }
 
 }  // namespace quendle::modules

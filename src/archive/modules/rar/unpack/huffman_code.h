@@ -20,19 +20,21 @@ class HuffmanCode {
   // are more than there is room for. Codes may be left over, even all.
   bool Build(std::span<const std::uint8_t> lengths);
 
-  // The next symbol, kNone for bits that no symbol has.
-  unsigned Decode(BitReader* bits) const {
+  // The next symbol, kNone for bits that no symbol has. `bits`: a BitReader, or a BitCursor with kLongest bits available.
+  template <typename Bits>
+  unsigned Decode(Bits* bits) const {
     const std::uint32_t next = bits->Peek(kLongest);
     const unsigned quick = quick_[next >> (kLongest - kQuickBits)];
-    if (quick == 0) return DecodeLong(next, bits);
-    bits->Skip(quick & 0xF);
-    return quick >> 4;
+    const unsigned found = quick != 0 ? quick : FindLong(next);
+    bits->Skip(found & 0xF);
+    return found >> 4;
   }
 
  private:
   static constexpr unsigned kQuickBits = 10;
 
-  unsigned DecodeLong(std::uint32_t next, BitReader* bits) const;
+  // What would be in quick_, were it for kLongest bits; kNone << 4 for none.
+  unsigned FindLong(std::uint32_t next) const;
 
   // By the next bits: a symbol, and in the lowest four bits the length of its code. 0: the code is longer.
   std::array<std::uint16_t, 1U << kQuickBits> quick_{};

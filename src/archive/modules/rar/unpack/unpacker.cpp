@@ -44,7 +44,7 @@ bool Unpacker::GiveMade(std::string_view* piece) {
 
 void Unpacker::DecodeMore() {
   if (!window_.Reserve(kPieceSize + kLongestMatch)) {
-    problem_ = why::kNotEnoughMemory;
+    problem_ = why::kDictionaryTooLarge(entry_.window >> 20);
     status_ = ReadStatus::kFailed;
     return;
   }

@@ -54,6 +54,33 @@ bool Window::Enlarge(std::size_t capacity) {
   return true;
 }
 
+WindowCursor Window::Lend(std::uint64_t count) {
+  constexpr std::size_t kBehindLimit = WindowCursor::kMostAtOnce + kMatchSlack;
+  const std::size_t room = capacity_ - position_ < kBehindLimit ? 0 : capacity_ - position_ - kBehindLimit;
+  WindowCursor cursor;
+  cursor.window_ = this;
+  cursor.bytes_ = bytes_.get();
+  cursor.to_ = cursor.bytes_ + position_;
+  cursor.limit_ = cursor.to_ + std::min<std::uint64_t>(count, room);
+  return cursor;
+}
+
+void Window::TakeBack(const WindowCursor& cursor) {
+  const auto position = static_cast<std::size_t>(cursor.to_ - bytes_.get());
+  written_ += position - position_;
+  position_ = position;
+}
+
+// A cursor's copy at `to`, of what is left from before the window began anew. Where the cursor goes on: at `to` if the
+// distance is out of reach.
+std::uint8_t* Window::CopyFromWrapped(std::uint8_t* to, std::uint64_t distance, std::size_t length) {
+  const auto position = static_cast<std::size_t>(to - bytes_.get());
+  written_ += position - position_;
+  position_ = position;
+  Copy(distance, length);
+  return bytes_.get() + position_;
+}
+
 void Window::CopyByBytes(std::size_t from, std::size_t length) {
   for (; length > 0; --length) {
     Put(bytes_.get()[from]);

@@ -1,4 +1,4 @@
-#include "archive/modules/lzh/unpacker.h"
+#include "archive/modules/lzh/lzh_unpacker.h"
 
 #include <lhasa.h>
 
@@ -14,7 +14,7 @@ bool IsStored(const std::string& method) {
 }
 
 // What is stored does not go through lhasa's decoder, which is slower than the disk.
-class StoredBytes final : public Unpacker {
+class StoredBytes final : public LzhUnpacker {
  public:
   explicit StoredBytes(PackedBytes* packed) : packed_(packed) {}
 
@@ -27,7 +27,7 @@ class StoredBytes final : public Unpacker {
 // Of a constant type since lhasa 0.5.
 using LhasaMethod = decltype(lha_decoder_for_name(nullptr));
 
-class LhasaUnpacker final : public Unpacker {
+class LhasaUnpacker final : public LzhUnpacker {
  public:
   LhasaUnpacker(LhasaMethod type, PackedBytes* packed, std::uint64_t size)
       : decoder_(lha_decoder_new(type, &ReadPacked, packed, static_cast<std::size_t>(size))) {}
@@ -52,8 +52,8 @@ class LhasaUnpacker final : public Unpacker {
 
 }  // namespace
 
-ReadStatus MakeUnpacker(const LzhHeader& header, PackedBytes* packed, std::unique_ptr<Unpacker>* unpacker,
-                        Reason* reason) {
+ReadStatus MakeLzhUnpacker(const LzhHeader& header, PackedBytes* packed,
+                           std::unique_ptr<LzhUnpacker>* unpacker, Reason* reason) {
   std::string method = header.method;
   if (IsStored(method)) {
     *unpacker = std::make_unique<StoredBytes>(packed);

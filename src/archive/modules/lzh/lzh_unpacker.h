@@ -10,9 +10,9 @@
 
 namespace quendle::modules {
 
-class Unpacker {
+class LzhUnpacker {
  public:
-  virtual ~Unpacker() = default;
+  virtual ~LzhUnpacker() = default;
 
   // The next bytes of the content, `size` (not 0) at most. 0: it is complete, or the packed data give no more.
   // Whether these are the right bytes, only their checksum tells.
@@ -21,7 +21,7 @@ class Unpacker {
 
 // For the entry of that header, whose packed bytes are `packed` and outlive the unpacker. `*unpacker` is null
 // after anything but kOk, and `*reason` says why: the method is not known, or the data do not fit it.
-ReadStatus MakeUnpacker(const LzhHeader& header, PackedBytes* packed, std::unique_ptr<Unpacker>* unpacker,
-                        Reason* reason);
+ReadStatus MakeLzhUnpacker(const LzhHeader& header, PackedBytes* packed,
+                           std::unique_ptr<LzhUnpacker>* unpacker, Reason* reason);
 
 }  // namespace quendle::modules
