@@ -113,112 +113,86 @@ GTEST_TEST(HuffmanCode, DecodesWhatTheLengthsSay) {
   }
 }
 
-// A code of symbols 0 to 19 in 5 bits each, unless 15 is to stand for zeros.
 GTEST_TEST(CodeLengths, AreAddedRepeatedAndCut) {
   using Lengths = std::vector<std::uint8_t>;
-  struct Item {
-    std::uint32_t value;
-    unsigned count;
-  };
+  using Items = std::vector<std::pair<std::uint32_t, unsigned>>;
+  // Symbols are themselves in 5 bits.
+  const Items plain(20, {5, 4});
+  // 15 stands for zeros, here of symbols 1 to 17, or for itself: symbol 18 is 0, 0 is 10, 19 is 11 and 13 zeros.
+  const Items with_zeros = {{2, 4}, {15, 4}, {15, 4}, {1, 4}, {15, 4}, {0, 4}};
   const struct {
     const char* name;
-    std::vector<Item> items;
+    Items code;
+    Items items;
     Lengths before;
     Lengths after;  // empty: damaged
   } rows[] = {
-      {"added modulo 16", {{3, 5}, {15, 5}, {0, 5}}, {0, 4, 7}, {3, 3, 7}},
-      {"repeated", {{3, 5}, {16, 5}, {1, 3}, {2, 5}}, {0, 9, 9, 9, 9, 0}, {3, 3, 3, 3, 3, 2}},
-      {"repeated often, and cut", {{3, 5}, {17, 5}, {127, 7}}, Lengths(100, 0), Lengths(100, 3)},
-      {"zeros", {{18, 5}, {0, 3}, {1, 5}}, {9, 9, 9, 9}, {0, 0, 0, 10}},
-      {"many zeros", {{19, 5}, {0, 7}, {1, 5}}, Lengths(12, 0), {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}},
-      {"nothing to repeat", {{16, 5}, {0, 3}}, {0, 0, 0}, {}},
-      {"no such symbol", {{20, 5}}, {0}, {}},
+      {"added modulo 16", plain, {{3, 5}, {15, 5}, {0, 5}}, {0, 4, 7}, {3, 3, 7}},
+      {"repeated", plain, {{3, 5}, {16, 5}, {1, 3}, {2, 5}}, {0, 9, 9, 9, 9, 0}, {3, 3, 3, 3, 3, 2}},
+      {"often, and cut", plain, {{3, 5}, {17, 5}, {127, 7}}, Lengths(100, 0), Lengths(100, 3)},
+      {"zeros", plain, {{18, 5}, {0, 3}, {1, 5}}, {9, 9, 9, 9}, {0, 0, 0, 10}},
+      {"many zeros",
+       with_zeros,
+       {{2, 2}, {3, 2}, {0, 13}, {0, 7}, {2, 2}},
+       Lengths(13, 5),
+       {5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 5}},
+      {"nothing to repeat", plain, {{16, 5}, {0, 3}}, {0, 0, 0}, {}},
+      {"no such symbol", plain, {{20, 5}}, {0}, {}},
   };
-  const auto reader = std::make_unique<BitReader>();
   for (const auto& row : rows) {
     PackedBits bits;
-    bits.PutLengths({});
-    for (const Item& item : row.items) bits.Put(item.value, item.count);
+    for (const Items& items : {row.code, row.items})
+      for (const auto& [value, count] : items) bits.Put(value, count);
     StringSource source(bits.Bytes());
+    const auto reader = std::make_unique<BitReader>();
     reader->Begin(&source);
     Lengths lengths = row.before;
     ASSERT_EQ(ReadCodeLengths(reader.get(), lengths), !row.after.empty()) << row.name;
     EXPECT_TRUE(row.after.empty() || lengths == row.after) << row.name;
   }
-  // 15 stands for zeros, here of symbols 1 to 17, or for itself: symbol 18 is 0, 0 is 10, 19 is 11 and 13 zeros.
-  PackedBits bits;
-  bits.Put(2, 4).Put(15, 4).Put(15, 4).Put(1, 4).Put(15, 4).Put(0, 4);
-  bits.Put(0b10, 2).Put(0b0'110, 4).Put(0b110'0000'0000'0000, 15).Put(0, 7);
-  StringSource source(bits.Bytes());
-  reader->Begin(&source);
-  Lengths lengths(12, 5);
-  ASSERT_TRUE(ReadCodeLengths(reader.get(), lengths));
-  EXPECT_EQ(lengths, (Lengths{5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
 }
 
-// Against a copy of all that was ever written, byte by byte.
+// Against a copy of all that was ever written. The window grows after it began anew, so that some is lost.
 GTEST_TEST(Window, RepeatsWhatIsInReachAndNothingElse) {
-  constexpr std::uint64_t kSize = 100'000;
+  constexpr std::uint64_t kSize = 100'000, kKept = kSize + (2U << 20);
   Window window;
   window.Reset(kSize);
   std::string all;
-  std::uint32_t random = 1;
-  const auto next = [&random](std::uint32_t below) {
-    random = random * 1'664'525 + 1'013'904'223;
-    return static_cast<std::uint32_t>(std::uint64_t{random} * below >> 32);
+  std::uint64_t random = 1, lost = 0;
+  const auto below = [&random](std::uint64_t end) {
+    random = random * 6'364'136'223'846'793'005 + 1;
+    return static_cast<std::size_t>((random >> 33) % end);
   };
-  const auto repeat = [&](std::size_t distance, std::size_t length) {
-    for (std::size_t i = 0; i < length; ++i) all.push_back(all[all.size() - distance]);
-  };
-  for (int round = 0; all.size() < 6'000'000; ++round) {
-    const std::size_t before = all.size();
-    const std::uint64_t size = all.size() < 3'000'000 ? kSize : 2 * kSize;
-    if (size != kSize) window.Grow(size);
+  for (int round = 0; all.size() < 5'000'000; ++round) {
+    const bool is_larger = all.size() > 2'500'000;
+    if (is_larger && lost == 0) lost = all.size() - kKept;
+    if (is_larger) window.Grow(4'000'000);
     ASSERT_TRUE(window.Reserve(20'000));
-    window.Put(static_cast<std::uint8_t>(all.size() / 7));
-    all.push_back(static_cast<char>(all.size() / 7));
-    const std::uint64_t reach = std::min<std::uint64_t>(size, all.size());
-    const std::size_t distance =
-        round % 3 == 0 ? 1 + next(20) % all.size() : 1 + next(static_cast<std::uint32_t>(reach));
-    const std::size_t length = 1 + next(round % 5 == 0 ? 4'000 : 40);
-    EXPECT_FALSE(window.Copy(0, 5) || window.Copy(reach + 1, 5) || window.Copy(~std::uint64_t{0}, 5));
+    const std::size_t before = all.size();
+    window.Put(static_cast<std::uint8_t>(round));
+    all.push_back(static_cast<char>(round));
+    const std::uint64_t reach = std::min<std::uint64_t>(is_larger ? 4'000'000 : kSize, all.size() - lost);
+    const std::size_t distance = 1 + below(round % 3 == 0 ? std::min<std::uint64_t>(20, reach) : reach);
+    const std::size_t length = 1 + below(round % 5 == 0 ? 4'000 : 40);
+    EXPECT_FALSE(window.Copy(0, 5) || window.Copy(reach + 1, 5) || window.Copy(~std::uint64_t{0}, 5))
+        << round;
     WindowCursor cursor = window.Lend(10'000);
     if (round % 2 == 0 && cursor.HasRoom()) {
-      EXPECT_FALSE(cursor.Copy(0, 5) || cursor.Copy(reach + 1, 5));
-      cursor.Put('!');
-      all.push_back('!');
-      ASSERT_EQ(cursor.Copy(distance, length), true) << round;
+      EXPECT_FALSE(cursor.Copy(0, 5) || cursor.Copy(reach + 1, 5)) << round;
+      ASSERT_TRUE(cursor.Copy(distance, length)) << round;
       window.TakeBack(cursor);
     } else {
-      ASSERT_EQ(window.Copy(distance, length), true) << round;
+      ASSERT_TRUE(window.Copy(distance, length)) << round;
     }
-    repeat(distance, length);
-    std::string made;
-    while (made.size() < all.size() - before) made += window.Piece(before + made.size(), all.size());
+    for (std::size_t i = 0; i < length; ++i) all.push_back(all[all.size() - distance]);
+    std::string made(window.Piece(before, all.size()));
+    made += window.Piece(before + made.size(), all.size());
     ASSERT_EQ(made, all.substr(before)) << round;
   }
   EXPECT_EQ(window.Written(), all.size());
+  EXPECT_FALSE(window.Lend(0).HasRoom());
   window.Reset(kSize);
   EXPECT_TRUE(window.Reserve(100) && !window.Copy(1, 1));
-}
-
-// A window that began anew before it grew has its oldest bytes lost, the others in reach.
-GTEST_TEST(Window, GrowsAfterItBeganAnew) {
-  Window window;
-  window.Reset(1);
-  std::string all;
-  while (all.size() < 3'000'000) {
-    ASSERT_TRUE(window.Reserve(1'000));
-    for (int i = 0; i < 1'000; ++i) {
-      all.push_back(static_cast<char>(all.size() * 7 / 11));
-      window.Put(static_cast<std::uint8_t>(all.back()));
-    }
-  }
-  window.Grow(16U << 20);
-  ASSERT_TRUE(window.Reserve(1'000));
-  EXPECT_FALSE(window.Copy(3'000'000, 1));
-  ASSERT_TRUE(window.Copy(2'000'000, 1'000));
-  EXPECT_EQ(window.Piece(3'000'000, 3'001'000), all.substr(1'000'000, 1'000));
 }
 
 // Adds what it was made with to each byte.
