@@ -65,7 +65,8 @@ GTEST_TEST(RarUnpack15, UnpacksEveryKindOfSymbol) {
               {with_far_matches.Bytes() + Noise(3, 40000), 86126, false, 0xA8CF27BD},
               {Noise(0, 40000), 20001, true, 0x3B513B32},
               {Zeros15().Bytes() + std::string(400, '\xFF') + Noise(6, 40000), 100115, false, 0x3522CC60},
-              {Noise(0, 40000), 20008, true, 0x76F3046F}});
+              {Zeros15().Bytes(), 66024, false, 0x3EA64F4B},
+              {Noise(1, 40000), 20218, true, 0xBEFBB58A}});
 }
 
 using Lengths =
@@ -73,7 +74,6 @@ using Lengths =
 
 constexpr Lengths kPlain = {{298, 9}, {48, 6}, {28, 5}};  // codes are symbols
 constexpr Lengths kComplete = {{215, 8}, {54, 9}, {1, 0}, {28, 9}, {16, 5}, {32, 6}, {4, 4}, {24, 5}};
-constexpr Lengths kSound = {{256, 8}, {1, 9}};
 
 // New codes of matches, or with a sound's `channels`.
 void PutCodes(PackedBits* bits, Lengths lengths, unsigned channels = 0) {
