@@ -105,6 +105,7 @@ GTEST_TEST(Unpack50, RepeatsByAllLengthsAndDistances) {
     const auto repeat = [&all](std::size_t distance, std::size_t length) {
       for (std::size_t i = 0; i < length; ++i) all.push_back(all[all.size() - distance]);
     };
+    const std::vector<std::size_t> edges = {2, 0x100, 0x101, 0x2000, 0x2001, 0x40000, 0x40001};
     blocks.Codes();
     for (std::uint32_t i = 0; all.size() < 5'000'000; ++i) {
       for (std::uint32_t k = 0; k <= i % 5; ++k) {
@@ -117,12 +118,13 @@ GTEST_TEST(Unpack50, RepeatsByAllLengthsAndDistances) {
       blocks.Match(distance, length);
       repeat(distance, length);
       if (i % 3 == 0) {
-        blocks.Symbol(257).Match(2, 4'096).Recent(1, 5).Recent(1, 3'000).Symbol(257);
+        const std::size_t edge = std::min(edges[i / 3 % edges.size()], all.size() + length);
+        blocks.Symbol(257).Match(edge, 4'096).Recent(1, 5).Recent(1, 3'000).Symbol(257);
         repeat(distance, length);
-        repeat(2, 4'096);
+        repeat(edge, 4'096);
         repeat(distance, 5);
-        repeat(2, 3'000);
-        repeat(2, 3'000);
+        repeat(edge, 3'000);
+        repeat(edge, 3'000);
       }
       if (i % 1'000 == 999) blocks.End(false);
       if (i % 2'000 == 1'999) blocks.Codes();
