@@ -105,6 +105,7 @@ GTEST_TEST(Unpack50, RepeatsByAllLengthsAndDistances) {
     const auto repeat = [&all](std::size_t distance, std::size_t length) {
       for (std::size_t i = 0; i < length; ++i) all.push_back(all[all.size() - distance]);
     };
+    const std::vector<std::size_t> edges = {2, 0x100, 0x101, 0x2000, 0x2001, 0x40000, 0x40001};
     blocks.Codes();
     for (std::uint32_t i = 0; all.size() < 5'000'000; ++i) {
       for (std::uint32_t k = 0; k <= i % 5; ++k) {
@@ -117,12 +118,13 @@ GTEST_TEST(Unpack50, RepeatsByAllLengthsAndDistances) {
       blocks.Match(distance, length);
       repeat(distance, length);
       if (i % 3 == 0) {
-        blocks.Symbol(257).Match(2, 4'096).Recent(1, 5).Recent(1, 3'000).Symbol(257);
+        const std::size_t edge = std::min(edges[i / 3 % edges.size()], all.size() + length);
+        blocks.Symbol(257).Match(edge, 4'096).Recent(1, 5).Recent(1, 3'000).Symbol(257);
         repeat(distance, length);
-        repeat(2, 4'096);
+        repeat(edge, 4'096);
         repeat(distance, 5);
-        repeat(2, 3'000);
-        repeat(2, 3'000);
+        repeat(edge, 3'000);
+        repeat(edge, 3'000);
       }
       if (i % 1'000 == 999) blocks.End(false);
       if (i % 2'000 == 1'999) blocks.Codes();
@@ -142,7 +144,7 @@ GTEST_TEST(Unpack50, TakesOnlyWhatPackersMake) {
   const auto codes = [] { return std::move(Blocks().Codes()); };
   const std::string filler(1'000, 'x');
   Blocks far(80);
-  far.Codes().Text("ab");
+  far.Codes().Text(filler);
   const struct {
     const char* name;
     Blocks blocks;
@@ -156,23 +158,28 @@ GTEST_TEST(Unpack50, TakesOnlyWhatPackersMake) {
       {"no last block, but all of it", codes().Text("abc").End(false), 3, "abc"},
       {"no last block", codes().Text("abc").End(false), {}},
       {"a match longer than the rest", codes().Text("ab").Match(2, 50).End(), 5, "ababa"},
+      {"more than its size", codes().Text(filler).End(), 3},
       {"less than its size", codes().Text("ab").End(false), 3},
       {"the check byte", codes().Text("abc").End().Change(1, 1), 3},
-      {"the size of the size", codes().Text("abc").End().Change(0, 8).Change(1, 8), 3},
-      {"nothing in a block", Blocks().End(false), 3},
+      {"four bytes of size", Blocks().Bits(0, 8).Codes().Text("abc").End().Change(0, 8).Change(1, 8), 3},
+      {"nothing in a block", codes().Text("ab").End(false).End(false).Text("c").End(), 3},
       {"a symbol over the block's end", codes().Text("abcd").End().Change(0, 1).Change(1, 1), 4},
       {"the first block without codes", Blocks().Text("abc").End(), 3},
       {"codes that do not fit", codes().End().Change(6, 0x44), 3},
       {"a symbol that has no code", codes().Text("ab").Symbol(306).Text(filler).End(), {}},
       {"beyond the front", codes().Text("ab").Match(3, 4'000).Text(filler).End(), {}},
-      {"the furthest", far.Symbol(262).Bits(79, 7).Bits(~0ULL, 38).Text(filler).End(), {}, {}, true},
+      {"the furthest", far.Symbol(262).Bits(78, 7).Bits(0, 38).Text(filler).End(), {}, {}, true},
       {"out of reach",
        codes().Text("a").Match(1, 4'000).Match(1, 4'000).Match(4'097, 9).Text(filler).End(),
+       {}},
+      {"a distance that has no code", codes().Symbol(262).Bits(64, 7).Text(filler).End(), {}},
+      {"a length that has no code",
+       codes().Text("a").Match(1, 2).Symbol(258).Bits(44, 6).Text(filler).End(),
        {}},
       {"a distance that was never", codes().Text("ab").Recent(3, 500).Text(filler).End(), {}},
       {"the last match before any", codes().Symbol(257).Text("abc").End(), 3, "abc"},
       {"a filter of too little", codes().Filter(0, 3, 1).Text("abcd").End(), 4},
-      {"a filter of too much", codes().Filter(0, (4U << 20) + 1, 1).Text("abcd").End(), 4},
+      {"a filter of too much", codes().Filter(9, (4U << 20) + 1, 1).Text("abcd").End(), 4},
       {"a filter over the end", codes().Filter(0, 5, 1).Text("abcd").End(), 4},
   };
   for (const auto& row : rows) {
@@ -202,6 +209,9 @@ GTEST_TEST(Unpack50, SolidEntriesGoOnWithWhatWasBefore) {
   EXPECT_EQ(unpack(Blocks().Symbol(257).Recent(0, 4).End(), 10, true, kWindow),
             (Result{"abcabcabca", ReadStatus::kEnd}));
   EXPECT_EQ(unpack(Blocks().Match(19, 3).End(), 3, true, kWindow), (Result{"abc", ReadStatus::kEnd}));
+  const std::string text(20, 'a');
+  EXPECT_EQ(unpack(Blocks().Codes().Text(text).Symbol(257).End(), 20, false, kWindow),
+            (Result{text, ReadStatus::kEnd}));
   for (const auto& blocks : {Blocks().Text("a").End(), Blocks().Codes().Text("a").Recent(0, 2).End(),
                              Blocks().Codes().Text("a").Match(2, 2).End()})
     EXPECT_EQ(unpack(blocks, 3, false, kWindow).second, ReadStatus::kFailed);
