@@ -13,7 +13,7 @@ namespace quendle::modules {
 namespace {
 
 using test::PackedBits;
-using test::Unpacked;
+using test::UnpackAll;
 
 constexpr std::uint64_t kWindow = 4'096;
 
@@ -133,7 +133,7 @@ GTEST_TEST(Unpack50, RepeatsByAllLengthsAndDistances) {
     for (const std::size_t step : {1U << 20, 333U}) {
       const auto unpacker = std::make_unique<Unpack50>();
       const auto [content, status] =
-          Unpacked(unpacker.get(), blocks.Made(), {all.size(), false, 400'000, distances == 80}, step);
+          UnpackAll(unpacker.get(), blocks.Made(), {all.size(), false, 400'000, distances == 80}, step);
       EXPECT_EQ(status, ReadStatus::kEnd);
       EXPECT_TRUE(content == all) << distances << ' ' << step;
     }
@@ -186,14 +186,14 @@ GTEST_TEST(Unpack50, TakesOnlyWhatPackersMake) {
     SCOPED_TRACE(row.name);
     const auto unpacker = std::make_unique<Unpack50>();
     const auto [content, status] =
-        Unpacked(unpacker.get(), row.blocks.Made(), {row.size, false, kWindow, row.is_far});
+        UnpackAll(unpacker.get(), row.blocks.Made(), {row.size, false, kWindow, row.is_far});
     EXPECT_EQ(status, row.content.empty() ? ReadStatus::kFailed : ReadStatus::kEnd);
     EXPECT_TRUE(row.content.empty() || content == row.content) << content;
     EXPECT_EQ(unpacker->Problem().empty(), status == ReadStatus::kEnd);
   }
   const auto unpacker = std::make_unique<Unpack50>();
   const Blocks unknown = codes().Filter(0, 4, 5).Text("abcd").End();
-  EXPECT_EQ(Unpacked(unpacker.get(), unknown.Made(), {4, false, kWindow, false}).second,
+  EXPECT_EQ(UnpackAll(unpacker.get(), unknown.Made(), {4, false, kWindow, false}).second,
             ReadStatus::kUnsupported);
 }
 
@@ -201,7 +201,7 @@ GTEST_TEST(Unpack50, SolidEntriesGoOnWithWhatWasBefore) {
   const auto unpacker = std::make_unique<Unpack50>();
   const auto unpack = [&unpacker](const Blocks& blocks, std::uint64_t size, bool is_solid,
                                   std::uint64_t window) {
-    return Unpacked(unpacker.get(), blocks.Made(), {size, is_solid, window, false});
+    return UnpackAll(unpacker.get(), blocks.Made(), {size, is_solid, window, false});
   };
   using Result = std::pair<std::string, ReadStatus>;
   EXPECT_EQ(unpack(Blocks().Codes().Text("abc").Match(3, 6).End(), 9, false, 4),
@@ -231,7 +231,7 @@ GTEST_TEST(Unpack50, FiltersCountFromTheEntryAndNotFromTheWindow) {
         .Bits(1, 5)
         .Text("\xFF\xFF\x9C\xFE");
     const auto [content, status] =
-        Unpacked(unpacker.get(), blocks.End().Made(), {25, is_solid, kWindow, false});
+        UnpackAll(unpacker.get(), blocks.End().Made(), {25, is_solid, kWindow, false});
     EXPECT_EQ(status, ReadStatus::kEnd);
     EXPECT_EQ(content, std::string("01\xE8\x12\0\0\0\xE9\x0D\0\0\0", 12) + call +
                            std::string("\x02\0\0\xEB\x01\x64\x02\x66", 8));

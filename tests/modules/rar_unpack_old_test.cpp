@@ -44,7 +44,7 @@ struct Row {
 
 void ExpectSums(Unpacker* unpacker, std::initializer_list<Row> rows) {
   for (const auto& row : rows) {
-    const auto [bytes, status] = Unpacked(unpacker, row.packed, {row.size, row.is_solid});
+    const auto [bytes, status] = UnpackAll(unpacker, row.packed, {row.size, row.is_solid});
     EXPECT_EQ(status, ReadStatus::kEnd) << row.size;
     EXPECT_EQ(bytes.size(), row.size);
     EXPECT_EQ(Crc32(bytes), row.sum) << row.size;
@@ -142,8 +142,8 @@ GTEST_TEST(RarUnpack20, ReadsCodesBehindAnEntry) {
               {"none", Matches(kPlain, {'a', 'b'}).Bytes(), PackedBits().Put('c', 9), "c"}};
   for (const auto& row : rows) {
     Unpack20 unpacker;
-    EXPECT_EQ(Unpacked(&unpacker, row.first, {2}).first, "ab") << row.what;
-    EXPECT_EQ(Unpacked(&unpacker, row.second.Bytes(), {row.text.size(), true}).first, row.text) << row.what;
+    EXPECT_EQ(UnpackAll(&unpacker, row.first, {2}).first, "ab") << row.what;
+    EXPECT_EQ(UnpackAll(&unpacker, row.second.Bytes(), {row.text.size(), true}).first, row.text) << row.what;
   }
 }
 
@@ -167,16 +167,16 @@ GTEST_TEST(RarUnpackOld, SaysWhatIsDamaged) {
   for (const auto& row : rows) {
     Unpack20 unpacker;
     const std::string packed = row.packed + std::string(row.packed.empty() ? 0 : 100, '\0');
-    EXPECT_EQ(Unpacked(&unpacker, packed, {50}).second, ReadStatus::kFailed) << row.what;
+    EXPECT_EQ(UnpackAll(&unpacker, packed, {50}).second, ReadStatus::kFailed) << row.what;
   }
   const std::string whole = Matches(kPlain, {'a', 'b', 'c', 'd', 270}).Put(0, 6).Put('e', 9).Bytes();
   for (std::size_t size = 0; size < whole.size(); ++size) {
     Unpack20 unpacker;
-    EXPECT_EQ(Unpacked(&unpacker, whole.substr(0, size), {8}).second, ReadStatus::kFailed) << size;
+    EXPECT_EQ(UnpackAll(&unpacker, whole.substr(0, size), {8}).second, ReadStatus::kFailed) << size;
   }
   Unpack15 unpacker15;
-  EXPECT_EQ(Unpacked(&unpacker15, std::string(9, '\0'), {8}).second, ReadStatus::kFailed) << "of nothing";
-  EXPECT_EQ(Unpacked(&unpacker15, Zeros15().Bytes(), {70000}).second, ReadStatus::kFailed) << "too little";
+  EXPECT_EQ(UnpackAll(&unpacker15, std::string(9, '\0'), {8}).second, ReadStatus::kFailed) << "of nothing";
+  EXPECT_EQ(UnpackAll(&unpacker15, Zeros15().Bytes(), {70000}).second, ReadStatus::kFailed) << "too little";
 }
 
 }  // namespace
