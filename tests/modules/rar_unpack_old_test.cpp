@@ -130,6 +130,11 @@ GTEST_TEST(RarUnpack20, ReadsCodesBehindAnEntry) {
   in_runs.Put(18, 5).Put(117, 7).Put(17, 5).Put(7, 3);  // none for 138 symbols,
   in_runs.Put(2, 5).Put(16, 5).Put(0, 2);               // two bits for four,
   in_runs.Put(18, 5).Put(127, 7);                       // none for more than there are
+  static constexpr Lengths kSound = {{255, 8}, {2, 9}};
+  PackedBits fewer_channels;
+  PutCodes(&fewer_channels, kSound, 3);
+  fewer_channels.Put(256 - 'a', 8).Put(256 - 'b', 8).Put(511, 9);
+  PutCodes(&fewer_channels, kSound, 1);
   const std::string cut = changed.Bytes().substr(0, changed.Bytes().size() - 1);
   const struct {
     const char* what;
@@ -138,6 +143,7 @@ GTEST_TEST(RarUnpack20, ReadsCodesBehindAnEntry) {
     std::string text;
   } rows[] = {{"changed", changed.Bytes(), PackedBits().Put(0, 3), "aaa"},
               {"of a sound, in runs", in_runs.Bytes(), PackedBits().Put(0b00011011, 8), "\x76\xEB\x5F\xD2"},
+              {"of fewer channels", fewer_channels.Bytes(), PackedBits().Put(256 - 2, 8), "c"},
               {"cut off", cut, PackedBits().Put('c', 9), "c"},
               {"none", Matches(kPlain, {'a', 'b'}).Bytes(), PackedBits().Put('c', 9), "c"}};
   for (const auto& row : rows) {
