@@ -21,7 +21,7 @@ using test::kCallsProgram;
 using test::PackedBits;
 using test::PutBytes;
 using test::Record;
-using test::Unpacked;
+using test::UnpackAll;
 
 // Writes blocks whose codes have 9 bits for the main alphabet, 6 for distances, and 5 for low ones and for lengths.
 class Blocks {
@@ -132,7 +132,7 @@ GTEST_TEST(Unpack29, RepeatsByAllLengthsAndDistances) {
   blocks.End();
   for (const std::size_t step : {1U << 20, 333U}) {
     const auto [content, status] =
-        Unpacked(std::make_unique<Unpack29>().get(), blocks.Made(), {all.size()}, step);
+        UnpackAll(std::make_unique<Unpack29>().get(), blocks.Made(), {all.size()}, step);
     EXPECT_EQ(status, ReadStatus::kEnd);
     EXPECT_TRUE(content == all) << step;
   }
@@ -183,7 +183,7 @@ GTEST_TEST(Unpack29, GoesOnInSolidEntriesWithWhatTheOneBeforeLeft) {
   for (const auto& [name, packed, contents] : cases) {
     const auto unpacker = std::make_unique<Unpack29>();
     for (std::size_t i = 0; i < packed.size(); ++i) {
-      const auto [content, status] = Unpacked(unpacker.get(), packed[i], {contents[i].size(), i > 0});
+      const auto [content, status] = UnpackAll(unpacker.get(), packed[i], {contents[i].size(), i > 0});
       EXPECT_EQ(content, contents[i]) << name << i;
       EXPECT_EQ(status, ReadStatus::kEnd) << name << i;
     }
@@ -231,10 +231,10 @@ GTEST_TEST(Unpack29, TakesOnlyWhatPackersMake) {
   const std::string before =
       PpmBlock().Filter(0xA7, Record({0, 9, 5, 53}, kCallsProgram)).Text("lz").Match(1, 20).End().Made();
   for (const auto& [name, packed, content, has_size] : cases) {
-    ASSERT_EQ(Unpacked(unpacker.get(), before, {}).second, ReadStatus::kEnd);
+    ASSERT_EQ(UnpackAll(unpacker.get(), before, {}).second, ReadStatus::kEnd);
     PackedEntry entry;
     if (has_size) entry.size = 3;
-    const auto [unpacked, status] = Unpacked(unpacker.get(), packed, entry);
+    const auto [unpacked, status] = UnpackAll(unpacker.get(), packed, entry);
     EXPECT_EQ(status, content.empty() ? ReadStatus::kFailed : ReadStatus::kEnd) << name;
     EXPECT_TRUE(content.empty() || unpacked == content) << name;
   }

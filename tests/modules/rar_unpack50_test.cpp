@@ -13,7 +13,7 @@ namespace quendle::modules {
 namespace {
 
 using test::PackedBits;
-using test::Unpacked;
+using test::UnpackAll;
 
 constexpr std::uint64_t kWindow = 4'096;
 
@@ -105,6 +105,7 @@ GTEST_TEST(Unpack50, RepeatsByAllLengthsAndDistances) {
     const auto repeat = [&all](std::size_t distance, std::size_t length) {
       for (std::size_t i = 0; i < length; ++i) all.push_back(all[all.size() - distance]);
     };
+    const std::vector<std::size_t> edges = {2, 0x100, 0x101, 0x2000, 0x2001, 0x40000, 0x40001};
     blocks.Codes();
     for (std::uint32_t i = 0; all.size() < 5'000'000; ++i) {
       for (std::uint32_t k = 0; k <= i % 5; ++k) {
@@ -117,12 +118,13 @@ GTEST_TEST(Unpack50, RepeatsByAllLengthsAndDistances) {
       blocks.Match(distance, length);
       repeat(distance, length);
       if (i % 3 == 0) {
-        blocks.Symbol(257).Match(2, 4'096).Recent(1, 5).Recent(1, 3'000).Symbol(257);
+        const std::size_t edge = std::min(edges[i / 3 % edges.size()], all.size() + length);
+        blocks.Symbol(257).Match(edge, 4'096).Recent(1, 5).Recent(1, 3'000).Symbol(257);
         repeat(distance, length);
-        repeat(2, 4'096);
+        repeat(edge, 4'096);
         repeat(distance, 5);
-        repeat(2, 3'000);
-        repeat(2, 3'000);
+        repeat(edge, 3'000);
+        repeat(edge, 3'000);
       }
       if (i % 1'000 == 999) blocks.End(false);
       if (i % 2'000 == 1'999) blocks.Codes();
@@ -131,7 +133,7 @@ GTEST_TEST(Unpack50, RepeatsByAllLengthsAndDistances) {
     for (const std::size_t step : {1U << 20, 333U}) {
       const auto unpacker = std::make_unique<Unpack50>();
       const auto [content, status] =
-          Unpacked(unpacker.get(), blocks.Made(), {all.size(), false, 400'000, distances == 80}, step);
+          UnpackAll(unpacker.get(), blocks.Made(), {all.size(), false, 400'000, distances == 80}, step);
       EXPECT_EQ(status, ReadStatus::kEnd);
       EXPECT_TRUE(content == all) << distances << ' ' << step;
     }
@@ -142,7 +144,7 @@ GTEST_TEST(Unpack50, TakesOnlyWhatPackersMake) {
   const auto codes = [] { return std::move(Blocks().Codes()); };
   const std::string filler(1'000, 'x');
   Blocks far(80);
-  far.Codes().Text("ab");
+  far.Codes().Text(filler);
   const struct {
     const char* name;
     Blocks blocks;
@@ -156,37 +158,42 @@ GTEST_TEST(Unpack50, TakesOnlyWhatPackersMake) {
       {"no last block, but all of it", codes().Text("abc").End(false), 3, "abc"},
       {"no last block", codes().Text("abc").End(false), {}},
       {"a match longer than the rest", codes().Text("ab").Match(2, 50).End(), 5, "ababa"},
+      {"more than its size", codes().Text(filler).End(), 3},
       {"less than its size", codes().Text("ab").End(false), 3},
       {"the check byte", codes().Text("abc").End().Change(1, 1), 3},
-      {"the size of the size", codes().Text("abc").End().Change(0, 8).Change(1, 8), 3},
-      {"nothing in a block", Blocks().End(false), 3},
+      {"four bytes of size", Blocks().Bits(0, 8).Codes().Text("abc").End().Change(0, 8).Change(1, 8), 3},
+      {"nothing in a block", codes().Text("ab").End(false).End(false).Text("c").End(), 3},
       {"a symbol over the block's end", codes().Text("abcd").End().Change(0, 1).Change(1, 1), 4},
       {"the first block without codes", Blocks().Text("abc").End(), 3},
       {"codes that do not fit", codes().End().Change(6, 0x44), 3},
       {"a symbol that has no code", codes().Text("ab").Symbol(306).Text(filler).End(), {}},
       {"beyond the front", codes().Text("ab").Match(3, 4'000).Text(filler).End(), {}},
-      {"the furthest", far.Symbol(262).Bits(79, 7).Bits(~0ULL, 38).Text(filler).End(), {}, {}, true},
+      {"the furthest", far.Symbol(262).Bits(78, 7).Bits(0, 38).Text(filler).End(), {}, {}, true},
       {"out of reach",
        codes().Text("a").Match(1, 4'000).Match(1, 4'000).Match(4'097, 9).Text(filler).End(),
+       {}},
+      {"a distance that has no code", codes().Symbol(262).Bits(64, 7).Text(filler).End(), {}},
+      {"a length that has no code",
+       codes().Text("a").Match(1, 2).Symbol(258).Bits(44, 6).Text(filler).End(),
        {}},
       {"a distance that was never", codes().Text("ab").Recent(3, 500).Text(filler).End(), {}},
       {"the last match before any", codes().Symbol(257).Text("abc").End(), 3, "abc"},
       {"a filter of too little", codes().Filter(0, 3, 1).Text("abcd").End(), 4},
-      {"a filter of too much", codes().Filter(0, (4U << 20) + 1, 1).Text("abcd").End(), 4},
+      {"a filter of too much", codes().Filter(9, (4U << 20) + 1, 1).Text("abcd").End(), 4},
       {"a filter over the end", codes().Filter(0, 5, 1).Text("abcd").End(), 4},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
     const auto unpacker = std::make_unique<Unpack50>();
     const auto [content, status] =
-        Unpacked(unpacker.get(), row.blocks.Made(), {row.size, false, kWindow, row.is_far});
+        UnpackAll(unpacker.get(), row.blocks.Made(), {row.size, false, kWindow, row.is_far});
     EXPECT_EQ(status, row.content.empty() ? ReadStatus::kFailed : ReadStatus::kEnd);
     EXPECT_TRUE(row.content.empty() || content == row.content) << content;
     EXPECT_EQ(unpacker->Problem().empty(), status == ReadStatus::kEnd);
   }
   const auto unpacker = std::make_unique<Unpack50>();
   const Blocks unknown = codes().Filter(0, 4, 5).Text("abcd").End();
-  EXPECT_EQ(Unpacked(unpacker.get(), unknown.Made(), {4, false, kWindow, false}).second,
+  EXPECT_EQ(UnpackAll(unpacker.get(), unknown.Made(), {4, false, kWindow, false}).second,
             ReadStatus::kUnsupported);
 }
 
@@ -194,7 +201,7 @@ GTEST_TEST(Unpack50, SolidEntriesGoOnWithWhatWasBefore) {
   const auto unpacker = std::make_unique<Unpack50>();
   const auto unpack = [&unpacker](const Blocks& blocks, std::uint64_t size, bool is_solid,
                                   std::uint64_t window) {
-    return Unpacked(unpacker.get(), blocks.Made(), {size, is_solid, window, false});
+    return UnpackAll(unpacker.get(), blocks.Made(), {size, is_solid, window, false});
   };
   using Result = std::pair<std::string, ReadStatus>;
   EXPECT_EQ(unpack(Blocks().Codes().Text("abc").Match(3, 6).End(), 9, false, 4),
@@ -202,6 +209,9 @@ GTEST_TEST(Unpack50, SolidEntriesGoOnWithWhatWasBefore) {
   EXPECT_EQ(unpack(Blocks().Symbol(257).Recent(0, 4).End(), 10, true, kWindow),
             (Result{"abcabcabca", ReadStatus::kEnd}));
   EXPECT_EQ(unpack(Blocks().Match(19, 3).End(), 3, true, kWindow), (Result{"abc", ReadStatus::kEnd}));
+  const std::string text(20, 'a');
+  EXPECT_EQ(unpack(Blocks().Codes().Text(text).Symbol(257).End(), 20, false, kWindow),
+            (Result{text, ReadStatus::kEnd}));
   for (const auto& blocks : {Blocks().Text("a").End(), Blocks().Codes().Text("a").Recent(0, 2).End(),
                              Blocks().Codes().Text("a").Match(2, 2).End()})
     EXPECT_EQ(unpack(blocks, 3, false, kWindow).second, ReadStatus::kFailed);
@@ -221,7 +231,7 @@ GTEST_TEST(Unpack50, FiltersCountFromTheEntryAndNotFromTheWindow) {
         .Bits(1, 5)
         .Text("\xFF\xFF\x9C\xFE");
     const auto [content, status] =
-        Unpacked(unpacker.get(), blocks.End().Made(), {25, is_solid, kWindow, false});
+        UnpackAll(unpacker.get(), blocks.End().Made(), {25, is_solid, kWindow, false});
     EXPECT_EQ(status, ReadStatus::kEnd);
     EXPECT_EQ(content, std::string("01\xE8\x12\0\0\0\xE9\x0D\0\0\0", 12) + call +
                            std::string("\x02\0\0\xEB\x01\x64\x02\x66", 8));

@@ -44,7 +44,7 @@ struct Row {
 
 void ExpectSums(Unpacker* unpacker, std::initializer_list<Row> rows) {
   for (const auto& row : rows) {
-    const auto [bytes, status] = Unpacked(unpacker, row.packed, {row.size, row.is_solid});
+    const auto [bytes, status] = UnpackAll(unpacker, row.packed, {row.size, row.is_solid});
     EXPECT_EQ(status, ReadStatus::kEnd) << row.size;
     EXPECT_EQ(bytes.size(), row.size);
     EXPECT_EQ(Crc32(bytes), row.sum) << row.size;
@@ -59,10 +59,14 @@ GTEST_TEST(RarUnpack15, UnpacksEveryKindOfSymbol) {
   with_far_matches.Put(0xA, 4).Put(0, 5);       // a near one
   with_far_matches.Put(0xB, 4).Put(0, 3 + 15);
   Unpack15 unpacker;
-  ExpectSums(&unpacker, {{Zeros15().Bytes() + Noise(2, 40000), 86104, false, 0x3D638084},
-                         {Noise(2, 40000), 20045, true, 0x27D0033B},
-                         {with_far_matches.Bytes() + Noise(3, 40000), 86126, false, 0xA8CF27BD},
-                         {Noise(0, 40000), 20001, true, 0x3B513B32}});
+  ExpectSums(&unpacker,
+             {{Zeros15().Bytes() + Noise(2, 40000), 86104, false, 0x3D638084},
+              {Noise(2, 40000), 20045, true, 0x27D0033B},
+              {with_far_matches.Bytes() + Noise(3, 40000), 86126, false, 0xA8CF27BD},
+              {Noise(0, 40000), 20001, true, 0x3B513B32},
+              {Zeros15().Bytes() + std::string(400, '\xFF') + Noise(6, 40000), 100115, false, 0x3522CC60},
+              {Zeros15().Bytes(), 66024, false, 0x3EA64F4B},
+              {Noise(1, 40000), 20218, true, 0xBEFBB58A}});
 }
 
 using Lengths =
@@ -70,7 +74,6 @@ using Lengths =
 
 constexpr Lengths kPlain = {{298, 9}, {48, 6}, {28, 5}};  // codes are symbols
 constexpr Lengths kComplete = {{215, 8}, {54, 9}, {1, 0}, {28, 9}, {16, 5}, {32, 6}, {4, 4}, {24, 5}};
-constexpr Lengths kSound = {{256, 8}, {1, 9}};
 
 // New codes of matches, or with a sound's `channels`.
 void PutCodes(PackedBits* bits, Lengths lengths, unsigned channels = 0) {
@@ -104,14 +107,15 @@ GTEST_TEST(RarUnpack20, UnpacksSounds) {
   const auto packed = [](unsigned channels, std::uint32_t seed) {
     PackedBits bits;
     PutCodes(&bits, {{256, 8}, {1, 0}}, channels);
+    for (int i = 0; i < 4500; ++i) bits.Put(i / 3 % 2 == 0 ? 40 : 216, 8);
     for (const char c : Noise(seed, 3000)) bits.Put(static_cast<std::uint8_t>(c), 8);
     return bits.Bytes();
   };
   Unpack20 unpacker;
-  ExpectSums(&unpacker, {{packed(1, 1), 3000, false, 0xB06BA963},
-                         {Noise(2, 3000), 3000, true, 0x8A408B15},
-                         {packed(3, 3), 3000, false, 0xD7A3B22E},
-                         {Noise(2, 2000), 2000, true, 0x5DFB7549}});
+  ExpectSums(&unpacker, {{packed(1, 1), 7500, false, 0xDE123467},
+                         {Noise(2, 3000), 3000, true, 0xF3451FAD},
+                         {packed(3, 3), 7500, false, 0xBAB03FE5},
+                         {Noise(2, 2000), 2000, true, 0x625B25A6}});
 }
 
 // Behind an entry there may be the codes that a solid one begins with.
@@ -138,8 +142,8 @@ GTEST_TEST(RarUnpack20, ReadsCodesBehindAnEntry) {
               {"none", Matches(kPlain, {'a', 'b'}).Bytes(), PackedBits().Put('c', 9), "c"}};
   for (const auto& row : rows) {
     Unpack20 unpacker;
-    EXPECT_EQ(Unpacked(&unpacker, row.first, {2}).first, "ab") << row.what;
-    EXPECT_EQ(Unpacked(&unpacker, row.second.Bytes(), {row.text.size(), true}).first, row.text) << row.what;
+    EXPECT_EQ(UnpackAll(&unpacker, row.first, {2}).first, "ab") << row.what;
+    EXPECT_EQ(UnpackAll(&unpacker, row.second.Bytes(), {row.text.size(), true}).first, row.text) << row.what;
   }
 }
 
@@ -163,16 +167,16 @@ GTEST_TEST(RarUnpackOld, SaysWhatIsDamaged) {
   for (const auto& row : rows) {
     Unpack20 unpacker;
     const std::string packed = row.packed + std::string(row.packed.empty() ? 0 : 100, '\0');
-    EXPECT_EQ(Unpacked(&unpacker, packed, {50}).second, ReadStatus::kFailed) << row.what;
+    EXPECT_EQ(UnpackAll(&unpacker, packed, {50}).second, ReadStatus::kFailed) << row.what;
   }
   const std::string whole = Matches(kPlain, {'a', 'b', 'c', 'd', 270}).Put(0, 6).Put('e', 9).Bytes();
   for (std::size_t size = 0; size < whole.size(); ++size) {
     Unpack20 unpacker;
-    EXPECT_EQ(Unpacked(&unpacker, whole.substr(0, size), {8}).second, ReadStatus::kFailed) << size;
+    EXPECT_EQ(UnpackAll(&unpacker, whole.substr(0, size), {8}).second, ReadStatus::kFailed) << size;
   }
   Unpack15 unpacker15;
-  EXPECT_EQ(Unpacked(&unpacker15, std::string(9, '\0'), {8}).second, ReadStatus::kFailed) << "of nothing";
-  EXPECT_EQ(Unpacked(&unpacker15, Zeros15().Bytes(), {70000}).second, ReadStatus::kFailed) << "too little";
+  EXPECT_EQ(UnpackAll(&unpacker15, std::string(9, '\0'), {8}).second, ReadStatus::kFailed) << "of nothing";
+  EXPECT_EQ(UnpackAll(&unpacker15, Zeros15().Bytes(), {70000}).second, ReadStatus::kFailed) << "too little";
 }
 
 }  // namespace
