@@ -9,7 +9,7 @@
 namespace quendle::modules {
 namespace {
 
-using test::PackedBits, test::Unpacked;
+using test::PackedBits, test::UnpackAll;
 
 // Any bits are packed data; these are no particular ones.
 std::string Noise(std::uint32_t seed, std::size_t size) {
