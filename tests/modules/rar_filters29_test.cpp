@@ -42,8 +42,8 @@ GTEST_TEST(Filters29, TurnBackWhatAnEncoderMade) {
   };
   const Case cases[] = {
       {"rgb", std::make_unique<RgbFilter>(12, 0),
-       FromHex("100100010216dd09c60fe0fefdfbfce4aa4080def0ff01ffff0b05f115"),
-       FromHex("102030112233142535182a3b1a2e40204a5099a0a1506070f0e0d10102")},
+       FromHex("10b150015319dd09c60fe0fefdfbfce4aa4080def0ff01ffff0b05f115"),
+       FromHex("102030612233142535182a3b1a2e40204a5099a0a1506070f0e0d10102")},
       {"rgb too narrow", std::make_unique<RgbFilter>(2, 0), "abc", ""},
       {"itanium", std::make_unique<ItaniumFilter>(),
        FromHex("1600148d041400b0a2112800302301501200cc0c001400202200200070230150") + itanium.substr(32),
@@ -80,7 +80,9 @@ std::optional<std::pair<std::uint32_t, std::uint32_t>> After(std::vector<Machine
     commands.push_back(last);
   std::vector<std::uint8_t> range(8);
   std::vector<std::uint8_t> globals;
-  if (!FilterMachine().Run({commands, {}}, 0, {}, &range, &globals)) return std::nullopt;
+  static FilterMachine machine;
+  machine.BeginEntry();
+  if (!machine.Run({commands, {}}, 0, {}, &range, &globals)) return std::nullopt;
   const std::string bytes(range.begin(), range.end());
   return std::pair{static_cast<std::uint32_t>(LittleEndian(bytes, 0, 4)),
                    static_cast<std::uint32_t>(LittleEndian(bytes, 4, 4))};
@@ -111,6 +113,7 @@ GTEST_TEST(FilterMachine, CarriesCommandsOut) {
       {"and", {r0(6), C(kAnd, R(0), N(3))}, 2},
       {"or", {r0(6), C(kOr, R(0), N(kS))}, 6 | kS, kS},
       {"not", {r0(6), below, C(kNot, R(0))}, 0xFFFFFFF9, kC | kS},
+      {"neg", {r0(5), C(kNeg, R(0))}, 0xFFFFFFFB, kC | kS},
       {"shl", {r0(0xA0000001), C(kShl, R(0), N(3))}, 8, kC},
       {"shl by 0", {r0(1), below, C(kShl, R(0), N(0))}, 1},
       {"shr", {r0(6), C(kShr, R(0), N(2))}, 1, kC},
@@ -118,31 +121,42 @@ GTEST_TEST(FilterMachine, CarriesCommandsOut) {
       {"div", {r0(45), C(kDiv, R(0), N(7))}, 6},
       {"div by 0", {r0(45), C(kDiv, R(0), N(0))}, 45},
       {"wrapped memory", {C(kMov, At(0x7FFFF), N(0x1234)), B(kMov, R(0), At(0x3FFFF))}, 0x34},
-      {"number as target", {C(kAdd, N(5), N(6))}, 0},
+      {"number as target", {r0(7), C(kAdd, N(5), N(6))}, 7},
       {"pusha begins with R0", {r0(9), C(kPushA), C(kAdd, R(7), N(28)), C(kPop, R(0))}, 9},
       {"popf", {below, C(kPushF), C(kAnd, R(5), N(0)), C(kPopF)}, 0, kC | kS},
       {"call", {C(kCall, N(3)), C(kInc, R(0)), C(kJmp, N(5)), r0(7), C(kRet)}, 8},
+      {"result outside", {r0(0x12340000), C(kMov, At(0x3C01C), N(0x3FFFF)), C(kMov, At(0x3C020), N(2))}, 0},
       {"print", {below, C(kPrint, R(0))}, 0, kC | kS},
   };
   for (const auto& [name, commands, result, flags] : cases)
     EXPECT_EQ(After(commands), std::pair(result, flags)) << name;
-  EXPECT_FALSE(After({C(kJmp, N(0))})) << "without an end";
   EXPECT_FALSE(After({C(kJmp, N(100))})) << "out of the program";
+  FilterMachine machine;
+  std::vector<std::uint8_t> none;
+  EXPECT_FALSE(machine.Run({{C(kJmp, N(0))}, {}}, 1ULL << 40, {}, &none, &none)) << "without an end";
+  EXPECT_FALSE(machine.Run({{C(kRet)}, {}}, 0, {}, &none, &none)) << "too much for one entry";
 }
 
-// Short numbers of jumps, in place of command 0.
-GTEST_TEST(FilterMachine, ReadsJumps) {
+std::vector<std::uint8_t> Checked(const PackedBits& bits) {
+  auto code = BytesOf('\0' + bits.Bytes());
+  code[0] = std::accumulate(code.begin(), code.end(), std::uint8_t{0}, std::bit_xor());
+  return code;
+}
+
+GTEST_TEST(FilterMachine, ReadsPrograms) {
+  // Those of jumps, in place of command 0.
   for (const auto& [number, target] :
        {std::pair{5U, 5U}, {9U, -7U}, {20U, 12U}, {140U, -124U}, {300U, 44U}}) {
     PackedBits jump;
     PutNumber(number, &jump.Put(0, 1).Put(0x20, 6).Put(0, 2));
-    auto code = BytesOf('\0' + jump.Bytes());
-    code[0] = std::accumulate(code.begin(), code.end(), std::uint8_t{0}, std::bit_xor());
-    const auto program = ParseMachineProgram(code);
-    ASSERT_TRUE(program) << number;
+    const auto program = ParseMachineProgram(Checked(jump));
+    ASSERT_TRUE(program && program->commands.size() == 2) << number;
     EXPECT_EQ(program->commands[0].opcode, kJmp) << number;
     EXPECT_EQ(program->commands[0].first.value, target) << number;
   }
+  PackedBits data;
+  PutNumber(0x10000000, &data.Put(1, 1));
+  EXPECT_FALSE(ParseMachineProgram(Checked(data))) << "more data than there are";
 }
 
 // The program for sound, from where that for calls is, too.
@@ -154,21 +168,23 @@ const std::string kSoundProgram = FromHex(
     "26cc648a6271a2b8");
 
 GTEST_TEST(FilterMachine, DoesWhatFiltersDoWithoutIt) {
-  std::vector<std::uint8_t> packed(5'000, 0xE8);
-  for (std::size_t i = 0; i < packed.size(); ++i)
+  std::vector<std::uint8_t> packed(8'000, 0xE8);
+  for (std::size_t i = 0; i < packed.size(); ++i) {
     if (i % 7 != 0) packed[i] = static_cast<std::uint8_t>(i * i >> 5);
+    if (i < 5'000) packed[i] = static_cast<std::uint8_t>(i < 2'500 || i % 2 == 0 ? 1 : -1);
+  }
   FilterMachine machine;
   for (const bool is_sound : {false, true}) {
     auto expected = packed;
     auto range = packed;
     std::vector<std::uint8_t> globals;
     if (is_sound) {
-      AudioFilter(3).Run(12'345, &expected);
+      AudioFilter(1).Run(12'345, &expected);
     } else {
       X86Filter(false, X86Filter::Positions::k32Bits).Run(12'345, &expected);
     }
     const auto program = ParseMachineProgram(BytesOf(is_sound ? kSoundProgram : kCallsProgram));
-    EXPECT_TRUE(machine.Run(program.value(), 12'345, {3, 0, 0, 0x3C000, 5'000}, &range, &globals));
+    EXPECT_TRUE(machine.Run(program.value(), 12'345, {1, 0, 0, 0x3C000, 8'000}, &range, &globals));
     EXPECT_TRUE(range == expected) << is_sound;
   }
 }
@@ -186,7 +202,7 @@ std::string Words(FilterPrograms* programs, unsigned flags, const std::string& r
   std::string_view raw = zeros;
   std::string_view out;
   while (!raw.empty() && out.size() != 36 && filters.Pass(&raw, &out)) continue;
-  if (raw.empty()) return "unfiltered";
+  if (raw.empty()) return filters.IsHolding() ? "held" : "unfiltered";
   std::ostringstream words;
   for (std::size_t i = 0; i < 36; i += 4) words << std::hex << LittleEndian(out, i, 4) << ' ';
   return words.str();
@@ -215,6 +231,7 @@ GTEST_TEST(FilterPrograms, RunAsRecordsSay) {
       {"all forgotten", 0xA0, fresh, "0 0 0 3c000 24 0 0 1020304 0 "},
       {"its length, too", 0x80, Record({2, 0, 50}, kTelling), "unfiltered"},
       {"too long", 0x20, Record({0, 0x3C001}), "unfiltered"},
+      {"length cut off", 0x20, Record({0}), "refused"},
       {"no such", 0x80, Record({4, 0}), "refused"},
       {"no record", 0xA0, "", "refused"},
       {"program cut off", 0xA0, fresh.substr(0, 50), "refused"},
@@ -225,6 +242,18 @@ GTEST_TEST(FilterPrograms, RunAsRecordsSay) {
   FilterPrograms programs;
   for (const auto& [name, flags, record, words] : cases)
     EXPECT_EQ(Words(&programs, flags, record), words) << name;
+}
+
+GTEST_TEST(FilterPrograms, AreOnlyAsManyAsPackersMake) {
+  FilterPrograms programs;
+  FilterQueue filters;
+  const auto add = [&](const std::string& record) {
+    return programs.Add(0xA0, BytesOf(record), 0, &filters);
+  };
+  for (std::uint32_t number = 1; number <= 1'025; ++number)
+    EXPECT_EQ(add(Record({number, 0, 0, 53}, kCallsProgram)), number <= 1'024) << number;
+  for (std::size_t bytes = 0; bytes <= 1U << 20; bytes += kTelling.size())
+    EXPECT_EQ(add(Record({0, 0, 0, 50}, kTelling)), bytes + kTelling.size() <= 1U << 20) << bytes;
 }
 
 }  // namespace

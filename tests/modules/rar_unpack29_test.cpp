@@ -94,10 +94,18 @@ class Blocks {
 GTEST_TEST(Unpack29, RepeatsByAllLengthsAndDistances) {
   Blocks blocks;
   std::string all;
-  const auto repeat = [&all](std::size_t distance, std::size_t length) {
+  std::vector<std::size_t> recent(4);
+  const auto repeat = [&](std::size_t distance, std::size_t length) {
     for (std::size_t i = 0; i < length; ++i) all.push_back(all[all.size() - distance]);
   };
-  constexpr std::uint32_t kShort[] = {0, 4, 8, 16, 32, 64, 128, 192, 256};
+  const auto match = [&](std::uint32_t distance, std::uint32_t length, std::optional<unsigned> low = {}) {
+    blocks.Match(distance, length, low);
+    recent.insert(recent.begin(), distance);
+    repeat(distance, length);
+  };
+  const auto same_lows = [&](std::uint32_t low, std::uint32_t count) {
+    for (std::uint32_t i = 0; i < count; ++i) match(97 + 16 * i + low, 5, i == 0 ? 16 : 0);
+  };
   blocks.Begin();
   for (std::uint32_t i = 0; all.size() < 6'000'000; ++i) {
     for (std::uint32_t k = 0; k < 20; ++k) {
@@ -105,29 +113,32 @@ GTEST_TEST(Unpack29, RepeatsByAllLengthsAndDistances) {
       blocks.Symbol(static_cast<unsigned char>(all.back()));
     }
     const auto longest = static_cast<std::uint32_t>(std::min<std::size_t>(all.size() - 16, 4U << 20));
-    const std::uint32_t distance = std::min(1 + (i * 2'654'435'761U >> (i % 32)), longest);
-    const std::uint32_t length = 5 + (i * 40'503U >> 3) % 254;
-    blocks.Match(distance, length);
-    repeat(distance, length);
+    match(std::min(1 + (i * 2'654'435'761U >> (i % 32)), longest), 5 + (i * 40'503U >> 3) % 254);
     if (i % 3 == 0) {
+      constexpr unsigned kShort[] = {0, 4, 8, 16, 32, 64, 128, 192};
       const unsigned slot = i / 3 % 8;
       blocks.Symbol(258).Symbol(263 + slot).Bits(i % 4, slot < 2 ? 2 : std::min(slot + 1, 6U));
-      repeat(distance, length);
-      repeat(kShort[slot] + i % 4 + 1, 2);
-      blocks.Recent(1, 2 + i % 256).Recent(1, 9).Symbol(258);
-      repeat(distance, 2 + i % 256);
-      repeat(kShort[slot] + i % 4 + 1, 9);
-      repeat(kShort[slot] + i % 4 + 1, 9);
+      repeat(recent[0], 5 + (i * 40'503U >> 3) % 254);
+      recent.insert(recent.begin(), kShort[slot] + i % 4 + 1);
+      repeat(recent[0], 2);
     }
-    if (i % 50 == 49) {
-      blocks.Match(40, 3);
-      repeat(40, 3);
-      for (std::uint32_t k = 0; k < 16; ++k) {
-        blocks.Match(104 + 16 * k, 5, k == 0 ? 16 : 0);
-        repeat(104 + 16 * k, 5);
-      }
+    if (i > 3) {
+      const unsigned age = i % 4;
+      blocks.Recent(age, 2 + i % 256);
+      std::rotate(recent.begin(), recent.begin() + age, recent.begin() + age + 1);
+      repeat(recent[0], 2 + i % 256);
     }
-    if (i % 700 == 699) blocks.End(1, 1).Begin(i % 1'400 == 699);
+    if (i % 700 == 99) {
+      match(40, 3);
+      same_lows(7, 16);
+      match(0x2000, 6);
+    }
+    if (i % 700 == 699) {
+      match(std::min(0x40000U, longest), 6);
+      blocks.End(1, 1).Begin(i % 1'400 == 699);
+      same_lows(0, 9);
+      blocks.End(1, 1).Begin();
+    }
   }
   blocks.End();
   for (const std::size_t step : {1U << 20, 333U}) {
@@ -160,6 +171,7 @@ GTEST_TEST(Unpack29, GoesOnInSolidEntriesWithWhatTheOneBeforeLeft) {
     std::vector<std::string> contents;
   };
   const auto begun = [](std::string_view text) { return std::move(Blocks().Begin().Text(text)); };
+  const std::string letters = "abcdefghijklmnopqrstuvwxyz";
   const std::string sevens = "one two three four five six seven ";
   const Case cases[] = {
       {"codes",
@@ -173,6 +185,13 @@ GTEST_TEST(Unpack29, GoesOnInSolidEntriesWithWhatTheOneBeforeLeft) {
         Blocks().Text("abc").Filter(0x07, Record({2})).Text("de" + kCall).End().Made()},
        {"\xE8\x14" + std::string(3, '\0'), "abcde\xE8\x0F" + std::string(3, '\0')}},
       {"no mark", {begun("abc").Made(), Blocks().Text("de").End().Made()}, {"abc", "de"}},
+      {"PPM without a mark",
+       {std::string("\xE7\0\x02", 3) + kPpmFirst.substr(0, 6), begun("abc").Made()},
+       {"one", "abc"}},
+      {"PPM by many bytes",
+       {std::string("\xF0\0\x02", 3) +
+        FromHex("61036df5715b2cbd575766d0756bcc0a66e32f8b410d41f053c5f0bca682711fc8ee7c")},
+       {letters + letters + letters}},
       {"PPM",
        {PpmBlock().Text("lz").End(1, 1).Bytes("\x80" + kPpmSecond).Made(),
         Blocks().Bytes("\xC0\xFF" + kPpmThird).Made()},
@@ -199,6 +218,8 @@ GTEST_TEST(Unpack29, TakesOnlyWhatPackersMake) {
     bool has_size = true;
   };
   const auto begun = [] { return std::move(Blocks().Begin()); };
+  Blocks far = begun().Text("a");
+  for (int i = 0; i < 300; ++i) far.Match(1, 256);
   PackedBits crowded;
   crowded.Put(0, 2);
   crowded.PutLengths({{299, 8}, {60, 6}, {17, 5}, {28, 5}});
@@ -212,18 +233,16 @@ GTEST_TEST(Unpack29, TakesOnlyWhatPackersMake) {
       {"less than its size", begun().Text("ab").Made(), ""},
       {"nothing to repeat", begun().Match(1, 3).End().Made(), ""},
       {"too far back", begun().Text("ab").Match(3, 3).End().Made(), ""},
-      {"no recent distance", begun().Text("abc").Recent(0, 3).End().Made(), ""},
+      {"no recent distance", begun().Text("a").Recent(0, 2).End().Made(), ""},
       {"no symbol", begun().Symbol(299).Text("abc").End().Made(), ""},
       {"no distance", begun().Text("a").Symbol(271).Bits(60, 6).Bits(0, 20).Made(), ""},
-      {"no low distance", begun().Text("a").Match(1, 50).Symbol(271).Bits(10, 6).Bits(17, 5).Made(), "",
-       false},
-      {"no length", begun().Text("a").Match(1, 3).Symbol(259).Bits(28, 5).Bits(0, 20).Made(), "", false},
+      {"no low distance", far.Symbol(271).Bits(10, 6).Bits(17, 5).End().Made(), "", false},
+      {"no length", begun().Text("a").Match(1, 3).Symbol(259).Bits(28, 5).End().Made(), "", false},
       {"codes of another", Blocks().Text("abc").End().Made(), ""},
       {"lengths of another", Blocks().Begin(true).Text("abc").End().Made(), ""},
       {"too many codes", crowded.Bytes(), ""},
-      {"model of another", Blocks().Bytes("\x80" + kPpmSecond).Made(), ""},
-      {"model without contexts", Blocks().Bytes(std::string("\xE0\0\x02", 3) + kPpmFirst).Made(), ""},
-      {"program of another", begun().Filter(0x07, Record({0})).Text("abc").End().Made(), ""},
+      {"model of another", Blocks().Bytes("\x80" + kPpmSecond).Made(), "", false},
+      {"program of another", begun().Filter(0x27, Record({0, 3})).Text("abc").End().Made(), ""},
       {"filter without an end",
        begun().Filter(0xA7, Record({0, 1, 9, 53}, kCallsProgram)).Text("abc").End().Made(), ""},
   };
