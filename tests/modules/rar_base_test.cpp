@@ -21,7 +21,7 @@ using test::StringSource;
 // Over the borders of what the reader has at hand, in any division, and by a cursor as far as that may go.
 GTEST_TEST(BitReader, GivesAllBitsWhereverPiecesEnd) {
   PackedBits bits;
-  for (std::uint64_t i = 0; bits.Size() < 8 * 200'000; ++i)
+  for (std::uint64_t i = 0; bits.Bytes().size() < 200'000; ++i)
     bits.Put(i * 0x9E3779B97F4A7C15, static_cast<unsigned>(i % 57));
   bits.Align();
   const auto reader = std::make_unique<BitReader>();
@@ -64,10 +64,10 @@ GTEST_TEST(BitReader, EndsInZerosAndTellsWhenTheyAreTaken) {
   StringSource more(zeros);
   reader->Begin(&more);
   reader->Peek(1);
-  for (const std::uint64_t end : {0, 8 * 39, 8 * 40, 8 * 1000})
-    EXPECT_EQ(reader->Lend(end).IsFarFromEnd(), end > 8 * 39) << end;
+  for (const std::uint64_t bytes : {0U, 39U, 40U, 1000U})
+    EXPECT_EQ(reader->Lend(8 * bytes).IsFarFromEnd(), bytes > 39) << bytes;
   for (int i = 0; i < 70; ++i) reader->TakeByte();
-  EXPECT_FALSE(reader->Lend(8 * 1000).IsFarFromEnd());
+  EXPECT_FALSE(reader->Lend(8000).IsFarFromEnd());
 }
 
 GTEST_TEST(HuffmanCode, DecodesWhatTheLengthsSay) {
