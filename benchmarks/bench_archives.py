@@ -6,10 +6,9 @@ import struct
 import subprocess
 import tempfile
 
-from common import MEMORY, PROGRAM, measure, settings
+from common import MEMORY, PROGRAM, ROUNDS, compare, measure, settings
 
 SOURCES = ("/usr/lib", "/usr/include", "/usr/share")
-ROUNDS = 3
 
 
 def fill(folder, total, most=20_000_000):
@@ -61,27 +60,6 @@ def stored_lzh(path, files=200, size=1 << 20):
             head += struct.pack("<H", sums[i % 20])
             out.write(bytes((len(head), sum(head) & 0xFF)) + head + blocks[i % 20])
         out.write(b"\0")
-
-
-def compare(what, archive, out, tools):
-    """The best wall times and the peak memory of all; ours is to be at most 1.05 times the best of theirs."""
-    folder = settings(os.path.join(os.path.dirname(archive), "s"), {"all": {
-        "Pattern": ".*", "ExtractTo": out, "ID": 1, "Action": 1, "ExtractType": 1}})
-    commands = {"Quendle": (PROGRAM, "--batch", "--settings", folder, archive)}
-    commands.update({tool: [part.format(archive=archive, out=out) for part in line.split()] for tool, line in tools.items()})
-    results = {}
-    for turn in range(ROUNDS + 1):  # the first only warms up
-        for name, command in commands.items():
-            shutil.rmtree(out, ignore_errors=True)
-            os.makedirs(out)
-            wall, _, peak = measure(*command)
-            if turn > 0:
-                best, most = results.get(name, (wall, peak))
-                results[name] = (min(best, wall), max(most, peak))
-    ours, peak = results.pop("Quendle")
-    best = min(results, key=lambda name: results[name][0])
-    times = ", ".join(f"{name} {wall * 1000:.0f}" for name, (wall, _) in sorted(results.items(), key=lambda r: r[1]))
-    print(f"{what:<40} {ours * 1000:7.0f} ms {ours / results[best][0]:5.2f} of {best:<10} {peak / 1024:6.0f} MiB   {times}", flush=True)
 
 
 def smart_folders(what, archive, out):

@@ -9,6 +9,7 @@ import time
 PROGRAM = sys.argv[1]
 DISK = os.environ.get("BENCH_DISK", "/var/tmp")
 MEMORY = os.environ.get("BENCH_MEMORY", "/dev/shm")
+ROUNDS = 3  # of comparisons of extractors
 SILENT = [(os.POSIX_SPAWN_OPEN, fd, "/dev/null", os.O_RDWR, 0) for fd in (0, 1, 2)]
 
 
@@ -46,3 +47,24 @@ def profile(pattern, action, to):
 def row(what, ours, theirs, aim, of=statistics.median):
     a, b = of(ours), of(theirs)
     print(f"{what:<58} {a * 1000:10.1f} ms {b * 1000:10.1f} ms {a / b:6.2f}  {aim}", flush=True)
+
+
+def compare(what, archive, out, tools):
+    """The best wall times and the peak memory of all; ours is to be at most 1.05 times the best of theirs."""
+    folder = settings(os.path.join(os.path.dirname(archive), "s"), {"all": {
+        "Pattern": ".*", "ExtractTo": out, "ID": 1, "Action": 1, "ExtractType": 1}})
+    commands = {"Quendle": (PROGRAM, "--batch", "--settings", folder, archive)}
+    commands.update({tool: [part.format(archive=archive, out=out) for part in line.split()] for tool, line in tools.items()})
+    results = {}
+    for turn in range(ROUNDS + 1):  # the first only warms up
+        for name, command in commands.items():
+            shutil.rmtree(out, ignore_errors=True)
+            os.makedirs(out)
+            wall, _, peak = measure(*command)
+            if turn > 0:
+                best, most = results.get(name, (wall, peak))
+                results[name] = (min(best, wall), max(most, peak))
+    ours, peak = results.pop("Quendle")
+    best = min(results, key=lambda name: results[name][0])
+    times = ", ".join(f"{name} {wall * 1000:.0f}" for name, (wall, _) in sorted(results.items(), key=lambda r: r[1]))
+    print(f"{what:<40} {ours * 1000:7.0f} ms {ours / results[best][0]:5.2f} of {best:<10} {peak / 1024:6.0f} MiB   {times}", flush=True)

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Measures Quendle against other tools, side by side, and prints the ratios: `bench.sh` all, `bench.sh files` moving and
 # copying, `bench.sh archives` extraction, `bench.sh windows` the start of the windows. docs/performance.md records a run. BENCH_DISK and BENCH_MEMORY name folders on
-# two different file systems (defaults: /var/tmp and /dev/shm).
+# two different file systems (defaults: /var/tmp and /dev/shm), BENCH_RAR a folder with RAR archives: nothing free makes them.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 what=${1:-all}
@@ -12,7 +12,10 @@ if wants archives; then install_missing archivers; fi
 export PYTHONDONTWRITEBYTECODE=1
 build release quendle
 if wants files; then python3 "$root/benchmarks/bench.py" "$root/build/release/src/quendle"; fi
-if wants archives; then python3 "$root/benchmarks/bench_archives.py" "$root/build/release/src/quendle"; fi
+if wants archives; then
+  python3 "$root/benchmarks/bench_archives.py" "$root/build/release/src/quendle"
+  if [ -n "${BENCH_RAR:-}" ]; then python3 "$root/benchmarks/bench_rar.py" "$root/build/release/src/quendle" "$BENCH_RAR"; fi
+fi
 if wants windows; then
   install_missing display
   cmake --preset release -S "$root" >/dev/null

@@ -26,7 +26,6 @@ done
 # Linux needs and which are made from the same sources.
 linked=(zlib1g libbz2-1.0 liblzma5 libzstd1 libnettle8 libb2-1 libarchive13 liblhasa0 libmspack0 libpcre2-8-0 libutf8proc2
         libqt6core6 libstdc++6 mingw-w64-common)
-[ ! -f "$QUENDLE_WINDOWS_DEPS/built/unarr" ] || linked+=(libunarr1)
 for package in "${linked[@]}"; do
   if [ -f "/usr/share/doc/$package/copyright" ]; then
     cp "/usr/share/doc/$package/copyright" "$staging/$name/licences/$package.txt"

@@ -7,10 +7,8 @@
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 . "$windows/recipes.sh"
 
-libraries=(zlib bzip2 xz-utils libzstd nettle libb2 libarchive unarr lhasa libmspack 7zip pcre2 utf8proc googletest
+libraries=(zlib bzip2 xz-utils libzstd nettle libb2 libarchive lhasa libmspack 7zip pcre2 utf8proc googletest
            nlohmann-json3)
-# Only the second choice behind another library; not every mirror of Debian's has its source.
-optional=(unarr)
 case ${1:-} in
   '') ;;
   --windows) libraries+=(qt6-base) ;;
@@ -79,11 +77,5 @@ for library in "${libraries[@]}"; do
   echo "building $library for Windows (log: $log)" >&2
   # A shell of its own, so that the first command that fails ends it.
   (build_library "$library") >"$log" 2>&1 </dev/null &
-  if wait $!; then continue; fi
-  if [[ " ${optional[*]} " == *" $library "* ]]; then
-    echo "Quendle for Windows is built without $library" >&2
-  else
-    tail -n 40 "$log" >&2
-    exit 1
-  fi
+  wait $! || { tail -n 40 "$log" >&2; exit 1; }
 done

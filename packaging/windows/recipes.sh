@@ -82,11 +82,6 @@ build_libarchive() {
   sed -i 's/^Cflags:.*/& -DLIBARCHIVE_STATIC/' "$deps/lib/pkgconfig/libarchive.pc"
 }
 
-build_unarr() {
-  use_cmake
-  cmake --build build-windows --target install
-}
-
 build_lhasa() {
   autoreconf -fi
   use_autotools

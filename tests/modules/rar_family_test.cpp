@@ -313,13 +313,13 @@ GTEST_TEST(Rar, OpensWhatIsEncrypted) {
       << "the password is known to be right";
 }
 
-// An entry of RAR 5, packed as one block: bytes, and then as many of those that came before it.
+// An entry of RAR 5, packed as one block: bytes, and then so many from four bytes back.
 std::string PackedEntry5(const std::string& name, const std::string& bytes, unsigned repeated,
                          const std::string& content) {
   test::PackedBits bits;
   bits.PutLengths({{306, 9}, {64, 7}, {16, 4}, {44, 6}});
   for (const char c : bytes) bits.Put(static_cast<unsigned char>(c), 9);
-  if (repeated > 0) bits.Put(262 + repeated - 2, 9).Put(repeated - 1, 7);
+  if (repeated > 0) bits.Put(262 + repeated - 2, 9).Put(3, 7);
   const std::string& packed = bits.Bytes();
   const auto flags = static_cast<unsigned>((bits.Size() + 7) % 8 + 0xC8);
   const unsigned low = packed.size() & 0xFF;
@@ -340,9 +340,9 @@ std::string PackedEntry5(const std::string& name, const std::string& bytes, unsi
 GTEST_TEST(Rar, UnpacksWhatSolidEntriesGoOnWith) {
   const std::string bytes = test::kRar5Signature + test::Rar5Block(std::string("\1\0\4", 3)) +
                             PackedEntry5("a", "abcd", 0, "abcd") + Rar5Entry("s", "stored") +
-                            PackedEntry5("b", "e", 3, "ebcd") + PackedEntry5("c", "f", 4, "fecd") +
+                            PackedEntry5("b", "e", 3, "ebcd") + PackedEntry5("c", "f", 3, "fbcd") +
                             test::Rar5Block(std::string("\5\0\0", 3));
-  EXPECT_EQ(Text(bytes), "a=abcd s=stored b=ebcd c=fecd");
+  EXPECT_EQ(Text(bytes), "a=abcd s=stored b=ebcd c=fbcd");
 }
 
 }  // namespace

@@ -28,10 +28,10 @@ fedora='no package of Fedora is known for these of Debian'\''s, which are to be 
   dnf install -y gtest-devel clang-tools-extra 7zip'
 expect 'ID=fedora' "$fedora" clang-tools-extra gtest-devel 7zip
 expect 'ID="nobara"\nID_LIKE="rhel centos fedora"' "$fedora" clang-tools-extra gtest-devel 7zip
-expect 'ID=arch' '  pacman -S --needed shellcheck libunarr' shellcheck libunarr
-expect 'ID=manjaro\nID_LIKE=arch' ready libunarr 7zip
-expect 'ID=debian' '  apt-get update && apt-get install -y shellcheck 7zip' shellcheck libunarr-dev 7zip
-expect 'ID=linuxmint\nID_LIKE="ubuntu debian"' ready libunarr-dev 7zip
+expect 'ID=arch' '  pacman -S --needed shellcheck 7zip' shellcheck 7zip
+expect 'ID=manjaro\nID_LIKE=arch' ready 7zip
+expect 'ID=debian' '  apt-get update && apt-get install -y shellcheck 7zip' shellcheck p7zip-full 7zip
+expect 'ID=linuxmint\nID_LIKE="ubuntu debian"' ready p7zip-full 7zip
 expect 'ID=void' \
   'these scripts know Debian, Fedora, Arch and what descends from them; scripts/packages.txt says what is needed'
 exit $status

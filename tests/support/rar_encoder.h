@@ -62,10 +62,10 @@ class StringSource final : public modules::PackedSource {
 };
 
 // What is unpacked from an entry, and how that ended.
-inline std::pair<std::string, modules::ReadStatus> Unpacked(modules::Unpacker* unpacker,
-                                                            std::string_view packed,
-                                                            const modules::PackedEntry& entry,
-                                                            std::size_t step = 1U << 20) {
+inline std::pair<std::string, modules::ReadStatus> UnpackAll(modules::Unpacker* unpacker,
+                                                             std::string_view packed,
+                                                             const modules::PackedEntry& entry,
+                                                             std::size_t step = 1U << 20) {
   StringSource source(packed, step);
   unpacker->Begin(&source, entry);
   std::string all;

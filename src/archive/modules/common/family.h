@@ -27,7 +27,7 @@ struct Family {
   // Is it refused as a whole before anything is written? Null: the family has no such rule.
   platform::Result (*check)(const ArchiveInput& input);
 
-  // The libraries under it and their versions: "libarchive 3.6.2, libunarr 1.0.1".
+  // The libraries under it and their versions: "libarchive 3.6.2, libmspack 0.11".
   std::string (*libraries)();
 
   PasswordForm passwords = PasswordForm::kText;

@@ -26,25 +26,10 @@ int SupportFormat(archive* library, LibarchiveFormat format) {
       return archive_read_support_format_zip_seekable(library);
     case LibarchiveFormat::kSevenZip:
       return archive_read_support_format_7zip(library);
-    case LibarchiveFormat::kRar:
-      return archive_read_support_format_rar(library);
-    case LibarchiveFormat::kRar5:
-      return archive_read_support_format_rar5(library);
     case LibarchiveFormat::kCab:
       return archive_read_support_format_cab(library);
   }
   return ARCHIVE_FATAL;
-}
-
-// In formats with a directory of their own the library goes wherever that leads; in the others each header
-// stands behind the one before.
-bool HasDirectory(LibarchiveFormat format) {
-  return format == LibarchiveFormat::kZip || format == LibarchiveFormat::kSevenZip ||
-         format == LibarchiveFormat::kCab;
-}
-
-bool NamesAreUnicode(LibarchiveFormat format) {
-  return format == LibarchiveFormat::kSevenZip || format == LibarchiveFormat::kRar5;
 }
 
 EntryKind KindOf(archive_entry* raw) {
@@ -107,8 +92,7 @@ class LibarchiveReader final : public EntryReader {
   std::optional<std::string> password_;  // once the library was given one
   Reason reason_;
 
-  std::size_t index_ = 0;  // of the next entry
-  la_int64_t header_position_ = -1;
+  std::size_t index_ = 0;                         // of the next entry
   ReadStatus archive_status_ = ReadStatus::kOk;   // anything else: no more entries
   ReadStatus content_status_ = ReadStatus::kEnd;  // anything but kOk: no more content
   bool encrypted_ = false;
@@ -141,7 +125,7 @@ const char* LibarchiveReader::NextPassword(archive*, void* self) {
 
 Entry LibarchiveReader::Convert(archive_entry* raw) const {
   const auto decode = [this](const std::string& bytes) {
-    return DecodeName(bytes, NamesAreUnicode(format_), options_.charset);
+    return DecodeName(bytes, format_ == LibarchiveFormat::kSevenZip, options_.charset);
   };
   Entry entry;
   entry.kind = KindOf(raw);
@@ -172,10 +156,7 @@ ReadStatus LibarchiveReader::NextEntry(Entry* entry) {
       archive_status_ = ReadStatus::kEnd;
     } else if (code != ARCHIVE_OK && code != ARCHIVE_WARN) {
       archive_status_ = FailByLibrary(index_ == 0);
-    } else if (!HasDirectory(format_) && archive_read_header_position(library_) <= header_position_) {
-      archive_status_ = Fail(ReadStatus::kFailed, why::kHeadersInCircles);
     } else {
-      header_position_ = archive_read_header_position(library_);
       ForgetErrors();
       *entry = Convert(raw);
       const std::size_t index = index_++;

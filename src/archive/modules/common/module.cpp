@@ -204,7 +204,8 @@ std::int32_t Module::ExtractCalls(ArchiverCall* calls, std::uint32_t count) try 
   for (std::uint32_t i = 0; i < count; ++i) {
     calls[i].result = ready.ok() && !read[i].failed ? kSuccess : kFailure;
     if (first_failure == kSuccess) first_failure = calls[i].result;
-    WriteOutput(read[i], read[i].request.archive, &calls[i]);
+    // Of a set of volumes the first one is named, whichever was given.
+    WriteOutput(read[i], archive ? archive->input.Path() : read[i].request.archive, &calls[i]);
   }
   return first_failure;
 } catch (const std::exception& fault) {

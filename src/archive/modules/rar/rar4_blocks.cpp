@@ -5,16 +5,15 @@
 #include <utility>
 
 #include "archive/modules/common/entry_times.h"
-#include "archive/modules/rar/header_search.h"
 #include "archive/modules/rar/rar4_block.h"
 #include "archive/modules/rar/rar4_names.h"
+#include "archive/modules/rar/volume_walk.h"
 
 namespace quendle::modules {
 namespace {
 
 constexpr unsigned kUnix = 3;
 constexpr unsigned kBeOs = 5;
-constexpr std::size_t kMostFiles = 1'000'000;  // beyond what anybody packs
 
 // Times may have a part below the two seconds that DOS counts: up to three bytes of 100 nanoseconds.
 void AddBelowDosTime(const Rar4Block& block, platform::EntryTime* time) {
@@ -105,60 +104,31 @@ RarFile ToFile(const Rar4Block& block, bool old_is_solid) {
   return file;
 }
 
-// Goes through the blocks of one volume.
-class Rar4Walk {
+class Rar4Walk final : private VolumeWalk {
  public:
-  Rar4Walk(const ArchiveInput& input, std::uint64_t end, RarKeys* keys, RarArchive* archive)
-      : input_(input), end_(end), keys_(keys), archive_(*archive), header_(input, end) {}
+  using VolumeWalk::VolumeWalk;
 
   void From(std::uint64_t position);
 
  private:
   bool ReadBlock(std::uint64_t position);
-  bool SkipDamage(std::uint64_t* position);
-  bool TryOtherWay(std::uint64_t position);
   void ReadMain();
   bool AddFile();
+  bool GoBehindDamage(std::uint64_t* position);
+  void NoteEnd(std::uint64_t position, bool has_block);
 
-  const ArchiveInput& input_;
-  const std::uint64_t end_;
-  RarKeys* const keys_;
-  RarArchive& archive_;
-  HeaderBytes header_;
   Rar4Block block_;
-  RarEncryption encryption_;  // of the header at hand
-  ReadStatus cipher_status_ = ReadStatus::kOk;
-  Reason cipher_reason_;
-  Reason damage_;  // of a header, behind which others were found
   bool is_solid_ = false;
   bool has_packed_ = false;  // a file that solid ones can go on with
   bool is_young_ = false;    // made by version 3 or later
 };
 
-// The first block that is encrypted tells whether the password is right.
 bool Rar4Walk::ReadBlock(std::uint64_t position) {
-  if (ReadRar4Block(input_, &header_, position, end_, &block_, &archive_.problem) || TryOtherWay(position)) {
-    if (header_.AreEncrypted()) keys_->Prove();
-    archive_.problem = {};
-    archive_.status = ReadStatus::kEnd;
-    return true;
-  }
-  archive_.status = ReadStatus::kFailed;
-  if (cipher_status_ != ReadStatus::kOk) {
-    archive_.status = cipher_status_;
-    archive_.problem = cipher_reason_;
-  } else if (header_.AreEncrypted() && !keys_->IsProven(encryption_) && header_.Read(Rar4Block::kSize)) {
-    archive_.status = ReadStatus::kPassword;
-    archive_.problem = why::kWrongPassword;
-  }
-  return false;
-}
-
-bool Rar4Walk::TryOtherWay(std::uint64_t position) {
-  if (!header_.AreEncrypted() || keys_->IsProven(encryption_) || !keys_->HasOtherWay(encryption_))
-    return false;
-  keys_->TakeOtherWay();
-  return ReadRar4Block(input_, &header_, position, end_, &block_, &archive_.problem);
+  Reason problem;
+  const auto read = [&] { return ReadRar4Block(input_, &header_, position, end_, &block_, &problem); };
+  const bool is_read = read() || (TakeOtherKey() && read());
+  is_read ? NoteHeader() : NoteProblem(problem, Rar4Block::kSize);
+  return is_read;
 }
 
 void Rar4Walk::ReadMain() {
@@ -168,39 +138,25 @@ void Rar4Walk::ReadMain() {
   // The flag for the first volume is as young as version 3, and so are encrypted headers.
   if (archive_.is_encrypted) archive_.is_first = !archive_.is_volume || block_.Has(0x100);
   if (!archive_.is_encrypted || keys_ == nullptr) return;
-  header_.Encrypt(8, [this](const std::string& salt) {
-    encryption_ = {};
-    encryption_.kind = RarEncryption::Kind::kRar3;
-    encryption_.salt = salt;
-    std::unique_ptr<RarCipher> cipher;
-    cipher_status_ = keys_->MakeCipher(encryption_, &cipher, &cipher_reason_);
-    return cipher;
-  });
+  RarEncryption encryption;
+  encryption.kind = RarEncryption::Kind::kRar3;
+  Encrypt(encryption, 8, &RarEncryption::salt);
 }
 
 bool Rar4Walk::AddFile() {
-  if (archive_.files.size() >= kMostFiles) {
-    archive_.problem = why::kTooManyEntries;
-    archive_.status = ReadStatus::kFailed;
-    return false;
-  }
-  const RarFile& file = archive_.files.emplace_back(ToFile(block_, is_solid_ && has_packed_));
+  RarFile file = ToFile(block_, is_solid_ && has_packed_);
   has_packed_ = has_packed_ || (file.packing != RarPacking::kStored && file.kind == EntryKind::kFile);
-  archive_.has_next = file.continues;
   is_young_ = is_young_ || block_.Number(24, 1) >= 29 || block_.HasTimes();
-  return true;
+  return Add(std::move(file));
 }
 
-// Behind a damaged header the next file is looked for. The content of one that is cut off is there in part, so that it is
-// named, and nothing is behind it.
-bool Rar4Walk::SkipDamage(std::uint64_t* position) {
+// A content that is cut off is there in part, so that its file is named, and nothing is behind it.
+bool Rar4Walk::GoBehindDamage(std::uint64_t* position) {
   if (archive_.problem == why::kCutOff && block_.TypeCode() == Rar4Block::kFile) {
     block_.content_size = end_ - block_.content_position;
     AddFile();
     return false;
   }
-  if (keys_ == nullptr || header_.AreEncrypted() || archive_.status != ReadStatus::kFailed) return false;
-  if (damage_.empty()) damage_ = archive_.problem;
   const auto may_be = [](std::string_view bytes) {
     return static_cast<std::uint8_t>(bytes[2]) == Rar4Block::kFile && bytes[6] < 4;
   };
@@ -208,9 +164,7 @@ bool Rar4Walk::SkipDamage(std::uint64_t* position) {
     Reason ignored;
     return ReadRar4Block(input_, &header_, candidate, end_, &block_, &ignored);
   };
-  const auto found = FindHeader(input_, *position + 1, end_, may_be, is);
-  if (found) *position = *found;
-  return found.has_value();
+  return SkipDamage(may_be, is, position);
 }
 
 void Rar4Walk::From(std::uint64_t position) {
@@ -218,7 +172,7 @@ void Rar4Walk::From(std::uint64_t position) {
   bool has_end = false;
   while (!has_end && (position < end_ || !has_main)) {
     if (!ReadBlock(position)) {
-      if (SkipDamage(&position)) continue;
+      if (GoBehindDamage(&position)) continue;
       break;
     }
     if (block_.TypeCode() == Rar4Block::kMain) {
@@ -234,14 +188,17 @@ void Rar4Walk::From(std::uint64_t position) {
     }
     position = block_.End();
   }
-  if (archive_.problem.empty()) archive_.end = has_end ? position : end_;
-  // Versions before 3 wrote no last block, nor archives without files; later ones can be told to write none. Where there
-  // is one file that is whole, nothing is likely to be missing.
-  const bool needs_end =
+  if (archive_.problem.empty()) NoteEnd(has_end ? position : end_, has_end);
+  NoteDamage();
+}
+
+// Versions before 3 wrote no last block, nor archives without files; later ones can be told to write none. Where there
+// is one file that is whole, nothing is likely to be missing.
+void Rar4Walk::NoteEnd(std::uint64_t position, bool has_block) {
+  archive_.end = position;
+  const bool needs_block =
       archive_.files.empty() || (is_young_ && (archive_.files.size() > 1 || archive_.is_volume));
-  if (archive_.problem.empty() && !has_end && needs_end) archive_.problem = why::kLastBlockMissing;
-  if (!damage_.empty()) archive_.problem = damage_;
-  if (!archive_.problem.empty() && archive_.status == ReadStatus::kEnd) archive_.status = ReadStatus::kFailed;
+  if (needs_block && !has_block) Fail(ReadStatus::kFailed, why::kLastBlockMissing);
 }
 
 }  // namespace

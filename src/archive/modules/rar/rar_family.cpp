@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "archive/modules/common/library_versions.h"
 #include "archive/modules/rar/rar_reader.h"
 #include "archive/modules/rar/rar_volumes.h"
 
@@ -15,7 +16,12 @@ std::vector<Engine> RarEngines(const ArchiveInput& /*input*/) {
 }
 
 std::string RarLibraries() {
-  return "nettle " + std::to_string(nettle_version_major()) + "." + std::to_string(nettle_version_minor());
+  return std::string("nettle ")
+      .append(std::to_string(nettle_version_major()))
+      .append(".")
+      .append(std::to_string(nettle_version_minor()))
+      .append(", ")
+      .append(kLibb2Version);
 }
 
 }  // namespace

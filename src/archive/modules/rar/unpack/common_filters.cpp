@@ -3,19 +3,10 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "archive/modules/rar/unpack/filter_bytes.h"
+
 namespace quendle::modules {
 namespace {
-
-// Numbers in programs have their lowest byte first.
-std::uint32_t Load(const std::uint8_t* from, unsigned size) {
-  std::uint32_t value = 0;
-  for (unsigned i = 0; i < size; ++i) value |= std::uint32_t{from[i]} << (8 * i);
-  return value;
-}
-
-void Store(std::uint32_t value, unsigned size, std::uint8_t* to) {
-  for (unsigned i = 0; i < size; ++i) to[i] = static_cast<std::uint8_t>(value >> (8 * i));
-}
 
 // All addresses are below this; those of a call that leads further back than to the beginning have it added.
 constexpr std::uint32_t kAddresses = 1U << 24;
@@ -55,7 +46,7 @@ bool X86Filter::Run(std::uint64_t position, std::vector<std::uint8_t>* bytes) {
     if ((data[i] & opcode_mask_) != 0xE8) continue;
     std::uint8_t* const address = data + i + 1;
     const auto after_opcode = static_cast<std::uint32_t>(position + i + 1) & position_mask_;
-    Store(Relative(Load(address, 4), after_opcode), 4, address);
+    StoreNumber(Relative(LoadNumber(address, 4), after_opcode), 4, address);
     i += kInstruction - 1;
   }
   return true;
@@ -66,7 +57,7 @@ bool ArmFilter::Run(std::uint64_t position, std::vector<std::uint8_t>* bytes) {
   std::uint8_t* const data = bytes->data();
   for (std::size_t i = 0; i + 4 <= bytes->size(); i += 4)
     if (data[i + 3] == kBranchWithLink)
-      Store(Load(data + i, 3) - static_cast<std::uint32_t>((position + i) / 4), 3, data + i);
+      StoreNumber(LoadNumber(data + i, 3) - static_cast<std::uint32_t>((position + i) / 4), 3, data + i);
   return true;
 }
 

@@ -38,8 +38,8 @@ bool FilterMachine::Run(const MachineProgram& program, std::uint64_t position, c
   registers_[kStack] = kMemory;
   flags_ = 0;
   Load(program, position, *range, *globals);
-  commands_left_ += kCommandsPerByte * range->size();
-  if (!Execute(program.commands)) return false;
+  const std::uint64_t most = kMostCommands + kCommandsPerByte * (position + range->size());
+  if (!Execute(program.commands, std::min(most, carried_out_ + kMostCommands))) return false;
   TakeResult(range, globals);
   return true;
 }
@@ -72,11 +72,10 @@ void FilterMachine::TakeResult(std::vector<std::uint8_t>* range, std::vector<std
   globals->assign(own, own + static_cast<std::ptrdiff_t>(kept));
 }
 
-bool FilterMachine::Execute(const std::vector<MachineCommand>& commands) {
-  const std::uint64_t stop = commands_left_ - std::min(commands_left_, kMostCommands);
+bool FilterMachine::Execute(const std::vector<MachineCommand>& commands, std::uint64_t most) {
   std::size_t next = 0;
-  while (commands_left_ > stop && next < commands.size()) {
-    --commands_left_;
+  while (carried_out_ < most && next < commands.size()) {
+    ++carried_out_;
     const MachineCommand& command = commands[next++];
     if (command.opcode == kRet) {
       if (registers_[kStack] >= kMemory) return true;

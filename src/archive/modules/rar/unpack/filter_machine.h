@@ -22,8 +22,8 @@ class FilterMachine {
   // The longest globals of a program's own.
   static constexpr std::size_t kMostGlobals = 0x1FC0;
 
-  // A program may not run longer in all for an entry than one does that is slow, and goes over all of its bytes.
-  void BeginEntry() { commands_left_ = kMostCommands; }
+  // All programs together may run as long for an entry as if a slow one went over all of its bytes.
+  void BeginEntry() { carried_out_ = 0; }
 
   // Runs `program` on `range`, which begins at `position` of its entry and is not longer than kLongestRange. R0 to R5
   // begin as `start` says, R6 is the position. `globals` has the program's own ones, and afterwards those
@@ -39,13 +39,13 @@ class FilterMachine {
 #else
   static constexpr std::uint64_t kMostCommands = 25'000'000;
   // What a program may need for a byte; the one for sound, the slowest known, takes 92.
-  static constexpr std::uint64_t kCommandsPerByte = 1000;
+  static constexpr std::uint64_t kCommandsPerByte = 200;
 #endif
 
   void Load(const MachineProgram& program, std::uint64_t position, std::span<const std::uint8_t> range,
             std::span<const std::uint8_t> globals);
   void TakeResult(std::vector<std::uint8_t>* range, std::vector<std::uint8_t>* globals) const;
-  bool Execute(const std::vector<MachineCommand>& commands);
+  bool Execute(const std::vector<MachineCommand>& commands, std::uint64_t most);
   bool Jumps(MachineOpcode opcode) const;
   void CarryOut(const MachineCommand& command);
   void MoveRegisters(bool to_stack);
@@ -61,7 +61,7 @@ class FilterMachine {
   std::vector<std::uint8_t> memory_;                       // empty until the first run
   std::array<std::uint32_t, kRegisters + 1> registers_{};  // the last one is always 0
   std::uint32_t flags_ = 0;
-  std::uint64_t commands_left_ = kMostCommands;
+  std::uint64_t carried_out_ = 0;  // commands, for this entry
 };
 
 }  // namespace quendle::modules

@@ -106,7 +106,7 @@ bool FilterPrograms::Choose(std::uint32_t number) {
 
 bool FilterPrograms::TakeProgram(RecordBits* bits) {
   const std::uint32_t length = bits->TakeNumber();
-  if (length == 0 || length > kLongestProgram) return false;
+  if (length > kLongestProgram) return false;
   const auto code = TakeBytes(length, bits);
   if (!code) return false;
   Program& program = programs_[current_];

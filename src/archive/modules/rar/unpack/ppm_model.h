@@ -51,11 +51,10 @@ class PpmModel {
   bool DecodeInList(RangeDecoder* decoder);
   bool DecodeEscaped(RangeDecoder* decoder);
   bool GoToSuffix();
-  std::size_t FindUnmasked(std::uint32_t* sum);
+  void Mask(std::span<const PpmSymbol> symbols);
+  unsigned UnmaskedSum() const;
   void TakeUnmasked(std::uint32_t share, RangeDecoder* decoder);
-  Estimate* EstimateFor(std::size_t left);
-  void BeginMasks();
-  void Mask(const PpmSymbol& symbol) { masks_[symbol.value] = mask_; }
+  Estimate* EstimateForEscape();
 
   // All that follows is in ppm_update.cpp.
   void Count(PpmSymbol* symbol);
@@ -75,6 +74,9 @@ class PpmModel {
 
   PpmContext* At(PpmAddress address) const { return memory_.At<PpmContext>(address); }
   PpmSymbol* ListOf(const PpmContext* context) const { return memory_.At<PpmSymbol>(context->List()); }
+  std::span<PpmSymbol> SymbolsOf(PpmContext* context) const {
+    return {context->count == 1 ? &context->only : ListOf(context), context->count};
+  }
 
   PpmMemory memory_;
   unsigned order_ = 0;
@@ -87,12 +89,10 @@ class PpmModel {
   bool was_likely_ = false;     // was the last symbol the one that was expected?
   std::uint32_t run_start_ = 0;
   std::uint32_t run_ = 0;  // from a negative start, counts symbols since the last escape that were expected
-  std::uint8_t escape_estimate_ = 0;  // what single symbols were worth when the last escape came
-  unsigned high_ = 0;                 // 8 when the symbol before was 40h or more, else 0
-  unsigned masked_ = 0;               // symbols that an escape has ruled out
-  std::uint8_t mask_ = 0;             // their mark in masks_
-  std::array<std::uint8_t, 256> masks_{};
-  std::array<PpmSymbol*, 256> unmasked_{};
+  std::uint8_t escape_estimate_ = 0;       // what single symbols were worth when the last escape came
+  unsigned high_ = 0;                      // 8 when the symbol before was 40h or more, else 0
+  unsigned masked_ = 0;                    // symbols that an escape has ruled out
+  std::array<std::uint8_t, 256> masks_{};  // 0 for these, for all others FFh
   std::array<std::array<std::uint16_t, 64>, kBinaryRows> binary_{};  // of 2^14, that the only symbol comes
   std::array<std::array<Estimate, 16>, kEstimateRows> estimates_{};
 };

@@ -24,9 +24,7 @@ std::uint8_t InheritedFrequency(unsigned frequency, unsigned sum, unsigned count
 }  // namespace
 
 PpmSymbol* PpmModel::Find(PpmContext* context, std::uint8_t value) {
-  const std::span symbols =
-      context->count == 1 ? std::span(&context->only, 1) : std::span(ListOf(context), context->count);
-  for (PpmSymbol& symbol : symbols)
+  for (PpmSymbol& symbol : SymbolsOf(context))
     if (symbol.value == value) return &symbol;
   is_broken_ = true;
   return nullptr;

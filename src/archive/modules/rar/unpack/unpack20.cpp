@@ -112,7 +112,7 @@ bool Unpack20::ReadCodes() {
 
 // Up to the next codes, which are read; false: what comes is damaged.
 bool Unpack20::DecodeAudio(std::uint64_t until) {
-  while (Made() < until && !bits_.IsPastEnd()) {
+  while (Made() < until) {
     unsigned& channel = codes_.channel;
     const unsigned symbol = codes_.codes[channel].Decode(&bits_);
     if (symbol == kNewAudioCodes) return ReadCodes();
@@ -125,7 +125,7 @@ bool Unpack20::DecodeAudio(std::uint64_t until) {
 
 // The same for matches and literals.
 bool Unpack20::DecodeMatches(std::uint64_t until) {
-  while (Made() < until && !bits_.IsPastEnd()) {
+  while (Made() < until) {
     const unsigned symbol = codes_.codes[kMain].Decode(&bits_);
     if (symbol < kLastMatch) {
       window_.Put(static_cast<std::uint8_t>(symbol));

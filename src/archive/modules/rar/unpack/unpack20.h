@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 
@@ -22,8 +23,8 @@ class Unpack20 final : public Unpacker {
   std::optional<Step> EndWithoutMark() override;
 
  private:
-  static constexpr unsigned kMostChannels = 4;
-  static constexpr unsigned kAudioSymbols = 257;
+  static constexpr std::size_t kMostChannels = 4;
+  static constexpr std::size_t kAudioSymbols = 257;
 
   // Codes until the next ones. Later ones may say only how their lengths differ.
   struct Codes {

@@ -18,7 +18,8 @@ class Window {
   // Forgets everything; from now on matches reach `size` bytes back at most.
   void Reset(std::uint64_t size);
 
-  // Matches may reach further back, to what there still is. Never less far than before.
+  // Matches may reach further back, to what there still is. Never less far than before. Reserve is needed
+  // again.
   void Grow(std::uint64_t size);
 
   // Makes room for `count` more bytes, a mebibyte at most; the same number of bytes before them can still be had from
