@@ -4,21 +4,31 @@
 
 namespace quendle::modules {
 
+bool GiveWhole(Entry entry, std::string_view content, EntrySink* sink) {
+  if (!sink->Begin(std::move(entry), true)) return false;
+  const auto wish = content.empty() ? EntrySink::Wish::kMore : sink->Content(content);
+  if (wish != EntrySink::Wish::kMore) return wish == EntrySink::Wish::kSkip;
+  return sink->End(ReadStatus::kEnd, {});
+}
+
+bool EntryReader::GiveCurrent(Entry entry, bool is_wanted, EntrySink* sink) {
+  if (!sink->Begin(std::move(entry), is_wanted)) return false;
+  if (!is_wanted) return true;
+  std::string_view piece;
+  ReadStatus status = ReadStatus::kOk;
+  while ((status = ReadContent(&piece)) == ReadStatus::kOk) {
+    const EntrySink::Wish wish = sink->Content(piece);
+    if (wish != EntrySink::Wish::kMore) return wish == EntrySink::Wish::kSkip;
+  }
+  return sink->End(status, status == ReadStatus::kEnd ? Reason() : Problem());
+}
+
 ReadStatus EntryReader::Unpack(EntrySink* sink) {
   Entry entry;
-  ReadStatus status;
+  ReadStatus status = ReadStatus::kOk;
   while ((status = NextEntry(&entry)) == ReadStatus::kOk) {
     const bool is_wanted = sink->Wants(entry);
-    if (!sink->Begin(std::move(entry), is_wanted)) return ReadStatus::kEnd;
-    auto wish = is_wanted ? EntrySink::Wish::kMore : EntrySink::Wish::kSkip;
-    std::string_view piece;
-    while (wish == EntrySink::Wish::kMore && (status = ReadContent(&piece)) == ReadStatus::kOk) {
-      wish = sink->Content(piece);
-    }
-    if (wish == EntrySink::Wish::kStop) return ReadStatus::kEnd;
-    const bool is_whole = status == ReadStatus::kEnd;
-    if (wish == EntrySink::Wish::kMore && !sink->End(status, is_whole ? Reason() : Problem()))
-      return ReadStatus::kEnd;
+    if (!GiveCurrent(std::move(entry), is_wanted, sink)) return ReadStatus::kEnd;
   }
   return status;
 }

@@ -74,6 +74,9 @@ class EntrySink {
   virtual bool GoesOn() = 0;
 };
 
+// Gives an entry whose content is whole and right. False: `sink` ends the reading.
+bool GiveWhole(Entry entry, std::string_view content, EntrySink* sink);
+
 // An archive from its first entry to its last, as one library reads it. It is either listed or unpacked, once.
 // Whatever is in the archive, each call ends and the entries are finitely many; contents that are wrong are
 // never called complete.
@@ -100,6 +103,10 @@ class EntryReader : public ArchiveReader {
   virtual ReadStatus ReadContent(std::string_view* piece) = 0;
 
   ReadStatus Unpack(EntrySink* sink) override;
+
+ protected:
+  // Gives the entry that NextEntry gave last, and its content when it is wanted. False: `sink` ends the reading.
+  bool GiveCurrent(Entry entry, bool is_wanted, EntrySink* sink);
 };
 
 // One library underneath, as a family uses it. Open gives a reader, or null with the reason, for an archive of

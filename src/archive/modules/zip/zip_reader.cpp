@@ -6,6 +6,7 @@
 #include "archive/modules/common/libarchive_reader.h"
 #include "archive/modules/zip/zip_directory.h"
 #include "archive/modules/zip/zip_headers.h"
+#include "archive/modules/zip/zip_unpacker.h"
 
 namespace quendle::modules {
 namespace {
@@ -40,6 +41,7 @@ class ZipReader final : public EntryReader {
 
   ReadStatus NextEntry(Entry* entry) override;
   ReadStatus ReadContent(std::string_view* piece) override;
+  ReadStatus Unpack(EntrySink* sink) override;
   const Reason& Problem() const override { return reason_; }
 
  private:
@@ -92,6 +94,36 @@ ReadStatus ZipReader::ReadContent(std::string_view* piece) {
     reason_ = library_->Problem();
   }
   return content_status_;
+}
+
+// What fits into memory is unpacked there on all cores. Whatever that does not do, also for damage, is left to the
+// library, which has the reasons.
+ReadStatus ZipReader::Unpack(EntrySink* sink) {
+  const std::vector<ZipEntry>& entries = directory_.entries;
+  std::vector<bool> wanted;
+  std::vector<ContentPool::Job> jobs;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const Entry entry = ToEntry(entries[i], options_.charset);
+    wanted.push_back(sink->Wants(entry));
+    if (wanted.back() && entry.kind == EntryKind::kFile && ZipUnpacker::Takes(entries[i]))
+      jobs.push_back({i, static_cast<std::size_t>(entries[i].size)});
+  }
+  auto job = jobs.cbegin();
+  ContentPool pool(jobs, [&] { return std::make_unique<ZipUnpacker>(input_, entries); });
+  Entry entry;
+  ReadStatus status = ReadStatus::kOk;
+  while ((status = NextEntry(&entry)) == ReadStatus::kOk) {
+    const std::size_t index = next_ - 1;
+    std::optional<ContentBuffer> content;
+    if (job != jobs.cend() && job->entry == index) {
+      content = pool.Next();
+      ++job;
+    }
+    const bool goes_on = content ? GiveWhole(std::move(entry), content->View(), sink)
+                                 : GiveCurrent(std::move(entry), wanted[index], sink);
+    if (!goes_on) return ReadStatus::kEnd;
+  }
+  return status;
 }
 
 bool ZipReader::OpenBatch(std::size_t first) {

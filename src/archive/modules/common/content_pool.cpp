@@ -1,0 +1,90 @@
+#include "archive/modules/common/content_pool.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+namespace quendle::modules {
+namespace {
+
+constexpr unsigned kMostWorkers = 8;
+// What a worker takes at once, so that threads meet seldom over small contents.
+constexpr std::size_t kBatchBytes = 256U << 10;
+constexpr std::size_t kBatchJobs = 64;
+constexpr std::size_t kOverhead = 200;  // of memory for each, about
+
+}  // namespace
+
+ContentPool::ContentPool(std::vector<Job> jobs, const std::function<std::unique_ptr<Worker>()>& make_worker)
+    : jobs_(std::move(jobs)) {
+  const std::size_t cores = std::clamp(std::thread::hardware_concurrency(), 1U, kMostWorkers);
+  for (std::size_t i = 0; i < std::min(cores, jobs_.size()); ++i) workers_.push_back(make_worker());
+  for (const auto& worker : workers_) threads_.emplace_back([this, &worker] { Work(worker.get()); });
+}
+
+ContentPool::~ContentPool() {
+  {
+    const std::lock_guard lock(mutex_);
+    stop_ = true;
+  }
+  has_room_.notify_all();
+  for (std::thread& thread : threads_) thread.join();
+}
+
+void ContentPool::Work(Worker* worker) {
+  while (const std::optional<Batch> batch = Claim()) {
+    std::vector<Result> results;
+    for (std::size_t job = batch->begin; job < batch->end; ++job) {
+      try {
+        results.push_back(worker->Unpack(jobs_[job].entry));
+      } catch (const std::bad_alloc&) {
+        results.emplace_back();
+      }
+    }
+    const std::lock_guard lock(mutex_);
+    if (stop_) return;
+    std::move(results.begin(), results.end(),
+              results_.begin() + static_cast<std::ptrdiff_t>(batch->begin - taken_));
+    // Nobody waits for a later one.
+    if (batch->begin == taken_) has_result_.notify_one();
+  }
+}
+
+// Waits for room. Nothing when there are no more jobs, or no more are wanted.
+std::optional<ContentPool::Batch> ContentPool::Claim() {
+  std::unique_lock lock(mutex_);
+  has_room_.wait(lock, [this] { return stop_ || claimed_ == jobs_.size() || HasRoom(NextBatch()); });
+  if (stop_ || claimed_ == jobs_.size()) return std::nullopt;
+  const Batch batch = NextBatch();
+  for (std::size_t job = batch.begin; job < batch.end; ++job) waiting_bytes_ += jobs_[job].size + kOverhead;
+  claimed_ = batch.end;
+  results_.resize(claimed_ - taken_);
+  return batch;
+}
+
+ContentPool::Batch ContentPool::NextBatch() const {
+  Batch batch{claimed_, claimed_};
+  std::size_t bytes = 0;
+  while (batch.end < jobs_.size() && bytes < kBatchBytes && batch.end - batch.begin < kBatchJobs)
+    bytes += jobs_[batch.end++].size;
+  return batch;
+}
+
+bool ContentPool::HasRoom(const Batch& batch) const {
+  std::size_t bytes = waiting_bytes_;
+  for (std::size_t job = batch.begin; job < batch.end; ++job) bytes += jobs_[job].size;
+  return waiting_bytes_ == 0 || bytes <= kMostSize;
+}
+
+std::optional<ContentBuffer> ContentPool::Next() {
+  std::unique_lock lock(mutex_);
+  has_result_.wait(lock, [this] { return !results_.empty() && results_.front().has_value(); });
+  Result result = *std::exchange(results_.front(), std::nullopt);
+  results_.pop_front();
+  waiting_bytes_ -= jobs_[taken_++].size + kOverhead;
+  lock.unlock();
+  has_room_.notify_one();
+  return result;
+}
+
+}  // namespace quendle::modules

@@ -1,0 +1,86 @@
+// Unpacking contents that do not need each other on several threads, ahead of who takes them one by one.
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+namespace quendle::modules {
+
+// Bytes whose number is known before they come. They are not set to anything first.
+class ContentBuffer {
+ public:
+  explicit ContentBuffer(std::size_t size)
+      : bytes_(std::make_unique_for_overwrite<char[]>(size)), size_(size) {}
+
+  char* Data() { return bytes_.get(); }
+  std::string_view View() const { return {bytes_.get(), size_}; }
+
+ private:
+  std::unique_ptr<char[]> bytes_;
+  std::size_t size_;
+};
+
+class ContentPool {
+ public:
+  // Used by one thread.
+  class Worker {
+   public:
+    virtual ~Worker() = default;
+
+    // The whole content of that entry, whose checksum held. Nothing: whoever waits for it has to find out why.
+    // Ends soon.
+    virtual std::optional<ContentBuffer> Unpack(std::size_t entry) = 0;
+  };
+  struct Job {
+    std::size_t entry = 0;
+    std::size_t size = 0;  // of its content, believed only so far as memory is concerned
+  };
+
+  // The largest content that is unpacked this way, and what all that wait to be taken may have together.
+  static constexpr std::size_t kMostSize = 64U << 20;
+
+  // Begins with the jobs in their order. `make_worker` is called on this thread.
+  ContentPool(std::vector<Job> jobs, const std::function<std::unique_ptr<Worker>()>& make_worker);
+  ~ContentPool();  // ends as soon as the workers have done what they are at
+  ContentPool(const ContentPool&) = delete;
+  ContentPool& operator=(const ContentPool&) = delete;
+
+  // Waits for what the next job gave. Called at most once for each of them.
+  std::optional<ContentBuffer> Next();
+
+ private:
+  using Result = std::optional<ContentBuffer>;
+
+  struct Batch {
+    std::size_t begin = 0;  // of the jobs
+    std::size_t end = 0;
+  };
+
+  void Work(Worker* worker);
+  std::optional<Batch> Claim();
+  bool HasRoom(const Batch& batch) const;
+  Batch NextBatch() const;
+
+  const std::vector<Job> jobs_;
+  std::mutex mutex_;
+  std::condition_variable has_room_;
+  std::condition_variable has_result_;
+  std::deque<std::optional<Result>> results_;  // of the jobs from taken_ on that were claimed
+  std::size_t taken_ = 0;
+  std::size_t claimed_ = 0;
+  std::size_t waiting_bytes_ = 0;  // of the jobs from taken_ to claimed_
+  bool stop_ = false;
+  std::vector<std::unique_ptr<Worker>> workers_;
+  std::vector<std::thread> threads_;
+};
+
+}  // namespace quendle::modules
