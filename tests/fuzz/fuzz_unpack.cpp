@@ -73,7 +73,9 @@ std::string UnpackBoth(Unpacker* unpacker, unsigned way, const std::uint8_t* dat
                        std::size_t at_once) {
   const std::span<const std::uint8_t> packed(data + kHeader, size - kHeader);
   const std::size_t first = std::min<std::size_t>(packed.size(), std::size_t{data[6]} << 8 | data[7]);
-  PackedEntry entry{.window = std::uint64_t{128U << 10} << (data[1] & 3), .has_far_distances = way == 4};
+  PackedEntry entry;
+  entry.window = std::uint64_t{128U << 10} << (data[1] & 3);
+  entry.has_far_distances = way == 4;
   if ((data[0] & 0x40) == 0) entry.size = std::uint64_t{data[2]} << 8 | data[3];
   ReadStatus status{};
   std::string result = Unpack(unpacker, {packed.first(first), at_once}, entry, &status);

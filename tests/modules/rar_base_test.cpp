@@ -267,6 +267,9 @@ GTEST_TEST(FilterQueue, TakesNoEndlessNumberOfFilters) {
   std::size_t taken = 0;
   while (taken < 10'000 && queue.Add(taken, 1, std::make_unique<AddFilter>(0))) ++taken;
   EXPECT_EQ(taken, 8192U);
+  queue.Begin();
+  for (taken = 0; taken < 100 && queue.Add(0, 4, std::make_unique<AddFilter>(0));) ++taken;
+  EXPECT_EQ(taken, 8U) << "for one range";
 }
 
 GTEST_TEST(CommonFilters, ChangeBackWhatPackersChanged) {

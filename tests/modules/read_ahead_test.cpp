@@ -98,6 +98,37 @@ GTEST_TEST(ReadAhead, SkippingAndLeaving) {
   reader.reset();  // perhaps while a password is waited for
 }
 
+// Reads the archive, again and again.
+class EndlessReader : public EntryReader {
+ public:
+  EndlessReader(const ArchiveInput& input, bool* was_ended) : input_(input), was_ended_(*was_ended) {}
+  ReadStatus NextEntry(Entry*) override {
+    char byte = 0;
+    std::size_t got = 0;
+    for (int i = 0; i < 5'000 && !was_ended_; ++i) {
+      was_ended_ = !input_.ReadAt(0, &byte, 1, &got).ok();
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return ReadStatus::kEnd;
+  }
+  ReadStatus ReadContent(std::string_view*) override { return ReadStatus::kEnd; }
+  const Reason& Problem() const override { return reason_; }
+
+ private:
+  const ArchiveInput& input_;
+  bool& was_ended_;
+  Reason reason_;
+};
+
+GTEST_TEST(ReadAhead, ReadsEndWhenItIsLeft) {
+  bool was_ended = false;
+  const Engine endless = {"endless", [&was_ended](const ArchiveInput& input, const ReaderOptions&, Reason*) {
+                            return std::make_unique<EndlessReader>(input, &was_ended);
+                          }};
+  Fixture().Open(endless).reset();
+  EXPECT_TRUE(was_ended);
+}
+
 class SlowReader : public EntryReader {
  public:
   ReadStatus NextEntry(Entry*) override {
