@@ -8,8 +8,8 @@
 
 #include "archive/modules/rar/unpack/code_lengths.h"
 #include "archive/modules/rar/unpack/common_filters.h"
-#include "archive/modules/rar/unpack/huffman_code.h"
-#include "archive/modules/rar/unpack/window.h"
+#include "archive/modules/lz/huffman_code.h"
+#include "archive/modules/lz/window.h"
 #include "support/rar_encoder.h"
 
 namespace quendle::modules {

@@ -76,7 +76,9 @@ bool ContentPool::HasRoom(const Batch& batch) const {
   return waiting_bytes_ == 0 || bytes <= kMostSize;
 }
 
-std::optional<ContentBuffer> ContentPool::Next() {
+std::optional<ContentBuffer> ContentPool::Take(std::size_t entry) {
+  // Only this thread changes it.
+  if (taken_ == jobs_.size() || jobs_[taken_].entry != entry) return std::nullopt;
   std::unique_lock lock(mutex_);
   has_result_.wait(lock, [this] { return !results_.empty() && results_.front().has_value(); });
   Result result = *std::exchange(results_.front(), std::nullopt);

@@ -54,8 +54,9 @@ class ContentPool {
   ContentPool(const ContentPool&) = delete;
   ContentPool& operator=(const ContentPool&) = delete;
 
-  // Waits for what the next job gave. Called at most once for each of them.
-  std::optional<ContentBuffer> Next();
+  // The content of that entry, for which it waits, when it is that of the next job. To be asked for each entry in their
+  // order.
+  std::optional<ContentBuffer> Take(std::size_t entry);
 
  private:
   using Result = std::optional<ContentBuffer>;

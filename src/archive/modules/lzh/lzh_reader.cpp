@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "archive/modules/common/checksum.h"
+#include "archive/modules/common/content_pool.h"
 #include "archive/modules/lzh/lzh_headers.h"
 #include "archive/modules/lzh/lzh_unpacker.h"
 #include "archive/modules/lzh/macbinary.h"
@@ -16,12 +17,48 @@ namespace {
 constexpr std::size_t kPieceSize = 256U << 10;
 constexpr std::size_t kLargestHeader = 64U << 10;  // but for those of level 3, which hardly anything writes
 
+class LzhWorker final : public ContentPool::Worker {
+ public:
+  LzhWorker(const ArchiveInput& input, const std::vector<LzhHeader>& headers)
+      : input_(input), headers_(headers) {}
+
+  static bool Takes(const LzhHeader& header) {
+    return header.size <= ContentPool::kMostSize && header.system != 'm';  // which may have two forks
+  }
+
+  std::optional<ContentBuffer> Unpack(std::size_t entry) override {
+    const LzhHeader& header = headers_[entry];
+    PackedBytes packed(input_, header.content_position, header.packed_size);
+    std::unique_ptr<LzhUnpacker> unpacker;
+    Reason ignored;
+    if (MakeLzhUnpacker(header, &packed, &unpacker, &ignored) != ReadStatus::kOk) return std::nullopt;
+    ContentBuffer content(static_cast<std::size_t>(header.size));
+    std::size_t size = 0;
+    while (size < content.View().size()) {
+      const std::size_t got = unpacker->Read(content.Data() + size, content.View().size() - size);
+      if (got == 0) return std::nullopt;
+      size += got;
+    }
+    char beyond = 0;
+    if (unpacker->Read(&beyond, 1) != 0) return std::nullopt;
+    Crc16Sum crc;
+    crc.Add(content.View());
+    if (!packed.Problem().empty() || (header.crc && crc.Value() != *header.crc)) return std::nullopt;
+    return content;
+  }
+
+ private:
+  const ArchiveInput& input_;
+  const std::vector<LzhHeader>& headers_;
+};
+
 class LzhReader final : public EntryReader {
  public:
   LzhReader(const ArchiveInput& input, ReaderOptions options) : input_(input), options_(std::move(options)) {}
 
   ReadStatus NextEntry(Entry* entry) override;
   ReadStatus ReadContent(std::string_view* piece) override;
+  ReadStatus Unpack(EntrySink* sink) override;
   const Reason& Problem() const override { return reason_; }
 
  private:
@@ -69,6 +106,30 @@ ReadStatus LzhReader::NextEntry(Entry* entry) {
   entry->size = part_.size;
   content_status_ = ReadStatus::kOk;
   return ReadStatus::kOk;
+}
+
+// The headers are gone through once for themselves, so that contents can be unpacked on all cores.
+ReadStatus LzhReader::Unpack(EntrySink* sink) {
+  std::vector<LzhHeader> headers;
+  std::vector<bool> wanted;
+  std::vector<ContentPool::Job> jobs;
+  LzhReader list(input_, options_);
+  Entry entry;
+  while (list.NextEntry(&entry) == ReadStatus::kOk) {
+    wanted.push_back(sink->Wants(entry));
+    if (wanted.back() && entry.kind == EntryKind::kFile && LzhWorker::Takes(list.header_))
+      jobs.push_back({headers.size(), static_cast<std::size_t>(list.header_.size)});
+    headers.push_back(std::move(list.header_));
+  }
+  ContentPool pool(std::move(jobs), [&] { return std::make_unique<LzhWorker>(input_, headers); });
+  ReadStatus status = ReadStatus::kOk;
+  for (std::size_t i = 0; (status = NextEntry(&entry)) == ReadStatus::kOk; ++i) {
+    const std::optional<ContentBuffer> content = pool.Take(i);
+    const bool goes_on = content ? GiveWhole(std::move(entry), content->View(), sink)
+                                 : GiveCurrent(std::move(entry), wanted[i], sink);
+    if (!goes_on) return ReadStatus::kEnd;
+  }
+  return status;
 }
 
 // The last header is followed by one of size 0, or by nothing. No format says how many entries there are, so that an

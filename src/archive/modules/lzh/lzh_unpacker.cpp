@@ -4,6 +4,7 @@
 
 #include "archive/modules/lzh/lh2_symbols.h"
 #include "archive/modules/lzh/lh3_symbols.h"
+#include "archive/modules/lzh/lh5_unpacker.h"
 #include "archive/modules/lzh/window_unpacker.h"
 
 namespace quendle::modules {
@@ -61,6 +62,8 @@ ReadStatus MakeLzhUnpacker(const LzhHeader& header, PackedBytes* packed,
     *unpacker = std::make_unique<WindowUnpacker>(std::make_unique<Lh2Symbols>(packed), header.size);
   } else if (method == "-lh3-") {
     *unpacker = std::make_unique<WindowUnpacker>(std::make_unique<Lh3Symbols>(packed), header.size);
+  } else if (const auto form = Lh5FormOf(method)) {
+    *unpacker = std::make_unique<Lh5Unpacker>(packed, *form);
   } else if (const LhasaMethod type = lha_decoder_for_name(method.data()); type != nullptr) {
     auto lhasa = std::make_unique<LhasaUnpacker>(type, packed, header.size);
     if (!lhasa->ok()) {

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "archive/modules/common/content_pool.h"
 #include "archive/modules/common/entry_names.h"
 #include "archive/modules/rar/rar_content.h"
 #include "archive/modules/rar/rar_copies.h"
@@ -27,6 +28,41 @@ std::vector<bool> NeededLater(const std::vector<RarFile>& files, const std::vect
   }
   return needed;
 }
+
+// Windows of this size may be in each worker.
+constexpr std::uint64_t kMostPooled = 16U << 20;
+
+// Is it unpacked by itself, without a password, and small enough for memory?
+bool IsForPool(const RarFile& file) {
+  const bool is_alone = !file.is_solid && !file.continued && !file.continues && !file.source;
+  return is_alone && file.kind == EntryKind::kFile && !file.encryption && file.size &&
+         *file.size <= kMostPooled && file.packing != RarPacking::kUnknown;
+}
+
+class RarWorker final : public ContentPool::Worker {
+ public:
+  RarWorker(const ArchiveInput& input, const std::vector<RarFile>& files)
+      : files_(files), keys_([] { return std::nullopt; }, [] { return true; }), content_(input, &keys_) {}
+
+  std::optional<ContentBuffer> Unpack(std::size_t entry) override {
+    const RarFile& file = files_[entry];
+    ContentBuffer whole(static_cast<std::size_t>(*file.size));
+    std::size_t size = 0;
+    content_.Begin(file);
+    std::string_view piece;
+    while (content_.Read(&piece) == ReadStatus::kOk) {
+      if (piece.size() > whole.View().size() - size) return std::nullopt;
+      size += piece.copy(whole.Data() + size, piece.size());
+    }
+    if (content_.Status() != ReadStatus::kEnd || size < whole.View().size()) return std::nullopt;
+    return whole;
+  }
+
+ private:
+  const std::vector<RarFile>& files_;
+  RarKeys keys_;
+  RarContent content_;
+};
 
 class RarReader final : public ArchiveReader {
  public:
@@ -113,16 +149,26 @@ void RarReader::ChooseWayToKey(EntrySink* sink) {
   }
 }
 
+// Files that need no others are unpacked on all cores.
 ReadStatus RarReader::Unpack(EntrySink* sink) {
   sink_ = sink;
   const std::vector<RarFile>& files = archive_.files;
   std::vector<bool> wanted(files.size(), false);
   for (const std::size_t index : copies_.Order()) wanted[index] = sink->Wants(EntryOf(index));
   const std::vector<bool> needed_later = NeededLater(files, wanted);
-  ChooseWayToKey(sink);
+  std::vector<ContentPool::Job> jobs;
   for (const std::size_t index : copies_.Order()) {
-    if (!sink->GoesOn() || !UnpackEntry(index, wanted[index], needed_later[index], sink))
-      return ReadStatus::kEnd;
+    if (wanted[index] && !needed_later[index] && IsForPool(files[index]))
+      jobs.push_back({index, static_cast<std::size_t>(*files[index].size)});
+  }
+  ChooseWayToKey(sink);
+  ContentPool pool(std::move(jobs), [&] { return std::make_unique<RarWorker>(input_, files); });
+  for (const std::size_t index : copies_.Order()) {
+    if (!sink->GoesOn()) return ReadStatus::kEnd;
+    const std::optional<ContentBuffer> content = pool.Take(index);
+    const bool goes_on = content ? GiveWhole(EntryOf(index), content->View(), sink)
+                                 : UnpackEntry(index, wanted[index], needed_later[index], sink);
+    if (!goes_on) return ReadStatus::kEnd;
   }
   return archive_.status;
 }

@@ -147,19 +147,28 @@ platform::Result ReadZipDirectory(const ArchiveInput& input, ZipDirectory* direc
   return platform::Success();
 }
 
+std::optional<Reason> WhyNotHeaderOf(const ZipEntry& entry, std::string_view local) {
+  if (LocalHeaderSize(local) == 0) return why::kHeaderMissing;
+  const std::uint64_t crc = LittleEndian(local, 14, 4);
+  if (crc != 0 && crc != entry.crc) return why::kChecksumsDiffer;
+  // Where a descriptor has the checksum, a header of the directory that was overwritten by zeros is one of an empty file.
+  const bool is_other = entry.crc == 0 && !HasMethodOf(entry, local);
+  if (is_other && !entry.HasMaskedHeader()) return why::kHeadersDamaged;
+  return std::nullopt;
+}
+
+bool HasMethodOf(const ZipEntry& entry, std::string_view local) {
+  return LittleEndian(local, 8, 2) == entry.packed_method;
+}
+
 platform::Result CheckLocalHeader(const ArchiveInput& input, const ZipEntry& entry, std::uint64_t* content) {
   std::string header(kLocalHeaderSize, '\0');
   std::size_t got = 0;
   platform::Result result = input.ReadAt(entry.position, header.data(), header.size(), &got);
   if (!result.ok()) return result;
-  const std::size_t size = LocalHeaderSize(std::string_view(header).substr(0, got));
-  if (size == 0) return Failure(Code::kFailed, input.Path(), why::kHeaderMissing);
-  const std::uint64_t crc = LittleEndian(header, 14, 4);
-  if (crc != 0 && crc != entry.crc) return Failure(Code::kFailed, input.Path(), why::kChecksumsDiffer);
-  // Where a descriptor has the checksum, a header of the directory that was overwritten by zeros is one of an empty file.
-  const bool is_other = entry.crc == 0 && LittleEndian(header, 8, 2) != entry.packed_method;
-  if (is_other && !entry.HasMaskedHeader()) return Failure(Code::kFailed, input.Path(), why::kHeadersDamaged);
-  *content = entry.position + size;
+  header.resize(got);
+  if (const auto reason = WhyNotHeaderOf(entry, header)) return Failure(Code::kFailed, input.Path(), *reason);
+  *content = entry.position + LocalHeaderSize(header);
   return platform::Success();
 }
 

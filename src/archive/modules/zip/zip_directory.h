@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string_view>
 #include <vector>
 
 #include "archive/modules/common/archive_input.h"
@@ -27,9 +29,12 @@ platform::Result ReadZipDirectory(const ArchiveInput& input, ZipDirectory* direc
 // Is each entry described alike by its local header, and in the place that the directory says?
 bool LocalHeadersAgree(const ArchiveInput& input, const ZipDirectory& directory);
 
-// Fails when no local header stands where that of `entry` should be, or it has another checksum, or no checksum holds and
-// it has another method. `*content` is
-// where the content begins.
+// Why `local`, which begins where the local header of `entry` should, is not that: there is none, it has another
+// checksum, or no checksum holds and it has another method. Nothing when it may be.
+std::optional<Reason> WhyNotHeaderOf(const ZipEntry& entry, std::string_view local);
+bool HasMethodOf(const ZipEntry& entry, std::string_view local);
+
+// Fails for that. `*content` is where the content begins.
 platform::Result CheckLocalHeader(const ArchiveInput& input, const ZipEntry& entry, std::uint64_t* content);
 
 // Appends the entries whose headers stand one behind the other from `begin` on and before `end`; `*behind` is the

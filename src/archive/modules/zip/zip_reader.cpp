@@ -108,17 +108,12 @@ ReadStatus ZipReader::Unpack(EntrySink* sink) {
     if (wanted.back() && entry.kind == EntryKind::kFile && ZipUnpacker::Takes(entries[i]))
       jobs.push_back({i, static_cast<std::size_t>(entries[i].size)});
   }
-  auto job = jobs.cbegin();
-  ContentPool pool(jobs, [&] { return std::make_unique<ZipUnpacker>(input_, entries); });
+  ContentPool pool(std::move(jobs), [&] { return std::make_unique<ZipUnpacker>(input_, entries); });
   Entry entry;
   ReadStatus status = ReadStatus::kOk;
   while ((status = NextEntry(&entry)) == ReadStatus::kOk) {
     const std::size_t index = next_ - 1;
-    std::optional<ContentBuffer> content;
-    if (job != jobs.cend() && job->entry == index) {
-      content = pool.Next();
-      ++job;
-    }
+    const std::optional<ContentBuffer> content = pool.Take(index);
     const bool goes_on = content ? GiveWhole(std::move(entry), content->View(), sink)
                                  : GiveCurrent(std::move(entry), wanted[index], sink);
     if (!goes_on) return ReadStatus::kEnd;

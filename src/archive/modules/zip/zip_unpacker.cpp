@@ -26,32 +26,46 @@ bool ZipUnpacker::Takes(const ZipEntry& entry) {
 
 std::optional<ContentBuffer> ZipUnpacker::Unpack(std::size_t entry) {
   const ZipEntry& zip = entries_[entry];
-  std::uint64_t position = 0;
-  if (!decompressor_ || !CheckLocalHeader(input_, zip, &position).ok()) return std::nullopt;
-  const auto packed_size = static_cast<std::size_t>(zip.packed_size);
+  const std::string_view packed = ReadPacked(zip);
+  if (!decompressor_ || packed.size() < zip.packed_size) return std::nullopt;
   ContentBuffer content(static_cast<std::size_t>(zip.size));
-  char* packed = content.Data();
-  if (zip.packed_method == kDeflate) {
-    packed_.resize(std::max(packed_.size(), packed_size));
-    packed = packed_.data();
+  if (zip.packed_method == kStore) {
+    packed.copy(content.Data(), packed.size());
+  } else if (!Decompress(packed, &content)) {
+    return std::nullopt;
   }
-  std::size_t got = 0;
-  if (!input_.ReadAt(position, packed, packed_size, &got).ok() || got < packed_size) return std::nullopt;
-  if (zip.packed_method == kDeflate && !Decompress(zip, packed, &content)) return std::nullopt;
   const std::string_view bytes = content.View();
   if (libdeflate_crc32(0, bytes.data(), bytes.size()) != zip.crc) return std::nullopt;
   return content;
 }
 
+// With the header in front of it, of which only its end says how large it is: mostly at once. Empty when it is not all there,
+// or the header is of something else.
+std::string_view ZipUnpacker::ReadPacked(const ZipEntry& zip) {
+  constexpr std::size_t kUsualExtra = 64;
+  const auto packed_size = static_cast<std::size_t>(zip.packed_size);
+  std::size_t header_size = kLocalHeaderSize + zip.name.size() + kUsualExtra;
+  for (bool is_again = false;; is_again = true) {
+    const std::size_t size = header_size + packed_size;
+    if (bytes_.size() < size) bytes_.resize(size);
+    std::size_t got = 0;
+    if (!input_.ReadAt(zip.position, bytes_.data(), size, &got).ok()) return {};
+    const std::string_view all(bytes_.data(), got);
+    if (WhyNotHeaderOf(zip, all) || !HasMethodOf(zip, all)) return {};
+    header_size = LocalHeaderSize(all);
+    if (header_size <= got && packed_size <= got - header_size) return all.substr(header_size, packed_size);
+    if (is_again) return {};
+  }
+}
+
 // All packed bytes have to be used, and to give as many as the header says.
-bool ZipUnpacker::Decompress(const ZipEntry& entry, const char* packed, ContentBuffer* content) {
+bool ZipUnpacker::Decompress(std::string_view packed, ContentBuffer* content) {
   std::size_t used = 0;
   std::size_t made = 0;
-  const auto packed_size = static_cast<std::size_t>(entry.packed_size);
   const std::size_t size = content->View().size();
-  const libdeflate_result result = libdeflate_deflate_decompress_ex(decompressor_.get(), packed, packed_size,
-                                                                    content->Data(), size, &used, &made);
-  return result == LIBDEFLATE_SUCCESS && used == packed_size && made == size;
+  const libdeflate_result result = libdeflate_deflate_decompress_ex(
+      decompressor_.get(), packed.data(), packed.size(), content->Data(), size, &used, &made);
+  return result == LIBDEFLATE_SUCCESS && used == packed.size() && made == size;
 }
 
 }  // namespace quendle::modules

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "archive/modules/common/content_pool.h"
@@ -29,12 +30,13 @@ class ZipUnpacker final : public ContentPool::Worker {
     }
   };
 
-  bool Decompress(const ZipEntry& entry, const char* packed, ContentBuffer* content);
+  std::string_view ReadPacked(const ZipEntry& zip);
+  bool Decompress(std::string_view packed, ContentBuffer* content);
 
   const ArchiveInput& input_;
   const std::vector<ZipEntry>& entries_;
   std::unique_ptr<libdeflate_decompressor, Free> decompressor_;
-  std::vector<char> packed_;
+  std::vector<char> bytes_;  // of a header and what is packed behind it
 };
 
 }  // namespace quendle::modules

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 
-#include "archive/modules/rar/unpack/huffman_code.h"
+#include "archive/modules/lz/huffman_code.h"
 
 namespace quendle::modules {
 namespace {

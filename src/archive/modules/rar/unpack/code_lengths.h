@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-#include "archive/modules/rar/unpack/bit_reader.h"
+#include "archive/modules/lz/bit_reader.h"
 
 namespace quendle::modules {
 

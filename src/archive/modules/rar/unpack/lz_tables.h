@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "archive/modules/rar/unpack/bit_reader.h"
+#include "archive/modules/lz/bit_reader.h"
 
 namespace quendle::modules {
 

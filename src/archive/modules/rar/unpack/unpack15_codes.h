@@ -5,8 +5,8 @@
 #include <array>
 #include <cstdint>
 
-#include "archive/modules/rar/unpack/bit_reader.h"
-#include "archive/modules/rar/unpack/huffman_code.h"
+#include "archive/modules/lz/bit_reader.h"
+#include "archive/modules/lz/huffman_code.h"
 
 namespace quendle::modules {
 

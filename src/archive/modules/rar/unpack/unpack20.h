@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "archive/modules/rar/unpack/audio20.h"
-#include "archive/modules/rar/unpack/huffman_code.h"
+#include "archive/modules/lz/huffman_code.h"
 #include "archive/modules/rar/unpack/recent_distances.h"
 #include "archive/modules/rar/unpack/unpacker.h"
 

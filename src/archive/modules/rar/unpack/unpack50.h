@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdint>
 
-#include "archive/modules/rar/unpack/huffman_code.h"
+#include "archive/modules/lz/huffman_code.h"
 #include "archive/modules/rar/unpack/unpacker.h"
 
 namespace quendle::modules {

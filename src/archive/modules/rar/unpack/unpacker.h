@@ -8,9 +8,9 @@
 #include <string_view>
 
 #include "archive/modules/common/entry_reader.h"
-#include "archive/modules/rar/unpack/bit_reader.h"
+#include "archive/modules/lz/bit_reader.h"
 #include "archive/modules/rar/unpack/filter_queue.h"
-#include "archive/modules/rar/unpack/window.h"
+#include "archive/modules/lz/window.h"
 
 namespace quendle::modules {
 

@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "archive/modules/rar/unpack/bit_cursor.h"
-#include "archive/modules/rar/unpack/packed_source.h"
+#include "archive/modules/lz/bit_cursor.h"
+#include "archive/modules/lz/packed_source.h"
 
 namespace quendle::modules {
 

@@ -1,4 +1,4 @@
-#include "archive/modules/rar/unpack/window.h"
+#include "archive/modules/lz/window.h"
 
 #include <algorithm>
 #include <limits>

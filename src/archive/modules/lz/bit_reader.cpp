@@ -1,4 +1,4 @@
-#include "archive/modules/rar/unpack/bit_reader.h"
+#include "archive/modules/lz/bit_reader.h"
 
 #include <algorithm>
 

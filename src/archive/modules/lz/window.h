@@ -7,7 +7,7 @@
 #include <memory>
 #include <string_view>
 
-#include "archive/modules/rar/unpack/match_copy.h"
+#include "archive/modules/lz/match_copy.h"
 
 namespace quendle::modules {
 

@@ -1,4 +1,4 @@
-#include "archive/modules/rar/unpack/huffman_code.h"
+#include "archive/modules/lz/huffman_code.h"
 
 #include <algorithm>
 
@@ -33,7 +33,7 @@ bool HuffmanCode::Build(std::span<const std::uint8_t> lengths) {
     const std::uint32_t first = ends_[length - 1] >> (kLongest - kQuickBits);
     const unsigned span = 1U << (kQuickBits - length);
     std::fill_n(quick_.begin() + first + (place - firsts_[length]) * span, span,
-                static_cast<std::uint16_t>(symbol << 4 | length));
+                static_cast<std::uint16_t>(symbol << kLengthBits | length));
   }
   return true;
 }
@@ -42,9 +42,9 @@ unsigned HuffmanCode::FindLong(std::uint32_t next) const {
   for (unsigned length = kQuickBits + 1; length <= kLongest; ++length) {
     if (next >= ends_[length]) continue;
     const unsigned symbol = symbols_[firsts_[length] + ((next - ends_[length - 1]) >> (kLongest - length))];
-    return symbol << 4 | length;
+    return symbol << kLengthBits | length;
   }
-  return kNone << 4;
+  return kNone << kLengthBits;
 }
 
 }  // namespace quendle::modules
