@@ -26,12 +26,12 @@ bool ZipUnpacker::Takes(const ZipEntry& entry) {
 
 std::optional<ContentBuffer> ZipUnpacker::Unpack(std::size_t entry) {
   const ZipEntry& zip = entries_[entry];
-  const std::string_view packed = ReadPacked(zip);
-  if (!decompressor_ || packed.size() < zip.packed_size) return std::nullopt;
+  const auto packed = ReadPacked(zip);
+  if (!decompressor_ || !packed) return std::nullopt;
   ContentBuffer content(static_cast<std::size_t>(zip.size));
   if (zip.packed_method == kStore) {
-    packed.copy(content.Data(), packed.size());
-  } else if (!Decompress(packed, &content)) {
+    packed->copy(content.Data(), packed->size());
+  } else if (!Decompress(*packed, &content)) {
     return std::nullopt;
   }
   const std::string_view bytes = content.View();
@@ -39,9 +39,9 @@ std::optional<ContentBuffer> ZipUnpacker::Unpack(std::size_t entry) {
   return content;
 }
 
-// With the header in front of it, of which only its end says how large it is: mostly at once. Empty when it is not all there,
+// With the header in front of it, of which only its end says how large it is: mostly at once. Nothing when it is not all there,
 // or the header is of something else.
-std::string_view ZipUnpacker::ReadPacked(const ZipEntry& zip) {
+std::optional<std::string_view> ZipUnpacker::ReadPacked(const ZipEntry& zip) {
   constexpr std::size_t kUsualExtra = 64;
   const auto packed_size = static_cast<std::size_t>(zip.packed_size);
   std::size_t header_size = kLocalHeaderSize + zip.name.size() + kUsualExtra;
@@ -49,12 +49,12 @@ std::string_view ZipUnpacker::ReadPacked(const ZipEntry& zip) {
     const std::size_t size = header_size + packed_size;
     if (bytes_.size() < size) bytes_.resize(size);
     std::size_t got = 0;
-    if (!input_.ReadAt(zip.position, bytes_.data(), size, &got).ok()) return {};
+    if (!input_.ReadAt(zip.position, bytes_.data(), size, &got).ok()) return std::nullopt;
     const std::string_view all(bytes_.data(), got);
-    if (WhyNotHeaderOf(zip, all) || !HasMethodOf(zip, all)) return {};
+    if (WhyNotHeaderOf(zip, all) || !HasMethodOf(zip, all)) return std::nullopt;
     header_size = LocalHeaderSize(all);
     if (header_size <= got && packed_size <= got - header_size) return all.substr(header_size, packed_size);
-    if (is_again) return {};
+    if (is_again) return std::nullopt;
   }
 }
 

@@ -30,7 +30,7 @@ class ZipUnpacker final : public ContentPool::Worker {
     }
   };
 
-  std::string_view ReadPacked(const ZipEntry& zip);
+  std::optional<std::string_view> ReadPacked(const ZipEntry& zip);
   bool Decompress(std::string_view packed, ContentBuffer* content);
 
   const ArchiveInput& input_;
