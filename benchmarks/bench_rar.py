@@ -95,7 +95,7 @@ def records(data):
 
 def repeated4(size, header, content, count):
     main = struct.pack("<BHHHI", 0x73, 0, 13, 0, 0)
-    out = [b"Rar!\x1A\x07\0", struct.pack("<H", zlib.crc32(main) & 0xFFFF) + main]
+    yield b"Rar!\x1A\x07\0" + struct.pack("<H", zlib.crc32(main) & 0xFFFF) + main
     for i in range(count):
         name = b"f%05d" % i
         fixed = bytearray(header[2:32])
@@ -103,8 +103,8 @@ def repeated4(size, header, content, count):
         struct.pack_into("<HH", fixed, 1, flags, 32 + len(name))
         struct.pack_into("<H", fixed, 24, len(name))
         block = bytes(fixed) + name
-        out.append(struct.pack("<H", zlib.crc32(block) & 0xFFFF) + block + content)
-    return b"".join(out + [b"\xC4\x3D\x7B\x00\x40\x07\x00"])
+        yield struct.pack("<H", zlib.crc32(block) & 0xFFFF) + block + content
+    yield b"\xC4\x3D\x7B\x00\x40\x07\x00"
 
 
 def block5(fields):
@@ -126,11 +126,11 @@ def repeated5(size, header, content, count):
     at += (4 if file_flags & 2 else 0) + (4 if file_flags & 4 else 0)
     for _ in range(2):
         _, at = number(header, at)
-    out = [b"Rar!\x1A\x07\1\0", block5(b"\1\0\0")]
+    yield b"Rar!\x1A\x07\1\0" + block5(b"\1\0\0")
     for i in range(count):
         name = b"f%05d" % i
-        out.append(block5(b"\2\2" + vint(len(content)) + header[begin:at] + vint(len(name)) + name) + content)
-    return b"".join(out + [block5(b"\5\0\0")])
+        yield block5(b"\2\2" + vint(len(content)) + header[begin:at] + vint(len(name)) + name) + content
+    yield block5(b"\5\0\0")
 
 
 def main():
@@ -151,7 +151,7 @@ def main():
         for way, (entry, repeat) in sorted(best.items()):
             archive = os.path.join(home, "a.rar")
             with open(archive, "wb") as out:
-                out.write(repeat(*entry, TOTAL // entry[0] + 1))
+                out.writelines(repeat(*entry, TOTAL // entry[0] + 1))
             target = os.path.join(home, "out")
             tools = {tool: line for tool, line in TOOLS.items() if reads(line, archive, target)}
             compare(f"RAR {way}, {TOTAL // 1_000_000} MB in entries of {entry[0] // 1000} kB", archive, target, tools)

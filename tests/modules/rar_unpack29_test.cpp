@@ -122,8 +122,8 @@ GTEST_TEST(Unpack29, RepeatsByAllLengthsAndDistances) {
       recent.insert(recent.begin(), kShort[slot] + i % 4 + 1);
       repeat(recent[0], 2);
     }
-    if (i > 3) {
-      const unsigned age = i % 4;
+    for (const unsigned age : {i % 4, 3 - i % 4}) {
+      if (i < 4) break;
       blocks.Recent(age, 2 + i % 256);
       std::rotate(recent.begin(), recent.begin() + age, recent.begin() + age + 1);
       repeat(recent[0], 2 + i % 256);
@@ -171,7 +171,7 @@ GTEST_TEST(Unpack29, GoesOnInSolidEntriesWithWhatTheOneBeforeLeft) {
     std::vector<std::string> contents;
   };
   const auto begun = [](std::string_view text) { return std::move(Blocks().Begin().Text(text)); };
-  const std::string letters = "abcdefghijklmnopqrstuvwxyz";
+  const std::string letters = "xabcdefghijklmnopq1yabcdefghijklmnopq2";
   const std::string sevens = "one two three four five six seven ";
   const Case cases[] = {
       {"codes",
@@ -190,8 +190,8 @@ GTEST_TEST(Unpack29, GoesOnInSolidEntriesWithWhatTheOneBeforeLeft) {
        {"one", "abc"}},
       {"PPM by many bytes",
        {std::string("\xF0\0\x02", 3) +
-        FromHex("61036df5715b2cbd575766d0756bcc0a66e32f8b410d41f053c5f0bca682711fc8ee7c")},
-       {letters + letters + letters}},
+        FromHex("77e79d8bd46bf9eeda2d8e603a8cfa4fbe05e86efc4116be216282da9d5400")},
+       {letters + letters}},
       {"PPM",
        {PpmBlock().Text("lz").End(1, 1).Bytes("\x80" + kPpmSecond).Made(),
         Blocks().Bytes("\xC0\xFF" + kPpmThird).Made()},

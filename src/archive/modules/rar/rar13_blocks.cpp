@@ -34,7 +34,7 @@ RarFile ToFile(std::string_view bytes, bool is_solid) {
   file.packing = number(20, 1) == 0   ? RarPacking::kStored
                  : number(20, 1) <= 5 ? RarPacking::k15
                                       : RarPacking::kUnknown;
-  file.method = "m" + std::to_string(number(20, 1)) + " of version 13";
+  file.method = std::string("m").append(std::to_string(number(20, 1))).append(" of version 13");
   file.is_solid = is_solid;
   return file;
 }

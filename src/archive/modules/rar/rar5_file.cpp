@@ -18,7 +18,8 @@ void ReadPacking(std::uint64_t bits, RarFile* file) {
   const std::uint64_t algorithm = bits & 0x3F;
   const std::uint64_t method = bits >> 7 & 7;
   file->is_solid = (bits & 0x40) != 0;
-  file->method = "m" + std::to_string(method) + (algorithm == 1 ? " of version 7" : " of version 5");
+  file->method = std::string("m").append(std::to_string(method));
+  file->method.append(algorithm == 1 ? " of version 7" : " of version 5");
   const std::uint64_t exponent = bits >> 10 & (algorithm == 0 ? 0xF : 0x1F);
   file->window = std::uint64_t{128 << 10} << exponent;
   if (algorithm == 1) {
@@ -81,7 +82,7 @@ void ReadRedirection(Rar5Numbers* record, RarFile* file) {
 // An old version of a file, which packers can keep, must not take the place of the file.
 void ReadOldVersion(Rar5Numbers* record, RarFile* file) {
   record->Next();
-  file->name += ";" + std::to_string(record->Next());
+  file->name.append(";").append(std::to_string(record->Next()));
 }
 
 void ReadRecord(std::string_view bytes, RarFile* file) {

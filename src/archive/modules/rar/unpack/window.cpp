@@ -3,11 +3,15 @@
 #include <algorithm>
 #include <limits>
 
+#include "platform/process/memory.h"
+
 namespace quendle::modules {
 namespace {
 
 constexpr std::size_t kMostReserved = 1U << 20;
 constexpr std::size_t kFirstCapacity = 1U << 20;
+// Up to here the memory is there. Beyond it a system may promise more than it has.
+constexpr std::size_t kUnasked = 256U << 20;
 
 }  // namespace
 
@@ -44,6 +48,7 @@ bool Window::Reserve(std::size_t count) {
 
 bool Window::Enlarge(std::size_t capacity) {
   if (capacity > capacity_) {
+    if (capacity > kUnasked && capacity - capacity_ > platform::AvailableMemory()) return false;
     auto* const larger = static_cast<std::uint8_t*>(std::realloc(bytes_.get(), capacity));
     if (larger == nullptr) return false;
     static_cast<void>(bytes_.release());
