@@ -33,7 +33,7 @@ class FilterMachine {
 
  private:
   static constexpr std::uint32_t kMemory = 0x40000;
-#ifdef FUZZING_BUILD_MODE_UNSAFE_FOR_PRODUCTION  // clang says so: a fuzzer learns nothing from programs that run long
+#ifdef FUZZING_BUILD_MODE_UNSAFE_FOR_PRODUCTION  // a fuzzer learns nothing from programs that run long
   static constexpr std::uint64_t kMostCommands = 10'000;
   static constexpr std::uint64_t kCommandsPerByte = 10;
 #else
