@@ -31,8 +31,8 @@ bool HuffmanCode::Build(std::span<const std::uint8_t> lengths) {
     symbols_[place] = static_cast<std::uint16_t>(symbol);
     if (length > kQuickBits) continue;
     const std::uint32_t first = ends_[length - 1] >> (kLongest - kQuickBits);
-    const unsigned span = 1U << (kQuickBits - length);
-    std::fill_n(quick_.begin() + first + (place - firsts_[length]) * span, span,
+    const std::size_t span = std::size_t{1} << (kQuickBits - length);
+    std::fill_n(quick_.data() + first + (place - firsts_[length]) * span, span,
                 static_cast<std::uint16_t>(symbol << kLengthBits | length));
   }
   return true;

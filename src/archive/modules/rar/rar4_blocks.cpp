@@ -196,8 +196,9 @@ void Rar4Walk::From(std::uint64_t position) {
 // is one file that is whole, nothing is likely to be missing.
 void Rar4Walk::NoteEnd(std::uint64_t position, bool has_block) {
   archive_.end = position;
-  const bool needs_block =
-      archive_.files.empty() || (is_young_ && (archive_.files.size() > 1 || archive_.is_volume));
+  const bool may_have_more =
+      archive_.files.size() > 1 || archive_.is_volume || is_solid_ || archive_.is_encrypted;
+  const bool needs_block = archive_.files.empty() || (is_young_ && may_have_more);
   if (needs_block && !has_block) Fail(ReadStatus::kFailed, why::kLastBlockMissing);
 }
 

@@ -91,7 +91,6 @@ bool RarCopies::Give(std::size_t copy, Entry entry, EntrySink* sink) {
 // What the source goes on with is unpacked again, from where the last source was on.
 bool RarCopies::GoTo(std::size_t source, EntrySink* sink) {
   if (!content_ || next_ > source) {
-    if (++passes_ > kMostPasses) return false;
     content_.emplace(input_, keys_);
     next_ = 0;
   }
@@ -99,6 +98,8 @@ bool RarCopies::GoTo(std::size_t source, EntrySink* sink) {
   for (std::size_t i = source; i > next_ && files_[first].IsPacked() && files_[first].is_solid; --i) {
     if (files_[i - 1].IsPacked()) first = i - 1;
   }
+  // Without that another copy costs no more than what comes of it.
+  if (first < source && next_ == 0 && ++passes_ > kMostPasses) return false;
   for (std::size_t i = first; i < source; ++i) {
     if (files_[i].IsPacked()) content_->PassOver(files_[i], sink);
   }

@@ -32,27 +32,25 @@ struct RarPart {
 
 // An entry. Of one that is spread over volumes there is one, with what its parts say together.
 struct RarFile {
-  EntryKind kind = EntryKind::kFile;
-  std::string name;  // raw; "\" is "/" in what is Unicode
-  bool is_unicode = false;
-  std::string link_target;            // UTF-8; empty: it is the content
-  std::optional<std::string> source;  // raw name of the earlier file whose content it has
-  platform::EntryAttributes attributes;
-
-  std::vector<RarPart> parts;
-  bool continued = false;             // its beginning is in a volume before the first of these
-  bool continues = false;             // ... its end behind the last
+  std::uint64_t window = 0;           // bytes
   std::optional<std::uint64_t> size;  // unpacked; none: nobody knew when it was packed
-  std::optional<std::uint32_t> crc;   // of the content
-  bool is_rotating_sum = false;       // that, as before RAR 1.5
+  std::vector<RarPart> parts;
+  std::string name;         // raw
+  std::string link_target;  // UTF-8; empty: it is the content
+  platform::EntryAttributes attributes;
   std::string blake2sp;               // 32 bytes, or empty
-
-  RarPacking packing = RarPacking::kUnknown;
-  std::string method;              // in words
-  bool is_solid = false;           // it goes on with what the entry before it left
-  std::uint64_t window = 0;        // bytes
-  bool has_far_distances = false;  // of RAR 7
+  std::string method;                 // in words
+  std::optional<std::string> source;  // raw name of the earlier file whose content it has
   std::optional<RarEncryption> encryption;
+  EntryKind kind = EntryKind::kFile;
+  RarPacking packing = RarPacking::kUnknown;
+  std::optional<std::uint32_t> crc;  // of the content
+  bool is_unicode = false;           // the name
+  bool continued = false;            // its beginning is in a volume before the first of these
+  bool continues = false;            // ... its end behind the last
+  bool is_rotating_sum = false;      // the checksum, as before RAR 1.5
+  bool is_solid = false;             // it goes on with what the entry before it left
+  bool has_far_distances = false;    // of RAR 7
 
   // Is there something to unpack, on which solid files go on?
   bool IsPacked() const {

@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "archive/modules/rar/unpack/filter_bytes.h"
+
 namespace quendle::modules {
 
 std::uint8_t AudioChannel::Next(unsigned error, int* step) {
@@ -14,13 +16,13 @@ std::uint8_t AudioChannel::Next(unsigned error, int* step) {
   for (std::size_t i = 0; i < kInputs; ++i) sum += weights_[i] * inputs_[i];
   const auto byte = static_cast<std::uint8_t>(static_cast<unsigned>(sum >> 3) - error);
 
-  const int off = 8 * static_cast<std::int8_t>(error);
+  const int off = 8 * SignedByte(static_cast<std::uint8_t>(error));
   as_it_is_ += std::abs(off);
   for (std::size_t i = 0; i < kInputs; ++i) {
     with_less_[i] += std::abs(off - inputs_[i]);
     with_more_[i] += std::abs(off + inputs_[i]);
   }
-  last_step_ = *step = static_cast<std::int8_t>(byte - last_byte_);
+  last_step_ = *step = SignedByte(static_cast<std::uint8_t>(byte - last_byte_));
   last_byte_ = byte;
   if (++count_ % 32 == 0) Adapt();
   return byte;

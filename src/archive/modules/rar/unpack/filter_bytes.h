@@ -1,4 +1,4 @@
-// Numbers in what filters change, their lowest byte first.
+// Numbers in what is unpacked, their lowest byte first.
 #pragma once
 
 #include <cstdint>
@@ -15,6 +15,11 @@ inline std::uint32_t LoadNumber(const std::uint8_t* from, unsigned size) {
 // Makes the first `size` bytes the lowest ones of `value`.
 inline void StoreNumber(std::uint32_t value, unsigned size, std::uint8_t* to) {
   for (unsigned i = 0; i < size; ++i) to[i] = static_cast<std::uint8_t>(value >> (8 * i));
+}
+
+// 0x7F ⇒ 127, 0x80 ⇒ -128
+inline int SignedByte(std::uint8_t byte) {
+  return byte < 0x80 ? byte : byte - 0x100;
 }
 
 }  // namespace quendle::modules

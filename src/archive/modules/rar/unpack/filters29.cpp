@@ -29,9 +29,9 @@ class Channel {
     int guess = 8 * last_;
     for (std::size_t i = 0; i < changes_.size(); ++i) guess += weights_[i] * changes_[i];
     const auto byte = static_cast<std::uint8_t>((guess >> 3) - less);
-    last_change_ = static_cast<std::int8_t>(byte - last_);
+    last_change_ = SignedByte(static_cast<std::uint8_t>(byte - last_));
     last_ = byte;
-    Weigh(8 * static_cast<std::int8_t>(less));
+    Weigh(8 * SignedByte(less));
     return byte;
   }
 

@@ -16,7 +16,6 @@ constexpr std::uint64_t kWindow = 4U << 20;
 
 // Symbols of the main code: below the first literals.
 constexpr unsigned kEndOfBlock = 256;
-constexpr unsigned kFilter = 257;
 constexpr unsigned kLastMatch = 258;       // of the length and distance of the last one
 constexpr unsigned kRecentDistance = 259;  // of one of the last four distances
 constexpr unsigned kShortMatch = 263;      // of two bytes

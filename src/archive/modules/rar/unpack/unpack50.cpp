@@ -90,7 +90,7 @@ Unpacker::Step Unpack50::BeginBlock() {
   }
   if (check != 0 || size == 0) return Step::kDamaged;
   is_last_block_ = (flags & 0x40) != 0;
-  block_end_ = bits_.Position() + 8 * (size - 1) + (flags & 7) + 1;
+  block_end_ = bits_.Position() + 8 * (std::uint64_t{size} - 1) + (flags & 7) + 1;
   if ((flags & 0x80) != 0) has_codes_ = ReadCodes();
   return has_codes_ ? Step::kMore : Step::kDamaged;
 }
