@@ -47,7 +47,9 @@ GTEST_TEST(ContentPool, GivesContentsInTheirOrder) {
     const auto content = pool.Take(i);
     const bool is_given = i % 2 == 0 && i % 11 != 5 && i % 11 != 6;
     ASSERT_EQ(content.has_value(), is_given) << i;
-    if (content) ASSERT_EQ(content->View(), std::to_string(i));
+    if (content) {
+      ASSERT_EQ(content->View(), std::to_string(i));
+    }
   }
   EXPECT_EQ(record.unpacked, jobs.size());
 }

@@ -72,22 +72,22 @@ GTEST_TEST(Lh5, UnpacksBlocksOfAllMethods) {
     const Lh5Form form = *Lh5FormOf(method);
     const unsigned window = 1U << form.window_bits;
     Lh5Blocks blocks(form);
-    std::string text = "abc" + std::string(5, ' ') + "cccccccc";
-    blocks.Begin(5).Text("abc").Match(window, 5).Match(6, 3 + 256 - 256);
-    text = "abc     ";
+    blocks.Begin(5).Text("abc").Match(window, 5).Match(6, 3);
+    std::string text = "abc     ";
     text += text.substr(2, 3);
     blocks.Only(300, 'x', 0);
     text += std::string(300, 'x');
     blocks.Only(2, 256 + 10, 1);
     for (int i = 0; i < 26; ++i) text += text[text.size() - 2];
-    // Long enough that the window begins anew, and matches reach over that.
-    blocks.Begin(2 * (1 + 60'000));
-    for (unsigned i = 0; i <= 60'000; ++i) {
-      const unsigned distance =
-          i % 3 == 0 ? std::min<unsigned>(window, 300 + 7 * i % window + 1) : 1 + i % 300;
-      blocks.Text(std::string(1, static_cast<char>('A' + i % 26))).Match(distance, 3 + i % 60);
-      text += static_cast<char>('A' + i % 26);
-      for (unsigned k = 0; k < 3 + i % 60; ++k)
+    // For one method long enough that the window begins anew in memory, and matches reach over that.
+    const unsigned matches = form.window_bits == 13 ? 30'000 : 1'000;
+    blocks.Begin(2 * matches);
+    for (unsigned i = 0; i < matches; ++i) {
+      const unsigned distance = i % 3 == 0 ? 1 + 7 * i % window : 1 + i % 300;
+      const unsigned length = 3 + i % 200;
+      blocks.Text("A").Match(distance, length);
+      text += 'A';
+      for (unsigned k = 0; k < length; ++k)
         text += distance > text.size() ? ' ' : text[text.size() - distance];
     }
     for (const std::size_t at_once : {std::size_t{1} << 20, std::size_t{1000}})
@@ -101,7 +101,7 @@ GTEST_TEST(Lh5, EndsWhereNothingFitsAnyMore) {
   const std::string whole = Lh5Blocks(form).Begin(3).Text("abc").Bytes();
   const auto unpack = [&](const std::string& packed) { return Unpack(packed, form, 100, 100); };
   EXPECT_EQ(unpack(whole).substr(0, 3), "abc");
-  EXPECT_EQ(unpack(whole.substr(0, whole.size() - 3)), "a");
+  EXPECT_LT(unpack(whole.substr(0, whole.size() - 3)).size(), 3U);
   EXPECT_EQ(unpack(""), "");
   EXPECT_EQ(unpack(std::string(1000, '\0')), "") << "blocks of nothing";
   EXPECT_EQ(unpack(std::string(1000, '\xFF')), "") << "more lengths than symbols";
