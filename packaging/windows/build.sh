@@ -24,7 +24,7 @@ done
 
 # What is linked in has licences that go with it. Debian keeps them with the packages for its own systems, which the build on
 # Linux needs and which are made from the same sources.
-linked=(zlib1g libbz2-1.0 liblzma5 libzstd1 libnettle8 libb2-1 libarchive13 liblhasa0 libmspack0 libpcre2-8-0 libutf8proc2
+linked=(zlib1g libbz2-1.0 liblzma5 libzstd1 libdeflate0 libnettle8 libb2-1 libarchive13 liblhasa0 libmspack0 libpcre2-8-0 libutf8proc2
         libqt6core6 libstdc++6 mingw-w64-common)
 for package in "${linked[@]}"; do
   if [ -f "/usr/share/doc/$package/copyright" ]; then

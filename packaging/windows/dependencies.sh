@@ -7,7 +7,7 @@
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 . "$windows/recipes.sh"
 
-libraries=(zlib bzip2 xz-utils libzstd nettle libb2 libarchive lhasa libmspack 7zip pcre2 utf8proc googletest
+libraries=(zlib bzip2 xz-utils libzstd libdeflate nettle libb2 libarchive lhasa libmspack 7zip pcre2 utf8proc googletest
            nlohmann-json3)
 case ${1:-} in
   '') ;;

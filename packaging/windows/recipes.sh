@@ -57,6 +57,19 @@ build_libzstd() {
   cmake --build build-windows --target install
 }
 
+# Its older versions have a Makefile only.
+build_libdeflate() {
+  if [ -f CMakeLists.txt ]; then
+    use_cmake -DLIBDEFLATE_BUILD_GZIP=OFF -DLIBDEFLATE_BUILD_SHARED_LIB=OFF
+    cmake --build build-windows --target install
+  else
+    make CC=$target-gcc-posix CFLAGS="$flags" -j"$jobs" libdeflate.a
+    cp libdeflate.a "$deps/lib"
+    cp libdeflate.h "$deps/include"
+    write_pkg_config libdeflate "$(sed -n 's/^#define LIBDEFLATE_VERSION_STRING.*"\(.*\)"/\1/p' libdeflate.h)" -ldeflate
+  fi
+}
+
 # Without ciphers that need GMP, which are those with public keys.
 build_nettle() {
   use_autotools --disable-public-key --disable-documentation --disable-openssl
