@@ -63,8 +63,8 @@ build_libdeflate() {
     use_cmake -DLIBDEFLATE_BUILD_GZIP=OFF -DLIBDEFLATE_BUILD_SHARED_LIB=OFF
     cmake --build build-windows --target install
   else
-    make CC=$target-gcc-posix CFLAGS="$flags" -j"$jobs" libdeflate.a
-    cp libdeflate.a "$deps/lib"
+    make CC=$target-gcc-posix AR=$target-ar CFLAGS="$flags" -j"$jobs" libdeflatestatic.lib
+    cp libdeflatestatic.lib "$deps/lib/libdeflate.a"
     cp libdeflate.h "$deps/include"
     write_pkg_config libdeflate "$(sed -n 's/^#define LIBDEFLATE_VERSION_STRING.*"\(.*\)"/\1/p' libdeflate.h)" -ldeflate
   fi

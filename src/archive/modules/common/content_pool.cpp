@@ -35,10 +35,14 @@ void ContentPool::Work(Worker* worker) {
   while (const std::optional<Batch> batch = Claim()) {
     std::vector<Result> results;
     for (std::size_t job = batch->begin; job < batch->end; ++job) {
+      Result& result = results.emplace_back();
+      result.is_there = true;
       try {
-        results.push_back(worker->Unpack(jobs_[job].entry));
+        std::optional<ContentBuffer> content = worker->Unpack(jobs_[job].entry);
+        result.is_whole = content.has_value();
+        if (content) result.content = *std::move(content);
       } catch (const std::bad_alloc&) {
-        results.emplace_back();
+        result.is_whole = false;
       }
     }
     const std::lock_guard lock(mutex_);
@@ -80,13 +84,13 @@ std::optional<ContentBuffer> ContentPool::Take(std::size_t entry) {
   // Only this thread changes it.
   if (taken_ == jobs_.size() || jobs_[taken_].entry != entry) return std::nullopt;
   std::unique_lock lock(mutex_);
-  has_result_.wait(lock, [this] { return !results_.empty() && results_.front().has_value(); });
-  Result result = *std::exchange(results_.front(), std::nullopt);
+  has_result_.wait(lock, [this] { return !results_.empty() && results_.front().is_there; });
+  Result result = std::move(results_.front());
   results_.pop_front();
   waiting_bytes_ -= jobs_[taken_++].size + kOverhead;
   lock.unlock();
   has_room_.notify_one();
-  return result;
+  return result.is_whole ? std::optional(std::move(result.content)) : std::nullopt;
 }
 
 }  // namespace quendle::modules

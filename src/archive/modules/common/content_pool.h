@@ -9,25 +9,12 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <string_view>
 #include <thread>
 #include <vector>
 
+#include "archive/modules/common/content_buffer.h"
+
 namespace quendle::modules {
-
-// Bytes whose number is known before they come. They are not set to anything first.
-class ContentBuffer {
- public:
-  explicit ContentBuffer(std::size_t size)
-      : bytes_(std::make_unique_for_overwrite<char[]>(size)), size_(size) {}
-
-  char* Data() { return bytes_.get(); }
-  std::string_view View() const { return {bytes_.get(), size_}; }
-
- private:
-  std::unique_ptr<char[]> bytes_;
-  std::size_t size_;
-};
 
 class ContentPool {
  public:
@@ -59,7 +46,11 @@ class ContentPool {
   std::optional<ContentBuffer> Take(std::size_t entry);
 
  private:
-  using Result = std::optional<ContentBuffer>;
+  struct Result {
+    bool is_there = false;
+    bool is_whole = false;
+    ContentBuffer content;
+  };
 
   struct Batch {
     std::size_t begin = 0;  // of the jobs
@@ -75,7 +66,7 @@ class ContentPool {
   std::mutex mutex_;
   std::condition_variable has_room_;
   std::condition_variable has_result_;
-  std::deque<std::optional<Result>> results_;  // of the jobs from taken_ on that were claimed
+  std::deque<Result> results_;  // of the jobs from taken_ on that were claimed
   std::size_t taken_ = 0;
   std::size_t claimed_ = 0;
   std::size_t waiting_bytes_ = 0;  // of the jobs from taken_ to claimed_

@@ -4,9 +4,9 @@
 
 namespace quendle::modules {
 
-bool GiveWhole(Entry entry, std::string_view content, EntrySink* sink) {
+bool GiveWhole(Entry entry, ContentBuffer content, EntrySink* sink) {
   if (!sink->Begin(std::move(entry), true)) return false;
-  const auto wish = content.empty() ? EntrySink::Wish::kMore : sink->Content(content);
+  const auto wish = sink->Whole(std::move(content));
   if (wish != EntrySink::Wish::kMore) return wish == EntrySink::Wish::kSkip;
   return sink->End(ReadStatus::kEnd, {});
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "archive/modules/common/archive_input.h"
+#include "archive/modules/common/content_buffer.h"
 #include "platform/extraction/extraction_folder.h"
 
 namespace quendle::modules {
@@ -68,6 +69,11 @@ class EntrySink {
   enum class Wish { kMore, kSkip, kStop };
   virtual Wish Content(std::string_view piece) = 0;
 
+  // The whole content at once, for who has it in memory; nothing else comes before End.
+  virtual Wish Whole(ContentBuffer content) {
+    return content.View().empty() ? Wish::kMore : Content(content.View());
+  }
+
   virtual bool End(ReadStatus status, const Reason& problem) = 0;
 
   // Is anything wanted still? For readers that are long without giving anything.
@@ -75,7 +81,7 @@ class EntrySink {
 };
 
 // Gives an entry whose content is whole and right. False: `sink` ends the reading.
-bool GiveWhole(Entry entry, std::string_view content, EntrySink* sink);
+bool GiveWhole(Entry entry, ContentBuffer content, EntrySink* sink);
 
 // An archive from its first entry to its last, as one library reads it. It is either listed or unpacked, once.
 // Whatever is in the archive, each call ends and the entries are finitely many; contents that are wrong are

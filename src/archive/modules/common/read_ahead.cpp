@@ -75,6 +75,11 @@ EntrySink::Wish ReadAhead::Content(std::string_view piece) {
   return begun_entries_ < unwanted_before_ ? Wish::kSkip : Wish::kMore;
 }
 
+EntrySink::Wish ReadAhead::Whole(ContentBuffer content) {
+  begun_.whole = std::move(content);
+  return Wish::kMore;
+}
+
 bool ReadAhead::End(ReadStatus status, const Reason& problem) {
   begun_.end = status;
   begun_.reason = problem;
@@ -91,7 +96,7 @@ bool ReadAhead::Give(Item item) {
   std::unique_lock lock(mutex_);
   changed_.wait(lock, [this] { return stop_ || given_bytes_ < kMostBytes; });
   if (stop_) return false;
-  given_bytes_ += item.content.size() + kItemOverhead;
+  given_bytes_ += item.content.size() + item.whole.View().size() + kItemOverhead;
   given_.push_back(std::move(item));
   if (given_.size() == 1) changed_.notify_all();
   return true;
@@ -115,7 +120,7 @@ bool ReadAhead::Take() {
     return false;
   }
   item_ = std::move(taken_[next_++]);
-  content_given_ = item_.content.empty();
+  content_given_ = item_.content.empty() && item_.whole.View().empty();
   return true;
 }
 
@@ -169,7 +174,7 @@ ReadStatus ReadAhead::ReadContent(std::string_view* piece) {
   }
   if (content_given_) return *item_.end;
   content_given_ = true;
-  *piece = item_.content;
+  *piece = item_.content.empty() ? item_.whole.View() : item_.content;
   return ReadStatus::kOk;
 }
 

@@ -45,6 +45,7 @@ class ReadAhead final : public EntryReader, private EntrySink {
     std::optional<ReadStatus> header;  // of NextEntry, when an entry, or the end, comes
     Entry entry;
     std::string content;
+    ContentBuffer whole;            // in its place
     std::optional<ReadStatus> end;  // of ReadContent, when the content ends here
     Reason reason;
   };
@@ -57,6 +58,7 @@ class ReadAhead final : public EntryReader, private EntrySink {
   bool Wants(const Entry& entry) override;
   bool Begin(Entry entry, bool is_wanted) override;
   Wish Content(std::string_view piece) override;
+  Wish Whole(ContentBuffer content) override;
   bool End(ReadStatus status, const Reason& problem) override;
   bool GoesOn() override;
   bool Give(Item item);

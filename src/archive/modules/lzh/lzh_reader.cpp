@@ -23,7 +23,8 @@ class LzhWorker final : public ContentPool::Worker {
       : input_(input), headers_(headers) {}
 
   static bool Takes(const LzhHeader& header) {
-    return header.size <= ContentPool::kMostSize && header.system != 'm';  // which may have two forks
+    // Classic Mac OS may have put two forks into one; what is stored is not worth a copy.
+    return header.size <= ContentPool::kMostSize && header.system != 'm' && header.packed_size != header.size;
   }
 
   std::optional<ContentBuffer> Unpack(std::size_t entry) override {
@@ -124,8 +125,8 @@ ReadStatus LzhReader::Unpack(EntrySink* sink) {
   ContentPool pool(std::move(jobs), [&] { return std::make_unique<LzhWorker>(input_, headers); });
   ReadStatus status = ReadStatus::kOk;
   for (std::size_t i = 0; (status = NextEntry(&entry)) == ReadStatus::kOk; ++i) {
-    const std::optional<ContentBuffer> content = pool.Take(i);
-    const bool goes_on = content ? GiveWhole(std::move(entry), content->View(), sink)
+    std::optional<ContentBuffer> content = pool.Take(i);
+    const bool goes_on = content ? GiveWhole(std::move(entry), *std::move(content), sink)
                                  : GiveCurrent(std::move(entry), wanted[i], sink);
     if (!goes_on) return ReadStatus::kEnd;
   }

@@ -36,7 +36,8 @@ constexpr std::uint64_t kMostPooled = 16U << 20;
 bool IsForPool(const RarFile& file) {
   const bool is_alone = !file.is_solid && !file.continued && !file.continues && !file.source;
   return is_alone && file.kind == EntryKind::kFile && !file.encryption && file.size &&
-         *file.size <= kMostPooled && file.packing != RarPacking::kUnknown;
+         *file.size <= kMostPooled && file.packing != RarPacking::kUnknown &&
+         file.packing != RarPacking::kStored;
 }
 
 class RarWorker final : public ContentPool::Worker {
@@ -165,8 +166,8 @@ ReadStatus RarReader::Unpack(EntrySink* sink) {
   ContentPool pool(std::move(jobs), [&] { return std::make_unique<RarWorker>(input_, files); });
   for (const std::size_t index : copies_.Order()) {
     if (!sink->GoesOn()) return ReadStatus::kEnd;
-    const std::optional<ContentBuffer> content = pool.Take(index);
-    const bool goes_on = content ? GiveWhole(EntryOf(index), content->View(), sink)
+    std::optional<ContentBuffer> content = pool.Take(index);
+    const bool goes_on = content ? GiveWhole(EntryOf(index), *std::move(content), sink)
                                  : UnpackEntry(index, wanted[index], needed_later[index], sink);
     if (!goes_on) return ReadStatus::kEnd;
   }

@@ -113,8 +113,8 @@ ReadStatus ZipReader::Unpack(EntrySink* sink) {
   ReadStatus status = ReadStatus::kOk;
   while ((status = NextEntry(&entry)) == ReadStatus::kOk) {
     const std::size_t index = next_ - 1;
-    const std::optional<ContentBuffer> content = pool.Take(index);
-    const bool goes_on = content ? GiveWhole(std::move(entry), content->View(), sink)
+    std::optional<ContentBuffer> content = pool.Take(index);
+    const bool goes_on = content ? GiveWhole(std::move(entry), *std::move(content), sink)
                                  : GiveCurrent(std::move(entry), wanted[index], sink);
     if (!goes_on) return ReadStatus::kEnd;
   }
