@@ -12,7 +12,7 @@ import zlib
 
 from common import MEMORY, compare
 
-TOTAL = 60_000_000
+TOTAL = 50_000_000
 LEAST = 1_000  # bytes of an entry: smaller ones measure the making of files
 TOOLS = {"unar": "unar -q -f -D -o {out} {archive}", "bsdtar": "bsdtar -xf {archive} -C {out}"}
 
