@@ -6,10 +6,10 @@
 #include <utility>
 #include <vector>
 
-#include "archive/modules/rar/unpack/code_lengths.h"
-#include "archive/modules/rar/unpack/common_filters.h"
 #include "archive/modules/lz/huffman_code.h"
 #include "archive/modules/lz/window.h"
+#include "archive/modules/rar/unpack/code_lengths.h"
+#include "archive/modules/rar/unpack/common_filters.h"
 #include "support/rar_encoder.h"
 
 namespace quendle::modules {

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "archive/modules/common/archive_input.h"
+#include "archive/modules/lz/packed_source.h"
 #include "archive/modules/rar/ciphers/rar_cipher.h"
 #include "archive/modules/rar/rar_headers.h"
-#include "archive/modules/lz/packed_source.h"
 
 namespace quendle::modules {
 

@@ -1,6 +1,6 @@
 #include "archive/modules/zip/zip_family.h"
-#include "archive/modules/common/signature_scan.h"
-#include "archive/modules/zip/zip_end.h"
+
+#include <libdeflate.h>
 
 #include <algorithm>
 #include <memory>
@@ -10,8 +10,10 @@
 #include "archive/modules/common/holding_archive.h"
 #include "archive/modules/common/libarchive_reader.h"
 #include "archive/modules/common/sevenzip_library.h"
+#include "archive/modules/common/signature_scan.h"
 #include "archive/modules/common/volumes.h"
 #include "archive/modules/zip/zip_directory.h"
+#include "archive/modules/zip/zip_end.h"
 #include "archive/modules/zip/zip_reader.h"
 #include "archive/modules/zip/zip_sevenzip.h"
 
@@ -101,7 +103,7 @@ platform::Result CheckZip(const ArchiveInput& input) {
 }
 
 std::string ZipLibraries() {
-  return LibarchiveVersion() + AndSevenZipVersion();
+  return LibarchiveVersion().append(", libdeflate " LIBDEFLATE_VERSION_STRING).append(AndSevenZipVersion());
 }
 
 }  // namespace

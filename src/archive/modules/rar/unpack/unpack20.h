@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <optional>
 
-#include "archive/modules/rar/unpack/audio20.h"
 #include "archive/modules/lz/huffman_code.h"
+#include "archive/modules/rar/unpack/audio20.h"
 #include "archive/modules/rar/unpack/recent_distances.h"
 #include "archive/modules/rar/unpack/unpacker.h"
 

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <functional>
 
-#include "archive/modules/rar/unpack/filter_programs.h"
 #include "archive/modules/lz/huffman_code.h"
+#include "archive/modules/rar/unpack/filter_programs.h"
 #include "archive/modules/rar/unpack/ppm_model.h"
 #include "archive/modules/rar/unpack/range_decoder.h"
 #include "archive/modules/rar/unpack/unpacker.h"

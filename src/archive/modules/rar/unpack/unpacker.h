@@ -9,8 +9,8 @@
 
 #include "archive/modules/common/entry_reader.h"
 #include "archive/modules/lz/bit_reader.h"
-#include "archive/modules/rar/unpack/filter_queue.h"
 #include "archive/modules/lz/window.h"
+#include "archive/modules/rar/unpack/filter_queue.h"
 
 namespace quendle::modules {
 
