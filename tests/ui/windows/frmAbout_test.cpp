@@ -15,6 +15,7 @@ std::vector<std::string> Lines(const std::string& module_folder) {
   const frmAbout form(nullptr, module_folder);
   const auto* lst = form.findChild<QListWidget*>("lst");
   std::vector<std::string> lines;
+  lines.reserve(static_cast<std::size_t>(lst->count()));
   for (int i = 0; i < lst->count(); ++i) lines.push_back(FromQt(lst->item(i)->text()));
   return lines;
 }
