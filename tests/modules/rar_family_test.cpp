@@ -259,8 +259,9 @@ GTEST_TEST(Rar, NamesTheVolumeThatIsDamaged) {
 const std::string kSalt = "saltsalt";
 
 // With AES-128, up to whole blocks.
-std::string Encrypted3(std::string bytes, const std::string& password) {
-  const auto key = DeriveRar3Key(password, kSalt, LongPasswords::kChanging, [] { return true; });
+std::string Encrypted3(std::string bytes, const std::string& password,
+                       LongPasswords way = LongPasswords::kChanging) {
+  const auto key = DeriveRar3Key(password, kSalt, way, [] { return true; });
   bytes.resize((bytes.size() + 15) / 16 * 16);
   struct CBC_CTX(aes128_ctx, AES_BLOCK_SIZE) context;
   aes128_set_encrypt_key(&context.ctx, key->key.data());
@@ -291,12 +292,19 @@ GTEST_TEST(Rar, OpensWhatIsEncrypted) {
   std::string stream = "content";
   MakeCipher15("\x95\x5C")->Decrypt(reinterpret_cast<std::uint8_t*>(stream.data()), stream.size());
   const std::string old = test::kRar4Signature + main + file("a", "content", stream, 15) + stream;
+  const std::string many(40, 'p');
+  const std::string plain = Encrypted3("content", many, LongPasswords::kPlain);
+  const std::string other = test::kRar4Signature + main + file("a", "content", plain, 29) + plain + end;
+  const std::string changing = Encrypted3("content", many);
+  const std::string usual = test::kRar4Signature + main + file("a", "content", changing, 29) + changing + end;
   const struct {
     const char* what;
     const std::string& bytes;
     std::vector<std::string> passwords;
     const char* text;
   } rows[] = {
+      {"a long password", usual, {many}, "a=content"},
+      {"a long password, the other way", other, {many}, "a=content"},
       {"AES", aes, {}, "a!it is encrypted and no password was given"},
       {"AES", aes, {"wrong"}, "a!the password is wrong or the data is damaged: its checksum does not agree"},
       {"AES", aes, {"wrong", "表"}, "a=content"},
@@ -337,12 +345,59 @@ std::string PackedEntry5(const std::string& name, const std::string& bytes, unsi
                          block);
 }
 
+// Wants one entry only.
+class OnlySink final : public EntrySink {
+ public:
+  explicit OnlySink(std::string path) : path_(std::move(path)) {}
+  bool Wants(const Entry& entry) override { return entry.path == path_; }
+  bool GoesOn() override { return true; }
+  bool Begin(Entry entry, bool is_wanted) override {
+    text += (text.empty() ? "" : " ") + entry.path + (is_wanted ? "=" : "");
+    return true;
+  }
+  Wish Content(std::string_view piece) override {
+    text += piece;
+    return Wish::kMore;
+  }
+  bool End(ReadStatus status, const Reason&) override {
+    EXPECT_EQ(status, ReadStatus::kEnd);
+    return true;
+  }
+  std::string text;
+
+ private:
+  const std::string path_;
+};
+
+// The cipher and the packed data go on from one volume to the next, wherever it was cut.
+GTEST_TEST(Rar, DecryptsOverVolumes) {
+  const std::string whole = "a content of more than two blocks, which is 60 bytes long...";
+  const std::string packed = Encrypted3(whole, "right");
+  const test::TempFolder folder;
+  const auto part = [&](std::size_t from, std::size_t to, unsigned flags) {
+    return RarEntry{"a", packed.substr(from, to - from), flags | 0x404U, 2, 0x20, whole, kSalt};
+  };
+  test::WriteFile(folder / "a.rar", StoredRar({part(0, 21, 2)}, 0x101, true));
+  test::WriteFile(folder / "a.r00", StoredRar({part(21, 23, 3)}, 1, true));
+  test::WriteFile(folder / "a.r01", StoredRar({part(23, packed.size(), 1)}, 1));
+  EXPECT_EQ(test::Unpack(kRarFamily, folder / "a.rar", {"right"}).Text(), "a=" + whole);
+}
+
 GTEST_TEST(Rar, UnpacksWhatSolidEntriesGoOnWith) {
   const std::string bytes = test::kRar5Signature + test::Rar5Block(std::string("\1\0\4", 3)) +
                             PackedEntry5("a", "abcd", 0, "abcd") + Rar5Entry("s", "stored") +
                             PackedEntry5("b", "e", 3, "ebcd") + PackedEntry5("c", "f", 3, "fbcd") +
                             test::Rar5Block(std::string("\5\0\0", 3));
   EXPECT_EQ(Text(bytes), "a=abcd s=stored b=ebcd c=fbcd");
+  const test::TempFolder folder;
+  test::WriteFile(folder / "a", bytes);
+  const ArchiveInput input(test::Opened(folder / "a"), 0);
+  for (const auto& [path, text] : {std::pair{"c", "a s b c=fbcd"}, std::pair{"b", "a s b=ebcd c"}}) {
+    Reason reason;
+    OnlySink sink(path);
+    kRarFamily.engines(input).front().open(input, {"", [] { return std::nullopt; }}, &reason)->Unpack(&sink);
+    EXPECT_EQ(sink.text, text);
+  }
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <system_error>
 #include <utility>
 
 namespace quendle::modules {
@@ -19,7 +20,11 @@ ContentPool::ContentPool(std::vector<Job> jobs, const std::function<std::unique_
     : jobs_(std::move(jobs)) {
   const std::size_t cores = std::clamp(std::thread::hardware_concurrency(), 1U, kMostWorkers);
   for (std::size_t i = 0; i < std::min(cores, jobs_.size()); ++i) workers_.push_back(make_worker());
-  for (const auto& worker : workers_) threads_.emplace_back([this, &worker] { Work(worker.get()); });
+  try {
+    for (const auto& worker : workers_) threads_.emplace_back([this, &worker] { Work(worker.get()); });
+  } catch (const std::system_error&) {
+    // The system has no more threads: those that there are do it, or whoever takes.
+  }
 }
 
 ContentPool::~ContentPool() {
@@ -82,7 +87,7 @@ bool ContentPool::HasRoom(const Batch& batch) const {
 
 std::optional<ContentBuffer> ContentPool::Take(std::size_t entry) {
   // Only this thread changes it.
-  if (taken_ == jobs_.size() || jobs_[taken_].entry != entry) return std::nullopt;
+  if (threads_.empty() || taken_ == jobs_.size() || jobs_[taken_].entry != entry) return std::nullopt;
   std::unique_lock lock(mutex_);
   has_result_.wait(lock, [this] { return !results_.empty() && results_.front().is_there; });
   Result result = std::move(results_.front());

@@ -76,7 +76,7 @@ class EntrySink {
 
   virtual bool End(ReadStatus status, const Reason& problem) = 0;
 
-  // Is anything wanted still? For readers that are long without giving anything.
+  // Is anything wanted still? For readers that are long without giving anything; asked on any thread.
   virtual bool GoesOn() = 0;
 };
 

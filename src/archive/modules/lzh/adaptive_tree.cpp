@@ -11,7 +11,7 @@ AdaptiveTree::AdaptiveTree(std::size_t symbols) : symbols_(symbols), size_(2 * s
   Build(std::move(leaves));
 }
 
-unsigned AdaptiveTree::Next(BitSource* bits) {
+unsigned AdaptiveTree::Next(BitReader* bits) {
   std::size_t node = 0;
   while (nodes_[node].child != 0) node = nodes_[node].child - bits->Take(1);
   const unsigned symbol = nodes_[node].symbol;

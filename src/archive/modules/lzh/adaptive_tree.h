@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "archive/modules/lzh/bit_source.h"
+#include "archive/modules/lz/bit_reader.h"
 
 namespace quendle::modules {
 
@@ -19,7 +19,7 @@ class AdaptiveTree {
   explicit AdaptiveTree(std::size_t symbols);
 
   // The next symbol, counted.
-  unsigned Next(BitSource* bits);
+  unsigned Next(BitReader* bits);
 
   // Takes in the next symbol that it does not have, counted. There is room for 286.
   void AddSymbol();

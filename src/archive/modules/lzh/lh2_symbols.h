@@ -10,14 +10,14 @@ namespace quendle::modules {
 // 64 bytes of content, until it has all.
 class Lh2Symbols final : public WindowSymbols {
  public:
-  explicit Lh2Symbols(PackedBytes* packed) : bits_(packed) {}
+  explicit Lh2Symbols(PackedBytes* packed) { bits_.Begin(packed); }
 
   unsigned NextCode() override;
   unsigned NextPosition(std::uint64_t made) override;
   bool ok() const override { return !bits_.IsPastEnd(); }
 
  private:
-  BitSource bits_;
+  BitReader bits_;
   AdaptiveTree codes_{kWindowCodes};
   AdaptiveTree positions_{1};
   std::uint64_t known_positions_ = 1;  // codes of them

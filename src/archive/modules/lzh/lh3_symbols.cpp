@@ -8,7 +8,7 @@ namespace {
 
 // Reads how long the code of each symbol is. When the first three have 1 bit each, which no code has, there is only
 // one symbol, of which the number follows.
-void ReadCode(BitSource* bits, std::size_t symbols, unsigned symbol_bits,
+void ReadCode(BitReader* bits, std::size_t symbols, unsigned symbol_bits,
               const std::function<std::uint8_t()>& read_length, CanonicalCode* code) {
   std::vector<std::uint8_t> lengths(symbols);
   for (std::size_t i = 0; i < symbols; ++i) {
@@ -53,7 +53,7 @@ void CanonicalCode::AssignOnly(unsigned symbol) {
   symbols_ = {symbol};
 }
 
-unsigned CanonicalCode::Next(BitSource* bits) const {
+unsigned CanonicalCode::Next(BitReader* bits) const {
   unsigned code = 0;
   unsigned first = 0;  // code of this length
   std::size_t index = 0;

@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "archive/modules/lzh/bit_source.h"
+#include "archive/modules/lz/bit_reader.h"
 #include "archive/modules/lzh/window_unpacker.h"
 
 namespace quendle::modules {
@@ -22,7 +22,7 @@ class CanonicalCode {
 
   // The next symbol; kNone when the bits stand for none.
   static constexpr unsigned kNone = 0xFFFF;
-  unsigned Next(BitSource* bits) const;
+  unsigned Next(BitReader* bits) const;
 
  private:
   static constexpr std::size_t kMostBits = 16;
@@ -35,7 +35,7 @@ class CanonicalCode {
 // for the position codes, for which there is a fixed one, too.
 class Lh3Symbols final : public WindowSymbols {
  public:
-  explicit Lh3Symbols(PackedBytes* packed) : bits_(packed) {}
+  explicit Lh3Symbols(PackedBytes* packed) { bits_.Begin(packed); }
 
   unsigned NextCode() override;
   unsigned NextPosition(std::uint64_t made) override;
@@ -44,7 +44,7 @@ class Lh3Symbols final : public WindowSymbols {
  private:
   void BeginBlock();
 
-  BitSource bits_;
+  BitReader bits_;
   CanonicalCode codes_;
   CanonicalCode positions_;
   unsigned left_in_block_ = 0;

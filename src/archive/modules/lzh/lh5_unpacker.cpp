@@ -20,9 +20,9 @@ std::optional<Lh5Form> Lh5FormOf(std::string_view method) {
 }
 
 // Before its beginning a content has blanks, which matches may repeat.
-Lh5Unpacker::Lh5Unpacker(PackedBytes* packed, Lh5Form form) : source_(packed), form_(form) {
+Lh5Unpacker::Lh5Unpacker(PackedBytes* packed, Lh5Form form) : form_(form) {
   const std::uint64_t size = std::uint64_t{1} << form.window_bits;
-  bits_.Begin(&source_);
+  bits_.Begin(packed);
   window_.Reset(size);
   is_over_ = !window_.Reserve(static_cast<std::size_t>(size));
   for (std::uint64_t i = 0; i < size && !is_over_; ++i) window_.Put(' ');

@@ -31,19 +31,6 @@ class Lh5Unpacker final : public LzhUnpacker {
   std::size_t Read(char* buffer, std::size_t size) override;
 
  private:
-  // The packed bytes as bits want them.
-  class Source final : public PackedSource {
-   public:
-    explicit Source(PackedBytes* packed) : packed_(*packed) {}
-    std::size_t Read(std::uint8_t* buffer, std::size_t size) override {
-      return packed_.Read(reinterpret_cast<char*>(buffer), size);
-    }
-    const Reason& Problem() const override { return packed_.Problem(); }
-
-   private:
-    PackedBytes& packed_;
-  };
-
   // A code that may be of one symbol only, which takes no bits then.
   struct Code {
     HuffmanCode code;
@@ -66,7 +53,6 @@ class Lh5Unpacker final : public LzhUnpacker {
   template <typename Bits, typename Output>
   bool DecodeSymbol(Bits* bits, Output* output) const;
 
-  Source source_;
   BitReader bits_;
   Window window_;
   const Lh5Form form_;

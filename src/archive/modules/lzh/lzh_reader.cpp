@@ -19,8 +19,8 @@ constexpr std::size_t kLargestHeader = 64U << 10;  // but for those of level 3, 
 
 class LzhWorker final : public ContentPool::Worker {
  public:
-  LzhWorker(const ArchiveInput& input, const std::vector<LzhHeader>& headers)
-      : input_(input), headers_(headers) {}
+  LzhWorker(const ArchiveInput& input, const std::vector<LzhHeader>& headers, EntrySink* sink)
+      : input_(input), headers_(headers), sink_(*sink) {}
 
   static bool Takes(const LzhHeader& header) {
     // Classic Mac OS may have put two forks into one; what is stored is not worth a copy.
@@ -36,8 +36,9 @@ class LzhWorker final : public ContentPool::Worker {
     ContentBuffer content(static_cast<std::size_t>(header.size));
     std::size_t size = 0;
     while (size < content.View().size()) {
-      const std::size_t got = unpacker->Read(content.Data() + size, content.View().size() - size);
-      if (got == 0) return std::nullopt;
+      const std::size_t wanted = std::min(kPieceSize, content.View().size() - size);
+      const std::size_t got = unpacker->Read(content.Data() + size, wanted);
+      if (got == 0 || !sink_.GoesOn()) return std::nullopt;
       size += got;
     }
     char beyond = 0;
@@ -51,6 +52,7 @@ class LzhWorker final : public ContentPool::Worker {
  private:
   const ArchiveInput& input_;
   const std::vector<LzhHeader>& headers_;
+  EntrySink& sink_;
 };
 
 class LzhReader final : public EntryReader {
@@ -122,7 +124,7 @@ ReadStatus LzhReader::Unpack(EntrySink* sink) {
       jobs.push_back({headers.size(), static_cast<std::size_t>(list.header_.size)});
     headers.push_back(std::move(list.header_));
   }
-  ContentPool pool(std::move(jobs), [&] { return std::make_unique<LzhWorker>(input_, headers); });
+  ContentPool pool(std::move(jobs), [&] { return std::make_unique<LzhWorker>(input_, headers, sink); });
   ReadStatus status = ReadStatus::kOk;
   for (std::size_t i = 0; (status = NextEntry(&entry)) == ReadStatus::kOk; ++i) {
     std::optional<ContentBuffer> content = pool.Take(i);

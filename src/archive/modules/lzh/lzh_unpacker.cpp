@@ -19,7 +19,9 @@ class StoredBytes final : public LzhUnpacker {
  public:
   explicit StoredBytes(PackedBytes* packed) : packed_(packed) {}
 
-  std::size_t Read(char* buffer, std::size_t size) override { return packed_->Read(buffer, size); }
+  std::size_t Read(char* buffer, std::size_t size) override {
+    return packed_->Read(reinterpret_cast<std::uint8_t*>(buffer), size);
+  }
 
  private:
   PackedBytes* packed_;

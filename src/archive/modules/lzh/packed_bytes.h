@@ -7,17 +7,17 @@
 #include <string>
 
 #include "archive/modules/common/archive_input.h"
+#include "archive/modules/lz/packed_source.h"
 
 namespace quendle::modules {
 
-class PackedBytes {
+class PackedBytes final : public PackedSource {
  public:
   // `size` bytes of the input from `position` on; fewer when it ends before. The input outlives this object.
   PackedBytes(const ArchiveInput& input, std::uint64_t position, std::uint64_t size)
       : input_(input), position_(position), left_(size) {}
 
-  // The next bytes, `size` at most. 0: there are no more, or Problem() says why they cannot be read.
-  std::size_t Read(char* buffer, std::size_t size) {
+  std::size_t Read(std::uint8_t* buffer, std::size_t size) override {
     std::size_t got = 0;
     size = static_cast<std::size_t>(std::min<std::uint64_t>(size, left_));
     if (const platform::Result result = input_.ReadAt(position_, buffer, size, &got); !result.ok()) {
@@ -34,7 +34,7 @@ class PackedBytes {
   std::size_t ReadFew(char* bytes, std::size_t size) {
     if (used_ == buffer_.size()) {
       buffer_.resize(kBufferSize);
-      buffer_.resize(Read(buffer_.data(), buffer_.size()));
+      buffer_.resize(Read(reinterpret_cast<std::uint8_t*>(buffer_.data()), buffer_.size()));
       used_ = 0;
     }
     const std::size_t taken = buffer_.copy(bytes, size, used_);
@@ -42,7 +42,7 @@ class PackedBytes {
     return taken;
   }
 
-  const Reason& Problem() const { return problem_; }
+  const Reason& Problem() const override { return problem_; }
 
  private:
   static constexpr std::size_t kBufferSize = 64U << 10;

@@ -11,7 +11,6 @@ namespace {
 
 constexpr std::size_t kMainSize = 7;
 constexpr std::size_t kFileSize = 21;  // without the name
-constexpr std::size_t kMostFiles = 1'000'000;
 
 bool ReadMain(HeaderBytes* header, std::uint64_t begin, std::uint64_t* size) {
   if (!header->Begin(begin) || !header->Read(kMainSize)) return false;
@@ -61,7 +60,7 @@ void ReadRar13Headers(const ArchiveInput& input, std::uint64_t begin, std::uint6
     const auto name_end = kFileSize + static_cast<std::size_t>(LittleEndian(header.Bytes(), 19, 1));
     const auto header_size = static_cast<std::size_t>(LittleEndian(header.Bytes(), 10, 2));
     if (header_size < name_end || !header.Read(header_size)) return;
-    if (archive->files.size() >= kMostFiles) {
+    if (archive->files.size() >= kMostRarFiles) {
       archive->problem = why::kTooManyEntries;
       return;
     }

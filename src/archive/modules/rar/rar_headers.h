@@ -65,6 +65,9 @@ struct RarFile {
   }
 };
 
+// Beyond what anybody packs.
+inline constexpr std::size_t kMostRarFiles = 1'000'000;
+
 struct RarArchive {
   RarVersion version = RarVersion::kNone;
   bool is_volume = false;

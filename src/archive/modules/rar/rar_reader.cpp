@@ -42,8 +42,11 @@ bool IsForPool(const RarFile& file) {
 
 class RarWorker final : public ContentPool::Worker {
  public:
-  RarWorker(const ArchiveInput& input, const std::vector<RarFile>& files)
-      : files_(files), keys_([] { return std::nullopt; }, [] { return true; }), content_(input, &keys_) {}
+  RarWorker(const ArchiveInput& input, const std::vector<RarFile>& files, EntrySink* sink)
+      : files_(files),
+        sink_(*sink),
+        keys_([] { return std::nullopt; }, [] { return true; }),
+        content_(input, &keys_) {}
 
   std::optional<ContentBuffer> Unpack(std::size_t entry) override {
     const RarFile& file = files_[entry];
@@ -52,7 +55,7 @@ class RarWorker final : public ContentPool::Worker {
     content_.Begin(file);
     std::string_view piece;
     while (content_.Read(&piece) == ReadStatus::kOk) {
-      if (piece.size() > whole.View().size() - size) return std::nullopt;
+      if (piece.size() > whole.View().size() - size || !sink_.GoesOn()) return std::nullopt;
       size += piece.copy(whole.Data() + size, piece.size());
     }
     if (content_.Status() != ReadStatus::kEnd || size < whole.View().size()) return std::nullopt;
@@ -61,6 +64,7 @@ class RarWorker final : public ContentPool::Worker {
 
  private:
   const std::vector<RarFile>& files_;
+  EntrySink& sink_;
   RarKeys keys_;
   RarContent content_;
 };
@@ -163,7 +167,7 @@ ReadStatus RarReader::Unpack(EntrySink* sink) {
       jobs.push_back({index, static_cast<std::size_t>(*files[index].size)});
   }
   ChooseWayToKey(sink);
-  ContentPool pool(std::move(jobs), [&] { return std::make_unique<RarWorker>(input_, files); });
+  ContentPool pool(std::move(jobs), [&] { return std::make_unique<RarWorker>(input_, files, sink); });
   for (const std::size_t index : copies_.Order()) {
     if (!sink->GoesOn()) return ReadStatus::kEnd;
     std::optional<ContentBuffer> content = pool.Take(index);

@@ -7,8 +7,8 @@
 
 namespace quendle::modules {
 
-// `input` holds the archive's volumes from the first one on. Null, with the reason, for what is no archive. In a damaged
-// archive entries that are whole are given, and in the end what is wrong.
+// `input` holds the archive's volumes from the first one on. Never null: what is wrong,
+// also with a password, is told behind the entries that there are.
 std::unique_ptr<ArchiveReader> OpenRar(const ArchiveInput& input, const ReaderOptions& options,
                                        Reason* reason);
 

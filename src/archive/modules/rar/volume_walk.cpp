@@ -5,12 +5,6 @@
 #include "archive/modules/rar/header_search.h"
 
 namespace quendle::modules {
-namespace {
-
-constexpr std::size_t kMostFiles = 1'000'000;  // beyond what anybody packs
-
-}  // namespace
-
 void VolumeWalk::Encrypt(RarEncryption encryption, std::size_t prefix, std::string RarEncryption::*field) {
   encryption_ = std::move(encryption);
   header_.Encrypt(prefix, [this, field](const std::string& bytes) {
@@ -46,7 +40,7 @@ void VolumeWalk::Fail(ReadStatus status, Reason reason) {
 }
 
 bool VolumeWalk::Add(RarFile file) {
-  if (archive_.files.size() >= kMostFiles) {
+  if (archive_.files.size() >= kMostRarFiles) {
     Fail(ReadStatus::kFailed, why::kTooManyEntries);
     return false;
   }
