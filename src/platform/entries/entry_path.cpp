@@ -69,13 +69,16 @@ bool IsDevice(std::string_view part) {
 
 std::string SafePart(std::string_view part, NameRules rules) {
   const std::string_view forbidden = rules == NameRules::kWindows ? ":*?\"<>|" : "";
-  std::string safe;
+  const auto is_forbidden = [&](char c) { return forbidden.find(c) != std::string_view::npos; };
+  const auto is_plain = [&](char c) { return c >= 0x20 && c < 0x7F && !is_forbidden(c); };
+  const auto plain = std::find_if_not(part.begin(), part.end(), is_plain) - part.begin();
+  std::string safe(part.substr(0, static_cast<std::size_t>(plain)));
+  part.remove_prefix(safe.size());
   while (!part.empty()) {
     char32_t code_point = 0;
     TakeCodePoint(&part, &code_point);
     const bool bad =
-        IsControl(code_point) ||
-        (code_point < 0x80 && forbidden.find(static_cast<char>(code_point)) != std::string_view::npos);
+        IsControl(code_point) || (code_point < 0x80 && is_forbidden(static_cast<char>(code_point)));
     AppendCodePoint(bad ? U'_' : code_point, &safe);
   }
   if (rules == NameRules::kWindows) {

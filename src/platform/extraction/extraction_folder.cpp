@@ -8,9 +8,11 @@
 
 #include "platform/entries/entry_path.h"
 #include "platform/entries/path_names.h"
+#include "platform/extraction/file_writers.h"
 #include "platform/extraction/open_folders.h"
 #include "platform/extraction/origin_mark.h"
 #include "platform/extraction/unfinished_file.h"
+#include "platform/process/undone_at_exit.h"
 
 namespace quendle::platform {
 namespace {
@@ -41,7 +43,11 @@ Result NoFile(const std::string& path) {
 
 }  // namespace
 
-class ExtractionFolder::Impl {
+bool ConcernsAll(Code code) {
+  return code == Code::kNoSpace || code == Code::kDenied;
+}
+
+class ExtractionFolder::Impl final : private UndoneAtExit {
  public:
   explicit Impl(OpenFolder top) : folders(std::move(top)) {}
 
@@ -69,10 +75,11 @@ class ExtractionFolder::Impl {
   }
 
   // Gives what has the temporary name in `from` its own.
-  Result Place(const OpenFolder& from, const OpenFolder& to, const std::string& path, Replace replace) const {
+  Result Place(const OpenFolder& from, const std::string& temporary, const OpenFolder& to,
+               const std::string& path, Replace replace) const {
     const std::string name = NameOf(path);
     if (Result allowed = CheckTaking(to, name, replace); !allowed.ok()) return allowed;
-    const int error = from.Rename(temporary_name, to, name, replace == Replace::kFile);
+    const int error = from.Rename(temporary, to, name, replace == Replace::kFile);
     if (error == 0) return Success();
     Result result = SystemFailure(error, folders.Shown(path));
     EntryStatus taken;
@@ -80,6 +87,24 @@ class ExtractionFolder::Impl {
     if (taken.is_folder()) return Failure(Code::kIsFolder, folders.Shown(path), why::kFolderThere);
     if (result.code == Code::kExists) result.reason = why::kSomethingThere;
     return result;
+  }
+
+  Result PlaceFile(const OpenFolder& to, const std::string& path, Replace replace,
+                   UnfinishedFile* file) const {
+    Result result = Place(file->folder(), file->temporary_name(), to, path, replace);
+    if (!result.ok()) return result;
+    file->HasItsName();
+    if (!mark.empty()) WriteOriginMark(to, NameOf(path), mark);
+    return result;
+  }
+
+  FileWriters& Writers() {
+    if (!writers) {
+      writers.emplace([this](const FileWriters::File& file, UnfinishedFile* written) {
+        return PlaceFile(*file.folder, file.path, Replace::kNothing, written);
+      });
+    }
+    return *writers;
   }
 
   Result MakeLink(const Link& link);
@@ -97,6 +122,10 @@ class ExtractionFolder::Impl {
   std::vector<Link> links;
   std::unordered_set<std::string> link_paths;  // of those, which nothing else is to get
   std::map<std::string, EntryTime> folder_times;
+  std::optional<FileWriters> writers;  // use all of the above that does not change
+
+ private:
+  void UndoAtExit() override { unfinished.reset(); }
 };
 
 Result ExtractionFolder::Impl::MakeLink(const Link& link) {
@@ -113,7 +142,7 @@ Result ExtractionFolder::Impl::MakeLink(const Link& link) {
   if (!result.ok()) return result;
   result = folder->StatusOf(temporary_name, &status);
   if (!result.ok()) return Failure(result.code, folders.Shown(link.path), result.reason);
-  result = Place(*folder, *folder, link.path, replace);
+  result = Place(*folder, temporary_name, *folder, link.path, replace);
   if (result.ok()) {
     ours.insert(status.id);
   } else {
@@ -207,19 +236,55 @@ Result ExtractionFolder::CommitFile(const std::string& path, const EntryAttribut
   FolderHandle folder;
   Result result = impl_->EnterParent(path, true, &folder);
   if (result.ok()) result = impl_->unfinished->Complete(attributes);
-  if (result.ok()) result = impl_->Place(impl_->unfinished->folder(), *folder, path, replace);
+  if (result.ok()) result = impl_->PlaceFile(*folder, path, replace, impl_->unfinished.get());
   if (result.code == Code::kExists || result.code == Code::kIsFolder) return result;
-  if (result.ok()) {
-    impl_->unfinished->HasItsName();
-    impl_->ours.insert(impl_->unfinished->id());
-    if (!impl_->mark.empty()) WriteOriginMark(*folder, NameOf(path), impl_->mark);
-  }
+  if (result.ok()) impl_->ours.insert(impl_->unfinished->id());
   DiscardFile();
   return result;
 }
 
 void ExtractionFolder::DiscardFile() {
   impl_->unfinished.reset();
+}
+
+bool ExtractionFolder::WritesBehind() {
+  return impl_->Writers().AreUseful();
+}
+
+bool ExtractionFolder::HasRoom(std::size_t size) const {
+  return !impl_->writers || impl_->writers->HasRoom(size);
+}
+
+bool ExtractionFolder::MayMeetHanded(const std::string& path) {
+  return impl_->writers && impl_->writers->MayMeet(path);
+}
+
+Result ExtractionFolder::HandFile(const std::string& path, ContentBuffer content,
+                                  const EntryAttributes& attributes) {
+  FolderHandle folder;
+  Result result = impl_->EnterParent(path, true, &folder);
+  if (!result.ok()) return result;
+  impl_->Writers().Hand(
+      {std::move(folder), path, impl_->folders.Shown(path), std::move(content), attributes});
+  return result;
+}
+
+std::size_t ExtractionFolder::Handed() const {
+  return impl_->writers ? impl_->writers->Count() : 0;
+}
+
+std::vector<Result> ExtractionFolder::TakeHanded(std::chrono::milliseconds wait) {
+  std::vector<Result> results;
+  if (!impl_->writers) return results;
+  for (FileWriters::Outcome& outcome : impl_->writers->Take(wait)) {
+    if (outcome.result.ok()) impl_->ours.insert(outcome.id);
+    results.push_back(std::move(outcome.result));
+  }
+  return results;
+}
+
+void ExtractionFolder::DiscardHanded() {
+  if (impl_->writers) impl_->writers->Discard();
 }
 
 Result ExtractionFolder::FreeName(const std::string& path, std::string* free_path) {

@@ -5,6 +5,7 @@
 // complete; until it is committed, and after any failure, what was there before is untouched.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -14,10 +15,14 @@
 
 #include "platform/entries/entry_time.h"
 #include "platform/entries/file_side.h"
+#include "platform/extraction/content_buffer.h"
 #include "platform/extraction/protected_entries.h"
 #include "reasons/result.h"
 
 namespace quendle::platform {
+
+// A failure after which no other file of the extraction can be expected to succeed.
+bool ConcernsAll(Code code);
 
 struct EntryAttributes {
   std::optional<EntryTime> write_time;  // none: now
@@ -28,7 +33,7 @@ class ExtractionFolder {
  public:
   // `folder` exists; it may itself be a link.
   static Result Open(const std::string& folder, std::unique_ptr<ExtractionFolder>* opened);
-  ~ExtractionFolder();  // discards a file that is not committed
+  ~ExtractionFolder();  // discards what is not committed
   ExtractionFolder(const ExtractionFolder&) = delete;
   ExtractionFolder& operator=(const ExtractionFolder&) = delete;
 
@@ -71,6 +76,24 @@ class ExtractionFolder {
   enum class Replace { kNothing, kFile };
   Result CommitFile(const std::string& path, const EntryAttributes& attributes, Replace replace);
   void DiscardFile();
+
+  // Whole files, written on several threads behind the caller's back while it goes on. They get their names in the order
+  // in which they were handed over; a name that is taken by then is kExists or kIsFolder, and the file is discarded.
+  // After a failure that concerns all (see ConcernsAll) none of the later ones gets its name.
+  //
+  // False where nothing is gained by that; nothing is to be handed over then.
+  bool WritesBehind();
+  bool HasRoom(std::size_t size) const;  // false: files must be taken first
+  // May that path, or a folder on its way, be one of the files that are handed over and not taken? It is not to be
+  // looked at, made or handed over then before they are taken.
+  bool MayMeetHanded(const std::string& path);
+  // `path` is free as by Look. A failure is at once what it is.
+  Result HandFile(const std::string& path, ContentBuffer content, const EntryAttributes& attributes);
+  std::size_t Handed() const;  // and not taken
+  // How they ended, in their order, each once; nothing for those that wait. Waits not longer than that for the first.
+  std::vector<Result> TakeHanded(std::chrono::milliseconds wait);
+  // No more get their names; those that have can be taken. Nothing is to be handed over afterwards.
+  void DiscardHanded();
 
   // A free name for an entry whose own is taken by another of the same archive:
   //   "a/b.txt" => "a/b (2).txt"

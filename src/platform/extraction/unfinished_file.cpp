@@ -28,7 +28,7 @@ UnfinishedFile::UnfinishedFile(FolderHandle folder, std::string temporary_name, 
       shown_(std::move(shown)),
       file_(std::move(file)) {}
 
-void UnfinishedFile::Clear() {
+UnfinishedFile::~UnfinishedFile() {
   file_.Close();  // the first, since an open file may keep its name
   if (!has_its_name_) (void)folder_->Remove(temporary_name_);
 }

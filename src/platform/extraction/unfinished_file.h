@@ -9,7 +9,6 @@
 #include "platform/entries/system_handle.h"
 #include "platform/extraction/extraction_folder.h"
 #include "platform/extraction/open_folders.h"
-#include "platform/process/undone_at_exit.h"
 #include "reasons/result.h"
 
 namespace quendle::platform {
@@ -17,13 +16,13 @@ namespace quendle::platform {
 // Archives hold anything; a wrong fraction would have the system refuse the whole time.
 EntryTime ValidTime(const EntryTime& time);
 
-// Removed when the object goes, or the process by std::exit, unless it has got its own name by then.
-class UnfinishedFile final : private UndoneAtExit {
+// Removed when the object goes, unless it has got its own name by then.
+class UnfinishedFile {
  public:
   // `shown` is the path that failures name.
   static Result Make(FolderHandle folder, const std::string& temporary_name, std::string shown,
                      std::unique_ptr<UnfinishedFile>* made);
-  ~UnfinishedFile() { Clear(); }
+  ~UnfinishedFile();
   UnfinishedFile(const UnfinishedFile&) = delete;
   UnfinishedFile& operator=(const UnfinishedFile&) = delete;
 
@@ -36,14 +35,12 @@ class UnfinishedFile final : private UndoneAtExit {
   Result Complete(const EntryAttributes& attributes);
 
   const OpenFolder& folder() const { return *folder_; }
+  const std::string& temporary_name() const { return temporary_name_; }
   const EntryId& id() const { return id_; }  // once it is complete
   void HasItsName() { has_its_name_ = true; }
 
  private:
   UnfinishedFile(FolderHandle folder, std::string temporary_name, std::string shown, SystemHandle file);
-
-  void Clear();
-  void UndoAtExit() override { Clear(); }
 
   FolderHandle folder_;
   std::string temporary_name_;

@@ -1,5 +1,7 @@
 #include "platform/text/unicode.h"
 
+#include <algorithm>
+
 #include <utf8proc.h>
 
 namespace quendle::platform {
@@ -56,10 +58,14 @@ void AppendCodePoint(char32_t code_point, std::string* text) {
 
 bool IsUtf8(std::string_view bytes) {
   char32_t ignored = 0;
-  while (!bytes.empty()) {
+  const auto is_ascii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  for (;;) {
+    // Nearly all text.
+    bytes.remove_prefix(
+        static_cast<std::size_t>(std::find_if_not(bytes.begin(), bytes.end(), is_ascii) - bytes.begin()));
+    if (bytes.empty()) return true;
     if (!TakeCodePoint(&bytes, &ignored)) return false;
   }
-  return true;
 }
 
 std::string WithReplacementCharacters(std::string_view bytes) {

@@ -5,6 +5,8 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/process/cores.h"
+
 namespace quendle::modules {
 namespace {
 
@@ -18,7 +20,7 @@ constexpr std::size_t kOverhead = 200;  // of memory for each, about
 
 ContentPool::ContentPool(std::vector<Job> jobs, const std::function<std::unique_ptr<Worker>()>& make_worker)
     : jobs_(std::move(jobs)) {
-  const std::size_t cores = std::clamp(std::thread::hardware_concurrency(), 1U, kMostWorkers);
+  const std::size_t cores = std::min(platform::UsableCores(), kMostWorkers);
   for (std::size_t i = 0; i < std::min(cores, jobs_.size()); ++i) workers_.push_back(make_worker());
   try {
     for (const auto& worker : workers_) threads_.emplace_back([this, &worker] { Work(worker.get()); });

@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "archive/modules/common/content_buffer.h"
+#include "archive/modules/common/entry_reader.h"
 
 namespace quendle::modules {
 

@@ -10,10 +10,12 @@
 #include <vector>
 
 #include "archive/modules/common/archive_input.h"
-#include "archive/modules/common/content_buffer.h"
+#include "platform/extraction/content_buffer.h"
 #include "platform/extraction/extraction_folder.h"
 
 namespace quendle::modules {
+
+using platform::ContentBuffer;
 
 // Beyond what anybody packs; a list of more would only fill the memory.
 inline constexpr std::size_t kMostEntries = 4'000'000;

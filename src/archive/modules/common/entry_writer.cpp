@@ -47,7 +47,8 @@ std::string_view LastPart(std::string_view path) {
 
 platform::Result EntryWriter::Open(const ArchiveInput& archive,
                                    const std::vector<std::string>& protected_paths,
-                                   const std::vector<Call>& calls, std::unique_ptr<EntryWriter>* writer) {
+                                   const std::vector<Call>& calls, EntryLog* log,
+                                   std::unique_ptr<EntryWriter>* writer) {
   std::string base = CommonFolder(calls);
   std::unique_ptr<platform::ExtractionFolder> folder;
   platform::Result result = platform::ExtractionFolder::Open(base, &folder);
@@ -57,7 +58,7 @@ platform::Result EntryWriter::Open(const ArchiveInput& archive,
   for (const std::string& path : archive.Paths()) entries.Add(path, Owner::kArchive);
   for (const std::string& path : protected_paths) entries.Add(path, Owner::kProgram);
   folder->Protect(std::move(entries));
-  writer->reset(new EntryWriter(std::move(base), std::move(folder)));
+  writer->reset(new EntryWriter(std::move(base), std::move(folder), log));
   return result;
 }
 
@@ -68,6 +69,7 @@ EntryWriter::Decision EntryWriter::Prepare(Call* call, const Entry& entry, const
   if (entry.kind == EntryKind::kFolder && !call->request.with_paths) return Decision::kDone;
   const platform::Result named = FindPath(*call, entry);
   if (!named.ok()) return Decide(named, call, entry, why);
+  if (folder_->MayMeetHanded(path_)) return Decision::kWait;
   switch (entry.kind) {
     case EntryKind::kFolder:
       return Decide(folder_->MakeFolder(path_, entry.attributes), call, entry, why);
@@ -100,6 +102,8 @@ EntryWriter::Decision EntryWriter::SettleConflict(Call* call, const Entry& entry
   platform::ExtractionFolder::Occupant occupant;
   platform::Result result = folder_->Look(path_, &occupant);
   if (result.ok() && links_.contains(path_)) occupant.taken = Taken::kOurs;
+  // One of them may be it, on a file system that knows more spellings of a name.
+  if (!IsSettled() && (!result.ok() || occupant.taken != Taken::kFree)) return Decision::kWait;
   if (!result.ok()) return Decide(result, call, entry, why);
   switch (occupant.taken) {
     case Taken::kFree:
@@ -137,14 +141,14 @@ EntryWriter::Decision EntryWriter::AskToReplace(Call* call, const Entry& entry,
       break;
     }
   }
-  Log(call, "kept       ", entry);
+  log_.Add(call, LineOf("kept       ", entry));
   return Decision::kDone;
 }
 
 EntryWriter::Decision EntryWriter::Decide(const platform::Result& result, Call* call, const Entry& entry,
                                           Reason* why) {
   if (result.ok()) {
-    Log(call, "extracted  ", entry);
+    log_.Add(call, LineOf("extracted  ", entry));
     return Decision::kDone;
   }
   const bool is_named = result.path.empty() || result.path == WithoutRoot(entry.path);
@@ -154,24 +158,38 @@ EntryWriter::Decision EntryWriter::Decide(const platform::Result& result, Call* 
 
 platform::Result EntryWriter::Commit(Call* call, const Entry& entry) {
   platform::Result result = folder_->CommitFile(path_, entry.attributes, replace_);
-  if (result.ok()) Log(call, "extracted  ", entry);
+  if (result.ok()) log_.Add(call, LineOf("extracted  ", entry));
   return result;
 }
 
-void EntryWriter::Finish(const std::function<void(Call*, const std::string&, const Reason&)>& fail) {
+platform::Result EntryWriter::HandOver(Call* call, const Entry& entry, ContentBuffer content) {
+  platform::Result result = folder_->HandFile(path_, std::move(content), entry.attributes);
+  if (result.ok()) log_.Await(call, entry.path, LineOf("extracted  ", entry));
+  return result;
+}
+
+platform::Result EntryWriter::Settle(std::chrono::milliseconds wait) {
+  for (platform::Result& result : folder_->TakeHanded(wait)) {
+    if (platform::ConcernsAll(result.code)) return std::move(result);
+    log_.Settle(result);
+  }
+  return platform::Success();
+}
+
+void EntryWriter::Finish() {
   for (const platform::Result& failure : folder_->Finish()) {
     const auto link = links_.find(failure.path);
-    if (link != links_.end()) fail(link->second.first, link->second.second, failure.reason);
+    if (link != links_.end()) log_.Fail(link->second.first, link->second.second, failure.reason);
   }
 }
 
-void EntryWriter::Log(Call* call, const char* what, const Entry& entry) const {
+std::string EntryWriter::LineOf(const char* what, const Entry& entry) const {
   const std::string listed = ListedName(entry.path);
   std::string line = std::string(what).append(listed);
   if (const std::string root = RootOf(entry.path); !root.empty()) {
     line.append(" (in the archive ").append(root).append(listed).append(")");
   }
-  call->log.push_back(line.append(note_));
+  return line.append(note_);
 }
 
 }  // namespace quendle::modules

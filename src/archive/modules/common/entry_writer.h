@@ -1,14 +1,15 @@
-// One entry on its way to the disk: its name is checked, a conflict with what is there is settled, it is
-// written and recorded.
+// Entries on their way to the disk: their names are checked, conflicts with what is there are settled, they are written
+// and recorded.
 #pragma once
 
-#include <functional>
+#include <chrono>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "archive/modules/common/entry_log.h"
 #include "archive/modules/common/entry_reader.h"
 #include "archive/modules/common/extraction.h"
 #include "archive/modules/common/session.h"
@@ -19,15 +20,18 @@ namespace quendle::modules {
 class EntryWriter {
  public:
   // Opens the lowest folder that the folders of all calls lie in. What is known of the archive's origin will
-  // be known of its files. What the archive is read from and `protected_paths` stays as it is.
+  // be known of its files. What the archive is read from and `protected_paths` stays as it is. `log` hears of all that
+  // is done.
   static platform::Result Open(const ArchiveInput& archive, const std::vector<std::string>& protected_paths,
-                               const std::vector<Call>& calls, std::unique_ptr<EntryWriter>* writer);
+                               const std::vector<Call>& calls, EntryLog* log,
+                               std::unique_ptr<EntryWriter>* writer);
 
   platform::Result CheckSpace(std::uint64_t bytes) const { return folder_->CheckSpace(bytes); }
 
   // Finds out where the entry goes and whether it may. Folders and links are made, or noted, at once.
   enum class Decision {
-    kWriteFile,  // Begin, Write ..., Commit or Discard are to follow
+    kWriteFile,  // HandOver is to follow, or Begin, Write ..., Commit or Discard
+    kWait,       // for the files that are handed over; the same is to be asked again when none is
     kDone,       // made or left alone; the log says which
     kRefused,    // `*why` says why
     kCancel,
@@ -39,24 +43,35 @@ class EntryWriter {
   platform::Result Commit(Call* call, const Entry& entry);
   void Discard() { folder_->DiscardFile(); }
 
-  // Makes what was noted; `fail` hears of the links that were not made.
-  void Finish(const std::function<void(Call*, const std::string&, const Reason&)>& fail);
+  // Has a whole file, of a name that nothing had, written while other entries go on.
+  bool MayHandOver() const { return replace_ == Replace::kNothing && folder_->WritesBehind(); }
+  bool HasRoom(std::size_t size) const { return folder_->HasRoom(size); }
+  platform::Result HandOver(Call* call, const Entry& entry, ContentBuffer content);
+  // Files that were handed over, up to the first that is not there yet, or whose failure concerns every entry. That
+  // is the answer then.
+  platform::Result Settle(std::chrono::milliseconds wait);
+  bool IsSettled() const { return folder_->Handed() == 0; }
+  void DiscardHanded() { folder_->DiscardHanded(); }
+
+  // Makes what was noted.
+  void Finish();
 
  private:
   using Replace = platform::ExtractionFolder::Replace;
 
-  EntryWriter(std::string base, std::unique_ptr<platform::ExtractionFolder> folder)
-      : base_(std::move(base)), folder_(std::move(folder)) {}
+  EntryWriter(std::string base, std::unique_ptr<platform::ExtractionFolder> folder, EntryLog* log)
+      : base_(std::move(base)), folder_(std::move(folder)), log_(*log) {}
 
   platform::Result FindPath(const Call& call, const Entry& entry);
   Decision SettleConflict(Call* call, const Entry& entry, const Session& session, Reason* why);
   Decision AskToReplace(Call* call, const Entry& entry, const platform::FileSide& existing,
                         const Session& session);
   Decision Decide(const platform::Result& result, Call* call, const Entry& entry, Reason* why);
-  void Log(Call* call, const char* what, const Entry& entry) const;
+  std::string LineOf(const char* what, const Entry& entry) const;
 
   std::string base_;  // with a separator at its end
   std::unique_ptr<platform::ExtractionFolder> folder_;
+  EntryLog& log_;
   // Of the entry in work:
   std::string path_;  // below base_
   std::string note_;  // for its line in the log

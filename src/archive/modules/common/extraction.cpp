@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "archive/modules/common/entry_log.h"
 #include "archive/modules/common/entry_matcher.h"
 #include "archive/modules/common/entry_writer.h"
 #include "archive/modules/common/read_ahead.h"
@@ -15,6 +16,8 @@
 
 namespace quendle::modules {
 namespace {
+
+constexpr std::chrono::milliseconds kBetweenLooks{20};  // at whether the user cancels
 
 // An entry that a call asked for.
 struct Wanted {
@@ -32,6 +35,7 @@ class Extraction {
         limits_(limits),
         session_(*session),
         calls_(*calls),
+        log_(session),
         passwords_([this] { return session_.AskPassword(archive_.input.Path()); }, archive.password_form,
                    archive.password),
         wanted_(archive.entries.size()) {}
@@ -44,11 +48,15 @@ class Extraction {
   void UseEngine(const Engine& engine);
   void ReadWith(const Engine& engine);
   void SettleLocked();
-  std::unique_ptr<EntryReader> OpenReader(const Engine& engine, Reason* reason);
-  void ExtractEntry(std::size_t index, const Entry& entry, EntryReader* reader);
-  void WriteFile(std::size_t index, const Entry& entry, EntryReader* reader);
+  std::unique_ptr<ReadAhead> OpenReader(const Engine& engine, Reason* reason);
+  void ExtractEntry(std::size_t index, const Entry& entry, ReadAhead* reader);
+  void WriteFile(std::size_t index, const Entry& entry, ReadAhead* reader);
+  void HandOver(std::size_t index, const Entry& entry, ContentBuffer content);
+  void SettleEntry(std::size_t index, const Entry& entry, const platform::Result& result);
+  bool Settle(std::chrono::milliseconds wait);
+  bool SettleAll();
+  void EndWriting();
   bool GoOn(const std::string& path);
-  void Fail(Call* call, const std::string& entry, const Reason& reason);
   void Stop(const Reason& reason);
   void SettleRest();
 
@@ -56,15 +64,16 @@ class Extraction {
   const Limits& limits_;
   Session& session_;
   std::vector<Call>& calls_;
+  EntryLog log_;
   Passwords passwords_;
   std::vector<Wanted> wanted_;  // beside archive_.entries
-  EntryMatcher::Index by_path_;
-  std::size_t left_ = 0;  // entries that are wanted and not settled
+  std::size_t left_ = 0;        // entries that are wanted and not settled
   std::unique_ptr<EntryWriter> writer_;
   std::uint64_t done_ = 0;  // bytes
   std::uint64_t total_ = 0;
   bool may_grow_ = false;  // the user knows that it gets large
   Reason stopped_;         // why no more entries are tried
+  bool is_cancelled_ = false;
 };
 
 void Extraction::Run() {
@@ -73,40 +82,45 @@ void Extraction::Run() {
   for (std::size_t i = 0; i < archive_.engines.size() && left_ > 0 && stopped_.empty(); ++i) {
     UseEngine(archive_.engines[i]);
   }
-  writer_->Finish(
-      [this](Call* call, const std::string& entry, const Reason& reason) { Fail(call, entry, reason); });
+  EndWriting();
+  writer_->Finish();
   SettleRest();
-  if (!archive_.problem.empty()) Fail(&calls_.back(), "", archive_.problem);
+  if (!archive_.problem.empty()) log_.Fail(&calls_.back(), "", archive_.problem);
 }
 
 void Extraction::ChooseEntries() {
-  std::unordered_map<std::string, Call*> by_name;
-  std::unordered_map<std::string, Call*> unmatched;
+  struct Asker {
+    Call* call;
+    bool is_met;
+  };
+  std::unordered_map<std::string_view, Asker> by_name;
   Call* all = nullptr;
   for (Call& call : calls_) {
     if (call.request.response_file.empty()) all = &call;
-    for (const std::string& name : call.names) by_name.emplace(name, &call);
+    for (const std::string& name : call.names) by_name.emplace(name, Asker{&call, false});
   }
-  unmatched = by_name;
   for (std::size_t i = 0; i < archive_.entries.size(); ++i) {
     const Entry& entry = archive_.entries[i];
-    by_path_[entry.path].push_back(i);
-    const std::string name = ComparableName(ListedName(entry.path));
-    const auto asked = by_name.find(name);
-    wanted_[i].call = asked == by_name.end() ? all : asked->second;
-    unmatched.erase(name);
+    const auto asker = by_name.find(ComparableName(ListedName(entry.path)));
+    wanted_[i].call = asker == by_name.end() ? all : asker->second.call;
+    if (asker != by_name.end()) asker->second.is_met = true;
     if (wanted_[i].call == nullptr) continue;
     ++left_;
     // What the archive declares may be anything; a sum that begins again at 0 would fit every disk.
     total_ += std::min(entry.size.value_or(0), std::numeric_limits<std::uint64_t>::max() - total_);
   }
-  for (const auto& [name, call] : unmatched) Fail(call, name, why::kNoSuchEntry);
+  for (const Call& call : calls_) {
+    for (const std::string& name : call.names) {
+      Asker& asker = by_name.at(name);
+      if (!std::exchange(asker.is_met, true)) log_.Fail(asker.call, name, why::kNoSuchEntry);
+    }
+  }
 }
 
 // Asks and refuses what is to be asked and refused before a byte is written.
 bool Extraction::MayBegin() {
   const platform::Result opened =
-      EntryWriter::Open(archive_.input, session_.ProtectedPaths(), calls_, &writer_);
+      EntryWriter::Open(archive_.input, session_.ProtectedPaths(), calls_, &log_, &writer_);
   const platform::Result space = opened.ok() ? writer_->CheckSpace(total_) : opened;
   if (!space.ok()) {
     Stop(why::kAbout(space.path, space.reason));
@@ -120,13 +134,13 @@ bool Extraction::MayBegin() {
   return true;
 }
 
-std::unique_ptr<EntryReader> Extraction::OpenReader(const Engine& engine, Reason* reason) {
+std::unique_ptr<ReadAhead> Extraction::OpenReader(const Engine& engine, Reason* reason) {
   // The other thread goes by what is wanted now.
   std::vector<bool> wanted;
   for (const Wanted& entry : wanted_) wanted.push_back(entry.call != nullptr && entry.is_due);
   ReadAhead::Hooks hooks;
   hooks.is_wanted = [wanted = std::move(wanted),
-                     matcher = EntryMatcher(by_path_)](const Entry& entry) mutable {
+                     matcher = EntryMatcher(archive_.entries)](const Entry& entry) mutable {
     const auto index = matcher.Find(entry);
     return index && wanted[*index] && (entry.kind == EntryKind::kFile || entry.kind == EntryKind::kLink);
   };
@@ -154,7 +168,7 @@ void Extraction::UseEngine(const Engine& engine) {
 void Extraction::SettleLocked() {
   for (std::size_t i = 0; i < wanted_.size(); ++i) {
     if (!wanted_[i].lacks_password) continue;
-    Fail(wanted_[i].call, archive_.entries[i].path, wanted_[i].reason);
+    log_.Fail(wanted_[i].call, archive_.entries[i].path, wanted_[i].reason);
     wanted_[i] = {};
     --left_;
   }
@@ -163,7 +177,7 @@ void Extraction::SettleLocked() {
 void Extraction::ReadWith(const Engine& engine) {
   Reason reason;
   const auto reader = OpenReader(engine, &reason);
-  EntryMatcher matcher(by_path_);
+  EntryMatcher matcher(archive_.entries);
   ReadStatus status = ReadStatus::kOk;
   while (reader && left_ > 0 && stopped_.empty()) {
     Entry entry;
@@ -184,16 +198,19 @@ void Extraction::ReadWith(const Engine& engine) {
   }
 }
 
-void Extraction::ExtractEntry(std::size_t index, const Entry& entry, EntryReader* reader) {
+void Extraction::ExtractEntry(std::size_t index, const Entry& entry, ReadAhead* reader) {
   Call* call = wanted_[index].call;
   Reason why;
   switch (writer_->Prepare(call, entry, session_, &why)) {
     case EntryWriter::Decision::kWriteFile:
       return WriteFile(index, entry, reader);
+    case EntryWriter::Decision::kWait:
+      if (SettleAll()) ExtractEntry(index, entry, reader);
+      return;
     case EntryWriter::Decision::kDone:
       break;
     case EntryWriter::Decision::kRefused:
-      Fail(call, entry.path, why);
+      log_.Fail(call, entry.path, why);
       break;
     case EntryWriter::Decision::kCancel:
       return Stop(why::kCancelled);
@@ -202,7 +219,9 @@ void Extraction::ExtractEntry(std::size_t index, const Entry& entry, EntryReader
   --left_;
 }
 
-void Extraction::WriteFile(std::size_t index, const Entry& entry, EntryReader* reader) {
+void Extraction::WriteFile(std::size_t index, const Entry& entry, ReadAhead* reader) {
+  ContentBuffer whole;
+  if (writer_->MayHandOver() && reader->TakeWhole(&whole)) return HandOver(index, entry, std::move(whole));
   Wanted& wanted = wanted_[index];
   platform::Result result = writer_->Begin(entry);
   std::string_view piece;
@@ -214,27 +233,65 @@ void Extraction::WriteFile(std::size_t index, const Entry& entry, EntryReader* r
     done_ += piece.size();
     if (result.ok() && !GoOn(entry.path)) return writer_->Discard();
   }
+  // Those before it have their names before it has its own.
+  if (!SettleAll()) return writer_->Discard();
   if (result.ok() && status == ReadStatus::kEnd) result = writer_->Commit(wanted.call, entry);
+  if (!result.ok() || status == ReadStatus::kEnd) return SettleEntry(index, entry, result);
+  writer_->Discard();
+  if (!stopped_.empty()) return;
+  done_ -= size;
+  wanted.lacks_password = status == ReadStatus::kPassword;
+  // What an engine says of contents tells more than that it does not know the method.
+  if (wanted.reason.empty() || status != ReadStatus::kUnsupported) {
+    wanted.reason = reader->Problem();
+    wanted.is_unsupported = status == ReadStatus::kUnsupported;
+  }
+}
+
+void Extraction::HandOver(std::size_t index, const Entry& entry, ContentBuffer content) {
+  const std::size_t size = content.View().size();
+  bool goes_on = Settle({});
+  while (goes_on && !writer_->HasRoom(size)) goes_on = Settle(kBetweenLooks) && GoOn("");
+  done_ += size;
+  if (!goes_on || !GoOn(entry.path)) return;
+  const platform::Result result = writer_->HandOver(wanted_[index].call, entry, std::move(content));
+  if (result.ok() || SettleAll()) SettleEntry(index, entry, result);
+}
+
+// The entry is written, or on its way, or cannot be written.
+void Extraction::SettleEntry(std::size_t index, const Entry& entry, const platform::Result& result) {
   if (!result.ok()) {
     writer_->Discard();
-    if (result.code == platform::Code::kNoSpace || result.code == platform::Code::kDenied) {
-      return Stop(why::kAbout(result.path, result.reason));
-    }
-    Fail(wanted.call, entry.path, result.reason);
-  } else if (status != ReadStatus::kEnd) {
-    writer_->Discard();
-    if (!stopped_.empty()) return;
-    done_ -= size;
-    wanted.lacks_password = status == ReadStatus::kPassword;
-    // What an engine says of contents tells more than that it does not know the method.
-    if (wanted.reason.empty() || status != ReadStatus::kUnsupported) {
-      wanted.reason = reader->Problem();
-      wanted.is_unsupported = status == ReadStatus::kUnsupported;
-    }
-    return;
+    if (platform::ConcernsAll(result.code)) return Stop(why::kAbout(result.path, result.reason));
+    log_.Fail(wanted_[index].call, entry.path, result.reason);
   }
-  wanted.call = nullptr;
+  wanted_[index].call = nullptr;
   --left_;
+}
+
+// Of files that were handed over, those that are there. False when the pass is to end.
+bool Extraction::Settle(std::chrono::milliseconds wait) {
+  const platform::Result result = writer_->Settle(wait);
+  if (result.ok()) return true;
+  writer_->DiscardHanded();
+  Stop(why::kAbout(result.path, result.reason));
+  return false;
+}
+
+bool Extraction::SettleAll() {
+  while (!writer_->IsSettled()) {
+    if (!Settle(kBetweenLooks) || !GoOn("")) return false;
+  }
+  return true;
+}
+
+// After a cancel what was handed over gets no name any more, and what has one is told; otherwise all is written.
+void Extraction::EndWriting() {
+  if (stopped_.empty()) (void)SettleAll();
+  if (is_cancelled_) writer_->DiscardHanded();
+  while (!writer_->IsSettled() && Settle(kBetweenLooks)) {
+  }
+  log_.Forget();
 }
 
 // False when the pass is to end, for the reason that is in `stopped_` then.
@@ -244,15 +301,11 @@ bool Extraction::GoOn(const std::string& path) {
     may_grow_ = session_.AskProceed(why::kAskGrowth(archive_.input.Path(), limits_.ratio));
     if (!may_grow_) Stop(why::kGrowth(limits_.ratio));
   }
-  if (stopped_.empty() && !session_.Progress(path, done_, total_)) Stop(why::kCancelled);
+  if (stopped_.empty() && !session_.Progress(path, done_, total_)) {
+    is_cancelled_ = true;
+    Stop(why::kCancelled);
+  }
   return stopped_.empty();
-}
-
-void Extraction::Fail(Call* call, const std::string& entry, const Reason& reason) {
-  call->failed = true;
-  call->log.push_back("failed     " + (entry.empty() ? "" : ListedName(entry) + ": ") +
-                      Sentence(reason, Language::kEnglish));
-  session_.Problem(ListedName(entry), reason);
 }
 
 void Extraction::Stop(const Reason& reason) {
@@ -273,7 +326,7 @@ void Extraction::SettleRest() {
   for (std::size_t i = 0; i < wanted_.size(); ++i) {
     if (wanted_[i].call == nullptr) continue;
     const Reason& reason = wanted_[i].reason;
-    Fail(wanted_[i].call, archive_.entries[i].path, reason.empty() ? why::kUnreadable : reason);
+    log_.Fail(wanted_[i].call, archive_.entries[i].path, reason.empty() ? why::kUnreadable : reason);
   }
 }
 

@@ -16,8 +16,8 @@ constexpr std::chrono::milliseconds kBetweenCalls{20};
 
 }  // namespace
 
-std::unique_ptr<EntryReader> ReadAhead::Open(const Engine& engine, const ArchiveInput& input,
-                                             const ReaderOptions& options, Hooks hooks, Reason* reason) {
+std::unique_ptr<ReadAhead> ReadAhead::Open(const Engine& engine, const ArchiveInput& input,
+                                           const ReaderOptions& options, Hooks hooks, Reason* reason) {
   std::unique_ptr<ReadAhead> ahead(new ReadAhead(options.password, std::move(hooks)));
   ahead->reader_ = engine.open(
       input, ReaderOptions{options.charset, [self = ahead.get()] { return self->RequestPassword(); }},
@@ -165,6 +165,7 @@ ReadStatus ReadAhead::NextEntry(Entry* entry) {
     if (!Take()) return ReadStatus::kFailed;
   } while (!item_.header);
   *entry = std::move(item_.entry);
+  any_given_ = false;
   return *item_.header;
 }
 
@@ -173,9 +174,16 @@ ReadStatus ReadAhead::ReadContent(std::string_view* piece) {
     if (!Take()) break;
   }
   if (content_given_) return *item_.end;
-  content_given_ = true;
+  content_given_ = any_given_ = true;
   *piece = item_.content.empty() ? item_.whole.View() : item_.content;
   return ReadStatus::kOk;
+}
+
+bool ReadAhead::TakeWhole(ContentBuffer* content) {
+  if (any_given_ || item_.end != ReadStatus::kEnd) return false;
+  content_given_ = any_given_ = true;
+  *content = item_.content.empty() ? std::move(item_.whole) : ContentBuffer::CopyOf(item_.content);
+  return true;
 }
 
 }  // namespace quendle::modules

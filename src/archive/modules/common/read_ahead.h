@@ -29,14 +29,17 @@ class ReadAhead final : public EntryReader, private EntrySink {
   };
 
   // Null, with the reason, when the engine cannot open the archive.
-  static std::unique_ptr<EntryReader> Open(const Engine& engine, const ArchiveInput& input,
-                                           const ReaderOptions& options, Hooks hooks, Reason* reason);
+  static std::unique_ptr<ReadAhead> Open(const Engine& engine, const ArchiveInput& input,
+                                         const ReaderOptions& options, Hooks hooks, Reason* reason);
   ~ReadAhead() override;
   ReadAhead(const ReadAhead&) = delete;
   ReadAhead& operator=(const ReadAhead&) = delete;
 
   ReadStatus NextEntry(Entry* entry) override;
   ReadStatus ReadContent(std::string_view* piece) override;
+  // The content of the current file, of which nothing was read yet, if it is at hand, whole and right. Otherwise nothing
+  // happens, and it is to be read.
+  bool TakeWhole(ContentBuffer* content);
   const Reason& Problem() const override { return item_.reason; }
 
  private:
@@ -91,6 +94,7 @@ class ReadAhead final : public EntryReader, private EntrySink {
   std::uint64_t entries_ = 0;
   Item item_;  // at hand
   bool content_given_ = true;
+  bool any_given_ = false;  // of this entry
 };
 
 }  // namespace quendle::modules

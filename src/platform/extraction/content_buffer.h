@@ -2,16 +2,23 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <string_view>
 
-namespace quendle::modules {
+namespace quendle::platform {
 
 class ContentBuffer {
  public:
   ContentBuffer() = default;
   explicit ContentBuffer(std::size_t size)
       : bytes_(std::make_unique_for_overwrite<char[]>(size)), size_(size) {}
+
+  static ContentBuffer CopyOf(std::string_view bytes) {
+    ContentBuffer copy(bytes.size());
+    std::memcpy(copy.Data(), bytes.data(), bytes.size());
+    return copy;
+  }
 
   char* Data() { return bytes_.get(); }
   // Empty once it was moved from.
@@ -22,4 +29,4 @@ class ContentBuffer {
   std::size_t size_ = 0;
 };
 
-}  // namespace quendle::modules
+}  // namespace quendle::platform
