@@ -2,6 +2,7 @@
 
 #include "archive/modules/common/checksum.h"
 #include "archive/modules/common/dialect.h"
+#include "archive/modules/common/entry_matcher.h"
 #include "archive/modules/common/entry_names.h"
 #include "archive/modules/common/response_file.h"
 #include "archive/modules/common/signature_scan.h"
@@ -140,6 +141,26 @@ GTEST_TEST(EntryNames, KnowsCharsets) {
   }
   for (const char* charset : {"", "CP932//IGNORE", "klingon"})
     EXPECT_FALSE(IsKnownCharset(charset)) << charset;
+}
+
+GTEST_TEST(EntryMatcher, FindsWhatWasListed) {
+  std::vector<Entry> listed(6);
+  for (std::size_t i = 0; i < listed.size(); ++i) listed[i].path = "abacab"[i];
+  const struct {
+    const char* read;
+    const char* places;  // "-": not listed
+  } rows[] = {{"abacab", "012345"}, {"abcaaab", "01324-5"}, {"bbaacxca", "15023-34"}, {"ab", "01"}};
+  for (const auto& row : rows) {
+    EntryMatcher matcher(listed);
+    std::string places;
+    for (const char path : std::string(row.read)) {
+      Entry entry;
+      entry.path = path;
+      const auto place = matcher.Find(entry);
+      places += place ? std::to_string(*place) : "-";
+    }
+    EXPECT_EQ(places, row.places) << row.read;
+  }
 }
 
 GTEST_TEST(SignatureScan, FindsArchivesAtTheBeginningAndBehindPrograms) {

@@ -23,7 +23,7 @@ struct Fixture {
     input = std::make_unique<ArchiveInput>(test::Opened(folder / "a"), 0);
   }
 
-  std::unique_ptr<EntryReader> Open(const Engine& engine = {"first", &test::OpenFirst}) {
+  std::unique_ptr<ReadAhead> Open(const Engine& engine = {"first", &test::OpenFirst}) {
     const auto ask = [this, user = std::this_thread::get_id()]() -> std::optional<std::string> {
       EXPECT_EQ(std::this_thread::get_id(), user);
       return password;
@@ -74,6 +74,28 @@ GTEST_TEST(ReadAhead, GivesWhatTheReaderGives) {
 }
 
 // More than is read ahead at a time; whoever skips a content or leaves early must not wait for ever.
+GTEST_TEST(ReadAhead, ContentsThatAreAtHandAreGivenWhole) {
+  Fixture fixture;
+  test::g_first_engine.entries = {
+      {"a", "1"}, {"b", ""}, {"c", "half", ReadStatus::kFailed}, {"d", std::string(100'000, 'd')}};
+  const auto reader = fixture.Open();
+  const auto whole = [&] {
+    Entry entry;
+    EXPECT_EQ(reader->NextEntry(&entry), ReadStatus::kOk);
+    ContentBuffer content;
+    return reader->TakeWhole(&content) ? entry.path + std::string(content.View()) : "no";
+  };
+  EXPECT_EQ(whole(), "a1");
+  ContentBuffer content;
+  EXPECT_FALSE(reader->TakeWhole(&content));
+  EXPECT_EQ(whole(), "b");
+  std::string_view piece;
+  EXPECT_EQ(reader->ReadContent(&piece), ReadStatus::kEnd);
+  EXPECT_EQ(whole(), "no");
+  EXPECT_EQ(reader->ReadContent(&piece), ReadStatus::kOk);
+  EXPECT_EQ(whole(), "no");
+}
+
 GTEST_TEST(ReadAhead, SkippingAndLeaving) {
   Fixture fixture;
   const std::string large(400'000, 'x');

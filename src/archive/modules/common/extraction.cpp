@@ -254,8 +254,7 @@ void Extraction::HandOver(std::size_t index, const Entry& entry, ContentBuffer c
   while (goes_on && !writer_->HasRoom(size)) goes_on = Settle(kBetweenLooks) && GoOn("");
   done_ += size;
   if (!goes_on || !GoOn(entry.path)) return;
-  const platform::Result result = writer_->HandOver(wanted_[index].call, entry, std::move(content));
-  if (result.ok() || SettleAll()) SettleEntry(index, entry, result);
+  SettleEntry(index, entry, writer_->HandOver(wanted_[index].call, entry, std::move(content)));
 }
 
 // The entry is written, or on its way, or cannot be written.
