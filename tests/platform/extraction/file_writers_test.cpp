@@ -1,6 +1,6 @@
 #include "platform/extraction/file_writers.h"
 
-#include <random>
+#include <atomic>
 
 #include <gtest/gtest.h>
 
@@ -64,7 +64,7 @@ class FileWritersTest : public testing::Test {
 
   test::TempFolder folder_;
   FolderHandle handle_;
-  unsigned placed_ = 0;
+  std::atomic<unsigned> placed_ = 0;
 };
 
 TEST_F(FileWritersTest, OneFailureIsOfOneFileUnlessItConcernsAll) {
