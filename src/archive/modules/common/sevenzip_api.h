@@ -71,6 +71,7 @@ enum Property : std::uint32_t {
   kCrc = 19,
   kIsAnti = 21,
   kMethod = 22,
+  kBlock = 27,
   kErrorFlags = 71,
 };
 

@@ -111,6 +111,12 @@ class SevenZipArchive::Extracting final : public Object<ExtractCallback, Passwor
   bool is_wanted_ = false;
 };
 
+SevenZipBytes BytesOf(const ArchiveInput& input) {
+  return {input.Size(), [&input](std::uint64_t position, void* buffer, std::size_t size, std::size_t* got) {
+            return input.ReadAt(position, buffer, size, got);
+          }};
+}
+
 SevenZipArchive::SevenZipArchive(SevenZipBytes bytes, std::function<std::optional<std::string>()> password)
     : stream_(std::make_unique<Stream>(std::move(bytes))), password_(std::move(password)) {}
 

@@ -21,6 +21,7 @@ struct SevenZipBytes {
   std::function<platform::Result(std::uint64_t position, void* buffer, std::size_t size, std::size_t* got)>
       read;
 };
+SevenZipBytes BytesOf(const ArchiveInput& input);  // which outlives them
 
 // Hears of contents, perhaps on another thread than the one that waits in Extract. False ends it.
 class SevenZipReceiver {
