@@ -185,6 +185,12 @@ struct InArchive : Unknown {
                           ExtractCallback* callback) = 0;
   virtual HResult GetArchiveProperty(std::uint32_t property, Variant* value) = 0;
 };
+
+// How a reader does what it does, by names and values. What was set before counts no more.
+struct PropertiesUser : Unknown {
+  static constexpr Guid kId = InterfaceId(6, 3);
+  virtual HResult SetProperties(const Char* const* names, const Variant* values, std::uint32_t count) = 0;
+};
 // NOLINTEND(cppcoreguidelines-virtual-class-destructor)
 
 using CreateObjectFunction = HResult (*)(const Guid* what, const Guid* interface_id, void** object);

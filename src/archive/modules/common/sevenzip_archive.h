@@ -46,8 +46,11 @@ class SevenZipArchive {
   SevenZipArchive(const SevenZipArchive&) = delete;
   SevenZipArchive& operator=(const SevenZipArchive&) = delete;
 
+  // With several threads, the library takes as many as 128 MiB are enough for to unpack parts of one stream at once.
+  enum class Threads { kOne, kSeveral };
+
   // kPassword when its headers are encrypted and the password does not open them; `*reason` tells why not kOk.
-  ReadStatus Open(std::uint8_t format, Reason* reason);
+  ReadStatus Open(std::uint8_t format, Reason* reason, Threads threads = Threads::kSeveral);
 
   std::uint32_t Count() const { return count_; }
   std::string Text(std::uint32_t index, sevenzip::Property property) const;
@@ -65,6 +68,7 @@ class SevenZipArchive {
 
   sevenzip::Variant Get(std::uint32_t index, sevenzip::Property property) const;
   ReadStatus CheckOpened(Reason* reason) const;
+  void Set(Threads threads);
 
   std::unique_ptr<Stream> stream_;
   std::function<std::optional<std::string>()> password_;

@@ -46,7 +46,9 @@ class BlockWorker final : public ContentPool::Worker, private SevenZipReceiver {
 
   bool IsOpen() {
     Reason ignored;
-    if (!is_open_) is_open_ = archive_.Open(sevenzip::kSevenZipFormat, &ignored) == ReadStatus::kOk;
+    if (!is_open_)
+      is_open_ = archive_.Open(sevenzip::kSevenZipFormat, &ignored, SevenZipArchive::Threads::kOne) ==
+                 ReadStatus::kOk;
     return *is_open_ && archive_.Count() == count_;
   }
 
