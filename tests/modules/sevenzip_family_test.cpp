@@ -1,5 +1,7 @@
 #include "archive/modules/sevenzip/sevenzip_family.h"
 
+#include <algorithm>
+
 #include "archive/modules/common/listing.h"
 #include "support/archives.h"
 
@@ -63,9 +65,9 @@ std::string OneCoder(const std::string& packed, const std::string& coder, std::u
                                        Number(names.size(), 1) + names + Number(0, 2));
 }
 
-// An archive of stored blocks of files that are not empty, and "z", which is.
+// An archive of stored blocks of files that are not empty, and behind the first of them "z", which is.
 std::string Blocks(const std::vector<std::vector<test::PackedEntry>>& blocks) {
-  std::string packed, packed_sizes, coders, sizes, counts, part_sizes, crcs, names;
+  std::string packed, packed_sizes, coders, counts, part_sizes, crcs, names;
   std::size_t files = 0;
   for (const auto& block : blocks) {
     const std::size_t begin = packed.size();
@@ -73,22 +75,21 @@ std::string Blocks(const std::vector<std::vector<test::PackedEntry>>& blocks) {
       packed += block[i].content;
       if (i + 1 < block.size()) part_sizes += Wide(block[i].content.size());
       crcs += Number(Crc32(block[i].content), 4);
-      names += platform::ToUtf16Le(block[i].name) + Number(0, 2);
+      names += platform::ToUtf16Le(block[i].name + (names.empty() ? "_z_" : "_"));
     }
     packed_sizes += Wide(packed.size() - begin);
     coders += "\x01\x01" + Number(0, 1);
     counts += Wide(block.size());
     files += block.size();
   }
-  const std::size_t bits = files / 8 + 1;
-  std::string empty(bits, '\0');
-  empty.back() = static_cast<char>(0x80U >> files % 8);
-  names = Number(0, 1) + names + "z" + Number(0, 3);
+  std::replace(names.begin(), names.end(), '_', '\0');
+  names.insert(0, 1, '\0');
+  const std::string empty = "\x40" + Number(0, static_cast<int>(files / 8));
   return Archive(packed, "\x01\x04\x06" + Number(0, 1) + Wide(blocks.size()) + "\x09" + packed_sizes +
                              Number(0, 1) + "\x07\x0B" + Wide(blocks.size()) + Number(0, 1) + coders +
                              "\x0C" + packed_sizes + Number(0, 1) + "\x08\x0D" + counts + "\x09" +
                              part_sizes + "\x0A\x01" + crcs + Number(0, 2) + "\x05" + Wide(files + 1) +
-                             "\x0E" + Wide(bits) + empty + "\x0F\x01\x80" + "\x11" + Wide(names.size()) +
+                             "\x0E" + Wide(empty.size()) + empty + "\x0F\x01\x80\x11" + Wide(names.size()) +
                              names + Number(0, 2));
 }
 
@@ -157,16 +158,16 @@ GTEST_TEST(SevenZip, SmallBlocksAreUnpackedAhead) {
     std::string damaged;
     std::string told;
   } rows[] = {
-      {"all", {3, 1, 7, 2}, kPart, "", "", "a*b*c*d*e*f*g*h*i*j*k*l*m*z+"},
-      {"some", {3, 1, 7, 2}, kPart, "acdfhkmz", "", "a-b*c-d-e*f-g*h-i*j*k-l*m-z-"},
-      {"nothing of one", {2, 3, 4}, kPart, "cde", "", "a*b*c-d-e-f*g*h*i*z+"},
-      {"damaged", {3, 1, 4, 2}, kPart, "", "adf", "a!b+c+d!e*f!g+h+i*j*z+"},
-      {"damaged where nobody looks", {3, 3}, kPart, "b", "b", "a*b-c*d*e*f*z+"},
-      {"too large in front of what is wanted", {3, 1}, 20 * kPart, "ab", "", "a-b-c+d*z+"},
-      {"small up to what is wanted", {3, 1}, 20 * kPart, "ac", "", "a-b*c-d*z+"},
-      {"one block", {5}, kPart, "b", "d", "a+b-c+d!e+z+"},
-      {"one of which something is wanted", {2, 5}, kPart, "ab", "", "a-b-c+d+e+f+g+z+"},
-      {"not worth a thread", {3, 1, 7, 2}, 100, "", "b", "a+b!c+d+e+f+g+h+i+j+k+l+m+z+"},
+      {"all", {3, 1, 7, 2}, kPart, "", "", "a*z+b*c*d*e*f*g*h*i*j*k*l*m*"},
+      {"some", {3, 1, 7, 2}, kPart, "acdfhkmz", "", "a-z-b*c-d-e*f-g*h-i*j*k-l*m-"},
+      {"nothing of one", {2, 3, 4}, kPart, "cde", "", "a*z+b*c-d-e-f*g*h*i*"},
+      {"damaged", {3, 1, 4, 2}, kPart, "", "adf", "a!z+b+c+d!e*f!g+h+i*j*"},
+      {"damaged where nobody looks", {3, 3}, kPart, "b", "b", "a*z+b-c*d*e*f*"},
+      {"too large in front of what is wanted", {3, 1}, 20 * kPart, "ab", "", "a-z+b-c+d*"},
+      {"small up to what is wanted", {3, 1}, 20 * kPart, "ac", "", "a-z+b*c-d*"},
+      {"one block", {5}, kPart, "b", "d", "a+z+b-c+d!e+"},
+      {"one of which something is wanted", {2, 5}, kPart, "ab", "", "a-z+b-c+d+e+f+g+"},
+      {"not worth a thread", {3, 1, 7, 2}, 100, "", "b", "a+z+b!c+d+e+f+g+h+i+j+k+l+m+"},
   };
   for (const auto& row : rows) {
     std::vector<std::vector<test::PackedEntry>> blocks;
