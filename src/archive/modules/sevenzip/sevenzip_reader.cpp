@@ -144,7 +144,7 @@ bool SevenZipReader::UnpackChosen(SevenZipBlocks* blocks) {
     std::optional<ContentBuffer> content = blocks->Take(index);
     if (!content) {
       streamed_.push_back(index);
-    } else if (!Stream() || !GiveUnpacked(index, *std::move(content))) {
+    } else if (!GiveUnpacked(index, *std::move(content))) {
       return false;
     }
   }
