@@ -15,10 +15,18 @@ class Numbers final : public ContentPool::Worker {
     std::atomic<std::size_t> unpacked = 0;
     std::atomic<std::size_t> bytes_waiting = 0;
     std::atomic<std::size_t> most_waiting = 0;
+    std::atomic<std::size_t> torn = 0;  // from the job in front
   };
   Numbers(Record* record, std::size_t size) : record_(*record), size_(size) {}
 
+  void Begin(std::span<const ContentPool::Job> jobs) override {
+    if (jobs.front().is_with_last) ++record_.torn;
+    begun_ = jobs.size();
+    if (jobs.front().entry == 2500) throw std::bad_alloc();
+  }
+
   std::optional<ContentBuffer> Unpack(std::size_t entry) override {
+    EXPECT_GT(begun_--, 0U) << entry;
     if (entry % 7 == 3) std::this_thread::sleep_for(std::chrono::microseconds(300));
     ++record_.unpacked;
     const std::size_t waiting = record_.bytes_waiting += size_;
@@ -36,12 +44,14 @@ class Numbers final : public ContentPool::Worker {
  private:
   Record& record_;
   const std::size_t size_;
+  std::size_t begun_ = 0;
 };
 
 GTEST_TEST(ContentPool, GivesContentsInTheirOrder) {
   Numbers::Record record;
   std::vector<ContentPool::Job> jobs;
-  for (std::size_t i = 0; i < 3000; i += 2) jobs.push_back({i, 10});
+  // More of them belong together than are begun at once otherwise.
+  for (std::size_t i = 0; i < 3000; i += 2) jobs.push_back({i, 10, i % 500 > 100});
   ContentPool pool(jobs, [&] { return std::make_unique<Numbers>(&record, 10); });
   for (std::size_t i = 0; i < 3000; ++i) {
     const auto content = pool.Take(i);
@@ -52,6 +62,12 @@ GTEST_TEST(ContentPool, GivesContentsInTheirOrder) {
     }
   }
   EXPECT_EQ(record.unpacked, jobs.size());
+  EXPECT_EQ(record.torn, 0U);
+}
+
+GTEST_TEST(ContentPool, GivesNothingWithoutWorkers) {
+  ContentPool pool({{0, 10}, {1, 10}}, [] { return nullptr; });
+  EXPECT_FALSE(pool.Take(0));
 }
 
 GTEST_TEST(ContentPool, IsNotFarAheadOfWhoTakes) {

@@ -1,5 +1,7 @@
 #include "archive/modules/sevenzip/sevenzip_family.h"
 
+#include <algorithm>
+
 #include "archive/modules/common/listing.h"
 #include "support/archives.h"
 
@@ -40,21 +42,55 @@ GTEST_TEST(SevenZip, TellsKindsTimesAndModes) {
   }
 }
 
+std::string Archive(const std::string& packed, const std::string& end) {
+  const std::string start = Number(packed.size(), 8) + Number(end.size(), 8) + Number(Crc32(end), 4);
+  return "7z\xBC\xAF\x27\x1C" + Number(0x400, 2) + Number(Crc32(start), 4) + start + packed + end;
+}
+
+std::string Wide(std::uint64_t value) {
+  return "\xFF" + Number(value, 8);
+}
+
 // An archive of a packed stream that unpacks to `size` bytes by one coder, whose number and properties are `coder`. It is
 // the list of entries when `is_list`, and otherwise the content of one file.
 std::string OneCoder(const std::string& packed, const std::string& coder, std::uint64_t size,
                      std::uint64_t crc, bool is_list, const std::string& name = "f") {
-  const auto wide = [](std::uint64_t value) { return "\xFF" + Number(value, 8); };
   const std::string names = Number(0, 1) + platform::ToUtf16Le(name) + Number(0, 2);
-  const std::string streams = "\x06" + Number(0, 1) + "\x01\x09" + wide(packed.size()) + Number(0, 1) +
-                              "\x07\x0B\x01" + Number(0, 1) + "\x01" + coder + "\x0C" + wide(size) +
+  const std::string streams = "\x06" + Number(0, 1) + "\x01\x09" + Wide(packed.size()) + Number(0, 1) +
+                              "\x07\x0B\x01" + Number(0, 1) + "\x01" + coder + "\x0C" + Wide(size) +
                               "\x0A\x01" + Number(crc, 4) + Number(0, 1) +
                               (is_list ? "" : "\x08" + Number(0, 1));
-  const std::string end = is_list ? "\x17" + streams + Number(0, 1)
-                                  : "\x01\x04" + streams + Number(0, 1) + "\x05\x01\x11" +
-                                        Number(names.size(), 1) + names + Number(0, 2);
-  const std::string start = Number(packed.size(), 8) + Number(end.size(), 8) + Number(Crc32(end), 4);
-  return "7z\xBC\xAF\x27\x1C" + Number(0x400, 2) + Number(Crc32(start), 4) + start + packed + end;
+  return Archive(packed, is_list ? "\x17" + streams + Number(0, 1)
+                                 : "\x01\x04" + streams + Number(0, 1) + "\x05\x01\x11" +
+                                       Number(names.size(), 1) + names + Number(0, 2));
+}
+
+// An archive of stored blocks of files that are not empty, and behind the first of them "z", which is.
+std::string Blocks(const std::vector<std::vector<test::PackedEntry>>& blocks) {
+  std::string packed, packed_sizes, coders, counts, part_sizes, crcs, names;
+  std::size_t files = 0;
+  for (const auto& block : blocks) {
+    const std::size_t begin = packed.size();
+    for (std::size_t i = 0; i < block.size(); ++i) {
+      packed += block[i].content;
+      if (i + 1 < block.size()) part_sizes += Wide(block[i].content.size());
+      crcs += Number(Crc32(block[i].content), 4);
+      names += platform::ToUtf16Le(block[i].name + (names.empty() ? "_z_" : "_"));
+    }
+    packed_sizes += Wide(packed.size() - begin);
+    coders += "\x01\x01" + Number(0, 1);
+    counts += Wide(block.size());
+    files += block.size();
+  }
+  std::replace(names.begin(), names.end(), '_', '\0');
+  names.insert(0, 1, '\0');
+  const std::string empty = "\x40" + Number(0, static_cast<int>(files / 8));
+  return Archive(packed, "\x01\x04\x06" + Number(0, 1) + Wide(blocks.size()) + "\x09" + packed_sizes +
+                             Number(0, 1) + "\x07\x0B" + Wide(blocks.size()) + Number(0, 1) + coders +
+                             "\x0C" + packed_sizes + Number(0, 1) + "\x08\x0D" + counts + "\x09" +
+                             part_sizes + "\x0A\x01" + crcs + Number(0, 2) + "\x05" + Wide(files + 1) +
+                             "\x0E" + Wide(empty.size()) + empty + "\x0F\x01\x80\x11" + Wide(names.size()) +
+                             names + Number(0, 2));
 }
 
 GTEST_TEST(SevenZip, ReadsZstandard) {
@@ -69,6 +105,91 @@ GTEST_TEST(SevenZip, ReadsZstandard) {
   EXPECT_EQ(Text(OneCoder(frame, coder, 5, Crc32("hallo"), false)), "f!its checksum does not agree");
   EXPECT_EQ(Text(OneCoder(frame, "\x04\x04\xF7\x11\x77", 5, 0, false)),
             "f!it is packed as 04F71177, which is not supported");
+}
+
+// Wants some entries, and tells how the others came: "a* b+ c! d-" when a came whole, b in pieces, c failed, and
+// nobody wanted d. The content of each is its name, again and again.
+class Telling final : public EntrySink {
+ public:
+  explicit Telling(std::string unwanted) : unwanted_(std::move(unwanted)) {}
+
+  const std::string& Text() const { return text_; }
+  bool Wants(const Entry& entry) override { return unwanted_.find(entry.path) == std::string::npos; }
+  bool GoesOn() override { return true; }
+  bool Begin(Entry entry, bool is_wanted) override {
+    entry_ = std::move(entry);
+    left_ = *entry_.size;
+    how_ = "+";
+    if (!is_wanted) text_ += entry_.path + "-";
+    return true;
+  }
+  Wish Content(std::string_view piece) override {
+    left_ -= piece.size();
+    is_right_ = is_right_ && piece.find_first_not_of(entry_.path) == std::string_view::npos;
+    return Wish::kMore;
+  }
+  Wish Whole(ContentBuffer content) override {
+    how_ = "*";
+    return Content(content.View());
+  }
+  bool End(ReadStatus status, const Reason& problem) override {
+    const bool is_whole = status == ReadStatus::kEnd && left_ == 0 && is_right_;
+    text_ += entry_.path + (is_whole ? how_ : problem == why::kWrongChecksum ? "!" : "?");
+    is_right_ = true;
+    return true;
+  }
+
+ private:
+  const std::string unwanted_;
+  std::string text_;
+  Entry entry_;
+  std::uint64_t left_ = 0;
+  bool is_right_ = true;
+  std::string how_;
+};
+
+GTEST_TEST(SevenZip, SmallBlocksAreUnpackedAhead) {
+  constexpr std::size_t kPart = 300U << 10;
+  const struct {
+    const char* name;
+    std::vector<std::size_t> parts;  // entries in each block
+    std::size_t size;                // of the first of them, about
+    std::string unwanted;
+    std::string damaged;
+    std::string told;
+  } rows[] = {
+      {"all", {3, 1, 7, 2}, kPart, "", "", "a*z+b*c*d*e*f*g*h*i*j*k*l*m*"},
+      {"some", {3, 1, 7, 2}, kPart, "acdfhkmz", "", "a-z-b*c-d-e*f-g*h-i*j*k-l*m-"},
+      {"nothing of one", {2, 3, 4}, kPart, "cde", "", "a*z+b*c-d-e-f*g*h*i*"},
+      {"damaged", {3, 1, 4, 2}, kPart, "", "adf", "a!z+b+c+d!e*f!g+h+i*j*"},
+      {"damaged where nobody looks", {3, 3}, kPart, "b", "b", "a*z+b-c*d*e*f*"},
+      {"too large in front of what is wanted", {3, 1}, 20 * kPart, "ab", "", "a-z+b-c+d*"},
+      {"small up to what is wanted", {3, 1}, 20 * kPart, "ac", "", "a-z+b*c-d*"},
+      {"one block", {5}, kPart, "b", "d", "a+z+b-c+d!e+"},
+      {"one of which something is wanted", {2, 5}, kPart, "ab", "", "a-z+b-c+d+e+f+g+"},
+      {"not worth a thread", {3, 1, 7, 2}, 100, "", "b", "a+z+b!c+d+e+f+g+h+i+j+k+l+m+"},
+  };
+  for (const auto& row : rows) {
+    std::vector<std::vector<test::PackedEntry>> blocks;
+    std::string name = "a";
+    for (const std::size_t parts : row.parts) {
+      blocks.emplace_back();
+      for (std::size_t i = 0; i < parts; ++i, ++name[0])
+        blocks.back().push_back({name, std::string(row.size + i, name[0])});
+    }
+    std::string bytes = Blocks(blocks);
+    for (const char damaged : row.damaged) bytes[bytes.find(std::string(50, damaged)) + 49] ^= 1;
+    const test::TempFolder folder;
+    test::WriteFile(folder / "a.7z", bytes);
+    const ArchiveInput input(test::Opened(folder / "a.7z"), 0);
+    Reason reason;
+    const auto reader =
+        kSevenZipFamily.engines(input).front().open(input, {"", [] { return std::nullopt; }}, &reason);
+    ASSERT_TRUE(reader) << reason;
+    Telling told(row.unwanted);
+    EXPECT_EQ(reader->Unpack(&told), ReadStatus::kEnd) << row.name;
+    EXPECT_EQ(told.Text(), row.told) << row.name;
+  }
 }
 
 // A few bytes may claim a list of any size.

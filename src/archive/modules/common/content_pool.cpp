@@ -21,7 +21,11 @@ constexpr std::size_t kOverhead = 200;  // of memory for each, about
 ContentPool::ContentPool(std::vector<Job> jobs, const std::function<std::unique_ptr<Worker>()>& make_worker)
     : jobs_(std::move(jobs)) {
   const std::size_t cores = std::min(platform::UsableCores(), kMostWorkers);
-  for (std::size_t i = 0; i < std::min(cores, jobs_.size()); ++i) workers_.push_back(make_worker());
+  while (workers_.size() < std::min(cores, jobs_.size())) {
+    std::unique_ptr<Worker> worker = make_worker();
+    if (!worker) break;
+    workers_.push_back(std::move(worker));
+  }
   try {
     for (const auto& worker : workers_) threads_.emplace_back([this, &worker] { Work(worker.get()); });
   } catch (const std::system_error&) {
@@ -40,18 +44,8 @@ ContentPool::~ContentPool() {
 
 void ContentPool::Work(Worker* worker) {
   while (const std::optional<Batch> batch = Claim()) {
-    std::vector<Result> results;
-    for (std::size_t job = batch->begin; job < batch->end; ++job) {
-      Result& result = results.emplace_back();
-      result.is_there = true;
-      try {
-        std::optional<ContentBuffer> content = worker->Unpack(jobs_[job].entry);
-        result.is_whole = content.has_value();
-        if (content) result.content = *std::move(content);
-      } catch (const std::bad_alloc&) {
-        result.is_whole = false;
-      }
-    }
+    std::vector<Result> results(batch->end - batch->begin);
+    Unpack(*batch, worker, &results);
     const std::lock_guard lock(mutex_);
     if (stop_) return;
     std::move(results.begin(), results.end(),
@@ -61,30 +55,49 @@ void ContentPool::Work(Worker* worker) {
   }
 }
 
+void ContentPool::Unpack(const Batch& batch, Worker* worker, std::vector<Result>* results) const {
+  const std::span jobs(jobs_.data() + batch.begin, results->size());
+  try {
+    worker->Begin(jobs);
+  } catch (const std::bad_alloc&) {
+    // Unpack gives nothing then.
+  }
+  for (std::size_t i = 0; i < jobs.size(); ++i) {
+    Result& result = (*results)[i];
+    result.is_there = true;
+    try {
+      std::optional<ContentBuffer> content = worker->Unpack(jobs[i].entry);
+      result.is_whole = content.has_value();
+      if (content) result.content = *std::move(content);
+    } catch (const std::bad_alloc&) {
+      result.is_whole = false;
+    }
+  }
+}
+
 // Waits for room. Nothing when there are no more jobs, or no more are wanted.
 std::optional<ContentPool::Batch> ContentPool::Claim() {
   std::unique_lock lock(mutex_);
-  has_room_.wait(lock, [this] { return stop_ || claimed_ == jobs_.size() || HasRoom(NextBatch()); });
+  const auto has_room = [this] {
+    return waiting_bytes_ == 0 || waiting_bytes_ + NextBatch().bytes <= kMostSize;
+  };
+  has_room_.wait(lock, [&] { return stop_ || claimed_ == jobs_.size() || has_room(); });
   if (stop_ || claimed_ == jobs_.size()) return std::nullopt;
   const Batch batch = NextBatch();
-  for (std::size_t job = batch.begin; job < batch.end; ++job) waiting_bytes_ += jobs_[job].size + kOverhead;
+  waiting_bytes_ += batch.bytes;
   claimed_ = batch.end;
   results_.resize(claimed_ - taken_);
   return batch;
 }
 
 ContentPool::Batch ContentPool::NextBatch() const {
-  Batch batch{claimed_, claimed_};
-  std::size_t bytes = 0;
-  while (batch.end < jobs_.size() && bytes < kBatchBytes && batch.end - batch.begin < kBatchJobs)
-    bytes += jobs_[batch.end++].size;
+  Batch batch{claimed_, claimed_, 0};
+  const auto goes_on = [&] {
+    const bool is_full = batch.bytes >= kBatchBytes || batch.end - batch.begin >= kBatchJobs;
+    return batch.end < jobs_.size() && (!is_full || jobs_[batch.end].is_with_last);
+  };
+  while (goes_on()) batch.bytes += jobs_[batch.end++].size + kOverhead;
   return batch;
-}
-
-bool ContentPool::HasRoom(const Batch& batch) const {
-  std::size_t bytes = waiting_bytes_;
-  for (std::size_t job = batch.begin; job < batch.end; ++job) bytes += jobs_[job].size;
-  return waiting_bytes_ == 0 || bytes <= kMostSize;
 }
 
 std::optional<ContentBuffer> ContentPool::Take(std::size_t entry) {

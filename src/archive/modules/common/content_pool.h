@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <thread>
 #include <vector>
 
@@ -18,24 +19,31 @@ namespace quendle::modules {
 
 class ContentPool {
  public:
+  struct Job {
+    std::size_t entry = 0;
+    // Of its content, with what unpacking it takes beside; believed only so far as memory is concerned.
+    std::size_t size = 0;
+    bool is_with_last = false;  // begun by one worker together with the job in front
+  };
+
   // Used by one thread.
   class Worker {
    public:
     virtual ~Worker() = default;
 
+    // Unpack is called next for each of these, in their order: for who does better with several at once. Ends soon.
+    virtual void Begin(std::span<const Job> /*jobs*/) {}
+
     // The whole content of that entry, whose checksum held. Nothing: whoever waits for it has to find out why.
     // Ends soon.
     virtual std::optional<ContentBuffer> Unpack(std::size_t entry) = 0;
-  };
-  struct Job {
-    std::size_t entry = 0;
-    std::size_t size = 0;  // of its content, believed only so far as memory is concerned
   };
 
   // The largest content that is unpacked this way, and what all that wait to be taken may have together.
   static constexpr std::size_t kMostSize = 64U << 20;
 
-  // Begins with the jobs in their order. `make_worker` is called on this thread.
+  // Begins with the jobs in their order. `make_worker` is called on this thread, until it gives none or there is one for
+  // each core; without any nothing is unpacked.
   ContentPool(std::vector<Job> jobs, const std::function<std::unique_ptr<Worker>()>& make_worker);
   ~ContentPool();  // ends as soon as the workers have done what they are at
   ContentPool(const ContentPool&) = delete;
@@ -55,11 +63,12 @@ class ContentPool {
   struct Batch {
     std::size_t begin = 0;  // of the jobs
     std::size_t end = 0;
+    std::size_t bytes = 0;  // of memory
   };
 
   void Work(Worker* worker);
+  void Unpack(const Batch& batch, Worker* worker, std::vector<Result>* results) const;
   std::optional<Batch> Claim();
-  bool HasRoom(const Batch& batch) const;
   Batch NextBatch() const;
 
   const std::vector<Job> jobs_;

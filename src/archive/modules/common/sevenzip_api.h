@@ -71,6 +71,7 @@ enum Property : std::uint32_t {
   kCrc = 19,
   kIsAnti = 21,
   kMethod = 22,
+  kBlock = 27,
   kErrorFlags = 71,
 };
 
@@ -183,6 +184,12 @@ struct InArchive : Unknown {
   virtual HResult Extract(const std::uint32_t* indices, std::uint32_t count, std::int32_t test,
                           ExtractCallback* callback) = 0;
   virtual HResult GetArchiveProperty(std::uint32_t property, Variant* value) = 0;
+};
+
+// How a reader does what it does, by names and values. What was set before counts no more.
+struct PropertiesUser : Unknown {
+  static constexpr Guid kId = InterfaceId(6, 3);
+  virtual HResult SetProperties(const Char* const* names, const Variant* values, std::uint32_t count) = 0;
 };
 // NOLINTEND(cppcoreguidelines-virtual-class-destructor)
 

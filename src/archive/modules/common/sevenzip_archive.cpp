@@ -5,6 +5,7 @@
 
 #include "archive/modules/common/sevenzip_codecs.h"
 #include "archive/modules/common/sevenzip_object.h"
+#include "platform/process/memory.h"
 #include "platform/text/utf8_locale.h"
 
 namespace quendle::modules {
@@ -111,6 +112,12 @@ class SevenZipArchive::Extracting final : public Object<ExtractCallback, Passwor
   bool is_wanted_ = false;
 };
 
+SevenZipBytes BytesOf(const ArchiveInput& input) {
+  return {input.Size(), [&input](std::uint64_t position, void* buffer, std::size_t size, std::size_t* got) {
+            return input.ReadAt(position, buffer, size, got);
+          }};
+}
+
 SevenZipArchive::SevenZipArchive(SevenZipBytes bytes, std::function<std::optional<std::string>()> password)
     : stream_(std::make_unique<Stream>(std::move(bytes))), password_(std::move(password)) {}
 
@@ -118,7 +125,7 @@ SevenZipArchive::~SevenZipArchive() {
   if (archive_) archive_->Close();
 }
 
-ReadStatus SevenZipArchive::Open(std::uint8_t format, Reason* reason) {
+ReadStatus SevenZipArchive::Open(std::uint8_t format, Reason* reason, Threads threads) {
   library_ = SevenZipLibrary::Get(reason);
   if (library_ == nullptr) return ReadStatus::kUnsupported;
   archive_ = library_->CreateReader(format);
@@ -127,6 +134,7 @@ ReadStatus SevenZipArchive::Open(std::uint8_t format, Reason* reason) {
     return ReadStatus::kUnsupported;
   }
   AddCodecs(archive_.get());
+  Set(threads);
   Opening callback(this);
   const std::uint64_t in_front = 0;
   const HResult opened = archive_->Open(stream_.get(), &in_front, &callback);
@@ -141,6 +149,27 @@ ReadStatus SevenZipArchive::Open(std::uint8_t format, Reason* reason) {
             : opened == kOutOfMemory    ? why::kNotEnoughMemory
                                         : why::kHeadersDamaged;
   return ReadStatus::kFailed;
+}
+
+// One value only: where the next of several would stand depends on the system. A reader that does not know it does as it
+// always did.
+void SevenZipArchive::Set(Threads threads) {
+  void* object = nullptr;
+  if (archive_->QueryInterface(PropertiesUser::kId, &object) != kOk || object == nullptr) return;
+  const std::unique_ptr<PropertiesUser, SevenZipLibrary::Released> user(static_cast<PropertiesUser*>(object));
+  Variant value;
+  if (threads == Threads::kOne) {
+    const Char* const name = L"mt";
+    value.type = kNumber32Type;
+    value.value.number = 1;
+    user->SetProperties(&name, &value, 1);
+  } else {
+    const Char* const name = L"memuse";
+    value.type = kTextType;
+    value.value.text = library_->NewText(std::to_string(platform::AvailableMemory() / 4 >> 20).append("m"));
+    user->SetProperties(&name, &value, 1);
+    library_->FreeText(value.value.text);
+  }
 }
 
 ReadStatus SevenZipArchive::CheckOpened(Reason* reason) const {

@@ -21,6 +21,7 @@ struct SevenZipBytes {
   std::function<platform::Result(std::uint64_t position, void* buffer, std::size_t size, std::size_t* got)>
       read;
 };
+SevenZipBytes BytesOf(const ArchiveInput& input);  // which outlives them
 
 // Hears of contents, perhaps on another thread than the one that waits in Extract. False ends it.
 class SevenZipReceiver {
@@ -45,8 +46,12 @@ class SevenZipArchive {
   SevenZipArchive(const SevenZipArchive&) = delete;
   SevenZipArchive& operator=(const SevenZipArchive&) = delete;
 
+  // With several threads the library unpacks parts of one stream at once, as many as a quarter of the available memory is
+  // enough for.
+  enum class Threads { kOne, kSeveral };
+
   // kPassword when its headers are encrypted and the password does not open them; `*reason` tells why not kOk.
-  ReadStatus Open(std::uint8_t format, Reason* reason);
+  ReadStatus Open(std::uint8_t format, Reason* reason, Threads threads = Threads::kSeveral);
 
   std::uint32_t Count() const { return count_; }
   std::string Text(std::uint32_t index, sevenzip::Property property) const;
@@ -64,6 +69,7 @@ class SevenZipArchive {
 
   sevenzip::Variant Get(std::uint32_t index, sevenzip::Property property) const;
   ReadStatus CheckOpened(Reason* reason) const;
+  void Set(Threads threads);
 
   std::unique_ptr<Stream> stream_;
   std::function<std::optional<std::string>()> password_;

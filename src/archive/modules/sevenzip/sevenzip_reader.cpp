@@ -6,6 +6,7 @@
 
 #include "archive/modules/common/entry_times.h"
 #include "archive/modules/common/sevenzip_archive.h"
+#include "archive/modules/sevenzip/sevenzip_blocks.h"
 #include "archive/modules/sevenzip/sevenzip_list.h"
 
 namespace quendle::modules {
@@ -52,10 +53,7 @@ class SevenZipReader final : public ArchiveReader, private SevenZipReceiver {
  public:
   SevenZipReader(const ArchiveInput& input, const ReaderOptions& options)
       : input_(input),
-        archive_(
-            {input.Size(), [&input](std::uint64_t position, void* buffer, std::size_t size,
-                                    std::size_t* got) { return input.ReadAt(position, buffer, size, got); }},
-            options.password),
+        archive_(BytesOf(input), options.password),
         name_of_archive_(NameOfArchive(input.Path())),
         password_(options.password) {}
 
@@ -66,7 +64,10 @@ class SevenZipReader final : public ArchiveReader, private SevenZipReceiver {
 
  private:
   Entry At(std::uint32_t index) const;
-  bool Choose();
+  bool Choose(SevenZipBlocks* blocks);
+  bool UnpackChosen(SevenZipBlocks* blocks);
+  bool Stream();
+  bool GiveUnpacked(std::uint32_t index, ContentBuffer content);
   bool BeginBefore(std::uint32_t index);
   bool BeginEntry(Entry entry);
   bool EndLink(sevenzip::ExtractResult result);
@@ -80,13 +81,14 @@ class SevenZipReader final : public ArchiveReader, private SevenZipReceiver {
   SevenZipArchive archive_;
   std::string name_of_archive_;
   std::function<std::optional<std::string>()> password_;
-  ReadStatus end_ = ReadStatus::kEnd;  // how the list of entries ends
+  ReadStatus end_ = ReadStatus::kEnd;  // how the entries end
   Reason reason_;
   std::uint32_t next_ = 0;  // the entry that is listed, or begun, next
 
   EntrySink* sink_ = nullptr;
   std::vector<bool> wanted_;             // beside the entries
   std::vector<std::uint32_t> unpacked_;  // of those: that the library is to unpack
+  std::vector<std::uint32_t> streamed_;  // of these: that come next, and are streamed
   bool is_locked_ = false;               // there is no password
   bool password_fits_ = false;           // something encrypted was right
   Entry entry_;                          // at hand
@@ -130,26 +132,55 @@ ReadStatus SevenZipReader::NextEntry(Entry* entry) {
 
 ReadStatus SevenZipReader::Unpack(EntrySink* sink) {
   sink_ = sink;
-  const bool goes_on = Choose();
-  std::optional<Reason> failure;
-  if (goes_on && !unpacked_.empty()) failure = archive_.Extract(unpacked_, this);
-  if (failure) {
-    reason_ = *failure;
-    return ReadStatus::kFailed;
+  SevenZipBlocks blocks(input_, archive_);
+  if (Choose(&blocks) && UnpackChosen(&blocks)) BeginBefore(archive_.Count());
+  return end_;
+}
+
+bool SevenZipReader::UnpackChosen(SevenZipBlocks* blocks) {
+  blocks->Start([this] { return sink_->GoesOn(); });
+  for (const std::uint32_t index : unpacked_) {
+    if (blocks->BeginsAt(index) && !Stream()) return false;
+    std::optional<ContentBuffer> content = blocks->Take(index);
+    if (!content) {
+      streamed_.push_back(index);
+    } else if (!GiveUnpacked(index, *std::move(content))) {
+      return false;
+    }
   }
-  return goes_on && BeginBefore(archive_.Count()) ? end_ : ReadStatus::kEnd;
+  return Stream();
+}
+
+// False when it ended before the last.
+bool SevenZipReader::Stream() {
+  if (streamed_.empty()) return true;
+  const std::optional<Reason> failure = archive_.Extract(std::exchange(streamed_, {}), this);
+  if (!failure) return true;
+  reason_ = *failure;
+  end_ = ReadStatus::kFailed;
+  return false;
+}
+
+bool SevenZipReader::GiveUnpacked(std::uint32_t index, ContentBuffer content) {
+  if (!BeginBefore(index)) return false;
+  next_ = index + 1;
+  entry_ = At(index);
+  if (entry_.kind != EntryKind::kLink) return GiveWhole(std::move(entry_), std::move(content), sink_);
+  target_ = content.View().substr(0, kLongestTarget);
+  return EndLink(sevenzip::ExtractResult::kWhole);
 }
 
 // Finds out what the library is to unpack. Links are always read, as their targets belong to them.
-bool SevenZipReader::Choose() {
+bool SevenZipReader::Choose(SevenZipBlocks* blocks) {
   for (std::uint32_t index = 0; index < archive_.Count() && sink_->GoesOn(); ++index) {
     const Entry entry = At(index);
     wanted_.push_back(sink_->Wants(entry));
     const bool is_read = entry.kind == EntryKind::kLink ||
                          (entry.kind == EntryKind::kFile && wanted_.back() && entry.size != 0U);
-    if (!is_read) continue;
-    if (entry.encrypted && !is_locked_) is_locked_ = !password_().has_value();
-    if (!entry.encrypted || !is_locked_) unpacked_.push_back(index);
+    if (is_read && entry.encrypted && !is_locked_) is_locked_ = !password_().has_value();
+    const bool is_unpacked = is_read && !(entry.encrypted && is_locked_);
+    if (is_unpacked) unpacked_.push_back(index);
+    blocks->Add(index, is_unpacked);
   }
   return sink_->GoesOn();
 }
