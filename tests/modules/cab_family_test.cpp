@@ -79,6 +79,7 @@ GTEST_TEST(Cab, UnpacksBlocksOrSaysWhyNot) {
     std::string blocks;
     std::size_t good;  // of the three files
     const char* reason = "";
+    std::size_t count = 3;
   } rows[] = {
       {"whole", one + two + three, 3},
       {"without a sum", one + unchecked + three, 3},
@@ -91,9 +92,10 @@ GTEST_TEST(Cab, UnpacksBlocksOrSaysWhyNot) {
       {"more than it says", one + two + test::CabBlock(Repetition(), 773), 2, "its packed data is damaged"},
       {"more than a block", one + test::CabBlock(test::MszipData(text.substr(0, kBlock + 1)), kBlock + 1), 1,
        "the cabinet is damaged"},
-      {"small in the middle", one + small + three, 1, "the cabinet is damaged"},
+      {"small in the middle", one + small + two + three, 1, "the cabinet is damaged", 4},
       {"nothing", one + test::CabBlock("", 0), 1, "the cabinet is damaged"},
       {"a block is missing", one + two, 2, "the cabinet is damaged"},
+      {"a block is not counted", one + two + three, 2, "the cabinet is damaged", 2},
       {"a header is cut off", one + two.substr(0, 7), 1, "the cabinet is damaged"},
   };
   const std::string contents[] = {text.substr(0, kBlock), text.substr(kBlock, kBlock),
@@ -103,7 +105,7 @@ GTEST_TEST(Cab, UnpacksBlocksOrSaysWhyNot) {
       SCOPED_TRACE(std::string(row.what) + " and " + std::to_string(behind));
       std::vector<std::string> files;
       std::vector<test::CabData> folders(1 + behind, {one + two + three, 3});
-      folders.front().blocks = row.blocks;
+      folders.front() = {row.blocks, row.count};
       for (unsigned i = 0; i < 3 * folders.size(); ++i)
         files.push_back(
             test::CabFile({std::to_string(i), "", 0, i / 3}, i % 3 * kBlock, contents[i % 3].size()));

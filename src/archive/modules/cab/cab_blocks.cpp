@@ -15,7 +15,7 @@ constexpr std::size_t kLargestPacked = 0xFFFF;
 constexpr std::string_view kMszipMark = "CK";
 // Of a block of deflate's, not the last one, that stores CabBlocks::kBlock bytes.
 constexpr std::string_view kStoredHeader("\0\x00\x80\xFF\x7F", 5);
-// Packed bytes are read to there; kMszipMark then gives place to the end of what is put in front of the others.
+// Packed bytes are read to there. What is put in front of them later ends in place of their kMszipMark.
 constexpr std::size_t kPackedAt = kStoredHeader.size() + CabBlocks::kBlock - kMszipMark.size();
 
 // As the format has it: numbers of four bytes, lowest first, and what is left of less with the highest first.
@@ -45,27 +45,33 @@ CabBlocks::CabBlocks(const ArchiveInput& input)
 void CabBlocks::Begin(const CabFolder& folder) {
   left_ = folder;
   has_history_ = false;
-  may_follow_ = true;
+  had_last_ = false;
   problem_ = {};
 }
 
 std::size_t CabBlocks::Fail(Reason reason) {
-  may_follow_ = false;
   problem_ = std::move(reason);
   return 0;
 }
 
 bool CabBlocks::Read(char* bytes, std::size_t size) {
-  if (size > left_.end - left_.begin) return Fail(why::kCabinetDamaged) != 0;
   std::size_t got = 0;
-  const platform::Result result = input_.ReadAt(left_.begin, bytes, size, &got);
+  if (size > left_.end - left_.begin) {
+    problem_ = why::kCabinetDamaged;
+  } else if (const auto result = input_.ReadAt(left_.begin, bytes, size, &got); !result.ok()) {
+    problem_ = result.reason;
+  } else if (got < size) {
+    problem_ = why::kCabinetUnreadable;
+  }
   left_.begin += got;
-  if (result.ok() && got == size) return true;
-  return Fail(result.ok() ? why::kCabinetUnreadable : result.reason) != 0;
+  return problem_.empty();
 }
 
 std::size_t CabBlocks::Next(char* to) {
-  if (!may_follow_) return Fail(problem_.empty() ? why::kCabinetDamaged : why::kDataBeforeDamaged);
+  if (!problem_.empty()) return Fail(why::kDataBeforeDamaged);
+  if (!decompressor_) return Fail(why::kNotEnoughMemory);
+  if (had_last_ || left_.blocks == 0) return Fail(why::kCabinetDamaged);
+  --left_.blocks;
   std::array<char, kHeaderSize> header{};
   if (!Read(header.data(), header.size())) return 0;
   const std::string_view fields(header.data(), header.size());
@@ -78,7 +84,8 @@ std::size_t CabBlocks::Next(char* to) {
   // Without a sum there is nothing to compare.
   if (sum != 0 && (Sum(packed) ^ Sum(fields.substr(4))) != sum) return Fail(why::kSomeChecksumWrong);
   if (Unpack(packed, size, to) != size) return Fail(why::kPackedDataDamaged);
-  has_history_ = may_follow_ = size == kBlock;
+  has_history_ = true;
+  had_last_ = size < kBlock;
   return size;
 }
 

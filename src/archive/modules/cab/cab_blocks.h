@@ -23,7 +23,7 @@ class CabBlocks {
   // `input` outlives this object.
   explicit CabBlocks(const ArchiveInput& input);
 
-  // Goes to the first block.
+  // Goes to the first block of the folder.
   void Begin(const CabFolder& folder);
 
   // Unpacks the next block to `to`, where there is room for kBlock + kSlack bytes. What the block before it gave stands in
@@ -48,7 +48,7 @@ class CabBlocks {
   std::unique_ptr<libdeflate_decompressor, Free> decompressor_;
   CabFolder left_;            // of the folder
   bool has_history_ = false;  // a block came before
-  bool may_follow_ = true;    // neither a smaller block nor damage did
+  bool had_last_ = false;     // a smaller block came
   std::vector<char> bytes_;   // packed, behind room for what the library is to know
   Reason problem_;
 };

@@ -42,7 +42,8 @@ bool ReadFolders(const ArchiveInput& input, const CabHeader& header, std::vector
       if (begin < folders->back().begin) return false;
       folders->back().end = begin;
     }
-    folders->push_back({begin, header.size, method == kMszip});
+    const auto blocks = static_cast<std::size_t>(LittleEndian(bytes, at + 4, 2));
+    folders->push_back({begin, header.size, blocks, method == kMszip});
   }
   return true;
 }

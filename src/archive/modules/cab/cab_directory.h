@@ -16,6 +16,7 @@ namespace quendle::modules {
 struct CabFolder {
   std::uint64_t begin = 0;  // of the blocks in the input
   std::uint64_t end = 0;    // they cannot go further
+  std::size_t blocks = 0;   // how many
   bool is_mszip = false;    // otherwise they are stored
 };
 
