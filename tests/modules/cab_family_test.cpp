@@ -4,12 +4,13 @@
 
 #include "archive/modules/cab/cab_directory.h"
 #include "archive/modules/common/entry_times.h"
+#include "archive/modules/common/little_endian.h"
 #include "support/lzh_cab_rar.h"
 
 namespace quendle::modules {
 namespace {
 
-using test::CabSet, test::StoredCab;
+using test::CabSet, test::Number, test::StoredCab;
 
 // Stored, and packed as most cabinets are.
 const CabSet kPackings[] = {{}, {.mszip = true}};
@@ -121,6 +122,20 @@ GTEST_TEST(Cab, UnpacksBlocksOrSaysWhyNot) {
   }
 }
 
+GTEST_TEST(Cab, BlocksRepeatFromTheOneBefore) {
+  std::string text;
+  std::string blocks;
+  for (unsigned count = 1; count <= 16; ++count) {
+    while (text.size() < count * kBlock) text += std::to_string(text.size() * text.size());
+    text.resize(count * kBlock);
+    blocks += test::CabBlock(test::MszipData(text.substr(text.size() - kBlock)), kBlock);
+    const std::string file = test::CabFile({"a"}, 0, text.size() + 774);
+    const test::CabData folder{blocks + test::CabBlock(Repetition(), 774), count + 1};
+    const auto read = test::UnpackBytes(kCabFamily, test::Cabinet({file}, {folder}, {.mszip = true}));
+    EXPECT_TRUE(read.Text() == "a=" + text + text.substr(text.size() - kBlock, 774)) << count;
+  }
+}
+
 // What others have to read, or to refuse.
 GTEST_TEST(Cab, KnowsPlainCabinets) {
   const test::CabData data{test::CabBlock("12", 2), 1};
@@ -129,6 +144,13 @@ GTEST_TEST(Cab, KnowsPlainCabinets) {
   const auto patched = [&](std::size_t at, std::uint64_t value, int width) {
     std::string bytes = plain;
     test::Patch(&bytes, at, value, width);
+    return bytes;
+  };
+  const auto reserved = [&](std::size_t in_blocks) {
+    std::string bytes = plain.substr(0, 36) + Number(0, 3) + Number(in_blocks, 1) + plain.substr(36);
+    test::Patch(&bytes, 30, 4, 2);
+    for (const std::size_t at : {std::size_t{8}, std::size_t{16}, std::size_t{40}, std::size_t{48}})
+      test::Patch(&bytes, at, LittleEndian(bytes, at, 4) + 4, 4);
     return bytes;
   };
   const std::uint64_t blocks = plain.size() - 2 * data.blocks.size();
@@ -147,7 +169,10 @@ GTEST_TEST(Cab, KnowsPlainCabinets) {
       {"no file", patched(28, 0, 2)},
       {"data outside", patched(44, plain.size() + 1, 4)},
       {"data backwards", patched(36, blocks + 11, 4)},
-      {"the next one of a set", patched(30, 2, 2)},
+      {"the first of a set", StoredCab({{"a", "1"}}, {0, "", "b"})},
+      {"the last of a set", StoredCab({{"a", "1"}}, {0, "b"})},
+      {"reserved bytes", reserved(0), true},
+      {"reserved bytes in blocks", reserved(1)},
       {"cut off", plain.substr(0, plain.size() - 1)},
   };
   const test::TempFolder folder;
