@@ -99,7 +99,10 @@ def main():
         cab = make(path("big.cab"), big, "gcab", "-c", "-z", path("big.cab"), *names)
         compare("CAB, 200 MB", cab, out, common | {"cabextract": "cabextract -q -d {out} {archive}", "gcab": "gcab -x -C {out} {archive}"})
         stored_lzh(path("big.lzh"))
-        compare("LZH, 200 MB, stored", path("big.lzh"), out, common | {"lha": "lha -xqfw={out} {archive}"})
+        lha = {"lha": "lha -xqfw={out} {archive}", "jlha": "jlha xqw={out} {archive}"}
+        compare("LZH, 200 MB, stored", path("big.lzh"), out, common | lha)
+        lh5 = make(path("lh5.lzh"), big, "jlha", "co5", path("lh5.lzh"), *sorted(os.listdir(big)))
+        compare("LZH, 200 MB, -lh5-", lh5, out, {"bsdtar": bsdtar, "7zz": seven} | lha)  # unar does not read all of it
         shutil.rmtree(big)
         many_zip = make(path("many.zip"), many, "zip", "-qr", path("many.zip"), ".")
         compare("ZIP, 100,000 small files", many_zip, out, common | unzip)

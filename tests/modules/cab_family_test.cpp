@@ -2,13 +2,15 @@
 
 #include <algorithm>
 
+#include "archive/modules/cab/cab_directory.h"
 #include "archive/modules/common/entry_times.h"
+#include "archive/modules/common/little_endian.h"
 #include "support/lzh_cab_rar.h"
 
 namespace quendle::modules {
 namespace {
 
-using test::CabSet, test::StoredCab;
+using test::CabSet, test::Number, test::StoredCab;
 
 // Stored, and packed as most cabinets are.
 const CabSet kPackings[] = {{}, {.mszip = true}};
@@ -42,9 +44,182 @@ GTEST_TEST(Cab, ReadsLargeFiles) {
   }
 }
 
+constexpr std::size_t kBlock = 32'768;
+
+// A last block by deflate's own code: three repetitions of 258 bytes from 32 KiB back.
+std::string Repetition() {
+  std::string bits = "110";
+  for (int i = 0; i < 3; ++i)
+    bits +=
+        "11000101"
+        "11101"
+        "1111111111111";
+  bits += "0000000";
+  std::string bytes((bits.size() + 7) / 8, '\0');
+  for (std::size_t i = 0; i < bits.size(); ++i)
+    bytes[i / 8] = static_cast<char>(static_cast<unsigned char>(bytes[i / 8]) | (bits[i] - '0') << i % 8);
+  return "CK" + bytes;
+}
+
+// Of three blocks, as it should be or with one of another kind, in front of the others and among some that are whole, which
+// are unpacked on several cores.
+GTEST_TEST(Cab, UnpacksBlocksOrSaysWhyNot) {
+  std::string text;
+  while (text.size() < 2 * kBlock) text += std::to_string(text.size());
+  const auto whole = [&](std::size_t i) {
+    return test::MszipData(text.substr(i * kBlock, i == 2 ? 1 : kBlock));
+  };
+  const std::string one = test::CabBlock(whole(0), kBlock);
+  const std::string two = test::CabBlock(whole(1), kBlock);
+  const std::string three = test::CabBlock(Repetition(), 774);
+  std::string flipped = two;
+  flipped[100] ^= 1;
+  std::string unchecked = two;
+  test::Patch(&unchecked, 0, 0, 4);
+  const std::string small = test::CabBlock(test::MszipData(std::string(9, 'x')), 9);
+  const struct {
+    const char* what;
+    std::string blocks;
+    std::size_t good;  // of the three files
+    const char* reason = "";
+    std::size_t count = 3;
+  } rows[] = {
+      {"whole", one + two + three, 3},
+      {"without a sum", one + unchecked + three, 3},
+      {"nothing to repeat", three + two, 0, "its packed data is damaged"},
+      {"a flipped bit", one + flipped + three, 1, "a checksum does not agree"},
+      {"no mark", one + test::CabBlock("XX" + whole(1).substr(2), kBlock), 1, "its packed data is damaged"},
+      {"a mark alone", one + test::CabBlock("C", 1) + three, 1, "its packed data is damaged"},
+      {"less than it says", one + test::CabBlock(whole(1), kBlock - 1) + three, 1,
+       "its packed data is damaged"},
+      {"more than it says", one + two + test::CabBlock(Repetition(), 773), 2, "its packed data is damaged"},
+      {"more than a block", one + test::CabBlock(test::MszipData(text.substr(0, kBlock + 1)), kBlock + 1), 1,
+       "the cabinet is damaged"},
+      {"small in the middle", one + small + two + three, 1, "the cabinet is damaged", 4},
+      {"nothing", one + test::CabBlock("", 0), 1, "the cabinet is damaged"},
+      {"a block is missing", one + two, 2, "the cabinet is damaged"},
+      {"a block is not counted", one + two + three, 2, "the cabinet is damaged", 2},
+      {"a header is cut off", one + two.substr(0, 7), 1, "the cabinet is damaged"},
+  };
+  const std::string contents[] = {text.substr(0, kBlock), text.substr(kBlock, kBlock),
+                                  text.substr(kBlock, 774)};
+  for (const auto& row : rows) {
+    for (const unsigned behind : {0U, 3U}) {
+      SCOPED_TRACE(std::string(row.what) + " and " + std::to_string(behind));
+      std::vector<std::string> files;
+      std::vector<test::CabData> folders(1 + behind, {one + two + three, 3});
+      folders.front() = {row.blocks, row.count};
+      for (unsigned i = 0; i < 3 * folders.size(); ++i)
+        files.push_back(
+            test::CabFile({std::to_string(i), "", 0, i / 3}, i % 3 * kBlock, contents[i % 3].size()));
+      const auto read = test::UnpackBytes(kCabFamily, test::Cabinet(files, folders, {.mszip = true}));
+      ASSERT_EQ(read.entries.size(), files.size());
+      for (std::size_t i = 0; i < files.size(); ++i) {
+        const bool is_good = i >= 3 || i < row.good;
+        const std::string problem = i == row.good ? row.reason : "the packed data in front of it is damaged";
+        EXPECT_EQ(English(read.entries[i].problem), is_good ? "" : problem) << i;
+        EXPECT_TRUE(!is_good || read.entries[i].content == contents[i % 3]) << i;
+      }
+    }
+  }
+}
+
+GTEST_TEST(Cab, BlocksRepeatFromTheOneBefore) {
+  std::string text;
+  std::string blocks;
+  for (unsigned count = 1; count <= 16; ++count) {
+    while (text.size() < count * kBlock) text += std::to_string(text.size() * text.size());
+    text.resize(count * kBlock);
+    blocks += test::CabBlock(test::MszipData(text.substr(text.size() - kBlock)), kBlock);
+    const std::string file = test::CabFile({"a"}, 0, text.size() + 774);
+    const test::CabData folder{blocks + test::CabBlock(Repetition(), 774), count + 1};
+    const auto read = test::UnpackBytes(kCabFamily, test::Cabinet({file}, {folder}, {.mszip = true}));
+    EXPECT_TRUE(read.Text() == "a=" + text + text.substr(text.size() - kBlock, 774)) << count;
+  }
+}
+
+// What others have to read, or to refuse.
+GTEST_TEST(Cab, KnowsPlainCabinets) {
+  const test::CabData data{test::CabBlock("12", 2), 1};
+  const std::string plain =
+      test::Cabinet({test::CabFile({"a"}, 0, 1), test::CabFile({"b"}, 1, 1)}, {data, data}, {});
+  const auto patched = [&](std::size_t at, std::uint64_t value, int width) {
+    std::string bytes = plain;
+    test::Patch(&bytes, at, value, width);
+    return bytes;
+  };
+  const auto reserved = [&](std::size_t in_blocks) {
+    std::string bytes = plain.substr(0, 36) + Number(0, 3) + Number(in_blocks, 1) + plain.substr(36);
+    test::Patch(&bytes, 30, 4, 2);
+    for (const std::size_t at : {std::size_t{8}, std::size_t{16}, std::size_t{40}, std::size_t{48}})
+      test::Patch(&bytes, at, LittleEndian(bytes, at, 4) + 4, 4);
+    return bytes;
+  };
+  const std::uint64_t blocks = plain.size() - 2 * data.blocks.size();
+  const struct {
+    const char* what;
+    std::string bytes;
+    bool is_plain = false;
+  } rows[] = {
+      {"plain", plain, true},
+      {"and something behind it", plain + "x", true},
+      {"the second one first", patched(52 + 4, 2, 4), true},
+      {"contents that overlap", patched(52, 2, 4)},
+      {"no such folder", patched(52 + 8, 2, 2)},
+      {"LZX", patched(36 + 6, 3, 2)},
+      {"no name", patched(52 + 16, 0, 1)},
+      {"no file", patched(28, 0, 2)},
+      {"data outside", patched(44, plain.size() + 1, 4)},
+      {"data backwards", patched(36, blocks + 11, 4)},
+      {"the first of a set", StoredCab({{"a", "1"}}, {0, "", "b"})},
+      {"the last of a set", StoredCab({{"a", "1"}}, {0, "b"})},
+      {"reserved bytes", reserved(0), true},
+      {"reserved bytes in blocks", reserved(1)},
+      {"cut off", plain.substr(0, plain.size() - 1)},
+  };
+  const test::TempFolder folder;
+  for (const auto& row : rows) {
+    test::WriteFile(folder / "a", row.bytes);
+    EXPECT_EQ(ReadPlainCabinet({test::Opened(folder / "a"), 0}).has_value(), row.is_plain) << row.what;
+  }
+}
+
+class ThirdOnly final : public test::Collector {
+ public:
+  using Collector::Collector;
+  bool Wants(const Entry&) override { return ++asked_ % 4 == 3; }
+
+ private:
+  unsigned asked_ = 0;
+};
+
+// What lies behind the last wanted content of a folder may be anything.
+GTEST_TEST(Cab, UnpacksAFolderUpToWhatIsWanted) {
+  std::vector<std::string> files;
+  std::vector<test::CabData> folders;
+  for (unsigned folder = 0; folder < 3; ++folder) {
+    folders.push_back({"", 4});
+    for (unsigned i = 0; i < 4; ++i) {
+      files.push_back(test::CabFile({"a", "", 0, folder}, i * kBlock, i == 2 ? 1 : kBlock));
+      const std::string content(kBlock, static_cast<char>('0' + i));
+      folders.back().blocks += i < 3 ? test::CabBlock(test::MszipData(content), kBlock) : "damaged!";
+    }
+  }
+  const test::TempFolder folder;
+  test::WriteFile(folder / "a", test::Cabinet(files, folders, {.mszip = true}));
+  const ArchiveInput input(test::Opened(folder / "a"), 0);
+  test::UnpackedArchive unpacked;
+  ThirdOnly wanted(&unpacked);
+  EXPECT_EQ(kCabFamily.engines(input).front().open(input, {}, nullptr)->Unpack(&wanted), ReadStatus::kEnd);
+  ASSERT_EQ(unpacked.entries.size(), files.size());
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    EXPECT_TRUE(unpacked.entries[i].problem.empty()) << i;
+    EXPECT_TRUE(unpacked.entries[i].content == std::string(i % 4 == 2 ? 1 : 0, '2')) << i;
+  }
+}
+
 // What lies behind a damaged block is never taken for something else.
 GTEST_TEST(Cab, DoesNotSlipOverDamagedBlocks) {
-  constexpr std::size_t kBlock = 32'768;
   for (const CabSet& packed : kPackings) {
     std::string bytes = StoredCab(
         {{"a", std::string(kBlock, 'a')}, {"b", std::string(kBlock, 'b')}, {"c", std::string(kBlock, 'c')}},

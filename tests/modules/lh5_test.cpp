@@ -72,9 +72,9 @@ GTEST_TEST(Lh5, UnpacksBlocksOfAllMethods) {
     const Lh5Form form = *Lh5FormOf(method);
     const unsigned window = 1U << form.window_bits;
     Lh5Blocks blocks(form);
-    blocks.Begin(5).Text("abc").Match(window, 5).Match(6, 3);
-    std::string text = "abc     ";
-    text += text.substr(2, 3);
+    blocks.Begin(6).Match(window, 3).Text("abc").Match(window, 5).Match(6, 3);
+    std::string text = "   abc     ";
+    text += text.substr(5, 3);
     blocks.Only(300, 'x', 0);
     text += std::string(300, 'x');
     blocks.Only(2, 256 + 10, 1);

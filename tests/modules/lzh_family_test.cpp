@@ -52,6 +52,13 @@ GTEST_TEST(Lzh, ReadsNamesOfAllLevels) {
   for (const auto& row : rows) EXPECT_EQ(Text(StoredLzh(row.level, {row.entry})), row.text) << row.what;
 }
 
+GTEST_TEST(Lzh, TellsHowItEndsBehindADamagedEntry) {
+  std::string bytes = test::LzhHeaderAndContent(0, {"a", "1"});
+  bytes.back() = '2';
+  const std::string text = Text(bytes + "\x20 no header");
+  EXPECT_TRUE(text.starts_with("a!") && text.ends_with("!" + English(why::kCutOffInHeader))) << text;
+}
+
 GTEST_TEST(Lzh, TellsTimesAndModes) {
   const test::TimeZone japan("JST-9");
   constexpr std::int64_t kNoon = 1'744'686'000;  // 2025-04-15 12:00:00 in Japan

@@ -96,38 +96,54 @@ inline std::string MszipData(const std::string& data) {
   return "CK\1" + Number(data.size(), 2) + Number(~data.size() & 0xFFFF, 2) + data;
 }
 
-inline std::string StoredCab(const std::vector<CabEntry>& entries, const CabSet& set = {}) {
-  constexpr std::size_t kBlock = 32'768;
-  std::string files;
-  std::string contents;
-  for (const CabEntry& entry : entries) {
-    const std::size_t offset = entry.folder == 0xFFFD ? 0 : contents.size();
-    files += Number(entry.content.size(), 4) + Number(offset, 4) + Number(entry.folder, 2) +
-             Number(kDosTime >> 16, 2) + Number(kDosTime & 0xFFFF, 2) + Number(entry.attributes, 2) +
-             entry.name + '\0';
-    contents += entry.content;
-  }
+inline std::string CabFile(const CabEntry& entry, std::size_t offset, std::size_t size) {
+  return Number(size, 4) + Number(offset, 4) + Number(entry.folder, 2) + Number(kDosTime >> 16, 2) +
+         Number(kDosTime & 0xFFFF, 2) + Number(entry.attributes, 2) + entry.name + '\0';
+}
+
+struct CabData {
   std::string blocks;
-  std::size_t count = 0;
-  if (!set.data.empty()) {
-    blocks = CabBlock(set.data, set.data_size);
-    count = 1;
-  }
-  for (std::size_t at = 0; at < contents.size() && set.data.empty(); at += kBlock, ++count) {
-    const std::string data = contents.substr(at, kBlock);
-    blocks += CabBlock(set.mszip ? MszipData(data) : data, data.size());
-  }
-  std::string names;
+  std::size_t count = 0;  // of them
+};
+
+// Of `files` as CabFile makes them.
+inline std::string Cabinet(const std::vector<std::string>& files, const std::vector<CabData>& folders,
+                           const CabSet& set) {
+  std::string descriptions;
   for (const std::string& name : {set.previous, set.next}) {
-    if (!name.empty()) names += name + '\0' + "disk" + '\0';
+    if (!name.empty()) descriptions += name + '\0' + "disk" + '\0';
   }
   const unsigned flags = (set.previous.empty() ? 0U : 1U) | (set.next.empty() ? 0U : 2U);
-  const std::size_t files_at = 36 + names.size() + 8;
-  const std::size_t blocks_at = files_at + files.size();
-  return "MSCF" + Number(0, 4) + Number(blocks_at + blocks.size(), 4) + Number(0, 4) + Number(files_at, 4) +
-         Number(0, 4) + Number(0x0103, 2) + Number(1, 2) + Number(entries.size(), 2) + Number(flags, 2) +
-         Number(7, 2) + Number(set.index, 2) + names + Number(blocks_at, 4) + Number(count, 2) +
-         Number(set.mszip ? 1 : 0, 2) + files + blocks;
+  const std::size_t files_at = 36 + descriptions.size() + 8 * folders.size();
+  std::string listed;
+  for (const std::string& file : files) listed += file;
+  std::string blocks;
+  for (const CabData& folder : folders) {
+    descriptions += Number(files_at + listed.size() + blocks.size(), 4) + Number(folder.count, 2) +
+                    Number(set.mszip ? 1 : 0, 2);
+    blocks += folder.blocks;
+  }
+  return "MSCF" + Number(0, 4) + Number(files_at + listed.size() + blocks.size(), 4) + Number(0, 4) +
+         Number(files_at, 4) + Number(0, 4) + Number(0x0103, 2) + Number(folders.size(), 2) +
+         Number(files.size(), 2) + Number(flags, 2) + Number(7, 2) + Number(set.index, 2) + descriptions +
+         listed + blocks;
+}
+
+inline std::string StoredCab(const std::vector<CabEntry>& entries, const CabSet& set = {}) {
+  constexpr std::size_t kBlock = 32'768;
+  std::vector<std::string> files;
+  std::string contents;
+  for (const CabEntry& entry : entries) {
+    files.push_back(CabFile(entry, entry.folder == 0xFFFD ? 0 : contents.size(), entry.content.size()));
+    contents += entry.content;
+  }
+  CabData data;
+  if (!set.data.empty()) data = {CabBlock(set.data, set.data_size), 1};
+  for (std::size_t at = 0; at < contents.size() && set.data.empty(); at += kBlock, ++data.count) {
+    const std::string block = contents.substr(at, kBlock);
+    data.blocks += CabBlock(set.mszip ? MszipData(block) : block, block.size());
+  }
+  return Cabinet(files, {data}, set);
 }
 
 const std::string kRar4Signature("Rar!\x1A\x07\0", 7);

@@ -51,7 +51,7 @@ GTEST_TEST(About, BundledLibrariesTellWhatIsUnderThem) {
   // In the order of the lines; the fifth one is no library of this program.
   const char* under[] = {"lhasa V",
                          "libarchive V, libdeflate V(, 7-Zip V)?",
-                         "libarchive V, libmspack V",
+                         "libdeflate V, libmspack V",
                          "nettle V, libb2 V",
                          "",
                          "libarchive V(, 7-Zip V)?"};

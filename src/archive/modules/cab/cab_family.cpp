@@ -1,15 +1,17 @@
 #include "archive/modules/cab/cab_family.h"
 
+#include <libdeflate.h>
+
 #include <memory>
 #include <utility>
 
+#include "archive/modules/cab/cab_directory.h"
 #include "archive/modules/cab/cab_header.h"
 #include "archive/modules/cab/cabinets_reader.h"
 #include "archive/modules/cab/mspack_reader.h"
 #include "archive/modules/cab/plain_cab.h"
 #include "archive/modules/common/folder_names.h"
 #include "archive/modules/common/holding_archive.h"
-#include "archive/modules/common/libarchive_reader.h"
 #include "archive/modules/common/library_versions.h"
 #include "archive/modules/common/signature_scan.h"
 
@@ -92,12 +94,18 @@ std::vector<Engine> CabEngines(const ArchiveInput& input) {
     return {{"libmspack", &OpenCabinets}};
   }
   std::vector<Engine> engines = {{"libmspack", &OpenMspack}};
-  if (IsPlainCabinet(input)) engines.insert(engines.begin(), {"libarchive", &OpenPlainCab});
+  if (auto plain = ReadPlainCabinet(input)) {
+    auto directory = std::make_shared<const CabDirectory>(*std::move(plain));
+    engines.insert(engines.begin(),
+                   {"cab", [directory](const ArchiveInput& cabinet, const ReaderOptions& options, Reason*) {
+                      return OpenPlainCab(cabinet, directory, options);
+                    }});
+  }
   return engines;
 }
 
 std::string CabLibraries() {
-  return LibarchiveVersion() + ", " + kMspackVersion;
+  return std::string("libdeflate " LIBDEFLATE_VERSION_STRING ", ").append(kMspackVersion);
 }
 
 }  // namespace

@@ -31,6 +31,9 @@ std::optional<CabHeader> ReadCabHeader(const ArchiveInput& input, std::uint64_t 
   const std::uint64_t first_file = number(16, 4);
   CabHeader header;
   header.size = number(8, 4);
+  header.files = first_file;
+  header.folder_count = static_cast<std::size_t>(number(26, 2));
+  header.file_count = static_cast<std::size_t>(number(28, 2));
   if (got < kHeaderSize || !bytes.starts_with("MSCF") || number(25, 1) != 1 || number(26, 2) == 0 ||
       first_file < kHeaderSize || first_file >= header.size) {
     return std::nullopt;
@@ -43,8 +46,11 @@ std::optional<CabHeader> ReadCabHeader(const ArchiveInput& input, std::uint64_t 
   if (!input.ReadAt(position, bytes.data(), bytes.size(), &got).ok()) return std::nullopt;
   bytes.resize(got);
   std::string_view rest = std::string_view(bytes).substr(std::min(kHeaderSize, got));
-  if ((flags & 4) != 0)
+  if ((flags & 4) != 0) {
+    header.folder_reserve = static_cast<std::size_t>(number(38, 1));
+    header.block_reserve = static_cast<std::size_t>(number(39, 1));
     rest.remove_prefix(std::min(rest.size(), 4 + static_cast<std::size_t>(number(36, 2))));
+  }
   if ((flags & 1) != 0) {
     header.previous = TakeString(&rest);
     TakeString(&rest);  // the label of its disk
@@ -53,6 +59,7 @@ std::optional<CabHeader> ReadCabHeader(const ArchiveInput& input, std::uint64_t 
     header.next = TakeString(&rest);
     TakeString(&rest);
   }
+  header.folders = got - rest.size();
   header.first_block = LittleEndian(rest, 0, 4);
   return header;
 }

@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
+#include "archive/modules/cab/cab_directory.h"
 #include "archive/modules/cab/cab_header.h"
 #include "archive/modules/cab/mspack_system.h"
 #include "archive/modules/common/entry_names.h"
-#include "archive/modules/common/entry_times.h"
 
 namespace quendle::modules {
 namespace {
@@ -53,7 +53,6 @@ class MspackReader final : public EntryReader {
   MspackReader& operator=(const MspackReader&) = delete;
 
   bool Open();
-  bool IsPlain() const;
   ReadStatus NextEntry(Entry* entry) override;
   ReadStatus ReadContent(std::string_view* piece) override;
   const Reason& Problem() const override { return reason_; }
@@ -81,7 +80,6 @@ class MspackReader final : public EntryReader {
   mscab_decompressor* library_ = nullptr;
   mscabd_cabinet* cabinet_ = nullptr;  // the first one, which has the folders of all
   std::vector<File> files_;            // as their data lies
-  bool listed_in_order_ = true;        // the cabinet lists them like that
   std::size_t next_ = 0;
   mscabd_file current_ = {};                 // what is left of it
   const mscabd_folder* unpacked_ = nullptr;  // the folder that the library is in
@@ -128,8 +126,7 @@ void MspackReader::SortFiles() {
     return std::pair(ranks[named.file.folder], named.file.offset);
   };
   const auto before = [&place](const File& a, const File& b) { return place(a) < place(b); };
-  listed_in_order_ = std::is_sorted(files_.begin(), files_.end(), before);
-  if (!listed_in_order_) std::stable_sort(files_.begin(), files_.end(), before);
+  std::stable_sort(files_.begin(), files_.end(), before);
 }
 
 // Files whose data overlaps make the library go back.
@@ -142,27 +139,6 @@ void MspackReader::Append(const mscabd_file& file, mscabd_folder* folder) {
   files_.push_back({file, file.filename});
   files_.back().file.folder = folder;
   files_.back().file.filename = nullptr;
-}
-
-bool MspackReader::IsPlain() const {
-  if (!problem_.empty() || !listed_in_order_ || cabinet_->prevname != nullptr ||
-      cabinet_->nextname != nullptr)
-    return false;
-  const mscabd_folder* folder = cabinet_->folders;
-  std::uint64_t end = 0;
-  for (const File& named : files_) {
-    const mscabd_file& file = named.file;
-    if (file.folder != folder) {
-      folder = folder->next;
-      end = 0;
-    }
-    if (file.folder != folder || file.offset != end ||
-        MSCABD_COMP_METHOD(folder->comp_type) != MSCAB_COMP_MSZIP) {
-      return false;
-    }
-    end += file.length;
-  }
-  return true;
 }
 
 // When a folder goes on in the next cabinet the library forgets the files that begin there. So they are noted before
@@ -229,16 +205,12 @@ void MspackReader::FindProblem() {
 }
 
 Entry MspackReader::Convert(const File& named) const {
+  constexpr const char* kMethods[] = {"none", "MSZIP", "Quantum", "LZX", ""};
   const mscabd_file& file = named.file;
-  Entry entry;
-  entry.path = DecodeName(named.name, (file.attribs & MSCAB_ATTRIB_UTF_NAME) != 0, options_.charset);
-  entry.size = file.length;
-  entry.attributes.write_time = TimeFromDos(DosTime(file));
-  entry.attributes.executable = (file.attribs & MSCAB_ATTRIB_EXEC) != 0;
-  constexpr const char* kMethods[] = {"none", "MSZIP", "Quantum", "LZX"};
-  const int method = MSCABD_COMP_METHOD(file.folder->comp_type);
-  if (method <= MSCAB_COMP_LZX) entry.method = kMethods[method];
-  return entry;
+  const int method = std::min(MSCABD_COMP_METHOD(file.folder->comp_type), MSCAB_COMP_LZX + 1);
+  return ToEntry(
+      {named.name, 0, file.offset, file.length, DosTime(file), static_cast<std::uint32_t>(file.attribs)},
+      kMethods[method], options_.charset);
 }
 
 ReadStatus MspackReader::Fail(ReadStatus status, Reason reason) {
@@ -304,11 +276,6 @@ std::unique_ptr<EntryReader> OpenMspack(const ArchiveInput& input, const ReaderO
   if (reader->Open()) return reader;
   *reason = reader->Problem();
   return nullptr;
-}
-
-bool IsPlainCabinet(const ArchiveInput& input) {
-  MspackReader reader(input, {});
-  return reader.Open() && reader.IsPlain();
 }
 
 }  // namespace quendle::modules

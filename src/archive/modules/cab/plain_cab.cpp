@@ -1,82 +1,188 @@
 #include "archive/modules/cab/plain_cab.h"
 
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
-#include "archive/modules/cab/mspack_reader.h"
-#include "archive/modules/common/libarchive_reader.h"
+#include "archive/modules/cab/cab_blocks.h"
+#include "archive/modules/common/content_pool.h"
 
 namespace quendle::modules {
 namespace {
 
-class PlainCabReader final : public EntryReader {
- public:
-  PlainCabReader(std::vector<Entry> entries, std::unique_ptr<EntryReader> library)
-      : entries_(std::move(entries)), library_(std::move(library)) {}
+// Larger folders are unpacked while they are written.
+constexpr std::uint64_t kMostPooled = 16U << 20;
+constexpr std::size_t kPieceSize = 256U << 10;
 
-  ReadStatus NextEntry(Entry* entry) override;
-  ReadStatus ReadContent(std::string_view* piece) override;
-  const Reason& Problem() const override { return reason_; }
+// Of each folder: up to where its content is wanted.
+using WantedEnds = std::vector<std::uint64_t>;
+
+// Unpacks the beginnings of folders.
+class FolderWorker final : public ContentPool::Worker {
+ public:
+  FolderWorker(const ArchiveInput& input, const CabDirectory& directory, const WantedEnds& ends,
+               EntrySink* sink)
+      : directory_(directory), ends_(ends), sink_(*sink), blocks_(input) {}
+
+  std::optional<ContentBuffer> Unpack(std::size_t folder) override {
+    const auto end = static_cast<std::size_t>(ends_[folder]);
+    ContentBuffer content(end + CabBlocks::kBlock + CabBlocks::kSlack);
+    blocks_.Begin(directory_.folders[folder]);
+    for (std::size_t size = 0; size < end;) {
+      const std::size_t got = sink_.GoesOn() ? blocks_.Next(content.Data() + size) : 0;
+      if (got == 0) return std::nullopt;
+      size += got;
+    }
+    return content;
+  }
 
  private:
-  ReadStatus GoToCurrent();
-  ReadStatus GiveUp(ReadStatus status, Reason reason);
+  const CabDirectory& directory_;
+  const WantedEnds& ends_;
+  EntrySink& sink_;
+  CabBlocks blocks_;
+};
 
-  std::vector<Entry> entries_;
-  std::unique_ptr<EntryReader> library_;  // null: given up
-  std::size_t next_ = 0;
-  std::size_t library_next_ = 0;
-  Reason reason_;
+// The content of a folder from its beginning on, from memory or block by block.
+class FolderContent {
+ public:
+  explicit FolderContent(const ArchiveInput& input) : blocks_(input) {}
+
+  void Begin(const CabFolder& folder, std::optional<ContentBuffer> whole) {
+    whole_ = std::move(whole);
+    if (whole_) return;
+    blocks_.Begin(folder);
+    window_.resize((1 + kWindowBlocks) * CabBlocks::kBlock + CabBlocks::kSlack);
+    next_ = CabBlocks::kBlock;
+    begin_ = end_ = 0;
+  }
+
+  // Bytes from `offset` on, which never goes back: `size` (not 0) at most. Empty: Problem().
+  std::string_view At(std::uint64_t offset, std::uint64_t size) {
+    if (whole_) {
+      return whole_->View().substr(static_cast<std::size_t>(offset),
+                                   static_cast<std::size_t>(std::min<std::uint64_t>(size, kPieceSize)));
+    }
+    while (end_ <= offset) {
+      if (!TakeBlock()) return {};
+    }
+    const auto from = static_cast<std::size_t>(offset - begin_);
+    const auto block = static_cast<std::size_t>(end_ - begin_);
+    return std::string_view(window_.data() + next_ - block, block)
+        .substr(from, static_cast<std::size_t>(std::min<std::uint64_t>(size, block)));
+  }
+
+  const Reason& Problem() const { return blocks_.Problem(); }
+
+ private:
+  static constexpr std::size_t kWindowBlocks = 7;
+
+  bool TakeBlock() {
+    if (next_ == (1 + kWindowBlocks) * CabBlocks::kBlock) {
+      std::memcpy(window_.data(), window_.data() + next_ - CabBlocks::kBlock, CabBlocks::kBlock);
+      next_ = CabBlocks::kBlock;
+    }
+    const std::size_t got = blocks_.Next(window_.data() + next_);
+    begin_ = end_;
+    end_ += got;
+    next_ += got;
+    return got > 0;
+  }
+
+  CabBlocks blocks_;
+  std::optional<ContentBuffer> whole_;
+  std::vector<char> window_;  // a block that came before, and some more
+  std::size_t next_ = 0;      // behind the last block in it
+  std::uint64_t begin_ = 0;   // of that block in the folder's content
+  std::uint64_t end_ = 0;
+};
+
+class PlainCabReader final : public ArchiveReader {
+ public:
+  PlainCabReader(const ArchiveInput& input, std::shared_ptr<const CabDirectory> directory,
+                 std::string charset)
+      : input_(input), directory_(std::move(directory)), charset_(std::move(charset)) {}
+
+  ReadStatus NextEntry(Entry* entry) override;
+  ReadStatus Unpack(EntrySink* sink) override;
+  const Reason& Problem() const override { return none_; }
+
+ private:
+  Entry EntryOf(const CabFile& file) const {
+    return ToEntry(file, directory_->folders[file.folder].is_mszip ? "MSZIP" : "none", charset_);
+  }
+  std::vector<ContentPool::Job> JobsFor(const WantedEnds& ends) const;
+
+  const ArchiveInput& input_;
+  const std::shared_ptr<const CabDirectory> directory_;
+  const std::string charset_;
+  std::size_t next_ = 0;  // of the list
+  const Reason none_;
 };
 
 ReadStatus PlainCabReader::NextEntry(Entry* entry) {
-  if (next_ == entries_.size()) return ReadStatus::kEnd;
-  *entry = entries_[next_++];
+  if (next_ == directory_->files.size()) return ReadStatus::kEnd;
+  *entry = EntryOf(directory_->files[next_++]);
   return ReadStatus::kOk;
 }
 
-ReadStatus PlainCabReader::ReadContent(std::string_view* piece) {
-  if (library_next_ != next_) {
-    const ReadStatus status = GoToCurrent();
-    if (status != ReadStatus::kOk) return status;
+// A single folder would only wait for itself.
+std::vector<ContentPool::Job> PlainCabReader::JobsFor(const WantedEnds& ends) const {
+  std::vector<ContentPool::Job> jobs;
+  if (ends.size() - static_cast<std::size_t>(std::count(ends.begin(), ends.end(), 0U)) < 2) return jobs;
+  for (std::size_t i = 0; i < ends.size(); ++i) {
+    if (directory_->folders[i].is_mszip && ends[i] > 0 && ends[i] <= kMostPooled)
+      jobs.push_back({i, static_cast<std::size_t>(ends[i])});
   }
-  const ReadStatus status = library_->ReadContent(piece);
-  if (status == ReadStatus::kOk || status == ReadStatus::kEnd) return status;
-  return GiveUp(status, library_->Problem());
+  return jobs;
 }
 
-// Passes over the entries on the way.
-ReadStatus PlainCabReader::GoToCurrent() {
-  while (library_ && library_next_ != next_) {
-    Entry entry;
-    const ReadStatus status = library_->NextEntry(&entry);
-    if (status != ReadStatus::kOk || entry.size != entries_[library_next_].size) {
-      return GiveUp(ReadStatus::kUnsupported, why::kListedDifferently);
+// Gives the content of a file. False: `sink` ends the reading.
+bool GiveContent(const CabFile& file, FolderContent* folder, EntrySink* sink) {
+  for (std::uint64_t given = 0; given < file.size;) {
+    const std::string_view piece = folder->At(file.offset + given, file.size - given);
+    if (piece.empty()) return sink->End(ReadStatus::kFailed, folder->Problem());
+    const EntrySink::Wish wish = sink->Content(piece);
+    if (wish != EntrySink::Wish::kMore) return wish == EntrySink::Wish::kSkip;
+    given += piece.size();
+  }
+  return sink->End(ReadStatus::kEnd, {});
+}
+
+// Behind the last content that is wanted of a folder nothing of it is unpacked.
+ReadStatus PlainCabReader::Unpack(EntrySink* sink) {
+  std::vector<bool> wanted;
+  WantedEnds ends(directory_->folders.size());
+  for (const CabFile& file : directory_->files) {
+    wanted.push_back(sink->Wants(EntryOf(file)));
+    if (wanted.back() && file.size > 0) ends[file.folder] = file.offset + file.size;
+  }
+  ContentPool pool(JobsFor(ends),
+                   [&] { return std::make_unique<FolderWorker>(input_, *directory_, ends, sink); });
+  FolderContent content(input_);
+  std::optional<std::size_t> folder;
+  for (std::size_t i = 0; i < wanted.size(); ++i) {
+    const CabFile& file = directory_->files[i];
+    if (!sink->Begin(EntryOf(file), wanted[i])) return ReadStatus::kEnd;
+    if (!wanted[i]) continue;
+    if (file.size > 0 && folder != file.folder) {
+      folder = file.folder;
+      content.Begin(directory_->folders[*folder], pool.Take(*folder));
     }
-    ++library_next_;
+    if (!GiveContent(file, &content, sink)) return ReadStatus::kEnd;
   }
-  return library_ ? ReadStatus::kOk : ReadStatus::kUnsupported;
-}
-
-// What is in front of an entry decides how it is unpacked, so that nothing behind damage is to be believed.
-ReadStatus PlainCabReader::GiveUp(ReadStatus status, Reason reason) {
-  reason_ = std::move(reason);
-  library_.reset();
-  library_next_ = entries_.size() + 1;
-  return status;
+  return ReadStatus::kEnd;
 }
 
 }  // namespace
 
-std::unique_ptr<EntryReader> OpenPlainCab(const ArchiveInput& input, const ReaderOptions& options,
-                                          Reason* reason) {
-  const auto list = OpenMspack(input, options, reason);
-  if (!list) return nullptr;
-  std::vector<Entry> entries;
-  for (Entry entry; list->NextEntry(&entry) == ReadStatus::kOk;) entries.push_back(entry);
-  auto library = OpenLibarchive(input, options, LibarchiveFormat::kCab, nullptr, reason);
-  if (!library) return nullptr;
-  return std::make_unique<PlainCabReader>(std::move(entries), std::move(library));
+std::unique_ptr<ArchiveReader> OpenPlainCab(const ArchiveInput& input,
+                                            std::shared_ptr<const CabDirectory> directory,
+                                            const ReaderOptions& options) {
+  return std::make_unique<PlainCabReader>(input, std::move(directory), options.charset);
 }
 
 }  // namespace quendle::modules

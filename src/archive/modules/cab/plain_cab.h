@@ -1,16 +1,16 @@
-// Reading plain cabinets by libarchive, which unpacks MSZIP a third faster than libmspack does.
+// Reading plain cabinets, on all cores where they have several folders.
 #pragma once
 
 #include <memory>
-#include <string>
 
+#include "archive/modules/cab/cab_directory.h"
 #include "archive/modules/common/entry_reader.h"
 
 namespace quendle::modules {
 
-// For cabinets of which IsPlainCabinet holds. The entries are the ones that libmspack lists; behind the first
-// content that is not as it should be all is kUnsupported, so that libmspack has its say.
-std::unique_ptr<EntryReader> OpenPlainCab(const ArchiveInput& input, const ReaderOptions& options,
-                                          Reason* reason);
+// What the format leaves open, such as small blocks in the middle, is failure here, so that libmspack has its say.
+std::unique_ptr<ArchiveReader> OpenPlainCab(const ArchiveInput& input,
+                                            std::shared_ptr<const CabDirectory> directory,
+                                            const ReaderOptions& options);
 
 }  // namespace quendle::modules

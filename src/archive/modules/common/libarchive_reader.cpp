@@ -26,8 +26,6 @@ int SupportFormat(archive* library, LibarchiveFormat format) {
       return archive_read_support_format_zip_seekable(library);
     case LibarchiveFormat::kSevenZip:
       return archive_read_support_format_7zip(library);
-    case LibarchiveFormat::kCab:
-      return archive_read_support_format_cab(library);
   }
   return ARCHIVE_FATAL;
 }

@@ -11,7 +11,7 @@
 
 namespace quendle::modules {
 
-enum class LibarchiveFormat { kZip, kSevenZip, kCab };
+enum class LibarchiveFormat { kZip, kSevenZip };
 
 // Completes what libarchive tells of the `index`-th entry (from 0, in the order in which it reads them) from
 // the archive's own headers. False: this entry is none of the archive's, and is passed over.

@@ -25,7 +25,10 @@ Lh5Unpacker::Lh5Unpacker(PackedBytes* packed, Lh5Form form) : form_(form) {
   bits_.Begin(packed);
   window_.Reset(size);
   is_over_ = !window_.Reserve(static_cast<std::size_t>(size));
-  for (std::uint64_t i = 0; i < size && !is_over_; ++i) window_.Put(' ');
+  if (!is_over_) {
+    window_.Put(' ');
+    window_.Copy(1, static_cast<std::size_t>(size) - 1);
+  }
   given_ = window_.Written();
 }
 

@@ -66,6 +66,7 @@ class LzhReader final : public EntryReader {
 
  private:
   ReadStatus AtEnd();
+  void GoTo(LzhHeader header, Entry* entry);
   ReadStatus Begin();
   ReadStatus Finish();
   ReadStatus Fail(ReadStatus status, Reason reason);
@@ -94,45 +95,51 @@ ReadStatus LzhReader::Fail(ReadStatus status, Reason reason) {
 }
 
 ReadStatus LzhReader::NextEntry(Entry* entry) {
-  unpacker_.reset();
   content_status_ = ReadStatus::kEnd;
   if (archive_status_ != ReadStatus::kOk) return archive_status_;
   auto header = ReadLzhHeader(input_, position_);
   if (!header) return archive_status_ = AtEnd();
-  header_ = std::move(*header);
-  const std::uint64_t rest = input_.Size() - header_.content_position;
-  is_cut_ = header_.packed_size > rest;
-  position_ = header_.content_position + std::min(header_.packed_size, rest);
-  *entry = ToEntry(header_, options_.charset);
-  if (entry->kind != EntryKind::kFile) return ReadStatus::kOk;
-  part_ = FindPart();
-  entry->size = part_.size;
-  content_status_ = ReadStatus::kOk;
+  const std::uint64_t rest = input_.Size() - header->content_position;
+  is_cut_ = header->packed_size > rest;
+  position_ = header->content_position + std::min(header->packed_size, rest);
+  GoTo(*std::move(header), entry);
   return ReadStatus::kOk;
 }
 
-// The headers are gone through once for themselves, so that contents can be unpacked on all cores.
+// Makes that entry the one whose content is read.
+void LzhReader::GoTo(LzhHeader header, Entry* entry) {
+  unpacker_.reset();
+  content_status_ = ReadStatus::kEnd;
+  header_ = std::move(header);
+  *entry = ToEntry(header_, options_.charset);
+  if (entry->kind != EntryKind::kFile) return;
+  part_ = FindPart();
+  entry->size = part_.size;
+  content_status_ = ReadStatus::kOk;
+}
+
+// The headers are gone through first, so that contents can be unpacked on all cores.
 ReadStatus LzhReader::Unpack(EntrySink* sink) {
   std::vector<LzhHeader> headers;
   std::vector<bool> wanted;
   std::vector<ContentPool::Job> jobs;
-  LzhReader list(input_, options_);
   Entry entry;
-  while (list.NextEntry(&entry) == ReadStatus::kOk) {
+  while (NextEntry(&entry) == ReadStatus::kOk) {
     wanted.push_back(sink->Wants(entry));
-    if (wanted.back() && entry.kind == EntryKind::kFile && LzhWorker::Takes(list.header_))
-      jobs.push_back({headers.size(), static_cast<std::size_t>(list.header_.size)});
-    headers.push_back(std::move(list.header_));
+    if (wanted.back() && entry.kind == EntryKind::kFile && LzhWorker::Takes(header_))
+      jobs.push_back({headers.size(), static_cast<std::size_t>(header_.size)});
+    headers.push_back(std::move(header_));
   }
+  const Reason end = reason_;
   ContentPool pool(std::move(jobs), [&] { return std::make_unique<LzhWorker>(input_, headers, sink); });
-  ReadStatus status = ReadStatus::kOk;
-  for (std::size_t i = 0; (status = NextEntry(&entry)) == ReadStatus::kOk; ++i) {
+  for (std::size_t i = 0; i < headers.size(); ++i) {
+    GoTo(headers[i], &entry);
     std::optional<ContentBuffer> content = pool.Take(i);
     const bool goes_on = content ? GiveWhole(std::move(entry), *std::move(content), sink)
                                  : GiveCurrent(std::move(entry), wanted[i], sink);
     if (!goes_on) return ReadStatus::kEnd;
   }
-  return status;
+  return Fail(archive_status_, end);
 }
 
 // The last header is followed by one of size 0, or by nothing. No format says how many entries there are, so that an
