@@ -2,6 +2,8 @@
 
 #include <utf8proc.h>
 
+#include <algorithm>
+
 namespace quendle::platform {
 namespace {
 
@@ -56,10 +58,12 @@ void AppendCodePoint(char32_t code_point, std::string* text) {
 
 bool IsUtf8(std::string_view bytes) {
   char32_t ignored = 0;
-  while (!bytes.empty()) {
+  for (;;) {
+    const auto other = std::find_if(bytes.begin(), bytes.end(), [](char c) { return (c & 0x80) != 0; });
+    bytes.remove_prefix(static_cast<std::size_t>(other - bytes.begin()));
+    if (bytes.empty()) return true;
     if (!TakeCodePoint(&bytes, &ignored)) return false;
   }
-  return true;
 }
 
 std::string WithReplacementCharacters(std::string_view bytes) {
