@@ -33,7 +33,7 @@ def best(count, *command, before=lambda: None, after=lambda: None, wall=True):
         times.append(measure(*command)[0 if wall else 1])
         after()
     print(f"{count:>9,} {min(times) * 1000:10.1f} ms", flush=True)
-    return [count, min(times)]
+    return [count, round(min(times), 6)]
 
 
 def tiny_files(path, count):

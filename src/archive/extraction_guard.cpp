@@ -53,7 +53,6 @@ bool ExtractionGuard::IsBelowLacking(std::string_view path) const {
 // One that must not be made is none of them: what would be in it is looked at and refused one by one.
 void ExtractionGuard::FindLacking(const std::string& path) {
   const std::size_t begin = path.starts_with(there_) ? there_.size() : 0;
-  there_.resize(begin);
   for (std::size_t end = begin; (end = path.find('/', end)) != std::string::npos; ++end) {
     Occupant occupant;
     const bool is_allowed = folder_->Look(path.substr(0, end), &occupant).ok();

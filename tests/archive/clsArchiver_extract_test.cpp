@@ -157,7 +157,7 @@ GTEST_TEST(ClsArchiverExtract, KeepsWhatTheProgramAndTheArchiveStandOn) {
       {"", false, "entry second\nentry b\n", {"second"}, "\"B\"", 1},
       {"",
        false,
-       "entry own/a\nentry own.ini/x\nentry own/s/b\nentry kept/x\nentry own/c\nentry b\n",
+       "entry own/a\nentry own.ini/x\nentry own/s/b\nentry own/c\nentry b\nentry kept/x\n",
        {"own.ini/x", "kept/x"},
        "\"OWN/A\"\r\n\"OWN/S/B\"\r\n\"OWN/C\"\r\n\"B\"",
        1},
