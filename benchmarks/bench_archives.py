@@ -6,7 +6,7 @@ import struct
 import subprocess
 import tempfile
 
-from common import MEMORY, PROGRAM, ROUNDS, compare, measure, settings
+from common import MEMORY, PROGRAM, ROUNDS, compare, measure, settings, text
 
 SOURCES = ("/usr/lib", "/usr/include", "/usr/share")
 
@@ -62,6 +62,13 @@ def stored_lzh(path, files=200, size=1 << 20):
         out.write(b"\0")
 
 
+def text_files(folder, count, size):
+    os.makedirs(folder)
+    for i in range(count):
+        with open(os.path.join(folder, f"f{i:04}.txt"), "w") as file:
+            file.write(text(size))
+
+
 def smart_folders(what, archive, out):
     """The same archive with and without a second folder level avoided."""
     best = {}
@@ -93,8 +100,12 @@ def main():
         bsdtar, seven, unar = "bsdtar -xf {archive} -C {out}", "7zz x -bd -y -o{out} {archive}", "unar -q -f -D -o {out} {archive}"
         common = {"bsdtar": bsdtar, "7zz": seven, "unar": unar}
         unzip = {"unzip": "unzip -q -o {archive} -d {out}"}
-        compare("ZIP, 200 MB", make(path("big.zip"), big, "zip", "-qr", path("big.zip"), "."), out, common | unzip)
+        big_zip = make(path("big.zip"), big, "zip", "-qr", path("big.zip"), ".")
+        compare("ZIP, 200 MB", big_zip, out, common | unzip)
+        compare("ZIP, 200 MB, one core", big_zip, out, common | unzip, ("taskset", "-c", "0"))
         compare("7Z, 200 MB, solid", make(path("big.7z"), big, "7zz", "a", "-bd", path("big.7z"), "."), out, common)
+        blocks = make(path("blocks.7z"), big, "7zz", "a", "-bd", "-ms=off", path("blocks.7z"), ".")
+        compare("7Z, 200 MB, a block for each file", blocks, out, common)
         names = subprocess.run(("find", ".", "-type", "f", "-printf", "%P\n"), cwd=big, capture_output=True, text=True).stdout.split()
         cab = make(path("big.cab"), big, "gcab", "-c", "-z", path("big.cab"), *names)
         compare("CAB, 200 MB", cab, out, common | {"cabextract": "cabextract -q -d {out} {archive}", "gcab": "gcab -x -C {out} {archive}"})
@@ -104,6 +115,11 @@ def main():
         lh5 = make(path("lh5.lzh"), big, "jlha", "co5", path("lh5.lzh"), *sorted(os.listdir(big)))
         compare("LZH, 200 MB, -lh5-", lh5, out, {"bsdtar": bsdtar, "7zz": seven} | lha)  # unar does not read all of it
         shutil.rmtree(big)
+        texts = path("texts")
+        text_files(texts, 150, 1_000_000)
+        packed = make(path("lh5.lzh"), texts, "jlha", "aq", path("lh5.lzh"), *sorted(os.listdir(texts)))
+        shutil.rmtree(texts)
+        compare("LZH, 150 MB, -lh5-", packed, out, common | {"lha": "lha -xqfw={out} {archive}"})
         many_zip = make(path("many.zip"), many, "zip", "-qr", path("many.zip"), ".")
         compare("ZIP, 100,000 small files", many_zip, out, common | unzip)
         many_7z = make(path("many.7z"), many, "7zz", "a", "-bd", path("many.7z"), ".")

@@ -9,7 +9,7 @@ import time
 PROGRAM = sys.argv[1]
 DISK = os.environ.get("BENCH_DISK", "/var/tmp")
 MEMORY = os.environ.get("BENCH_MEMORY", "/dev/shm")
-ROUNDS = 3  # of comparisons of extractors
+ROUNDS = 5  # of comparisons of extractors
 SILENT = [(os.POSIX_SPAWN_OPEN, fd, "/dev/null", os.O_RDWR, 0) for fd in (0, 1, 2)]
 
 
@@ -27,6 +27,15 @@ def measure(*command):
 def run(*command):
     """Wall and processor seconds of one command, which must succeed."""
     return measure(*command)[:2]
+
+
+WORDS = [os.urandom(3).hex() for _ in range(4096)]
+
+
+def text(size):
+    """About so many characters of words in no order, which pack to half of that."""
+    picks = memoryview(os.urandom(size // 7 * 2)).cast("H")
+    return " ".join(WORDS[pick % 4096] for pick in picks)
 
 
 def settings(folder, profiles):
@@ -49,8 +58,8 @@ def row(what, ours, theirs, aim, of=statistics.median):
     print(f"{what:<58} {a * 1000:10.1f} ms {b * 1000:10.1f} ms {a / b:6.2f}  {aim}", flush=True)
 
 
-def compare(what, archive, out, tools):
-    """The best wall times and the peak memory of all; ours is to be at most 1.05 times the best of theirs."""
+def compare(what, archive, out, tools, prefix=()):
+    """The best wall times and the peak memory of all. `prefix`: what each command is run by, such as ("taskset", "-c", "0")."""
     folder = settings(os.path.join(os.path.dirname(archive), "s"), {"all": {
         "Pattern": ".*", "ExtractTo": out, "ID": 1, "Action": 1, "ExtractType": 1}})
     commands = {"Quendle": (PROGRAM, "--batch", "--settings", folder, archive)}
@@ -60,7 +69,7 @@ def compare(what, archive, out, tools):
         for name, command in commands.items():
             shutil.rmtree(out, ignore_errors=True)
             os.makedirs(out)
-            wall, _, peak = measure(*command)
+            wall, _, peak = measure(*prefix, *command)
             if turn > 0:
                 best, most = results.get(name, (wall, peak))
                 results[name] = (min(best, wall), max(most, peak))

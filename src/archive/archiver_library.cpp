@@ -104,9 +104,11 @@ std::vector<std::string> ArchiverLibrary::EntryNames(const std::string& archive,
 }
 
 std::string ArchiverLibrary::EntryName(ArchiverHandle handle, const ArchiverEntry& entry) const {
-  if (full_name_ == nullptr) {
-    return Decode(UpToNul(std::string_view(entry.file_name, sizeof entry.file_name)));
-  }
+  // A field that has room for one more character has the whole name.
+  constexpr std::size_t kLongestCharacter = 4;
+  const std::string_view field = UpToNul(std::string_view(entry.file_name, sizeof entry.file_name));
+  if (full_name_ == nullptr || field.size() + kLongestCharacter < sizeof entry.file_name)
+    return Decode(field);
   return Decode(WholeText([&](char* name, std::uint32_t size) { return full_name_(handle, name, size); }));
 }
 

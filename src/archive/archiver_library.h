@@ -34,6 +34,7 @@ class ArchiverLibrary {
 
   // Text for the library; nothing when its encoding cannot hold the text.
   std::optional<std::string> Encode(const std::string& text) const;
+  bool TakesAllText() const { return utf8_; }
   std::string Decode(std::string_view bytes) const;
 
   // What the library wrote to a buffer, as text: up to the first NUL, which is kept as the sign that the text

@@ -30,7 +30,7 @@ Reason NameProblem(const std::string& name, const ArchiverLibrary& library) {
   if (name.find_first_of("\r\n") != std::string::npos || name.front() == '"' || name.back() == '"') {
     return why::kNameNotTellable;
   }
-  if (!library.Encode(platform::UpperCase(name))) return why::kNameNotEncodable;
+  if (!library.TakesAllText() && !library.Encode(platform::UpperCase(name))) return why::kNameNotEncodable;
   return {};
 }
 
@@ -80,21 +80,15 @@ bool clsArchiver::mExtractArchive(const std::string& destination) {
 
 // What is there before a run, so that it can be told what the run has replaced. False when the user has stopped it.
 bool clsArchiver::NoteExisting(Work* work) const {
+  auto is_free = work->is_free.cbegin();
   for (const ExtractionGroup& group : work->groups) {
-    std::string folder;  // of the entry at hand
-    bool is_there = false;
     for (const std::string& name : group.names) {
       if (!work->session.MayGoOn()) {
         work->report->problems.push_back({"", why::kStopped});
         return false;
       }
+      if (*is_free++) continue;
       const std::string path = work->PlaceOf(name, group);
-      // What goes into a folder that is yet to be made replaces nothing.
-      if (path.compare(0, path.find_last_of("/\\") + 1, folder) != 0) {
-        folder = path.substr(0, path.find_last_of("/\\") + 1);
-        is_there = FolderExists(folder);
-      }
-      if (!is_there) continue;
       platform::EntryStatus existing;
       if (platform::ReadStatus(path, &existing).ok() && !existing.is_folder())
         work->existing.Note(path, existing, Fate::kReplaced);
@@ -185,9 +179,13 @@ void clsArchiver::KeepWhatIsNeeded(Work* work) const {
   ExtractionGuard guard(work->destination, archive_files, environment_.protected_files);
   for (ExtractionGroup& group : work->groups) {
     std::erase_if(group.names, [&](const std::string& name) {
-      if (work->flat && name.ends_with('/')) return false;  // it is not made
-      Reason problem = guard.Problem(work->PathOf(name, group));
-      if (problem.empty()) return false;
+      const bool is_left_out = work->flat && name.ends_with('/');  // it is not made
+      bool is_free = true;
+      Reason problem = is_left_out ? Reason() : guard.Problem(work->PathOf(name, group), &is_free);
+      if (problem.empty()) {
+        work->is_free.push_back(is_free);
+        return false;
+      }
       work->report->problems.push_back({name, std::move(problem)});
       return true;
     });

@@ -105,6 +105,7 @@ class clsArchiver {
   void Refuse(Work* work) const;
   void KeepWhatIsNeeded(Work* work) const;
   bool FindObstacles(Work* work, bool somebody_answers) const;
+  static bool NoteObstacle(Work* work, const std::string& name, const platform::Result& obstacle);
   void FindObstacle(Work* work, const std::string& name, const std::string& path,
                     bool somebody_answers) const;
   bool NoteExisting(Work* work) const;

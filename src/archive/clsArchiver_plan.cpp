@@ -1,6 +1,8 @@
 // What an extraction would do, found out without touching anything.
 #include <chrono>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "archive/clsArchiver.h"
@@ -10,6 +12,9 @@
 
 namespace quendle {
 namespace {
+
+// What is shorter is nowhere too long where another file can be made beside it.
+constexpr std::size_t kShortPath = 1000;
 
 Reason Described(const platform::Result& place) {
   return why::kAbout(place.reason, place.path);
@@ -46,6 +51,7 @@ ExtractionReport clsArchiver::PlanExtraction(const std::string& destination, boo
 
 // Looks where each file would go for what a run would stumble over. False when there was no time to look everywhere.
 bool clsArchiver::FindObstacles(Work* work, bool somebody_answers) const {
+  auto is_free = work->is_free.cbegin();
   const auto begin = std::chrono::steady_clock::now();
   const auto has_time = [&] {
     return !somebody_answers || std::chrono::steady_clock::now() - begin < environment_.patience;
@@ -54,26 +60,39 @@ bool clsArchiver::FindObstacles(Work* work, bool somebody_answers) const {
     const platform::Result output = CheckOutputFolder(work->destination, group.sub_folder);
     if (!output.ok()) {
       work->report->problems.push_back({"", Described(output)});
+      is_free += static_cast<std::ptrdiff_t>(group.names.size());
       continue;
     }
-    std::string folder;
-    platform::Result links;
+    std::optional<std::string_view> takes_new;  // the folder in which a file could be made last
+    std::string folder;                         // of the last entry whose place is taken
+    platform::Result links;                     // on the way to it
     for (const std::string& name : group.names) {
+      const bool is_new = *is_free++;
       if (!has_time()) return false;
       if (name.ends_with('/')) continue;
+      const std::string_view own = std::string_view(name).substr(0, name.rfind('/') + 1);
+      if (is_new && own == takes_new && work->destination.size() + name.size() < kShortPath) continue;
       const std::string path = work->PathOf(name, group);
-      if (std::string own = path.substr(0, path.rfind('/') + 1); own != folder) {
-        folder = std::move(own);
+      const std::string place = OutputFolder(work->destination, path);
+      if (is_new) {
+        // Whoever found the place free went there without following links.
+        takes_new = NoteObstacle(work, name, platform::CheckPlace(place)) ? std::optional(own) : std::nullopt;
+        continue;
+      }
+      if (std::string way = path.substr(0, path.rfind('/') + 1); way != folder) {
+        folder = std::move(way);
         links = platform::CheckNoLinks(work->destination, folder);
       }
-      if (links.ok()) {
-        FindObstacle(work, name, OutputFolder(work->destination, path), somebody_answers);
-      } else {
-        work->report->problems.push_back({name, Described(links)});
-      }
+      if (NoteObstacle(work, name, links)) FindObstacle(work, name, place, somebody_answers);
     }
   }
   return true;
+}
+
+// False when there is one.
+bool clsArchiver::NoteObstacle(Work* work, const std::string& name, const platform::Result& obstacle) {
+  if (!obstacle.ok()) work->report->problems.push_back({name, Described(obstacle)});
+  return obstacle.ok();
 }
 
 void clsArchiver::FindObstacle(Work* work, const std::string& name, const std::string& path,
@@ -90,7 +109,7 @@ void clsArchiver::FindObstacle(Work* work, const std::string& name, const std::s
     obstacle = platform::CheckPlace(path);
   }
   if (exists && !existing.is_folder()) work->existing.Note(path, existing, FateOf(*work, name, existing));
-  if (!obstacle.ok()) work->report->problems.push_back({name, Described(obstacle)});
+  (void)NoteObstacle(work, name, obstacle);
 }
 
 Fate clsArchiver::FateOf(const Work& work, const std::string& name,

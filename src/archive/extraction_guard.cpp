@@ -7,6 +7,9 @@
 
 namespace quendle {
 
+using Occupant = platform::ExtractionFolder::Occupant;
+using Taken = platform::ExtractionFolder::Taken;
+
 ExtractionGuard::ExtractionGuard(const std::string& destination,
                                  const std::vector<std::string>& archive_files,
                                  const std::vector<std::string>& program_files) {
@@ -30,10 +33,33 @@ ExtractionGuard::ExtractionGuard(const std::string& destination,
   if (!result.ok() || (!missing_.empty() && safe + "/" != missing_)) folder_.reset();
 }
 
-Reason ExtractionGuard::Problem(const std::string& path) {
-  platform::ExtractionFolder::Occupant occupant;
-  const platform::Result result = folder_ ? folder_->Look(missing_ + path, &occupant) : platform::Success();
+Reason ExtractionGuard::Problem(const std::string& path, bool* is_free) {
+  *is_free = false;
+  if (folder_ == nullptr) return {};
+  const std::string below = missing_ + path;
+  if (!IsBelowLacking(below)) FindLacking(below);
+  *is_free = IsBelowLacking(below);
+  if (*is_free) return {};
+  Occupant occupant;
+  const platform::Result result = folder_->Look(below, &occupant);
+  *is_free = result.ok() && occupant.taken == Taken::kFree;
   return result.code == platform::Code::kRefused ? why::kAbout(result.reason, result.path) : Reason();
+}
+
+bool ExtractionGuard::IsBelowLacking(std::string_view path) const {
+  return !lacking_.empty() && path.starts_with(lacking_);
+}
+
+// One that must not be made is none of them: what would be in it is looked at and refused one by one.
+void ExtractionGuard::FindLacking(const std::string& path) {
+  const std::size_t begin = path.starts_with(there_) ? there_.size() : 0;
+  for (std::size_t end = begin; (end = path.find('/', end)) != std::string::npos; ++end) {
+    Occupant occupant;
+    const bool is_allowed = folder_->Look(path.substr(0, end), &occupant).ok();
+    if (is_allowed && occupant.taken == Taken::kFree) lacking_ = path.substr(0, end + 1);
+    if (!is_allowed || occupant.taken != Taken::kFolder) return;
+    there_ = path.substr(0, end + 1);
+  }
 }
 
 }  // namespace quendle

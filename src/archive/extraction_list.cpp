@@ -34,8 +34,11 @@ std::string BelowTopFolder(const std::string& folder) {
 bool HaveOneTopFolder(const std::vector<std::string>& names) {
   if (names.empty()) return false;
   const std::string top = TopFolder(names.front());
-  return !top.empty() && std::all_of(names.begin(), names.end(),
-                                     [&top](const std::string& name) { return TopFolder(name) == top; });
+  const std::string_view spelled =
+      std::string_view(names.front()).substr(0, top.empty() ? 0 : names.front().find('/') + 1);
+  return !top.empty() && std::all_of(names.begin(), names.end(), [&](const std::string& name) {
+    return name.starts_with(spelled) || TopFolder(name) == top;
+  });
 }
 
 EntryFilter::EntryFilter(const std::string& include, const std::string& exclude)
@@ -62,6 +65,7 @@ bool EntryFilter::AnyFits(const std::vector<Pattern>& patterns, const std::strin
 }
 
 bool EntryFilter::Passes(const std::string& name) const {
+  if (includes_all_ && exclude_.empty()) return true;
   const std::string upper = platform::UpperCase(platform::WithReplacementCharacters(name));
   if (!includes_all_ && (name.ends_with('/') || !AnyFits(include_, upper))) return false;
   return !AnyFits(exclude_, upper);

@@ -144,19 +144,27 @@ GTEST_TEST(ClsArchiverExtract, KeepsWhatTheProgramAndTheArchiveStandOn) {
     const char* script;
     Texts kept;
     const char* names;  // that the library is asked for; empty: it is not called
+    std::size_t replaced = 0;
   } rows[] = {
       {"",
        true,
        "entry T/A (2).7z\nentry T/Own.INI\nentry T/b\n",
        {"T/Own.INI"},
-       "\"T/A (2).7Z\"\r\n\"T/B\""},
+       "\"T/A (2).7Z\"\r\n\"T/B\"",
+       1},
       {"", true, "entry T/a.7z\nentry T/x/b\n", {"T/a.7z"}, "\"T/X/B\""},
       {"", false, "entry a.7z\nentry T/a.7z\n", {"a.7z"}, "\"T/A.7Z\""},
-      {"", false, "entry second\nentry b\n", {"second"}, "\"B\""},
+      {"", false, "entry second\nentry b\n", {"second"}, "\"B\"", 1},
+      {"",
+       false,
+       "entry own/a\nentry own.ini/x\nentry own/s/b\nentry own/c\nentry b\nentry kept/x\n",
+       {"own.ini/x", "kept/x"},
+       "\"OWN/A\"\r\n\"OWN/S/B\"\r\n\"OWN/C\"\r\n\"B\"",
+       1},
       {"", false, "entry kept/x\nentry own.ini/x\nentry own.ini/\n", {"kept/x", "own.ini/x", "own.ini/"}, ""},
       {"kept/deep/deeper", false, "entry b\n", {"b"}, ""},
       {"linked", false, "entry a.7z\nentry own.ini\n", {"a.7z", "own.ini"}, ""},
-      {"", false, "reads ~/volume\nentry volume\nentry b\n", {"volume"}, "\"B\""},
+      {"", false, "reads ~/volume\nentry volume\nentry b\n", {"volume"}, "\"B\"", 1},
   };
   for (const auto& row : rows) {
     for (const char* variant : {"plain", "full"}) {
@@ -169,7 +177,7 @@ GTEST_TEST(ClsArchiverExtract, KeepsWhatTheProgramAndTheArchiveStandOn) {
       bench.Install("7-zip32", variant);
       fs::create_directory(bench.folder / "kept");
       if (!test::MakeLink(bench.folder.path(), bench.folder / "linked") && *row.destination == 'l') continue;
-      test::WriteFile(bench.folder / "volume", "");
+      for (const char* file : {"volume", "b"}) test::WriteFile(bench.folder / file, "");
       ASSERT_EQ(bench.Take("a.7z", script), 5);
       fs::create_hard_link(bench.folder / "a.7z", bench.folder / "second");
       const std::string destination =
@@ -180,6 +188,7 @@ GTEST_TEST(ClsArchiverExtract, KeepsWhatTheProgramAndTheArchiveStandOn) {
       const ExtractionReport& done = bench.archiver.LastReport();
       EXPECT_EQ(bench.Problems(plan), bench.Problems(done));
       EXPECT_EQ(plan.chosen, done.chosen);
+      EXPECT_EQ(plan.replaces.value().All(), row.replaced);
       Texts kept;
       for (const ExtractionProblem& problem : done.problems) kept.push_back(problem.entry);
       EXPECT_EQ(kept, row.kept);

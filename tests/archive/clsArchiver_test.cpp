@@ -195,6 +195,17 @@ GTEST_TEST(ClsArchiver, PlansSeeWhatIsInTheWay) {
   }
 }
 
+// What one entry has shown of a folder holds for the others in it, but not for longer paths.
+GTEST_TEST(ClsArchiver, PlansSeePathsThatAreTooLong) {
+  if (test::kSeparator != '/') GTEST_SKIP() << "Windows has another limit";
+  test::ArchiverBench bench;
+  bench.Install("UnZIP32", "full");
+  ASSERT_EQ(bench.Take("a.zip", "accept UnZip\nentry a\nentry " + std::string(200, 'b') + "\nentry c\n"), 1);
+  std::string destination = bench.folder / "new";
+  while (destination.size() < 4000) destination += "/" + std::string(89, 'x');
+  EXPECT_TRUE(bench.Tells(bench.archiver.PlanExtraction(destination), {std::string(200, 'b') + ": "}));
+}
+
 constexpr std::uint32_t kDosTime = 0x5A8F6000;  // 15 April 2025, noon on the local clock
 
 GTEST_TEST(ClsArchiver, PlansSayWhatWouldBeReplaced) {

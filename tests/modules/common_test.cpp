@@ -4,9 +4,11 @@
 #include "archive/modules/common/dialect.h"
 #include "archive/modules/common/entry_matcher.h"
 #include "archive/modules/common/entry_names.h"
+#include "archive/modules/common/entry_times.h"
 #include "archive/modules/common/response_file.h"
 #include "archive/modules/common/signature_scan.h"
 #include "support/archives.h"
+#include "support/scoped_variable.h"
 
 namespace quendle::modules {
 namespace {
@@ -25,6 +27,21 @@ GTEST_TEST(Checksum, AgreesWithTheKnownFigures) {
     parts_16.Add(std::string_view(text).substr(0, cut));
     parts_16.Add(std::string_view(text).substr(cut));
     EXPECT_EQ(parts_16.Value(), whole_16.Value()) << cut;
+  }
+}
+
+GTEST_TEST(EntryTimes, DosTimesAreOfTheLocalClock) {
+  if (test::kSeparator != '/') GTEST_SKIP() << "Windows knows the zones of its own only";
+  const test::TimeZone zone("CET-1CEST,M3.5.0,M10.5.0/3");
+  const struct {
+    std::uint32_t month, day, hour;
+    std::int64_t time;
+  } rows[] = {{7, 1, 12, 1'782'900'000},   // far from any change
+              {6, 31, 12, 1'782'900'000},  // the day behind the last
+              {3, 29, 12, 1'774'778'400},  // days on which the clock is changed
+              {10, 25, 12, 1'792'926'000}};
+  for (const auto& [month, day, hour, time] : rows) {
+    EXPECT_EQ(TimeFromDos(46U << 25 | month << 21 | day << 16 | hour << 11)->seconds, time) << month;
   }
 }
 

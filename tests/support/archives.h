@@ -212,14 +212,15 @@ inline UnpackedArchive Unpack(const modules::Family& family, const std::string& 
   const auto input = family.find(std::move(file), &unpacked.problem);
   if (!input && unpacked.problem.empty()) unpacked.problem = Reason("no archive");
   if (!input) return unpacked;
-  if (family.check != nullptr) unpacked.problem = family.check(*input).reason;
+  std::vector<modules::Engine> engines = family.engines(*input);
+  if (family.check != nullptr) unpacked.problem = family.check(*input, &engines).reason;
   if (!unpacked.problem.empty()) return unpacked;
   modules::Passwords tried(
       [&passwords, next = std::size_t{0}]() mutable {
         return next < passwords.size() ? std::optional(passwords[next++]) : std::nullopt;
       },
       family.passwords);
-  return UnpackBy(family.engines(*input).front(), *input, charset, &tried);
+  return UnpackBy(engines.front(), *input, charset, &tried);
 }
 
 inline UnpackedArchive UnpackBytes(const modules::Family& family, const std::string& bytes,

@@ -35,7 +35,8 @@ std::size_t LengthOf(std::string_view text, NameRules rules) {
 
 // Takes the first part and the separator behind it off `rest`.
 std::string_view TakePart(std::string_view* rest, std::string_view separators) {
-  const std::size_t end = std::min(rest->find_first_of(separators), rest->size());
+  const auto separator = std::find_first_of(rest->begin(), rest->end(), separators.begin(), separators.end());
+  const auto end = static_cast<std::size_t>(separator - rest->begin());
   const std::string_view part = rest->substr(0, end);
   rest->remove_prefix(std::min(end + 1, rest->size()));
   return part;

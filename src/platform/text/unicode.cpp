@@ -1,8 +1,8 @@
 #include "platform/text/unicode.h"
 
-#include <algorithm>
-
 #include <utf8proc.h>
+
+#include <algorithm>
 
 namespace quendle::platform {
 namespace {

@@ -105,6 +105,12 @@ void frmAction::changeEvent(QEvent* event) {
   if (event->type() == QEvent::ActivationChange && isActiveWindow() && plan_ != nullptr) SchedulePlan(0);
 }
 
+// Listing a large archive takes a while: the window is there first.
+void frmAction::paintEvent(QPaintEvent* event) {
+  QDialog::paintEvent(event);
+  if (!std::exchange(is_painted_, true)) SchedulePlan(0);
+}
+
 void frmAction::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
   LetMenusGoFirst();

@@ -113,6 +113,7 @@ class frmAction : public QDialog {
   void showEvent(QShowEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void changeEvent(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
 
  private:
   // A new plan may mean listing a large archive, which is not done at each key.
@@ -187,6 +188,7 @@ class frmAction : public QDialog {
   QTimer plan_timer_{this};
   std::optional<bool> shows_archive_;  // in the window's picture
   bool shows_folder_ = false;          // as the controls are made
+  bool is_painted_ = false;            // at least once
   bool is_busy_ = false;               // a command runs, which may handle events
   std::exception_ptr fault_;           // thrown while a path was done
 };

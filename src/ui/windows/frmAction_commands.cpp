@@ -251,6 +251,7 @@ void frmAction::ClickLabel(std::size_t index) {
 
 // What OK will do is told by what would do it.
 void frmAction::RenewPlan() {
+  if (!is_painted_) return;
   if (is_busy_) {
     SchedulePlan(kTypingPause);
     return;

@@ -24,8 +24,9 @@ struct Family {
   // The engines to try for this archive, best first. What one does not know is tried with the next.
   std::vector<Engine> (*engines)(const ArchiveInput& input);
 
-  // Is it refused as a whole before anything is written? Null: the family has no such rule.
-  platform::Result (*check)(const ArchiveInput& input);
+  // Is it refused as a whole before anything is written? Null: the family has no such rule. What is read for that, the
+  // first of these engines need not read again.
+  platform::Result (*check)(const ArchiveInput& input, std::vector<Engine>* engines);
 
   // The libraries under it and their versions: "libarchive 3.6.2, libmspack 0.11".
   std::string (*libraries)();

@@ -55,14 +55,14 @@ Attempt ListWithPasswords(const Engine& engine, const ArchiveInput& input, const
 std::unique_ptr<OpenedArchive> ListArchive(const Family& family, const ArchiveInput& input,
                                            const std::string& charset,
                                            std::function<std::optional<std::string>()> ask, Reason* reason) {
+  std::vector<Engine> engines = family.engines(input);
   if (family.check != nullptr) {
-    const platform::Result check = family.check(input);
+    const platform::Result check = family.check(input, &engines);
     if (!check.ok()) {
       *reason = check.reason;
       return nullptr;
     }
   }
-  std::vector<Engine> engines = family.engines(input);
   bool needed = false;
   Passwords passwords(
       [&needed, ask = std::move(ask)] {

@@ -46,8 +46,8 @@ std::string Module::FromHost(std::string_view bytes) const {
   return utf8_ ? std::string(bytes) : platform::TextFromAnsi(bytes);
 }
 
-std::string Module::ToHost(const std::string& text) const {
-  return utf8_ ? text : AnsiForDisplay(text);
+std::string Module::ToHost(std::string text) const {
+  return utf8_ ? std::move(text) : AnsiForDisplay(text);
 }
 
 std::int32_t Module::CheckArchive(const char* archive) try {
@@ -221,7 +221,7 @@ void Module::WriteOutput(const Call& call, const std::string& head, ArchiverCall
     if (text.size() > out->output_size) break;
     text += line + "\r\n";
   }
-  text = ToHost(text);
+  text = ToHost(std::move(text));
   text.resize(std::min<std::size_t>(text.size() + 1, out->output_size), '\0');
   std::memcpy(out->output, text.data(), text.size());
 }

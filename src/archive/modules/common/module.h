@@ -40,7 +40,7 @@ class Module {
   };
 
   std::string FromHost(std::string_view bytes) const;
-  std::string ToHost(const std::string& text) const;
+  std::string ToHost(std::string text) const;
   Archive List(const std::string& path, Reason* reason);
   platform::Result ReadCall(const char* command_line, Call* call) const;
   platform::Result ReadCalls(const ArchiverCall* calls, std::uint32_t count, std::vector<Call>* read) const;

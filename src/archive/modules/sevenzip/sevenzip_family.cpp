@@ -55,7 +55,7 @@ std::vector<Engine> SevenZipEngines(const ArchiveInput&) {
 }
 
 // A few kilobytes may say that they unpack to millions of entries.
-platform::Result CheckSevenZip(const ArchiveInput& input) {
+platform::Result CheckSevenZip(const ArchiveInput& input, std::vector<Engine>*) {
   const auto list = FindSevenZipList(input);
   if (!list || list->unpacked_size <= kLargestHeaders) return platform::Success();
   return Failure(platform::Code::kRefused, input.Path(), why::kHeadersTooLarge(list->unpacked_size >> 20U));

@@ -1,6 +1,7 @@
 #include "archive/modules/sevenzip/sevenzip_list.h"
 
 #include <algorithm>
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -15,15 +16,11 @@ namespace {
 // Of so many bytes, whatever they say, the entries do not take too much memory.
 constexpr std::uint64_t kHarmless = 1U << 20;
 
-// The archive with its packed list as the only file in it: the packed data stays, its description becomes that of the
-// file, and start and end are made for that.
-class ListAsFile {
+// The archive with another end header, and the start header that goes with it; all between them stays.
+class WithOtherEnd {
  public:
-  ListAsFile(const ArchiveInput& input, const SevenZipList& list)
-      : input_(input), end_offset_(list.start.end_offset) {
-    constexpr std::string_view kBeforeStreams("\x01\x04", 2);
-    constexpr std::string_view kOneFile("\x05\x01\0\0", 4);
-    end_.append(kBeforeStreams).append(list.description).append(kOneFile);
+  WithOtherEnd(const ArchiveInput& input, std::uint64_t end_offset, std::string end)
+      : input_(input), end_offset_(end_offset), end_(std::move(end)) {
     std::string place;
     AppendLittleEndian(end_offset_ - kSevenZipStartSize, 8, &place);
     AppendLittleEndian(end_.size(), 8, &place);
@@ -34,11 +31,11 @@ class ListAsFile {
     start_ += place;
   }
 
-  // Valid as long as this.
-  SevenZipBytes Bytes() const {
-    return {end_offset_ + end_.size(),
-            [this](std::uint64_t position, void* buffer, std::size_t size, std::size_t* got) {
-              return ReadAt(position, static_cast<char*>(buffer), size, got);
+  static SevenZipBytes Bytes(const ArchiveInput& input, std::uint64_t end_offset, std::string end) {
+    const std::uint64_t size = end_offset + end.size();
+    return {size, [file = std::make_shared<const WithOtherEnd>(input, end_offset, std::move(end))](
+                      std::uint64_t position, void* buffer, std::size_t wanted, std::size_t* got) {
+              return file->ReadAt(position, static_cast<char*>(buffer), wanted, got);
             }};
   }
 
@@ -58,9 +55,18 @@ class ListAsFile {
 
   const ArchiveInput& input_;
   std::uint64_t end_offset_;
-  std::string start_;
   std::string end_;
+  std::string start_;
 };
+
+// The archive with its packed list as the only file in it, of which the end header is a description.
+SevenZipBytes ListAsFile(const ArchiveInput& input, const SevenZipList& list) {
+  constexpr std::string_view kBeforeStreams("\x01\x04", 2);
+  constexpr std::string_view kOneFile("\x05\x01\0\0", 4);
+  std::string end(kBeforeStreams);
+  end.append(list.description).append(kOneFile);
+  return WithOtherEnd::Bytes(input, list.start.end_offset, std::move(end));
+}
 
 // Keeps the list.
 class Receiver final : public SevenZipReceiver {
@@ -92,8 +98,7 @@ class Receiver final : public SevenZipReceiver {
 ReadStatus Unpack(const ArchiveInput& input, const SevenZipList& list,
                   const std::function<std::optional<std::string>()>& password, std::string* bytes,
                   bool* is_encrypted, Reason* reason) {
-  const ListAsFile file(input, list);
-  SevenZipArchive archive(file.Bytes(), password);
+  SevenZipArchive archive(ListAsFile(input, list), password);
   const ReadStatus opened = archive.Open(sevenzip::kSevenZipFormat, reason);
   if (opened != ReadStatus::kOk) return opened;
   *is_encrypted = archive.Number(0, sevenzip::kIsEncrypted).value_or(0) != 0;
@@ -113,30 +118,33 @@ ReadStatus Fail(const Reason& why, Reason* reason) {
 }  // namespace
 
 ReadStatus CheckSevenZipList(const ArchiveInput& input,
-                             const std::function<std::optional<std::string>()>& password, Reason* reason) {
+                             const std::function<std::optional<std::string>()>& password,
+                             SevenZipBytes* bytes, Reason* reason) {
   const auto list = FindSevenZipList(input);
   if (!list) return Fail(why::kHeadersDamaged, reason);
   const bool is_packed = !list->description.empty();
   const bool is_large = list->unpacked_size > kHarmless;
   if (!is_packed && !is_large) return ReadStatus::kOk;
-  std::string bytes;
+  std::string entries;
   bool is_encrypted = false;
   if (is_packed) {
-    const ReadStatus unpacked = Unpack(input, *list, password, &bytes, &is_encrypted, reason);
+    const ReadStatus unpacked = Unpack(input, *list, password, &entries, &is_encrypted, reason);
     if (unpacked != ReadStatus::kOk) return unpacked;
   } else {
-    bytes.resize(static_cast<std::size_t>(list->unpacked_size));
+    entries.resize(static_cast<std::size_t>(list->unpacked_size));
     std::size_t got = 0;
-    const platform::Result read = input.ReadAt(list->start.end_offset, bytes.data(), bytes.size(), &got);
+    const platform::Result read = input.ReadAt(list->start.end_offset, entries.data(), entries.size(), &got);
     if (!read.ok()) return Fail(read.reason, reason);
   }
-  const auto count = is_large ? CountEntries(bytes) : std::optional<std::uint64_t>(0);
-  if (!IsSevenZipList(bytes) || !count) {
+  const auto count = is_large ? CountEntries(entries) : std::optional<std::uint64_t>(0);
+  if (!IsSevenZipList(entries) || !count) {
     // There may be no checksum that a wrong password would fail.
     *reason = is_encrypted ? Reason(why::kWrongPassword) : Reason(why::kHeadersDamaged);
     return is_encrypted ? ReadStatus::kPassword : ReadStatus::kFailed;
   }
-  return *count <= kMostEntries ? ReadStatus::kOk : Fail(why::kTooManyEntries, reason);
+  if (*count > kMostEntries) return Fail(why::kTooManyEntries, reason);
+  if (is_packed) *bytes = WithOtherEnd::Bytes(input, list->start.end_offset, std::move(entries));
+  return ReadStatus::kOk;
 }
 
 }  // namespace quendle::modules

@@ -51,13 +51,14 @@ std::string NameOfArchive(const std::string& path) {
 
 class SevenZipReader final : public ArchiveReader, private SevenZipReceiver {
  public:
-  SevenZipReader(const ArchiveInput& input, const ReaderOptions& options)
+  SevenZipReader(const ArchiveInput& input, SevenZipBytes bytes, const ReaderOptions& options)
       : input_(input),
-        archive_(BytesOf(input), options.password),
+        archive_(std::move(bytes), options.password),
         name_of_archive_(NameOfArchive(input.Path())),
         password_(options.password) {}
 
-  void Open();
+  // `checked` is what CheckSevenZipList has said.
+  void Open(ReadStatus checked, Reason reason);
   ReadStatus NextEntry(Entry* entry) override;
   ReadStatus Unpack(EntrySink* sink) override;
   const Reason& Problem() const override { return reason_; }
@@ -77,7 +78,6 @@ class SevenZipReader final : public ArchiveReader, private SevenZipReceiver {
   bool End(std::uint32_t index, sevenzip::ExtractResult result) override;
   bool GoesOn() override { return sink_->GoesOn(); }
 
-  const ArchiveInput& input_;
   SevenZipArchive archive_;
   std::string name_of_archive_;
   std::function<std::optional<std::string>()> password_;
@@ -96,8 +96,9 @@ class SevenZipReader final : public ArchiveReader, private SevenZipReceiver {
   EntrySink::Wish wish_ = EntrySink::Wish::kMore;
 };
 
-void SevenZipReader::Open() {
-  end_ = CheckSevenZipList(input_, password_, &reason_);
+void SevenZipReader::Open(ReadStatus checked, Reason reason) {
+  end_ = checked;
+  reason_ = std::move(reason);
   if (end_ == ReadStatus::kOk) end_ = archive_.Open(sevenzip::kSevenZipFormat, &reason_);
   if (end_ == ReadStatus::kOk) end_ = ReadStatus::kEnd;
 }
@@ -241,8 +242,11 @@ bool SevenZipReader::EndLink(sevenzip::ExtractResult result) {
 std::unique_ptr<ArchiveReader> OpenSevenZip(const ArchiveInput& input, const ReaderOptions& options,
                                             Reason* reason) {
   if (SevenZipLibrary::Get(reason) == nullptr) return nullptr;
-  auto reader = std::make_unique<SevenZipReader>(input, options);
-  reader->Open();
+  SevenZipBytes bytes = BytesOf(input);
+  Reason problem;
+  const ReadStatus checked = CheckSevenZipList(input, options.password, &bytes, &problem);
+  auto reader = std::make_unique<SevenZipReader>(input, std::move(bytes), options);
+  reader->Open(checked, std::move(problem));
   return reader;
 }
 

@@ -97,9 +97,16 @@ std::vector<Engine> ZipEngines(const ArchiveInput&) {
   return {{"libarchive", &OpenZip}, {"7-Zip", &OpenZipBySevenZip}};
 }
 
-platform::Result CheckZip(const ArchiveInput& input) {
-  ZipDirectory directory;
-  return ReadZipDirectory(input, &directory);
+// The directory goes to the first reader. It is not kept beyond that, since it takes more memory than the list.
+platform::Result CheckZip(const ArchiveInput& input, std::vector<Engine>* engines) {
+  const auto known = std::make_shared<std::optional<ZipDirectory>>(std::in_place);
+  platform::Result result = ReadZipDirectory(input, &known->value());
+  if (!result.ok()) return result;
+  engines->front().open = [known](const ArchiveInput& archive, const ReaderOptions& options, Reason* reason) {
+    auto directory = std::exchange(*known, std::nullopt);
+    return directory ? OpenZipBy(*std::move(directory), archive, options) : OpenZip(archive, options, reason);
+  };
+  return result;
 }
 
 std::string ZipLibraries() {

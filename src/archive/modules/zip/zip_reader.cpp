@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "archive/modules/common/libarchive_reader.h"
-#include "archive/modules/zip/zip_directory.h"
 #include "archive/modules/zip/zip_headers.h"
 #include "archive/modules/zip/zip_unpacker.h"
 
@@ -181,9 +180,14 @@ std::unique_ptr<EntryReader> OpenZip(const ArchiveInput& input, const ReaderOpti
                                      Reason* reason) {
   ZipDirectory directory;
   const platform::Result result = ReadZipDirectory(input, &directory);
-  if (result.ok()) return std::make_unique<ZipReader>(input, options, std::move(directory));
+  if (result.ok()) return OpenZipBy(std::move(directory), input, options);
   *reason = result.reason;
   return nullptr;
+}
+
+std::unique_ptr<EntryReader> OpenZipBy(ZipDirectory directory, const ArchiveInput& input,
+                                       const ReaderOptions& options) {
+  return std::make_unique<ZipReader>(input, options, std::move(directory));
 }
 
 }  // namespace quendle::modules
