@@ -63,16 +63,20 @@ FailingDisk::~FailingDisk() {
 }
 
 int FailingDisk::Meet(const std::string& call) {
-  const std::lock_guard lock(mutex_);
-  calls_.push_back(call);
+  std::vector<std::function<void()>> acts;
   int error = 0;
-  for (Rule& rule : rules_) {
-    const bool is_meant = call.starts_with(rule.call) && call.find(rule.part) != std::string::npos;
-    if (!is_meant || rule.left == 0 || --rule.left > 0) continue;
-    rule.act();
-    if (rule.error != 0) failed_ = call;
-    error = rule.error;
+  {
+    const std::lock_guard lock(mutex_);
+    calls_.push_back(call);
+    for (Rule& rule : rules_) {
+      const bool is_meant = call.starts_with(rule.call) && call.find(rule.part) != std::string::npos;
+      if (!is_meant || rule.left == 0 || --rule.left > 0) continue;
+      acts.push_back(rule.act);
+      if (rule.error != 0) failed_ = call;
+      error = rule.error;
+    }
   }
+  for (const auto& act : acts) act();  // other threads go on meanwhile
   return error;
 }
 

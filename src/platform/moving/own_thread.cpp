@@ -6,6 +6,7 @@
 #include <mutex>
 #include <system_error>
 #include <thread>
+#include <vector>
 
 #include "platform/process/undone_at_exit.h"
 
@@ -14,38 +15,48 @@ namespace {
 
 constexpr std::chrono::milliseconds kBetweenReports{20};
 
-class OwnThread final : private FileOperationObserver, private UndoneAtExit {
+class OwnThreads final : private FileOperationObserver {
  public:
-  explicit OwnThread(FileOperationObserver* observer) : observer_(observer) {}
-  ~OwnThread() override { End(); }
-  OwnThread(const OwnThread&) = delete;
-  OwnThread& operator=(const OwnThread&) = delete;
+  explicit OwnThreads(FileOperationObserver* observer) : observer_(observer) {}
+  ~OwnThreads() override { End(); }
+  OwnThreads(const OwnThreads&) = delete;
+  OwnThreads& operator=(const OwnThreads&) = delete;
 
-  Result Do(const ObservedWork& work) {
-    try {
-      thread_ = std::thread([&] { Work(work); });
-    } catch (const std::system_error&) {  // there are too many of them
-      return work(observer_);
-    }
-    LookAfterIt();
+  void Do(unsigned count, const SharedWork& work) {
+    Start(count, work);
+    if (threads_.empty()) return work(observer_);
+    LookAfterThem();
     End();
     if (fault_) std::rethrow_exception(fault_);
-    return result_;
+  }
+
+  // The work is cancelled, unless it is done, and has ended afterwards.
+  void End() {
+    {
+      const std::lock_guard lock(mutex_);
+      is_left_ = true;
+      changed_.notify_all();
+    }
+    for (std::thread& thread : threads_) {
+      if (thread.joinable()) thread.join();
+    }
   }
 
  private:
   using Request = std::function<void()>;
 
-  // On the thread of the work.
+  // On the threads of the work.
 
-  void Work(const ObservedWork& work) {
+  void Work(const SharedWork& work) {
+    std::exception_ptr fault;
     try {
-      result_ = work(this);
+      work(this);
     } catch (...) {
-      fault_ = std::current_exception();
+      fault = std::current_exception();
     }
     const std::lock_guard lock(mutex_);
-    is_done_ = true;
+    if (fault) fault_ = fault;
+    --working_;
     changed_.notify_all();
   }
 
@@ -71,18 +82,29 @@ class OwnThread final : private FileOperationObserver, private UndoneAtExit {
   // Does nothing when there is nobody any more.
   void Ask(const Request& request) {
     std::unique_lock lock(mutex_);
+    changed_.wait(lock, [&] { return request_ == nullptr || is_left_; });
+    if (is_left_) return;
     request_ = &request;
     changed_.notify_all();
-    changed_.wait(lock, [&] { return request_ == nullptr || is_left_; });
+    changed_.wait(lock, [&] { return request_ != &request || is_left_; });
   }
 
   // On the calling thread.
 
-  void LookAfterIt() {
+  void Start(unsigned count, const SharedWork& work) {
+    const std::lock_guard lock(mutex_);
+    threads_.reserve(count);
+    try {
+      for (; working_ < count; ++working_) threads_.emplace_back([&] { Work(work); });
+    } catch (const std::system_error&) {  // those that there are do it
+    }
+  }
+
+  void LookAfterThem() {
     std::unique_lock lock(mutex_);
     for (;;) {
-      changed_.wait_for(lock, kBetweenReports, [&] { return is_done_ || request_ != nullptr; });
-      if (is_done_) return;
+      changed_.wait_for(lock, kBetweenReports, [&] { return working_ == 0 || request_ != nullptr; });
+      if (working_ == 0) return;
       const Request* const request = request_;
       lock.unlock();
       request != nullptr ? (*request)() : (void)Report();
@@ -98,17 +120,6 @@ class OwnThread final : private FileOperationObserver, private UndoneAtExit {
     return !is_cancelled_;
   }
 
-  void End() {
-    {
-      const std::lock_guard lock(mutex_);
-      is_left_ = true;
-      changed_.notify_all();
-    }
-    if (thread_.joinable()) thread_.join();
-  }
-
-  void UndoAtExit() override { End(); }
-
   FileOperationObserver* const observer_;
   FileProgress progress_;
   bool is_cancelled_ = false;
@@ -117,17 +128,34 @@ class OwnThread final : private FileOperationObserver, private UndoneAtExit {
   std::condition_variable changed_;
   const Request* request_ = nullptr;  // for the calling thread to do
   bool is_left_ = false;              // nobody does any more
-  bool is_done_ = false;
+  unsigned working_ = 0;
 
-  Result result_;
   std::exception_ptr fault_;
-  std::thread thread_;
+  std::vector<std::thread> threads_;
+};
+
+class EndedAtExit final : private UndoneAtExit {
+ public:
+  explicit EndedAtExit(OwnThreads* threads) : threads_(threads) {}
+
+ private:
+  void UndoAtExit() override { threads_->End(); }
+
+  OwnThreads* const threads_;
 };
 
 }  // namespace
 
 Result DoOnOwnThread(FileOperationObserver* observer, const ObservedWork& work) {
-  return OwnThread(observer).Do(work);
+  OwnThreads threads(observer);
+  const EndedAtExit at_exit(&threads);
+  Result result;
+  threads.Do(1, [&](FileOperationObserver* told) { result = work(told); });
+  return result;
+}
+
+void DoOnThreads(unsigned count, FileOperationObserver* observer, const SharedWork& work) {
+  OwnThreads(observer).Do(count, work);
 }
 
 }  // namespace quendle::platform

@@ -204,6 +204,94 @@ TEST_F(DiskFailure, ASlowCallIsSeenToGoOnAndACancelMeansWhatIsSaid) {
   }
 }
 
+// Enough for several threads, with a file of two names in different folders.
+void MakeLargeTree(const std::string& top) {
+  for (const char* folder : {"a", "b", "c", "d"}) {
+    for (int i = 0; i < 80; ++i)
+      WriteFile(top + "/" + folder + "/f" + std::to_string(i), std::string(100, *folder));
+  }
+  WriteFile(top + "/large", std::string(3 << 20, 'l'));
+  fs::create_hard_link(top + "/a/f7", top + "/d/other");
+}
+
+TEST_F(DiskFailure, ALargeTreeIsCopiedWholeOrNotAtAll) {
+  const struct {
+    const char* call;
+    unsigned nth;
+    bool cancels, responsive;
+  } rows[] = {{"none", 1, false, false}, {"none", 1, false, true},   {"make", 4, false, false},
+              {"open", 7, false, false}, {"open", 300, false, true}, {"sync", 1, false, true},
+              {"write", 3, true, false}, {"write", 200, true, true}, {"attribute", 600, true, true}};
+  Refill();
+  MakeLargeTree(source_ / "m");
+  Pictured before = Picture(source_.path());
+  const Pictured whole = Below("m", before);
+  for (const bool moves : {false, true}) {
+    for (const auto& row : rows) {
+      SCOPED_TRACE(testing::Message() << moves << row.call << row.nth << row.cancels << row.responsive);
+      std::atomic<bool> is_cancelled = false;
+      observer_.must_stay_responsive = row.responsive;
+      observer_.last = {};
+      observer_.on_progress = [&](const FileProgress&) { return !is_cancelled; };
+      Result result;
+      {
+        FailingDisk disk;
+        if (row.cancels) {  // it takes as long as the user is not asked
+          disk.Before(row.call, row.nth, [&] {
+            is_cancelled = true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+          });
+        } else {
+          disk.Fail(row.call, row.nth, EIO);
+        }
+        result = (moves ? MoveEntry : CopyEntry)(source_ / "m", destination_ / "m", {}, &observer_);
+        const bool fails = !disk.failed().empty();  // there is no sync in copies
+        EXPECT_EQ(result.code, row.cancels ? Code::kCancelled
+                               : fails     ? Code::kFailed
+                                           : Code::kOk)
+            << result.path << ": " << result.reason;
+      }
+      EXPECT_EQ(Picture(destination_.path()), result.ok() ? whole : Pictured());
+      if (result.ok()) {
+        EXPECT_EQ(fs::hard_link_count(destination_ / "m/a/f7"), 2U);
+        EXPECT_LE(observer_.last.bytes_done, observer_.last.bytes_total);
+        EXPECT_EQ(fs::exists(source_ / "m"), !moves);
+        fs::remove_all(destination_ / "m");
+        if (moves) MakeLargeTree(source_ / "m");
+      } else {
+        EXPECT_EQ(Picture(source_.path()), before);
+      }
+    }
+  }
+}
+
+TEST_F(DiskFailure, TheFirstOfSeveralFailuresInATreeIsTold) {
+  Refill();
+  MakeLargeTree(source_ / "m");
+  std::vector<std::string> folders;
+  for (const auto& entry : fs::directory_iterator(source_ / "m"))
+    if (entry.is_directory()) folders.push_back(entry.path().filename());
+  const std::string first = "/" + folders.front() + "/f10";
+  const std::string last = "/" + folders.back() + "/f70";
+  std::atomic<bool> last_failed = false;
+  FailingDisk disk;
+  disk.Before(
+      "attribute", 1, [&] { last_failed = true; }, last);
+  disk.Before(
+      "attribute", 1,
+      [&] {
+        for (int i = 0; i < 1000 && !last_failed; ++i)
+          std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      },
+      first);
+  disk.Fail("attribute", 1, EACCES, last);
+  disk.Fail("attribute", 1, EIO, first);
+  const Result result = CopyEntry(source_ / "m", destination_ / "m", {}, &observer_);
+  EXPECT_EQ(result.code, Code::kFailed) << result.path;
+  EXPECT_EQ(result.path, destination_ / "m" + first);
+}
+
 // As an editor puts its new version into a place.
 void RenameOver(const std::string& path, const std::string& bytes) {
   const TempFolder beside(fs::path(path).parent_path().string());
