@@ -273,23 +273,23 @@ TEST_F(DiskFailure, TheFirstOfSeveralFailuresInATreeIsTold) {
     if (entry.is_directory()) folders.push_back(entry.path().filename());
   const std::string first = "/" + folders.front() + "/f10";
   const std::string last = "/" + folders.back() + "/f70";
-  std::atomic<bool> last_failed = false;
-  FailingDisk disk;
-  disk.Before(
-      "attribute", 1, [&] { last_failed = true; }, last);
-  disk.Before(
-      "attribute", 1,
-      [&] {
-        for (int i = 0; i < 1000 && !last_failed; ++i)
+  for (const std::string& late : {first, last}) {
+    std::atomic<unsigned> arrived = 0;
+    FailingDisk disk;
+    for (const std::string& file : {first, last}) {
+      const auto fail_in_turn = [&arrived, is_late = file == late] {
+        ++arrived;
+        for (int i = 0; i < 1000 && arrived < 2; ++i)
           std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-      },
-      first);
-  disk.Fail("attribute", 1, EACCES, last);
-  disk.Fail("attribute", 1, EIO, first);
-  const Result result = CopyEntry(source_ / "m", destination_ / "m", {}, &observer_);
-  EXPECT_EQ(result.code, Code::kFailed) << result.path;
-  EXPECT_EQ(result.path, destination_ / "m" + first);
+        if (is_late) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+      };
+      disk.Before("attribute", 1, fail_in_turn, file);
+      disk.Fail("attribute", 1, EIO, file);
+    }
+    const Result result = CopyEntry(source_ / "m", destination_ / "m", {}, &observer_);
+    EXPECT_EQ(result.code, Code::kFailed);
+    EXPECT_EQ(result.path, destination_ / "m" + first) << late;
+  }
 }
 
 // As an editor puts its new version into a place.
