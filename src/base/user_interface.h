@@ -55,6 +55,9 @@ class UserInterface {
   // meanwhile.
   virtual void ShowExtractionLog(const std::string& text) = 0;
 
+  // Are there windows, or may there be some at any moment, that have to answer the user during a long operation?
+  virtual bool HasWindows() const = 0;
+
   // Called at least ten times a second during a long operation. False cancels it. `simple` asks for a display
   // without names.
   virtual bool ShowProgress(const platform::FileProgress& progress, bool simple) = 0;

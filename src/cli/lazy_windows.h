@@ -38,6 +38,7 @@ class LazyWindows : public UserInterface {
   bool AskProceed(const Reason& question) override;
   void ShowMessage(MessageKind kind, const std::string& text) override;
   void ShowExtractionLog(const std::string& text) override;
+  bool HasWindows() const override { return true; }
   bool ShowProgress(const platform::FileProgress& progress, bool simple) override;
   void EndProgress() override;
   void SetBusy(bool busy) override;

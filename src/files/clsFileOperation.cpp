@@ -30,6 +30,8 @@ class Observer : public platform::FileOperationObserver {
   Observer(const Observer&) = delete;
   Observer& operator=(const Observer&) = delete;
 
+  bool MustStayResponsive() const override { return shows_progress_ && user_.HasWindows(); }
+
   bool OnProgress(const platform::FileProgress& progress) override {
     if (!shows_progress_) return !platform::InterruptRequested();
     has_shown_ = true;

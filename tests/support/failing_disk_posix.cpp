@@ -1,10 +1,10 @@
 #include "support/failing_disk_posix.h"
 
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cstdarg>
 #include <cstdio>
-#include <utility>
 
 #include <dirent.h>
 #include <dlfcn.h>
@@ -15,7 +15,8 @@
 namespace quendle::test {
 namespace {
 
-thread_local FailingDisk* g_disk = nullptr;
+std::atomic<FailingDisk*> g_disk = nullptr;
+thread_local bool g_acts = false;
 
 std::string PathOf(int descriptor) {
   char path[PATH_MAX];
@@ -34,19 +35,21 @@ std::string Way(const std::string& from, const std::string& to) {
 
 template <typename What>
 bool Fails(const char* call, What what) {
-  if (g_disk == nullptr) return false;
+  FailingDisk* const disk = g_disk;
+  if (disk == nullptr || g_acts) return false;
   const int former_error = errno;
-  FailingDisk* const disk = std::exchange(g_disk, nullptr);
+  g_acts = true;
   const int error = disk->Meet(std::string(call) + " " + what());
-  g_disk = disk;
+  g_acts = false;
   errno = error != 0 ? error : former_error;
   return error != 0;
 }
 
 void Coarsen(struct stat* status) {
-  if (g_disk == nullptr) return;
+  const FailingDisk* const disk = g_disk;
+  if (disk == nullptr || g_acts) return;
   for (timespec* stamp : {&status->st_mtim, &status->st_ctim})
-    stamp->tv_nsec -= stamp->tv_nsec % g_disk->clock_step;
+    stamp->tv_nsec -= stamp->tv_nsec % disk->clock_step;
 }
 
 }  // namespace
@@ -60,15 +63,20 @@ FailingDisk::~FailingDisk() {
 }
 
 int FailingDisk::Meet(const std::string& call) {
-  calls_.push_back(call);
+  std::vector<std::function<void()>> acts;
   int error = 0;
-  for (Rule& rule : rules_) {
-    const bool is_meant = call.starts_with(rule.call) && call.find(rule.part) != std::string::npos;
-    if (!is_meant || rule.left == 0 || --rule.left > 0) continue;
-    rule.act();
-    if (rule.error != 0) failed_ = call;
-    error = rule.error;
+  {
+    const std::lock_guard lock(mutex_);
+    calls_.push_back(call);
+    for (Rule& rule : rules_) {
+      const bool is_meant = call.starts_with(rule.call) && call.find(rule.part) != std::string::npos;
+      if (!is_meant || rule.left == 0 || --rule.left > 0) continue;
+      acts.push_back(rule.act);
+      if (rule.error != 0) failed_ = call;
+      error = rule.error;
+    }
   }
+  for (const auto& act : acts) act();  // other threads go on meanwhile
   return error;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -11,7 +12,7 @@ namespace quendle::test {
 inline constexpr const char* kDiskCalls[] = {"open", "make",      "stat", "list",   "read",  "write",
                                              "sync", "attribute", "link", "rename", "unlink"};
 
-// While it lives it sees the calls of its thread, but not those that its actions make.
+// While it lives it sees the calls of all threads, but not those that its actions make.
 class FailingDisk {
  public:
   FailingDisk();
@@ -48,6 +49,7 @@ class FailingDisk {
     std::string part;
   };
 
+  std::mutex mutex_;
   std::vector<Rule> rules_;
   std::vector<std::string> calls_;
   std::string failed_;

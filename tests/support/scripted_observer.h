@@ -14,6 +14,7 @@ class ScriptedObserver : public platform::FileOperationObserver {
  public:
   // Given in turn; the last one holds on. Without any the answer is no.
   std::vector<Answer> answers;
+  bool must_stay_responsive = false;
   // Called with each report, when set; false cancels.
   std::function<bool(const platform::FileProgress&)> on_progress;
 
@@ -22,6 +23,7 @@ class ScriptedObserver : public platform::FileOperationObserver {
   platform::FileProgress last;
   std::size_t reports = 0;
 
+  bool MustStayResponsive() const override { return must_stay_responsive; }
   bool OnProgress(const platform::FileProgress& progress) override {
     ++reports;
     last = progress;

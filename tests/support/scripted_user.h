@@ -19,6 +19,7 @@ class ScriptedUser : public UserInterface {
   bool delete_answer = false;
   bool proceed_answer = false;
   std::vector<std::string> passwords;  // given in turn, then none
+  bool has_windows = false;
   // Called with each report, when set; false cancels.
   std::function<bool(const platform::FileProgress&)> on_progress;
 
@@ -64,6 +65,7 @@ class ScriptedUser : public UserInterface {
     messages.push_back((kind == MessageKind::kCritical ? "critical: " : "") + text);
   }
   void ShowExtractionLog(const std::string& text) override { logs.push_back(text); }
+  bool HasWindows() const override { return has_windows; }
   bool ShowProgress(const platform::FileProgress& progress, bool simple) override {
     ++(simple ? shown_simple_progress : shown_progress);
     return !on_progress || on_progress(progress);

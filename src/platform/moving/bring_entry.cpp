@@ -61,6 +61,8 @@ class StagedTransfer {
     if (result.ok() && transfer_.moving) result = CheckCanLeave();
     if (result.ok()) result = staged_.OpenItsFolder();
     if (result.ok()) result = Stage();
+    // The last moment for it: a cancel may have come while the system synced the copy.
+    if (result.ok() && !transfer_.meter.Tick()) result = Cancelled(source_);
     if (result.ok()) result = staged_.Put(replaced, transfer_.options.allow_undo, transfer_.moving);
     return result.ok() && transfer_.moving ? Conclude() : result;
   }

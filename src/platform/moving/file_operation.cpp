@@ -1,7 +1,10 @@
 #include "platform/moving/file_operation.h"
 
+#include <functional>
+
 #include "platform/entries/path_names.h"
 #include "platform/entries/renaming.h"
+#include "platform/moving/own_thread.h"
 #include "platform/moving/place_entry.h"
 #include "platform/moving/remove_tree.h"
 #include "platform/moving/transfer.h"
@@ -29,37 +32,48 @@ Result Place(Transfer& transfer, const std::string& source, const std::string& d
   return result.ok() ? LeftoverResult(transfer.leftovers, destination) : result;
 }
 
-Result Run(Transfer& transfer, const std::string& source, const std::string& destination) {
-  Result result = CheckNamesEntry(source);
-  if (!result.ok()) return result;
-  if (!transfer.meter.StartEntry(source)) return Cancelled(source);
-  return Place(transfer, source, destination, transfer.options.into_folder);
+Result Delete(Transfer& transfer, const std::string& entry) {
+  if (!transfer.options.allow_undo) return RemoveTree(transfer, entry);
+  TrashedEntry trashed;
+  return TrashEntry(entry, &trashed);
+}
+
+// Does the work, with what it shares, for an entry that it may begin with.
+Result Run(bool is_move, const std::string& entry, const FileOperationOptions& options,
+           FileOperationObserver* observer, const std::function<Result(Transfer&)>& work) {
+  Result named = CheckNamesEntry(entry);
+  if (!named.ok()) return named;
+  const auto begin = [&](FileOperationObserver* told) {
+    Transfer transfer(is_move, options, told);
+    return transfer.meter.StartEntry(entry) ? work(transfer) : Cancelled(entry);
+  };
+  return observer->MustStayResponsive() ? DoOnOwnThread(observer, begin) : begin(observer);
+}
+
+Result Run(bool is_move, const std::string& source, const std::string& destination,
+           const FileOperationOptions& options, FileOperationObserver* observer) {
+  const std::string from = WithoutTrailingSlashes(source);
+  const std::string to = WithoutTrailingSlashes(destination);
+  return Run(is_move, from, options, observer,
+             [&](Transfer& transfer) { return Place(transfer, from, to, options.into_folder); });
 }
 
 }  // namespace
 
 Result MoveEntry(const std::string& source, const std::string& destination,
                  const FileOperationOptions& options, FileOperationObserver* observer) {
-  Transfer transfer(true, options, observer);
-  return Run(transfer, WithoutTrailingSlashes(source), WithoutTrailingSlashes(destination));
+  return Run(true, source, destination, options, observer);
 }
 
 Result CopyEntry(const std::string& source, const std::string& destination,
                  const FileOperationOptions& options, FileOperationObserver* observer) {
-  Transfer transfer(false, options, observer);
-  return Run(transfer, WithoutTrailingSlashes(source), WithoutTrailingSlashes(destination));
+  return Run(false, source, destination, options, observer);
 }
 
 Result DeleteEntry(const std::string& path, const FileOperationOptions& options,
                    FileOperationObserver* observer) {
   const std::string entry = WithoutTrailingSlashes(path);
-  Result named = CheckNamesEntry(entry);
-  if (!named.ok()) return named;
-  Transfer transfer(true, options, observer);
-  if (!options.allow_undo) return RemoveTree(transfer, entry);
-  if (!transfer.meter.StartEntry(entry)) return Cancelled(entry);
-  TrashedEntry trashed;
-  return TrashEntry(entry, &trashed);
+  return Run(true, entry, options, observer, [&](Transfer& transfer) { return Delete(transfer, entry); });
 }
 
 }  // namespace quendle::platform

@@ -27,17 +27,20 @@ struct FileProgress {
   std::uint64_t bytes_total = 0;
 };
 
-// Whom an operation reports to and asks. Called on the thread that runs the operation.
+// Whom an operation reports to and asks, always on the thread that has called it.
 class FileOperationObserver {
  public:
   virtual ~FileOperationObserver() = default;
 
   enum class Answer { kYes, kNo, kCancel };
 
-  // Called at least ten times a second while data is copied, and once for each entry. False cancels, but not
-  // any more once a copy has its final name and the source is removed. Nothing is reported while the system
-  // itself takes long over a single step: removing the name of a large file, or syncing what a moved folder
-  // holds.
+  // Has the thread more to look after than the operation, such as windows? Then the work is done on another one.
+  virtual bool MustStayResponsive() const = 0;
+
+  // Called at the beginning, and then every 20 milliseconds or after 16 MiB, whichever comes first; only where
+  // the calling thread need not stay responsive it waits while the system takes long over a single step, such
+  // as a sync or the removal of a large file. False cancels, but not any more once a copy has its final name
+  // and the source is removed.
   virtual bool OnProgress(const FileProgress& progress) = 0;
 
   // May `existing` be replaced by `incoming`? "To all" answers are the observer's to remember.

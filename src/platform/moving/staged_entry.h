@@ -8,14 +8,13 @@
 #include "platform/moving/source_tree.h"
 #include "platform/moving/transfer.h"
 #include "platform/moving/trash.h"
-#include "platform/process/undone_at_exit.h"
 #include "reasons/result.h"
 
 namespace quendle::platform {
 
-// What is under the temporary name is removed when the object goes, or the process by std::exit: a half-made
-// copy, or what a complete one replaced.
-class StagedEntry final : private UndoneAtExit {
+// What is under the temporary name is removed when the object goes: a half-made copy, or what a complete one
+// replaced.
+class StagedEntry {
  public:
   explicit StagedEntry(const std::string& destination);
   ~StagedEntry() { Clear(); }
@@ -48,12 +47,12 @@ class StagedEntry final : private UndoneAtExit {
 
   // What is recorded of what was made here is read and removed without a question.
   class Nobody final : public FileOperationObserver {
+    bool MustStayResponsive() const override { return false; }
     bool OnProgress(const FileProgress&) override { return true; }
     Answer OnOverwrite(const FileSide&, const FileSide&) override { return Answer::kNo; }
   };
 
   void Clear();
-  void UndoAtExit() override { Clear(); }
   Result Made(Result result);
   Result Record(bool with_all_it_holds);
   Result Rename(const EntryStatus* replaced, bool to_trash);

@@ -25,9 +25,10 @@ class ProgressMeter {
   }
   bool is_total_known() const { return is_total_known_; }
 
+  // The first one is always reported.
   bool StartEntry(const std::string& path) {
     progress_.path = path;
-    return Report();
+    return Tick();
   }
 
   bool AddBytes(std::uint64_t bytes) {

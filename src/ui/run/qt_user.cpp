@@ -41,6 +41,7 @@ class QtUser : public UserInterface {
   bool AskProceed(const Reason& question) override;
   void ShowMessage(MessageKind kind, const std::string& text) override;
   void ShowExtractionLog(const std::string& text) override;
+  bool HasWindows() const override { return true; }
   bool ShowProgress(const platform::FileProgress& progress, bool simple) override;
   void EndProgress() override { progress_.End(); }
   void SetBusy(bool busy) override;

@@ -1,5 +1,6 @@
 // What is left when a disk fails, or somebody else does something, at any moment of an operation.
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <fstream>
@@ -37,6 +38,12 @@ std::string HiddenIn(const std::string& folder) {
     if (entry.path().filename().string().starts_with(kHidden)) return entry.path();
   }
   return "";
+}
+
+// What a picture shows of an entry whose name is a letter.
+Pictured Below(const char* name, Pictured picture) {
+  std::erase_if(picture, [&](const auto& entry) { return entry.first[0] != *name; });
+  return picture;
 }
 
 // A source and a destination folder, on two file systems if need be.
@@ -132,8 +139,7 @@ TEST_F(DiskFailure, AnyCallOfAMoveOrCopyMayFail) {
       Pictured there = Picture(row.to.path());
       if (failed.starts_with("unlink") && failed.find(kHidden) != std::string::npos)
         there.erase(HiddenIn(row.to.path()).substr(row.to.path().size() + 1));  // it could not be removed
-      Pictured whole = before;
-      std::erase_if(whole, [&](const auto& entry) { return entry.first[0] != *row.name; });
+      const Pictured whole = Below(row.name, before);
       const bool is_complete =
           English(result.reason).ends_with("the copy is complete, the rest of the source was left");
       EXPECT_EQ(there, result.ok() || is_complete ? whole : old) << result.reason;
@@ -142,6 +148,147 @@ TEST_F(DiskFailure, AnyCallOfAMoveOrCopyMayFail) {
         std::erase_if(before, [&](const auto& entry) { return whole.count(entry.first) != 0; });
       EXPECT_EQ(here, before) << result.reason;
     });
+  }
+}
+
+// With the system taking its time over one call and the user cancelling then.
+TEST_F(DiskFailure, ASlowCallIsSeenToGoOnAndACancelMeansWhatIsSaid) {
+  enum Kind { kMove, kCopy, kDelete };
+  const struct {
+    Kind kind;
+    const char *name, *call;
+    const TempFolder& where;
+    bool is_done;
+  } rows[] = {
+      {kMove, "f", "sync", destination_, false}, {kMove, "t", "sync", destination_, false},
+      {kMove, "f", "unlink", source_, true},     {kMove, "t", "unlink", source_, true},
+      {kMove, "f", "rename", source_, true},     {kCopy, "f", "attribute", destination_, false},
+      {kDelete, "t", "open", source_, false},    {kCopy, "t", "write", destination_, false},
+  };
+  observer_.must_stay_responsive = true;
+  for (const auto& row : rows) {
+    SCOPED_TRACE(testing::Message() << row.kind << row.name << " " << row.call);
+    Refill();
+    const TempFolder& to = row.call == std::string("rename") ? near_ : destination_;
+    Pictured before = Picture(source_.path());
+    const Pictured whole = Below(row.name, before);
+    std::atomic<bool> is_slow = false;
+    std::atomic<unsigned> looks = 0;
+    observer_.on_progress = [&](const FileProgress&) {
+      looks += is_slow ? 1 : 0;
+      return looks < 2;
+    };
+    Result result;
+    {
+      FailingDisk disk;
+      disk.Before(
+          row.call, 1,
+          [&] {
+            is_slow = true;
+            for (int i = 0; i < 1000 && looks < 3; ++i)
+              std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            is_slow = false;
+          },
+          row.where.path());
+      if (row.kind == kDelete)
+        result = DeleteEntry(source_ / row.name, {}, &observer_);
+      else
+        result =
+            (row.kind == kMove ? MoveEntry : CopyEntry)(source_ / row.name, to / row.name, {}, &observer_);
+    }
+    EXPECT_GE(looks, 3U);  // it is looked after until the end
+    EXPECT_EQ(result.code, row.is_done ? Code::kOk : Code::kCancelled);
+    EXPECT_EQ(Picture(to.path()), row.is_done ? whole : Pictured());
+    if (row.is_done) std::erase_if(before, [&](const auto& entry) { return whole.count(entry.first) != 0; });
+    EXPECT_EQ(Picture(source_.path()), before);
+  }
+}
+
+// Enough for several threads, with a file of two names in different folders.
+void MakeLargeTree(const std::string& top) {
+  for (const char* folder : {"a", "b", "c", "d"}) {
+    for (int i = 0; i < 80; ++i)
+      WriteFile(top + "/" + folder + "/f" + std::to_string(i), std::string(100, *folder));
+  }
+  WriteFile(top + "/large", std::string(3 << 20, 'l'));
+  fs::create_hard_link(top + "/a/f7", top + "/d/other");
+}
+
+TEST_F(DiskFailure, ALargeTreeIsCopiedWholeOrNotAtAll) {
+  const struct {
+    const char* call;
+    unsigned nth;
+    bool cancels, responsive;
+  } rows[] = {{"none", 1, false, false}, {"none", 1, false, true},   {"make", 4, false, false},
+              {"open", 7, false, false}, {"open", 300, false, true}, {"sync", 1, false, true},
+              {"write", 3, true, false}, {"write", 200, true, true}, {"attribute", 600, true, true}};
+  Refill();
+  MakeLargeTree(source_ / "m");
+  Pictured before = Picture(source_.path());
+  const Pictured whole = Below("m", before);
+  for (const bool moves : {false, true}) {
+    for (const auto& row : rows) {
+      SCOPED_TRACE(testing::Message() << moves << row.call << row.nth << row.cancels << row.responsive);
+      std::atomic<bool> is_cancelled = false;
+      observer_.must_stay_responsive = row.responsive;
+      observer_.last = {};
+      observer_.on_progress = [&](const FileProgress&) { return !is_cancelled; };
+      Result result;
+      {
+        FailingDisk disk;
+        if (row.cancels) {  // it takes as long as the user is not asked
+          disk.Before(row.call, row.nth, [&] {
+            is_cancelled = true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+          });
+        } else {
+          disk.Fail(row.call, row.nth, EIO);
+        }
+        result = (moves ? MoveEntry : CopyEntry)(source_ / "m", destination_ / "m", {}, &observer_);
+        const bool fails = !disk.failed().empty();  // there is no sync in copies
+        EXPECT_EQ(result.code, row.cancels ? Code::kCancelled
+                               : fails     ? Code::kFailed
+                                           : Code::kOk)
+            << result.path << ": " << result.reason;
+      }
+      EXPECT_EQ(Picture(destination_.path()), result.ok() ? whole : Pictured());
+      if (result.ok()) {
+        EXPECT_EQ(fs::hard_link_count(destination_ / "m/a/f7"), 2U);
+        EXPECT_LE(observer_.last.bytes_done, observer_.last.bytes_total);
+        EXPECT_EQ(fs::exists(source_ / "m"), !moves);
+        fs::remove_all(destination_ / "m");
+        if (moves) MakeLargeTree(source_ / "m");
+      } else {
+        EXPECT_EQ(Picture(source_.path()), before);
+      }
+    }
+  }
+}
+
+TEST_F(DiskFailure, TheFirstOfSeveralFailuresInATreeIsTold) {
+  Refill();
+  MakeLargeTree(source_ / "m");
+  std::vector<std::string> folders;
+  for (const auto& entry : fs::directory_iterator(source_ / "m"))
+    if (entry.is_directory()) folders.push_back(entry.path().filename());
+  const std::string first = "/" + folders.front() + "/f10";
+  const std::string last = "/" + folders.back() + "/f70";
+  for (const std::string& late : {first, last}) {
+    std::atomic<unsigned> arrived = 0;
+    FailingDisk disk;
+    for (const std::string& file : {first, last}) {
+      const auto fail_in_turn = [&arrived, is_late = file == late] {
+        ++arrived;
+        for (int i = 0; i < 1000 && arrived < 2; ++i)
+          std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        if (is_late) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+      };
+      disk.Before("attribute", 1, fail_in_turn, file);
+      disk.Fail("attribute", 1, EIO, file);
+    }
+    const Result result = CopyEntry(source_ / "m", destination_ / "m", {}, &observer_);
+    EXPECT_EQ(result.code, Code::kFailed);
+    EXPECT_EQ(result.path, destination_ / "m" + first) << late;
   }
 }
 

@@ -164,22 +164,23 @@ INSTANTIATE_TEST_SUITE_P(Ways, Copying, testing::Values(test::kMoveAcross, test:
 TEST_P(Copying, ACancelLeavesBothSidesAsTheyWere) {
   WriteFile(source_ / "big", std::string(kBig, 'b'));
   WriteFile(source_ / "tree/a/big", std::string(kBig, 'b'));
-  WriteFile(source_ / "tree/b/small", "s");
+  WriteFile(source_ / "tree/b/big", std::string(kBig, 'c'));
   struct Row {
     const char* name;
-    std::size_t report;   // the first one that is answered with a cancel,
-    std::uint64_t bytes;  // once so much has been copied
+    std::uint64_t bytes;  // a cancel comes once so much has been copied
+    bool responsive;
   };
   const auto before = Picture(source_.path());
-  for (const Row& row :
-       {Row{"big", 1, 0}, Row{"big", 1, 1}, Row{"tree", 1, 1}, Row{"tree", 3, 0}, Row{"tree", 5, 0}}) {
-    SCOPED_TRACE(testing::Message() << row.name << row.report << row.bytes);
-    observer_.reports = 0;
-    observer_.on_progress = [&](const FileProgress& progress) {
-      return observer_.reports < row.report || progress.bytes_done < row.bytes;
+  for (const Row& row : {Row{"big", 0, false}, Row{"big", 0, true}, Row{"big", 1, false}, Row{"big", 1, true},
+                         Row{"tree", 1, true}, Row{"tree", kBig + 1, false}, Row{"tree", kBig + 1, true}}) {
+    SCOPED_TRACE(testing::Message() << row.name << row.bytes << row.responsive);
+    observer_.must_stay_responsive = row.responsive;
+    observer_.on_progress = [&, caller = std::this_thread::get_id()](const FileProgress& progress) {
+      EXPECT_EQ(std::this_thread::get_id(), caller);
+      return progress.bytes_done < row.bytes;
     };
     EXPECT_EQ(Run(std::string("S/") + row.name, std::string("D/") + row.name).code, Code::kCancelled);
-    EXPECT_EQ(observer_.reports > 1, row.report > 1 || row.bytes > 0);
+    EXPECT_EQ(observer_.last.bytes_done > 0, row.bytes > 0);
     EXPECT_EQ(Picture(source_.path()), before);
     EXPECT_TRUE(Picture(destination_.path()).empty());
   }
@@ -227,11 +228,10 @@ GTEST_TEST(DeleteEntry, RemovesATreeButNotWhatItsLinksLeadTo) {
   const TempFolder folder;
   WriteFile(folder / "kept/f", "f");
   WriteFile(folder / "gone/deep/er/f", "f");
-  const bool has_link = test::MakeLink(folder / "kept", folder / "gone/deep/link");
+  (void)test::MakeLink(folder / "kept", folder / "gone/deep/link");
   test::ScriptedObserver observer;
   EXPECT_TRUE(DeleteEntry(folder / "gone/", {}, &observer).ok());
   EXPECT_EQ(test::Listing(folder.path()), "kept/ kept/f=f");
-  EXPECT_EQ(observer.reports, has_link ? 5U : 4U);
   EXPECT_EQ(DeleteEntry(folder / "gone", {}, &observer).code, Code::kNotFound);
   EXPECT_EQ(DeleteEntry(TextOf(fs::path(folder.path()).root_path()), {}, &observer).code, Code::kRefused);
   observer.on_progress = [](const FileProgress&) { return false; };

@@ -214,6 +214,7 @@ GTEST_TEST(FrmAction, NothingElseBeginsWhileAPathIsDone) {
   const test::TempFolder to("/dev/shm");  // elsewhere, so that the move copies and tells how far it is
   ActionWindow opened(MovingTo(to.path()), {"a.txt", "b.txt", "c.txt"});
   int reports = 0;
+  opened.run.user.has_windows = true;
   opened.run.user.on_progress = [&](const platform::FileProgress&) {
     ++reports;
     EXPECT_FALSE(opened.cmd(1)->isEnabled());
