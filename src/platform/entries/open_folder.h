@@ -65,6 +65,9 @@ class OpenFolder {
 
   // kIsFolder when the name is a folder's.
   Result Remove(const std::string& name) const;
+  // The same for a file that may be large: its name is gone at once, and its room a little later where the system takes long
+  // to free it.
+  Result RemoveQuickly(const std::string& name) const;
   // kExists when the folder is not empty.
   Result RemoveFolder(const std::string& name) const;
   // Takes what rights it needs for a folder of this user to be emptied, if it can.

@@ -4,6 +4,9 @@
 #include <cerrno>
 #include <memory>
 #include <string_view>
+#include <system_error>
+#include <thread>
+#include <utility>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -151,6 +154,18 @@ Result OpenFolder::MakeHardLink(const std::string& path, const std::string& name
 
 Result OpenFolder::Remove(const std::string& name) const {
   return unlinkat(FdOf(handle_), name.c_str(), 0) == 0 ? Success() : LastSystemFailure(Shown(name));
+}
+
+// Who has the file open last waits until its blocks are free.
+Result OpenFolder::RemoveQuickly(const std::string& name) const {
+  Descriptor file(openat(FdOf(handle_), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+  Result result = Remove(name);
+  try {
+    std::thread([last = std::move(file)]() mutable { last.Close(); }).detach();
+  } catch (const std::system_error&) {
+    // The system has no more threads, and this one waits.
+  }
+  return result;
 }
 
 Result OpenFolder::RemoveFolder(const std::string& name) const {

@@ -164,6 +164,10 @@ Result OpenFolder::MakeFolder(const std::string& name, NewEntry how) const {
 }
 
 // Whether it is a folder shows only when it is open.
+Result OpenFolder::RemoveQuickly(const std::string& name) const {
+  return Remove(name);
+}
+
 Result OpenFolder::Remove(const std::string& name) const {
   Handle entry;
   EntryStatus status;

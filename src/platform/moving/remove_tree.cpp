@@ -5,6 +5,8 @@
 namespace quendle::platform {
 namespace {
 
+constexpr std::uint64_t kLarge = 64U << 20;
+
 class Remover {
  public:
   // Without a transfer nobody is asked and missing rights are taken. `volume` is the file system to stay on.
@@ -13,13 +15,20 @@ class Remover {
   Result Remove(const OpenFolder& folder, const std::string& name) {
     if (transfer_ != nullptr && !transfer_->meter.StartEntry(folder.Shown(name)))
       return Cancelled(folder.Shown(name));
-    Result result = folder.Remove(name);
+    Result result = IsLarge(folder, name) ? folder.RemoveQuickly(name) : folder.Remove(name);
     if (result.code != Code::kIsFolder) return result;
     result = Empty(folder, name);
     return result.ok() ? folder.RemoveFolder(name) : result;
   }
 
  private:
+  // Of what nobody waits for.
+  bool IsLarge(const OpenFolder& folder, const std::string& name) const {
+    EntryStatus status;
+    return transfer_ == nullptr && folder.StatusOf(name, &status).ok() && !status.is_folder() &&
+           status.size >= kLarge;
+  }
+
   Result Empty(const OpenFolder& parent, const std::string& name) {
     if (transfer_ == nullptr) parent.MakeAccessible(name);
     OpenFolder folder;

@@ -78,6 +78,7 @@ class SevenZipReader final : public ArchiveReader, private SevenZipReceiver {
   bool End(std::uint32_t index, sevenzip::ExtractResult result) override;
   bool GoesOn() override { return sink_->GoesOn(); }
 
+  const ArchiveInput& input_;
   SevenZipArchive archive_;
   std::string name_of_archive_;
   std::function<std::optional<std::string>()> password_;
