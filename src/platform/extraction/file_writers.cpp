@@ -14,7 +14,7 @@ namespace {
 
 constexpr unsigned kMostWriters = 8;
 // What a thread takes at once, so that threads meet seldom over small files.
-constexpr std::size_t kBatchFiles = 16;
+constexpr std::size_t kBatchFiles = 64;
 constexpr std::size_t kBatchBytes = 256U << 10;
 // What may wait. Each folder is a file that the process has open.
 constexpr std::size_t kMostFiles = 1024;
