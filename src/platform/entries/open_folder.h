@@ -79,6 +79,9 @@ class OpenFolder {
   // Nothing is said when that cannot be done.
   void SetWriteTime(const std::string& name, const EntryTime& time) const;
 
+  // Takes the attribute off that NewEntry has set; nothing is done where the name hides a file.
+  Result Unhide(const std::string& name) const;
+
   // For this user; none where there is no telling.
   Result FreeBytes(std::optional<std::uint64_t>* bytes) const;
 

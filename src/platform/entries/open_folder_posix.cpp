@@ -190,6 +190,10 @@ void OpenFolder::SetWriteTime(const std::string& name, const EntryTime& time) co
   utimensat(FdOf(handle_), name.c_str(), times, AT_SYMLINK_NOFOLLOW);
 }
 
+Result OpenFolder::Unhide(const std::string& /*name*/) const {
+  return Success();
+}
+
 Result OpenFolder::FreeBytes(std::optional<std::uint64_t>* bytes) const {
   struct statvfs space;
   if (Retried([&] { return fstatvfs(FdOf(handle_), &space); }) != 0) return LastSystemFailure(shown_);

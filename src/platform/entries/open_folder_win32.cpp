@@ -20,6 +20,15 @@ SystemHandle Taken(Handle handle) {
   return SystemHandle(reinterpret_cast<std::intptr_t>(handle.Release()));
 }
 
+// What is zero stays as it is.
+DWORD SetBasics(HANDLE folder, const std::string& name, FILE_BASIC_INFO basic) {
+  Handle entry;
+  const DWORD error = OpenBelow(folder, WideFromText(name), {.access = FILE_WRITE_ATTRIBUTES}, &entry);
+  if (error != 0) return error;
+  return SetFileInformationByHandle(entry.get(), FileBasicInfo, &basic, sizeof basic) == 0 ? GetLastError()
+                                                                                           : 0;
+}
+
 Result NoFolder(const std::string& path) {
   return Failure(Code::kNotFolder, path, why::kNoFolderInPlace);
 }
@@ -206,12 +215,15 @@ int OpenFolder::Rename(const std::string& name, const OpenFolder& to, const std:
 }
 
 void OpenFolder::SetWriteTime(const std::string& name, const EntryTime& time) const {
-  Handle entry;
-  if (OpenBelow(HandleFrom(get()), WideFromText(name), {.access = FILE_WRITE_ATTRIBUTES}, &entry) != 0)
-    return;
-  FILE_BASIC_INFO basic = {};  // what is zero stays as it is
+  FILE_BASIC_INFO basic = {};
   basic.LastWriteTime = SystemTime(time);
-  (void)SetFileInformationByHandle(entry.get(), FileBasicInfo, &basic, sizeof basic);
+  (void)SetBasics(HandleFrom(get()), name, basic);
+}
+
+Result OpenFolder::Unhide(const std::string& name) const {
+  FILE_BASIC_INFO basic = {};
+  basic.FileAttributes = FILE_ATTRIBUTE_ARCHIVE;
+  return ResultOf(SetBasics(HandleFrom(get()), name, basic), Shown(name));
 }
 
 Result OpenFolder::FreeBytes(std::optional<std::uint64_t>* bytes) const {

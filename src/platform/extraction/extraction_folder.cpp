@@ -91,7 +91,8 @@ class ExtractionFolder::Impl final : private UndoneAtExit {
 
   Result PlaceFile(const OpenFolder& to, const std::string& path, Replace replace,
                    UnfinishedFile* file) const {
-    Result result = Place(file->folder(), file->temporary_name(), to, path, replace);
+    Result result = file->folder().Unhide(file->temporary_name());
+    if (result.ok()) result = Place(file->folder(), file->temporary_name(), to, path, replace);
     if (!result.ok()) return result;
     file->HasItsName();
     if (!mark.empty()) WriteOriginMark(to, NameOf(path), mark);

@@ -87,7 +87,7 @@ class ExtractionFolder {
   // May that path, or a folder on its way, be one of the files that are handed over and not taken? It is not to be
   // looked at, made or handed over then before they are taken.
   bool MayMeetHanded(const std::string& path);
-  // `path` is free as by Look. A failure is at once what it is.
+  // `path` is free as by Look and meets none that is handed over, and there is room. A failure is at once what it is.
   Result HandFile(const std::string& path, ContentBuffer content, const EntryAttributes& attributes);
   std::size_t Handed() const;  // and not taken
   // How they ended, in their order, each once; nothing for those that wait. Waits not longer than that for the first.

@@ -1,8 +1,8 @@
 #include "platform/extraction/file_writers.h"
 
 #include <algorithm>
+#include <exception>
 #include <new>
-#include <system_error>
 #include <utility>
 
 #include "platform/entries/path_names.h"
@@ -20,17 +20,35 @@ constexpr std::size_t kBatchBytes = 256U << 10;
 constexpr std::size_t kMostFiles = 1024;
 constexpr std::size_t kMostBytes = 16U << 20;
 constexpr std::size_t kMostFolders = 64;
+// In short names that Windows gives to files beside their own.
+constexpr std::string_view kSpellings = kHostNames == NameRules::kWindows ? "~" : "";
 // What is written between two looks at whether it is wanted still.
-constexpr std::size_t kPieceBytes = 1U << 20;
+constexpr std::size_t kPieceBytes = 128U << 10;
+
+template <typename Act>
+void Guarded(const std::string& shown, Result* result, const Act& act) {
+  try {
+    act();
+  } catch (const std::bad_alloc&) {
+    *result = Failure(Code::kFailed, shown, why::kNotEnoughMemory);
+  }
+}
 
 }  // namespace
 
-FileWriters::FileWriters(Place place) : place_(std::move(place)), temporary_name_(TemporaryPath("")) {
-  const unsigned cores = std::min(UsableCores(), kMostWriters);
+FileWriters::FileWriters(Place place)
+    : place_(std::move(place)),
+      temporary_name_(TemporaryPath("")),
+      most_threads_(std::min(UsableCores(), kMostWriters)) {}
+
+void FileWriters::Start() {
+  if (!threads_.empty()) return;
+  threads_.reserve(most_threads_);
   try {
-    for (unsigned i = 0; cores > 1 && i < cores; ++i) threads_.emplace_back([this] { Work(); });
-  } catch (const std::system_error&) {
+    while (threads_.size() < most_threads_) threads_.emplace_back([this] { Work(); });
+  } catch (const std::exception&) {
     // The system has no more threads: those that there are do it.
+    if (threads_.empty()) throw;
   }
 }
 
@@ -57,7 +75,8 @@ bool FileWriters::HasRoom(std::size_t size) const {
 
 bool FileWriters::MayMeet(const std::string& path) {
   if (keys_.empty()) return false;
-  const std::string key = UpperCase(path);
+  if (path.find_first_of(kSpellings) != std::string::npos) return true;
+  const std::string key = FoldedName(path);
   if (keys_.contains(key)) return true;
   const std::size_t folder = std::min(key.rfind('/'), key.size());
   if (folder == key.size() || key.compare(0, folder, checked_folder_) == 0) return false;
@@ -70,7 +89,8 @@ bool FileWriters::MayMeet(const std::string& path) {
 
 void FileWriters::Hand(File file) {
   Job job;
-  job.key = &*keys_.insert(UpperCase(file.path)).first;
+  Start();
+  job.key = &*keys_.insert(FoldedName(file.path)).first;
   if (checked_folder_.starts_with(*job.key)) checked_folder_.clear();
   if (files_.empty() || files_.back().file.folder != file.folder) ++folders_;
   waiting_bytes_ += file.content.View().size();
@@ -84,19 +104,12 @@ void FileWriters::Hand(File file) {
   if (unclaimed % kBatchFiles == 0 || waiting_bytes_ >= kBatchBytes) has_files_.notify_one();
 }
 
-void FileWriters::Guarded(Job* job, const std::function<void()>& act) {
-  try {
-    act();
-  } catch (const std::bad_alloc&) {
-    job->result = Failure(Code::kFailed, job->file.shown, why::kNotEnoughMemory);
-  }
-}
-
 void FileWriters::Work() {
   for (Batch batch = Claim(); !batch.jobs.empty(); batch = Claim()) {
     for (std::size_t i = 0; i < batch.jobs.size() && !stop_; ++i) {
       Job& job = *batch.jobs[i];
-      Guarded(&job, [&] { Write(batch.first + i, &job); });
+      Guarded(job.file.shown, &job.result, [&] { Write(batch.first + i, &job); });
+      if (!job.result.ok()) job.written.reset();
       waiting_bytes_ -= std::exchange(job.file.content, {}).View().size();
     }
     PlaceAll(batch);
@@ -147,7 +160,7 @@ void FileWriters::PlaceAll(const Batch& batch) {
   for (Job* const job : batch.jobs) {
     if (stop_) return;
     if (number < end && job->result.ok()) {
-      Guarded(job, [&] { job->result = place_(job->file, job->written.get()); });
+      Guarded(job->file.shown, &job->result, [&] { job->result = place_(job->file, job->written.get()); });
       job->id = job->written->id();
     }
     job->written.reset();

@@ -46,11 +46,12 @@ class FileWriters final : private UndoneAtExit {
   FileWriters(const FileWriters&) = delete;
   FileWriters& operator=(const FileWriters&) = delete;
 
-  // False where there is one core only, or no more threads: nothing would be gained. Nothing is to be handed over then.
-  bool AreUseful() const { return !threads_.empty(); }
+  // False where there is one core only: nothing would be gained. Nothing is to be handed over then.
+  bool AreUseful() const { return most_threads_ > 1; }
 
-  // False when so much waits to be written that no more should be handed over. MayMeet has to be false of the path.
+  // False when so much waits to be written that no more should be handed over.
   bool HasRoom(std::size_t size) const;
+  // MayMeet is false of its path, and HasRoom true of its size.
   void Hand(File file);
 
   // How files ended, in the order in which they were handed over, none twice. Waits for the first of them, not longer
@@ -78,11 +79,11 @@ class FileWriters final : private UndoneAtExit {
     std::vector<Job*> jobs;
   };
 
+  void Start();
   void End();
   void UndoAtExit() override { End(); }
   void Work();
   Batch Claim();
-  static void Guarded(Job* job, const std::function<void()>& act);
   void Write(std::size_t number, Job* job) const;
   void PlaceAll(const Batch& batch);
   bool IsDue() const;
@@ -90,7 +91,8 @@ class FileWriters final : private UndoneAtExit {
 
   const Place place_;
   const std::string temporary_name_;
-  std::unordered_set<std::string> keys_;  // of the files that wait: their paths in upper case
+  const unsigned most_threads_;
+  std::unordered_set<std::string> keys_;  // of the files that wait: their paths, folded
   std::string checked_folder_;            // neither it nor a folder on its way is among them
   std::size_t folders_ = 0;               // stretches of files_ that are in one folder
 

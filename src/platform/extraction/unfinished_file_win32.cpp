@@ -47,9 +47,6 @@ Result UnfinishedFile::Complete(const EntryAttributes& attributes) {
   if (error != 0) return ResultOf(error, shown_);
   id_ = status.id;
   FILE_BASIC_INFO basic = {};
-  basic.FileAttributes = FILE_ATTRIBUTE_ARCHIVE;  // no longer hidden
-  if (SetFileInformationByHandle(HandleFrom(file_.get()), FileBasicInfo, &basic, sizeof basic) == 0)
-    return LastSystemFailure(shown_);
   // A time that the file system cannot hold is no reason to lose the content.
   if (attributes.write_time) basic.LastWriteTime = SystemTime(ValidTime(*attributes.write_time));
   (void)SetFileInformationByHandle(HandleFrom(file_.get()), FileBasicInfo, &basic, sizeof basic);

@@ -3,6 +3,8 @@
 #include <utf8proc.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <memory>
 
 namespace quendle::platform {
 namespace {
@@ -96,6 +98,18 @@ std::string UpperCase(std::string_view text) {
     }
   }
   return upper;
+}
+
+std::string FoldedName(std::string_view name) {
+  const auto is_ascii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  if (std::all_of(name.begin(), name.end(), is_ascii)) return UpperCase(name);
+  utf8proc_uint8_t* folded = nullptr;
+  const utf8proc_ssize_t size =
+      utf8proc_map(Bytes(name), static_cast<utf8proc_ssize_t>(name.size()), &folded,
+                   static_cast<utf8proc_option_t>(UTF8PROC_COMPOSE | UTF8PROC_CASEFOLD));
+  if (size < 0) return UpperCase(name);
+  const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owner(folded, &std::free);
+  return UpperCase({reinterpret_cast<const char*>(folded), static_cast<std::size_t>(size)});
 }
 
 std::string_view EndOfColumns(std::string_view text, int columns) {

@@ -31,6 +31,12 @@ std::string WithReplacementCharacters(std::string_view bytes);
 //   "ⅲ" => "Ⅲ"
 std::string UpperCase(std::string_view text);
 
+// One for all names that a file system which knows cases or composed characters may take for one:
+//   "readme.txt" => "README.TXT"
+//   "か" + U+3099 => "が"
+//   "ß" => "SS"
+std::string FoldedName(std::string_view name);
+
 // The longest end of `text` that takes at most `columns` columns of a terminal, on which a Japanese character
 // takes two.
 //   ("report.txt", 4) => ".txt"    ("日本", 3) => "本"

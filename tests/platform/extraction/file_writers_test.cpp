@@ -105,10 +105,11 @@ TEST_F(FileWritersTest, WhatMayMeet) {
     const char* handed;
     const char* path;
     bool meets;
-  } rows[] = {{"a", "a", true},          {"a", "A", true},         {"a", "b", false},
-              {"a", "a/b/c", true},      {"d/e", "D/E/f", true},   {"d/e", "d/f", false},
-              {"d/e", "d", false},       {"d/e", "d/eg/f", false}, {"ä/x", "Ä/X", true},
-              {"d/e", "d/e.txt", false}, {"a b", "a b/", true},    {"x", "d/x", false}};
+  } rows[] = {{"a", "a", true},           {"a", "A", true},          {"a", "b", false},
+              {"a", "a/b/c", true},       {"d/e", "D/E/f", true},    {"d/e", "d/f", false},
+              {"d/e", "d", false},        {"d/e", "d/eg/f", false},  {"ä/x", "Ä/X", true},
+              {"が", "か\u3099/x", true}, {"d/e", "d/e.txt", false}, {"a b", "a b/", true},
+              {"x", "d/x", false}};
   for (const auto& row : rows) {
     FileWriters writers(
         [](const FileWriters::File&, UnfinishedFile*) { return Failure(Code::kExists, "", {}); });

@@ -129,6 +129,12 @@ GTEST_TEST(Unicode, UpperCaseIsSimpleAndKeepsInvalidBytes) {
       {"a\xFFz", "A\xFFZ"},         {"straße", "STRAßE"},     {"é", "É"}, {"", ""},
   };
   for (const auto& row : rows) EXPECT_EQ(UpperCase(row.text), row.upper);
+  EXPECT_EQ(FoldedName("か\u3099/ß"), FoldedName("が/SS"));
+  EXPECT_NE(FoldedName("か/x"), FoldedName("が/x"));
+  EXPECT_EQ(FoldedName("\xFF"
+                       "a"),
+            "\xFF"
+            "A");
 }
 
 GTEST_TEST(Unicode, Utf16GoesBothWays) {

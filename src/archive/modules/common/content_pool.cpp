@@ -1,8 +1,8 @@
 #include "archive/modules/common/content_pool.h"
 
 #include <algorithm>
+#include <exception>
 #include <new>
-#include <system_error>
 #include <utility>
 
 #include "platform/process/cores.h"
@@ -26,9 +26,11 @@ ContentPool::ContentPool(std::vector<Job> jobs, const std::function<std::unique_
     if (!worker) break;
     workers_.push_back(std::move(worker));
   }
+  next_ = NextBatch();
+  threads_.reserve(workers_.size());
   try {
     for (const auto& worker : workers_) threads_.emplace_back([this, &worker] { Work(worker.get()); });
-  } catch (const std::system_error&) {
+  } catch (const std::exception&) {
     // The system has no more threads: those that there are do it, or whoever takes.
   }
 }
@@ -78,14 +80,13 @@ void ContentPool::Unpack(const Batch& batch, Worker* worker, std::vector<Result>
 // Waits for room. Nothing when there are no more jobs, or no more are wanted.
 std::optional<ContentPool::Batch> ContentPool::Claim() {
   std::unique_lock lock(mutex_);
-  const auto has_room = [this] {
-    return waiting_bytes_ == 0 || waiting_bytes_ + NextBatch().bytes <= kMostSize;
-  };
+  const auto has_room = [this] { return waiting_bytes_ == 0 || waiting_bytes_ + next_.bytes <= kMostSize; };
   has_room_.wait(lock, [&] { return stop_ || claimed_ == jobs_.size() || has_room(); });
   if (stop_ || claimed_ == jobs_.size()) return std::nullopt;
-  const Batch batch = NextBatch();
+  const Batch batch = next_;
   waiting_bytes_ += batch.bytes;
   claimed_ = batch.end;
+  next_ = NextBatch();
   results_.resize(claimed_ - taken_);
   return batch;
 }

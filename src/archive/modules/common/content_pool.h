@@ -78,6 +78,7 @@ class ContentPool {
   std::deque<Result> results_;  // of the jobs from taken_ on that were claimed
   std::size_t taken_ = 0;
   std::size_t claimed_ = 0;
+  Batch next_;                     // to be claimed
   std::size_t waiting_bytes_ = 0;  // of the jobs from taken_ to claimed_
   bool stop_ = false;
   std::vector<std::unique_ptr<Worker>> workers_;

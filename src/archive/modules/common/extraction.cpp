@@ -17,7 +17,9 @@
 namespace quendle::modules {
 namespace {
 
-constexpr std::chrono::milliseconds kBetweenLooks{20};  // at whether the user cancels
+// At whether the user cancels; so many bytes take a slow disk not much longer.
+constexpr std::chrono::milliseconds kBetweenLooks{20};
+constexpr std::size_t kBytesBetweenLooks = 256U << 10;
 
 // An entry that a call asked for.
 struct Wanted {
@@ -176,6 +178,7 @@ void Extraction::SettleLocked() {
 
 void Extraction::ReadWith(const Engine& engine) {
   Reason reason;
+  if (!SettleAll()) return;
   const auto reader = OpenReader(engine, &reason);
   EntryMatcher matcher(archive_.entries);
   ReadStatus status = ReadStatus::kOk;
@@ -227,10 +230,12 @@ void Extraction::WriteFile(std::size_t index, const Entry& entry, ReadAhead* rea
   std::string_view piece;
   ReadStatus status = ReadStatus::kOk;
   std::uint64_t size = 0;
-  while (result.ok() && (status = reader->ReadContent(&piece)) == ReadStatus::kOk) {
-    result = writer_->Write(piece);
-    size += piece.size();
-    done_ += piece.size();
+  while (result.ok() && (!piece.empty() || (status = reader->ReadContent(&piece)) == ReadStatus::kOk)) {
+    const std::string_view part = piece.substr(0, kBytesBetweenLooks);
+    piece.remove_prefix(part.size());
+    result = writer_->Write(part);
+    size += part.size();
+    done_ += part.size();
     if (result.ok() && !GoOn(entry.path)) return writer_->Discard();
   }
   // Those before it have their names before it has its own.
@@ -289,6 +294,7 @@ void Extraction::EndWriting() {
   if (stopped_.empty()) (void)SettleAll();
   if (is_cancelled_) writer_->DiscardHanded();
   while (!writer_->IsSettled() && Settle(kBetweenLooks)) {
+    if (!session_.Progress("", done_, total_)) writer_->DiscardHanded();
   }
   log_.Forget();
 }

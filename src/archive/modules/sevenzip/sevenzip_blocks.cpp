@@ -1,14 +1,15 @@
 #include "archive/modules/sevenzip/sevenzip_blocks.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 namespace quendle::modules {
 namespace {
 
 // Of a block that is unpacked here. What is unpacked of it and as much for its dictionary count in the pool, so that two
-// of the largest have room.
-constexpr std::uint64_t kLargestBlock = ContentPool::kMostSize / 4;
+// of the largest have room, with what each entry takes.
+constexpr std::uint64_t kLargestBlock = ContentPool::kMostSize / 5;
 constexpr std::size_t kMostEntriesInBlock = 20'000;
 // A worker has the list of entries once more, which takes about so much memory for each ...
 constexpr std::size_t kListBytes = 200;
@@ -16,6 +17,20 @@ constexpr std::size_t kMostListBytes = 32U << 20;  // of all workers
 // ... and about as long as unpacking so many bytes. Threads cost, too.
 constexpr std::uint64_t kBytesPerEntry = 100;
 constexpr std::uint64_t kLeastBytes = 512U << 10;
+
+// Is the memory for unpacking small, even if what is unpacked is less? PPMd's does not go by that, and a dictionary is
+// taken as large as it is declared: "LZMA2:26" is 2^26 bytes, and others have a unit, as "LZMA:96m".
+bool IsModest(const std::string& method) {
+  constexpr unsigned long kLargest = 26;
+  if (method.find("PPMD") != std::string::npos) return false;
+  const std::size_t lzma = method.find("LZMA");
+  const std::size_t value = lzma == std::string::npos ? lzma : method.find(':', lzma);
+  if (value == std::string::npos) return true;
+  char* unit = nullptr;
+  const unsigned long number = std::strtoul(method.c_str() + value + 1, &unit, 10);
+  if (*unit == 'm') return number <= 1UL << (kLargest - 20);
+  return *unit == 'k' || *unit == 'b' || number <= kLargest;
+}
 
 // An archive of its own, as only one thread may use one.
 class BlockWorker final : public ContentPool::Worker, private SevenZipReceiver {
@@ -106,8 +121,7 @@ void SevenZipBlocks::EndBlock() {
   if (needed > kLargestBlock || jobs.empty() || jobs.size() > kMostEntriesInBlock) return;
   const auto first = static_cast<std::uint32_t>(jobs.front().entry);
   if (archive_.Number(first, sevenzip::kIsEncrypted).value_or(0) != 0) return;
-  // Its memory does not go by what it unpacks.
-  if (archive_.Text(first, sevenzip::kMethod).find("PPMD") != std::string::npos) return;
+  if (!IsModest(archive_.Text(first, sevenzip::kMethod))) return;
   const std::size_t begin = jobs_.size();
   jobs_.insert(jobs_.end(), jobs.begin(), jobs.end());
   jobs_[begin].size += static_cast<std::size_t>(needed);
