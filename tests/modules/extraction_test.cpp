@@ -5,7 +5,6 @@
 namespace quendle::modules {
 namespace {
 
-using test::Host;
 using test::ScriptedEntry;
 using Fixture = test::ScriptedExtraction;
 

@@ -108,7 +108,7 @@ std::vector<ScriptedEntry> ManyFiles() {
   std::vector<ScriptedEntry> entries;
   for (unsigned i = 0; i < 3000; ++i)
     entries.push_back({"d" + std::to_string(i / 50) + "/" + std::to_string(i),
-                       std::string(i % 200 * 100, static_cast<char>('a' + i % 26))});
+                       std::string(std::size_t{i} % 200 * 100, static_cast<char>('a' + i % 26))});
   return entries;
 }
 

@@ -26,7 +26,7 @@ class FileWritersTest : public testing::Test {
   FileWriters::Place InOrder(std::function<Result(unsigned)> place) {
     return [this, place = std::move(place)](const FileWriters::File& file, UnfinishedFile* written) {
       EXPECT_EQ(file.path, std::to_string(placed_));
-      const Result result = place(placed_++);
+      Result result = place(placed_++);
       if (!result.ok()) return result;
       EXPECT_EQ(handle_->Rename(written->temporary_name(), *handle_, file.path, false), 0);
       written->HasItsName();
@@ -41,7 +41,9 @@ class FileWritersTest : public testing::Test {
   }
   void Hand(FileWriters* writers, unsigned number) const {
     const std::string path = std::to_string(number);
-    writers->Hand({handle_, path, "f/" + path, ContentBuffer::CopyOf(ContentOf(number)), {}});
+    FileWriters::File file{handle_, path, "f/" + path, {}, {}};
+    file.content = ContentBuffer::CopyOf(ContentOf(number));
+    writers->Hand(std::move(file));
   }
 
   // The codes of `count` files, or of those before it ends.

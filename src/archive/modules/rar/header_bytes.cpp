@@ -6,8 +6,9 @@
 namespace quendle::modules {
 namespace {
 
-constexpr std::size_t kBlock = 16;       // of the ciphers
-constexpr std::size_t kFirstRead = 256;  // enough for most headers
+constexpr std::size_t kBlock = 16;  // of the ciphers
+constexpr std::size_t kFirstRead =
+    4096;  // enough for nearly all headers, and for several where contents are small
 
 constexpr std::uint64_t ToWholeBlocks(std::uint64_t size) {
   return (size + kBlock - 1) / kBlock * kBlock;
@@ -26,7 +27,8 @@ void HeaderBytes::Encrypt(std::size_t prefix, MakeCipher make_cipher) {
 }
 
 bool HeaderBytes::Begin(std::uint64_t position) {
-  bytes_.clear();
+  const bool is_read = !AreEncrypted() && position >= position_ && position - position_ < bytes_.size();
+  bytes_.erase(0, is_read ? static_cast<std::size_t>(position - position_) : std::string::npos);
   position_ = position;
   if (position >= end_) return false;
   if (!AreEncrypted()) return true;
