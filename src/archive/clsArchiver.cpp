@@ -145,14 +145,15 @@ void clsArchiver::Choose(Work* work) const {
     work->names.clear();  // what the others would let through may be what this one was to keep back
   }
   Refuse(work);
-  work->groups = GroupEntries(std::move(work->names), work->flat);
-  KeepWhatIsNeeded(work);
+  std::vector<ExtractionGroup> groups = GroupEntries(std::move(work->names), work->flat);
+  KeepWhatIsNeeded(work, &groups);
   std::unordered_set<std::string> seen;
-  for (const ExtractionGroup& group : work->groups) {
+  for (const ExtractionGroup& group : groups) {
     report.chosen += group.names.size();
     std::string folder = OutputFolder(work->destination, group.sub_folder);
     if (seen.insert(folder).second && !FolderExists(folder)) report.folders.push_back(std::move(folder));
   }
+  work->groups = std::move(groups);  // none after a fault: nobody would know which are free
 }
 
 // The rest is extracted; what is refused makes the whole a failure.
@@ -173,11 +174,11 @@ void clsArchiver::Refuse(Work* work) const {
 
 // The libraries that come with the program see to it themselves at the moment of writing; others may not know that they
 // should.
-void clsArchiver::KeepWhatIsNeeded(Work* work) const {
+void clsArchiver::KeepWhatIsNeeded(Work* work, std::vector<ExtractionGroup>* groups) const {
   std::vector<std::string> archive_files = work->session.ReadFrom();
   archive_files.push_back(pFileName);
   ExtractionGuard guard(work->destination, archive_files, environment_.protected_files);
-  for (ExtractionGroup& group : work->groups) {
+  for (ExtractionGroup& group : *groups) {
     std::erase_if(group.names, [&](const std::string& name) {
       const bool is_left_out = work->flat && name.ends_with('/');  // it is not made
       bool is_free = true;
@@ -190,7 +191,7 @@ void clsArchiver::KeepWhatIsNeeded(Work* work) const {
       return true;
     });
   }
-  std::erase_if(work->groups, [](const ExtractionGroup& group) { return group.names.empty(); });
+  std::erase_if(*groups, [](const ExtractionGroup& group) { return group.names.empty(); });
 }
 
 bool clsArchiver::Run(Work* work) {

@@ -103,7 +103,7 @@ class clsArchiver {
   void List(Work* work);
   void Choose(Work* work) const;
   void Refuse(Work* work) const;
-  void KeepWhatIsNeeded(Work* work) const;
+  void KeepWhatIsNeeded(Work* work, std::vector<ExtractionGroup>* groups) const;
   bool FindObstacles(Work* work, bool somebody_answers) const;
   static bool NoteObstacle(Work* work, const std::string& name, const platform::Result& obstacle);
   void FindObstacle(Work* work, const std::string& name, const std::string& path,

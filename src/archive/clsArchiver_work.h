@@ -23,8 +23,8 @@ struct clsArchiver::Work {
   ArchiveSession session;
   std::vector<std::string> names = {};
   std::vector<ExtractionGroup> groups = {};
-  std::vector<bool> is_free =
-      {};                 // of their names, group by group: for certain nothing is where the entry goes
+  // Of their names, group by group: for certain nothing is where the entry goes.
+  std::vector<bool> is_free = {};
   EntryTimes times = {};  // where they count
   ExistingFiles existing = {};
 

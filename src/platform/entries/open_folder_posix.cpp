@@ -1,10 +1,11 @@
 #include "platform/entries/open_folder.h"
 #include "platform/process/system_failure.h"
 
+#include <atomic>
 #include <cerrno>
+#include <exception>
 #include <memory>
 #include <string_view>
-#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -23,6 +24,10 @@ namespace {
 
 constexpr mode_t kReadAndWrite = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
 constexpr mode_t kAll = S_IRWXU | S_IRWXG | S_IRWXO;
+
+// Each takes a thread and a descriptor.
+constexpr int kMostClosings = 8;
+std::atomic<int> closings = 0;  // of files, under way on threads of their own
 
 struct ListingCloser {
   void operator()(DIR* listing) const { closedir(listing); }
@@ -160,11 +165,18 @@ Result OpenFolder::Remove(const std::string& name) const {
 Result OpenFolder::RemoveQuickly(const std::string& name) const {
   Descriptor file(openat(FdOf(handle_), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
   Result result = Remove(name);
-  try {
-    std::thread([last = std::move(file)]() mutable { last.Close(); }).detach();
-  } catch (const std::system_error&) {
-    // The system has no more threads, and this one waits.
+  if (!file.ok()) return result;
+  if (closings++ < kMostClosings) {
+    try {
+      std::thread([last = std::move(file)]() mutable {
+        last.Close();
+        --closings;
+      }).detach();
+      return result;
+    } catch (const std::exception&) {  // neither threads nor memory: this one waits
+    }
   }
+  --closings;
   return result;
 }
 

@@ -172,11 +172,11 @@ Result OpenFolder::MakeFolder(const std::string& name, NewEntry how) const {
                   Shown(name));
 }
 
-// Whether it is a folder shows only when it is open.
 Result OpenFolder::RemoveQuickly(const std::string& name) const {
   return Remove(name);
 }
 
+// Whether it is a folder shows only when it is open.
 Result OpenFolder::Remove(const std::string& name) const {
   Handle entry;
   EntryStatus status;

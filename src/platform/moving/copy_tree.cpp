@@ -5,12 +5,12 @@
 #include <atomic>
 #include <map>
 #include <mutex>
-#include <thread>
 #include <unordered_map>
 #include <vector>
 
 #include "platform/moving/copy_file.h"
 #include "platform/moving/own_thread.h"
+#include "platform/process/cores.h"
 
 namespace quendle::platform {
 namespace {
@@ -26,9 +26,8 @@ class Share final : public FileOperationObserver {
   Share(std::atomic<std::uint64_t>& all, FileOperationObserver* observer) : all_(all), observer_(observer) {}
 
   bool MustStayResponsive() const override { return false; }
-  Answer OnOverwrite(const FileSide&, const FileSide&) override {
-    return Answer::kCancel;
-  }  // nothing is there
+  // Nothing is there.
+  Answer OnOverwrite(const FileSide&, const FileSide&) override { return Answer::kCancel; }
   bool OnProgress(const FileProgress& progress) override {
     const std::uint64_t more = progress.bytes_done - mine_;
     mine_ = progress.bytes_done;
@@ -49,6 +48,7 @@ class Total final : public FileOperationObserver {
   bool MustStayResponsive() const override { return false; }
   Answer OnOverwrite(const FileSide&, const FileSide&) override { return Answer::kCancel; }
   bool OnProgress(const FileProgress& progress) override {
+    if (progress.path.empty()) return meter_.Tick();  // nothing has begun yet
     return meter_.StartEntry(progress.path) && Reach(progress.bytes_done);
   }
 
@@ -141,7 +141,7 @@ class TreeCopy {
   // Several threads make up for the time that each waits for file systems and locks.
   Result CopyParts() {
     first_failed_ = parts_.size();
-    const unsigned threads = std::min(std::thread::hardware_concurrency(), kMostThreads);
+    const unsigned threads = std::min(UsableCores(), kMostThreads);
     if (threads < 2 || tree_.entries().size() < kFewestForThreads) {
       CopyUntilDone(transfer_);
       return failure_;
@@ -160,14 +160,22 @@ class TreeCopy {
   // Every part before one that fails has been begun by then, and goes on: the first failure is the same as if
   // they were copied one after the other.
   void CopyUntilDone(Transfer& own) {
-    for (std::size_t part = next_part_++; part < first_failed_; part = next_part_++) {
-      Result result = CopyPart(own, parts_[part]);
-      if (result.ok()) continue;
-      const std::lock_guard lock(mutex_);
-      if (part >= first_failed_) continue;
-      first_failed_ = part;
-      failure_ = std::move(result);
+    try {
+      for (std::size_t part = next_part_++; part < first_failed_; part = next_part_++) {
+        Result result = CopyPart(own, parts_[part]);
+        if (!result.ok()) StopAt(part, std::move(result));
+      }
+    } catch (...) {
+      StopAt(0, {});  // what the others would copy is of no use any more
+      throw;
     }
+  }
+
+  void StopAt(std::size_t part, Result result) {
+    const std::lock_guard lock(mutex_);
+    if (part >= first_failed_) return;
+    first_failed_ = part;
+    failure_ = std::move(result);
   }
 
   Result CopyPart(Transfer& own, const Part& part) {
@@ -186,7 +194,10 @@ class TreeCopy {
     if (!own.meter.StartEntry(from)) return Cancelled(from);
     if (entry.status.is_link()) return CopyLink(entry, pair, to);
     std::unique_lock lock(large_files_, std::defer_lock);
-    if (entry.status.size >= kLargeFile) lock.lock();
+    if (entry.status.size >= kLargeFile) {
+      lock.lock();
+      if (!own.meter.Tick()) return Cancelled(from);
+    }
     return CopyFile(own, entry, pair, from, to);
   }
 

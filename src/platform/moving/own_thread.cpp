@@ -147,10 +147,12 @@ class EndedAtExit final : private UndoneAtExit {
 }  // namespace
 
 Result DoOnOwnThread(FileOperationObserver* observer, const ObservedWork& work) {
+  // They outlive the threads also when the observer throws.
+  Result result;
+  const SharedWork shared = [&](FileOperationObserver* told) { result = work(told); };
   OwnThreads threads(observer);
   const EndedAtExit at_exit(&threads);
-  Result result;
-  threads.Do(1, [&](FileOperationObserver* told) { result = work(told); });
+  threads.Do(1, shared);
   return result;
 }
 

@@ -13,8 +13,9 @@ using SharedWork = std::function<void(FileOperationObserver* observer)>;
 
 // Does the work on another thread, which ends before this returns. What that reports and asks reaches `observer` on
 // the calling thread, with the work waiting for the answer; in between, `observer` is told every 20 milliseconds what
-// it was told last. Once it has cancelled, every report is answered with a cancel, and every question. An exception of
-// the observer cancels the work, and std::exit in it waits for the end of the work, too.
+// it was told last, or of an empty path before the first report. Once it has cancelled, every report is answered with a
+// cancel, and every question. An exception of the observer cancels the work, and std::exit in it waits for the end of
+// the work, too. Where the system has no thread to give, the calling one does the work, and std::exit ends nothing.
 Result DoOnOwnThread(FileOperationObserver* observer, const ObservedWork& work);
 
 // The same with the work done by up to `count` threads at once, which share it out among themselves. Where the system

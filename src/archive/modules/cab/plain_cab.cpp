@@ -20,6 +20,11 @@ constexpr std::size_t kPieceSize = 256U << 10;
 // Of each folder: up to where its content is wanted.
 using WantedEnds = std::vector<std::uint64_t>;
 
+// What it takes to unpack so much of a folder.
+std::size_t BufferSize(std::uint64_t end) {
+  return static_cast<std::size_t>(end) + CabBlocks::kBlock + CabBlocks::kSlack;
+}
+
 // Unpacks the beginnings of folders.
 class FolderWorker final : public ContentPool::Worker {
  public:
@@ -29,7 +34,7 @@ class FolderWorker final : public ContentPool::Worker {
 
   std::optional<ContentBuffer> Unpack(std::size_t folder) override {
     const auto end = static_cast<std::size_t>(ends_[folder]);
-    ContentBuffer content(end + CabBlocks::kBlock + CabBlocks::kSlack);
+    ContentBuffer content(BufferSize(end));
     blocks_.Begin(directory_.folders[folder]);
     for (std::size_t size = 0; size < end;) {
       const std::size_t got = sink_.GoesOn() ? blocks_.Next(content.Data() + size) : 0;
@@ -57,7 +62,7 @@ class FolderContent {
     blocks_.Begin(folder);
     window_.resize((1 + kWindowBlocks) * CabBlocks::kBlock + CabBlocks::kSlack);
     next_ = CabBlocks::kBlock;
-    begin_ = end_ = 0;
+    end_ = 0;
   }
 
   // Bytes from `offset` on, which never goes back: `size` (not 0) at most. Empty: Problem().
@@ -69,10 +74,8 @@ class FolderContent {
     while (end_ <= offset) {
       if (!TakeBlock()) return {};
     }
-    const auto from = static_cast<std::size_t>(offset - begin_);
-    const auto block = static_cast<std::size_t>(end_ - begin_);
-    return std::string_view(window_.data() + next_ - block, block)
-        .substr(from, static_cast<std::size_t>(std::min<std::uint64_t>(size, block)));
+    const std::uint64_t left = end_ - offset;
+    return {window_.data() + next_ - left, static_cast<std::size_t>(std::min(size, left))};
   }
 
   const Reason& Problem() const { return blocks_.Problem(); }
@@ -86,7 +89,6 @@ class FolderContent {
       next_ = CabBlocks::kBlock;
     }
     const std::size_t got = blocks_.Next(window_.data() + next_);
-    begin_ = end_;
     end_ += got;
     next_ += got;
     return got > 0;
@@ -96,8 +98,7 @@ class FolderContent {
   std::optional<ContentBuffer> whole_;
   std::vector<char> window_;  // a block that came before, and some more
   std::size_t next_ = 0;      // behind the last block in it
-  std::uint64_t begin_ = 0;   // of that block in the folder's content
-  std::uint64_t end_ = 0;
+  std::uint64_t end_ = 0;     // of that block in the folder's content
 };
 
 class PlainCabReader final : public ArchiveReader {
@@ -135,7 +136,7 @@ std::vector<ContentPool::Job> PlainCabReader::JobsFor(const WantedEnds& ends) co
   if (ends.size() - static_cast<std::size_t>(std::count(ends.begin(), ends.end(), 0U)) < 2) return jobs;
   for (std::size_t i = 0; i < ends.size(); ++i) {
     if (directory_->folders[i].is_mszip && ends[i] > 0 && ends[i] <= kMostPooled)
-      jobs.push_back({i, static_cast<std::size_t>(ends[i])});
+      jobs.push_back({i, BufferSize(ends[i])});
   }
   return jobs;
 }
