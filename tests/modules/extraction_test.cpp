@@ -90,18 +90,18 @@ GTEST_TEST(Extraction, WhatComesOutOfAnArchive) {
 GTEST_TEST(Extraction, WhatIsThereAlready) {
   const struct {
     Existing existing;
-    std::int64_t there;  // its time; the archive's is 1,000,000,000
     int answer;
+    std::int64_t there;  // its time; the archive's is 1,000,000,000
     const char* out;
     int asked;
     bool failed;
   } rows[] = {
-      {Existing::kReplace, 2'000'000'000, ARCHIVER_NO, "a=new", 0, false},
-      {Existing::kUpdate, 999'999'999, ARCHIVER_NO, "a=new", 0, false},
-      {Existing::kUpdate, 1'000'000'000, ARCHIVER_NO, "a=old", 0, false},
-      {Existing::kAsk, 0, ARCHIVER_YES, "a=new", 1, false},
-      {Existing::kAsk, 0, ARCHIVER_NO, "a=old", 1, false},
-      {Existing::kAsk, 0, ARCHIVER_CANCEL, "a=old", 1, true},
+      {Existing::kReplace, ARCHIVER_NO, 2'000'000'000, "a=new", 0, false},
+      {Existing::kUpdate, ARCHIVER_NO, 999'999'999, "a=new", 0, false},
+      {Existing::kUpdate, ARCHIVER_NO, 1'000'000'000, "a=old", 0, false},
+      {Existing::kAsk, ARCHIVER_YES, 0, "a=new", 1, false},
+      {Existing::kAsk, ARCHIVER_NO, 0, "a=old", 1, false},
+      {Existing::kAsk, ARCHIVER_CANCEL, 0, "a=old", 1, true},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(testing::Message() << static_cast<int>(row.existing) << " " << row.there << " "
