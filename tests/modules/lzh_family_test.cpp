@@ -126,19 +126,26 @@ GTEST_TEST(Lzh, UnpacksAdaptiveCodes) {
   content.Add("abc");
   content.Repeat(3, 9);
   content.Add(kFox);
-  for (const auto& [back, count] :
-       {std::pair{45, 200}, {100, 4}, {100, 4}, {2, 3}, {100, 4}, {2, 3}, {1, 32}, {7, 31}}) {
+  for (const auto& [back, count] : {std::pair<std::size_t, std::size_t>{45, 200},
+                                    {100, 4},
+                                    {100, 4},
+                                    {2, 3},
+                                    {100, 4},
+                                    {2, 3},
+                                    {1, 32},
+                                    {7, 31}}) {
     content.Repeat(back, count);
   }
   content.Add("Pack my box");
   content.Repeat(70, 9);
   content.Repeat(200, 12);
   content.Add("xyz");
-  content.Repeat(3, 3 * 33'000);
+  content.Repeat(3, 99'000);
   content.Repeat(8192, 40);
   content.Repeat(5000, 3);
   content.Add(kFox.substr(0, 20));
-  for (const auto& [back, count] : {std::pair{20, 20}, {4100, 5}, {2, 256}}) content.Repeat(back, count);
+  for (const auto& [back, count] : {std::pair<std::size_t, std::size_t>{20, 20}, {4100, 5}, {2, 256}})
+    content.Repeat(back, count);
   const std::string packed =
       FromHex(
           "252627c40b782dc10c1614f90d4e4b77cbf6380d8cceccb295691e672ed6313437bf19d6ce9de71b573030e13e3dc0a3"
@@ -161,7 +168,7 @@ GTEST_TEST(Lzh, UnpacksAdaptiveCodes) {
 GTEST_TEST(Lzh, UnpacksStaticCodes) {
   Content content;
   content.Add(kFox);
-  for (const auto& [back, count] : {std::pair{45, 200},
+  for (const auto& [back, count] : {std::pair<std::size_t, std::size_t>{45, 200},
                                     {1, 33},
                                     {8192, 31},
                                     {300, 4},
