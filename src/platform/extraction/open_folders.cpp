@@ -9,11 +9,6 @@ namespace {
 // of two thousand folders.
 constexpr std::size_t kMostOpen = 32;
 
-// Is `above` the folder itself, or one on the way to it?
-bool IsOnWay(const std::string& above, const std::string& folder) {
-  return folder.starts_with(above) && (folder.size() == above.size() || folder[above.size()] == '/');
-}
-
 }  // namespace
 
 std::string OpenFolders::Shown(const std::string& path) const {
@@ -25,8 +20,6 @@ std::string OpenFolders::Shown(const std::string& path) const {
 }
 
 Result OpenFolders::Enter(const std::string& folder, bool make, FolderHandle* handle) {
-  if (!make && !missing_.empty() && IsOnWay(missing_, folder)) return not_found_;
-  missing_.clear();
   const auto same = static_cast<std::size_t>(
       std::mismatch(folder.begin(), folder.end(), path_.begin(), path_.end()).first - folder.begin());
   const auto is_on_the_way = [&](const Level& level) {
@@ -41,10 +34,6 @@ Result OpenFolders::Enter(const std::string& folder, bool make, FolderHandle* ha
        begin = levels_.back().end + 1) {
     const std::size_t end = std::min(folder.find('/', begin), folder.size());
     Result result = EnterNext(*entered, begin, end, make, &entered);
-    if (result.code == Code::kNotFound) {
-      missing_ = folder.substr(0, end);
-      not_found_ = result;
-    }
     if (!result.ok()) return result;
     if (levels_.size() > kMostOpen) levels_.back().handle.reset();
     levels_.push_back({end, entered});

@@ -30,8 +30,7 @@ class OpenFolders {
   std::string Shown(const std::string& path) const;
 
   // Opens a folder by its path below the top, "" for the top itself, for passing through. With `make` missing
-  // folders are made. kNotFolder, with the path of that part, for a file or link on the way. A folder that was found
-  // missing is looked for again when another one is entered.
+  // folders are made. kNotFolder, with the path of that part, for a file or link on the way.
   Result Enter(const std::string& folder, bool make, FolderHandle* handle);
 
  private:
@@ -47,8 +46,6 @@ class OpenFolders {
   const ProtectedEntries* protected_ = nullptr;
   std::string path_;  // the levels are folders on it
   std::vector<Level> levels_;
-  std::string missing_;  // a folder on path_; empty: none that is known
-  Result not_found_;     // the answer for it
 };
 
 }  // namespace quendle::platform
